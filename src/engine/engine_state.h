@@ -1,0 +1,54 @@
+// The members of the engine object that the scanning steps own, grouped by the step that fills them.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "engine/block_index.h"
+#include "engine/node_list.h"
+#include "engine/page_layout.h"
+#include "engine/referenced_ids.h"
+#include "platform/file.h"
+
+namespace velmora::engine {
+
+/// "pst", "ost", "pab" or the empty text, by the client magic; branches on it are exact.
+enum class StoreKind { kNone, kPst, kOst, kPab };
+
+/// A block that no node refers to: one of the two ids is set, the other is 0.
+struct OrphanBlock {
+  std::uint32_t bidData = 0;  ///< a block with a heap signature
+  std::uint32_t bidSub = 0;   ///< a sub-node block that begins with an attachment table
+};
+
+enum class BlockEncoding : std::uint8_t { kNone = 0, kPermute = 1, kCyclic = 2 };
+
+struct EngineState {
+  // Opening and probe
+  std::unique_ptr<platform::ByteSource> source;  ///< null outside a run
+  StoreKind storeKind = StoreKind::kNone;
+  PageLayout layout;
+  std::uint64_t percentBase = 0;  ///< divisor of every percentage; 0 for a tiny source
+
+  // Node scan
+  NodeList nodes;
+  ReferencedIds referencedIds;  ///< Smart Scan only
+  std::uint32_t nodeCount = 0;
+
+  // Block scan
+  std::filesystem::path outputFolder;   ///< holds the new store and the index file; empty before the set-up
+  std::filesystem::path indexFileName;  ///< "FirstTableItem.dat" once the block scan has begun
+  BlockIndex index;
+  std::uint32_t blockRecordCount = 0;
+  /// Smart Scan only. The list ends in its empty element, so a Smart Scan has at least one; a Normal Scan none.
+  std::vector<OrphanBlock> orphans;
+  std::uint32_t orphanBlockCount = 0;
+
+  // Block reader
+  BlockEncoding blockEncoding = BlockEncoding::kNone;
+  bool encodingUnknown = true;
+};
+
+}  // namespace velmora::engine

@@ -1,0 +1,31 @@
+// The scanning steps of a run, in the order in which the worker calls them. Each step is implemented in
+// the file named for it. A step returns no value: a failure shows in `runAborted`, or ends the worker by
+// throwing WorkerEnded after its box.
+#pragma once
+
+#include <filesystem>
+
+#include "engine/engine_state.h"
+#include "engine/run.h"
+
+namespace velmora::engine {
+
+/// source_open.cpp. Sends stage 1, opens the file with read sharing and sets `percentBase`. A source that
+/// cannot be opened shows its box and throws WorkerEnded; nothing is closed then.
+void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path);
+
+enum class ProbeResult { kFound, kRefused };
+
+/// format_probe.cpp. Sends stage 2, finds store kind and page layout. On kRefused the caller closes source
+/// and log, shows the refusal, runs the clean-up and ends the worker.
+ProbeResult ProbeFormat(EngineState& state, RunContext& run);
+
+/// node_page_scan.cpp. Sends stage 4; fills `nodes`, `nodeCount` and, in a Smart Scan, `referencedIds` and
+/// the first element of `orphans`.
+void ScanNodePages(EngineState& state, RunContext& run);
+
+/// block_page_scan.cpp. Sends stage 5; writes the index file and builds `index`; in a Smart Scan fills
+/// `orphans`. Needs `outputFolder`.
+void ScanBlockPages(EngineState& state, RunContext& run);
+
+}  // namespace velmora::engine

@@ -1,0 +1,85 @@
+// The interface between the walk over a message's records and the converters of the kinds of item.
+// Recovery calls converters through it alone.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "engine/block_index.h"
+#include "engine/byte_view.h"
+#include "engine/engine_state.h"
+#include "engine/run.h"
+#include "output/operations.h"
+#include "recovery/named_prop_map.h"
+#include "text/code_page.h"
+
+namespace velmora::recovery {
+
+/// The kinds in the order in which a record is offered to them.
+enum class ItemKind { kMail, kContact, kTask, kAppointment, kMeeting, kJournal, kNote };
+inline constexpr std::size_t kItemKinds = 7;
+
+/// A record of a property context (published structure: 8 bytes in the record array).
+struct PropertyRecord {
+  std::uint16_t id = 0;
+  std::uint16_t type = 0;   ///< the MAPI property type
+  std::uint32_t value = 0;  ///< inline value, heap identifier, or sub-node identifier
+};
+
+/// The decoded and inflated block of the message under work, and what stands around it.
+struct MessageBlock {
+  engine::ByteView bytes;          ///< readBuffer
+  engine::BlockRecord record;      ///< its `size` is the size after inflation
+  std::uint16_t heapPageMapOffset = 0;
+
+  /// The place in `bytes` at which the page map holds start and end of the allocation that `value` names.
+  /// For an inline value it means nothing but is formed and tested all the same.
+  std::uint32_t Position(std::uint32_t value) const { return heapPageMapOffset + 2u + (value >> 4); }
+};
+
+/// Per-message working values of the mail converter, cleared at the start of each message.
+struct MailState {
+  bool fromSeen = false;
+  bool toSeen = false;
+  bool subjectShown = false;
+  std::uint16_t importanceSeen = 3;
+  std::uint16_t sensitivitySeen = 4;
+  std::uint16_t flagIconSeen = 7;
+};
+
+/// Values that live outside the message's own block, as the sub-node list of the message gives them.
+class SubNodeValues {
+ public:
+  virtual ~SubNodeValues() = default;
+
+  /// The text of the sub-node whose id is `value`, `type` 0x001F or 0x001E; empty when there is none.
+  virtual text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) = 0;
+};
+
+/// What a converter may use of the run.
+struct ConversionScope {
+  engine::StoreKind storeKind = engine::StoreKind::kNone;
+  bool wideFormat = false;
+  const text::CodePage* codePage = nullptr;  ///< never null during a run
+  const NamedPropMap* namedProps = nullptr;  ///< never null during a run
+  const engine::RunContext* run = nullptr;   ///< for the messages of the panes
+  SubNodeValues* subNodes = nullptr;         ///< of the message under work
+  MailState* mail = nullptr;                 ///< of the message under work
+  text::Text currentFolderName;              ///< leaf of the folder that took the message under work
+};
+
+/// Turns the records of one kind of item into writes through the output operations.
+class ItemConverter {
+ public:
+  virtual ~ItemConverter() = default;
+
+  /// One record behind the class record. Raises output::OutputFailure where the kind lets a failure pass.
+  virtual void ApplyProperty(ConversionScope& scope, const MessageBlock& block, const PropertyRecord& record,
+                             const output::Ref<output::RDOMail>& item) = 0;
+};
+
+/// One converter a kind, indexed by ItemKind; none is null.
+using ItemConverters = std::array<std::unique_ptr<ItemConverter>, kItemKinds>;
+
+}  // namespace velmora::recovery

@@ -1,0 +1,32 @@
+// Text inside the program is UTF-16 throughout, as mail stores hold it: a text of a damaged store may
+// hold lone surrogates, and they travel unchanged.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velmora::text {
+
+using Text = std::u16string;
+using TextView = std::u16string_view;
+
+/// UTF-8 of a text; a lone surrogate becomes U+FFFD.
+std::string ToUtf8(TextView text);
+
+/// Text of UTF-8 bytes; a malformed sequence becomes U+FFFD.
+Text FromUtf8(std::string_view bytes);
+
+/// Text of a file name as the system gives it: UTF-8, and each byte that is not part of a valid sequence
+/// becomes the lone surrogate U+DC00 + byte, so that every file name travels through the program and back.
+Text FromFileName(std::string_view bytes);
+
+/// The reverse of FromFileName.
+std::string ToFileName(TextView text);
+
+/// Equality without regard to case (simple case folding of the Unicode standard, no locale).
+bool EqualIgnoringCase(TextView a, TextView b);
+
+/// The form of a text under which texts equal without regard to case are identical; a key for maps.
+Text CaseFolded(TextView text);
+
+}  // namespace velmora::text
