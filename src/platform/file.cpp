@@ -1,0 +1,163 @@
+#include "platform/file.h"
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static_assert(std::endian::native == std::endian::little, "numbers of a store are read as the host holds them");
+static_assert(sizeof(off_t) == 8, "stores above 2 GB");
+
+namespace velmora::platform {
+namespace {
+
+FailureKind KindOf(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return FailureKind::kNotFound;
+    case EEXIST:
+      return FailureKind::kExists;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+      return FailureKind::kDenied;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return FailureKind::kFull;
+    default:
+      return FailureKind::kInputOutput;
+  }
+}
+
+tl::unexpected<Failure> Fail(int error, const std::string& object, std::uint64_t offset = 0) {
+  return tl::unexpected(Failure{KindOf(error), object, offset, std::generic_category().message(error)});
+}
+
+/// A file descriptor that is closed with its holder.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Descriptor& operator=(Descriptor&&) = delete;
+  int Get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+class SystemFile : public ByteStore {
+ public:
+  SystemFile(Descriptor descriptor, std::string name, std::uint64_t size)
+      : descriptor_(std::move(descriptor)), name_(std::move(name)), size_(size) {}
+
+  std::uint64_t Size() const override { return size_; }
+
+  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    std::size_t done = 0;
+    while (done < out.size()) {
+      const ssize_t n = ::pread(descriptor_.Get(), out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return Fail(errno, name_, offset + done);
+      if (n == 0) break;
+      done += static_cast<std::size_t>(n);
+    }
+    return done;
+  }
+
+  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+      const ssize_t n =
+          ::pwrite(descriptor_.Get(), bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return Fail(errno, name_, offset + done);
+      done += static_cast<std::size_t>(n);
+    }
+    size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+    return {};
+  }
+
+  Result<void> Resize(std::uint64_t size) override {
+    if (::ftruncate(descriptor_.Get(), static_cast<off_t>(size)) != 0) return Fail(errno, name_, size);
+    size_ = size;
+    return {};
+  }
+
+  Result<void> Flush() override {
+    if (::fdatasync(descriptor_.Get()) != 0) return Fail(errno, name_);
+    return {};
+  }
+
+ private:
+  Descriptor descriptor_;
+  std::string name_;
+  std::uint64_t size_;
+};
+
+Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int flags) {
+  // O_NONBLOCK: a named pipe must not hold the program; regular files take no notice of it.
+  Descriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0644));
+  if (descriptor.Get() < 0) return Fail(errno, path.string());
+  struct stat status {};
+  if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path.string());
+  if (!S_ISREG(status.st_mode)) return Fail(S_ISDIR(status.st_mode) ? EISDIR : EACCES, path.string());
+  return std::make_unique<SystemFile>(std::move(descriptor), path.string(), static_cast<std::uint64_t>(status.st_size));
+}
+
+}  // namespace
+
+Result<std::unique_ptr<ByteSource>> OpenForReading(const std::filesystem::path& path) {
+  auto file = Open(path, O_RDONLY);
+  if (!file) return tl::unexpected(file.error());
+  return std::unique_ptr<ByteSource>(std::move(*file));
+}
+
+Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path) {
+  auto file = Open(path, O_RDWR);
+  if (!file) return tl::unexpected(file.error());
+  return std::unique_ptr<ByteStore>(std::move(*file));
+}
+
+Result<std::unique_ptr<ByteStore>> CreateFile(const std::filesystem::path& path, Existing existing) {
+  auto file = Open(path, O_RDWR | O_CREAT | (existing == Existing::kRefuse ? O_EXCL : O_TRUNC));
+  if (!file) return tl::unexpected(file.error());
+  return std::unique_ptr<ByteStore>(std::move(*file));
+}
+
+Result<std::unique_ptr<ByteStore>> CreateUnnamedFile() {
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+  if (error) return Fail(error.value(), "temporary folder");
+  // Not every file system has O_TMPFILE; a name that is unlinked at once does the same.
+  std::string name = (folder / "velmora-XXXXXX").string();
+  Descriptor descriptor(::mkostemp(name.data(), O_CLOEXEC));
+  if (descriptor.Get() < 0) return Fail(errno, name);
+  ::unlink(name.c_str());
+  return std::unique_ptr<ByteStore>(std::make_unique<SystemFile>(std::move(descriptor), name, 0));
+}
+
+Result<void> CreateFolder(const std::filesystem::path& path) {
+  if (::mkdir(path.c_str(), 0755) != 0) return Fail(errno, path.string());
+  return {};
+}
+
+Result<void> DeleteFile(const std::filesystem::path& path) {
+  if (::unlink(path.c_str()) != 0) return Fail(errno, path.string());
+  return {};
+}
+
+}  // namespace velmora::platform
