@@ -45,6 +45,14 @@ class RunObserver {
   virtual void OnBox(BoxKind kind, text::TextView title, text::TextView message) = 0;
 };
 
+/// The text log of a run, LogInformation.log. It only tells; nothing of a run depends on it.
+class RunLog {
+ public:
+  virtual ~RunLog() = default;
+  /// Appends the characters as they stand: line ends are part of the text.
+  virtual void Write(text::TextView text) = 0;
+};
+
 /// Thrown through a run that is stopped for good. It is no failure: no frame of the run catches it, so it
 /// does not derive from std::exception.
 struct RunStopped {};
@@ -82,7 +90,13 @@ struct RunContext {
   std::atomic<bool> runAborted{false};
   std::atomic<bool> smartScan{false};
   RunObserver* observer = nullptr;  ///< not owned; null: messages are lost
+  RunLog* log = nullptr;            ///< not owned; null while the log switch is off
   RunControl control;
+
+  /// One piece of the log, if the switch is on.
+  void Log(text::TextView piece) const {
+    if (log != nullptr) log->Write(piece);
+  }
 
   void Send(std::uint32_t code, std::uint32_t number = 0, std::uint32_t detail = 0, text::TextView text = {}) const {
     if (observer != nullptr) observer->OnMessage({code, number, detail, text::Text(text)});
