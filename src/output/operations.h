@@ -58,6 +58,13 @@ class OutputFailure : public std::exception {
   std::string information_;
 };
 
+/// True for a failure of the store itself rather than of one operation on it: what could not be written now
+/// cannot be written later either, so a frame that gives up one field or one item lets it pass and the run
+/// ends.
+inline bool IsStoreFailure(const OutputFailure& failure) {
+  return failure.Code() == ResultCode::STG_E_WRITEFAULT || failure.Code() == ResultCode::STG_E_MEDIUMFULL;
+}
+
 /// A counted reference to an object of the library. Using a null one raises E_POINTER; two references are
 /// equal when they are the same object.
 template <class T>
