@@ -1,0 +1,39 @@
+// One line of the trace: a JSON object, its members in the order in which they are added.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "output/operations.h"
+
+namespace velmora::output {
+
+/// The file is plain ASCII: every other UTF-16 unit is a \uXXXX escape, so lone surrogates, which texts of
+/// damaged stores hold, come out as they are.
+class JsonLine {
+ public:
+  explicit JsonLine(std::string_view operation);
+
+  JsonLine& Null(std::string_view key);
+  JsonLine& Flag(std::string_view key, bool value);
+  JsonLine& Number(std::string_view key, std::int64_t value);
+  JsonLine& Text(std::string_view key, text::TextView value);
+  /// A value of ASCII letters, digits and the like, which needs no escapes.
+  JsonLine& Plain(std::string_view key, std::string_view value);
+  /// A field's value by its type; a date as "YYYY-MM-DDTHH:MM:SS".
+  JsonLine& Value(std::string_view key, const FieldValue& value);
+
+  /// The finished line, without a line end.
+  std::string End();
+
+ private:
+  JsonLine& Key(std::string_view key);
+
+  std::string line_;
+};
+
+/// "YYYY-MM-DDTHH:MM:SS" of the Gregorian calendar, no zone.
+std::string IsoDateTime(OleDate date);
+
+}  // namespace velmora::output

@@ -1,0 +1,183 @@
+#include "output/trace/trace_folder.h"
+
+#include "output/trace/json_line.h"
+
+namespace velmora::output {
+namespace {
+
+constexpr text::TextView kMailClass = u"IPF.Note";
+
+text::TextView ContainerClassOf(DefaultFolder kind) {
+  switch (kind) {
+    case DefaultFolder::kCalendar:
+      return u"IPF.Appointment";
+    case DefaultFolder::kContacts:
+      return u"IPF.Contact";
+    case DefaultFolder::kJournal:
+      return u"IPF.Journal";
+    case DefaultFolder::kNotes:
+      return u"IPF.StickyNote";
+    case DefaultFolder::kTasks:
+      return u"IPF.Task";
+    default:
+      return kMailClass;
+  }
+}
+
+class TraceItems : public RDOItems {
+ public:
+  explicit TraceItems(std::shared_ptr<TraceFolder> folder) : folder_(std::move(folder)) {}
+  std::int32_t Count() const override { return folder_->ItemCount(); }
+  Ref<RDOMail> Add(text::TextView messageClass) override { return folder_->AddItem(messageClass); }
+  Ref<RDOMail> GetFirst() override {
+    place_ = 0;
+    return GetNext();
+  }
+  Ref<RDOMail> GetNext() override { return folder_->NextItem(place_); }
+
+ private:
+  std::shared_ptr<TraceFolder> folder_;
+  std::uint64_t place_ = 0;
+};
+
+class TraceFolders : public RDOFolders {
+ public:
+  explicit TraceFolders(std::shared_ptr<TraceFolder> folder) : folder_(std::move(folder)) {}
+  Ref<RDOFolder> Add(text::TextView name, const FolderType& type) override { return folder_->AddChild(name, type); }
+  Ref<RDOFolder> Item(text::TextView name) override { return folder_->Child(name); }
+  std::int32_t Count() const override { return static_cast<std::int32_t>(folder_->Children().size()); }
+  Ref<RDOFolder> At(std::int32_t index) override {
+    if (index < 0 || index >= Count()) throw OutputFailure(ResultCode::E_INVALIDARG);
+    return folder_->Children()[static_cast<std::size_t>(index)];
+  }
+
+ private:
+  std::shared_ptr<TraceFolder> folder_;
+};
+
+class TraceFolder2 : public RDOFolder2 {
+ public:
+  explicit TraceFolder2(std::shared_ptr<TraceFolder> folder) : folder_(std::move(folder)) {}
+  void SetAsDefaultFolder(DefaultFolder kind) override { folder_->BecomeDefault(kind); }
+  void PutDefaultFolderFlag(std::int32_t) override {}
+
+ private:
+  std::shared_ptr<TraceFolder> folder_;
+};
+
+}  // namespace
+
+TraceFolder::TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store, text::Text path,
+                         text::TextView name, text::TextView containerClass)
+    : state_(std::move(state)),
+      store_(std::move(store)),
+      path_(std::move(path)),
+      name_(name),
+      containerClass_(containerClass) {}
+
+Ref<RDOItems> TraceFolder::Items() { return std::make_shared<TraceItems>(shared_from_this()); }
+Ref<RDOFolders> TraceFolder::Folders() { return std::make_shared<TraceFolders>(shared_from_this()); }
+Ref<RDOFolder2> TraceFolder::QueryFolder2() { return std::make_shared<TraceFolder2>(shared_from_this()); }
+
+std::shared_ptr<TraceFolder> TraceFolder::Child(text::TextView name) const {
+  const auto found = childByName_.find(text::CaseFolded(name));
+  return found == childByName_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<TraceFolder> TraceFolder::MakeChild(text::TextView name, text::TextView containerClass) {
+  if (name.empty()) throw OutputFailure(ResultCode::E_INVALIDARG);
+  const auto [place, fresh] = childByName_.try_emplace(text::CaseFolded(name));
+  if (!fresh) throw OutputFailure(ResultCode::MAPI_E_COLLISION);
+  place->second = std::make_shared<TraceFolder>(state_, store_, path_ + u"\\" + text::Text(name), name, containerClass);
+  children_.push_back(place->second);
+  return place->second;
+}
+
+std::shared_ptr<TraceFolder> TraceFolder::AddChild(text::TextView name, const FolderType& type) {
+  const auto* containerClass = std::get_if<text::Text>(&type);
+  const auto* kind = std::get_if<std::int32_t>(&type);
+  auto child = MakeChild(name, containerClass != nullptr ? text::TextView(*containerClass) : kMailClass);
+  JsonLine line("AddFolder");
+  line.Text("parent", path_).Text("name", name);
+  if (containerClass != nullptr) {
+    line.Text("type", *containerClass);
+  } else if (kind != nullptr) {
+    line.Number("type", *kind);
+  } else {
+    line.Null("type");
+  }
+  state_->sink->WriteLine(line.End());
+  if (kind != nullptr) {
+    if (const auto store = store_.lock()) store->SetDefault(static_cast<DefaultFolder>(*kind), child);
+  }
+  return child;
+}
+
+void TraceFolder::BecomeDefault(DefaultFolder kind) {
+  state_->sink->WriteLine(
+      JsonLine("SetAsDefaultFolder").Text("folder", path_).Number("kind", static_cast<std::int32_t>(kind)).End());
+  containerClass_ = ContainerClassOf(kind);
+  if (const auto store = store_.lock()) store->SetDefault(kind, shared_from_this());
+}
+
+std::shared_ptr<TraceItem> TraceFolder::AddItem(text::TextView messageClass) {
+  const std::int64_t id = ++state_->lastItemId;
+  state_->sink->WriteLine(JsonLine("AddItem").Number("id", id).Text("folder", path_).Text("class", messageClass).End());
+  return std::make_shared<TraceItem>(state_, shared_from_this(), id, messageClass);
+}
+
+void TraceFolder::KeepItem(TraceItem* item) {
+  ++itemCount_;
+  heldItems_[++lastPlace_] = item;
+  placeOfItem_[item] = lastPlace_;
+}
+
+void TraceFolder::DropItem(TraceItem* item) {
+  --itemCount_;
+  ForgetItem(item);
+}
+
+void TraceFolder::ForgetItem(TraceItem* item) {
+  const auto found = placeOfItem_.find(item);
+  if (found == placeOfItem_.end()) return;
+  heldItems_.erase(found->second);
+  placeOfItem_.erase(found);
+}
+
+std::shared_ptr<TraceItem> TraceFolder::NextItem(std::uint64_t& place) const {
+  const auto next = heldItems_.upper_bound(place);
+  if (next == heldItems_.end()) return nullptr;
+  place = next->first;
+  return next->second->shared_from_this();
+}
+
+std::shared_ptr<TraceStore> TraceStore::Create(std::shared_ptr<TraceState> state, text::TextView displayName) {
+  std::shared_ptr<TraceStore> store(new TraceStore(displayName));
+  store->top_ =
+      std::make_shared<TraceFolder>(std::move(state), store, store->root_, u"Top of Personal Folders", kMailClass);
+  store->SetDefault(DefaultFolder::kDeletedItems, store->top_->MakeChild(u"Deleted Items", kMailClass));
+  return store;
+}
+
+Ref<RDOFolder> TraceStore::IPMRootFolder() { return top_; }
+
+std::shared_ptr<TraceFolder> TraceStore::DefaultOf(DefaultFolder kind) const {
+  const auto found = defaults_.find(kind);
+  return found == defaults_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<TraceFolder> TraceStore::FolderAt(text::TextView path) const {
+  if (path.size() < root_.size() || !text::EqualIgnoringCase(path.substr(0, root_.size()), root_)) return nullptr;
+  path.remove_prefix(root_.size());
+  std::shared_ptr<TraceFolder> folder = top_;
+  while (!path.empty() && folder != nullptr) {
+    if (path.front() != u'\\') return nullptr;
+    path.remove_prefix(1);
+    const text::TextView name = path.substr(0, path.find(u'\\'));
+    folder = folder->Child(name);
+    path.remove_prefix(name.size());
+  }
+  return folder;
+}
+
+}  // namespace velmora::output

@@ -1,0 +1,84 @@
+// Folders of the trace. They are kept for the whole run, each with the number of its saved items.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "output/operations.h"
+#include "output/trace/trace_item.h"
+
+namespace velmora::output {
+
+class TraceStore;
+
+class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceFolder> {
+ public:
+  /// `path` is the folder's own, two backslashes and the name of the store first. `store` outlives its
+  /// folders' use by a session.
+  TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store, text::Text path, text::TextView name,
+              text::TextView containerClass);
+
+  Ref<RDOItems> Items() override;
+  Ref<RDOFolders> Folders() override;
+  Ref<RDOFolder2> QueryFolder2() override;
+  text::Text Name() const override { return name_; }
+  text::Text ContainerClass() const override { return containerClass_; }
+
+  /// Makes a child without tracing it, as a store does for the folders it is born with.
+  std::shared_ptr<TraceFolder> MakeChild(text::TextView name, text::TextView containerClass);
+  std::shared_ptr<TraceFolder> Child(text::TextView name) const;
+  const std::vector<std::shared_ptr<TraceFolder>>& Children() const { return children_; }
+
+  std::shared_ptr<TraceFolder> AddChild(text::TextView name, const FolderType& type);
+  void BecomeDefault(DefaultFolder kind);
+  std::shared_ptr<TraceItem> AddItem(text::TextView messageClass);
+
+  // By the items, as they are saved, deleted and released.
+  void KeepItem(TraceItem* item);
+  void DropItem(TraceItem* item);
+  void ForgetItem(TraceItem* item);
+
+  std::int32_t ItemCount() const { return itemCount_; }
+  /// The saved items that somebody still holds, in the order of their first save: the one behind `place`,
+  /// whose place goes to `place`; null at the end. Places count from 1.
+  std::shared_ptr<TraceItem> NextItem(std::uint64_t& place) const;
+
+ private:
+  std::shared_ptr<TraceState> state_;
+  std::weak_ptr<TraceStore> store_;
+  text::Text path_;
+  text::Text name_;
+  text::Text containerClass_;
+  std::vector<std::shared_ptr<TraceFolder>> children_;
+  std::unordered_map<text::Text, std::shared_ptr<TraceFolder>> childByName_;  ///< by the folded name
+  std::int32_t itemCount_ = 0;
+  std::uint64_t lastPlace_ = 0;
+  std::map<std::uint64_t, TraceItem*> heldItems_;
+  std::unordered_map<TraceItem*, std::uint64_t> placeOfItem_;
+};
+
+/// One store: its name, its top folder and its default folders.
+class TraceStore : public RDOStore, public std::enable_shared_from_this<TraceStore> {
+ public:
+  /// A fresh store has a top and, under it, "Deleted Items".
+  static std::shared_ptr<TraceStore> Create(std::shared_ptr<TraceState> state, text::TextView displayName);
+
+  Ref<RDOFolder> IPMRootFolder() override;
+
+  std::shared_ptr<TraceFolder> DefaultOf(DefaultFolder kind) const;
+  void SetDefault(DefaultFolder kind, std::shared_ptr<TraceFolder> folder) { defaults_[kind] = std::move(folder); }
+
+  /// The folder at a path below two backslashes and this store's name; null where there is none.
+  std::shared_ptr<TraceFolder> FolderAt(text::TextView path) const;
+
+ private:
+  explicit TraceStore(text::TextView displayName) : root_(text::Text(u"\\\\") + text::Text(displayName)) {}
+
+  text::Text root_;
+  std::shared_ptr<TraceFolder> top_;
+  std::map<DefaultFolder, std::shared_ptr<TraceFolder>> defaults_;
+};
+
+}  // namespace velmora::output
