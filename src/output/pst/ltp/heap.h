@@ -1,0 +1,31 @@
+// Reads a heap.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "output/pst/ltp/heap_format.h"
+#include "output/pst/ndb/block_source.h"
+#include "output/pst/ndb/data_tree_reader.h"
+
+namespace velmora::ltp {
+
+/// A heap opened for reading. Block 0 and the block read last are kept.
+class Heap {
+ public:
+  /// kCorrupt when the tree is no heap of that kind.
+  static ndb::Result<Heap> Open(const ndb::BlockSource& source, ndb::Bid bidData, ClientSig clientSig);
+
+  Hid UserRoot() const { return hidUserRoot_; }
+
+  /// The bytes of an item, valid until the next call. kCorrupt when the id names no item.
+  ndb::Result<std::span<const std::byte>> Item(Hid hid);
+
+ private:
+  std::vector<std::byte> first_;
+  ndb::DataTreeReader blocks_;
+  Hid hidUserRoot_ = 0;
+};
+
+}  // namespace velmora::ltp

@@ -1,0 +1,52 @@
+// Writes a table: rows go to disk as they come.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "output/pst/ltp/heap_writer.h"
+#include "output/pst/ltp/prop_tag.h"
+#include "output/pst/ltp/table_schema.h"
+#include "output/pst/ndb/ndb_writer.h"
+
+namespace velmora::ltp {
+
+/// A property and its value bytes, as PropertyContextWriter takes and PropertyContext gives them.
+struct PropertyView {
+  PropTag tag = 0;
+  std::span<const std::byte> value;
+};
+
+/// Takes rows in any order of their ids and keeps 8 bytes a row, one block of rows and up to three of the
+/// heap in memory.
+class TableContextWriter {
+ public:
+  /// `schema.columns` must outlive the writer. The schema must be sound (IsSound).
+  TableContextWriter(ndb::NdbWriter& ndb, const TableSchema& schema);
+
+  /// Adds a row. `cells` may be in any order; a property that the table has no column for is left out, and
+  /// so are the row id and version, which the writer sets. A cell that is not given is absent. kCorrupt when
+  /// a value does not fit its type.
+  ndb::Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
+
+  std::size_t RowCount() const { return rowIds_.size(); }
+
+  /// Cells left absent because the heap, which holds at most 65536 blocks, had no room for them.
+  std::size_t CellsLeftOut() const { return cellsLeftOut_; }
+
+  /// Writes the table; nothing refers to it yet. kCorrupt when two rows share an id. The writer is used up.
+  ndb::Result<ndb::WrittenNode> Finish();
+
+ private:
+  ndb::NdbWriter& ndb_;
+  TableSchema schema_;
+  HeapWriter heap_;
+  ndb::DataTreeWriter matrix_;
+  ndb::SubnodeTreeWriter subnodes_;
+  std::vector<std::uint32_t> rowIds_;  ///< in the order of the matrix
+  std::vector<std::byte> row_;
+  std::size_t cellsLeftOut_ = 0;
+};
+
+}  // namespace velmora::ltp

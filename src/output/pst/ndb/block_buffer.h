@@ -1,0 +1,45 @@
+// Memory for one block, kept for the next one that needs it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace velmora::ndb {
+
+/// Most bytes of data in a block; a block on disk takes up to 8192 with its trailer.
+inline constexpr std::size_t kMaxBlockData = 8176;
+
+class BlockBufferPool;
+
+/// A buffer of kMaxBlockData bytes of unspecified content; goes back to its pool with its owner.
+class BlockBuffer {
+ public:
+  using Bytes = std::array<std::byte, kMaxBlockData>;
+
+  BlockBuffer() = default;
+  BlockBuffer(BlockBufferPool& pool, std::unique_ptr<Bytes> bytes) : pool_(&pool), bytes_(std::move(bytes)) {}
+  ~BlockBuffer();
+  BlockBuffer(BlockBuffer&& other) noexcept;
+  BlockBuffer& operator=(BlockBuffer&& other) noexcept;
+
+  explicit operator bool() const { return bytes_ != nullptr; }
+  Bytes& operator*() const { return *bytes_; }
+
+ private:
+  BlockBufferPool* pool_ = nullptr;
+  std::unique_ptr<Bytes> bytes_;
+};
+
+/// Hands out buffers and takes them back. Must outlive them.
+class BlockBufferPool {
+ public:
+  BlockBuffer Take();
+
+ private:
+  friend class BlockBuffer;
+  std::vector<std::unique_ptr<BlockBuffer::Bytes>> free_;
+};
+
+}  // namespace velmora::ndb

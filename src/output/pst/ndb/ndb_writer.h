@@ -1,0 +1,106 @@
+// The node database of a new store: blocks go to disk as they are written, the two trees that find them at
+// each commit.
+//
+// Life of a store: Create writes an empty store; nodes are set and removed; Commit makes everything so far
+// what a reader of the file finds; Seal does the same and leaves exact allocation maps. The header on disk
+// always names complete trees and blocks that nothing overwrites: space that becomes free is used again
+// only after the commit that no longer needs it. So a process that is killed at any instant leaves a file
+// that opens with all of the last commit.
+//
+// Trees are owned by count: a tree that was written belongs to nobody; a node (SetNode) or an entry of a
+// sub-node tree (SubnodeTreeWriter) refers to it; several may refer to one. When the last reference goes,
+// its blocks are freed with all that they refer to. What nothing refers to when the store is sealed is
+// freed then.
+//
+// After a failing write every further change fails with the same failure; reading still works. One thread
+// at a time.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <span>
+
+#include "output/pst/ndb/block_buffer.h"
+#include "output/pst/ndb/block_source.h"
+#include "output/pst/ndb/data_tree_writer.h"
+#include "output/pst/ndb/encoding.h"
+#include "output/pst/ndb/subnode_tree.h"
+#include "platform/file.h"
+
+namespace velmora::ndb {
+
+class NdbWriter : public BlockSource {
+ public:
+  /// Makes an empty store of nothing but a header, maps and empty trees in `file`, which should be empty
+  /// and must outlive the writer, and commits it.
+  static Result<std::unique_ptr<NdbWriter>> Create(platform::ByteStore& file,
+                                                   CryptMethod cryptMethod = CryptMethod::kPermute);
+  ~NdbWriter() override;
+
+  // -- nodes
+
+  /// A node id of that type that was never handed out: the next index of the type's counter. Ids of a
+  /// folder's (or search folder's) four nodes share one index: ask for the folder, derive the rest with
+  /// Sibling.
+  Nid NewNid(NidType type);
+
+  /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
+  /// be empty, or shared with other nodes. Raises the counter of the id's type where needed.
+  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent);
+
+  /// Removes a node and releases its trees; a node that is not there is no failure.
+  Result<void> RemoveNode(Nid nid);
+
+  /// Frees a written tree that nothing refers to; one that is referred to stays as it is.
+  Result<void> Discard(const NodeTrees& trees);
+
+  // -- values
+
+  /// Writes a value of any size up to DataTreeWriter::kMaxSize in one step; no bytes give an empty tree.
+  Result<DataTree> WriteData(std::span<const std::byte> bytes);
+
+  /// A number for the version cell of a table row; distinct over the whole store, never 0.
+  std::uint32_t NewRowVersion();
+
+  // -- reading what was written, committed or not
+
+  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  std::optional<NodeEntry> FindNode(Nid nid) const override;
+
+  // -- the file
+
+  /// Makes all nodes set so far permanent. Costs a rewrite of both trees (24 bytes a block, 32 a node).
+  Result<void> Commit();
+
+  /// Commits, writes exact allocation maps and closes the store: every further change fails.
+  Result<void> Seal();
+
+  /// Length of the file in bytes.
+  std::uint64_t FileSize() const;
+
+  std::size_t NodeCount() const;
+
+  /// Number of blocks in the store.
+  std::size_t BlockCount() const;
+
+  // -- for the writers of trees and heaps
+
+  /// Writes a data block of 1 to kMaxBlockData bytes that nothing refers to yet.
+  Result<Bid> WriteDataBlock(std::span<const std::byte> bytes);
+
+  /// Puts an XBLOCK, or XBLOCKs and a XXBLOCK, over data blocks of `size` bytes in all. One block stands for
+  /// itself.
+  Result<DataTree> WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
+
+  BlockBuffer TakeBuffer();
+
+ private:
+  friend class DataTreeWriter;
+  friend class SubnodeTreeWriter;
+  class State;
+  explicit NdbWriter(std::unique_ptr<State> state);
+
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace velmora::ndb
