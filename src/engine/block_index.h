@@ -1,8 +1,9 @@
-// The index of the source's blocks: FirstTableItem.dat on disk, and the look-up over it.
+// The look-up over the records of the source's blocks.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "engine/page_layout.h"
@@ -20,25 +21,41 @@ struct BlockRecord {
   friend bool operator==(const BlockRecord&, const BlockRecord&) = default;
 };
 
-/// The file holds records in chunks of 4000, each chunk sorted by `bid`; across chunks there is no order,
-/// and a look-up takes the first chunk that holds the id. This class gives that answer from one sorted
-/// table in memory (16 bytes a block), so a look-up costs O(log n) whatever the number of chunks.
+/// Brings the records of one chunk into the order of the index file: by `bid`, in file order among equals.
+void SortChunk(std::span<BlockRecord> chunk);
+
+/// The index file holds records in chunks of 4000, each chunk sorted by `bid`; across chunks there is no
+/// order, and a look-up takes the first chunk that holds the id. This class gives that answer from one
+/// sorted table in memory, so a look-up costs O(log n) whatever the number of chunks.
 ///
 /// Among different records of one `bid` in a chunk the first in file order whose block trailer proves
 /// itself (id and signature) wins, else the first.
+///
+/// Memory: 16 bytes for each id once it is settled. While it is built, at most about four times that:
+/// records that were taken in but not merged are never more than the ids that were (or 65,536), and a
+/// merge works on a copy.
 class BlockIndex {
  public:
   static constexpr std::uint32_t kChunkRecords = 4000;
 
-  /// Takes the records in file order, before any sorting of the chunks. `source` serves to prove trailers.
+  /// Takes in the next chunk, in the order of SortChunk. `source` serves to prove trailers.
+  void AddChunk(std::span<const BlockRecord> chunk, const platform::ByteSource& source, const PageLayout& layout);
+
+  /// To be called behind the last chunk; Find sees every chunk then.
+  void Settle();
+
+  /// Cuts records in file order into chunks and takes them all in.
   void Build(std::vector<BlockRecord> records, const platform::ByteSource& source, const PageLayout& layout);
 
   std::optional<BlockRecord> Find(std::uint32_t id) const;
 
-  void Clear() { sorted_ = {}; }
+  void Clear();
 
  private:
-  std::vector<BlockRecord> sorted_;  ///< by bid, one record a bid
+  void Merge();
+
+  std::vector<BlockRecord> sorted_;   ///< by bid, one record a bid
+  std::vector<BlockRecord> pending_;  ///< one record a bid and chunk, in the order of the chunks
 };
 
 }  // namespace velmora::engine

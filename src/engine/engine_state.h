@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/block_index.h"
@@ -28,6 +29,7 @@ enum class BlockEncoding : std::uint8_t { kNone = 0, kPermute = 1, kCyclic = 2 }
 struct EngineState {
   // Opening and probe
   std::unique_ptr<platform::ByteSource> source;  ///< null outside a run
+  std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed; no step shows it
   StoreKind storeKind = StoreKind::kNone;
   PageLayout layout;
   std::uint64_t percentBase = 0;  ///< divisor of every percentage; 0 for a tiny source
@@ -49,6 +51,12 @@ struct EngineState {
   // Block reader
   BlockEncoding blockEncoding = BlockEncoding::kNone;
   bool encodingUnknown = true;
+
+  /// How far a scan has come at this offset of the source, in percent; above 100 behind the end. A source
+  /// of less than 100 bytes has no hundredth to count in: everything of it is done.
+  std::uint32_t PercentOfSource(std::uint64_t offset) const {
+    return percentBase == 0 ? 100 : static_cast<std::uint32_t>(offset / percentBase);
+  }
 };
 
 }  // namespace velmora::engine

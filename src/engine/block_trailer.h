@@ -1,0 +1,31 @@
+// The trailer behind a block's data: the three ways in which it is looked for.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/block_index.h"
+#include "engine/byte_view.h"
+#include "engine/page_layout.h"
+#include "platform/file.h"
+
+namespace velmora::engine {
+
+/// Most bytes behind a block's data in which HasBlockTrailer looks.
+constexpr std::uint32_t kTrailerReach = 8176;
+
+/// Bytes from the start of a block that HasTrailerAt sees.
+constexpr std::uint32_t kTrailerView = 8196;
+
+/// Does a valid trailer stand in the first 16-byte slot that is not all zeros behind the data? `tail` are
+/// the bytes of the block at `offset` from the next multiple of 16 of its size on.
+bool HasBlockTrailer(const PageLayout& layout, std::uint64_t offset, ByteView tail);
+
+/// Does a trailer of this id and size stand right behind the data, or at the first byte that is not zero
+/// from the third byte on? `tail` are the bytes behind the data, as far as they lie among the first
+/// kTrailerView bytes of the block.
+bool HasTrailerAt(const PageLayout& layout, std::uint32_t id, std::uint32_t size, ByteView tail);
+
+/// Does the trailer at its published place carry the record's id and the signature of its place?
+bool TrailerProves(const BlockRecord& record, const platform::ByteSource& source, const PageLayout& layout);
+
+}  // namespace velmora::engine

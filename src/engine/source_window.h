@@ -1,0 +1,51 @@
+// Reads a source front to back in large pieces, whatever the size of the pieces that are looked at.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "engine/byte_view.h"
+#include "engine/engine_state.h"
+
+namespace velmora::engine {
+
+/// Reads into `out` and returns how many bytes the source had; nothing when the read failed, or at an
+/// offset that no file can have (top bit set). A failure is kept in the state.
+std::optional<std::size_t> ReadFromSource(EngineState& state, std::uint64_t offset, std::span<std::byte> out);
+
+/// A window on the source of a run, which outlives it. A piece of the source that cannot be read counts as
+/// zeros, so one bad sector does not hide what lies behind it.
+class SourceWindow {
+ public:
+  /// Memory that a window takes, in bytes.
+  static constexpr std::size_t kWindowBytes = 1 << 20;
+
+  explicit SourceWindow(EngineState& state) : state_(state) {}
+
+  /// `length` bytes from `offset`, cut at the end of the source, so the view's size is what the source
+  /// delivers. Moves the window to `offset` unless it holds the range. The view lives until the next call.
+  ByteView Read(std::uint64_t offset, std::size_t length);
+
+  /// The same without moving the window: what it does not hold is read by itself. The view lives until the
+  /// next call of either.
+  ByteView Peek(std::uint64_t offset, std::size_t length);
+
+  /// What the window holds, and the file offset of its first byte.
+  std::span<const std::byte> Bytes() const { return bytes_; }
+  std::uint64_t Base() const { return base_; }
+
+ private:
+  bool Holds(std::uint64_t offset, std::size_t length) const;
+  void Load(std::uint64_t offset, std::size_t length);
+
+  EngineState& state_;
+  std::vector<std::byte> buffer_;
+  std::span<const std::byte> bytes_;  ///< the filled part of `buffer_`
+  std::uint64_t base_ = 0;
+  bool atEnd_ = false;  ///< the source has nothing behind `bytes_`
+  std::vector<std::byte> piece_;
+};
+
+}  // namespace velmora::engine
