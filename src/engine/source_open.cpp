@@ -1,0 +1,19 @@
+#include <utility>
+
+#include "engine/steps.h"
+
+namespace velmora::engine {
+
+void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path) {
+  state = EngineState{};
+  run.Send(MSG_STAGE, 1);
+  auto source = platform::OpenForReading(path);
+  if (!source) {
+    run.ShowError(u"Source file could not open.Make sure that another application is not using. ");
+    throw WorkerEnded{};
+  }
+  state.source = std::move(*source);
+  state.percentBase = state.source->Size() / 100;
+}
+
+}  // namespace velmora::engine
