@@ -1,0 +1,81 @@
+// The scans over stores whose counts an independent model of the same rules has computed.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include <nlohmann/json.hpp>
+
+#include "engine/run_fixture.h"
+#include "engine/steps.h"
+
+namespace velmora::engine {
+namespace {
+
+std::filesystem::path Shared(const char* variable, const char* name) {
+  const char* told = std::getenv(variable);
+  return told != nullptr ? std::filesystem::path(told) : std::filesystem::path(VELMORA_SOURCE_DIR) / "../shared" / name;
+}
+
+const std::map<StoreKind, std::string> kKindNames = {
+    {StoreKind::kNone, ""}, {StoreKind::kPst, "pst"}, {StoreKind::kOst, "ost"}, {StoreKind::kPab, "pab"}};
+const std::map<FormatId, std::string> kFormatNames = {
+    {FORMAT_ANSI, "ansi"}, {FORMAT_UNICODE, "unicode"}, {FORMAT_UNICODE_4K, "unicode4k"}};
+
+class KnownStoresTest : public RunTest {
+ protected:
+  void Check(const std::filesystem::path& store, const std::filesystem::path& expectedFile, bool smart) {
+    SCOPED_TRACE(expectedFile.filename());
+    std::ifstream file(expectedFile);
+    ASSERT_TRUE(file) << "no expected report";
+    const auto expected = nlohmann::json::parse(file);
+
+    RunContext run;
+    EngineState state;
+    run.smartScan = smart;
+    OpenSource(state, run, store);
+    state.outputFolder = folder_;
+    const bool refused = ProbeFormat(state, run) == ProbeResult::kRefused;
+    EXPECT_EQ(expected["storeKind"], kKindNames.at(state.storeKind));
+    if (!refused) {
+      EXPECT_EQ(expected["format"], kFormatNames.at(state.layout.formatId));
+      ScanNodePages(state, run);
+      ScanBlockPages(state, run);
+    }
+    EXPECT_EQ(expected["nodeCount"], state.nodeCount);
+    EXPECT_EQ(expected["blockRecordCount"], state.blockRecordCount);
+    EXPECT_EQ(expected["orphanBlockCount"], state.orphanBlockCount);
+    EXPECT_EQ(state.orphans.size(), smart && !refused ? state.orphanBlockCount + 1 : 0);
+    // A Normal Scan leaves the encoding to the recovery of folders, and so may a Smart Scan.
+    if (!state.encodingUnknown) {
+      EXPECT_EQ(expected["blockEncoding"], static_cast<int>(state.blockEncoding));
+    }
+    if (!smart) {
+      EXPECT_TRUE(state.encodingUnknown);
+    }
+    EXPECT_EQ(!expected["refusal"].is_null(), refused || run.runAborted);
+  }
+
+  void CheckAll(bool smart) {
+    const std::filesystem::path stores = Shared("VELMORA_STORES", "stores");
+    const std::filesystem::path expected = Shared("VELMORA_EXPECTED", "expected");
+    if (!std::filesystem::exists(stores)) GTEST_SKIP() << "no folder of stores at " << stores;
+    if (!std::filesystem::exists(expected)) GTEST_SKIP() << "no folder of expected reports at " << expected;
+    std::size_t checked = 0;
+    for (const auto& [folder, reports] : {std::pair(stores, "stores"), std::pair(stores / "forged", "forged")}) {
+      for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() != ".pst" && entry.path().extension() != ".ost") continue;
+        const std::string report = entry.path().filename().string() + (smart ? ".smart.json" : ".normal.json");
+        Check(entry.path(), expected / reports / report, smart);
+        ++checked;
+      }
+    }
+    EXPECT_GT(checked, 0u);
+  }
+};
+
+TEST_F(KnownStoresTest, NormalScanCountsAsTheModelDoes) { CheckAll(false); }
+TEST_F(KnownStoresTest, SmartScanCountsAsTheModelDoes) { CheckAll(true); }
+
+}  // namespace
+}  // namespace velmora::engine
