@@ -1,0 +1,103 @@
+// The high level: a store described by its folders and messages.
+//
+//   Mailbox box({.format = Format::kAnsi});
+//   const Nid inbox = box.AddFolder({.name = u"Inbox"});
+//   box.AddMessage(inbox, {.subject = u"Hello", .plain = u"A body"});
+//   const Image image = box.Finish();
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "forge/message.h"
+#include "forge/names.h"
+#include "forge/store.h"
+#include "forge/table.h"
+
+namespace velmora::forge {
+
+inline constexpr Nid kStoreNode = 0x21;
+inline constexpr Nid kNameMapNode = 0x61;
+inline constexpr Nid kRootFolder = 0x122;
+inline constexpr Nid kTopFolder = 0x8022;
+inline constexpr Nid kSearchRoot = 0x8042;
+inline constexpr Nid kDeletedItems = 0x8062;
+
+struct MailboxOptions {
+  bool tables = false;  ///< hierarchy, contents and associated contents tables of every folder
+  bool base = true;     ///< the store's own node, the root, the top folder and Deleted Items
+  std::u16string topName = u"Top of Personal Folders";
+  bool nameMap = true;           ///< node 0x61
+  std::size_t namesAtLeast = 0;  ///< fills the name-to-id map up with names that nothing uses
+  bool pairedBuckets = false;    ///< see NameMap::Properties
+};
+
+struct FolderSpec {
+  std::u16string name;
+  Nid parent = kTopFolder;
+  std::u16string containerClass = {};  ///< 3613, none if empty
+  std::optional<Nid> nid = {};         ///< otherwise the next free one, from 0x8082
+  PropertyList properties = {};        ///< any others; they replace what the fields above give
+  ContextOptions context = {};
+};
+
+class Mailbox {
+ public:
+  explicit Mailbox(StoreOptions store = {}, MailboxOptions options = {});
+  /// A mailbox that goes to a file while it grows.
+  Mailbox(const std::filesystem::path& path, StoreOptions store, MailboxOptions options);
+
+  /// For what the description does not cover: blocks, nodes and pages of any kind.
+  Store& store() { return store_; }
+  NameMap& names() { return names_; }
+
+  Nid AddFolder(const FolderSpec& folder);
+
+  struct Added {
+    Nid nid = 0;
+    Bid bidData = 0;
+    Bid bidSub = 0;
+  };
+
+  /// Adds a message to a folder, which need not exist. Without `nid` it takes the next free one, from
+  /// 0x200024; a nid of type 8 makes it an associated message.
+  Added AddMessage(Nid folder, const Message& message, std::optional<Nid> nid = {});
+
+  /// Writes the contents tables of a folder that gets no more messages, and forgets their rows.
+  void CloseFolder(Nid folder);
+
+  /// Writes folders and name map and gives the store away. The Mailbox is of no use afterwards.
+  Image Finish();
+
+ private:
+  struct Folder {
+    FolderSpec spec;
+    Nid nid = 0;
+    std::vector<Row> messages = {};
+    std::vector<Row> associated = {};
+    std::uint32_t messageCount = 0;
+    std::uint32_t unreadCount = 0;
+    std::uint32_t associatedCount = 0;
+    bool hasSubfolders = false;
+    bool closed = false;
+  };
+
+  void AddBaseFolders();
+  void CloseFolder(Folder& folder);
+  PropertyList FolderProperties(const Folder& folder) const;
+  void WriteFolder(Folder& folder);
+  void WriteStoreNode();
+
+  MailboxOptions options_;
+  Store store_;
+  NameMap names_;
+  std::map<Nid, Folder> folders_;
+  Nid nextFolder_ = 0x8082;
+  Nid nextMessage_ = 0x200024;
+};
+
+}  // namespace velmora::forge

@@ -1,0 +1,163 @@
+#include "forge/store.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+
+#include "forge/checksum.h"
+#include "forge/encoding.h"
+
+namespace velmora::forge {
+namespace {
+
+// Blocks shorter than this are never compressed.
+constexpr std::size_t kSmallestCompressed = 490;
+
+std::array<std::uint32_t, 32> FirstIndexes() {
+  std::array<std::uint32_t, 32> indexes;
+  indexes.fill(0x400);
+  for (const unsigned search : {3U, 6U, 7U, 0x10U}) indexes[search] = 0x4000;
+  indexes[4] = 0x10000;
+  indexes[8] = 0x8000;
+  return indexes;
+}
+
+Bytes Deflate(std::span<const std::byte> data) {
+  uLongf size = compressBound(static_cast<uLong>(data.size()));
+  Bytes out(size);
+  compress2(reinterpret_cast<Bytef*>(out.data()), &size, reinterpret_cast<const Bytef*>(data.data()),
+            static_cast<uLong>(data.size()), Z_DEFAULT_COMPRESSION);
+  out.resize(size);
+  return out;
+}
+
+}  // namespace
+
+Store::Store(StoreOptions options)
+    : options_(options),
+      traits_(TraitsOf(options.format)),
+      sink_(std::make_unique<MemorySink>()),
+      space_(traits_),
+      lastIndex_(FirstIndexes()) {
+  if (options.startOffset > space_.End()) space_.Take(space_.End(), options.startOffset - space_.End());
+}
+
+Store::Store(StoreOptions options, const std::filesystem::path& path) : Store(options) {
+  sink_ = std::make_unique<FileSink>(path);
+}
+
+Bid Store::AddBlock(std::span<const std::byte> data, const BlockOptions& options) {
+  Bytes stored(data.begin(), data.end());
+  const bool compress = options_.format == Format::kUnicode4k && options.compressed.value_or(options_.compressed);
+  if (compress && (options.compressed || stored.size() >= kSmallestCompressed)) {
+    Bytes smaller = Deflate(stored);
+    if (smaller.size() < stored.size() || options.compressed) stored = std::move(smaller);
+  }
+  return Place(std::move(stored), static_cast<std::uint16_t>(data.size()), false, options);
+}
+
+Bid Store::AddInternalBlock(std::span<const std::byte> data, const BlockOptions& options) {
+  return Place(Bytes(data.begin(), data.end()), static_cast<std::uint16_t>(data.size()), true, options);
+}
+
+Bid Store::Place(Bytes data, std::uint16_t inflatedSize, bool internal, const BlockOptions& options) {
+  Bid bid = nextBid_ | (internal ? 2U : 0U);
+  if (options.bid) {
+    bid = *options.bid;
+    nextBid_ = std::max(nextBid_, (bid & ~Bid{3}) + 4);
+  } else {
+    nextBid_ += 4;
+  }
+  if (!internal && options.encoded) {
+    Encode(options_.encoding, options.key.value_or(static_cast<std::uint32_t>(bid)), data);
+  }
+  const auto size = static_cast<std::uint16_t>(data.size());
+  const std::uint32_t checksum = Checksum(data);
+  const std::uint64_t slot = traits_.slotSize;
+  data.resize((data.size() + traits_.blockTrailerSize + slot - 1) / slot * slot);
+
+  std::uint64_t offset = options.offset.value_or(0);
+  if (options.offset) {
+    space_.Take(offset, data.size());
+  } else {
+    offset = space_.Allocate(data.size(), slot);
+  }
+  const std::size_t trailer = data.size() - traits_.blockTrailerSize;
+  const Bid trailerId = options.trailerId.value_or(bid);
+  Put(data, trailer, options.trailerSize.value_or(size), 2);
+  Put(data, trailer + 2, options.trailerSignature.value_or(Signature(offset, trailerId)), 2);
+  if (options_.format == Format::kAnsi) {
+    Put(data, trailer + 4, trailerId, 4);
+    Put(data, trailer + 8, checksum, 4);
+  } else {
+    Put(data, trailer + 4, checksum, 4);
+    Put(data, trailer + 8, trailerId, 8);
+  }
+  if (options_.format == Format::kUnicode4k) {
+    Put(data, trailer + 16, 2, 2);
+    Put(data, trailer + 18, inflatedSize, 2);
+  }
+  sink_->WriteAt(offset, data);
+  blockIndex_.try_emplace(bid, blocks_.size());
+  blocks_.push_back({.bid = bid,
+                     .offset = offset,
+                     .placeSize = data.size(),
+                     .size = size,
+                     .inflatedSize = inflatedSize,
+                     .listed = options.listed});
+  return bid;
+}
+
+void Store::CountReference(Bid bid) {
+  const auto found = blockIndex_.find(bid & ~Bid{1});
+  if (found != blockIndex_.end()) ++blocks_[found->second].refs;
+}
+
+void Store::AddNode(Nid nid, Bid bidData, Bid bidSub, Nid nidParent) {
+  CountReference(bidData);
+  CountReference(bidSub);
+  NoteNid(nid);
+  nodes_.push_back({.nid = nid, .bidData = bidData, .bidSub = bidSub, .nidParent = nidParent});
+}
+
+void Store::NoteNid(Nid nid) {
+  std::uint32_t& last = lastIndex_[nid & 0x1F];
+  last = std::max(last, nid >> 5);
+}
+
+void Store::ListBlock(const BlockEntry& entry) { extraEntries_.push_back(entry); }
+
+PlacedPage Store::AddPage(const PageSpec& spec) {
+  PlacedPage page = WritePage(spec);
+  pages_.back().stray = page.stray = true;
+  return page;
+}
+
+PlacedPage Store::WritePage(const PageSpec& spec) {
+  std::uint64_t offset = spec.offset.value_or(0);
+  if (spec.offset) {
+    space_.Take(offset, traits_.pageSize);
+  } else {
+    offset = space_.Allocate(traits_.pageSize, traits_.pageSize);
+  }
+  const std::uint64_t pageId = spec.pageId ? *spec.pageId : nextPageId_++;
+  sink_->WriteAt(offset, FormPage(options_.format, spec, offset, pageId));
+  pages_.push_back({.type = spec.type, .level = spec.level, .offset = offset, .pageId = pageId});
+  return pages_.back();
+}
+
+Image Store::Finish() {
+  const TreeRoot blockRoot = WriteBlockTree();
+  const TreeRoot nodeRoot = WriteNodeTree();
+  WriteMaps();
+  const std::uint64_t fileSize = options_.fullLength ? space_.MappedEnd() : space_.End();
+  sink_->GrowTo(fileSize);
+  WriteHeader(nodeRoot, blockRoot, fileSize);
+  return {.format = options_.format,
+          .bytes = sink_->TakeBytes(),
+          .blocks = std::move(blocks_),
+          .pages = std::move(pages_),
+          .nodes = std::move(nodes_)};
+}
+
+}  // namespace velmora::forge
