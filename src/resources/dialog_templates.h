@@ -75,12 +75,12 @@ struct TemplateRect {
 struct ControlTemplate {
   std::uint16_t id = 0;
   ControlKind kind = ControlKind::kText;
-  TemplateRect rect;
+  TemplateRect rect = {};
   std::u16string_view text = {};
-  std::u16string_view accessibleName;  ///< empty: the text says it
-  char16_t key = 0;                    ///< with Alt it works the control; 0: none, or the text's own
-  std::array<std::uint16_t, 5> art{};  ///< kButton: picture. kImageButton: normal, hover, pressed.
-                                       ///< kRadio: normal, down, over, disabled, mask.
+  std::u16string_view accessibleName = {};  ///< empty: the text says it
+  char16_t key = 0;                         ///< with Alt it works the control; 0: none, or the text's own
+  std::array<std::uint16_t, 5> art = {};    ///< kButton: picture. kImageButton: normal, hover, pressed.
+                                            ///< kRadio: normal, down, over, disabled, mask.
   PictureSide pictureSide = PictureSide::kAbove;
   std::uint16_t labels = 0;  ///< the control whose label this text is
   bool visible = true;

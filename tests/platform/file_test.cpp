@@ -1,11 +1,11 @@
 #include "platform/file.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cstdlib>
 #include <fstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "platform/memory_file.h"
 

@@ -1,8 +1,8 @@
 #include "platform/spool_file.h"
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace velmora::platform {
 namespace {

@@ -1,0 +1,77 @@
+#include "platform/volumes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "platform/user_folders.h"
+
+namespace velmora::platform {
+namespace {
+
+std::vector<Volume> Parse(std::string_view table) {
+  return ParseMountTable(
+      table, [](std::string_view device) { return device == "8:17"; },
+      [](const std::filesystem::path& path) { return path != "/etc/hosts"; });
+}
+
+TEST(VolumesTest, ListsUsersVolumesSortedAndOnce) {
+  const std::vector<Volume> expected = {{"/", false}, {"/home", false}, {"/media/stick 1", true}};
+  EXPECT_EQ(Parse("22 1 0:20 / /sys rw - sysfs sysfs rw\n"
+                  "23 1 0:21 / /proc rw - proc proc rw\n"
+                  "24 1 0:5 / /dev/pts rw - devpts devpts rw\n"
+                  "25 1 0:22 / /run rw - tmpfs tmpfs rw\n"
+                  "30 1 8:17 / /media/stick\\0401 rw - vfat /dev/sdb1 rw\n"
+                  "28 1 8:2 / /home rw - ext4 /dev/sda2 rw\n"
+                  "29 1 8:3 / /home rw - ext4 /dev/sda3 rw\n"
+                  "27 0 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                  "31 1 8:1 /x /etc/hosts rw - ext4 /dev/sda1 rw\n"
+                  "broken line\n"),
+            expected);
+}
+
+TEST(VolumesTest, ARemovableVolumeCountsWhereverItIsMounted) {
+  const std::vector<Volume> expected = {{"/run/media/me/STICK", true}};
+  EXPECT_EQ(Parse("30 1 8:17 / /run/media/me/STICK rw - vfat /dev/sdb1 rw\n"), expected);
+}
+
+TEST(VolumesTest, AFolderWhoseNameBeginsLikeASystemTreeIsNone) {
+  const std::vector<Volume> expected = {{"/developers", false}};
+  EXPECT_EQ(Parse("28 1 8:2 / /developers rw - ext4 /dev/sda2 rw\n"), expected);
+}
+
+TEST(VolumesTest, ThisMachineHasARootVolume) {
+  const std::vector<Volume> volumes = MountedVolumes();
+  ASSERT_FALSE(volumes.empty());
+  EXPECT_EQ(volumes.front().mountPoint, "/");
+}
+
+TEST(ListFolderTest, TellsFoldersFromFilesAndFollowsLinksToFilesAlone) {
+  const auto folder = TemporaryFolder::Create();
+  std::filesystem::create_directory(folder->Path() / "sub");
+  std::ofstream(folder->Path() / "file") << "x";
+  std::filesystem::create_symlink("file", folder->Path() / "to file");
+  std::filesystem::create_symlink("sub", folder->Path() / "to folder");
+  std::filesystem::create_symlink("nowhere", folder->Path() / "to nothing");
+  std::vector<std::string> found;
+  for (const FolderEntry& entry : ListFolder(folder->Path())) {
+    found.push_back((entry.isFolder ? "folder " : "file ") + entry.name);
+    EXPECT_FALSE(entry.isOtherVolume);
+  }
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ(found, (std::vector<std::string>{"file file", "file to file", "folder sub"}));
+}
+
+TEST(ListFolderTest, AFolderThatCannotBeReadGivesNothing) { EXPECT_TRUE(ListFolder("/no such folder").empty()); }
+
+TEST(ListFolderTest, SeesWhereAnotherVolumeBegins) {
+  const auto root = ListFolder("/");
+  const auto proc =
+      std::find_if(root.begin(), root.end(), [](const FolderEntry& entry) { return entry.name == "proc"; });
+  if (proc == root.end()) GTEST_SKIP() << "no proc is mounted";
+  EXPECT_TRUE(proc->isOtherVolume);
+}
+
+}  // namespace
+}  // namespace velmora::platform
