@@ -41,6 +41,7 @@ void Mailbox::AddBaseFolders() {
   AddFolder({.name = options_.topName, .parent = kRootFolder, .nid = kTopFolder});
   AddFolder({.name = u"Search Root", .parent = kRootFolder, .nid = kSearchRoot});
   AddFolder({.name = u"Deleted Items", .nid = kDeletedItems});
+  if (options_.tables) AddFolder({.name = u"SPAM Search Folder 2", .parent = kRootFolder, .nid = kSearchFolder});
 }
 
 Nid Mailbox::AddFolder(const FolderSpec& spec) {
@@ -98,7 +99,8 @@ PropertyList Mailbox::FolderProperties(const Folder& folder) const {
 void Mailbox::WriteFolder(Folder& folder) {
   folder.spec.properties = Resolve(names_, folder.spec.properties);
   AddContextNode(store_, folder.nid, folder.spec.parent, FolderProperties(folder), folder.spec.context);
-  if (!options_.tables) return;
+  // A search folder has a table of its own kind.
+  if (!options_.tables || folder.nid == kSearchFolder) return;
   CloseFolder(folder);
   std::vector<Row> rows;
   for (const auto& [nid, child] : folders_) {
@@ -118,6 +120,7 @@ void Mailbox::WriteStoreNode() {
 Image Mailbox::Finish() {
   for (auto& [nid, folder] : folders_) WriteFolder(folder);
   if (options_.base) WriteStoreNode();
+  if (options_.base && options_.tables) WriteFixedNodes();
   if (options_.nameMap) {
     names_.PadTo(options_.namesAtLeast);
     AddContextNode(store_, kNameMapNode, 0, names_.Properties(options_.pairedBuckets));

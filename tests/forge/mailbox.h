@@ -23,6 +23,7 @@ namespace velmora::forge {
 inline constexpr Nid kStoreNode = 0x21;
 inline constexpr Nid kNameMapNode = 0x61;
 inline constexpr Nid kRootFolder = 0x122;
+inline constexpr Nid kSearchFolder = 0x2223;
 inline constexpr Nid kTopFolder = 0x8022;
 inline constexpr Nid kSearchRoot = 0x8042;
 inline constexpr Nid kDeletedItems = 0x8062;
@@ -91,6 +92,7 @@ class Mailbox {
   PropertyList FolderProperties(const Folder& folder) const;
   void WriteFolder(Folder& folder);
   void WriteStoreNode();
+  void WriteFixedNodes();
 
   MailboxOptions options_;
   Store store_;

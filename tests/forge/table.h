@@ -20,6 +20,7 @@ struct Column {
 const std::vector<Column>& HierarchyColumns();
 const std::vector<Column>& ContentsColumns();
 const std::vector<Column>& AssociatedColumns();
+const std::vector<Column>& SearchColumns();
 const std::vector<Column>& AttachmentColumns();
 const std::vector<Column>& RecipientColumns();
 

@@ -28,6 +28,14 @@ const std::vector<Column>& AssociatedColumns() {
   return columns;
 }
 
+const std::vector<Column>& SearchColumns() {
+  static const std::vector<Column> columns = {
+      {0x0017, kInt32}, {0x001A, kString}, {0x0036, kInt32},  {0x0037, kString}, {0x0042, kString}, {0x0057, kBool},
+      {0x0058, kBool},  {0x0E03, kString}, {0x0E04, kString}, {0x0E05, kString}, {0x0E06, kTime},   {0x0E07, kInt32},
+      {0x0E08, kInt32}, {0x0E17, kInt32},  {0x0E2A, kBool},   {0x3008, kTime},   {0x67F1, kInt32}};
+  return columns;
+}
+
 const std::vector<Column>& AttachmentColumns() {
   static const std::vector<Column> columns = {{0x0E20, kInt32}, {0x3704, kString}, {0x3705, kInt32}, {0x370B, kInt32}};
   return columns;
