@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <string>
 
-#include "forge/image.h"
-
 namespace velmora::forge {
 
 /// A folder of its own for one test, gone with this object.

@@ -1,0 +1,65 @@
+// velmora-make-store: a store of a given size for measurements. Prints what it holds as one JSON object.
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bench/large_store.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "Usage: velmora-make-store [options] SIZE_MB OUT\n"
+    "  --items N      stop at N messages; with SIZE_MB 0 that alone counts\n"
+    "  --small        mails of about 2 KB in place of 2 to 200 KB\n"
+    "  --one-folder   all messages in one folder\n";
+
+struct Arguments {
+  velmora::bench::LargeStoreOptions options;
+  std::string out;
+};
+
+Arguments Parse(const std::vector<std::string>& words) {
+  Arguments arguments;
+  std::vector<std::string> plain;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (words[i] == "--small") {
+      arguments.options.small = true;
+    } else if (words[i] == "--one-folder") {
+      arguments.options.oneFolder = true;
+    } else if (words[i] == "--items" && i + 1 < words.size()) {
+      arguments.options.items = std::stoull(words[++i]);
+    } else {
+      plain.push_back(words[i]);
+    }
+  }
+  if (plain.size() != 2) throw std::invalid_argument("two arguments wanted");
+  arguments.options.bytes = std::stoull(plain[0]) << 20;
+  arguments.out = plain[1];
+  if (arguments.options.bytes == 0 && arguments.options.items == 0) throw std::invalid_argument("no size");
+  return arguments;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Arguments arguments;
+  try {
+    arguments = Parse({argv + 1, argv + argc});
+  } catch (const std::logic_error&) {
+    std::fputs(kUsage, stderr);
+    return 64;
+  }
+  try {
+    const auto counts = velmora::bench::MakeLargeStore(arguments.out, arguments.options);
+    std::printf("{\"folders\": %llu, \"messages\": %llu, \"attachments\": %llu}\n",
+                static_cast<unsigned long long>(counts.folders), static_cast<unsigned long long>(counts.messages),
+                static_cast<unsigned long long>(counts.attachments));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "velmora-make-store: %s\n", error.what());
+    return 73;
+  }
+  return 0;
+}
