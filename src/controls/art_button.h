@@ -1,0 +1,31 @@
+// What all buttons of the pages have in common.
+#pragma once
+
+#include <QAbstractButton>
+
+namespace velmora::controls {
+
+/// A button that knows whether the mouse is over it, shows the focus that the keyboard gives, and leaves
+/// Enter to its page: on no page does a button take Enter.
+class ArtButton : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  bool IsHovered() const { return hovered_; }
+
+ protected:
+  explicit ArtButton(QWidget* parent);
+
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+  /// A line around `area` while the button has the keyboard's focus.
+  void DrawFocus(QPainter& painter, const QRectF& area, const QColor& colour) const;
+
+ private:
+  bool hovered_ = false;
+};
+
+}  // namespace velmora::controls

@@ -1,0 +1,65 @@
+#include "controls/tx_list_ctrl.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "controls/file_rows.h"
+
+namespace velmora::controls {
+
+CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRows(this)) {
+  setModel(rows_);
+  setRootIsDecorated(false);
+  setItemsExpandable(false);
+  setUniformRowHeights(true);
+  setSelectionBehavior(SelectRows);
+  setEditTriggers(NoEditTriggers);
+  setTextElideMode(Qt::ElideMiddle);
+  header()->setStretchLastSection(true);
+  header()->setSectionsClickable(false);
+}
+
+void CTXListCtrl::SetTitle(const QString& title) { rows_->SetTitle(title); }
+
+void CTXListCtrl::SetHint(const QString& hint) {
+  hint_ = hint;
+  viewport()->update();
+}
+
+QColor CTXListCtrl::StripeOf(int row) { return row % 2 == 1 ? QColor(255, 255, 255) : QColor(232, 232, 244); }
+
+void CTXListCtrl::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  painter->fillRect(option.rect, StripeOf(index.row()));
+  QTreeView::drawRow(painter, option, index);
+}
+
+void CTXListCtrl::paintEvent(QPaintEvent* event) {
+  QTreeView::paintEvent(event);
+  if (rows_->Count() > 0) return;
+  QPainter painter(viewport());
+  const QRect area = viewport()->rect();
+  painter.fillRect(area, palette().color(QPalette::Active, QPalette::Base));
+  QFont large = font();
+  large.setFamilies({QStringLiteral("Batang"), font().family()});
+  large.setPixelSize(14);
+  large.setWeight(QFont::Black);
+  painter.setFont(large);
+  painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
+  painter.drawText(area.adjusted(0, area.height() / 3, 0, 0), Qt::AlignHCenter | Qt::TextWordWrap, hint_);
+}
+
+void CTXListCtrl::mouseReleaseEvent(QMouseEvent* event) {
+  QTreeView::mouseReleaseEvent(event);
+  if (event->button() == Qt::LeftButton) emit RowChosen(indexAt(event->pos()).row());
+}
+
+void CTXListCtrl::keyPressEvent(QKeyEvent* event) {
+  const QModelIndex before = currentIndex();
+  QTreeView::keyPressEvent(event);
+  const bool moved = currentIndex() != before || event->key() == Qt::Key_Space;
+  if (moved && currentIndex().isValid()) emit RowChosen(currentIndex().row());
+}
+
+}  // namespace velmora::controls

@@ -1,0 +1,39 @@
+// The report list of the search and profile pages.
+#pragma once
+
+#include <QTreeView>
+
+namespace velmora::controls {
+
+class FileRows;
+
+/// A list with one column, striped rows, and a hint in its middle while it is empty.
+class CTXListCtrl : public QTreeView {
+  Q_OBJECT
+
+ public:
+  explicit CTXListCtrl(QWidget* parent);
+
+  FileRows& Rows() { return *rows_; }
+  void SetTitle(const QString& title);
+  void SetHint(const QString& hint);
+
+  /// Background of a row: white for odd rows, a pale blue for even ones, the first row being row 0.
+  static QColor StripeOf(int row);
+
+ signals:
+  /// A row was clicked or reached by the keyboard; -1: a click where no row is.
+  void RowChosen(int row);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  FileRows* rows_;
+  QString hint_;
+};
+
+}  // namespace velmora::controls
