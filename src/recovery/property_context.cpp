@@ -1,0 +1,89 @@
+#include "recovery/property_context.h"
+
+#include <utility>
+
+namespace velmora::recovery {
+
+using engine::ByteView;
+using engine::StoreKind;
+
+namespace {
+
+constexpr std::uint32_t kTreeHeaderSize = 8;
+
+bool IsOtherKind(StoreKind kind) { return kind != StoreKind::kOst && kind != StoreKind::kPst; }
+
+}  // namespace
+
+HeapHeader ReadHeapHeader(ByteView block) { return {block.U16(0), block.U16(2), block.U32(4)}; }
+
+PropertyRecord ReadPropertyRecord(ByteView block, std::uint64_t offset) {
+  return {block.U16(offset), block.U16(offset + 2), block.U32(offset + 4)};
+}
+
+std::optional<HeapRange> ReadHeapRange(ByteView block, std::uint32_t position) {
+  if (std::uint64_t{position} + 4 > block.Size()) return std::nullopt;
+  return HeapRange{block.U16(position), block.U16(position + 2u)};
+}
+
+std::optional<HeapRange> RangeOf(ByteView block, std::uint16_t ibHnpm, std::uint32_t hid, EmptyEnd emptyEnd) {
+  const auto range = ReadHeapRange(block, HeapPosition(ibHnpm, hid));
+  if (!range || range->start > range->end || range->end > block.Size()) return std::nullopt;
+  if (range->end == 0 && emptyEnd == EmptyEnd::kRefused) return std::nullopt;
+  return range;
+}
+
+bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes) {
+  if (engine.layout.formatId != engine::FORMAT_UNICODE_4K) return false;
+  if (engine::IsHeapSignature(ByteView(bytes).U16(2))) return false;
+  engine::Bytes inflated = bytes;
+  if (engine::BlockReader(engine).InflateBlock(inflated) == 0) return false;
+  bytes = std::move(inflated);
+  return true;
+}
+
+std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                           std::uint32_t id, const ContextRules& rules) {
+  const engine::BlockReader blocks(engine);
+  auto bytes = blocks.ReadChunk(record.offset, record.size);
+  if (!bytes) return std::nullopt;
+  if (rules.decodesOst || engine.storeKind == StoreKind::kPst) blocks.DecodeBlock(id, *bytes);
+  if (rules.inflatesOtherKinds || engine.storeKind == StoreKind::kOst) InflateUnlessHeap(engine, *bytes);
+  return bytes;
+}
+
+PropertyContext::PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules)
+    : block_(block), header_(ReadHeapHeader(block)), fault_(Open(engine, rules)) {}
+
+PropertyContext::Fault PropertyContext::Open(engine::EngineState& engine, const ContextRules& rules) {
+  const StoreKind storeKind = engine.storeKind;
+  if (!engine::BlockReader(engine).AcceptsSignature(header_.signature, rules.acceptsOtherKinds))
+    return Fault::kSignature;
+
+  const auto root = RangeOf(block_, header_.ibHnpm, header_.hidUserRoot, rules.emptyEnd);
+  if (!root) return Fault::kRootRange;
+
+  const bool marked = block_.U16(root->start) == kTreeMarker;
+  switch (rules.treeHeader) {
+    case ContextRules::TreeHeader::kEightBytes:
+      if (root->end - root->start != kTreeHeaderSize) return Fault::kTreeHeader;
+      break;
+    case ContextRules::TreeHeader::kMarkerUnlessOther:
+      if (!marked && !IsOtherKind(storeKind)) return Fault::kTreeHeader;
+      break;
+    case ContextRules::TreeHeader::kMarker:
+      if (!marked || IsOtherKind(storeKind)) return Fault::kTreeHeader;
+      break;
+  }
+
+  // The entry behind the root's in the page map: that the array was allocated right behind the tree header is
+  // all that the name-to-id reader goes by.
+  const auto records = rules.recordsFollowRoot
+                           ? ReadHeapRange(block_, HeapPosition(header_.ibHnpm, header_.hidUserRoot) + 2)
+                           : RangeOf(block_, header_.ibHnpm, block_.U32(root->start + 4u), rules.emptyEnd);
+  if (!records || records->start > records->end || records->end > block_.Size()) return Fault::kRecordRange;
+  records_ = *records;
+  return Fault::kNone;
+}
+
+}  // namespace velmora::recovery
