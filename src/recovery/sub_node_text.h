@@ -1,0 +1,31 @@
+// Texts of a message that live outside its own block.
+#pragma once
+
+#include "engine/byte_view.h"
+#include "engine/engine_state.h"
+#include "recovery/content_allowance.h"
+#include "recovery/item_converter.h"
+#include "recovery/sub_node_list.h"
+
+namespace velmora::recovery {
+
+/// Answers for one message. All arguments outlive it.
+class SubNodeText : public SubNodeValues {
+ public:
+  SubNodeText(engine::EngineState& engine, const SubNodeList& subNodes, engine::ByteView messageBlock,
+              const text::CodePage& codePage, ContentAllowance& allowance)
+      : engine_(engine), subNodes_(subNodes), messageBlock_(messageBlock), codePage_(codePage), allowance_(allowance) {}
+
+  /// "%%" in a UTF-16 text becomes "%"; any other "%" stays. The text is inflated only where the message's own
+  /// block shows no heap signature, so a packed one comes out as its packed bytes.
+  text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) override;
+
+ private:
+  engine::EngineState& engine_;
+  const SubNodeList& subNodes_;
+  engine::ByteView messageBlock_;
+  const text::CodePage& codePage_;
+  ContentAllowance& allowance_;
+};
+
+}  // namespace velmora::recovery

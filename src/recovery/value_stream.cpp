@@ -1,0 +1,156 @@
+#include "recovery/value_stream.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "recovery/heap_text.h"
+#include "recovery/property_context.h"
+#include "recovery/property_ids.h"
+
+namespace velmora::recovery {
+
+using engine::Bytes;
+using engine::ByteView;
+using engine::EngineState;
+
+namespace {
+
+constexpr std::uint16_t kExtendedBlock = 0x0101;
+constexpr std::uint16_t kSubNodeBlock = 0x0002;
+constexpr std::uint32_t kListStart = 8;
+
+/// Sub-node blocks that lead to sub-node blocks: a sound value has one level, one that names itself has no end.
+constexpr int kDeepestChain = 32;
+
+/// A packed block below this size is taken for a list of block ids.
+constexpr std::uint32_t kIdListBelow = 1001;
+constexpr std::uint32_t kIdListArea = 100000;
+
+/// The largest size of a full data block.
+constexpr std::uint32_t kFullBlock = 0xFFE8;
+
+enum class Reached { kPlainBlock, kList, kThroughSubNode };
+
+Reached WalkChain(EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain) {
+  const engine::BlockReader blocks(engine);
+  const bool wide = engine.layout.wideFormat;
+  bool throughSubNode = false;
+  for (int depth = 0; depth < kDeepestChain; ++depth) {
+    const auto bytes = blocks.ReadChunk(offset, size);
+    if (!bytes) break;
+    const ByteView block(*bytes);
+    const std::uint16_t signature = block.U16(0);
+    if (signature == kExtendedBlock) {
+      chain.singleDataBid = 0;
+      chain.hasList = true;
+      const std::uint32_t step = wide ? 8 : 4;
+      for (std::uint32_t at = kListStart; at < block.Size(); at += step) chain.pieces.push_back(block.U32(at));
+      return throughSubNode ? Reached::kThroughSubNode : Reached::kList;
+    }
+    if (signature != kSubNodeBlock) break;
+    const std::uint32_t bid = block.U32(wide ? 16 : 8);  // bidData of the first entry
+    const auto record = blocks.FindBlockOrLower(bid);
+    if (!record) break;
+    chain.singleDataBid = bid;
+    throughSubNode = true;
+    offset = record->offset;
+    size = record->size;
+  }
+  return throughSubNode ? Reached::kThroughSubNode : Reached::kPlainBlock;
+}
+
+/// A data block, decoded with the key `id` and inflated.
+std::optional<Bytes> ReadDataBlock(EngineState& engine, const engine::BlockRecord& record, std::uint32_t id) {
+  const engine::BlockReader blocks(engine);
+  auto bytes = blocks.ReadChunk(record.offset, record.size);
+  if (!bytes) return std::nullopt;
+  blocks.DecodeBlock(id, *bytes);
+  InflateUnlessHeap(engine, *bytes);
+  return bytes;
+}
+
+/// Writes the block of an id out of a list of ids. A full block is never a packed one.
+void WriteListedPiece(EngineState& engine, std::uint32_t id, ContentAllowance& allowance, const PieceWriter& write) {
+  const engine::BlockReader blocks(engine);
+  const auto record = blocks.FindBlockOrLower(id);
+  if (!record) return;
+  auto bytes = blocks.ReadChunk(record->offset, record->size);
+  if (!bytes) return;
+  blocks.DecodeBlock(id, *bytes);
+  if (record->size < kFullBlock) InflateUnlessHeap(engine, *bytes);
+  if (allowance.TakeBytes(bytes->size())) write(*bytes);
+}
+
+void WriteSingleBlock(EngineState& engine, std::uint32_t id, ContentAllowance& allowance, const PieceWriter& write) {
+  const engine::BlockReader blocks(engine);
+  const auto record = blocks.FindBlockOrLower(id);
+  if (!record) return;
+  auto bytes = blocks.ReadChunk(record->offset, record->size);
+  if (!bytes) return;
+  blocks.DecodeBlock(id, *bytes);
+  const bool inflated = InflateUnlessHeap(engine, *bytes);
+  if (!inflated || record->size >= kIdListBelow) {
+    if (allowance.TakeBytes(bytes->size())) write(*bytes);
+    return;
+  }
+  const ByteView list = ByteView(*bytes).Slice(0, kIdListArea);
+  for (std::uint32_t at = kListStart; at < list.Size(); at += 8) {
+    WriteListedPiece(engine, list.U16(at), allowance, write);
+  }
+}
+
+}  // namespace
+
+const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& codePage) {
+  return tag == kHtmlBodyId || tag == kRtfBodyId ? text::CodePage::Lossless() : codePage;
+}
+
+bool BuildBlockChain(EngineState& engine, const engine::BlockRecord& record, BlockChain& chain) {
+  return WalkChain(engine, record.offset, record.size, chain) == Reached::kList;
+}
+
+bool BuildBlockChainAt(EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain) {
+  return WalkChain(engine, offset, size, chain) != Reached::kPlainBlock;
+}
+
+text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::uint16_t kind,
+                            const text::CodePage& codePage, ContentAllowance& allowance) {
+  const engine::BlockReader blocks(engine);
+  const bool wide = engine.layout.wideFormat;
+  const text::CodePage& page = BodyCodePage(kind, codePage);
+  if (!chain.hasList) {
+    const auto record = blocks.FindBlockOrLower(chain.singleDataBid);
+    if (!record) return {};
+    const auto bytes = ReadDataBlock(engine, *record, record->bid);
+    if (!bytes || !allowance.TakeBytes(bytes->size())) return {};
+    if (!wide) return NarrowText(ByteView(*bytes), page);
+    text::Text whole;  // all of the block's units, NULs included
+    for (std::size_t at = 0; at + 2 <= bytes->size(); at += 2) whole.push_back(ByteView(*bytes).U16(at));
+    return whole;
+  }
+
+  text::Text result;
+  for (const std::uint32_t bid : chain.pieces) {
+    const auto record = blocks.FindBlock(bid);
+    if (!record) continue;
+    const auto bytes = ReadDataBlock(engine, *record, record->bid);
+    if (!bytes || !allowance.TakeBytes(bytes->size())) continue;
+    result += CopyHeapText(ByteView(*bytes), wide && kind != kHtmlBodyId, page);
+  }
+  return result;
+}
+
+void WriteStreamToFile(EngineState& engine, const BlockChain& chain, ContentAllowance& allowance,
+                       const PieceWriter& write) {
+  if (!chain.hasList) return WriteSingleBlock(engine, chain.singleDataBid, allowance, write);
+  const engine::BlockReader blocks(engine);
+  for (const std::uint32_t bid : chain.pieces) {
+    if (bid == 0) continue;
+    const auto record = blocks.FindBlockOrLower(bid);
+    if (!record) continue;
+    const auto bytes = ReadDataBlock(engine, *record, bid);
+    if (bytes && allowance.TakeBytes(bytes->size())) write(*bytes);
+  }
+}
+
+}  // namespace velmora::recovery

@@ -1,0 +1,47 @@
+// Values that lie in data blocks of their own: in one, or in a list of them.
+//
+//   list of pieces (published structure: extended block)   0: u16 0x0101   8: block ids, 8 bytes or 4 each
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "engine/block_reader.h"
+#include "engine/engine_state.h"
+#include "recovery/content_allowance.h"
+#include "text/code_page.h"
+#include "text/text.h"
+
+namespace velmora::recovery {
+
+/// Where the pieces of one value lie.
+struct BlockChain {
+  bool hasList = false;               ///< a list was built, if only an empty one
+  std::vector<std::uint32_t> pieces;  ///< ids in order; 0 names no piece
+  std::uint32_t singleDataBid = 0;    ///< the one data block of a value reached through a sub-node block
+};
+
+/// Fills the chain from the block at the record. True when the value is a list of pieces; false when it is one
+/// plain block, and also when a sub-node block led to the pieces.
+bool BuildBlockChain(engine::EngineState& engine, const engine::BlockRecord& record, BlockChain& chain);
+
+/// The same walk from a place in the source, but true as soon as a sub-node block led to a block that is there.
+bool BuildBlockChainAt(engine::EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain);
+
+/// The pieces as one text. `kind` is the id of the property: 0x1013 is always 8-bit text, others have the width
+/// of the store. Each piece ends at its first NUL and is converted by itself. A piece that is missing, or that
+/// only the lower id finds, is left out.
+text::Text ReadStreamAsText(engine::EngineState& engine, const BlockChain& chain, std::uint16_t kind,
+                            const text::CodePage& codePage, ContentAllowance& allowance);
+
+using PieceWriter = std::function<void(const engine::Bytes&)>;
+
+/// Gives each piece, in order, to `write`; a piece that is missing is left out.
+void WriteStreamToFile(engine::EngineState& engine, const BlockChain& chain, ContentAllowance& allowance,
+                       const PieceWriter& write);
+
+/// The 8-bit page of a body: HTML and RTF travel by the one that changes no byte, whatever the setting is.
+const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& codePage);
+
+}  // namespace velmora::recovery
