@@ -10,11 +10,17 @@
 namespace velmora::recovery {
 
 /// Why a node gave no item.
-enum class SkipReason { kNoBlock, kBadHeap, kNoClass, kRefusedClass, kNoFolder };
+enum class SkipReason {
+  kNoBlock,       ///< the source has no block of that id
+  kBadHeap,       ///< the block is no property context
+  kNoClass,       ///< the context has no message class, or none that can be read
+  kRefusedClass,  ///< a class that the rules leave out: no loss
+  kNoFolder,      ///< its folder is not known, or could not be opened or made
+};
 
 /// A node, attachment or embedded message that should have come across and did not.
 struct LostObject {
-  std::uint32_t nid = 0;
+  std::uint32_t nid = 0;  ///< of the node or sub-node; 0 for what was found without one
   std::uint32_t bidData = 0;
   text::Text messageClass;  ///< empty where it could not be read
   text::Text reason;        ///< in plain words
@@ -29,10 +35,10 @@ struct RecoveredFolder {
 };
 
 struct RecoveryReport {
-  std::vector<RecoveredFolder> folders;
+  std::vector<RecoveredFolder> folders;       ///< by ascending nid
   std::map<text::Text, std::uint64_t> items;  ///< created, by the class text handed to the output library
-  std::uint64_t attachments = 0;
-  std::uint64_t embedded = 0;
+  std::uint64_t attachments = 0;              ///< contents attached
+  std::uint64_t embedded = 0;                 ///< messages attached to their parents
   std::map<SkipReason, std::uint64_t> skipped;
   std::vector<LostObject> lost;
 };

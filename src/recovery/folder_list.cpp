@@ -1,0 +1,50 @@
+#include "recovery/folder_list.h"
+
+#include <utility>
+
+namespace velmora::recovery {
+
+void NormaliseClass(FolderRecord& folder) {
+  if (text::EqualIgnoringCase(folder.containerClass, u"IPF.Imap")) folder.containerClass = u"IPF.Note";
+}
+
+void FolderCollector::AddFolderRecord(FolderRecord folder) {
+  const std::uint32_t nid = folder.nid;
+  if (!folders_.empty()) {
+    const std::uint32_t first = folders_.begin()->first;
+    const auto normalise = [this](std::set<std::uint32_t>::iterator at) {
+      NormaliseClass(folders_.at(*at));
+      return notNormalised_.erase(at);
+    };
+    // Passed on the way: everything below the new folder but the first.
+    for (auto at = notNormalised_.upper_bound(first); at != notNormalised_.end() && *at < nid;) at = normalise(at);
+    // Where the walk stops: the first folder above it, unless that is the list's first.
+    const auto next = folders_.upper_bound(nid);
+    if (next != folders_.end() && next != folders_.begin()) {
+      if (const auto at = notNormalised_.find(next->first); at != notNormalised_.end()) normalise(at);
+    }
+  }
+  notNormalised_.insert(nid);
+  folders_.emplace(nid, std::move(folder));
+}
+
+std::vector<FolderRecord> FolderCollector::Take() {
+  std::vector<FolderRecord> result;
+  result.reserve(folders_.size());
+  for (auto& [nid, folder] : folders_) result.push_back(std::move(folder));
+  folders_.clear();
+  notNormalised_.clear();
+  return result;
+}
+
+FolderList::FolderList(std::vector<FolderRecord> records) : records_(std::move(records)) {
+  byNid_.reserve(records_.size());
+  for (std::size_t i = 0; i < records_.size(); ++i) byNid_.emplace(records_[i].nid, i);
+}
+
+FolderRecord* FolderList::Find(std::uint32_t nid) {
+  const auto at = byNid_.find(nid);
+  return at == byNid_.end() ? nullptr : &records_[at->second];
+}
+
+}  // namespace velmora::recovery

@@ -1,0 +1,42 @@
+// The members of the engine object that the recovery steps own, grouped by the step that fills them.
+#pragma once
+
+#include <cstdint>
+
+#include "output/operations.h"
+#include "recovery/content_allowance.h"
+#include "recovery/folder_list.h"
+#include "recovery/item_converter.h"
+#include "recovery/named_prop_map.h"
+#include "recovery/recovery_report.h"
+#include "text/code_page.h"
+#include "text/text.h"
+
+namespace velmora::recovery {
+
+/// Made anew for each run.
+struct RecoveryState {
+  // Set-up: to be filled before RecoverFolders
+  output::Ref<output::RDOSession> session;
+  output::Ref<output::RDOStore> targetStore;
+  text::Text convertedName;  ///< display name of the new store
+  const text::CodePage* codePage = &text::CodePage::Lossless();
+  const ItemConverters* converters = nullptr;  ///< not owned; needed from RecoverOrphans on
+
+  // Folder recovery
+  NamedPropMap namedProps;
+  FolderList folders;              ///< ordered and thinned; what the panes climb
+  std::uint32_t topFolderNid = 0;  ///< of the folder "Top of Personal Folders"; 0 until one is seen
+
+  // Placement: kept from one message to the next
+  output::Ref<output::RDOFolder> targetFolder;  ///< receives the next item
+  text::Text currentFolderName;                 ///< leaf of the folder that took the last message placed
+  bool inOrphanPhase = false;                   ///< raised once, at the first orphan
+
+  // Items
+  ContentAllowance allowance;
+
+  RecoveryReport report;
+};
+
+}  // namespace velmora::recovery
