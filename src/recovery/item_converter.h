@@ -29,8 +29,8 @@ struct PropertyRecord {
 
 /// The decoded and inflated block of the message under work, and what stands around it.
 struct MessageBlock {
-  engine::ByteView bytes;          ///< readBuffer
-  engine::BlockRecord record;      ///< its `size` is the size after inflation
+  engine::ByteView bytes;      ///< readBuffer
+  engine::BlockRecord record;  ///< its `size` is the size after inflation
   std::uint16_t heapPageMapOffset = 0;
 
   /// The place in `bytes` at which the page map holds start and end of the allocation that `value` names.

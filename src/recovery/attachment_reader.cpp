@@ -1,0 +1,171 @@
+#include "recovery/attachment_reader.h"
+
+#include <algorithm>
+
+#include "recovery/heap_text.h"
+#include "recovery/property_ids.h"
+#include "text/plausibility.h"
+
+namespace velmora::recovery {
+
+using engine::ByteView;
+using text::Text;
+
+namespace {
+
+constexpr std::size_t kLongestName = 255;
+
+/// Characters that may not stand in a file name become blanks.
+void ReplaceForbidden(Text& name) {
+  for (char16_t& unit : name) {
+    if (text::TextView(u"\\/:*?<>|\"").find(unit) != text::TextView::npos) unit = u' ';
+  }
+}
+
+/// Could a file of this name be made?
+bool CanBeFileName(const Text& name) { return !name.empty() && name.size() <= kLongestName; }
+
+}  // namespace
+
+Text AttachmentReader::ReadText(ByteView block, HeapRange range) const {
+  return CopyHeapText(range.In(block), items_.engine.layout.wideFormat, *items_.state.codePage);
+}
+
+AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& entry,
+                                                          const engine::BlockRecord& record) {
+  const auto bytes = ReadHeapBlock(items_.engine, record, entry.bidData, kAttachmentRules);
+  if (!bytes) return Result::kNoAttachment;
+  const ByteView block(*bytes);
+  const PropertyContext context(block, items_.engine, kAttachmentRules);
+
+  Result result = Result::kNoAttachment;
+  bool lineWritten = false;
+  switch (context.GetFault()) {
+    case PropertyContext::Fault::kRootRange:
+      return Result::kNoAttachment;
+    case PropertyContext::Fault::kRecordRange:
+      return Result::kLost;
+    case PropertyContext::Fault::kSignature:
+    case PropertyContext::Fault::kTreeHeader:
+      break;
+    case PropertyContext::Fault::kNone: {
+      const auto names = ReadNames(block, context);
+      if (!names) return Result::kLost;
+      result = ReadContent(entry, block, context, *names, &lineWritten);
+      break;
+    }
+  }
+  NameLastRecord(lineWritten);
+  return result;
+}
+
+std::optional<AttachmentReader::Names> AttachmentReader::ReadNames(ByteView block, const PropertyContext& context) {
+  const std::uint16_t ibHnpm = context.Header().ibHnpm;
+  const bool packed = items_.engine.layout.formatId == engine::FORMAT_UNICODE_4K;
+  Names names;
+  std::uint16_t wantedId = kShortFileNameId;
+  for (std::uint32_t index = 0; index < context.Count(); ++index) {
+    const PropertyRecord property = context.Record(index);
+    names.lastId = property.id;
+    const bool wanted = property.id == wantedId;
+    if (!wanted && property.id != kDisplayNameId) continue;
+
+    const auto range = RangeOf(block, ibHnpm, property.value, kAttachmentRules.emptyEnd);
+    if (!wanted) {
+      attachmentIsEmbedded_ = true;
+      if (!range) return std::nullopt;
+      if (range->start != 0 && property.value != 0) embeddedName_ = ReadText(block, *range);
+      continue;
+    }
+
+    names.fileName.clear();
+    attachmentIsEmbedded_ = false;
+    if (!range) return std::nullopt;
+    TakeFileName(names, block, property.value == 0 ? HeapRange{} : *range);
+    if (!packed && wantedId == kLongFileNameId) break;
+    wantedId = kLongFileNameId;
+  }
+  return names;
+}
+
+void AttachmentReader::TakeFileName(Names& names, ByteView block, HeapRange range) {
+  if (range.start != 0) {
+    names.fileName = ReadText(block, range);
+    const bool plausible = !items_.engine.layout.wideFormat || text::LooksLikeText(names.fileName);
+    if (!plausible) names.fileName.clear();
+  }
+
+  // Is there a name that can be made? Where none is tried, that counts as made.
+  const bool isOst = items_.engine.storeKind == engine::StoreKind::kOst;
+  const bool tried = !names.fileName.empty() || (!embeddedName_.empty() && isOst);
+  if (tried) {
+    ReplaceForbidden(embeddedName_);
+    ReplaceForbidden(names.fileName);
+  }
+  if (!tried || CanBeFileName(embeddedName_.empty() ? names.fileName : embeddedName_)) {
+    names.lastName = !embeddedName_.empty() && isOst ? embeddedName_ : names.fileName;
+  }
+
+  if (names.fileName == u"Untitled Attachment") {
+    names.fileName.clear();
+    attachmentIsEmbedded_ = true;
+  }
+}
+
+AttachmentReader::Result AttachmentReader::ReadContent(const SubNodeEntry& entry, ByteView block,
+                                                       const PropertyContext& context, const Names& names,
+                                                       bool* lineWritten) {
+  const Text& name = names.lastName;
+  std::optional<AttachmentContent> content;
+  if (CanBeFileName(name)) content.emplace();
+
+  if (!attachmentIsEmbedded_ && items_.run.log != nullptr) {
+    items_.run.Log(u"\r\n");
+    items_.run.Log(u"Attachment File Name: ");
+    items_.run.Log(name);
+    *lineWritten = true;
+  }
+
+  const bool nameWasLast =
+      names.lastId == kMimeSequenceId || names.lastId == kLongFileNameId || names.lastId == kShortFileNameId;
+  if (content && nameWasLast) {
+    if (const auto result = WriteAttachmentData(block, context, *content, name)) return *result;
+  }
+  if (entry.bidSub == 0) return Result::kLost;
+  return ReadAttachmentSubNode(entry, content, name);
+}
+
+void AttachmentReader::NameLastRecord(bool lineWritten) {
+  if (!attachmentIsEmbedded_ || embeddedName_.empty()) return;
+  items_.queue.back().attachmentName = embeddedName_;
+  if (lineWritten || items_.run.log == nullptr) return;
+  items_.run.Log(u"\r\n");
+  items_.run.Log(u"Attached Embedded Message: ");
+  items_.run.Log(embeddedName_);
+}
+
+std::optional<AttachmentReader::Result> AttachmentReader::WriteAttachmentData(ByteView block,
+                                                                              const PropertyContext& context,
+                                                                              AttachmentContent& content,
+                                                                              text::TextView name) {
+  std::optional<PropertyRecord> data;
+  for (std::uint32_t index = 0; index < context.Count() && !data; ++index) {
+    if (context.Record(index).id == kAttachmentDataId) data = context.Record(index);
+  }
+  if (!data) return Result::kLost;
+
+  // The value of a content in a sub-node leads far behind the block: the sub-node is tried then.
+  const auto range = ReadHeapRange(block, HeapPosition(context.Header().ibHnpm, data->value));
+  if (!range || range->end < range->start || range->end == 0) return std::nullopt;
+  ByteView bytes = range->In(block);
+  // Of a text as many bytes are written as it has characters.
+  if (data->type == kTypeUnicode) bytes = bytes.Slice(0, WideText(bytes).size());
+  if (!items_.state.allowance.TakeBytes(bytes.Size())) return Result::kLost;
+  content.Append(bytes.Bytes());
+  if (content.Failed()) return Result::kLost;
+  items_.message.Item(ItemKind::kMail)->Attachments()->Add(content, name);
+  ++items_.state.report.attachments;
+  return Result::kTaken;
+}
+
+}  // namespace velmora::recovery

@@ -1,0 +1,59 @@
+// Tries the sub-nodes of one message as attachments.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "recovery/attachment_content.h"
+#include "recovery/item_run.h"
+#include "recovery/property_context.h"
+
+namespace velmora::recovery {
+
+/// One a message: what it learns of a name passes from one attachment to the next.
+class AttachmentReader {
+ public:
+  explicit AttachmentReader(ItemRun& items) : items_(items) {}
+
+  enum class Result {
+    kNoAttachment,  ///< no attachment record, or the message has no mail
+    kTaken,         ///< its content was attached, or it was queued as a message
+    kLost,          ///< an attachment record, but nothing could be brought across
+  };
+
+  /// One candidate, with the record of the block `entry.bidData`. Raises what attaching raises.
+  Result ReadAttachment(const SubNodeEntry& entry, const engine::BlockRecord& record);
+
+  /// A content that does not stand in the attachment's own block has been attached to the message.
+  bool AttachmentAdded() const { return attachmentAdded_; }
+
+ private:
+  /// What the record array of one attachment tells of its names.
+  struct Names {
+    text::Text fileName;
+    text::Text lastName;  ///< the name under which the content would be made; empty if that fails
+    std::uint16_t lastId = 0;
+  };
+
+  std::optional<Names> ReadNames(engine::ByteView block, const PropertyContext& context);
+  void TakeFileName(Names& names, engine::ByteView block, HeapRange range);
+  Result ReadContent(const SubNodeEntry& entry, engine::ByteView block, const PropertyContext& context,
+                     const Names& names, bool* lineWritten);
+  void NameLastRecord(bool lineWritten);
+
+  std::optional<Result> WriteAttachmentData(engine::ByteView block, const PropertyContext& context,
+                                            AttachmentContent& content, text::TextView name);
+  Result ReadAttachmentSubNode(const SubNodeEntry& entry, std::optional<AttachmentContent>& content,
+                               text::TextView name);
+  void ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content);
+  bool QueueEmbedded(const SubNodeEntry& entry, engine::ByteView block);
+
+  text::Text ReadText(engine::ByteView block, HeapRange range) const;
+
+  ItemRun& items_;
+  bool attachmentIsEmbedded_ = false;
+  text::Text embeddedName_;
+  bool attachmentAdded_ = false;
+};
+
+}  // namespace velmora::recovery

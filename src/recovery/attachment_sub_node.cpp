@@ -1,0 +1,101 @@
+// What stands behind an attachment's own sub-node block: its content, or a message.
+#include "recovery/attachment_reader.h"
+#include "recovery/property_ids.h"
+#include "recovery/value_stream.h"
+
+namespace velmora::recovery {
+
+using engine::ByteView;
+
+namespace {
+
+/// One identifier is looked for further on when it has no block: its block is that of the last id tried.
+constexpr std::uint32_t kWanderingBid = 0x21DA;
+constexpr std::uint32_t kLastTriedBid = kWanderingBid + 100;
+
+constexpr std::uint16_t kExtendedBlock = 0x0101;
+
+/// Would the message be embedded in itself?
+bool IsOwnAncestor(const ItemRun& items, const ItemWorkRecord& record) {
+  for (std::optional<std::size_t> at = record.parent; at; at = items.queue[*at].parent) {
+    const ItemWorkRecord& ancestor = items.queue[*at];
+    if (ancestor.bidData == record.bidData && ancestor.bidSub == record.bidSub) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry,
+                                                                 std::optional<AttachmentContent>& content,
+                                                                 text::TextView name) {
+  auto record = items_.blocks.FindBlockOrLower(entry.bidSub);
+  if (!record && entry.bidSub == kWanderingBid) record = items_.blocks.FindBlock(kLastTriedBid);
+  if (!record) return Result::kLost;
+  const auto bytes = items_.blocks.ReadChunk(record->offset, record->size);
+  if (!bytes) return Result::kLost;
+
+  const ByteView block(*bytes);
+  if (block.U16(0) != kExtendedBlock && attachmentIsEmbedded_) {
+    // Its content is a message of its own: nothing is attached here.
+    const bool queued = QueueEmbedded(entry, block);
+    attachmentAdded_ = true;
+    return queued ? Result::kTaken : Result::kLost;
+  }
+
+  if (content) ReadDataBlocks(*record, *content);
+  attachmentAdded_ = true;
+  if (!content || content->Failed()) return Result::kLost;
+  if (items_.message.IsKind(ItemKind::kContact)) {
+    const auto& contact = items_.message.Item(ItemKind::kContact);
+    contact->AddPicture(*content);
+    contact->Save();
+  } else {
+    items_.message.Item(ItemKind::kMail)->Attachments()->Add(*content, name);
+  }
+  ++items_.state.report.attachments;
+  return Result::kTaken;
+}
+
+void AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content) {
+  BlockChain chain;
+  if (BuildBlockChainAt(items_.engine, record.offset, record.size, chain)) {
+    WriteStreamToFile(items_.engine, chain, items_.state.allowance,
+                      [&content](const engine::Bytes& piece) { content.Append(piece); });
+    return;
+  }
+  auto bytes = items_.blocks.ReadChunk(record.offset, record.size);
+  if (!bytes) return;
+  items_.blocks.DecodeBlock(record.bid, *bytes);
+  InflateUnlessHeap(items_.engine, *bytes);
+  if (items_.state.allowance.TakeBytes(bytes->size())) content.Append(*bytes);
+}
+
+bool AttachmentReader::QueueEmbedded(const SubNodeEntry& entry, ByteView block) {
+  ItemWorkRecord& record = items_.queue.emplace_back();
+  record.nid = entry.nid;
+  record.parent = items_.cursor;
+
+  // The way from slot to slot is none from entry to entry: only the first is a true one, and what a further one
+  // holds overwrites it.
+  const bool wide = items_.engine.layout.wideFormat;
+  const std::uint32_t width = wide ? 8 : 4;
+  const std::uint32_t entryCount = block.U16(2);
+  const auto& mail = items_.message.Item(ItemKind::kMail);
+  std::uint32_t counter = 0;
+  for (std::uint64_t slot = 2ull * width; counter <= entryCount && slot < block.Size(); slot = slot * 2 + width) {
+    record.bidData = block.U32(slot);
+    record.bidSub = block.U32(slot + width);
+    if (record.bidData != 0) ++counter;
+    if (record.bidSub != 0) ++counter;
+    mail->Put(output::Field::Sent, true);
+    record.parentItem = mail;
+  }
+
+  // A message that holds itself has no end.
+  if (!IsOwnAncestor(items_, record)) return true;
+  items_.queue.pop_back();
+  return false;
+}
+
+}  // namespace velmora::recovery

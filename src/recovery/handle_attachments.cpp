@@ -1,0 +1,45 @@
+#include "recovery/attachment_reader.h"
+#include "recovery/item_steps.h"
+#include "recovery/lost_items.h"
+#include "recovery/property_ids.h"
+
+namespace velmora::recovery {
+
+void HandleAttachments(ItemRun& items) {
+  const SubNodeList& subNodes = items.subNodes;
+  if (subNodes.empty()) return;
+  if (!items.message.Item(ItemKind::kMail)) {
+    if (items.Current().outcome.saved) ReportUntriedAttachments(items, u"an item of its kind takes none");
+    return;
+  }
+  // The first entry alone tells whether the message has attachments.
+  if (subNodes.front().nid != kAttachmentTableNid) {
+    return ReportUntriedAttachments(items, u"the message does not begin with an attachment table");
+  }
+
+  AttachmentReader reader(items);
+  for (const SubNodeEntry& entry : subNodes) {
+    items.run.control.PausePoint();
+    if (!items.state.allowance.TakePart()) {
+      ReportUntriedAttachments(items, u"the store claims more than it can hold");
+      break;
+    }
+    ++items.subNodesHandled;
+    const bool byIdentifier = (entry.nid & kNidTypeMask) == kNidTypeAttachment;
+    const auto record = items.blocks.FindBlockOrLower(entry.bidData);
+    if (!record) {
+      if (byIdentifier) ReportAttachment(items.state.report, entry, u"its data block was not found");
+      continue;
+    }
+    const auto result = reader.ReadAttachment(entry, *record);
+    if (result == AttachmentReader::Result::kLost) {
+      ReportAttachment(items.state.report, entry, u"its content was not found");
+    }
+    if (result == AttachmentReader::Result::kNoAttachment && byIdentifier) {
+      ReportAttachment(items.state.report, entry, u"its data block is no property context");
+    }
+  }
+  if (reader.AttachmentAdded()) items.run.Send(engine::MSG_LIST_ATTACHMENT);
+}
+
+}  // namespace velmora::recovery

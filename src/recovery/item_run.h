@@ -1,0 +1,85 @@
+// What the steps of item recovery share: the partners of the run, the work queue of one node, and the message
+// under work in it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <optional>
+
+#include "engine/block_reader.h"
+#include "engine/engine_state.h"
+#include "engine/run.h"
+#include "output/operations.h"
+#include "recovery/item_converter.h"
+#include "recovery/recovery_state.h"
+#include "recovery/sub_node_list.h"
+
+namespace velmora::recovery {
+
+/// What became of a node, an orphan or an embedded message: for the report alone.
+struct ItemOutcome {
+  bool saved = false;              ///< an item of any kind reached the new store
+  std::optional<SkipReason> skip;  ///< why none was made
+  text::Text messageClass;         ///< empty when none could be read
+};
+
+/// One message to convert.
+struct ItemWorkRecord {
+  std::uint32_t bidData = 0;                 ///< block of the property context
+  std::uint32_t bidSub = 0;                  ///< block of the sub-node list
+  output::Ref<output::RDOMail> parentItem;   ///< of an embedded message: the mail it belongs to
+  output::Ref<output::RDOMail> createdItem;  ///< the mail made for this record
+  text::Text attachmentName;                 ///< display name of an embedded message
+  std::uint32_t nid = 0;                     ///< of the node, or of the attachment that holds the message
+  std::optional<std::size_t> parent;         ///< place in the queue of the record that embeds this one
+  ItemOutcome outcome;
+};
+
+/// A body property of the message under work. The tag is its id, or 0 while it was not seen.
+struct BodySlot {
+  std::uint16_t tag = 0;
+  std::uint32_t value = 0;
+  std::uint32_t bid = 0;  ///< data block of the value when it lives in a sub-node
+};
+enum BodyKind : std::size_t { kHtmlBody, kPlainBody, kRtfBody };
+inline constexpr std::size_t kBodyKinds = 3;
+
+/// The message under work; made anew for each.
+struct MessageWork {
+  engine::Bytes readBuffer;
+  MessageBlock block;  ///< views readBuffer
+
+  /// By kind: is it the kind of the item under work, and the item. One kind, unless the classes of a damaged
+  /// message contradict each other.
+  std::array<bool, kItemKinds> kindSet{};
+  std::array<output::Ref<output::RDOMail>, kItemKinds> items;
+
+  std::uint32_t messageSize = 0;
+  bool classRefused = false;
+  MailState mail;
+
+  bool IsKind(ItemKind kind) const { return kindSet[static_cast<std::size_t>(kind)]; }
+  output::Ref<output::RDOMail>& Item(ItemKind kind) { return items[static_cast<std::size_t>(kind)]; }
+};
+
+struct ItemRun {
+  ItemRun(RecoveryState& theState, engine::EngineState& theEngine, engine::RunContext& theRun)
+      : state(theState), engine(theEngine), run(theRun), blocks(theEngine) {}
+
+  RecoveryState& state;
+  engine::EngineState& engine;
+  engine::RunContext& run;
+  engine::BlockReader blocks;
+
+  std::deque<ItemWorkRecord> queue;  ///< references stay valid while it grows
+  std::size_t cursor = 0;            ///< the record under work
+  SubNodeList subNodes;              ///< of the message under work
+  std::size_t subNodesHandled = 0;   ///< how many of them have been tried as attachments
+  MessageWork message;
+  std::array<BodySlot, kBodyKinds> bodySlots;
+
+  ItemWorkRecord& Current() { return queue[cursor]; }
+};
+
+}  // namespace velmora::recovery

@@ -1,0 +1,58 @@
+#include "recovery/heap_text.h"
+#include "recovery/item_steps.h"
+#include "recovery/property_context.h"
+#include "recovery/property_ids.h"
+#include "recovery/value_stream.h"
+
+namespace velmora::recovery {
+
+using output::Field;
+
+namespace {
+
+/// Beyond this size a mail of the older formats is delivered with its plain body.
+constexpr std::uint32_t kPlainFirstAbove = 4u << 20;
+
+text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const BodySlot& slot) {
+  const text::CodePage& codePage = *items.state.codePage;
+  BlockChain chain;
+  if (BuildBlockChain(items.engine, record, chain)) {
+    return ReadStreamAsText(items.engine, chain, slot.tag, codePage, items.state.allowance);
+  }
+  auto bytes = items.blocks.ReadChunk(record.offset, record.size);
+  if (!bytes) return {};
+  items.blocks.DecodeBlock(slot.bid, *bytes);
+  InflateUnlessHeap(items.engine, *bytes);
+  if (!items.state.allowance.TakeBytes(bytes->size())) return {};
+  const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
+  return CopyHeapText(engine::ByteView(*bytes), wide, BodyCodePage(slot.tag, codePage));
+}
+
+Field FieldOf(std::uint16_t tag) {
+  switch (tag) {
+    case kHtmlBodyId:
+      return Field::HTMLBody;
+    case kRtfBodyId:
+      return Field::RTFBody;
+    default:
+      return Field::Body;
+  }
+}
+
+}  // namespace
+
+void ReadOutOfLineBody(ItemRun& items) {
+  const bool plainFirst =
+      items.engine.layout.formatId != engine::FORMAT_UNICODE_4K && items.message.messageSize > kPlainFirstAbove;
+  for (std::size_t kind = plainFirst ? kPlainBody : kHtmlBody; kind <= kPlainBody; ++kind) {
+    const BodySlot& slot = items.bodySlots[kind];
+    const auto record = items.blocks.FindBlockOrLower(slot.bid);
+    if (!record) continue;
+    if (record->offset == 0 || record->size == 0) return;
+    const text::Text body = ReadBody(items, *record, slot);
+    items.message.Item(ItemKind::kMail)->Put(FieldOf(slot.tag), body);
+    if (!body.empty()) return;
+  }
+}
+
+}  // namespace velmora::recovery

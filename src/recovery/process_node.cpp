@@ -1,0 +1,49 @@
+#include "recovery/catching_frame.h"
+#include "recovery/item_steps.h"
+#include "recovery/lost_items.h"
+
+namespace velmora::recovery {
+namespace {
+
+void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
+  items.run.control.PausePoint();
+  const ItemWorkRecord& record = items.Current();
+  items.subNodes = ReadSubNodeList(items.engine, record.bidSub);
+  items.subNodesHandled = 0;
+  const bool hasBlock = items.blocks.FindBlockOrLower(record.bidData).has_value();
+  if (!hasBlock) {
+    items.Current().outcome.skip = SkipReason::kNoBlock;
+    return;
+  }
+  const bool whole = WithinFrame([&] {
+    const bool bodyInBounds = ProcessMessage(items, record.bidData, folderNid);
+    items.bodySlots = {};
+    if (bodyInBounds) HandleAttachments(items);
+    if (!bodyInBounds) ReportUntriedAttachments(items, u"the body of its message is out of bounds");
+  });
+  if (!whole) ReportUntriedAttachments(items, u"an operation on its message failed");
+}
+
+}  // namespace
+
+ItemOutcome ProcessNode(ItemRun& items, std::uint32_t nid, std::uint32_t bidData, std::uint32_t bidSub,
+                        std::uint32_t folderNid) {
+  items.message = MessageWork{};
+  items.queue.clear();
+  ItemWorkRecord& first = items.queue.emplace_back();
+  first.nid = nid;
+  first.bidData = bidData;
+  first.bidSub = bidSub;
+  // The queue grows on the way: an attachment that is a message becomes a record of its own.
+  for (items.cursor = 0; items.cursor < items.queue.size(); ++items.cursor) {
+    ProcessRecord(items, folderNid);
+    items.bodySlots = {};
+    items.subNodes.clear();
+  }
+  CloseWorkQueue(items);
+
+  for (std::size_t i = 1; i < items.queue.size(); ++i) ReportEmbedded(items.state.report, items.queue[i]);
+  return first.outcome;
+}
+
+}  // namespace velmora::recovery

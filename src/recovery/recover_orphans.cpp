@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <utility>
+
+#include "recovery/item_steps.h"
+#include "recovery/lost_items.h"
+#include "recovery/property_ids.h"
+#include "recovery/steps.h"
+
+namespace velmora::recovery {
+
+using engine::EngineState;
+using engine::OrphanBlock;
+using engine::RunContext;
+
+namespace {
+
+constexpr std::uint32_t kItemStage = 8;
+constexpr std::uint32_t kLastPercent = 100;
+constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
+
+class ItemRecovery {
+ public:
+  ItemRecovery(RecoveryState& state, EngineState& engine, RunContext& run)
+      : state_(state), engine_(engine), run_(run), items_(state, engine, run) {}
+
+  void ProcessNodes() {
+    for (const engine::NodeRecord& node : engine_.nodes.Records()) {
+      if (run_.runEnded) return;
+      run_.control.PausePoint();
+      const std::uint64_t progress = Progress();
+      if (CountsItems() || progress <= kLastPercent) Report(progress);
+      const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
+      ReportNode(state_.report, node.nid, node.bidData, outcome);
+      ++counter_;
+    }
+  }
+
+  /// False when the run ended on the way.
+  bool ProcessOrphans() {
+    const std::vector<OrphanBlock> orphans = std::exchange(engine_.orphans, {});
+    bool first = true;
+    for (std::size_t i = 0; i < orphans.size(); ++i) {
+      if (run_.runEnded) return false;
+      run_.control.PausePoint();
+      state_.inOrphanPhase = true;
+      OpenOrphanFolder(first);
+      const OrphanBlock& orphan = orphans[i];
+      const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
+      // The element that ends the list stands for nothing.
+      const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
+      if (isElement) ReportNode(state_.report, 0, orphan.bidData, outcome);
+      if (i + 1 == orphans.size()) break;
+      const std::uint64_t progress = Progress();
+      if (!CountsItems()) lastPercentage_ = progress;
+      Report(progress);
+      ++counter_;
+    }
+    return true;
+  }
+
+  void FillProgressUp() {
+    if (run_.runEnded) return;
+    for (std::uint64_t value = CountsItems() ? counter_ : lastPercentage_; value <= kLastPercent; ++value) {
+      Report(value);
+    }
+  }
+
+  void AnnounceFolders() {
+    for (const FolderRecord& folder : state_.folders.Records()) run_.Send(engine::MSG_ADD_FOLDER, folder.nid);
+  }
+
+ private:
+  /// Few nodes are counted one by one; percentages are computed for more.
+  bool CountsItems() const { return engine_.nodeCount < 101; }
+  std::uint64_t Progress() const {
+    return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
+  }
+  void Report(std::uint64_t progress) { run_.Send(engine::MSG_PROGRESS, static_cast<std::uint32_t>(progress)); }
+
+  /// What is placed nowhere else goes into one folder, whatever its kind.
+  void OpenOrphanFolder(bool& first) {
+    const auto folders = state_.targetStore->IPMRootFolder()->Folders();
+    state_.targetFolder = folders->Item(kOrphanFolderName);
+    if (state_.targetFolder || !first) return;
+    state_.targetFolder = folders->Add(kOrphanFolderName, {});
+    if (!state_.targetFolder) throw output::OutputFailure(output::ResultCode::E_POINTER);
+    run_.Send(engine::MSG_ADD_FOLDER, kOrphanedMailsMarker, 0, kOrphanFolderName);
+    first = false;
+    run_.Log(u"\r\n");
+    run_.Log(u"Recovering Orphaned Mails \r\n");
+  }
+
+  RecoveryState& state_;
+  EngineState& engine_;
+  RunContext& run_;
+  ItemRun items_;
+  std::uint64_t counter_ = 0;
+  std::uint64_t lastPercentage_ = 0;
+};
+
+}  // namespace
+
+void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) {
+  if (run.runEnded || run.runAborted) return;
+  engine.percentBase =
+      static_cast<std::uint64_t>((std::uint64_t{engine.nodeCount} + engine.orphanBlockCount) / 100.0 + 0.5);
+  run.Send(engine::MSG_STAGE, kItemStage);
+
+  const bool packed = engine.layout.formatId == engine::FORMAT_UNICODE_4K;
+  const std::uint64_t sourceBytes = engine.source == nullptr ? 0 : engine.source->Size();
+  state.allowance = ContentAllowance(sourceBytes, packed, std::uint64_t{engine.nodeCount} + engine.blockRecordCount);
+
+  ItemRecovery recovery(state, engine, run);
+  recovery.ProcessNodes();
+  if (!recovery.ProcessOrphans()) return;
+  recovery.FillProgressUp();
+  recovery.AnnounceFolders();
+}
+
+}  // namespace velmora::recovery
