@@ -1,0 +1,15 @@
+// The numbers and flags that several kinds of item share.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "output/operations.h"
+#include "recovery/item_converter.h"
+
+namespace velmora::items {
+
+/// The field that a record of this type and long id writes on an item of this kind, which is none of mail.
+std::optional<output::Field> FindCommonFlag(recovery::ItemKind kind, std::uint16_t type, std::uint32_t id);
+
+}  // namespace velmora::items

@@ -1,0 +1,48 @@
+// Journal entries. The end time has no row.
+#include "output/items/kind_tables.h"
+
+namespace velmora::items {
+namespace {
+
+using enum output::Field;
+using enum FieldSort;
+
+// clang-format off
+constexpr FlagRow kFlags[] = {
+  {PT_BOOLEAN, 0x8711, DocPosted},
+  {PT_BOOLEAN, 0x870E, DocPrinted},
+  {PT_BOOLEAN, 0x8710, DocRouted},
+  {PT_BOOLEAN, 0x870F, DocSaved},
+  {PT_LONG,    0x8707, JournalDuration},
+};
+
+constexpr FieldRow kFields[] = {
+  {0x0037, Subject,                    kText},
+  {0x0042, SentOnBehalfOfName,         kText},
+  {0x0064, SentOnBehalfOfEmailType,    kText},
+  {0x0065, SentOnBehalfOfEmailAddress, kText},
+  {0x0070, ConversationTopic,          kText},
+  {0x0C1A, SenderName,                 kText},
+  {0x0C1E, SenderEmailType,            kText},
+  {0x0C1F, SenderEmailAddress,         kText},
+  {0x0E02, BCC,                        kText},
+  {0x0E03, CC,                         kText},
+  {0x0E04, To,                         kText},
+  {0x0E06, ReceivedTime,               kDate},
+  {0x1000, Body,                       kText},
+  {0x8012, Categories,                 kText},
+  {0x8530, FlagRequest,                kText},
+  {0x8539, Companies,                  kText},
+  {0x8700, JournalType,                kText},
+  {0x8706, JournalStart,               kDate},
+};
+// clang-format on
+
+static_assert(IsSound(std::span<const FlagRow>(kFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kFields)));
+
+}  // namespace
+
+constexpr KindTables kJournalTables{recovery::ItemKind::kJournal, kFlags, kFields};
+
+}  // namespace velmora::items

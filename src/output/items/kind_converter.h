@@ -1,0 +1,29 @@
+// The frame that the converters of contacts, tasks, appointments, meetings, journal entries and notes share.
+#pragma once
+
+#include "output/items/kind_tables.h"
+#include "recovery/item_converter.h"
+
+namespace velmora::items {
+
+/// Converts one of the six kinds that are no mail by its tables. A field is written only as its record passes
+/// by, so the writes come in the order of the records. A failure costs the one field that it befell; only a
+/// failure of the store itself is raised.
+class KindConverter : public recovery::ItemConverter {
+ public:
+  /// `tables` outlives the converter.
+  explicit KindConverter(const KindTables& tables) : tables_(tables) {}
+
+  void ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
+                     const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
+
+ private:
+  void ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,
+                 const output::Ref<output::RDOMail>& item) const;
+  void ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
+                 const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) const;
+
+  const KindTables& tables_;
+};
+
+}  // namespace velmora::items

@@ -1,0 +1,164 @@
+#include "output/items/mail_converter.h"
+
+#include <chrono>
+#include <string>
+
+#include "output/items/property_records.h"
+#include "output/items/value_readers.h"
+#include "output/ole_date.h"
+
+namespace velmora::items {
+namespace {
+
+using output::Field;
+
+enum class ListField : std::uint32_t { kFrom = 1, kTo = 2, kSubject = 3, kDate = 4 };
+
+/// "month /day /year", without leading zeros.
+text::Text ListDate(output::OleDate date) {
+  constexpr std::chrono::sys_days kFirstDay{std::chrono::year{1899} / 12 / 30};
+  const auto day = std::chrono::floor<std::chrono::days>(kFirstDay + std::chrono::seconds(output::SecondsOf(date)));
+  const std::chrono::year_month_day calendar(day);
+  return text::FromUtf8(std::to_string(static_cast<unsigned>(calendar.month())) + " /" +
+                        std::to_string(static_cast<unsigned>(calendar.day())) + " /" +
+                        std::to_string(static_cast<int>(calendar.year())));
+}
+
+/// One record on its way into one mail.
+class MailRecord {
+ public:
+  MailRecord(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
+             const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item)
+      : scope_(scope), block_(block), record_(record), item_(item), position_(block.Position(record.value)) {}
+
+  void Apply();
+
+ private:
+  void ApplySender();
+  void ApplyTo();
+  void ShowRowWithoutTo();
+  void ApplyReceivedTime();
+  void ApplyAnswered();
+  void ApplySensitivity();
+  void ApplyUnlessSeen(Field field, std::uint16_t& seen, std::uint16_t startValue);
+  void ApplyCategories();
+  void ApplyMessageFlags();
+
+  text::Text HeapString() const { return ReadHeapString(scope_, block_, record_.type, position_, record_.value); }
+  output::OleDate Time() const { return ReadTimeValue(block_, record_.type, position_); }
+  bool Flag() const { return FlagOf(record_.value); }
+  std::int32_t Number() const { return static_cast<std::int32_t>(record_.value); }
+  void Show(ListField field, text::TextView text) const {
+    scope_.run->Send(engine::MSG_LIST_FIELD, static_cast<std::uint32_t>(field), 0, text);
+  }
+  void ShowSubject() const { Show(ListField::kSubject, item_->Get(Field::Subject).AsText()); }
+
+  recovery::ConversionScope& scope_;
+  const recovery::MessageBlock& block_;
+  const recovery::PropertyRecord& record_;
+  const output::Ref<output::RDOMail>& item_;
+  const std::uint32_t position_;
+};
+
+/// The first rule that fits a record takes it.
+void MailRecord::Apply() {
+  recovery::MailState& mail = *scope_.mail;
+  const std::uint32_t id = LongIdOf(scope_, record_.id);
+  if (id == 0x0042) return ApplySender();
+  if (id == 0x0E04) return ApplyTo();
+  // A mail without a To record spends its first record behind that place on the row: the record's own field,
+  // as a rule the delivery time, is lost.
+  if (id > 0x0E04 && !mail.toSeen && !mail.subjectShown) return ShowRowWithoutTo();
+  // clang-format off
+  switch (id) {
+    case 0x0E06: return ApplyReceivedTime();
+    case 0x0039: return item_->Put(Field::SentOn, Time());
+    case 0x0E03: return item_->Put(Field::CC, HeapString());
+    case 0x1080: return ApplyAnswered();
+    case 0x0036: return ApplySensitivity();
+    case 0x0017: return ApplyUnlessSeen(Field::Importance, mail.importanceSeen, 3);
+    case 0x1095: return ApplyUnlessSeen(Field::FlagIcon, mail.flagIconSeen, 7);
+    case 0x0023: return item_->Put(Field::OriginatorDeliveryReportRequested, Flag());
+    case 0x0029: return item_->Put(Field::ReadReceiptRequested, Flag());
+    case 0x0E01: return item_->Put(Field::DeleteAfterSubmit, Flag());
+    case 0x8012: return ApplyCategories();
+    case 0x8105: return item_->Put(Field::FlagDueBy, Time());
+    case 0x8503: return item_->Put(Field::ReminderSet, Flag());
+    case 0x8101: return item_->Put(Field::FlagStatus, Number());
+    case 0x0E07: return ApplyMessageFlags();
+    default: return;
+  }
+  // clang-format on
+}
+
+void MailRecord::ApplySender() {
+  scope_.mail->fromSeen = true;
+  const text::Text text = HeapString();
+  item_->Put(Field::SentOnBehalfOfName, text);
+  item_->Put(Field::SenderName, text);
+  Show(ListField::kFrom, text);
+}
+
+void MailRecord::ApplyTo() {
+  scope_.mail->toSeen = true;
+  if (!scope_.mail->fromSeen) Show(ListField::kFrom, {});
+  const text::Text text = HeapString();
+  item_->Put(Field::To, text);
+  Show(ListField::kTo, text);
+  ShowSubject();
+}
+
+void MailRecord::ShowRowWithoutTo() {
+  scope_.mail->subjectShown = true;
+  if (!scope_.mail->fromSeen) Show(ListField::kFrom, {});
+  ShowSubject();
+}
+
+void MailRecord::ApplyReceivedTime() {
+  const output::OleDate date = Time();
+  item_->Put(Field::ReceivedTime, date);
+  Show(ListField::kDate, ListDate(date));
+}
+
+/// The icon of the mail tells whether it was answered; the answers themselves are not kept.
+void MailRecord::ApplyAnswered() {
+  if (record_.value == 0x105) item_->Reply();
+  if (record_.value == 0x106) item_->Forward();
+}
+
+/// The message walk has put the record's own value into the working value just before, so a record that holds
+/// the start value, or 333, is never written; and so below.
+void MailRecord::ApplySensitivity() {
+  std::uint16_t& seen = scope_.mail->sensitivitySeen;
+  if (seen == 333 || seen == 4) return;
+  if (record_.value < 4) item_->Put(Field::Sensitivity, Number());
+  seen = static_cast<std::uint16_t>(record_.value);
+}
+
+void MailRecord::ApplyUnlessSeen(Field field, std::uint16_t& seen, std::uint16_t startValue) {
+  if (seen == 333 || seen == startValue) return;
+  item_->Put(field, Number());
+  seen = static_cast<std::uint16_t>(record_.value);
+}
+
+void MailRecord::ApplyCategories() {
+  const text::Text text = ReadStringValue(block_, *scope_.codePage, record_.type, position_);
+  if (!text.empty()) item_->Put(Field::Categories, text);
+}
+
+/// Every mail is created as a sent one. A read mail becomes unsent, but for one in the folder of sent mails.
+void MailRecord::ApplyMessageFlags() {
+  const bool read = (record_.value & 1) != 0;
+  if (!read) return;
+  item_->Put(Field::UnRead, false);
+  if (!text::EqualIgnoringCase(scope_.currentFolderName, u"sent")) item_->Put(Field::Sent, false);
+}
+
+}  // namespace
+
+void MailConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
+                                  const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
+  MailRecord(scope, block, record, item).Apply();
+}
+
+}  // namespace velmora::items

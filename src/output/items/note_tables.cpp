@@ -1,0 +1,33 @@
+// Sticky notes. Their place on the screen has no row, and they have no sender.
+#include "output/items/kind_tables.h"
+
+namespace velmora::items {
+namespace {
+
+using enum output::Field;
+using enum FieldSort;
+
+// clang-format off
+constexpr FlagRow kFlags[] = {
+  {PT_LONG, 0x8B00, Color},
+  {PT_LONG, 0x8B02, Width},
+  {PT_LONG, 0x8B03, Height},
+};
+
+constexpr FieldRow kFields[] = {
+  {0x0037, Subject,           kText},
+  {0x0070, ConversationTopic, kText},
+  {0x0E06, ReceivedTime,      kDate},
+  {0x1000, Body,              kText},
+  {0x8012, Categories,        kText},
+};
+// clang-format on
+
+static_assert(IsSound(std::span<const FlagRow>(kFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kFields)));
+
+}  // namespace
+
+constexpr KindTables kNoteTables{recovery::ItemKind::kNote, kFlags, kFields};
+
+}  // namespace velmora::items

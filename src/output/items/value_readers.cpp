@@ -1,0 +1,113 @@
+#include "output/items/value_readers.h"
+
+#include "output/items/property_records.h"
+#include "output/ole_date.h"
+
+namespace velmora::items {
+namespace {
+
+/// The units of `bytes` up to the first NUL. An odd last byte makes a unit, as it does in a buffer that is
+/// filled with zeros behind the data.
+text::Text Utf16Text(engine::ByteView bytes) {
+  text::Text result;
+  for (std::size_t offset = 0; offset < bytes.Size(); offset += 2) {
+    const auto unit = static_cast<char16_t>(bytes.U16(offset));
+    if (unit == 0) break;
+    result.push_back(unit);
+  }
+  return result;
+}
+
+/// The characters of `bytes` up to the first NUL.
+text::Text EightBitText(engine::ByteView bytes, const text::CodePage& codePage) {
+  return codePage.Decode(bytes.Chars().substr(0, bytes.Chars().find('\0')));
+}
+
+/// Layout of a list in its allocation: u32 count, then a u32 offset a value, then the values.
+constexpr std::uint64_t OffsetOfValue(std::uint64_t index) { return 4 + 4 * index; }
+
+/// The copied bytes of an 8-bit list begin behind its first offset. With one value, whose text stands right
+/// there, that first offset (8) is taken for the length, so that as a rule the text is cut after 8 bytes.
+text::Text EightBitList(const recovery::MessageBlock& block, const text::CodePage& codePage, std::uint32_t start,
+                        std::uint32_t length) {
+  const std::uint32_t count = block.bytes.U32(start);
+  const std::uint32_t copied = count == 1 ? block.bytes.U32(start + OffsetOfValue(0)) : length + 1;
+  if (copied > block.record.size) return {};
+  return EightBitText(block.bytes.Slice(start + OffsetOfValue(1), copied), codePage);
+}
+
+/// Each value ends where the next begins; the last one at the byte behind the allocation, which makes no
+/// unit of its own.
+text::Text UnicodeList(const recovery::MessageBlock& block, std::uint32_t start, std::uint32_t length) {
+  const engine::ByteView list = block.bytes.Slice(start, length + 1);
+  const std::uint32_t count = list.U32(0);
+  if (count > block.record.size) return {};
+  // Values that overlap would let a small list grow without measure; a sound one holds each byte once.
+  const std::size_t longestText = std::size_t{4} * block.record.size;
+  text::Text joined;
+  for (std::uint32_t i = 0; i < count && joined.size() < longestText; ++i) {
+    const bool last = i + 1 == count;
+    const std::uint64_t from = list.U32(OffsetOfValue(i));
+    const std::uint64_t to = last ? length + 1 : list.U32(OffsetOfValue(i + 1));
+    const engine::ByteView value = list.Range(from, to);
+    joined += Utf16Text(value.Slice(0, value.Size() / 2 * 2));
+    if (!last) joined.push_back(u';');
+  }
+  return joined;
+}
+
+}  // namespace
+
+text::Text ReadStringValue(const recovery::MessageBlock& block, const text::CodePage& codePage, std::uint16_t type,
+                           std::uint32_t position) {
+  const std::uint32_t start = block.bytes.U16(position);
+  const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
+  if (end < 16 || start == 0 || end <= start) return {};
+  const std::uint32_t length = end - start;
+  if (block.record.size < length + 4) return {};
+  switch (type) {
+    case PT_UNICODE:
+      return Utf16Text(block.bytes.Slice(start, length));
+    case PT_STRING8:
+      return EightBitText(block.bytes.Slice(start, length), codePage);
+    case PT_MV_STRING8:
+      return EightBitList(block, codePage, start, length);
+    case PT_MV_UNICODE:
+      return UnicodeList(block, start, length);
+    default:
+      return {};
+  }
+}
+
+output::OleDate ReadTimeValue(const recovery::MessageBlock& block, std::uint16_t type, std::uint32_t position) {
+  if (type != PT_SYSTIME) return {};
+  const std::uint32_t start = block.bytes.U16(position);
+  const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
+  return DateOfFileTime(end > start && end - start == 8 ? block.bytes.U64(start) : 0);
+}
+
+text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
+                          std::uint16_t type, std::uint32_t position, std::uint32_t value) {
+  const std::uint32_t blockSize = block.record.size & 0xFFFF;  // an inflated block may be larger: its rest is not seen
+  if (std::uint64_t{position} + 2 >= blockSize) return scope.subNodes->ReadSubnodeString(type, value);
+  const std::uint32_t start = block.bytes.U16(position);
+  const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
+  if (end + 2 >= blockSize) return scope.subNodes->ReadSubnodeString(type, value);
+  if (start == 0 || end <= start) return {};
+  switch (type) {
+    case PT_UNICODE:
+      return Utf16Text(block.bytes.Range(start, end));
+    case PT_STRING8:
+      return EightBitText(block.bytes.Range(start, end), *scope.codePage);
+    default:
+      return {};
+  }
+}
+
+output::OleDate DateOfFileTime(std::uint64_t fileTime) {
+  constexpr std::int64_t kFirstRefusedSecond = 2958466 * output::kSecondsPerDay;  // 1 January 10000
+  const std::int64_t seconds = static_cast<std::int64_t>(fileTime / 10'000'000) - output::kOleEpochInFileTimeSeconds;
+  return seconds < kFirstRefusedSecond ? output::OleDateOf(seconds) : output::OleDate{};
+}
+
+}  // namespace velmora::items
