@@ -126,6 +126,15 @@ TEST(StringValue, AnEightBitListOfSeveralValuesGivesTheBytesOfItsSecondOffsetUpT
   EXPECT_EQ(ReadContent(PT_MV_STRING8, List({BytesOf("one"), BytesOf("two")})), u"\x0F");
 }
 
+TEST(StringValue, AnEightBitListWithoutAZeroRunsOverItsAllocationByNineBytes) {
+  ForgedHeap heap;
+  Bytes content = Number(2, 4);
+  AppendBytes(content, "offs0123456789ab");
+  const std::uint32_t value = heap.Add(content);
+  heap.Add(BytesOf("ABCDEFGHIJKLMNOP"));
+  EXPECT_EQ(Read(heap, PT_MV_STRING8, value), u"0123456789abABCDEFGHI");
+}
+
 TEST(StringValue, AUtf16ListOfOneValueGivesThatValueWithoutASemicolon) {
   EXPECT_EQ(ReadContent(PT_MV_UNICODE, List({Utf16(u"Business trips")})), u"Business trips");
 }
