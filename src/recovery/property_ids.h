@@ -1,4 +1,5 @@
-// The property ids that recovery itself asks for. What the converters ask for stands in their own tables.
+// The property ids that recovery itself asks for, and the property types that anybody looks at. The ids that the
+// converters ask for stand in their own tables.
 #pragma once
 
 #include <cstdint>
@@ -26,9 +27,15 @@ inline constexpr std::uint16_t kShortFileNameId = 0x3704;
 inline constexpr std::uint16_t kLongFileNameId = 0x3707;
 inline constexpr std::uint16_t kMimeSequenceId = 0x3710;
 
+inline constexpr std::uint16_t kTypeShort = 0x0002;
+inline constexpr std::uint16_t kTypeLong = 0x0003;
+inline constexpr std::uint16_t kTypeBoolean = 0x000B;
 inline constexpr std::uint16_t kTypeString8 = 0x001E;
 inline constexpr std::uint16_t kTypeUnicode = 0x001F;
+inline constexpr std::uint16_t kTypeTime = 0x0040;
 inline constexpr std::uint16_t kTypeBinary = 0x0102;
+inline constexpr std::uint16_t kTypeString8List = 0x101E;
+inline constexpr std::uint16_t kTypeUnicodeList = 0x101F;
 
 inline constexpr std::uint32_t kNameToIdMapNid = 0x61;
 inline constexpr std::uint32_t kRootFolderNid = 0x122;

@@ -9,10 +9,10 @@ using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kFlags[] = {
-  {PT_BOOLEAN, 0x0063, ResponseRequested},
-  {PT_BOOLEAN, 0x8215, AllDayEvent},
-  {PT_LONG,    0x8205, BusyStatus},
-  {PT_LONG,    0x8213, AppointmentDuration},
+  {kTypeBoolean, 0x0063, ResponseRequested},
+  {kTypeBoolean, 0x8215, AllDayEvent},
+  {kTypeLong,    0x8205, BusyStatus},
+  {kTypeLong,    0x8213, AppointmentDuration},
 };
 
 constexpr FieldRow kFields[] = {

@@ -20,19 +20,19 @@ constexpr bool o = false;
 //
 // clang-format off
 constexpr Row kCommonFlags[] = {
-  //                                                           contact task appointment meeting journal note
-  {{PT_BOOLEAN, 0x0002, AlternateRecipientAllowed},           {x,      x,   x,          x,      o,      x}},
-  {{PT_BOOLEAN, 0x0005, AutoForwarded},                       {x,      x,   x,          x,      o,      x}},
-  {{PT_BOOLEAN, 0x0023, OriginatorDeliveryReportRequested},   {x,      x,   x,          x,      x,      x}},
-  {{PT_BOOLEAN, 0x0029, ReadReceiptRequested},                {x,      x,   x,          x,      x,      x}},
-  {{PT_BOOLEAN, 0x002B, RecipientReassignmentProhibited},     {x,      x,   x,          x,      x,      x}},
-  {{PT_BOOLEAN, 0x0E01, DeleteAfterSubmit},                   {x,      x,   x,          x,      o,      x}},
-  {{PT_BOOLEAN, 0x8503, ReminderSet},                         {o,      x,   x,          x,      x,      x}},
-  {{PT_BOOLEAN, 0x850E, NoAging},                             {o,      x,   x,          x,      o,      o}},
-  {{PT_BOOLEAN, 0x851C, ReminderOverrideDefault},             {o,      x,   x,          x,      o,      o}},
-  {{PT_LONG,    0x0017, Importance},                          {x,      x,   x,          x,      o,      o}},
-  {{PT_LONG,    0x0036, Sensitivity},                         {x,      x,   x,          x,      x,      x}},
-  {{PT_LONG,    0x1090, FlagStatus},                          {x,      x,   x,          x,      x,      x}},
+  //                                                             contact task appointment meeting journal note
+  {{kTypeBoolean, 0x0002, AlternateRecipientAllowed},           {x,      x,   x,          x,      o,      x}},
+  {{kTypeBoolean, 0x0005, AutoForwarded},                       {x,      x,   x,          x,      o,      x}},
+  {{kTypeBoolean, 0x0023, OriginatorDeliveryReportRequested},   {x,      x,   x,          x,      x,      x}},
+  {{kTypeBoolean, 0x0029, ReadReceiptRequested},                {x,      x,   x,          x,      x,      x}},
+  {{kTypeBoolean, 0x002B, RecipientReassignmentProhibited},     {x,      x,   x,          x,      x,      x}},
+  {{kTypeBoolean, 0x0E01, DeleteAfterSubmit},                   {x,      x,   x,          x,      o,      x}},
+  {{kTypeBoolean, 0x8503, ReminderSet},                         {o,      x,   x,          x,      x,      x}},
+  {{kTypeBoolean, 0x850E, NoAging},                             {o,      x,   x,          x,      o,      o}},
+  {{kTypeBoolean, 0x851C, ReminderOverrideDefault},             {o,      x,   x,          x,      o,      o}},
+  {{kTypeLong,    0x0017, Importance},                          {x,      x,   x,          x,      o,      o}},
+  {{kTypeLong,    0x0036, Sensitivity},                         {x,      x,   x,          x,      x,      x}},
+  {{kTypeLong,    0x1090, FlagStatus},                          {x,      x,   x,          x,      x,      x}},
 };
 // clang-format on
 

@@ -9,7 +9,7 @@ using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kFlags[] = {
-  {PT_SHORT, 0x3A4D, Gender},
+  {kTypeShort, 0x3A4D, Gender},
 };
 
 constexpr FieldRow kFields[] = {

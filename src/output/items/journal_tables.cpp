@@ -9,11 +9,11 @@ using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kFlags[] = {
-  {PT_BOOLEAN, 0x8711, DocPosted},
-  {PT_BOOLEAN, 0x870E, DocPrinted},
-  {PT_BOOLEAN, 0x8710, DocRouted},
-  {PT_BOOLEAN, 0x870F, DocSaved},
-  {PT_LONG,    0x8707, JournalDuration},
+  {kTypeBoolean, 0x8711, DocPosted},
+  {kTypeBoolean, 0x870E, DocPrinted},
+  {kTypeBoolean, 0x8710, DocRouted},
+  {kTypeBoolean, 0x870F, DocSaved},
+  {kTypeLong,    0x8707, JournalDuration},
 };
 
 constexpr FieldRow kFields[] = {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "output/items/common_flags.h"
 #include "output/items/value_readers.h"
+#include "recovery/catching_frame.h"
 
 namespace velmora::items {
 namespace {
@@ -30,9 +32,9 @@ const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
 
 output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
   switch (type) {
-    case PT_BOOLEAN:
+    case kTypeBoolean:
       return FlagOf(value);
-    case PT_SHORT:
+    case kTypeShort:
       return std::int32_t{static_cast<std::int16_t>(value)};
     default:
       return static_cast<std::int32_t>(value);
@@ -44,19 +46,14 @@ output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
 void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                                   const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
   if (std::uint64_t{block.Position(record.value)} + 4 > block.record.size) return;
-  try {
-    switch (record.type) {
-      case PT_BOOLEAN:
-      case PT_LONG:
-      case PT_SHORT:
-        return ApplyFlag(scope, record, item);
-      default:
-        return ApplyText(scope, block, record, item);
-    }
-  } catch (const output::OutputFailure& failure) {
-    if (output::IsStoreFailure(failure)) throw;
-  } catch (const std::exception&) {
-    // Whatever befell this record, the item goes on with the next one.
+  switch (record.type) {
+    case kTypeBoolean:
+    case kTypeLong:
+    case kTypeShort:
+      ApplyFlag(scope, record, item);
+      return;
+    default:
+      recovery::WithinFrame([&] { ApplyText(scope, block, record, item); });
   }
 }
 
@@ -71,8 +68,8 @@ void KindConverter::ApplyText(const recovery::ConversionScope& scope, const reco
   const FieldRow* row = FindField(tables_, LongIdOf(scope, record.id));
   if (row == nullptr) return;
   const std::uint32_t position = block.Position(record.value);
-  const text::Text text = ReadStringValue(block, *scope.codePage, record.type, position);
-  if (text.empty() && record.type != PT_SYSTIME) return;
+  text::Text text = ReadStringValue(block, *scope.codePage, record.type, position);
+  if (text.empty() && record.type != kTypeTime) return;
   switch (row->sort) {
     case FieldSort::kDate:
       item->Put(row->field, ReadTimeValue(block, record.type, position));
@@ -81,7 +78,7 @@ void KindConverter::ApplyText(const recovery::ConversionScope& scope, const reco
       if (scope.storeKind != engine::StoreKind::kOst) return;
       [[fallthrough]];
     case FieldSort::kText:
-      if (ItemGuard(item, row->field)) item->Put(row->field, text);
+      if (ItemGuard(item, row->field)) item->Put(row->field, std::move(text));
       return;
   }
 }

@@ -7,8 +7,8 @@
 namespace velmora::items {
 
 /// Converts one of the six kinds that are no mail by its tables. A field is written only as its record passes
-/// by, so the writes come in the order of the records. A failure costs the one field that it befell; only a
-/// failure of the store itself is raised.
+/// by, so the writes come in the order of the records. A failure with a text or a date costs that one field; one
+/// with a flag or a number is raised, and the message walk gives up that one field.
 class KindConverter : public recovery::ItemConverter {
  public:
   /// `tables` outlives the converter.

@@ -49,11 +49,11 @@ extern const KindTables kNoteTables;
 constexpr bool Fits(std::uint16_t type, output::Field field) {
   switch (output::InfoOf(field).type) {
     case output::FieldType::Flag:
-      return type == PT_BOOLEAN;
+      return type == kTypeBoolean;
     case output::FieldType::Number:
-      return type == PT_LONG;
+      return type == kTypeLong;
     case output::FieldType::Number16:
-      return type == PT_SHORT;
+      return type == kTypeShort;
     default:
       return false;
   }

@@ -9,9 +9,9 @@ using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kFlags[] = {
-  {PT_LONG, 0x8B00, Color},
-  {PT_LONG, 0x8B02, Width},
-  {PT_LONG, 0x8B03, Height},
+  {kTypeLong, 0x8B00, Color},
+  {kTypeLong, 0x8B02, Width},
+  {kTypeLong, 0x8B03, Height},
 };
 
 constexpr FieldRow kFields[] = {

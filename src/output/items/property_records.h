@@ -4,18 +4,18 @@
 #include <cstdint>
 
 #include "recovery/item_converter.h"
+#include "recovery/property_ids.h"
 
 namespace velmora::items {
 
-// Property types under their published names.
-inline constexpr std::uint16_t PT_SHORT = 0x0002;
-inline constexpr std::uint16_t PT_LONG = 0x0003;
-inline constexpr std::uint16_t PT_BOOLEAN = 0x000B;
-inline constexpr std::uint16_t PT_STRING8 = 0x001E;
-inline constexpr std::uint16_t PT_UNICODE = 0x001F;
-inline constexpr std::uint16_t PT_SYSTIME = 0x0040;
-inline constexpr std::uint16_t PT_MV_STRING8 = 0x101E;
-inline constexpr std::uint16_t PT_MV_UNICODE = 0x101F;
+using recovery::kTypeBoolean;
+using recovery::kTypeLong;
+using recovery::kTypeShort;
+using recovery::kTypeString8;
+using recovery::kTypeString8List;
+using recovery::kTypeTime;
+using recovery::kTypeUnicode;
+using recovery::kTypeUnicodeList;
 
 /// The id of the tables: a named property's local id, which differs from store to store, becomes the long
 /// id that the store's name map gives it; every other id, and a local id without a pair, keeps its number.

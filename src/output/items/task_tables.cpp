@@ -9,9 +9,9 @@ using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kFlags[] = {
-  {PT_BOOLEAN, 0x811C, Complete},
-  {PT_BOOLEAN, 0x8108, TaskAccepted},
-  {PT_LONG,    0x8101, Status},
+  {kTypeBoolean, 0x811C, Complete},
+  {kTypeBoolean, 0x8108, TaskAccepted},
+  {kTypeLong,    0x8101, Status},
 };
 
 constexpr FieldRow kFields[] = {

@@ -2,26 +2,14 @@
 
 #include "output/items/property_records.h"
 #include "output/ole_date.h"
+#include "recovery/heap_text.h"
 
 namespace velmora::items {
+
+using recovery::NarrowText;
+using recovery::WideText;
+
 namespace {
-
-/// The units of `bytes` up to the first NUL. An odd last byte makes a unit, as it does in a buffer that is
-/// filled with zeros behind the data.
-text::Text Utf16Text(engine::ByteView bytes) {
-  text::Text result;
-  for (std::size_t offset = 0; offset < bytes.Size(); offset += 2) {
-    const auto unit = static_cast<char16_t>(bytes.U16(offset));
-    if (unit == 0) break;
-    result.push_back(unit);
-  }
-  return result;
-}
-
-/// The characters of `bytes` up to the first NUL.
-text::Text EightBitText(engine::ByteView bytes, const text::CodePage& codePage) {
-  return codePage.Decode(bytes.Chars().substr(0, bytes.Chars().find('\0')));
-}
 
 /// Layout of a list in its allocation: u32 count, then a u32 offset a value, then the values.
 constexpr std::uint64_t OffsetOfValue(std::uint64_t index) { return 4 + 4 * index; }
@@ -33,7 +21,7 @@ text::Text EightBitList(const recovery::MessageBlock& block, const text::CodePag
   const std::uint32_t count = block.bytes.U32(start);
   const std::uint32_t copied = count == 1 ? block.bytes.U32(start + OffsetOfValue(0)) : length + 1;
   if (copied > block.record.size) return {};
-  return EightBitText(block.bytes.Slice(start + OffsetOfValue(1), copied), codePage);
+  return NarrowText(block.bytes.Slice(start + OffsetOfValue(1), copied), codePage);
 }
 
 /// Each value ends where the next begins; the last one at the byte behind the allocation, which makes no
@@ -50,7 +38,7 @@ text::Text UnicodeList(const recovery::MessageBlock& block, std::uint32_t start,
     const std::uint64_t from = list.U32(OffsetOfValue(i));
     const std::uint64_t to = last ? length + 1 : list.U32(OffsetOfValue(i + 1));
     const engine::ByteView value = list.Range(from, to);
-    joined += Utf16Text(value.Slice(0, value.Size() / 2 * 2));
+    joined += WideText(value.Slice(0, value.Size() / 2 * 2));
     if (!last) joined.push_back(u';');
   }
   return joined;
@@ -66,13 +54,13 @@ text::Text ReadStringValue(const recovery::MessageBlock& block, const text::Code
   const std::uint32_t length = end - start;
   if (block.record.size < length + 4) return {};
   switch (type) {
-    case PT_UNICODE:
-      return Utf16Text(block.bytes.Slice(start, length));
-    case PT_STRING8:
-      return EightBitText(block.bytes.Slice(start, length), codePage);
-    case PT_MV_STRING8:
+    case kTypeUnicode:
+      return WideText(block.bytes.Slice(start, length));
+    case kTypeString8:
+      return NarrowText(block.bytes.Slice(start, length), codePage);
+    case kTypeString8List:
       return EightBitList(block, codePage, start, length);
-    case PT_MV_UNICODE:
+    case kTypeUnicodeList:
       return UnicodeList(block, start, length);
     default:
       return {};
@@ -80,7 +68,7 @@ text::Text ReadStringValue(const recovery::MessageBlock& block, const text::Code
 }
 
 output::OleDate ReadTimeValue(const recovery::MessageBlock& block, std::uint16_t type, std::uint32_t position) {
-  if (type != PT_SYSTIME) return {};
+  if (type != kTypeTime) return {};
   const std::uint32_t start = block.bytes.U16(position);
   const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
   return DateOfFileTime(end > start && end - start == 8 ? block.bytes.U64(start) : 0);
@@ -95,10 +83,10 @@ text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery
   if (end + 2 >= blockSize) return scope.subNodes->ReadSubnodeString(type, value);
   if (start == 0 || end <= start) return {};
   switch (type) {
-    case PT_UNICODE:
-      return Utf16Text(block.bytes.Range(start, end));
-    case PT_STRING8:
-      return EightBitText(block.bytes.Range(start, end), *scope.codePage);
+    case kTypeUnicode:
+      return WideText(block.bytes.Range(start, end));
+    case kTypeString8:
+      return NarrowText(block.bytes.Range(start, end), *scope.codePage);
     default:
       return {};
   }

@@ -45,10 +45,10 @@ class ItemFixture : public ::testing::Test {
     converters[static_cast<std::size_t>(kind)]->ApplyProperty(scope, block, {id, type, value}, item);
   }
   void ApplyText(recovery::ItemKind kind, std::uint16_t id, text::TextView text) {
-    Apply(kind, id, PT_UNICODE, heap.Add(Utf16(text)));
+    Apply(kind, id, kTypeUnicode, heap.Add(Utf16(text)));
   }
   void ApplyTime(recovery::ItemKind kind, std::uint16_t id, std::uint64_t fileTime) {
-    Apply(kind, id, PT_SYSTIME, heap.Add(Number(fileTime, 8)));
+    Apply(kind, id, kTypeTime, heap.Add(Number(fileTime, 8)));
   }
 
   /// What was logged since the last call.

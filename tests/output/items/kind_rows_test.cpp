@@ -59,16 +59,16 @@ TEST_P(EveryRow, WritesItsField) {
       EXPECT_THAT(log, ElementsAre(operation + "=date 43831"));
       break;
     case 'F':
-      Apply(kind.kind, row.id, PT_BOOLEAN, 1);
-      Apply(kind.kind, row.id, PT_BOOLEAN, 0);
+      Apply(kind.kind, row.id, kTypeBoolean, 1);
+      Apply(kind.kind, row.id, kTypeBoolean, 0);
       EXPECT_THAT(log, ElementsAre(operation + "=true", operation + "=false"));
       break;
     case 'N':
-      Apply(kind.kind, row.id, PT_LONG, 0x1234);
+      Apply(kind.kind, row.id, kTypeLong, 0x1234);
       EXPECT_THAT(log, ElementsAre(operation + "=4660"));
       break;
     case 'S':
-      Apply(kind.kind, row.id, PT_SHORT, 2);
+      Apply(kind.kind, row.id, kTypeShort, 2);
       EXPECT_THAT(log, ElementsAre(operation + "=2"));
       break;
     default:
@@ -86,11 +86,11 @@ class EveryId : public ItemFixture, public ::testing::WithParamInterface<Kind> {
   /// Which operation a record of that type and id is expected to call; null where the record is dropped.
   const char* Expected(std::uint16_t id, std::uint16_t type) const {
     const bool isOst = scope.storeKind == engine::StoreKind::kOst;
-    const std::string_view sorts = type == PT_BOOLEAN ? "F"
-                                   : type == PT_LONG  ? "N"
-                                   : type == PT_SHORT ? "S"
-                                   : isOst            ? "TDO"
-                                                      : "TD";
+    const std::string_view sorts = type == kTypeBoolean ? "F"
+                                   : type == kTypeLong  ? "N"
+                                   : type == kTypeShort ? "S"
+                                   : isOst              ? "TDO"
+                                                        : "TD";
     const auto& rows = GetParam().rows;
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const ExpectedRow& candidate) {
       return candidate.id == id && sorts.find(candidate.sort) != sorts.npos;
@@ -103,7 +103,7 @@ class EveryId : public ItemFixture, public ::testing::WithParamInterface<Kind> {
     const std::uint32_t time = heap.Add(Number(kNewYear2020, 8));
     const recovery::MessageBlock block = heap.Block(0x100);
     for (const auto& [type, value] :
-         {std::pair{PT_UNICODE, text}, {PT_SYSTIME, time}, {PT_BOOLEAN, 1u}, {PT_LONG, 1u}, {PT_SHORT, 1u}}) {
+         {std::pair{kTypeUnicode, text}, {kTypeTime, time}, {kTypeBoolean, 1u}, {kTypeLong, 1u}, {kTypeShort, 1u}}) {
       for (std::uint32_t number = 0; number <= 0xFFFF; ++number) {
         const auto id = static_cast<std::uint16_t>(number);
         ApplyIn(block, GetParam().kind, id, type, value);

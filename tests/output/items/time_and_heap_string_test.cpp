@@ -15,7 +15,7 @@ using ::testing::Pair;
 
 constexpr double kFirstFileTimeDay = -109205.0;  // 1 January 1601
 
-double ReadTime(const Bytes& content, std::uint16_t type = PT_SYSTIME) {
+double ReadTime(const Bytes& content, std::uint16_t type = kTypeTime) {
   ForgedHeap heap;
   const std::uint32_t value = heap.Add(content);
   const recovery::MessageBlock block = heap.Block();
@@ -51,11 +51,11 @@ TEST(TimeValue, AnAllocationOfAnotherSizeIsTheFirstDayOf1601) {
   heap.Add(Number(kNewYear2020, 8));
   const std::uint32_t backwards = heap.AddRange(28, 20);
   const recovery::MessageBlock block = heap.Block();
-  EXPECT_EQ(ReadTimeValue(block, PT_SYSTIME, block.Position(backwards)).days, kFirstFileTimeDay);
+  EXPECT_EQ(ReadTimeValue(block, kTypeTime, block.Position(backwards)).days, kFirstFileTimeDay);
 }
 
 TEST(TimeValue, ARecordOfAnotherTypeGivesTheDateZero) {
-  EXPECT_EQ(ReadTime(Number(kNewYear2020, 8), PT_UNICODE), 0.0);
+  EXPECT_EQ(ReadTime(Number(kNewYear2020, 8), kTypeUnicode), 0.0);
   EXPECT_EQ(ReadTime(Number(kNewYear2020, 8), 0x0007), 0.0);
 }
 
@@ -81,51 +81,51 @@ class HeapString : public ItemFixture {
 TEST_F(HeapString, TextsOfBothWidthsComeFromTheHeap) {
   const std::uint32_t wide = heap.Add(Utf16(u"Grüße"));
   const std::uint32_t narrow = heap.Add(BytesOf("caf\xE9"));
-  EXPECT_EQ(Read(PT_UNICODE, wide), u"Grüße");
-  EXPECT_EQ(Read(PT_STRING8, narrow), u"café");
+  EXPECT_EQ(Read(kTypeUnicode, wide), u"Grüße");
+  EXPECT_EQ(Read(kTypeString8, narrow), u"café");
   EXPECT_THAT(subNodes.asked, IsEmpty());
 }
 
 TEST_F(HeapString, ATextAtTheVeryStartOfTheBlockIsRead) {
   heap = ForgedHeap(2);
-  EXPECT_EQ(Read(PT_STRING8, heap.Add(BytesOf("short"))), u"short");
+  EXPECT_EQ(Read(kTypeString8, heap.Add(BytesOf("short"))), u"short");
 }
 
 TEST_F(HeapString, ATypeThatIsNoSingleTextReadsAsEmpty) {
   const std::uint32_t value = heap.Add(List({Utf16(u"Ann")}));
-  EXPECT_EQ(Read(PT_MV_UNICODE, value), u"");
-  EXPECT_EQ(Read(PT_SYSTIME, value), u"");
+  EXPECT_EQ(Read(kTypeUnicodeList, value), u"");
+  EXPECT_EQ(Read(kTypeTime, value), u"");
   EXPECT_THAT(subNodes.asked, IsEmpty());
 }
 
 TEST_F(HeapString, APositionBeyondTheBlockLeadsToTheSubNode) {
   heap.Add(BytesOf("text"));
   const recovery::MessageBlock block = heap.Block(200);
-  EXPECT_EQ(ReadHeapString(scope, block, PT_UNICODE, 198, 0x123F), u"from a sub-node");
-  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(PT_UNICODE, 0x123F)));
-  EXPECT_EQ(ReadHeapString(scope, block, PT_UNICODE, 197, 0x123F), u"");
+  EXPECT_EQ(ReadHeapString(scope, block, kTypeUnicode, 198, 0x123F), u"from a sub-node");
+  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(kTypeUnicode, 0x123F)));
+  EXPECT_EQ(ReadHeapString(scope, block, kTypeUnicode, 197, 0x123F), u"");
 }
 
 TEST_F(HeapString, AnEndAtTheEndOfTheBlockLeadsToTheSubNode) {
   heap.Add(BytesOf("text"));
   const std::uint32_t value = heap.AddRange(20, 98);
-  EXPECT_EQ(Read(PT_STRING8, value, 100), u"from a sub-node");
-  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(PT_STRING8, value)));
-  EXPECT_EQ(Read(PT_STRING8, value, 101).substr(0, 4), u"text");
+  EXPECT_EQ(Read(kTypeString8, value, 100), u"from a sub-node");
+  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(kTypeString8, value)));
+  EXPECT_EQ(Read(kTypeString8, value, 101).substr(0, 4), u"text");
 }
 
 TEST_F(HeapString, ABadRangeInsideTheBlockReadsAsEmpty) {
   heap.Add(BytesOf("text"));
-  EXPECT_EQ(Read(PT_STRING8, heap.AddRange(20, 20)), u"");
-  EXPECT_EQ(Read(PT_STRING8, heap.AddRange(24, 20)), u"");
-  EXPECT_EQ(Read(PT_STRING8, heap.AddRange(0, 24)), u"");
+  EXPECT_EQ(Read(kTypeString8, heap.AddRange(20, 20)), u"");
+  EXPECT_EQ(Read(kTypeString8, heap.AddRange(24, 20)), u"");
+  EXPECT_EQ(Read(kTypeString8, heap.AddRange(0, 24)), u"");
   EXPECT_THAT(subNodes.asked, IsEmpty());
 }
 
 TEST_F(HeapString, OfABlockLargerThan64KiBTheLow16BitsOfItsSizeCount) {
   const std::uint32_t value = heap.Add(BytesOf("text"));
-  EXPECT_EQ(Read(PT_STRING8, value, 0x10000 + 20), u"from a sub-node");
-  EXPECT_EQ(Read(PT_STRING8, value, 0x10000 + 200), u"text");
+  EXPECT_EQ(Read(kTypeString8, value, 0x10000 + 20), u"from a sub-node");
+  EXPECT_EQ(Read(kTypeString8, value, 0x10000 + 200), u"text");
 }
 
 }  // namespace
