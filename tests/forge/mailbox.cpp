@@ -44,12 +44,10 @@ void Mailbox::AddBaseFolders() {
   if (options_.tables) AddFolder({.name = u"SPAM Search Folder 2", .parent = kRootFolder, .nid = kSearchFolder});
 }
 
-Nid Mailbox::AddFolder(const FolderSpec& spec) {
-  const Nid nid = spec.nid.value_or(nextFolder_);
-  if (!spec.nid) nextFolder_ += kNidStep;
-  folders_[nid] = {.spec = spec, .nid = nid};
-  const auto parent = folders_.find(spec.parent);
-  if (parent != folders_.end() && spec.parent != nid) parent->second.hasSubfolders = true;
+Nid Mailbox::AddFolder(const FolderSpec& given) {
+  const Nid nid = given.nid.value_or(nextFolder_);
+  if (!given.nid) nextFolder_ += kNidStep;
+  folders_[nid] = {.given = given, .nid = nid};
   return nid;
 }
 
@@ -75,6 +73,13 @@ Mailbox::Added Mailbox::AddMessage(Nid folder, const Message& message, std::opti
   return {.nid = nid, .bidData = written.bidData, .bidSub = written.bidSub};
 }
 
+void Mailbox::FindChildren() {
+  for (const auto& [nid, folder] : folders_) {
+    const auto parent = folders_.find(folder.given.parent);
+    if (parent != folders_.end() && parent->first != nid) parent->second.children.push_back(nid);
+  }
+}
+
 void Mailbox::CloseFolder(Nid folder) { CloseFolder(folders_.at(folder)); }
 
 void Mailbox::CloseFolder(Folder& folder) {
@@ -88,24 +93,23 @@ void Mailbox::CloseFolder(Folder& folder) {
 }
 
 PropertyList Mailbox::FolderProperties(const Folder& folder) const {
-  PropertyList list = {Text(0x3001, folder.spec.name), Int32(0x3602, folder.messageCount),
-                       Int32(0x3603, folder.unreadCount), Bool(0x360A, folder.hasSubfolders)};
-  if (!folder.spec.containerClass.empty()) list.push_back(Text(0x3613, folder.spec.containerClass));
+  PropertyList list = {Text(0x3001, folder.given.name), Int32(0x3602, folder.messageCount),
+                       Int32(0x3603, folder.unreadCount), Bool(0x360A, !folder.children.empty())};
+  if (!folder.given.containerClass.empty()) list.push_back(Text(0x3613, folder.given.containerClass));
   if (folder.associatedCount != 0) list.push_back(Int32(0x6635, folder.associatedCount));
-  for (const Property& property : folder.spec.properties) Set(list, property);
+  for (const Property& property : folder.given.properties) Set(list, property);
   return list;
 }
 
 void Mailbox::WriteFolder(Folder& folder) {
-  folder.spec.properties = Resolve(names_, folder.spec.properties);
-  AddContextNode(store_, folder.nid, folder.spec.parent, FolderProperties(folder), folder.spec.context);
+  folder.given.properties = Resolve(names_, folder.given.properties);
+  AddContextNode(store_, folder.nid, folder.given.parent, FolderProperties(folder), folder.given.context);
   // A search folder has a table of its own kind.
   if (!options_.tables || folder.nid == kSearchFolder) return;
   CloseFolder(folder);
   std::vector<Row> rows;
-  for (const auto& [nid, child] : folders_) {
-    if (child.spec.parent != folder.nid || nid == folder.nid) continue;
-    rows.push_back({.id = nid, .cells = CellsOf(HierarchyColumns(), FolderProperties(child))});
+  for (const Nid child : folder.children) {
+    rows.push_back({.id = child, .cells = CellsOf(HierarchyColumns(), FolderProperties(folders_.at(child)))});
   }
   AddTableNode(store_, TableOf(folder.nid, kHierarchyTable), HierarchyColumns(), rows);
 }
@@ -118,6 +122,7 @@ void Mailbox::WriteStoreNode() {
 }
 
 Image Mailbox::Finish() {
+  FindChildren();
   for (auto& [nid, folder] : folders_) WriteFolder(folder);
   if (options_.base) WriteStoreNode();
   if (options_.base && options_.tables) WriteFixedNodes();

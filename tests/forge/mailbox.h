@@ -76,18 +76,19 @@ class Mailbox {
 
  private:
   struct Folder {
-    FolderSpec spec;
+    FolderSpec given;
     Nid nid = 0;
     std::vector<Row> messages = {};
     std::vector<Row> associated = {};
     std::uint32_t messageCount = 0;
     std::uint32_t unreadCount = 0;
     std::uint32_t associatedCount = 0;
-    bool hasSubfolders = false;
+    std::vector<Nid> children = {};
     bool closed = false;
   };
 
   void AddBaseFolders();
+  void FindChildren();
   void CloseFolder(Folder& folder);
   PropertyList FolderProperties(const Folder& folder) const;
   void WriteFolder(Folder& folder);

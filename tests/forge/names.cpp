@@ -122,7 +122,9 @@ PropertyList NameMap::Properties(bool pairedBuckets) const {
 PropertyList Resolve(NameMap& names, const PropertyList& properties) {
   PropertyList resolved = properties;
   for (Property& property : resolved) {
-    if (property.name) property.id = names.IdOf(*property.name);
+    if (!property.name) continue;
+    property.id = names.IdOf(*property.name);
+    property.name.reset();
   }
   return resolved;
 }

@@ -40,7 +40,7 @@ class NameMap {
   Bytes texts_;
 };
 
-/// The names with their ids in place: what a context can be formed of.
+/// The properties with ids in place of names: what a context can be formed of.
 PropertyList Resolve(NameMap& names, const PropertyList& properties);
 
 }  // namespace velmora::forge

@@ -58,11 +58,11 @@ PageSpec BlockPage(Format format, const std::vector<BlockEntry>& blocks) {
   return {.type = PageType::kBlocks, .entries = FormEntries(format, blocks)};
 }
 
-Bytes FormPage(Format format, const PageSpec& spec, std::uint64_t offset, std::uint64_t pageId) {
+Bytes FormPage(Format format, const PageSpec& given, std::uint64_t offset, std::uint64_t pageId) {
   const FormatTraits& traits = TraitsOf(format);
-  const std::size_t naturalSize = EntrySizeOf(traits, spec.type, spec.level);
+  const std::size_t naturalSize = EntrySizeOf(traits, given.type, given.level);
   Bytes page(traits.pageSize);
-  std::copy_n(spec.entries.begin(), std::min(spec.entries.size(), page.size()), page.begin());
+  std::copy_n(given.entries.begin(), std::min(given.entries.size(), page.size()), page.begin());
 
   const std::size_t counterWidth = format == Format::kUnicode4k ? 2 : 1;
   std::size_t at = traits.entryAreaSize;
@@ -70,14 +70,14 @@ Bytes FormPage(Format format, const PageSpec& spec, std::uint64_t offset, std::u
     Put(page, at, value, width);
     at += width;
   };
-  putCounter(spec.count.value_or(static_cast<std::uint16_t>(spec.entries.size() / naturalSize)), counterWidth);
-  putCounter(spec.maxCount.value_or(static_cast<std::uint16_t>(PageCapacity(format, naturalSize))), counterWidth);
-  putCounter(spec.entrySize.value_or(static_cast<std::uint16_t>(naturalSize)), 1);
-  putCounter(spec.level, 1);
+  putCounter(given.count.value_or(static_cast<std::uint16_t>(given.entries.size() / naturalSize)), counterWidth);
+  putCounter(given.maxCount.value_or(static_cast<std::uint16_t>(PageCapacity(format, naturalSize))), counterWidth);
+  putCounter(given.entrySize.value_or(static_cast<std::uint16_t>(naturalSize)), 1);
+  putCounter(given.level, 1);
 
-  const auto type = static_cast<std::uint16_t>(spec.type);
-  SealPage(format, page, spec.typeWord.value_or(static_cast<std::uint16_t>(type << 8 | type)), offset, pageId,
-           spec.signature);
+  const auto type = static_cast<std::uint16_t>(given.type);
+  SealPage(format, page, given.typeWord.value_or(static_cast<std::uint16_t>(type << 8 | type)), offset, pageId,
+           given.signature);
   return page;
 }
 

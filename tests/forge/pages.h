@@ -60,7 +60,7 @@ PageSpec NodePage(Format format, const std::vector<NodeEntry>& nodes);
 PageSpec BlockPage(Format format, const std::vector<BlockEntry>& blocks);
 
 /// The bytes of the page, sealed for that offset and id.
-Bytes FormPage(Format format, const PageSpec& spec, std::uint64_t offset, std::uint64_t pageId);
+Bytes FormPage(Format format, const PageSpec& given, std::uint64_t offset, std::uint64_t pageId);
 
 /// Writes type, signature, checksum and id behind the content of a page of any kind. A signature that is
 /// not given is computed.

@@ -127,22 +127,22 @@ void Store::NoteNid(Nid nid) {
 
 void Store::ListBlock(const BlockEntry& entry) { extraEntries_.push_back(entry); }
 
-PlacedPage Store::AddPage(const PageSpec& spec) {
-  PlacedPage page = WritePage(spec);
+PlacedPage Store::AddPage(const PageSpec& given) {
+  PlacedPage page = WritePage(given);
   pages_.back().stray = page.stray = true;
   return page;
 }
 
-PlacedPage Store::WritePage(const PageSpec& spec) {
-  std::uint64_t offset = spec.offset.value_or(0);
-  if (spec.offset) {
+PlacedPage Store::WritePage(const PageSpec& given) {
+  std::uint64_t offset = given.offset.value_or(0);
+  if (given.offset) {
     space_.Take(offset, traits_.pageSize);
   } else {
     offset = space_.Allocate(traits_.pageSize, traits_.pageSize);
   }
-  const std::uint64_t pageId = spec.pageId ? *spec.pageId : nextPageId_++;
-  sink_->WriteAt(offset, FormPage(options_.format, spec, offset, pageId));
-  pages_.push_back({.type = spec.type, .level = spec.level, .offset = offset, .pageId = pageId});
+  const std::uint64_t pageId = given.pageId ? *given.pageId : nextPageId_++;
+  sink_->WriteAt(offset, FormPage(options_.format, given, offset, pageId));
+  pages_.push_back({.type = given.type, .level = given.level, .offset = offset, .pageId = pageId});
   return pages_.back();
 }
 

@@ -88,7 +88,7 @@ class Store {
   void AddNode(Nid nid, Bid bidData, Bid bidSub, Nid nidParent);
 
   /// Writes a page that belongs to no tree: a stale copy, or one with something wrong.
-  PlacedPage AddPage(const PageSpec& spec);
+  PlacedPage AddPage(const PageSpec& given);
 
   /// Adds one more entry to the block tree, true or not.
   void ListBlock(const BlockEntry& entry);
@@ -121,7 +121,7 @@ class Store {
   TreeRoot WriteTree(PageType type, std::vector<std::uint64_t> keys, Bytes entries);
   TreeRoot WriteNodeTree();
   TreeRoot WriteBlockTree();
-  PlacedPage WritePage(const PageSpec& spec);
+  PlacedPage WritePage(const PageSpec& given);
   void WriteMaps();
   void WriteHeader(const TreeRoot& nodes, const TreeRoot& blocks, std::uint64_t fileSize);
 
