@@ -1,4 +1,5 @@
 #include "engine/block_collector.h"
+#include "engine/messages.h"
 #include "engine/signature.h"
 #include "engine/steps.h"
 #include "engine/trailer_scan.h"
@@ -93,15 +94,15 @@ void ScanBlockPages(EngineState& state, RunContext& run) {
   state.orphanBlockCount = 0;
   state.indexFileName = "FirstTableItem.dat";
   auto file = IndexFile::Create(state.outputFolder / state.indexFileName, *state.source, state.layout, state.index);
-  if (!file) return RefuseRun(run, u"Some problem is encounterd to create temporary file.");
+  if (!file) return RefuseRun(run, kNoIndexFile);
 
   ScanSource(state, run, *file);
   if (run.runEnded) return;
   if (run.smartScan) state.referencedIds.Clear();
 
   const auto records = file->Finish();
-  if (!records) return RefuseRun(run, u"Some problem is encounterd to create temporary file.");
-  if (*records < kLeastRecords) RefuseRun(run, u"Pst/Ost file is not valid.");
+  if (!records) return RefuseRun(run, kNoIndexFile);
+  if (*records < kLeastRecords) RefuseRun(run, kNotValid);
   run.Log(u"\r\n");
   run.Log(u"Collecting BBT Entries");
   state.percentBase = state.nodeCount / 100;

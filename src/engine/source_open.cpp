@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "engine/messages.h"
 #include "engine/steps.h"
 
 namespace velmora::engine {
@@ -9,7 +10,7 @@ void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path
   run.Send(MSG_STAGE, 1);
   auto source = platform::OpenForReading(path);
   if (!source) {
-    run.ShowError(u"Source file could not open.Make sure that another application is not using. ");
+    run.ShowError(kSourceNotOpened);
     throw WorkerEnded{};
   }
   state.source = std::move(*source);

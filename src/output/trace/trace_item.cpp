@@ -1,7 +1,6 @@
 #include "output/trace/trace_item.h"
 
 #include <sha2.h>
-#include <sys/types.h>
 
 #include <algorithm>
 #include <limits>

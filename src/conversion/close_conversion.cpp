@@ -1,0 +1,90 @@
+#include <filesystem>
+#include <utility>
+
+#include "conversion/out_look.h"
+#include "platform/file.h"
+
+namespace velmora::conversion {
+namespace {
+
+/// A failure in one group of releases ends that group alone.
+template <class Group>
+void Protected(Group&& group) {
+  try {
+    group();
+  } catch (const std::exception&) {
+  }
+}
+
+/// Twice, unless the file is not there; the second result does not matter.
+void DeleteIndexFile(const std::filesystem::path& outputFolder) {
+  // Before the set-up has named a folder, the bare name would mean a file of somebody else's.
+  if (outputFolder.empty()) return;
+  const std::filesystem::path file = outputFolder / "FirstTableItem.dat";
+  if (const auto deleted = platform::DeleteFile(file);
+      !deleted && deleted.error().kind != platform::FailureKind::kNotFound) {
+    static_cast<void>(platform::DeleteFile(file));
+  }
+}
+
+}  // namespace
+
+void COutLook::CloseConversion() {
+  CompleteReport();
+  state_.run.Send(engine::MSG_STAGE, 9, 1);
+  Protected([&] {
+    engine_.index.Clear();
+    DeleteIndexFile(engine_.outputFolder);
+    CloseSourceAndLog();
+  });
+  Protected([&] { recovery_.folders = {}; });
+  Protected([&] { engine_.nodes.Clear(); });
+  Protected([&] {
+    if (state_.profileName.empty()) return;
+    SealOutput();
+    ReleaseSession();
+  });
+  Protected([&] { ReleaseStore(); });
+}
+
+void COutLook::CloseSourceAndLog() {
+  engine_.source.reset();
+  state_.run.log = nullptr;
+  logHandle_.reset();
+}
+
+void COutLook::CompleteReport() {
+  report_.blockEncoding = engine_.blockEncoding;
+  report_.readFailure = engine_.readFailure;
+  report_.recovery = recovery_.report;
+}
+
+void COutLook::ReleaseSession() {
+  recovery_.session.Release();
+  session_.Release();
+  profiles_.Release();
+}
+
+void COutLook::ReleaseStore() {
+  recovery_.targetFolder.Release();
+  recovery_.targetStore.Release();
+  targetStore_.Release();
+}
+
+void COutLook::SealOutput() {
+  const RunOutput output = std::exchange(output_, {});
+  if (!output.seal) return;
+  if (const auto sealed = output.seal(); !sealed) sealFailure_ = sealed.error();
+}
+
+void COutLook::DropRun() {
+  CompleteReport();
+  CloseSourceAndLog();
+  engine_ = {};
+  recovery_ = {};
+  SealOutput();
+  ReleaseSession();
+  ReleaseStore();
+}
+
+}  // namespace velmora::conversion

@@ -1,0 +1,76 @@
+#include "conversion/out_look.h"
+
+#include <exception>
+
+#include "conversion/messages.h"
+#include "engine/steps.h"
+#include "output/items/item_converters.h"
+#include "recovery/steps.h"
+
+namespace velmora::conversion {
+
+COutLook::COutLook(RunState& state, OutputFactory makeOutput)
+    : state_(state), makeOutput_(std::move(makeOutput)), converters_(items::MakeItemConverters()) {}
+
+COutLook::~COutLook() = default;
+
+void COutLook::OpenSource(const text::Text& path) {
+  report_ = {};
+  recovery_ = {};
+  sealFailure_.reset();
+  logText_ = path;
+  CloseSourceAndLog();
+  if (logEnabled) {
+    logHandle_ = std::make_unique<RunLogFile>();
+    state_.run.log = logHandle_.get();
+  }
+  engine::OpenSource(engine_, state_.run, text::ToFileName(path));
+}
+
+void COutLook::ProbeFormat() {
+  if (state_.run.runEnded) return;
+  const engine::ProbeResult result = engine::ProbeFormat(engine_, state_.run);
+  report_.storeKind = engine_.storeKind;
+  if (result == engine::ProbeResult::kFound) {
+    report_.format = engine_.layout.formatId;
+    return;
+  }
+  CloseSourceAndLog();
+  state_.run.ShowError(engine::kNotValid);
+  CloseConversion();
+  throw engine::WorkerEnded{};
+}
+
+void COutLook::ScanNodePages() {
+  engine::ScanNodePages(engine_, state_.run);
+  report_.nodeCount = engine_.nodeCount;
+}
+
+void COutLook::ScanBlockPages() {
+  engine::ScanBlockPages(engine_, state_.run);
+  report_.blockRecordCount = engine_.blockRecordCount;
+  report_.orphanBlockCount = engine_.orphanBlockCount;
+}
+
+void COutLook::RecoverFolders() {
+  recovery_.session = session_;
+  recovery_.targetStore = targetStore_;
+  recovery_.convertedName = state_.convertedName;
+  recovery_.codePage = &state_.codePage;
+  recovery_.converters = &converters_;
+  recovery::RecoverFolders(recovery_, engine_, state_.run);
+}
+
+void COutLook::RecoverOrphans() { recovery::RecoverOrphans(recovery_, engine_, state_.run); }
+
+void COutLook::NoteEarlyEnd(const std::exception& failure) {
+  recovery_.report.lost.push_back({0, 0, {}, u"a step of the run ended early: " + text::FromUtf8(failure.what())});
+}
+
+void COutLook::ReportStoreFailure(bool full, const std::string& cause) {
+  report_.failure = cause;
+  state_.run.ShowError(text::Text(full ? kDiskFull : kStoreNotWritten) + state_.destinationPath);
+  state_.run.runAborted = true;
+}
+
+}  // namespace velmora::conversion

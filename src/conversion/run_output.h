@@ -1,0 +1,24 @@
+// Where a run writes to.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "output/operations.h"
+#include "platform/failure.h"
+
+namespace velmora::conversion {
+
+/// The output library of one run.
+struct RunOutput {
+  std::shared_ptr<output::OutputLibrary> library;  ///< never null
+
+  /// Completes on disk what the library's stores hold. Asked once, just before the session is released; its
+  /// objects can only be read from then on. Empty where there is nothing to seal.
+  std::function<platform::Result<void>()> seal;
+};
+
+/// Gives the output library of the next run; the set-up of each run asks once.
+using OutputFactory = std::function<RunOutput()>;
+
+}  // namespace velmora::conversion

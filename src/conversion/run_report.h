@@ -1,0 +1,25 @@
+// What a run tells about the store that it read and about what became of it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "engine/engine_state.h"
+#include "recovery/recovery_report.h"
+
+namespace velmora::conversion {
+
+struct RunReport {
+  engine::StoreKind storeKind = engine::StoreKind::kNone;
+  std::optional<engine::FormatId> format;  ///< nothing while no format was found
+  // As the scans left them.
+  std::uint32_t nodeCount = 0;
+  std::uint32_t blockRecordCount = 0;
+  std::uint32_t orphanBlockCount = 0;
+  engine::BlockEncoding blockEncoding = engine::BlockEncoding::kNone;
+  recovery::RecoveryReport recovery;
+  std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed
+  std::string failure;                           ///< why the run failed, for people who look after it; may be empty
+};
+
+}  // namespace velmora::conversion

@@ -1,0 +1,152 @@
+#include "conversion/messages.h"
+#include "conversion/out_look.h"
+#include "platform/file.h"
+#include "platform/process.h"
+
+namespace velmora::conversion {
+namespace {
+
+constexpr text::TextView kProfile = u"VelmoraRepairOutlook";
+
+struct DefaultFolderRow {
+  text::TextView name;
+  output::DefaultFolder kind;
+};
+
+/// In the order of their creation.
+constexpr DefaultFolderRow kDefaultFolders[] = {
+    {u"Contacts", output::DefaultFolder::kContacts}, {u"Journal", output::DefaultFolder::kJournal},
+    {u"Tasks", output::DefaultFolder::kTasks},       {u"Notes", output::DefaultFolder::kNotes},
+    {u"Calendar", output::DefaultFolder::kCalendar},
+};
+
+text::Text Decimal(std::uint32_t number) { return text::FromUtf8(std::to_string(number)); }
+
+/// The source's name up to its first "."; without one there is no left part, and the stem is empty.
+text::Text StemOf(const text::Text& name) {
+  const std::size_t point = name.find(u'.');
+  return point == text::Text::npos ? text::Text() : name.substr(0, point);
+}
+
+/// A destination that ends in a backslash is cut at its first one, wherever that stands: a drive's root
+/// loses its separator that way, and every longer path with it all that follows the drive. The separators
+/// of this platform that end a path say nothing.
+text::Text BaseFolderOf(text::Text destination) {
+  if (!destination.empty() && destination.back() == u'\\') destination.resize(destination.find(u'\\'));
+  while (!destination.empty() && destination.back() == u'/') destination.pop_back();
+  return destination;
+}
+
+}  // namespace
+
+void COutLook::SetUpConversion(text::Text destination, const text::Text& name) {
+  if (state_.run.runEnded) return;
+  state_.run.Send(engine::MSG_STAGE, 3);
+  try {
+    CreateOutput(std::move(destination), name);
+  } catch (const std::exception& failure) {
+    // What was made stays: the profile, the folder, the store.
+    CloseSourceAndLog();
+    report_.failure = failure.what();
+    state_.run.ShowError(kComponentFailed);
+    state_.run.runAborted = true;
+  }
+}
+
+void COutLook::NameOutput(const text::Text& baseFolder, const text::Text& stem, const text::Text& number) {
+  state_.convertedName = stem + u" Converted";
+  const text::Text folder = baseFolder + u"/" + state_.convertedName + number;
+  engine_.outputFolder = text::ToFileName(folder);
+  state_.destinationPath = folder + u"/" + state_.convertedName + u".pst";
+}
+
+void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
+  const text::Text baseFolder = BaseFolderOf(std::move(destination));
+  const text::Text stem = StemOf(name);
+
+  ReleaseStore();
+  ReleaseSession();
+  output_ = makeOutput_();
+  profiles_ = output_.library->CreateProfileList();
+  session_ = output_.library->CreateRDOSession();
+  if (!profiles_ || !session_) {
+    CloseSourceAndLog();
+    state_.run.Send(engine::MSG_ERROR_NOTICE);
+    if (!StartComponentSetup()) {
+      if (state_.run.observer != nullptr) {
+        state_.run.observer->OnBox(engine::BoxKind::kError, u"Error", kComponentMissing);
+      }
+    }
+    CloseConversion();
+    throw engine::WorkerEnded{};
+  }
+  // The name is of no use; that it can be read shows that the library works.
+  utils_ = output_.library->CreateMAPIUtils();
+  utils_->CurrentProfileName();
+
+  // The name that is tested is always the one before the name that is used.
+  text::Text profile(kProfile);
+  bool taken = true;
+  for (std::uint32_t n = 0; taken; ++n) {
+    taken = profiles_->Item(profile);
+    profile = text::Text(kProfile) + Decimal(n);
+    NameOutput(baseFolder, stem, Decimal(n));
+  }
+  profiles_->Add(profile);
+  state_.profileName = profile;
+  session_->Logon(profile);
+
+  if (const auto made = platform::CreateFolder(engine_.outputFolder); !made) {
+    CloseSourceAndLog();
+    report_.failure = made.error().object + ": " + made.error().message;
+    state_.run.ShowError(kNoOutputFolder);
+    state_.run.runAborted = true;
+    return;
+  }
+  try {
+    targetStore_ = session_->Stores()->AddPSTStore(state_.destinationPath, state_.convertedName);
+    CreateDefaultFolders();
+  } catch (const output::OutputFailure& failure) {
+    if (!output::IsStoreFailure(failure)) throw;
+    CloseSourceAndLog();
+    report_.failure = failure.what();
+    state_.run.ShowError(kStoreNotMade);
+    state_.run.runAborted = true;
+    return;
+  }
+  state_.logPath = text::FromFileName((engine_.outputFolder / "LogInformation.log").string());
+  if (logHandle_ != nullptr) WriteLogHeader();
+}
+
+void COutLook::CreateDefaultFolders() {
+  for (const DefaultFolderRow& row : kDefaultFolders) {
+    const auto folder = session_->Stores()->DefaultStore()->IPMRootFolder()->Folders()->Add(row.name, {});
+    const auto folder2 = folder->QueryFolder2();
+    folder2->SetAsDefaultFolder(row.kind);
+    folder2->PutDefaultFolderFlag(1);
+  }
+}
+
+void COutLook::WriteLogHeader() {
+  logHandle_->Open(text::ToFileName(state_.logPath));
+  state_.run.Log(u"Validation Successful");
+  state_.run.Log(state_.run.smartScan ? u" in SmartScan Scan\n\n" : u" in Normal Scan\n\n");
+  state_.run.Log(u"\r\n\r\nSource File Path:");
+  state_.run.Log(logText_);
+  state_.run.Log(u"\r\n\r\nDestination File Path:");
+  state_.run.Log(state_.destinationPath);
+  state_.run.Log(u"\r\n\r\nStart date and time : " + LogTime());
+}
+
+bool COutLook::StartComponentSetup() {
+  const auto program = platform::ProgramPath();
+  if (!program || !platform::StartProgram(program->parent_path() / "Reg.exe")) return false;
+  state_.run.ShowInformation(kRegistering);
+  if (state_.closeWindow) {
+    state_.skipExitPrompt = true;
+    state_.closeWindow();
+  }
+  return true;
+}
+
+}  // namespace velmora::conversion

@@ -1,0 +1,106 @@
+#include "conversion/summary.h"
+
+#include "conversion/run_log.h"
+#include "platform/file.h"
+
+namespace velmora::conversion {
+namespace {
+
+struct KindRow {
+  text::TextView containerClass;
+  std::int64_t FolderCounters::*counter;
+};
+
+constexpr KindRow kKinds[] = {
+    {u"IPF.Contact", &FolderCounters::contacts},
+    {u"IPM.Contact", &FolderCounters::contacts},
+    {u"IPF.DistList", &FolderCounters::contacts},
+    {u"IPM.DistList", &FolderCounters::contacts},
+    {u"IPF.Journal", &FolderCounters::journals},
+    {u"IPM.Journal", &FolderCounters::journals},
+    {u"IPF.Activity", &FolderCounters::journals},
+    {u"IPM.Activity", &FolderCounters::journals},
+    {u"IPM.Task", &FolderCounters::tasks},
+    {u"IPF.Task", &FolderCounters::tasks},
+    {u"IPM.TaskRequest.Decline", &FolderCounters::tasks},
+    {u"IPF.TaskRequest.Decline", &FolderCounters::tasks},
+    {u"IPM.TaskRequest.Update", &FolderCounters::tasks},
+    {u"IPM.TaskRequest", &FolderCounters::tasks},
+    {u"IPF.TaskRequest.Update", &FolderCounters::tasks},
+    {u"IPF.TaskRequest", &FolderCounters::tasks},
+    {u"IPM.StickyNote", &FolderCounters::notes},
+    {u"IPF.StickyNote", &FolderCounters::notes},
+    {u"IPF.Appointment", &FolderCounters::calendar},
+    {u"IPM.Appointment", &FolderCounters::calendar},
+};
+
+std::int64_t FolderCounters::*CounterOf(text::TextView containerClass) {
+  for (const KindRow& row : kKinds) {
+    if (row.containerClass == containerClass) return row.counter;
+  }
+  return &FolderCounters::mail;
+}
+
+text::Text Decimal(std::int64_t number) { return text::FromUtf8(std::to_string(number)); }
+
+bool IsSkipped(const SummaryFolder& folder) {
+  return !folder.hasParent && folder.name != u"Lost & Found" && folder.name != u"Orphaned Mails";
+}
+
+}  // namespace
+
+std::vector<SummaryFolder> FoldersOf(output::RDOSession& session, text::TextView storeName) {
+  struct Level {
+    output::Ref<output::RDOFolders> folders;
+    text::Text path;
+    std::int32_t next;
+  };
+  std::vector<SummaryFolder> found;
+  std::vector<Level> levels;
+  levels.push_back({session.Stores()->DefaultStore()->IPMRootFolder()->Folders(), u"\\\\" + text::Text(storeName), 0});
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.next == level.folders->Count()) {
+      levels.pop_back();
+      continue;
+    }
+    const auto folder = level.folders->At(level.next++);
+    found.push_back({level.path + u"\\" + folder->Name(), folder->Name()});
+    levels.push_back({folder->Folders(), found.back().path, 0});
+  }
+  return found;
+}
+
+std::optional<std::int32_t> CountFolder(output::RDOSession& session, text::TextView path, FolderCounters& counters) {
+  const auto folder = session.GetFolderFromPath(path);
+  if (!folder) return std::nullopt;
+  const std::int32_t count = folder->Items()->Count();
+  counters.*CounterOf(folder->ContainerClass()) += count;
+  counters.total += count;
+  counters.lastFolder = count;
+  return count;
+}
+
+std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& session,
+                                                      const std::vector<SummaryFolder>& folders, text::TextView logPath,
+                                                      FolderCounters& counters) {
+  const auto log = platform::OpenForWriting(text::ToFileName(logPath));
+  const auto write = [&](text::TextView piece) {
+    if (log) AppendToLog(**log, piece);
+  };
+  write(u"\r\n\r\n");
+  write(u"-------------------Summary--------------------");
+  counters = {};
+  std::vector<std::optional<std::int32_t>> counts;
+  for (const SummaryFolder& folder : folders) {
+    counts.push_back(IsSkipped(folder) ? std::nullopt : CountFolder(session, folder.path, counters));
+    if (counts.back()) write(u"\r\n\r\n" + folder.path + u": " + Decimal(*counts.back()));
+  }
+  write(u"\r\n\r\nTotal recovered mail items : ");
+  write(Decimal(counters.total));
+  write(u"\r\n\r\nDate and time : ");
+  write(LogTime());
+  return counts;
+}
+
+}  // namespace velmora::conversion

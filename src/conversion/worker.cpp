@@ -1,0 +1,65 @@
+#include "conversion/worker.h"
+
+#include "conversion/messages.h"
+
+namespace velmora::conversion {
+namespace {
+
+/// The message about a store that cannot be written takes the place of whatever the step had to say.
+void RunStep(COutLook& outLook, void (COutLook::*step)()) {
+  try {
+    (outLook.*step)();
+  } catch (const output::OutputFailure& failure) {
+    if (!output::IsStoreFailure(failure)) return outLook.NoteEarlyEnd(failure);
+    outLook.ReportStoreFailure(failure.Code() == output::ResultCode::STG_E_MEDIUMFULL, failure.what());
+  } catch (const std::exception& failure) {
+    outLook.NoteEarlyEnd(failure);
+  }
+}
+
+void TellSealFailure(COutLook& outLook, const RunState& state) {
+  if (!outLook.SealFailure() || state.run.runAborted) return;
+  const platform::Failure& failure = *outLook.SealFailure();
+  outLook.ReportStoreFailure(failure.kind == platform::FailureKind::kFull, failure.message);
+}
+
+}  // namespace
+
+RunEnd RunConversion(COutLook& outLook, RunState& state) {
+  engine::RunContext& run = state.run;
+  run.runAborted = false;
+  state.previewSession.Release();
+  try {
+    outLook.OpenSource(state.sourcePath);
+    outLook.ProbeFormat();
+    outLook.SetUpConversion(state.destinationPath, state.sourceFileName);
+    for (const auto step :
+         {&COutLook::ScanNodePages, &COutLook::ScanBlockPages, &COutLook::RecoverFolders, &COutLook::RecoverOrphans}) {
+      RunStep(outLook, step);
+    }
+    outLook.CloseConversion();
+    TellSealFailure(outLook, state);
+  } catch (const engine::WorkerEnded&) {
+    return RunEnd::kEndedEarly;
+  } catch (const engine::RunStopped&) {
+    outLook.DropRun();
+    TellSealFailure(outLook, state);
+    run.runAborted = false;
+    return RunEnd::kStopped;
+  }
+  outLook.FreeNamedPropMap();
+  run.Send(engine::MSG_CLEAR_LIST);
+  if (!run.runAborted) {
+    if (run.runEnded) {
+      run.ShowInformation(text::Text(kAborted) + state.destinationPath);
+    } else {
+      run.Send(engine::MSG_DONE);
+    }
+  }
+  run.runEnded = true;
+  state.treeFilling = true;
+  run.smartScan = false;
+  return RunEnd::kFinished;
+}
+
+}  // namespace velmora::conversion
