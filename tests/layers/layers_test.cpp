@@ -1,0 +1,126 @@
+// The layers of the program, as its includes have them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSource = fs::path(VELMORA_SOURCE_DIR) / "src";
+
+/// Every layer with those that it may use beside itself. "operations" are the headers of src/output itself.
+const std::map<std::string, std::set<std::string>> kMayUse = {
+    {"platform", {}},
+    {"text", {}},
+    {"output/operations", {"text"}},
+    {"output/pst/ndb", {"platform", "text"}},
+    {"output/pst/ltp", {"platform", "text", "output/pst/ndb"}},
+    {"output/pst/messaging", {"platform", "text", "output/pst/ndb", "output/pst/ltp", "output/operations"}},
+    {"output/trace", {"text", "output/operations"}},
+    {"engine", {"platform", "text"}},
+    {"recovery", {"platform", "text", "engine", "output/operations"}},
+    {"output/items", {"text", "recovery", "output/operations"}},
+    {"conversion", {"platform", "text", "engine", "recovery", "output/operations", "output/items"}},
+    {"cli", {"platform", "text", "conversion", "output/operations", "output/pst/messaging", "output/trace"}},
+    {"resources", {}},
+    {"controls", {}},
+    {"workflow",
+     {"platform", "text", "engine", "recovery", "conversion", "resources", "controls", "output/operations",
+      "output/items", "output/pst/ndb", "output/pst/ltp", "output/pst/messaging", "output/trace"}},
+};
+
+/// Headers of the language and of the libraries that the project uses. Outside the platform layer nothing
+/// else in angle brackets may be included.
+bool IsPortable(std::string_view header) {
+  static const std::set<std::string_view> kLibraries = {"zlib.h", "sha2.h", "md5.h"};
+  for (const std::string_view beginning : {"unicode/", "fmt/", "tl/", "nlohmann/", "CLI/", "Q"}) {
+    if (header.starts_with(beginning)) return true;
+  }
+  return kLibraries.contains(header) || header.find('.') == std::string_view::npos;
+}
+
+struct Include {
+  std::string file;  ///< relative to src
+  int line = 0;
+  bool angle = false;
+  std::string header;
+};
+
+/// The layer of a path relative to src; the longest that fits.
+std::string LayerOf(const std::string& path) {
+  std::string best;
+  for (const auto& [layer, uses] : kMayUse) {
+    if (path.starts_with(layer + "/") && layer.size() > best.size()) best = layer;
+  }
+  if (best.empty() && fs::path(path).parent_path() == "output") return "output/operations";
+  return best;
+}
+
+std::vector<Include> AllIncludes() {
+  std::vector<Include> found;
+  for (const auto& entry : fs::recursive_directory_iterator(kSource)) {
+    const std::string extension = entry.path().extension().string();
+    if (extension != ".h" && extension != ".cpp" && extension != ".in") continue;
+    std::ifstream file(entry.path());
+    std::string text;
+    for (int line = 1; std::getline(file, text); ++line) {
+      const std::size_t hash = text.find_first_not_of(" \t");
+      if (hash == std::string::npos || text.compare(hash, 8, "#include") != 0) continue;
+      const std::size_t begin = text.find_first_of("<\"", hash);
+      if (begin == std::string::npos) continue;
+      const std::size_t end = text.find_first_of(">\"", begin + 1);
+      found.push_back({fs::relative(entry.path(), kSource).string(), line, text[begin] == '<',
+                       text.substr(begin + 1, end - begin - 1)});
+    }
+  }
+  return found;
+}
+
+TEST(Layers, EveryFileBelongsToALayer) {
+  const auto includes = AllIncludes();
+  ASSERT_GT(includes.size(), 100u) << "the sources were not found under " << kSource;
+  for (const Include& include : includes) {
+    EXPECT_NE(LayerOf(include.file), "") << include.file;
+  }
+}
+
+TEST(Layers, IncludesGoDownwardAlone) {
+  for (const Include& include : AllIncludes()) {
+    if (include.angle) continue;
+    const std::string from = LayerOf(include.file);
+    const std::string to = LayerOf(include.header);
+    if (to.empty()) {
+      EXPECT_TRUE(fs::exists((kSource / include.file).parent_path() / include.header))
+          << include.file << ":" << include.line << " includes " << include.header << ", which is in no layer";
+      continue;
+    }
+    EXPECT_TRUE(to == from || kMayUse.at(from).contains(to))
+        << include.file << ":" << include.line << ": " << from << " may not use " << to;
+  }
+}
+
+TEST(Layers, OnlyThePlatformKnowsTheSystem) {
+  for (const Include& include : AllIncludes()) {
+    if (!include.angle || include.file.starts_with("platform/")) continue;
+    EXPECT_TRUE(IsPortable(include.header)) << include.file << ":" << include.line << " includes " << include.header;
+  }
+}
+
+TEST(Layers, TheTableItselfGoesDownwardAlone) {
+  for (const auto& [layer, uses] : kMayUse) {
+    for (const std::string& used : uses) {
+      ASSERT_TRUE(kMayUse.contains(used)) << used;
+      EXPECT_FALSE(kMayUse.at(used).contains(layer)) << layer << " and " << used << " use each other";
+    }
+  }
+}
+
+}  // namespace
