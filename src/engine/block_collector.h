@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "engine/block_index.h"
+#include "engine/block_trailer.h"
 #include "engine/engine_state.h"
 #include "engine/index_file.h"
 #include "engine/run.h"
@@ -16,7 +17,12 @@ namespace velmora::engine {
 class BlockCollector {
  public:
   BlockCollector(EngineState& state, RunContext& run, SourceWindow& window, IndexFile& file)
-      : state_(state), run_(run), window_(window), file_(file), smart_(run.smartScan) {}
+      : state_(state),
+        run_(run),
+        window_(window),
+        file_(file),
+        fileSize_(state.source->Size()),
+        smart_(run.smartScan) {}
 
   /// Makes the record the one at hand and keeps it.
   void Keep(const BlockRecord& record) {
@@ -29,7 +35,12 @@ class BlockCollector {
 
   /// Smart Scan only: makes the record the one at hand, and records it, without counting it, if a trailer
   /// of its id and size stands behind it.
-  void Propose(const BlockRecord& record);
+  void Propose(const BlockRecord& record) {
+    atHand_ = record;
+    if (record.size >= kTrailerView || record.offset >= fileSize_) return;
+    const ByteView tail = window_.Peek(record.offset + record.size, kTrailerView - record.size);
+    if (HasTrailerAt(state_.layout.Pitch(), record.bid, record.size, tail)) ClassifyAndRecord();
+  }
 
   bool IsSmart() const { return smart_; }
 
@@ -40,6 +51,7 @@ class BlockCollector {
   RunContext& run_;
   SourceWindow& window_;
   IndexFile& file_;
+  const std::uint64_t fileSize_;
   const bool smart_;
   BlockRecord atHand_;
 };

@@ -38,15 +38,6 @@ bool HasBlockTrailer(const PageLayout& layout, std::uint64_t offset, ByteView ta
   return signature != 0 && signature == ComputeSig(offset, tail.U32(slot + 8));
 }
 
-bool HasTrailerAt(const PageLayout& layout, std::uint32_t id, std::uint32_t size, ByteView tail) {
-  const auto fits = [&](std::uint64_t at) {
-    return tail.U16(at) == size && tail.U32(at + layout.Pitch()) == id && tail.U8(at + 2) != 0 && tail.U8(at + 3) != 0;
-  };
-  if (fits(0)) return true;
-  const auto next = FirstNonZero(tail.Bytes(), 2);
-  return next && fits(*next);
-}
-
 bool TrailerProves(const BlockRecord& record, const platform::ByteSource& source, const PageLayout& layout) {
   const TrailerPlace place = PlaceOf(layout);
   const std::uint64_t end =

@@ -6,6 +6,7 @@
 #include "engine/block_index.h"
 #include "engine/byte_view.h"
 #include "engine/page_layout.h"
+#include "engine/zero_runs.h"
 #include "platform/file.h"
 
 namespace velmora::engine {
@@ -22,8 +23,15 @@ bool HasBlockTrailer(const PageLayout& layout, std::uint64_t offset, ByteView ta
 
 /// Does a trailer of this id and size stand right behind the data, or at the first byte that is not zero
 /// from the third byte on? `tail` are the bytes behind the data, as far as they lie among the first
-/// kTrailerView bytes of the block.
-bool HasTrailerAt(const PageLayout& layout, std::uint32_t id, std::uint32_t size, ByteView tail);
+/// kTrailerView bytes of the block. In place, since a Smart Scan asks it for every 16 bytes of the file.
+inline bool HasTrailerAt(std::uint32_t pitch, std::uint32_t id, std::uint32_t size, ByteView tail) {
+  const auto fits = [&](std::size_t at) {
+    return tail.U16(at) == size && tail.U32(at + pitch) == id && tail.U8(at + 2) != 0 && tail.U8(at + 3) != 0;
+  };
+  if (fits(0)) return true;
+  const auto next = FirstNonZero(tail.Bytes(), 2);
+  return next && fits(*next);
+}
 
 /// Does the trailer at its published place carry the record's id and the signature of its place?
 bool TrailerProves(const BlockRecord& record, const platform::ByteSource& source, const PageLayout& layout);

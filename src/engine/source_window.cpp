@@ -19,22 +19,10 @@ std::optional<std::size_t> ReadFromSource(EngineState& state, std::uint64_t offs
   return std::nullopt;
 }
 
-ByteView SourceWindow::Read(std::uint64_t offset, std::size_t length) {
-  if (!Holds(offset, length)) Load(offset, length);
-  return ByteView(bytes_).Slice(offset - base_, length);
-}
-
-ByteView SourceWindow::Peek(std::uint64_t offset, std::size_t length) {
-  if (Holds(offset, length)) return ByteView(bytes_).Slice(offset - base_, length);
+ByteView SourceWindow::ReadPiece(std::uint64_t offset, std::size_t length) {
   piece_.resize(std::max(piece_.size(), length));
   const std::span<std::byte> piece(piece_.data(), length);
   return ByteView(piece.first(ReadFromSource(state_, offset, piece).value_or(0)));
-}
-
-bool SourceWindow::Holds(std::uint64_t offset, std::size_t length) const {
-  if (offset < base_) return false;
-  if (offset - base_ > bytes_.size()) return atEnd_;
-  return atEnd_ || bytes_.size() - (offset - base_) >= length;
 }
 
 void SourceWindow::Load(std::uint64_t offset, std::size_t length) {

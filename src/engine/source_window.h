@@ -26,19 +26,29 @@ class SourceWindow {
 
   /// `length` bytes from `offset`, cut at the end of the source, so the view's size is what the source
   /// delivers. Moves the window to `offset` unless it holds the range. The view lives until the next call.
-  ByteView Read(std::uint64_t offset, std::size_t length);
+  ByteView Read(std::uint64_t offset, std::size_t length) {
+    if (!Holds(offset, length)) Load(offset, length);
+    return ByteView(bytes_).Slice(offset - base_, length);
+  }
 
   /// The same without moving the window: what it does not hold is read by itself. The view lives until the
   /// next call of either.
-  ByteView Peek(std::uint64_t offset, std::size_t length);
+  ByteView Peek(std::uint64_t offset, std::size_t length) {
+    return Holds(offset, length) ? ByteView(bytes_).Slice(offset - base_, length) : ReadPiece(offset, length);
+  }
 
   /// What the window holds, and the file offset of its first byte.
   std::span<const std::byte> Bytes() const { return bytes_; }
   std::uint64_t Base() const { return base_; }
 
  private:
-  bool Holds(std::uint64_t offset, std::size_t length) const;
+  bool Holds(std::uint64_t offset, std::size_t length) const {
+    if (offset < base_) return false;
+    const std::uint64_t start = offset - base_;
+    return atEnd_ || (start <= bytes_.size() && bytes_.size() - start >= length);
+  }
   void Load(std::uint64_t offset, std::size_t length);
+  ByteView ReadPiece(std::uint64_t offset, std::size_t length);
 
   EngineState& state_;
   std::vector<std::byte> buffer_;

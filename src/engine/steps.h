@@ -10,14 +10,16 @@
 
 namespace velmora::engine {
 
-/// source_open.cpp. Sends stage 1, opens the file with read sharing and sets `percentBase`. A source that
-/// cannot be opened shows its box and throws WorkerEnded; nothing is closed then.
+/// source_open.cpp. Makes the state new, so nothing of an earlier run stays; sends stage 1, opens the file
+/// with read sharing and sets `percentBase`. A source that cannot be opened shows its box and throws
+/// WorkerEnded; `source` is null then.
 void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path);
 
 enum class ProbeResult { kFound, kRefused };
 
 /// format_probe.cpp. Sends stage 2, finds store kind and page layout. On kRefused the caller closes source
-/// and log, shows the refusal, runs the clean-up and ends the worker.
+/// and log, shows the refusal, runs the clean-up and ends the worker. kFound is also the answer when the
+/// run had ended, since nothing is refused then.
 ProbeResult ProbeFormat(EngineState& state, RunContext& run);
 
 /// node_page_scan.cpp. Sends stage 4; fills `nodes`, `nodeCount` and, in a Smart Scan, `referencedIds` and
@@ -25,7 +27,9 @@ ProbeResult ProbeFormat(EngineState& state, RunContext& run);
 void ScanNodePages(EngineState& state, RunContext& run);
 
 /// block_page_scan.cpp. Sends stage 5; writes the index file and builds `index`; in a Smart Scan fills
-/// `orphans`. Needs `outputFolder`.
+/// `orphans`, whose first element the node scan has made. Needs `outputFolder`. From here on `percentBase`
+/// is a hundredth of `nodeCount`. An index file that cannot be made or written, and fewer than 2 records,
+/// show their box and raise `runAborted`.
 void ScanBlockPages(EngineState& state, RunContext& run);
 
 }  // namespace velmora::engine

@@ -62,20 +62,20 @@ void TrailerScan::ScanWindow(std::size_t begin, std::size_t end) {
 
     const std::uint64_t offset = window_.Base() + at;
     const std::uint64_t before = at >= 8 ? Load<std::uint64_t>(window_.Bytes().data() + at - 8) : 0;
-    if (before != 0 && !smart) {
-      const auto last = offset - 1 - static_cast<std::uint64_t>(std::countl_zero(before)) / 8;
-      const std::uint64_t first = FirstCandidate(last, size);
-      if (signature != ComputeSig(first, id) && signature != ComputeSig(first + kSlot, id)) continue;
+    if (before == 0) {
+      if (const auto last = LastNonZeroBefore(offset)) RecoverFromTrailer(offset, *last, {id, size, signature});
+      continue;
     }
-    RecoverFromTrailer(offset, {id, size, signature});
+    const auto last = offset - 1 - static_cast<std::uint64_t>(std::countl_zero(before)) / 8;
+    const std::uint64_t first = FirstCandidate(last, size);
+    const bool fits = signature == ComputeSig(first, id) || signature == ComputeSig(first + kSlot, id);
+    if (fits || smart) RecoverFromTrailer(offset, last, {id, size, signature});
   }
 }
 
-void TrailerScan::RecoverFromTrailer(std::uint64_t slot, const Trailer& trailer) {
-  const auto last = LastNonZeroBefore(slot);
-  if (!last) return;
-  const std::uint64_t first = FirstCandidate(*last, trailer.size);
-  const std::uint64_t moves = 1 + slot - *last;
+void TrailerScan::RecoverFromTrailer(std::uint64_t slot, std::uint64_t last, const Trailer& trailer) {
+  const std::uint64_t first = FirstCandidate(last, trailer.size);
+  const std::uint64_t moves = 1 + slot - last;
   for (std::uint64_t k = 0; k <= moves / kSlot + 1; ++k) {
     const std::uint64_t candidate = first + k * kSlot;
     if (trailer.signature != ComputeSig(candidate, trailer.id)) continue;

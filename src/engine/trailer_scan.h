@@ -33,8 +33,9 @@ class TrailerScan {
   template <std::size_t kIdWidth>
   void ScanWindow(std::size_t begin, std::size_t end);
 
-  /// Records each place at which the block may begin, for the trailer at `slot`.
-  void RecoverFromTrailer(std::uint64_t slot, const Trailer& trailer);
+  /// Records each place at which the block may begin, for the trailer at `slot` and the last byte before it
+  /// that is not 0.
+  void RecoverFromTrailer(std::uint64_t slot, std::uint64_t last, const Trailer& trailer);
 
   /// The offset of the last byte before `end` that is not 0; nothing when the file begins with zeros up to
   /// there.

@@ -1,6 +1,7 @@
 // Finding the end of a run of zeros, eight bytes at a time: stores hold long ones.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,7 +15,7 @@ inline std::optional<std::size_t> FirstNonZero(std::span<const std::byte> bytes,
   std::size_t i = from;
   for (std::uint64_t word = 0; i < bytes.size() && bytes.size() - i >= sizeof word; i += sizeof word) {
     std::memcpy(&word, bytes.data() + i, sizeof word);
-    if (word != 0) break;
+    if (word != 0) return i + static_cast<std::size_t>(std::countr_zero(word)) / 8;
   }
   for (; i < bytes.size(); ++i) {
     if (bytes[i] != std::byte{0}) return i;
@@ -27,7 +28,7 @@ inline std::optional<std::size_t> FirstNonZero(std::span<const std::byte> bytes,
 inline std::optional<std::size_t> LastNonZero(std::span<const std::byte> bytes, std::size_t end) {
   for (std::uint64_t word = 0; end >= sizeof word; end -= sizeof word) {
     std::memcpy(&word, bytes.data() + end - sizeof word, sizeof word);
-    if (word != 0) break;
+    if (word != 0) return end - 1 - static_cast<std::size_t>(std::countl_zero(word)) / 8;
   }
   for (; end > 0; --end) {
     if (bytes[end - 1] != std::byte{0}) return end - 1;

@@ -1,0 +1,108 @@
+// Speed of the scans and of what every block goes through, in bytes of the source a second.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "engine/block_encoding.h"
+#include "engine/block_index.h"
+#include "engine/engine_state.h"
+#include "engine/run.h"
+#include "engine/steps.h"
+#include "platform/memory_file.h"
+
+namespace velmora::engine {
+namespace {
+
+constexpr std::size_t kSourceBytes = 128 << 20;
+
+enum Content : int {
+  kEncoded,  ///< as encoded blocks look: no byte is rarer than another
+  kText,     ///< UTF-16 text: every second byte is 0
+  kZeros,    ///< unused space
+};
+
+std::shared_ptr<const platform::MemoryFile> Source(Content content) {
+  static std::shared_ptr<const platform::MemoryFile> sources[3];
+  if (sources[content] != nullptr) return sources[content];
+  std::vector<std::byte> bytes(kSourceBytes);
+  std::mt19937_64 random(1);
+  for (std::size_t i = 0; i < bytes.size() && content != kZeros; i += 8) {
+    std::uint64_t word = random();
+    if (content == kText) word = (word & 0x001F001F001F001Full) | 0x0060006000600060ull;
+    std::memcpy(bytes.data() + i, &word, 8);
+  }
+  return sources[content] = std::make_shared<platform::MemoryFile>(std::move(bytes));
+}
+
+/// Hands the shared bytes to a run, which owns its source.
+class SharedSource : public platform::ByteSource {
+ public:
+  explicit SharedSource(std::shared_ptr<const platform::MemoryFile> bytes) : bytes_(std::move(bytes)) {}
+  std::uint64_t Size() const override { return bytes_->Size(); }
+  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    return bytes_->ReadAt(offset, out);
+  }
+
+ private:
+  std::shared_ptr<const platform::MemoryFile> bytes_;
+};
+
+void BothScans(benchmark::State& bench, FormatId format, Content content, bool smart) {
+  const auto source = Source(content);
+  for (auto _ : bench) {
+    RunContext run;
+    run.smartScan = smart;
+    EngineState state;
+    state.source = std::make_unique<SharedSource>(source);
+    state.percentBase = kSourceBytes / 100;
+    state.storeKind = StoreKind::kPst;
+    state.layout = LayoutOf(format);
+    state.outputFolder = std::filesystem::temp_directory_path();
+    ScanNodePages(state, run);
+    ScanBlockPages(state, run);
+    benchmark::DoNotOptimize(state.blockRecordCount);
+    std::filesystem::remove(state.outputFolder / state.indexFileName);
+  }
+  bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * kSourceBytes));
+}
+BENCHMARK_CAPTURE(BothScans, unicode_encoded, FORMAT_UNICODE, kEncoded, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, unicode_text, FORMAT_UNICODE, kText, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, unicode_zeros, FORMAT_UNICODE, kZeros, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, ansi_encoded, FORMAT_ANSI, kEncoded, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, unicode_encoded_smart, FORMAT_UNICODE, kEncoded, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, unicode_text_smart, FORMAT_UNICODE, kText, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BothScans, unicode4k_encoded_smart, FORMAT_UNICODE_4K, kEncoded, true)->Unit(benchmark::kMillisecond);
+
+void Decode(benchmark::State& bench, bool cyclic) {
+  std::vector<std::byte> block(8176, std::byte{0x5A});
+  for (auto _ : bench) {
+    if (cyclic) {
+      DecodeCyclic(0x1234, block);
+    } else {
+      DecodePermute(block);
+    }
+    benchmark::DoNotOptimize(block.data());
+  }
+  bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * block.size()));
+}
+BENCHMARK_CAPTURE(Decode, permute, false);
+BENCHMARK_CAPTURE(Decode, cyclic, true);
+
+void LookUp(benchmark::State& bench) {
+  std::vector<BlockRecord> records;
+  for (std::uint32_t i = 1; i <= static_cast<std::uint32_t>(bench.range(0)); ++i)
+    records.push_back({i * 4, 100, i * 64ull});
+  BlockIndex index;
+  index.Build(std::move(records), platform::MemoryFile{}, LayoutOf(FORMAT_UNICODE));
+  std::minstd_rand random(1);
+  std::uniform_int_distribution<std::uint32_t> anyBlock(1, static_cast<std::uint32_t>(bench.range(0)));
+  for (auto _ : bench) benchmark::DoNotOptimize(index.Find(4 * anyBlock(random)));
+}
+BENCHMARK(LookUp)->Arg(10'000)->Arg(1'000'000);
+
+}  // namespace
+}  // namespace velmora::engine
