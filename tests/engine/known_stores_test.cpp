@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-
 #include <nlohmann/json.hpp>
 
 #include "engine/run_fixture.h"

@@ -1,17 +1,24 @@
-// What the tests of the engine share: a run that writes down what it says, and a folder for the index file.
+// What the tests of the engine share: a run that writes down what it says, a source that is put together by
+// hand, and a folder for the index file.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
+#include "engine/block_index.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
+#include "forge/forge.h"
 #include "platform/memory_file.h"
 
 namespace velmora::engine {
@@ -45,6 +52,39 @@ class Recorder : public RunObserver {
   std::vector<RunMessage> messages_;
 };
 
+/// Bytes of a source, put in by hand; what is not put in is zero.
+struct Canvas {
+  forge::Bytes bytes;
+
+  void Put(std::uint64_t offset, std::span<const std::byte> more) {
+    if (bytes.size() < offset + more.size()) bytes.resize(offset + more.size());
+    std::copy(more.begin(), more.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+  }
+  void Number(std::uint64_t offset, std::uint64_t value, std::size_t width) {
+    if (bytes.size() < offset + width) bytes.resize(offset + width);
+    forge::Put(bytes, offset, value, width);
+  }
+  /// A page, sealed for its place unless `spec` says otherwise.
+  void Page(forge::Format format, std::uint64_t offset, const forge::PageSpec& spec) {
+    Put(offset, forge::FormPage(format, spec, offset, spec.pageId.value_or(0x31)));
+  }
+};
+
+inline FormatId IdOf(forge::Format format) {
+  switch (format) {
+    case forge::Format::kAnsi:
+      return FORMAT_ANSI;
+    case forge::Format::kUnicode:
+      return FORMAT_UNICODE;
+    default:
+      return FORMAT_UNICODE_4K;
+  }
+}
+
+inline std::string FormatName(const testing::TestParamInfo<forge::Format>& param) {
+  return std::vector<std::string>{"Ansi", "Unicode", "Unicode4k"}.at(IdOf(param.param) - 1u);
+}
+
 class RunTest : public testing::Test {
  protected:
   RunTest() {
@@ -56,10 +96,26 @@ class RunTest : public testing::Test {
   }
   ~RunTest() override { std::filesystem::remove_all(folder_); }
 
-  /// The bytes are the source from now on.
-  void Attach(std::vector<std::byte> bytes) {
+  /// The bytes are the source from now on, of a personal store of that format.
+  void Attach(std::vector<std::byte> bytes, forge::Format format = forge::Format::kUnicode) {
     state_.percentBase = bytes.size() / 100;
+    state_.storeKind = StoreKind::kPst;
+    state_.layout = LayoutOf(IdOf(format));
     state_.source = std::make_unique<platform::MemoryFile>(std::move(bytes));
+  }
+
+  /// The index file, read back.
+  std::vector<BlockRecord> IndexFileRecords() const {
+    std::ifstream file(folder_ / "FirstTableItem.dat", std::ios::binary);
+    const std::vector<char> chars{std::istreambuf_iterator<char>(file), {}};
+    const auto bytes = std::as_bytes(std::span(chars));
+    EXPECT_EQ(bytes.size() % 16, 0u);
+    std::vector<BlockRecord> records;
+    for (std::size_t at = 0; at + 16 <= bytes.size(); at += 16) {
+      records.push_back({static_cast<std::uint32_t>(forge::Get(bytes, at, 4)),
+                         static_cast<std::uint32_t>(forge::Get(bytes, at + 4, 4)), forge::Get(bytes, at + 8, 8)});
+    }
+    return records;
   }
 
   std::filesystem::path folder_;
@@ -67,5 +123,12 @@ class RunTest : public testing::Test {
   RunContext run_;
   EngineState state_;
 };
+
+inline void PrintTo(const BlockRecord& record, std::ostream* out) {
+  *out << "{bid " << record.bid << ", size " << record.size << ", offset " << record.offset << "}";
+}
+inline void PrintTo(const NodeRecord& node, std::ostream* out) {
+  *out << "{" << node.nid << ", " << node.bidData << ", " << node.bidSub << ", " << node.nidParent << "}";
+}
 
 }  // namespace velmora::engine

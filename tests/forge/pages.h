@@ -44,7 +44,7 @@ std::size_t PageCapacity(Format format, std::size_t entrySize);
 /// One page of a tree. Every figure that is not set is what a sound page has there.
 struct PageSpec {
   PageType type = PageType::kNodes;
-  Bytes entries;  ///< formed entries, back to back; bytes beyond the page are cut off
+  Bytes entries = {};  ///< formed entries, back to back; bytes beyond the page are cut off
   std::uint8_t level = 0;
   std::optional<std::uint16_t> entrySize = {};
   std::optional<std::uint16_t> count = {};

@@ -1,0 +1,170 @@
+#include "engine/block_classifier.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "engine/run_fixture.h"
+#include "engine/steps.h"
+
+namespace velmora::engine {
+namespace {
+
+using forge::Format;
+
+/// A store of one block, at the place and with the trailer that a sound store gives it.
+class BlockClassifierTest : public RunTest {
+ protected:
+  /// The block of that data, classified in a store of which nothing is known yet.
+  bool Classify(const forge::Bytes& data, forge::StoreOptions options = {}, forge::BlockOptions block = {}) {
+    forge::Store store(options);
+    const forge::Bid bid = store.AddBlock(data, block);
+    image_ = store.Finish();
+    return ClassifyAgain(bid);
+  }
+
+  bool ClassifyAgain(forge::Bid bid) {
+    const auto storeKind = state_.storeKind;
+    Attach(image_.bytes, image_.format);
+    if (storeKind != StoreKind::kNone) state_.storeKind = storeKind;
+    state_.orphans.assign(1, {});
+    state_.orphanBlockCount = 0;
+    window_.emplace(state_);
+    const auto& placed = image_.Block(bid);
+    return ClassifyBlock(state_, *window_, {static_cast<std::uint32_t>(bid), placed.size, placed.offset});
+  }
+
+  forge::Image image_;
+  std::optional<SourceWindow> window_;
+};
+
+forge::Bytes Heap(std::uint16_t signature = 0xBCEC, std::size_t size = 100) {
+  forge::Bytes data = forge::Noise(size, 1);
+  forge::Put(data, 2, signature, 2);
+  return data;
+}
+
+TEST_F(BlockClassifierTest, AHeapThatNoNodeRefersToIsListed) {
+  EXPECT_TRUE(Classify(Heap()));
+  EXPECT_EQ(state_.orphanBlockCount, 1u);
+  ASSERT_EQ(state_.orphans.size(), 2u) << "it and the empty element at the end";
+  EXPECT_EQ(state_.orphans[0].bidData, 4u);
+  EXPECT_EQ(state_.orphans[0].bidSub, 0u);
+  EXPECT_EQ(state_.orphans[1].bidData, 0u);
+}
+
+TEST_F(BlockClassifierTest, TheFirstHeapTellsTheEncoding) {
+  for (const auto encoding : {forge::Encoding::kNone, forge::Encoding::kPermute, forge::Encoding::kCyclic}) {
+    for (const Format format : {Format::kAnsi, Format::kUnicode}) {
+      state_.encodingUnknown = true;
+      state_.blockEncoding = BlockEncoding::kNone;
+      EXPECT_TRUE(Classify(Heap(), {.format = format, .encoding = encoding}));
+      EXPECT_FALSE(state_.encodingUnknown);
+      EXPECT_EQ(static_cast<int>(state_.blockEncoding), static_cast<int>(encoding));
+    }
+  }
+}
+
+TEST_F(BlockClassifierTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotListed) {
+  EXPECT_FALSE(Classify(Heap(), {}, {.trailerSignature = std::uint16_t{0x1234}}));
+  EXPECT_TRUE(state_.encodingUnknown);
+  state_.encodingUnknown = false;
+  state_.blockEncoding = BlockEncoding::kPermute;
+  EXPECT_TRUE(ClassifyAgain(4)) << "but listed where the encoding is known";
+}
+
+TEST_F(BlockClassifierTest, TheTrailerOfA4kBlockIsNotWhereItIsLookedFor) {
+  state_.storeKind = StoreKind::kOst;
+  EXPECT_FALSE(Classify(Heap(), {.format = Format::kUnicode4k, .encoding = forge::Encoding::kNone}));
+  EXPECT_TRUE(state_.encodingUnknown);
+}
+
+TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncoding) {
+  NodeList nodes;
+  nodes.Insert({0x21, 4, 6, 0});
+  state_.referencedIds.Build(nodes);
+  EXPECT_FALSE(Classify(Heap()));
+  EXPECT_FALSE(state_.encodingUnknown);
+  EXPECT_EQ(state_.orphans.size(), 1u);
+}
+
+TEST_F(BlockClassifierTest, ATableIsListedInAnOfflineStoreAlone) {
+  state_.encodingUnknown = false;
+  state_.blockEncoding = BlockEncoding::kPermute;
+  EXPECT_FALSE(Classify(Heap(0x7CEC)));
+  state_.storeKind = StoreKind::kOst;
+  EXPECT_TRUE(ClassifyAgain(4));
+  state_.storeKind = StoreKind::kPab;
+  EXPECT_FALSE(ClassifyAgain(4));
+}
+
+TEST_F(BlockClassifierTest, DataThatIsNoHeapIsNotListed) {
+  EXPECT_FALSE(Classify(forge::Noise(100, 1)));
+  EXPECT_TRUE(state_.encodingUnknown);
+}
+
+class EveryFormatClassifierTest : public BlockClassifierTest, public testing::WithParamInterface<Format> {
+ protected:
+  /// A list of sub-nodes, as a block of its own.
+  bool ClassifyList(const std::vector<forge::Subnode>& subnodes) {
+    forge::Store store({.format = GetParam()});
+    const forge::Bid bid = store.AddSubnodes(subnodes);
+    image_ = store.Finish();
+    return ClassifyAgain(bid);
+  }
+};
+
+TEST_P(EveryFormatClassifierTest, AListOfSubNodesIsListedOnlyWhereItsSizeIsThatOfItsEntries) {
+  // A list is a head of one field's width and three fields an entry.
+  EXPECT_TRUE(ClassifyList({{.nid = 0x671, .bidData = 8}, {.nid = 0x692, .bidData = 12}}));
+  EXPECT_EQ(state_.orphans[0].bidSub, 6u);
+  EXPECT_EQ(state_.orphans[0].bidData, 0u);
+  EXPECT_EQ(state_.orphanBlockCount, 1u);
+  forge::Patch(image_, image_.Block(6).offset + 2, forge::Bytes{std::byte{3}});
+  EXPECT_FALSE(ClassifyAgain(6)) << "a count of three";
+}
+
+TEST_P(EveryFormatClassifierTest, AListThatDoesNotBeginWithTheAttachmentTableIsNotListed) {
+  EXPECT_FALSE(ClassifyList({{.nid = 0x670, .bidData = 8}, {.nid = 0x671, .bidData = 12}}));
+}
+
+TEST_P(EveryFormatClassifierTest, AListThatANodeRefersToIsNotListed) {
+  NodeList nodes;
+  nodes.Insert({0x21, 4, 6, 0});
+  state_.referencedIds.Build(nodes);
+  EXPECT_FALSE(ClassifyList({{.nid = 0x671, .bidData = 8}}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Smart, EveryFormatClassifierTest,
+                         testing::Values(Format::kAnsi, Format::kUnicode, Format::kUnicode4k), FormatName);
+
+TEST_F(BlockClassifierTest, AnOffsetThatNoFileHasListsNothing) {
+  Attach(forge::Bytes(100));
+  state_.encodingUnknown = false;
+  SourceWindow window(state_);
+  EXPECT_FALSE(ClassifyBlock(state_, window, {4, 100, 0xFFFFFFFFFFFFFFF0}));
+}
+
+TEST_F(BlockClassifierTest, ASmartScanListsWhatTheNodesDoNotReferTo) {
+  forge::Mailbox box({.format = Format::kUnicode});
+  const auto inbox = box.AddFolder({.name = u"Inbox"});
+  box.AddMessage(inbox, {.subject = u"Kept"});
+  const auto lost = box.store().AddBlock(Heap());
+  image_ = box.Finish();
+  Attach(image_.bytes);
+  run_.smartScan = true;
+  ScanNodePages(state_, run_);
+  ScanBlockPages(state_, run_);
+  EXPECT_FALSE(state_.encodingUnknown);
+  EXPECT_EQ(state_.orphans.size(), state_.orphanBlockCount + 1);
+  const auto listed = [&](std::uint64_t bid) {
+    return std::any_of(state_.orphans.begin(), state_.orphans.end(),
+                       [&](const OrphanBlock& orphan) { return orphan.bidData == bid; });
+  };
+  EXPECT_TRUE(listed(lost));
+  for (const auto& node : image_.nodes) {
+    EXPECT_FALSE(node.bidSub != 0 && listed(node.bidData));
+  }
+}
+
+}  // namespace
+}  // namespace velmora::engine

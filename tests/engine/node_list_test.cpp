@@ -1,0 +1,36 @@
+#include "engine/node_list.h"
+
+#include "engine/run_fixture.h"
+
+namespace velmora::engine {
+namespace {
+
+std::vector<NodeRecord> Settled(const std::vector<NodeRecord>& records) {
+  NodeList list;
+  for (const NodeRecord& record : records) list.Insert(record);
+  list.Settle();
+  return list.Records();
+}
+
+TEST(NodeListTest, NodesWithoutSubNodesComeFirstInOrderOfArrival) {
+  EXPECT_EQ(Settled({{9, 1, 50, 0}, {8, 1, 0, 0}, {7, 1, 20, 0}, {6, 1, 0, 0}, {5, 1, 20, 0}}),
+            (std::vector<NodeRecord>{{8, 1, 0, 0}, {6, 1, 0, 0}, {7, 1, 20, 0}, {5, 1, 20, 0}, {9, 1, 50, 0}}));
+}
+
+TEST(NodeListTest, ACopyRightBehindItsEqualIsDropped) {
+  EXPECT_EQ(Settled({{1, 2, 3, 4}, {9, 9, 8, 9}, {1, 2, 3, 4}, {1, 2, 3, 4}}),
+            (std::vector<NodeRecord>{{1, 2, 3, 4}, {9, 9, 8, 9}}));
+}
+
+TEST(NodeListTest, ACopyWithAnotherRecordOfTheSameSubNodesInBetweenStays) {
+  EXPECT_EQ(Settled({{1, 2, 3, 4}, {5, 6, 3, 8}, {1, 2, 3, 4}}),
+            (std::vector<NodeRecord>{{1, 2, 3, 4}, {5, 6, 3, 8}, {1, 2, 3, 4}}));
+}
+
+TEST(NodeListTest, RecordsThatDifferInOneFieldAreNoCopies) {
+  const std::vector<NodeRecord> records = {{1, 2, 3, 4}, {1, 2, 3, 5}, {1, 7, 3, 5}, {6, 7, 3, 5}};
+  EXPECT_EQ(Settled(records), records);
+}
+
+}  // namespace
+}  // namespace velmora::engine

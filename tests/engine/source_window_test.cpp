@@ -1,0 +1,120 @@
+#include "engine/source_window.h"
+
+#include <algorithm>
+
+#include "engine/run_fixture.h"
+#include "engine/steps.h"
+#include "engine/zero_runs.h"
+
+namespace velmora::engine {
+namespace {
+
+/// Counts the reads, and fails those that touch one bad range.
+class Disk : public platform::ByteSource {
+ public:
+  Disk(std::vector<std::byte> bytes, std::uint64_t badFrom, std::uint64_t badTo)
+      : file_(std::move(bytes)), badFrom_(badFrom), badTo_(badTo) {}
+  std::uint64_t Size() const override { return file_.Size(); }
+  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    ++reads;
+    if (offset < badTo_ && offset + out.size() > badFrom_) {
+      return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad sector"});
+    }
+    return file_.ReadAt(offset, out);
+  }
+
+  mutable int reads = 0;
+
+ private:
+  platform::MemoryFile file_;
+  std::uint64_t badFrom_, badTo_;
+};
+
+class SourceWindowTest : public RunTest {
+ protected:
+  const Disk& AttachDisk(std::vector<std::byte> bytes, std::uint64_t badFrom = 0, std::uint64_t badTo = 0) {
+    auto disk = std::make_unique<Disk>(std::move(bytes), badFrom, badTo);
+    const Disk& observed = *disk;
+    state_.source = std::move(disk);
+    return observed;
+  }
+
+  SourceWindow window_{state_};
+};
+
+TEST_F(SourceWindowTest, AWalkReadsLargePiecesWhateverItLooksAt) {
+  const auto bytes = forge::Noise(3 << 20, 1);
+  const Disk& disk = AttachDisk(bytes);
+  for (std::uint64_t offset = 0; offset < bytes.size(); offset += 4096) {
+    const auto read = window_.Read(offset, 4096).Bytes();
+    ASSERT_TRUE(std::equal(read.begin(), read.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
+                           bytes.begin() + static_cast<std::ptrdiff_t>(offset + 4096)));
+  }
+  EXPECT_EQ(disk.reads, 3);
+}
+
+TEST_F(SourceWindowTest, WhatIsReadEndsWithTheSource) {
+  AttachDisk(forge::Noise(10'000, 1));
+  EXPECT_EQ(window_.Read(8192, 4096).Size(), 1808u);
+  EXPECT_TRUE(window_.Read(12288, 4096).Empty());
+  EXPECT_EQ(window_.Read(0, 4096).Size(), 4096u) << "and goes back";
+}
+
+TEST_F(SourceWindowTest, APeekLeavesTheWindowWhereItIs) {
+  const auto bytes = forge::Noise(3 << 20, 2);
+  const Disk& disk = AttachDisk(bytes);
+  window_.Read(0, 4096);
+  const auto far = window_.Peek(2 << 20, 100).Bytes();
+  EXPECT_TRUE(std::equal(far.begin(), far.end(), bytes.begin() + (2 << 20)));
+  window_.Read(4096, 4096);
+  EXPECT_EQ(disk.reads, 2);
+  EXPECT_TRUE(window_.Peek(0xFFFFFFFFFFFFFFF0, 100).Empty());
+}
+
+TEST_F(SourceWindowTest, APieceThatCannotBeReadCountsAsZerosAndHidesNothingBehindIt) {
+  const auto bytes = forge::Noise(200'000, 3);
+  AttachDisk(bytes, 50'000, 50'001);
+  const ByteView read = window_.Read(0, 200'000);
+  ASSERT_EQ(read.Size(), 200'000u);
+  auto expected = bytes;
+  std::fill_n(expected.begin() + 49152, 4096, std::byte{0});
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), read.Bytes().begin()));
+  ASSERT_TRUE(state_.readFailure);
+  EXPECT_EQ(state_.readFailure->message, "bad sector");
+}
+
+TEST_F(SourceWindowTest, AScanGoesOnBehindABadSector) {
+  Canvas canvas;
+  canvas.Page(forge::Format::kUnicode, 18432, forge::NodePage(forge::Format::kUnicode, {{1, 4, 0, 0}}));
+  canvas.Page(forge::Format::kUnicode, 18432 + 9 * 4096, forge::NodePage(forge::Format::kUnicode, {{2, 4, 0, 0}}));
+  AttachDisk(canvas.bytes, 30'000, 30'100);
+  state_.layout = LayoutOf(FORMAT_UNICODE);
+  ScanNodePages(state_, run_);
+  EXPECT_EQ(state_.nodes.Records(), (std::vector<NodeRecord>{{1, 4, 0, 0}, {2, 4, 0, 0}}));
+}
+
+TEST_F(SourceWindowTest, ASourceThatCannotBeReadAtAllEndsTheScans) {
+  AttachDisk(std::vector<std::byte>(100'000), 0, 100'000);
+  EXPECT_EQ(ProbeFormat(state_, run_), ProbeResult::kRefused);
+  ScanNodePages(state_, run_);
+  EXPECT_TRUE(state_.nodes.Records().empty());
+}
+
+TEST(ZeroRunsTest, FindTheNextAndTheLastByteThatIsNotZeroAtEveryDistance) {
+  for (std::size_t size = 0; size < 40; ++size) {
+    for (std::size_t at = 0; at < size; ++at) {
+      std::vector<std::byte> bytes(size);
+      bytes[at] = std::byte{0x80};
+      for (std::size_t from = 0; from <= size; ++from) {
+        ASSERT_EQ(FirstNonZero(bytes, from), from <= at ? std::optional(at) : std::nullopt);
+        ASSERT_EQ(LastNonZero(bytes, from), from > at ? std::optional(at) : std::nullopt);
+      }
+    }
+    EXPECT_FALSE(FirstNonZero(std::vector<std::byte>(size), 0));
+    EXPECT_FALSE(LastNonZero(std::vector<std::byte>(size), size));
+  }
+  EXPECT_FALSE(FirstNonZero({}, 5)) << "from beyond the end";
+}
+
+}  // namespace
+}  // namespace velmora::engine
