@@ -1,0 +1,61 @@
+#include "fuzz/corpus.h"
+
+#include <random>
+
+#include "forge/forge.h"
+
+namespace velmora::fuzz {
+namespace {
+
+using forge::Encoding;
+using forge::Format;
+
+forge::Image Mailbox(Format format, Encoding encoding) {
+  forge::Mailbox box({.format = format, .encoding = encoding, .compressed = format == Format::kUnicode4k});
+  const auto inbox = box.AddFolder({.name = u"Inbox"});
+  box.AddMessage(inbox, {.subject = u"Subject", .plain = u"A body that is long enough to be stored by itself"});
+  box.store().AddBlock(forge::Noise(700, 1));
+  return box.Finish();
+}
+
+/// Numbers that a reader may trip over, put where chance has it.
+void Spoil(forge::Bytes& bytes, std::uint32_t seed) {
+  constexpr std::uint64_t kNumbers[] = {0, 1, 0x7F, 0xFF, 0x7FFF, 0xFFE8, 0xFFFF, 0xFFFFFFFF, 0x8000000000000000};
+  std::minstd_rand random(seed);
+  for (int i = 0; i < 200; ++i) {
+    forge::Put(bytes, random() % (bytes.size() - 8), kNumbers[random() % std::size(kNumbers)], 1 + random() % 8);
+  }
+}
+
+}  // namespace
+
+std::vector<Seed> Corpus() {
+  std::vector<Seed> seeds = {
+      {"empty", {}}, {"magic", forge::ToBytes("!BDN\0\0\0\0SM")}, {"noise", forge::Noise(30'000, 1)}};
+  for (const auto& [format, name] :
+       {std::pair(Format::kAnsi, std::string("ansi")), std::pair(Format::kUnicode, std::string("unicode")),
+        std::pair(Format::kUnicode4k, std::string("unicode4k"))}) {
+    for (const Encoding encoding : {Encoding::kNone, Encoding::kPermute, Encoding::kCyclic}) {
+      const auto image = Mailbox(format, encoding);
+      const std::string variant = name + "-enc" + std::to_string(static_cast<int>(encoding));
+      seeds.push_back({variant, image.bytes});
+
+      auto wiped = image;
+      forge::WipePages(wiped, forge::PageType::kBlocks);
+      seeds.push_back({variant + "-no-block-tree", wiped.bytes});
+
+      auto cut = image;
+      forge::Truncate(cut, cut.bytes.size() - 1000);
+      seeds.push_back({variant + "-cut", cut.bytes});
+
+      for (std::uint32_t seed = 1; seed <= 3; ++seed) {
+        auto spoiled = image.bytes;
+        Spoil(spoiled, seed);
+        seeds.push_back({variant + "-spoiled" + std::to_string(seed), std::move(spoiled)});
+      }
+    }
+  }
+  return seeds;
+}
+
+}  // namespace velmora::fuzz

@@ -1,0 +1,101 @@
+// The probe and both scans over whatever bytes. Where the bytes are too few for a page, or their format does
+// not show, they are put where the pages of each format begin, so that short inputs reach the scans too.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/block_reader.h"
+#include "engine/steps.h"
+#include "platform/memory_file.h"
+
+namespace velmora::engine {
+namespace {
+
+/// A folder for the index file, gone with the process.
+class Folder {
+ public:
+  Folder() {
+    std::string name = (std::filesystem::temp_directory_path() / "velmora-fuzz-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) std::abort();
+    path_ = name;
+  }
+  ~Folder() { std::filesystem::remove_all(path_); }
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// What has to hold after the scans, whatever the bytes were.
+void CheckState(const EngineState& state, bool smart) {
+  const auto& nodes = state.nodes.Records();
+  Require(state.nodeCount == nodes.size() + 1);
+  Require(std::is_sorted(nodes.begin(), nodes.end(),
+                         [](const NodeRecord& a, const NodeRecord& b) { return a.bidSub < b.bidSub; }));
+  Require(std::adjacent_find(nodes.begin(), nodes.end()) == nodes.end());
+  Require(state.orphans.size() == (smart ? state.orphanBlockCount + 1 : 0));
+  const auto bytes = std::filesystem::file_size(state.outputFolder / state.indexFileName);
+  Require(bytes % 16 == 0 && bytes / 16 >= state.blockRecordCount);
+}
+
+/// Every block that a node names, as the recovery reads it.
+void ReadBlocks(EngineState& state) {
+  BlockReader reader(state);
+  for (const NodeRecord& node : state.nodes.Records()) {
+    const auto block = reader.FindBlockOrLower(node.bidData);
+    if (!block) continue;
+    if (state.encodingUnknown) state.encodingUnknown = !reader.DetectEncoding(block->bid, block->offset, block->size);
+    auto bytes = reader.ReadChunk(block->offset, block->size);
+    if (!bytes) continue;
+    Require(bytes->size() == block->size);
+    reader.DecodeBlock(block->bid, *bytes);
+    Require(reader.InflateBlock(*bytes) == bytes->size());
+    Require(bytes->size() <= 200'000);
+  }
+}
+
+void RunScans(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool smart) {
+  static const Folder folder;
+  RunContext run;
+  run.smartScan = smart;
+  EngineState state;
+  state.outputFolder = folder.Path();
+  state.percentBase = bytes.size() / 100;
+  state.source = std::make_unique<platform::MemoryFile>(bytes);
+  if (ProbeFormat(state, run) == ProbeResult::kRefused) {
+    if (formatId == 0) return;
+    state.storeKind = StoreKind::kOst;
+    state.layout = LayoutOf(formatId);
+  }
+  ScanNodePages(state, run);
+  ScanBlockPages(state, run);
+  CheckState(state, smart);
+  ReadBlocks(state);
+}
+
+}  // namespace
+}  // namespace velmora::engine
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace velmora::engine;
+  const auto bytes = std::as_bytes(std::span(data, size));
+  const std::vector<std::byte> whole(bytes.begin(), bytes.end());
+  for (const bool smart : {false, true}) RunScans(whole, 0, smart);
+  if (size > 8192) return 0;
+  for (const std::uint16_t formatId : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
+    std::vector<std::byte> placed(formatId == FORMAT_UNICODE_4K ? 147456 : 18432);
+    placed[16] = std::byte{1};
+    placed.insert(placed.end(), bytes.begin(), bytes.end());
+    for (const bool smart : {false, true}) RunScans(placed, formatId, smart);
+  }
+  return 0;
+}
