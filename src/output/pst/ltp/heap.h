@@ -19,6 +19,9 @@ class Heap {
 
   Hid UserRoot() const { return hidUserRoot_; }
 
+  /// Bytes of all blocks: no walk over items of a sound heap meets more.
+  std::uint64_t Size() const { return blocks_.BlockCount() * std::uint64_t{ndb::kMaxBlockData}; }
+
   /// The bytes of an item, valid until the next call. kCorrupt when the id names no item.
   ndb::Result<std::span<const std::byte>> Item(Hid hid);
 

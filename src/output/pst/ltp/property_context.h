@@ -10,7 +10,7 @@
 #include "output/pst/ltp/prop_tag.h"
 #include "output/pst/ltp/property_record.h"
 #include "output/pst/ndb/block_source.h"
-#include "output/pst/ndb/data_tree_reader.h"
+#include "output/pst/ndb/data_tree_writer.h"
 #include "output/pst/ndb/subnode_tree.h"
 #include "text/text.h"
 
@@ -28,7 +28,7 @@ class PropertyContext {
   /// The record of a property id, whatever its type; null when it is not there.
   const PropertyRecord* Find(std::uint16_t id) const;
 
-  /// The value bytes of a property; nothing when it is not there with exactly this type. Values larger than
+  /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type. Values larger than
   /// kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
   ndb::Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
@@ -63,6 +63,10 @@ class PropertyContext {
  private:
   PropertyContext(const ndb::BlockSource& source, Heap heap, ndb::Bid bidSub)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
+
+  const PropertyRecord* FindTag(PropTag tag) const;
+  template <class T>
+  std::optional<T> Number(PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;

@@ -48,7 +48,8 @@ class PropertyContextWriter {
   /// A PtypObject property that refers to the sub-node `nid`, which is added with AddSubnode.
   void AddObject(PropTag tag, ndb::Nid nid, std::uint32_t size);
 
-  /// A PtypInteger32 property whose value is the data size of the finished node, all sub-nodes included.
+  /// A PtypInteger32 property whose value is the data size of the finished node, all sub-nodes included; of
+  /// a larger node, the largest number. At most one.
   void AddDataSize(PropTag tag);
 
   /// A sub-node beside the heap: a table, an attachment, an embedded message, an object's data.
@@ -70,16 +71,19 @@ class PropertyContextWriter {
   void Clear();
 
  private:
+  void OpenHeap();
   void AddRecord(PropTag tag, std::uint32_t dwValueHnid);
   void AddHeapValue(PropTag tag, std::span<const std::byte> value);
-  void Fail(ndb::Failure failure);
+  void AddSubnodeValue(PropTag tag, const ndb::DataTree& tree);
+  ndb::Result<ndb::WrittenNode> WriteNode();
+  void Fail(const ndb::Failure& failure);
 
   ndb::NdbWriter& ndb_;
   HeapWriter heap_;
   ndb::SubnodeTreeWriter subnodes_;
   std::vector<PropertyRecord> records_;
   std::optional<std::uint16_t> dataSizeId_;  ///< the property that AddDataSize named
-  std::uint32_t nextSubnodeIndex_ = 0;
+  std::uint32_t nextSubnodeIndex_;
   std::uint64_t valueBytes_ = 0;
   std::optional<ndb::Failure> failure_;
 };

@@ -47,6 +47,13 @@ class TableContext {
   TableContext(const ndb::BlockSource& source, Heap heap, ndb::Bid bidSub)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
 
+  ndb::Result<std::size_t> OpenMatrix(Hnid hnidRows);
+  ndb::Result<std::span<const std::byte>> Row(std::size_t row);
+  std::size_t RowsPerBlock() const { return ndb::kMaxBlockData / rowSize_; }
+  const Column* FindColumn(PropTag tag) const;
+  template <class T>
+  std::optional<T> Number(std::size_t row, PropTag tag);
+
   const ndb::BlockSource* source_;
   Heap heap_;
   ndb::Bid bidSub_;

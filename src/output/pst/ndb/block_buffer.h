@@ -26,6 +26,7 @@ class BlockBuffer {
 
   explicit operator bool() const { return bytes_ != nullptr; }
   Bytes& operator*() const { return *bytes_; }
+  Bytes* operator->() const { return bytes_.get(); }
 
  private:
   BlockBufferPool* pool_ = nullptr;

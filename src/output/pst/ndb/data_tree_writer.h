@@ -44,19 +44,17 @@ class DataTreeWriter {
   /// sub-node tree or NdbWriter::Discard. The writer is empty again afterwards and can take the next tree.
   Result<DataTree> Finish();
 
-  /// Gives up what was appended and frees its blocks.
+  /// Forgets what was appended and frees its blocks.
   void Clear();
 
  private:
   Result<void> WriteBlock(std::span<const std::byte> bytes);
-  Result<void> CloseXBlock();
 
   NdbWriter& ndb_;
   BlockBuffer buffer_;
-  std::size_t used_ = 0;        ///< bytes in buffer_
-  std::uint64_t size_ = 0;      ///< bytes in all
-  std::vector<Bid> dataBids_;   ///< data blocks not yet below an XBLOCK
-  std::vector<Bid> xblocks_;    ///< full XBLOCKs
+  std::size_t used_ = 0;    ///< bytes in buffer_
+  std::uint64_t size_ = 0;  ///< bytes in all
+  std::vector<Bid> dataBids_;
 };
 
 }  // namespace velmora::ndb

@@ -21,10 +21,14 @@
 #include <span>
 
 #include "output/pst/ndb/block_buffer.h"
+#include "output/pst/ndb/block_file.h"
 #include "output/pst/ndb/block_source.h"
 #include "output/pst/ndb/data_tree_writer.h"
 #include "output/pst/ndb/encoding.h"
+#include "output/pst/ndb/header.h"
+#include "output/pst/ndb/node_table.h"
 #include "output/pst/ndb/subnode_tree.h"
+#include "output/pst/ndb/tree_pages.h"
 #include "platform/file.h"
 
 namespace velmora::ndb {
@@ -35,17 +39,17 @@ class NdbWriter : public BlockSource {
   /// and must outlive the writer, and commits it.
   static Result<std::unique_ptr<NdbWriter>> Create(platform::ByteStore& file,
                                                    CryptMethod cryptMethod = CryptMethod::kPermute);
-  ~NdbWriter() override;
 
   // -- nodes
 
-  /// A node id of that type that was never handed out: the next index of the type's counter. Ids of a
-  /// folder's (or search folder's) four nodes share one index: ask for the folder, derive the rest with
-  /// Sibling.
+  /// A node id of that type that was never handed out: the next index of the type's counter; 0 when all
+  /// 134 million are used up. Ids of a folder's (or search folder's) four nodes share one index: ask for the
+  /// folder, derive the rest with Sibling.
   Nid NewNid(NidType type);
 
   /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
-  /// be empty, or shared with other nodes. Raises the counter of the id's type where needed.
+  /// be empty, or shared with other nodes. kNotSupported for nid 0, and when a block would be referred to
+  /// more than 65534 times.
   Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent);
 
   /// Removes a node and releases its trees; a node that is not there is no failure.
@@ -72,16 +76,17 @@ class NdbWriter : public BlockSource {
   /// Makes all nodes set so far permanent. Costs a rewrite of both trees (24 bytes a block, 32 a node).
   Result<void> Commit();
 
-  /// Commits, writes exact allocation maps and closes the store: every further change fails.
+  /// Commits, with exact allocation maps, and closes the store: every further change fails with kDenied.
+  /// Sealing a sealed store does nothing.
   Result<void> Seal();
 
   /// Length of the file in bytes.
-  std::uint64_t FileSize() const;
+  std::uint64_t FileSize() const { return blocks_.Map().FileSize(); }
 
-  std::size_t NodeCount() const;
+  std::size_t NodeCount() const { return nodes_.Count(); }
 
   /// Number of blocks in the store.
-  std::size_t BlockCount() const;
+  std::size_t BlockCount() const { return blocks_.Table().Count(); }
 
   // -- for the writers of trees and heaps
 
@@ -89,18 +94,31 @@ class NdbWriter : public BlockSource {
   Result<Bid> WriteDataBlock(std::span<const std::byte> bytes);
 
   /// Puts an XBLOCK, or XBLOCKs and a XXBLOCK, over data blocks of `size` bytes in all. One block stands for
-  /// itself.
+  /// itself, none for an empty tree.
   Result<DataTree> WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
 
-  BlockBuffer TakeBuffer();
+  BlockBuffer TakeBuffer() { return buffers_.Take(); }
+
+  /// Writes an internal block that nothing refers to yet and refers to all that it names.
+  Result<Bid> WriteInternalBlock(std::span<const std::byte> content);
+
+  /// Sees to it that no id handed out later is this one.
+  void NoteNid(Nid nid);
 
  private:
-  friend class DataTreeWriter;
-  friend class SubnodeTreeWriter;
-  class State;
-  explicit NdbWriter(std::unique_ptr<State> state);
+  NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod);
+  Result<void> Release(const NodeTrees& trees);
+  Result<void> Publish(AMapValid mapsValid);
+  Result<void> WriteMaps();
 
-  std::unique_ptr<State> state_;
+  BlockBufferPool buffers_;
+  BlockFile blocks_;
+  NodeTable nodes_;
+  std::vector<std::uint64_t> treePages_;  ///< offsets of the pages of both trees of the last commit
+  std::array<std::uint32_t, kNidTypeCount> rgnid_;
+  std::uint32_t dwUnique_ = 1;
+  bool changed_ = true;  ///< since the last commit
+  bool sealed_ = false;
 };
 
 }  // namespace velmora::ndb

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "output/pst/ndb/block_source.h"
+#include "output/pst/ndb/encoding.h"
+#include "output/pst/ndb/page.h"
 #include "platform/file.h"
 
 namespace velmora::ndb {
@@ -23,16 +26,30 @@ class StoreReader : public BlockSource {
 
   /// All nodes by ascending id.
   const std::vector<NodeEntry>& Nodes() const { return nodes_; }
-  std::size_t BlockCount() const { return blockCount_; }
+  std::size_t BlockCount() const { return blocks_.size(); }
 
   /// What was left out at opening, at most kMaxDamage findings.
   const std::vector<Failure>& Damage() const { return damage_; }
   static constexpr std::size_t kMaxDamage = 100;
 
  private:
-  std::vector<NodeEntry> nodes_;
+  struct Block {
+    Bid bid;
+    std::uint64_t ibAndCb;  ///< offset in the low 48 bits, bytes of data above
+  };
+  static_assert(sizeof(Block) == 16);
+  static constexpr int kIbBits = 48;
+
+  explicit StoreReader(const platform::ByteSource& file) : file_(file) {}
+  void ReadTree(PageType type, const Bref& root);
+  void ReadLeaf(PageType type, PageView page, std::size_t cEnt);
+  void Note(const Bref& ref, std::string_view why);
+
+  const platform::ByteSource& file_;
+  CryptMethod cryptMethod_ = CryptMethod::kNone;
+  std::vector<Block> blocks_;      ///< by ascending id
+  std::vector<NodeEntry> nodes_;   ///< by ascending id
   std::vector<Failure> damage_;
-  std::size_t blockCount_ = 0;
 };
 
 }  // namespace velmora::ndb

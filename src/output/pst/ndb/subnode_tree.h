@@ -40,11 +40,14 @@ class SubnodeTreeWriter {
   /// `node.trees` may already belong to another node: trees are shared. bidData must not be 0.
   void Add(Nid nid, const WrittenNode& node);
 
-  bool Empty() const { return entries_.empty(); }
+  std::size_t Count() const { return entries_.size(); }
 
   /// Writes the blocks and refers to the trees of all entries. kCorrupt when two entries share an id,
   /// kNotSupported above kMaxEntries. The writer is empty again afterwards.
   Result<SubnodeTree> Finish();
+
+  /// Forgets what was added.
+  void Clear();
 
  private:
   NdbWriter& ndb_;

@@ -1,0 +1,58 @@
+#include "output/pst/ltp/property_value.h"
+
+#include "output/pst/ltp/multi_value.h"
+#include "output/pst/ndb/failures.h"
+
+namespace velmora::ltp {
+namespace {
+
+constexpr std::uint16_t kMultipleFlag = 0x1000;
+
+/// Bytes that the size of a value is a multiple of; 0 for a type that the store has not.
+std::size_t UnitOf(PropType type) {
+  switch (type) {
+    case PropType::kString:
+      return 2;
+    case PropType::kString8:
+    case PropType::kServerId:
+    case PropType::kRestriction:
+    case PropType::kRuleAction:
+    case PropType::kBinary:
+    case PropType::kMultipleString8:
+    case PropType::kMultipleString:
+    case PropType::kMultipleBinary:
+      return 1;
+    case PropType::kMultipleInteger16:
+    case PropType::kMultipleInteger32:
+    case PropType::kMultipleFloating32:
+    case PropType::kMultipleFloating64:
+    case PropType::kMultipleCurrency:
+    case PropType::kMultipleFloatingTime:
+    case PropType::kMultipleInteger64:
+    case PropType::kMultipleTime:
+    case PropType::kMultipleGuid:
+      return *FixedSize(static_cast<PropType>(static_cast<std::uint16_t>(type) & ~kMultipleFlag));
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+ndb::Result<void> CheckValue(PropTag tag, std::span<const std::byte> value) {
+  const PropType type = TypeOf(tag);
+  bool fits;
+  if (const std::optional<std::size_t> size = FixedSize(type)) {
+    fits = value.size() == *size;
+  } else {
+    const std::size_t unit = UnitOf(type);
+    fits = unit != 0 && value.size() % unit == 0;
+  }
+  if (!fits) return ndb::Corrupt(ndb::Named("property", tag), value.size(), "the value does not fit its type");
+  if (type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary) {
+    if (const auto elements = DecodeMultiple(value); !elements) return tl::unexpected(elements.error());
+  }
+  return {};
+}
+
+}  // namespace velmora::ltp

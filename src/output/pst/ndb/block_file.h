@@ -1,0 +1,98 @@
+// The blocks and pages of a store that is being written: their places in the file, their bytes on the way
+// there, and who refers to them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "output/pst/ndb/allocation_map.h"
+#include "output/pst/ndb/block_source.h"
+#include "output/pst/ndb/block_table.h"
+#include "output/pst/ndb/encoding.h"
+#include "output/pst/ndb/page.h"
+#include "output/pst/ndb/write_window.h"
+#include "platform/file.h"
+
+namespace velmora::ndb {
+
+/// After a failing write every further write fails with the same failure.
+class BlockFile {
+ public:
+  BlockFile(platform::ByteStore& file, CryptMethod cryptMethod);
+
+  /// Makes the file that of an empty store, but for the header.
+  Result<void> Start();
+
+  /// Writes a data block, encoded, that nothing refers to yet.
+  Result<Bid> WriteData(std::span<const std::byte> data);
+
+  /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
+  Result<Bid> WriteInternal(std::span<const std::byte> content);
+
+  /// Replaces `out` by the content of a block.
+  Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
+
+  /// Counts one reference to each block, or to none when it fails. 0 names no block.
+  Result<void> Refer(std::span<const Bid> bids);
+
+  /// Takes one reference to a block back; one without any is freed and releases what it refers to.
+  Result<void> Release(Bid bid);
+
+  /// Frees a block that nothing refers to, and what only it refers to.
+  Result<void> Discard(Bid bid);
+
+  /// Discards every block that nothing refers to.
+  Result<void> DiscardUnreferenced();
+
+  /// Gives a new page its place and id and writes it.
+  Result<Bref> WritePage(PageType type, Page& page);
+
+  /// Writes bytes at a fixed place: header and maps.
+  Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
+
+  /// Hands what was written to the disk.
+  Result<void> Flush();
+
+  /// Everything written so far, but the pages at `freedPages`, belongs to the commit at hand: places freed
+  /// since the last one may be taken again once this one is on disk.
+  void Settle(std::span<const std::uint64_t> freedPages);
+
+  const AllocationMap& Map() const { return map_; }
+  const BlockTable& Table() const { return table_; }
+  CryptMethod Method() const { return cryptMethod_; }
+
+  Bid NewPageBid() { return bidNextP_++; }
+  Bid BidNextP() const { return bidNextP_; }
+
+  /// The failure that stopped the writing, if one has.
+  Result<void> Usable() const;
+
+  /// Makes every further write fail with `failure`.
+  void Stop(const Failure& failure);
+
+ private:
+  Result<Bid> Write(bool internal, std::span<const std::byte> data);
+  Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
+  Result<void> OpenArea(std::uint32_t area);
+  Result<void> Free(Bid bid);
+
+  /// Remembers the failure of a result, if it is one.
+  template <class T>
+  Result<T> Kept(Result<T> result) {
+    if (!result) Stop(result.error());
+    return result;
+  }
+
+  platform::ByteStore& file_;
+  CryptMethod cryptMethod_;
+  AllocationMap map_;
+  BlockTable table_;
+  WriteWindow window_;
+  Bid bidNextP_ = 1;
+  Bid firstUncommitted_ = 0;  ///< blocks from this id on are in no commit
+  std::optional<Failure> failure_;
+};
+
+}  // namespace velmora::ndb

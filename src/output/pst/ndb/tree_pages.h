@@ -1,0 +1,55 @@
+// The pages of the block tree and of the node tree, formed from entries in ascending order.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "output/pst/ndb/block_file.h"
+#include "output/pst/ndb/node_table.h"
+#include "output/pst/ndb/page.h"
+
+namespace velmora::ndb {
+
+/// Where a tree was written.
+struct TreePages {
+  Bref root;
+  std::vector<std::uint64_t> offsets;  ///< of all its pages
+};
+
+/// Writes one tree: pages go to the file as they fill, each level into the one above.
+class TreePagesWriter {
+ public:
+  TreePagesWriter(BlockFile& file, PageType type, std::size_t leafEntrySize)
+      : file_(file), type_(type), leafEntrySize_(leafEntrySize) {}
+
+  /// Adds a leaf entry; keys ascend.
+  Result<void> Add(std::uint64_t key, std::span<const std::byte> entry) { return AddTo(0, key, entry); }
+
+  /// A tree of no entries is one empty leaf.
+  Result<TreePages> Finish();
+
+ private:
+  struct Level {
+    Page page{};
+    std::uint8_t cEnt = 0;
+    std::uint64_t firstKey = 0;
+    bool hasPages = false;  ///< some of the level is written already
+  };
+
+  std::size_t EntrySize(std::size_t level) const { return level == 0 ? leafEntrySize_ : BtEntry::kSize; }
+  Result<void> AddTo(std::size_t level, std::uint64_t key, std::span<const std::byte> entry);
+  Result<Bref> WriteLevel(std::size_t level);
+  Result<void> MoveUp(std::size_t level);
+
+  BlockFile& file_;
+  PageType type_;
+  std::size_t leafEntrySize_;
+  std::vector<Level> levels_;
+  std::vector<std::uint64_t> offsets_;
+};
+
+Result<TreePages> WriteBlockTree(BlockFile& file);
+Result<TreePages> WriteNodeTree(BlockFile& file, const NodeTable& nodes);
+
+}  // namespace velmora::ndb
