@@ -22,7 +22,8 @@ Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, co
   PropertyContext context(source, std::move(*heap), node.bidSub);
   context.records_.reserve(bytes->size() / kPropertyLayout.LeafRecord());
   for (std::size_t at = 0; at < bytes->size(); at += kPropertyLayout.LeafRecord()) {
-    context.records_.push_back({Load<std::uint16_t>(*bytes, at), static_cast<PropType>(Load<std::uint16_t>(*bytes, at + 2)),
+    context.records_.push_back({Load<std::uint16_t>(*bytes, at),
+                                static_cast<PropType>(Load<std::uint16_t>(*bytes, at + 2)),
                                 Load<std::uint32_t>(*bytes, at + 4)});
   }
   const auto byId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId < b.wPropId; };
@@ -124,7 +125,8 @@ Result<std::optional<ndb::DataTree>> PropertyContext::TreeOf(PropTag tag) {
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
   const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(record->dwValueHnid);
   if (!subnode) return tl::unexpected(subnode.error());
-  if (!*subnode) return ndb::Corrupt(ndb::Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
+  if (!*subnode)
+    return ndb::Corrupt(ndb::Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
   const ndb::Bid bid = (*subnode)->trees.bidData;
   const Result<ndb::DataTreeReader> tree = ndb::DataTreeReader::Open(*source_, bid);
   if (!tree) return tl::unexpected(tree.error());

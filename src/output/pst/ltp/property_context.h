@@ -28,8 +28,8 @@ class PropertyContext {
   /// The record of a property id, whatever its type; null when it is not there.
   const PropertyRecord* Find(std::uint16_t id) const;
 
-  /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type. Values larger than
-  /// kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
+  /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
+  /// Values larger than kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
   ndb::Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
 

@@ -129,7 +129,8 @@ Result<ndb::WrittenNode> PropertyContextWriter::WriteNode() {
   AdvanceOverBth(end, kPropertyLayout, records_.size());
   const std::uint64_t dataSize = end.HeapSize() + subnodes->dataSize;
   for (PropertyRecord& record : records_) {
-    if (record.wPropId == dataSizeId_) record.dwValueHnid = static_cast<std::uint32_t>(std::min(dataSize, kMaxInteger32));
+    if (record.wPropId == dataSizeId_)
+      record.dwValueHnid = static_cast<std::uint32_t>(std::min(dataSize, kMaxInteger32));
   }
   const auto encode = [this](std::size_t index, std::span<std::byte> out) {
     const PropertyRecord& record = records_[index];

@@ -104,8 +104,7 @@ Result<std::optional<std::vector<std::byte>>> TableContext::Cell(std::size_t row
   const auto cell = bytes->subspan(column->ibData, column->cbData);
   const std::optional<std::size_t> size = FixedSize(TypeOf(tag));
   if (size && *size == column->cbData) return std::vector<std::byte>(cell.begin(), cell.end());
-  Result<std::vector<std::byte>> value =
-      ReadHnid(*source_, heap_, bidSub_, Load<std::uint32_t>(cell, 0), kMaxCell);
+  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, Load<std::uint32_t>(cell, 0), kMaxCell);
   if (!value) return tl::unexpected(value.error());
   return std::move(*value);
 }

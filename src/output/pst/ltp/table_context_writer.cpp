@@ -129,8 +129,8 @@ Result<ndb::WrittenNode> TableContextWriter::Finish() {
   index.reserve(rowIds_.size());
   for (const std::uint32_t rowId : rowIds_) index.push_back({rowId, static_cast<std::uint32_t>(index.size())});
   std::sort(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId < b.rowId; });
-  const auto twin = std::adjacent_find(index.begin(), index.end(),
-                                       [](const auto& a, const auto& b) { return a.rowId == b.rowId; });
+  const auto twin =
+      std::adjacent_find(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId == b.rowId; });
   if (twin != index.end()) return ndb::Corrupt(ndb::Named("row", twin->rowId), twin->rowId, "two rows share an id");
   const auto encode = [&index](std::size_t i, std::span<std::byte> out) {
     Store<std::uint32_t>(out, 0, index[i].rowId);
@@ -163,7 +163,8 @@ Result<Hnid> TableContextWriter::FinishMatrix() {
 // The two items that others refer to by number come first; both are written again at the end.
 Result<void> TableContextWriter::OpenHeap() {
   if (heap_.Position().itemCount > 0) return {};
-  if (const Result<Hid> hid = heap_.Add(std::array<std::byte, kBthHeaderSize>{}); !hid) return tl::unexpected(hid.error());
+  if (const Result<Hid> hid = heap_.Add(std::array<std::byte, kBthHeaderSize>{}); !hid)
+    return tl::unexpected(hid.error());
   if (const Result<Hid> hid = heap_.Add(Encode(Info(0))); !hid) return tl::unexpected(hid.error());
   return {};
 }

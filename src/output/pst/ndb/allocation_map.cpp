@@ -43,7 +43,7 @@ std::span<const PageType> MapPagesOf(std::uint32_t area) {
   return std::span(kWithFMap).first(2);
 }
 
-AllocationMap::AllocationMap() { AddArea(); }
+AllocationMap::AllocationMap(std::uint32_t maxAreas) : maxAreas_(maxAreas) { AddArea(); }
 
 std::optional<std::uint64_t> AllocationMap::Allocate(std::uint32_t slots, std::uint32_t alignment) {
   assert(slots > 0 && slots <= kMaxSlots && alignment > 0 && alignment <= kSlotsPerPage);
@@ -100,7 +100,7 @@ bool AllocationMap::OpenRunOf(std::uint32_t slots) {
     AddOpenRun(*run);
     return true;
   }
-  if (AreaCount() == kMaxAreas) return false;
+  if (AreaCount() == maxAreas_) return false;
   AddArea();
   return true;
 }

@@ -37,7 +37,7 @@ class AllocationMap {
  public:
   using Bits = std::array<std::uint8_t, kMapBytes>;
 
-  AllocationMap();
+  explicit AllocationMap(std::uint32_t maxAreas = kMaxAreas);
 
   /// Takes `slots` (at most 128) slots in a row within one area, at a multiple of `alignment` slots; returns
   /// their file offset, or nothing when the file has reached its largest size. May add an area.
@@ -80,6 +80,7 @@ class AllocationMap {
   void AddArea();
   void Mark(Run run, bool used);
 
+  std::uint32_t maxAreas_;
   std::vector<Area> areas_;
   std::vector<Run> openRuns_;
   std::vector<Run> freedWithCommit_;

@@ -158,8 +158,8 @@ void BlockFile::Stop(const Failure& failure) {
 Result<std::uint64_t> BlockFile::Allocate(std::size_t size, std::size_t alignment) {
   if (failure_) return tl::unexpected(*failure_);
   const std::uint32_t areas = map_.AreaCount();
-  const std::optional<std::uint64_t> ib = map_.Allocate(static_cast<std::uint32_t>(size / kSlotSize),
-                                                        static_cast<std::uint32_t>(alignment / kSlotSize));
+  const std::optional<std::uint64_t> ib =
+      map_.Allocate(static_cast<std::uint32_t>(size / kSlotSize), static_cast<std::uint32_t>(alignment / kSlotSize));
   if (!ib) return Fail(FailureKind::kNotSupported, "store", map_.FileSize(), "the store has reached its largest size");
   for (std::uint32_t area = areas; area < map_.AreaCount(); ++area) {
     if (auto opened = OpenArea(area); !opened) return tl::unexpected(opened.error());

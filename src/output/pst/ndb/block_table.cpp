@@ -11,8 +11,8 @@ std::optional<Bid> BlockTable::NextBid(bool internal) const {
 
 void BlockTable::Append(bool internal, std::uint64_t ib, std::uint16_t cb) {
   assert(cb > 0 && cb <= kMaxBlockData);
-  entries_.push_back({static_cast<std::uint32_t>(ib / kSlotSize),
-                      static_cast<std::uint16_t>(internal ? cb | kInternalFlag : cb), 0});
+  entries_.push_back(
+      {static_cast<std::uint32_t>(ib / kSlotSize), static_cast<std::uint16_t>(internal ? cb | kInternalFlag : cb), 0});
   ++count_;
 }
 

@@ -102,7 +102,8 @@ Result<std::vector<std::byte>> DataTreeReader::ReadAll(std::uint64_t limit) {
   for (std::size_t i = 0; i < dataBids_.size(); ++i) {
     const Result<std::span<const std::byte>> block = Block(i);
     if (!block) return tl::unexpected(block.error());
-    if (all.size() + block->size() > size_) return Corrupt("data tree", size_, "the blocks hold more than the tree says");
+    if (all.size() + block->size() > size_)
+      return Corrupt("data tree", size_, "the blocks hold more than the tree says");
     all.insert(all.end(), block->begin(), block->end());
   }
   if (all.size() != size_) return Corrupt("data tree", size_, "the blocks hold less than the tree says");

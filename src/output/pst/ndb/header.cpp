@@ -9,8 +9,8 @@
 namespace velmora::ndb {
 namespace {
 
-constexpr std::uint32_t kMagic = 0x4E444221;        // "!BDN"
-constexpr std::uint16_t kMagicClient = 0x4D53;      // "SM": a personal store
+constexpr std::uint32_t kMagic = 0x4E444221;    // "!BDN"
+constexpr std::uint16_t kMagicClient = 0x4D53;  // "SM": a personal store
 constexpr std::uint16_t kVersionUnicode = 23;
 constexpr std::uint16_t kVersionEarlyUnicode = 21;  // the same layout
 constexpr std::uint16_t kVersionClient = 19;
@@ -94,12 +94,11 @@ Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes) {
       version != kVersionUnicode && version != kVersionEarlyUnicode) {
     return Fail(FailureKind::kNotSupported, "header", version, "only stores of the Unicode format can be opened");
   }
+  // The full checksum lies in the second sector. Where only the first one reached the disk, the trees that
+  // it names are complete all the same.
   const auto summed = bytes.subspan<kWMagicClient>();
   if (const auto crc = Load<std::uint32_t>(bytes, kDwCrcPartial); crc != WeakCrc(summed.first(kCrcPartialSize))) {
-    return Corrupt("header", crc, "the partial checksum does not fit");
-  }
-  if (const auto crc = Load<std::uint32_t>(bytes, kDwCrcFull); crc != WeakCrc(summed.first(kCrcFullSize))) {
-    return Corrupt("header", crc, "the full checksum does not fit");
+    return Corrupt("header", crc, "the checksum does not fit");
   }
   if (bytes[kBSentinel] != kSentinel) {
     return Corrupt("header", std::to_integer<std::uint64_t>(bytes[kBSentinel]), "the sentinel is wrong");

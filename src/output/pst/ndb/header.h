@@ -42,8 +42,8 @@ struct Header {
 
 std::array<std::byte, Header::kSize> Encode(const Header& header);
 
-/// kCorrupt when the magic, the sentinel or a checksum does not fit, kNotSupported for ANSI and 4K stores and
-/// for encodings that have no published key.
+/// kCorrupt when the magic, the sentinel or the checksum of the first sector does not fit, kNotSupported for ANSI and
+/// 4K stores and for encodings that have no published key.
 Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
 
 }  // namespace velmora::ndb

@@ -107,9 +107,7 @@ Result<DataTree> NdbWriter::WriteData(std::span<const std::byte> bytes) {
 
 Result<Bid> NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }
 
-Result<Bid> NdbWriter::WriteInternalBlock(std::span<const std::byte> content) {
-  return blocks_.WriteInternal(content);
-}
+Result<Bid> NdbWriter::WriteInternalBlock(std::span<const std::byte> content) { return blocks_.WriteInternal(content); }
 
 Result<DataTree> NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size) {
   if (dataBids.empty()) return DataTree{};

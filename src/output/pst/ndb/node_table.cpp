@@ -13,8 +13,8 @@ void NodeTable::Set(const NodeEntry& node) {
   const Entry entry{node.nid, node.nidParent, static_cast<std::uint32_t>(node.trees.bidData >> 1),
                     static_cast<std::uint32_t>(node.trees.bidSub >> 1)};
   std::vector<Entry>& list = byType_[ListOf(node.nid)];
-  const auto place = std::lower_bound(list.begin(), list.end(), node.nid,
-                                      [](const Entry& a, Nid nid) { return a.nid < nid; });
+  const auto place =
+      std::lower_bound(list.begin(), list.end(), node.nid, [](const Entry& a, Nid nid) { return a.nid < nid; });
   if (place == list.end() || place->nid != node.nid) {
     list.insert(place, entry);
     ++count_;
@@ -60,8 +60,7 @@ const NodeTable::Entry* NodeTable::NextOf(std::array<std::size_t, kNidTypeCount>
 
 const NodeTable::Entry* NodeTable::EntryOf(Nid nid) const {
   const std::vector<Entry>& list = byType_[ListOf(nid)];
-  const auto place =
-      std::lower_bound(list.begin(), list.end(), nid, [](const Entry& a, Nid id) { return a.nid < id; });
+  const auto place = std::lower_bound(list.begin(), list.end(), nid, [](const Entry& a, Nid id) { return a.nid < id; });
   return place != list.end() && place->nid == nid && place->data != kRemoved ? &*place : nullptr;
 }
 

@@ -22,7 +22,8 @@ Result<std::unique_ptr<StoreReader>> StoreReader::Open(const platform::ByteSourc
   if (*read != bytes.size()) return Corrupt("header", *read, "the file is shorter than a header");
   const Result<Header> header = DecodeHeader(bytes);
   if (!header) return tl::unexpected(header.error());
-  if (file.Size() >> kIbBits != 0) return Fail(FailureKind::kNotSupported, "store", file.Size(), "the file is too large");
+  if (file.Size() >> kIbBits != 0)
+    return Fail(FailureKind::kNotSupported, "store", file.Size(), "the file is too large");
 
   std::unique_ptr<StoreReader> store(new StoreReader(file));
   store->cryptMethod_ = header->bCryptMethod;
@@ -97,8 +98,8 @@ void StoreReader::ReadLeaf(PageType type, PageView page, std::size_t cEnt) {
 
 Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
   bid &= ~Bid{1};
-  const auto block = std::lower_bound(blocks_.begin(), blocks_.end(), bid,
-                                      [](const Block& entry, Bid id) { return entry.bid < id; });
+  const auto block =
+      std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
   if (block == blocks_.end() || block->bid != bid) {
     return Fail(FailureKind::kNotFound, Named("block", bid), bid, "the store has no such block");
   }

@@ -47,8 +47,8 @@ class StoreReader : public BlockSource {
 
   const platform::ByteSource& file_;
   CryptMethod cryptMethod_ = CryptMethod::kNone;
-  std::vector<Block> blocks_;      ///< by ascending id
-  std::vector<NodeEntry> nodes_;   ///< by ascending id
+  std::vector<Block> blocks_;     ///< by ascending id
+  std::vector<NodeEntry> nodes_;  ///< by ascending id
   std::vector<Failure> damage_;
 };
 

@@ -1,0 +1,27 @@
+// The strict checker of stores, a program that shares no line with the writer.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+
+/// What the checker is asked for.
+enum class Check {
+  kBlocks,      ///< header, maps, trees and blocks
+  kProperties,  ///< these, and the heaps, properties and tables of all internal nodes
+};
+
+/// True if the checker is there.
+bool HasPstCheck();
+
+/// Runs the checker; returns its findings, a line each, errors and warnings alike: empty for a sound store.
+std::string PstCheck(std::span<const std::byte> store, Check check, const std::string& ignored = {});
+
+}  // namespace velmora::test
+
+/// Ends a test with a reason where the checker is not there.
+#define VELMORA_NEEDS_PST_CHECK() \
+  if (!velmora::test::HasPstCheck()) GTEST_SKIP() << "pstcheck.py is not there; VELMORA_TOOLS names its folder"
