@@ -58,17 +58,14 @@ AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEn
 }
 
 void AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content) {
+  const auto append = [&content](const engine::Bytes& piece) { content.Append(piece); };
   BlockChain chain;
-  if (BuildBlockChainAt(items_.engine, record.offset, record.size, chain)) {
-    WriteStreamToFile(items_.engine, chain, items_.state.allowance,
-                      [&content](const engine::Bytes& piece) { content.Append(piece); });
+  if (BuildBlockChainAt(items_.engine, record.offset, record.size, items_.state.allowance, chain)) {
+    WriteStreamToFile(items_.engine, chain, items_.state.allowance, append);
     return;
   }
-  auto bytes = items_.blocks.ReadChunk(record.offset, record.size);
-  if (!bytes) return;
-  items_.blocks.DecodeBlock(record.bid, *bytes);
-  InflateUnlessHeap(items_.engine, *bytes);
-  if (items_.state.allowance.TakeBytes(bytes->size())) content.Append(*bytes);
+  const auto block = ReadDataBlock(items_.engine, record, record.bid, items_.state.allowance);
+  if (block) append(block->bytes);
 }
 
 bool AttachmentReader::QueueEmbedded(const SubNodeEntry& entry, ByteView block) {

@@ -23,7 +23,8 @@ class ContentAllowance {
       : bytes_((sourceBytes + 1) * (packed ? kPackedTimesOver : kTimesOver)),
         parts_((nodesAndBlocks + 1) * kTimesOver) {}
 
-  /// False when the store claims more than it may: the content is left out then, like one that cannot be found.
+  /// To be asked before the bytes are read. False when the store claims more than it may: the content is left out
+  /// then, like one that cannot be found.
   bool TakeBytes(std::uint64_t count) { return Take(bytes_, count); }
 
   /// The same for one attachment or embedded message.

@@ -20,13 +20,14 @@ void HandleAttachments(ItemRun& items) {
   AttachmentReader reader(items);
   for (const SubNodeEntry& entry : subNodes) {
     items.run.control.PausePoint();
-    if (!items.state.allowance.TakePart()) {
+    const auto record = items.blocks.FindBlockOrLower(entry.bidData);
+    ContentAllowance& allowance = items.state.allowance;
+    if (!allowance.TakePart() || (record && !allowance.TakeBytes(record->size))) {
       ReportUntriedAttachments(items, u"the store claims more than it can hold");
       break;
     }
     ++items.subNodesHandled;
     const bool byIdentifier = (entry.nid & kNidTypeMask) == kNidTypeAttachment;
-    const auto record = items.blocks.FindBlockOrLower(entry.bidData);
     if (!record) {
       if (byIdentifier) ReportAttachment(items.state.report, entry, u"its data block was not found");
       continue;

@@ -1,6 +1,5 @@
 #include "recovery/heap_text.h"
 #include "recovery/item_steps.h"
-#include "recovery/property_context.h"
 #include "recovery/property_ids.h"
 #include "recovery/value_stream.h"
 
@@ -16,16 +15,13 @@ constexpr std::uint32_t kPlainFirstAbove = 4u << 20;
 text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const BodySlot& slot) {
   const text::CodePage& codePage = *items.state.codePage;
   BlockChain chain;
-  if (BuildBlockChain(items.engine, record, chain)) {
+  if (BuildBlockChain(items.engine, record, items.state.allowance, chain)) {
     return ReadStreamAsText(items.engine, chain, slot.tag, codePage, items.state.allowance);
   }
-  auto bytes = items.blocks.ReadChunk(record.offset, record.size);
-  if (!bytes) return {};
-  items.blocks.DecodeBlock(slot.bid, *bytes);
-  InflateUnlessHeap(items.engine, *bytes);
-  if (!items.state.allowance.TakeBytes(bytes->size())) return {};
+  const auto block = ReadDataBlock(items.engine, record, slot.bid, items.state.allowance);
+  if (!block) return {};
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
-  return CopyHeapText(engine::ByteView(*bytes), wide, BodyCodePage(slot.tag, codePage));
+  return CopyHeapText(engine::ByteView(block->bytes), wide, BodyCodePage(slot.tag, codePage));
 }
 
 Field FieldOf(std::uint16_t tag) {

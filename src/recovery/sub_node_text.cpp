@@ -4,8 +4,8 @@
 
 #include "engine/block_reader.h"
 #include "recovery/heap_text.h"
-#include "recovery/property_context.h"
 #include "recovery/property_ids.h"
+#include "recovery/value_stream.h"
 
 namespace velmora::recovery {
 namespace {
@@ -27,14 +27,12 @@ text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t valu
   if (entry == subNodes_.end()) return {};
   const engine::BlockReader blocks(engine_);
   const auto record = blocks.FindBlockOrLower(entry->bidData);
-  if (!record || !allowance_.TakeBytes(record->size)) return {};
-  auto bytes = blocks.ReadChunk(record->offset, record->size);
-  if (!bytes) return {};
-  blocks.DecodeBlock(record->bid, *bytes);
-  if (!engine::IsHeapSignature(messageBlock_.U16(2))) InflateUnlessHeap(engine_, *bytes);
-
-  if (type == kTypeUnicode) return WithSinglePercents(WideText(engine::ByteView(*bytes)));
-  if (type == kTypeString8) return NarrowText(engine::ByteView(*bytes), codePage_);
+  if (!record) return {};
+  const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
+  const auto block = ReadDataBlock(engine_, *record, record->bid, allowance_, inflates);
+  if (!block) return {};
+  if (type == kTypeUnicode) return WithSinglePercents(WideText(engine::ByteView(block->bytes)));
+  if (type == kTypeString8) return NarrowText(engine::ByteView(block->bytes), codePage_);
   return {};
 }
 

@@ -1,7 +1,6 @@
 #include "recovery/value_stream.h"
 
-#include <algorithm>
-#include <optional>
+#include <utility>
 
 #include "recovery/heap_text.h"
 #include "recovery/property_context.h"
@@ -31,11 +30,13 @@ constexpr std::uint32_t kFullBlock = 0xFFE8;
 
 enum class Reached { kPlainBlock, kList, kThroughSubNode };
 
-Reached WalkChain(EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain) {
+Reached WalkChain(EngineState& engine, std::uint64_t offset, std::uint32_t size, ContentAllowance& allowance,
+                  BlockChain& chain) {
   const engine::BlockReader blocks(engine);
   const bool wide = engine.layout.wideFormat;
   bool throughSubNode = false;
   for (int depth = 0; depth < kDeepestChain; ++depth) {
+    if (!allowance.TakeBytes(size)) break;
     const auto bytes = blocks.ReadChunk(offset, size);
     if (!bytes) break;
     const ByteView block(*bytes);
@@ -59,43 +60,21 @@ Reached WalkChain(EngineState& engine, std::uint64_t offset, std::uint32_t size,
   return throughSubNode ? Reached::kThroughSubNode : Reached::kPlainBlock;
 }
 
-/// A data block, decoded with the key `id` and inflated.
-std::optional<Bytes> ReadDataBlock(EngineState& engine, const engine::BlockRecord& record, std::uint32_t id) {
-  const engine::BlockReader blocks(engine);
-  auto bytes = blocks.ReadChunk(record.offset, record.size);
-  if (!bytes) return std::nullopt;
-  blocks.DecodeBlock(id, *bytes);
-  InflateUnlessHeap(engine, *bytes);
-  return bytes;
-}
-
-/// Writes the block of an id out of a list of ids. A full block is never a packed one.
-void WriteListedPiece(EngineState& engine, std::uint32_t id, ContentAllowance& allowance, const PieceWriter& write) {
-  const engine::BlockReader blocks(engine);
-  const auto record = blocks.FindBlockOrLower(id);
-  if (!record) return;
-  auto bytes = blocks.ReadChunk(record->offset, record->size);
-  if (!bytes) return;
-  blocks.DecodeBlock(id, *bytes);
-  if (record->size < kFullBlock) InflateUnlessHeap(engine, *bytes);
-  if (allowance.TakeBytes(bytes->size())) write(*bytes);
-}
-
 void WriteSingleBlock(EngineState& engine, std::uint32_t id, ContentAllowance& allowance, const PieceWriter& write) {
   const engine::BlockReader blocks(engine);
   const auto record = blocks.FindBlockOrLower(id);
   if (!record) return;
-  auto bytes = blocks.ReadChunk(record->offset, record->size);
-  if (!bytes) return;
-  blocks.DecodeBlock(id, *bytes);
-  const bool inflated = InflateUnlessHeap(engine, *bytes);
-  if (!inflated || record->size >= kIdListBelow) {
-    if (allowance.TakeBytes(bytes->size())) write(*bytes);
-    return;
-  }
-  const ByteView list = ByteView(*bytes).Slice(0, kIdListArea);
+  const auto block = ReadDataBlock(engine, *record, id, allowance);
+  if (!block) return;
+  if (!block->inflated || record->size >= kIdListBelow) return write(block->bytes);
+
+  const ByteView list = ByteView(block->bytes).Slice(0, kIdListArea);
   for (std::uint32_t at = kListStart; at < list.Size(); at += 8) {
-    WriteListedPiece(engine, list.U16(at), allowance, write);
+    const std::uint16_t listed = list.U16(at);
+    const auto listedRecord = blocks.FindBlockOrLower(listed);
+    if (!listedRecord) continue;
+    const bool full = listedRecord->size >= kFullBlock;
+    if (const auto piece = ReadDataBlock(engine, *listedRecord, listed, allowance, !full)) write(piece->bytes);
   }
 }
 
@@ -105,12 +84,26 @@ const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& code
   return tag == kHtmlBodyId || tag == kRtfBodyId ? text::CodePage::Lossless() : codePage;
 }
 
-bool BuildBlockChain(EngineState& engine, const engine::BlockRecord& record, BlockChain& chain) {
-  return WalkChain(engine, record.offset, record.size, chain) == Reached::kList;
+bool BuildBlockChain(EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
+                     BlockChain& chain) {
+  return WalkChain(engine, record.offset, record.size, allowance, chain) == Reached::kList;
 }
 
-bool BuildBlockChainAt(EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain) {
-  return WalkChain(engine, offset, size, chain) != Reached::kPlainBlock;
+bool BuildBlockChainAt(EngineState& engine, std::uint64_t offset, std::uint32_t size, ContentAllowance& allowance,
+                       BlockChain& chain) {
+  return WalkChain(engine, offset, size, allowance, chain) != Reached::kPlainBlock;
+}
+
+std::optional<DataBlock> ReadDataBlock(EngineState& engine, const engine::BlockRecord& record, std::uint32_t id,
+                                       ContentAllowance& allowance, bool inflates) {
+  if (!allowance.TakeBytes(record.size)) return std::nullopt;
+  const engine::BlockReader blocks(engine);
+  auto bytes = blocks.ReadChunk(record.offset, record.size);
+  if (!bytes) return std::nullopt;
+  blocks.DecodeBlock(id, *bytes);
+  const bool inflated = inflates && InflateUnlessHeap(engine, *bytes);
+  if (inflated && !allowance.TakeBytes(bytes->size())) return std::nullopt;
+  return DataBlock{std::move(*bytes), inflated};
 }
 
 text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::uint16_t kind,
@@ -121,11 +114,12 @@ text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::u
   if (!chain.hasList) {
     const auto record = blocks.FindBlockOrLower(chain.singleDataBid);
     if (!record) return {};
-    const auto bytes = ReadDataBlock(engine, *record, record->bid);
-    if (!bytes || !allowance.TakeBytes(bytes->size())) return {};
-    if (!wide) return NarrowText(ByteView(*bytes), page);
+    const auto single = ReadDataBlock(engine, *record, record->bid, allowance);
+    if (!single) return {};
+    const ByteView block(single->bytes);
+    if (!wide) return NarrowText(block, page);
     text::Text whole;  // all of the block's units, NULs included
-    for (std::size_t at = 0; at + 2 <= bytes->size(); at += 2) whole.push_back(ByteView(*bytes).U16(at));
+    for (std::size_t at = 0; at + 2 <= block.Size(); at += 2) whole.push_back(block.U16(at));
     return whole;
   }
 
@@ -133,9 +127,8 @@ text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::u
   for (const std::uint32_t bid : chain.pieces) {
     const auto record = blocks.FindBlock(bid);
     if (!record) continue;
-    const auto bytes = ReadDataBlock(engine, *record, record->bid);
-    if (!bytes || !allowance.TakeBytes(bytes->size())) continue;
-    result += CopyHeapText(ByteView(*bytes), wide && kind != kHtmlBodyId, page);
+    const auto piece = ReadDataBlock(engine, *record, record->bid, allowance);
+    if (piece) result += CopyHeapText(ByteView(piece->bytes), wide && kind != kHtmlBodyId, page);
   }
   return result;
 }
@@ -148,8 +141,7 @@ void WriteStreamToFile(EngineState& engine, const BlockChain& chain, ContentAllo
     if (bid == 0) continue;
     const auto record = blocks.FindBlockOrLower(bid);
     if (!record) continue;
-    const auto bytes = ReadDataBlock(engine, *record, bid);
-    if (bytes && allowance.TakeBytes(bytes->size())) write(*bytes);
+    if (const auto piece = ReadDataBlock(engine, *record, bid, allowance)) write(piece->bytes);
   }
 }
 

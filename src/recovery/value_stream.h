@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "engine/block_reader.h"
@@ -17,17 +18,29 @@ namespace velmora::recovery {
 
 /// Where the pieces of one value lie.
 struct BlockChain {
-  bool hasList = false;               ///< a list was built, if only an empty one
-  std::vector<std::uint32_t> pieces;  ///< ids in order; 0 names no piece
-  std::uint32_t singleDataBid = 0;    ///< the one data block of a value reached through a sub-node block
+  bool hasList = false;                    ///< a list was built, if only an empty one
+  std::vector<std::uint32_t> pieces = {};  ///< ids in order; 0 names no piece
+  std::uint32_t singleDataBid = 0;         ///< the one data block of a value reached through a sub-node block
 };
 
 /// Fills the chain from the block at the record. True when the value is a list of pieces; false when it is one
 /// plain block, and also when a sub-node block led to the pieces.
-bool BuildBlockChain(engine::EngineState& engine, const engine::BlockRecord& record, BlockChain& chain);
+bool BuildBlockChain(engine::EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
+                     BlockChain& chain);
 
 /// The same walk from a place in the source, but true as soon as a sub-node block led to a block that is there.
-bool BuildBlockChainAt(engine::EngineState& engine, std::uint64_t offset, std::uint32_t size, BlockChain& chain);
+bool BuildBlockChainAt(engine::EngineState& engine, std::uint64_t offset, std::uint32_t size,
+                       ContentAllowance& allowance, BlockChain& chain);
+
+struct DataBlock {
+  engine::Bytes bytes;
+  bool inflated = false;
+};
+
+/// A data block, decoded with the key `id`; in the 4K format inflated, unless it shows a heap signature, is no packed
+/// stream, or `inflates` is false. Nothing when it cannot be read or the allowance is spent.
+std::optional<DataBlock> ReadDataBlock(engine::EngineState& engine, const engine::BlockRecord& record, std::uint32_t id,
+                                       ContentAllowance& allowance, bool inflates = true);
 
 /// The pieces as one text. `kind` is the id of the property: 0x1013 is always 8-bit text, others have the width
 /// of the store. Each piece ends at its first NUL and is converted by itself. A piece that is missing, or that

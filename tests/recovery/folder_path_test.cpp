@@ -1,0 +1,78 @@
+#include "recovery/folder_path.h"
+
+#include <gtest/gtest.h>
+
+namespace velmora::recovery {
+namespace {
+
+FolderRecord Folder(std::uint32_t nid, std::uint32_t parent, text::Text name, text::Text containerClass = u"IPF.Note") {
+  return {nid, parent, std::move(name), std::move(containerClass)};
+}
+
+TEST(FolderPath, EachNameIsPrecededByABackslash) {
+  FolderList folders({Folder(10, 5, u"Inbox"), Folder(11, 10, u"Old")});
+  EXPECT_EQ(BuildFolderPath(folders, 5, 11), u"\\Inbox\\Old");
+}
+
+TEST(FolderPath, TheChainEndsBelowTheTopFolderEvenIfThatHasARecord) {
+  FolderList folders({Folder(5, 1, u"Top of Personal Folders"), Folder(10, 5, u"Inbox")});
+  EXPECT_EQ(BuildFolderPath(folders, 5, 10), u"\\Inbox");
+  EXPECT_EQ(BuildFolderPath(folders, 5, 5), u"");
+}
+
+TEST(FolderPath, TheChainEndsBelowTheRootNode) {
+  FolderList folders({Folder(0x122, 0x122, u"Root"), Folder(10, 0x122, u"Inbox")});
+  EXPECT_EQ(BuildFolderPath(folders, 0, 10), u"\\Inbox");
+}
+
+TEST(FolderPath, ALostParentHangsTheRestFromTheTop) {
+  FolderList folders({Folder(10, 99, u"Old"), Folder(11, 10, u"Older")});
+  EXPECT_EQ(BuildFolderPath(folders, 0, 11), u"\\Old\\Older");
+}
+
+TEST(FolderPath, AnUnknownFolderIsLostAndFoundWithoutABackslash) {
+  FolderList folders({Folder(10, 99, u"Lost & Found")});
+  EXPECT_EQ(BuildFolderPath(folders, 0, 12), u"Lost & Found");
+  EXPECT_EQ(BuildFolderPath(folders, 0, 10), u"\\Lost & Found");
+}
+
+TEST(FolderPath, IdentifierZeroIsTheTopWhileNoTopFolderIsKnown) {
+  FolderList folders;
+  EXPECT_EQ(BuildFolderPath(folders, 0, 0), u"");
+}
+
+TEST(FolderPath, AChainThatComesBackOnItselfEndsAtTheFirstIdentifierSeenTwice) {
+  FolderList folders({Folder(10, 11, u"a"), Folder(11, 12, u"b"), Folder(12, 10, u"c"), Folder(13, 11, u"d")});
+  EXPECT_EQ(BuildFolderPath(folders, 0, 10), u"\\c\\b\\a");
+  EXPECT_EQ(BuildFolderPath(folders, 0, 13), u"\\a\\c\\b\\d");
+}
+
+TEST(FolderPath, ABackslashInANameSeparates) {
+  FolderList folders({Folder(10, 99, u"a\\b")});
+  const text::Text path = BuildFolderPath(folders, 0, 10);
+  const SplitPath split = SplitAtLeaf(path);
+  EXPECT_EQ(split.parentPath, u"\\a");
+  EXPECT_EQ(split.leaf, u"b");
+}
+
+TEST(FolderPath, TheClassOfEveryFolderOnTheWayIsNormalised) {
+  FolderList folders(
+      {Folder(10, 99, u"a", u"IPF.IMAP"), Folder(11, 10, u"b", u"IPF.Imap"), Folder(12, 99, u"c", u"IPF.Imap")});
+  BuildFolderPath(folders, 0, 11);
+  EXPECT_EQ(folders.Find(10)->containerClass, u"IPF.Note");
+  EXPECT_EQ(folders.Find(11)->containerClass, u"IPF.Note");
+  EXPECT_EQ(folders.Find(12)->containerClass, u"IPF.Imap");
+}
+
+TEST(FolderPath, APathWithoutABackslashIsAllLeaf) {
+  const SplitPath split = SplitAtLeaf(kLostFolderName);
+  EXPECT_EQ(split.parentPath, u"");
+  EXPECT_EQ(split.leaf, u"Lost & Found");
+}
+
+TEST(FolderPath, TheTargetPathBeginsWithTwoBackslashesAndTheStore) {
+  EXPECT_EQ(TargetPath(u"out Converted", u"\\Inbox"), u"\\\\out Converted\\Inbox");
+}
+
+}  // namespace
+}  // namespace velmora::recovery

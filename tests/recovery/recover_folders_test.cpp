@@ -1,0 +1,263 @@
+#include "recovery/recovery_fixture.h"
+
+namespace velmora::recovery {
+namespace {
+
+using engine::StoreKind;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RecoverFoldersTest : public RecoveryTest {
+ protected:
+  void Folders() {
+    Settle();
+    RecoverFolders(state_, engine_, run_);
+  }
+
+  /// Name and class of each folder as recovered.
+  std::vector<std::pair<text::Text, text::Text>> Recovered() const {
+    std::vector<std::pair<text::Text, text::Text>> folders;
+    for (const RecoveredFolder& folder : state_.report.folders) {
+      folders.emplace_back(folder.name, folder.containerClass);
+    }
+    return folders;
+  }
+
+  std::vector<std::uint32_t> NodesLeft() const {
+    std::vector<std::uint32_t> nids;
+    for (const auto& node : engine_.nodes.Records()) nids.push_back(node.nid);
+    return nids;
+  }
+};
+
+TEST_F(RecoverFoldersTest, AFolderIsANodeWithADisplayNameAndNoMessageClass) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"Inbox", u"IPF.Note");
+  AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x3001, u"no folder")});
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"Inbox", u"IPF.Note")));
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x200024));
+}
+
+TEST_F(RecoverFoldersTest, NothingIsDoneOnceTheRunHasEndedOrWasAborted) {
+  AddTopAndInbox();
+  run_.runAborted = true;
+  Folders();
+  run_.runAborted = false;
+  run_.runEnded = true;
+  Folders();
+  EXPECT_THAT(messages_, IsEmpty());
+  EXPECT_EQ(NodesLeft().size(), 3u);
+}
+
+TEST_F(RecoverFoldersTest, AFolderWhoseBlockIsFoundOnlyThroughTheLowerIdIsRecovered) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Wide(0x3001, u"Inbox")})) + 1, 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"Inbox", u"IPF.Note")));
+}
+
+TEST_F(RecoverFoldersTest, ANodeWithoutAParentIsTakenOutWhateverItIs) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x200024, AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")})), 0, 0);
+  AddNode(0x8042, AddBlock(0x44, HeapBlock({Wide(0x3001, u"Inbox")})), 0, 0);
+  Folders();
+  EXPECT_THAT(Recovered(), IsEmpty());
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21));
+  EXPECT_EQ(engine_.nodeCount, 1u);
+}
+
+TEST_F(RecoverFoldersTest, AFolderThatIsItsOwnParentIsNone) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x122, 0x122, u"Root");
+  Folders();
+  EXPECT_THAT(Recovered(), IsEmpty());
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x122));
+}
+
+TEST_F(RecoverFoldersTest, TheFirstElementOfTheListStaysLinkedThoughItIsCountedOff) {
+  AddFolder(0x8042, 0x122, u"Inbox");
+  AddFolder(0x8062, 0x122, u"Sent");
+  ASSERT_EQ(engine_.nodeCount, 2u);
+  Folders();
+  EXPECT_EQ(Recovered().size(), 2u);
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x8042));
+  EXPECT_EQ(engine_.nodeCount, 0u);
+}
+
+TEST_F(RecoverFoldersTest, AnEmptyNameIsNoFolderAndItsNodeStays) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Value(0x3001, 0x001F, 0)}, {.freeCount = 1})), 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), IsEmpty());
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
+}
+
+TEST_F(RecoverFoldersTest, ANameThatDoesNotLookLikeTextIsEmpty) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"\x0001\x0100");
+  AddFolder(0x8062, 0x122, u"日本語");
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"日本語", u"IPF.Note")));
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
+}
+
+TEST_F(RecoverFoldersTest, AnEightBitNameAndAClassGetNoSuchTest) {
+  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Narrow(0x3001, "\x01\x02"), Narrow(0x3613, "\x03")})), 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"\x0001\x0002", u"\x0003")));
+}
+
+TEST_F(RecoverFoldersTest, AClassThroughIdentifierZeroIsEmptyAndBecomesTheDefault) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Wide(0x3001, u"a"), Value(0x3613, 0x1F, 0)}, {.freeCount = 1})), 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"a", u"IPF.Note")));
+}
+
+TEST_F(RecoverFoldersTest, ANameOrAClassOutOfBoundsMakesTheBlockNoFolder) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Value(0x3001, 0x1F, 0x803F)})), 0, 0x122);
+  AddNode(0x8062, AddBlock(0x44, HeapBlock({Wide(0x3001, u"a"), Value(0x3613, 0x1F, 0x803F)})), 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), IsEmpty());
+}
+
+TEST_F(RecoverFoldersTest, TheClassEndsTheWalk) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Wide(0x3613, u"IPF.Task"), Wide(0x3001, u"too late")})), 0, 0x122);
+  AddNode(0x8062, AddBlock(0x44, HeapBlock({Wide(0x3001, u"a"), Wide(0x3613, u"IPF.Task"), Wide(0x001A, u"IPM.Note")})),
+          0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"a", u"IPF.Task")));
+}
+
+TEST_F(RecoverFoldersTest, OnlyTheLengthOfTheTreeHeaderIsLookedAt) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042, AddBlock(0x40, HeapBlock({Wide(0x3001, u"a")}, {.marker = 0})), 0, 0x122);
+  AddNode(0x8062, AddBlock(0x44, HeapBlock({Wide(0x3001, u"b")}, {.rootLength = 12})), 0, 0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"a", u"IPF.Note")));
+}
+
+TEST_F(RecoverFoldersTest, TheFirstBlockOfAFolderWinsAndASecondNodeStaysInTheListWithoutProgress) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"new");
+  AddFolder(0x8042, 0x122, u"old");
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"new", u"IPF.Note")));
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
+  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1, 2));
+}
+
+TEST_F(RecoverFoldersTest, ASecondNodeWithoutAParentIsNoSecondFolderAndIsTakenOut) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"Inbox");
+  AddFolder(0x8042, 0, u"Inbox");
+  Folders();
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21));
+}
+
+TEST_F(RecoverFoldersTest, TheTopFolderIsKnownByItsExactNameAndTheLastOneCounts) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8022, 0x122, u"Top of Personal Folders");
+  AddFolder(0x8042, 0x122, u"top of personal folders");
+  Folders();
+  EXPECT_EQ(state_.topFolderNid, 0x8022u);
+}
+
+TEST_F(RecoverFoldersTest, WithoutATopFolderItsIdentifierStaysZero) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"Inbox");
+  Folders();
+  EXPECT_EQ(state_.topFolderNid, 0u);
+}
+
+TEST_F(RecoverFoldersTest, TheNameMapIsReadThoughItsNodeFailsAllTestsOfAFolder) {
+  Bytes bucket;
+  for (int i = 0; i < 2; ++i) {
+    AppendNumber<std::uint32_t>(bucket, 0x8503);
+    AppendNumber<std::uint16_t>(bucket, 0);
+    AppendNumber<std::uint16_t>(bucket, 1);
+  }
+  std::vector<RecordSpec> specs = {Data(2, 0x0102, Bytes(16)), Data(0x1000, 0x0102, bucket)};
+  while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x61, AddBlock(0x40, HeapBlock(specs)), 0, 0);
+  Folders();
+  EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8503u);
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21));
+}
+
+TEST_F(RecoverFoldersTest, TheEncodingIsDetectedOnTheFirstBlockThatShowsOne) {
+  engine_.encodingUnknown = true;
+  AddNode(0x21, AddBlock(0x40, BytesOf("none of the three ways")), 0, 0x22);
+  AddFolder(0x8042, 0x122, u"Inbox");
+  Folders();
+  EXPECT_FALSE(engine_.encodingUnknown);
+  EXPECT_EQ(Recovered().size(), 1u);
+}
+
+TEST_F(RecoverFoldersTest, WhileTheEncodingIsUnknownNoBlockIsReadAsAFolder) {
+  engine_.encodingUnknown = true;
+  engine_.storeKind = StoreKind::kPab;  // no block shows an encoding here
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x122, u"Inbox");
+  Folders();
+  EXPECT_TRUE(engine_.encodingUnknown);
+  EXPECT_THAT(Recovered(), IsEmpty());
+}
+
+TEST_F(RecoverFoldersTest, StageSixThenProgressThenStageSeven) {
+  AddTopAndInbox();
+  Folders();
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> said;
+  for (const auto& message : messages_) said.emplace_back(message.code, message.number);
+  EXPECT_THAT(said, ElementsAre(std::pair(engine::MSG_STAGE, 6), std::pair(engine::MSG_PROGRESS, 1),
+                                std::pair(engine::MSG_PROGRESS, 2), std::pair(engine::MSG_PROGRESS, 3),
+                                std::pair(engine::MSG_STAGE, 7)));
+  EXPECT_EQ(messages_[1].detail, 4u);
+}
+
+TEST_F(RecoverFoldersTest, ManyNodesAreReportedInPercent) {
+  for (std::uint32_t i = 0; i < 300; ++i) AddNode(0x200000 + 4 * i, 0, 0, 0x22);
+  Folders();
+  const auto progress = Numbers(engine::MSG_PROGRESS);
+  ASSERT_EQ(progress.size(), 300u);
+  EXPECT_EQ(progress[0], 0u);
+  EXPECT_EQ(progress[2], 1u);
+  EXPECT_EQ(progress[299], 100u);
+}
+
+TEST_F(RecoverFoldersTest, TheLogTellsWhatComesNext) {
+  run_.log = this;
+  AddTopAndInbox();
+  Folders();
+  EXPECT_EQ(log_, u"\r\n\r\n---------Recovering name of folders and mail items---------\r\nInbox");
+}
+
+TEST_F(RecoverFoldersTest, AStopLeavesTheWalkAtOnce) {
+  AddTopAndInbox();
+  onMessage_ = [this](const engine::RunMessage& message) {
+    if (message.code == engine::MSG_PROGRESS) run_.control.RequestStop();
+  };
+  Settle();
+  EXPECT_THROW(RecoverFolders(state_, engine_, run_), engine::RunStopped);
+  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1));
+  EXPECT_THAT(Numbers(engine::MSG_STAGE), ElementsAre(6));
+}
+
+TEST_F(RecoverFoldersTest, AnEndOfTheRunEndsTheWalk) {
+  AddTopAndInbox();
+  onMessage_ = [this](const engine::RunMessage& message) {
+    if (message.code == engine::MSG_PROGRESS) run_.runEnded = true;
+  };
+  Folders();
+  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1));
+  EXPECT_THAT(Trace("AddFolder"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace velmora::recovery
