@@ -47,6 +47,7 @@ AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& en
       return Result::kLost;
     case PropertyContext::Fault::kSignature:
     case PropertyContext::Fault::kTreeHeader:
+      file_.reset();
       break;
     case PropertyContext::Fault::kNone: {
       const auto names = ReadNames(block, context);
@@ -78,6 +79,7 @@ std::optional<AttachmentReader::Names> AttachmentReader::ReadNames(ByteView bloc
       continue;
     }
 
+    fileName_.clear();
     names.fileName.clear();
     attachmentIsEmbedded_ = false;
     if (!range) return std::nullopt;
@@ -95,7 +97,8 @@ void AttachmentReader::TakeFileName(Names& names, ByteView block, HeapRange rang
     if (!plausible) names.fileName.clear();
   }
 
-  // Is there a name that can be made? Where none is tried, that counts as made.
+  // Is there a name that can be made? Where none is tried, that counts as made. What was open is closed either way.
+  file_.reset();
   const bool isOst = items_.engine.storeKind == engine::StoreKind::kOst;
   const bool tried = !names.fileName.empty() || (!embeddedName_.empty() && isOst);
   if (tried) {
@@ -115,24 +118,26 @@ void AttachmentReader::TakeFileName(Names& names, ByteView block, HeapRange rang
 AttachmentReader::Result AttachmentReader::ReadContent(const SubNodeEntry& entry, ByteView block,
                                                        const PropertyContext& context, const Names& names,
                                                        bool* lineWritten) {
-  const Text& name = names.lastName;
-  std::optional<AttachmentContent> content;
-  if (CanBeFileName(name)) content.emplace();
+  if (!file_) {
+    fileName_ = names.lastName;
+    if (CanBeFileName(fileName_)) file_.emplace();
+  }
 
   if (!attachmentIsEmbedded_ && items_.run.log != nullptr) {
     items_.run.Log(u"\r\n");
     items_.run.Log(u"Attachment File Name: ");
-    items_.run.Log(name);
+    items_.run.Log(names.lastName);
     *lineWritten = true;
   }
 
   const bool nameWasLast =
       names.lastId == kMimeSequenceId || names.lastId == kLongFileNameId || names.lastId == kShortFileNameId;
-  if (content && nameWasLast) {
-    if (const auto result = WriteAttachmentData(block, context, *content, name)) return *result;
+  if (file_ && nameWasLast) {
+    if (const auto result = WriteAttachmentData(block, context)) return *result;
   }
-  if (entry.bidSub == 0) return Result::kLost;
-  return ReadAttachmentSubNode(entry, content, name);
+  const Result result = entry.bidSub == 0 ? Result::kLost : ReadAttachmentSubNode(entry);
+  file_.reset();
+  return result;
 }
 
 void AttachmentReader::NameLastRecord(bool lineWritten) {
@@ -145,14 +150,12 @@ void AttachmentReader::NameLastRecord(bool lineWritten) {
 }
 
 std::optional<AttachmentReader::Result> AttachmentReader::WriteAttachmentData(ByteView block,
-                                                                              const PropertyContext& context,
-                                                                              AttachmentContent& content,
-                                                                              text::TextView name) {
+                                                                              const PropertyContext& context) {
   std::optional<PropertyRecord> data;
   for (std::uint32_t index = 0; index < context.Count() && !data; ++index) {
     if (context.Record(index).id == kAttachmentDataId) data = context.Record(index);
   }
-  if (!data) return Result::kLost;
+  if (!data) return Result::kLost;  // the file stays open
 
   // The value of a content in a sub-node leads far behind the block: the sub-node is tried then.
   const auto range = ReadHeapRange(block, HeapPosition(context.Header().ibHnpm, data->value));
@@ -160,10 +163,16 @@ std::optional<AttachmentReader::Result> AttachmentReader::WriteAttachmentData(By
   ByteView bytes = range->In(block);
   // Of a text as many bytes are written as it has characters.
   if (data->type == kTypeUnicode) bytes = bytes.Slice(0, WideText(bytes).size());
-  if (!items_.state.allowance.TakeBytes(bytes.Size())) return Result::kLost;
-  content.Append(bytes.Bytes());
-  if (content.Failed()) return Result::kLost;
-  items_.message.Item(ItemKind::kMail)->Attachments()->Add(content, name);
+  const bool allowed = items_.state.allowance.TakeBytes(bytes.Size());
+  if (allowed) file_->Append(bytes.Bytes());
+  const Result result = allowed ? AttachFile() : Result::kLost;
+  file_.reset();
+  return result;
+}
+
+AttachmentReader::Result AttachmentReader::AttachFile() {
+  if (!file_ || file_->Failed() || fileName_.empty()) return Result::kLost;
+  items_.message.Item(ItemKind::kMail)->Attachments()->Add(*file_, fileName_);
   ++items_.state.report.attachments;
   return Result::kTaken;
 }

@@ -41,10 +41,9 @@ class AttachmentReader {
                      const Names& names, bool* lineWritten);
   void NameLastRecord(bool lineWritten);
 
-  std::optional<Result> WriteAttachmentData(engine::ByteView block, const PropertyContext& context,
-                                            AttachmentContent& content, text::TextView name);
-  Result ReadAttachmentSubNode(const SubNodeEntry& entry, std::optional<AttachmentContent>& content,
-                               text::TextView name);
+  std::optional<Result> WriteAttachmentData(engine::ByteView block, const PropertyContext& context);
+  Result ReadAttachmentSubNode(const SubNodeEntry& entry);
+  Result AttachFile();
   void ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content);
   bool QueueEmbedded(const SubNodeEntry& entry, engine::ByteView block);
 
@@ -52,6 +51,12 @@ class AttachmentReader {
 
   ItemRun& items_;
   bool attachmentIsEmbedded_ = false;
+
+  /// The file under work, and the name it was made under. An attachment that has names and no data leaves it open,
+  /// and the next one that brings no name of its own fills it.
+  std::optional<AttachmentContent> file_;
+  text::Text fileName_;
+
   text::Text embeddedName_;
   bool attachmentAdded_ = false;
 };

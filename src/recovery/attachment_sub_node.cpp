@@ -26,9 +26,7 @@ bool IsOwnAncestor(const ItemRun& items, const ItemWorkRecord& record) {
 
 }  // namespace
 
-AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry,
-                                                                 std::optional<AttachmentContent>& content,
-                                                                 text::TextView name) {
+AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry) {
   auto record = items_.blocks.FindBlockOrLower(entry.bidSub);
   if (!record && entry.bidSub == kWanderingBid) record = items_.blocks.FindBlock(kLastTriedBid);
   if (!record) return Result::kLost;
@@ -36,25 +34,26 @@ AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEn
   if (!bytes) return Result::kLost;
 
   const ByteView block(*bytes);
-  if (block.U16(0) != kExtendedBlock && attachmentIsEmbedded_) {
+  const bool isMessage = block.U16(0) != kExtendedBlock && attachmentIsEmbedded_;
+  Result result = Result::kLost;
+  if (isMessage) {
     // Its content is a message of its own: nothing is attached here.
-    const bool queued = QueueEmbedded(entry, block);
-    attachmentAdded_ = true;
-    return queued ? Result::kTaken : Result::kLost;
+    if (QueueEmbedded(entry, block)) result = Result::kTaken;
+    file_.reset();
+  } else if (file_) {
+    ReadDataBlocks(*record, *file_);
   }
-
-  if (content) ReadDataBlocks(*record, *content);
   attachmentAdded_ = true;
-  if (!content || content->Failed()) return Result::kLost;
-  if (items_.message.IsKind(ItemKind::kContact)) {
-    const auto& contact = items_.message.Item(ItemKind::kContact);
-    contact->AddPicture(*content);
-    contact->Save();
-  } else {
-    items_.message.Item(ItemKind::kMail)->Attachments()->Add(*content, name);
+
+  if (!items_.message.IsKind(ItemKind::kContact)) return isMessage ? result : AttachFile();
+  const auto& contact = items_.message.Item(ItemKind::kContact);
+  if (file_ && !file_->Failed()) {
+    contact->AddPicture(*file_);
+    ++items_.state.report.attachments;
+    result = Result::kTaken;
   }
-  ++items_.state.report.attachments;
-  return Result::kTaken;
+  contact->Save();
+  return result;
 }
 
 void AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content) {

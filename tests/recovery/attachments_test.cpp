@@ -221,6 +221,39 @@ TEST_F(AttachmentsTest, AnAttachmentWithoutDataIsLostEvenIfItHasSubNodes) {
   EXPECT_EQ(state_.report.lost.size(), 1u);
 }
 
+TEST_F(AttachmentsTest, AFileLeftOpenForWantOfDataIsFilledByTheNextAttachmentThatBringsNoName) {
+  AddMail({Attachment(0x8025, {Wide(0x3704, u"first")}),
+           Attachment(0x8045, {Data(0x3701, 0x0102, BytesOf("xyz")), Wide(0x3707, u"not looked at")}),
+           Attachment(0x8065, {Data(0x3701, 0x0102, BytesOf("lost")), Wide(0x3707, u"nor this")})});
+  Recover();
+  EXPECT_THAT(Attached(), ElementsAre("first:3"));
+}
+
+TEST_F(AttachmentsTest, AFileLeftOpenTakesAContentInSubNodesToo) {
+  AddMail({Attachment(0x8025, {Wide(0x3704, u"first")}),
+           Attachment(0x8045, {Value(0x3701, 0x0102, 0x803F), Value(0x3714, 3, 0)}, Behind(BytesOf("sub")))});
+  Recover();
+  EXPECT_THAT(Attached(), ElementsAre("first:3"));
+}
+
+TEST_F(AttachmentsTest, AFileLeftOpenIsClosedByANameOrByABlockThatIsNoAttachment) {
+  AddMail({Attachment(0x8025, {Wide(0x3704, u"first")}),
+           Small(0x8045, u"second", "x"),
+           Attachment(0x8065, {Data(0x3701, 0x0102, BytesOf("lost")), Wide(0x3707, u"n")}),
+           Attachment(0x8085, {Wide(0x3704, u"third")}),
+           {0x692, AddBlock(NewBid(), BytesOf("no heap")), 0},
+           Attachment(0x80A5, {Data(0x3701, 0x0102, BytesOf("lost")), Wide(0x3707, u"n")})});
+  Recover();
+  EXPECT_THAT(Attached(), ElementsAre("second:1"));
+}
+
+TEST_F(AttachmentsTest, AFileLeftOpenEndsWithItsMessage) {
+  AddMail({Attachment(0x8025, {Wide(0x3704, u"first")})});
+  AddMail({Attachment(0x8025, {Data(0x3701, 0x0102, BytesOf("lost")), Wide(0x3707, u"n")})});
+  Recover();
+  EXPECT_THAT(Attached(), IsEmpty());
+}
+
 TEST_F(AttachmentsTest, OfATextAsManyBytesAreWrittenAsItHasCharacters) {
   AddMail({Attachment(0x8025, {Wide(0x3701, u"12345678"), Wide(0x3704, u"a")})});
   Recover();
@@ -281,6 +314,16 @@ TEST_F(AttachmentsTest, APictureOfAContactGoesToTheContactOfAMessageThatIsBothAM
   Recover();
   EXPECT_EQ(Trace("AddPicture").size(), 1u);
   EXPECT_THAT(Attached(), IsEmpty());
+}
+
+TEST_F(AttachmentsTest, AContactThatIsAMailTooIsSavedAgainForAnAttachmentWithoutContent) {
+  AddMessage({Wide(0x001A, u"IPM.Contact"), Wide(0x001A, u"IPM.Note")},
+             AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0},
+                                              Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Value(0x3714, 3, 0)},
+                                                         Behind(BytesOf("nameless")))})));
+  Recover();
+  EXPECT_THAT(Trace("AddPicture"), IsEmpty());
+  EXPECT_EQ(Trace("Save").size(), 3u) << "the contact twice, the mail once";
 }
 
 }  // namespace
