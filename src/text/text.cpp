@@ -28,6 +28,19 @@ void AppendUtf16(Text& out, char32_t c) {
   }
 }
 
+/// The text with each code point replaced by what `map` gives for it.
+template <class Map>
+Text Mapped(TextView text, Map map) {
+  Text out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) {
+    UChar32 c = 0;
+    U16_NEXT(text.data(), i, text.size(), c);
+    AppendUtf16(out, static_cast<char32_t>(map(c)));
+  }
+  return out;
+}
+
 /// Calls `valid` for each code point and `invalid` for each byte that is not part of a valid sequence.
 template <class Valid, class Invalid>
 void ForEachUtf8(std::string_view bytes, Valid valid, Invalid invalid) {
@@ -101,14 +114,11 @@ std::string ToFileName(TextView text) {
 }
 
 Text CaseFolded(TextView text) {
-  Text out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    UChar32 c = 0;
-    U16_NEXT(text.data(), i, text.size(), c);
-    AppendUtf16(out, static_cast<char32_t>(u_foldCase(c, U_FOLD_CASE_DEFAULT)));
-  }
-  return out;
+  return Mapped(text, [](UChar32 c) { return u_foldCase(c, U_FOLD_CASE_DEFAULT); });
+}
+
+Text UpperCased(TextView text) {
+  return Mapped(text, [](UChar32 c) { return u_toupper(c); });
 }
 
 bool EqualIgnoringCase(TextView a, TextView b) { return CaseFolded(a) == CaseFolded(b); }

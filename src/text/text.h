@@ -26,6 +26,9 @@ std::string ToFileName(TextView text);
 /// Equality without regard to case (simple case folding of the Unicode standard, no locale).
 bool EqualIgnoringCase(TextView a, TextView b);
 
+/// The text in capitals (simple case mapping of the Unicode standard, no locale): as many code points as before.
+Text UpperCased(TextView text);
+
 /// The form of a text under which texts equal without regard to case are identical; a key for maps.
 Text CaseFolded(TextView text);
 

@@ -28,5 +28,10 @@ TEST(Text, ComparesWithoutRegardToCaseBeyondAscii) {
   EXPECT_FALSE(EqualIgnoringCase(u"sent", u"sent items"));
 }
 
+TEST(Text, GoesToCapitalsCodePointByCodePoint) {
+  EXPECT_EQ(UpperCased(u"Re: gr\u00fc\u00dfe \u043f\u0440\u0438 \U00010428 \u4f60"),
+            u"RE: GR\u00dc\u00dfE \u041f\u0420\u0418 \U00010400 \u4f60");
+}
+
 }  // namespace
 }  // namespace velmora::text
