@@ -71,17 +71,29 @@ Result<void> BlockFile::Refer(std::span<const Bid> bids) {
 }
 
 Result<void> BlockFile::Release(Bid bid) {
-  if (bid == 0 || table_.DropReference(bid) > 0) return {};
+  if (bid == 0 || table_.DropReference(bid) > 0 || holds_.contains(bid)) return {};
   return Free(bid);
 }
 
 Result<void> BlockFile::Discard(Bid bid) {
   const std::optional<BlockTable::Block> block = table_.Find(bid);
-  if (!block || block->references > 0) return {};
+  if (!block || block->references > 0 || holds_.contains(bid)) return {};
   return Free(bid);
 }
 
+void BlockFile::Hold(Bid bid) {
+  if (bid != 0) ++holds_[bid];
+}
+
+Result<void> BlockFile::LetGo(Bid bid) {
+  const auto held = holds_.find(bid);
+  if (held == holds_.end() || --held->second > 0) return {};
+  holds_.erase(held);
+  return Discard(bid);
+}
+
 Result<void> BlockFile::DiscardUnreferenced() {
+  holds_.clear();
   std::vector<Bid> loose;
   table_.ForEach([&loose](Bid bid, const BlockTable::Block& block) {
     if (block.references == 0) loose.push_back(bid);
@@ -102,7 +114,7 @@ Result<void> BlockFile::Free(Bid root) {
     if (IsInternal(bid)) {
       if (auto read = Kept(Read(bid, content)); !read) return read;
       ForEachReference(content, [&](Bid child) {
-        if (table_.DropReference(child) == 0) unreferenced.push_back(child);
+        if (table_.DropReference(child) == 0 && !holds_.contains(child)) unreferenced.push_back(child);
       });
     }
     const BlockTable::Block block = *table_.Find(bid);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "output/pst/ndb/allocation_map.h"
@@ -43,7 +44,11 @@ class BlockFile {
   /// Frees a block that nothing refers to, and what only it refers to.
   Result<void> Discard(Bid bid);
 
-  /// Discards every block that nothing refers to.
+  /// Keeps a block, though nothing refers to it, until it was let go as often as it was held. 0 names none.
+  void Hold(Bid bid);
+  Result<void> LetGo(Bid bid);
+
+  /// Discards every block that nothing refers to, held or not.
   Result<void> DiscardUnreferenced();
 
   /// Gives a new page its place and id and writes it.
@@ -89,6 +94,7 @@ class BlockFile {
   CryptMethod cryptMethod_;
   AllocationMap map_;
   BlockTable table_;
+  std::unordered_map<Bid, std::uint32_t> holds_;
   WriteWindow window_;
   Bid bidNextP_ = 1;
   Bid firstUncommitted_ = 0;  ///< blocks from this id on are in no commit

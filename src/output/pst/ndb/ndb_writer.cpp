@@ -93,6 +93,18 @@ Result<void> NdbWriter::Discard(const NodeTrees& trees) {
   return blocks_.Discard(trees.bidSub);
 }
 
+void NdbWriter::Hold(const NodeTrees& trees) {
+  blocks_.Hold(trees.bidData);
+  blocks_.Hold(trees.bidSub);
+}
+
+void NdbWriter::LetGo(const NodeTrees& trees) {
+  if (!blocks_.Usable()) return;
+  // A failure to free stops the writing, so the next change tells of it.
+  (void)blocks_.LetGo(trees.bidData);
+  (void)blocks_.LetGo(trees.bidSub);
+}
+
 Result<DataTree> NdbWriter::WriteData(std::span<const std::byte> bytes) {
   if (bytes.empty()) return DataTree{};
   if (bytes.size() > kMaxBlockData) {

@@ -58,6 +58,11 @@ class NdbWriter : public BlockSource {
   /// Frees a written tree that nothing refers to; one that is referred to stays as it is.
   Result<void> Discard(const NodeTrees& trees);
 
+  /// Keeps a tree, though nothing may refer to it, until it is let go as often as it was held; it is freed
+  /// then if nothing refers to it. What is held when the store is sealed is not kept.
+  void Hold(const NodeTrees& trees);
+  void LetGo(const NodeTrees& trees);
+
   // -- values
 
   /// Writes a value of any size up to DataTreeWriter::kMaxSize in one step; no bytes give an empty tree.

@@ -178,6 +178,49 @@ TEST_F(NdbWriters, LeaveATreeThatIsReferredToWhenItIsDiscarded) {
   EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(20000));
 }
 
+TEST_F(NdbWriters, KeepAHeldTreeUntilItIsLetGoAsOftenAsItWasHeld) {
+  const std::size_t blocks = ndb_->BlockCount();
+  const NodeTrees trees = Data(20000);
+  ndb_->Hold(trees);
+  ndb_->Hold(trees);
+  ASSERT_TRUE(ndb_->SetNode(0x21, trees, 0));
+  ASSERT_TRUE(ndb_->RemoveNode(0x21));
+  ASSERT_TRUE(ndb_->Discard(trees));
+  ndb_->LetGo(trees);
+  ASSERT_TRUE(ndb_->SetNode(0x41, trees, 0));
+  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000));
+  ndb_->LetGo(trees);
+  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000)) << "a node refers to it";
+  ASSERT_TRUE(ndb_->RemoveNode(0x41));
+  EXPECT_EQ(ndb_->BlockCount(), blocks);
+}
+
+TEST_F(NdbWriters, KeepAHeldTreeBelowASubNodeThatIsFreed) {
+  const std::size_t blocks = ndb_->BlockCount();
+  const NodeTrees trees = Data(20000);
+  ndb_->Hold(trees);
+  SubnodeTreeWriter subnodes(*ndb_);
+  subnodes.Add(0x803F, {trees, 20000});
+  ASSERT_TRUE(ndb_->SetNode(0x21, {Data(5).bidData, subnodes.Finish()->bid}, 0));
+  ASSERT_TRUE(ndb_->RemoveNode(0x21));
+  ASSERT_TRUE(ndb_->SetNode(0x41, trees, 0));
+  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000));
+  ASSERT_TRUE(ndb_->RemoveNode(0x41));
+  ndb_->LetGo(trees);
+  EXPECT_EQ(ndb_->BlockCount(), blocks);
+}
+
+TEST_F(NdbWriters, DropHeldTreesThatNothingRefersToWhenTheStoreIsSealed) {
+  ASSERT_TRUE(ndb_->SetNode(0x21, Data(10), 0));
+  const std::size_t blocks = ndb_->BlockCount();
+  const NodeTrees trees = Data(20000);
+  ndb_->Hold(trees);
+  ASSERT_TRUE(ndb_->Seal());
+  EXPECT_EQ(ndb_->BlockCount(), blocks);
+  ndb_->LetGo(trees);
+  EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(10));
+}
+
 TEST_F(NdbWriters, RefuseChangesAfterSealAndSealAgain) {
   ASSERT_TRUE(ndb_->SetNode(0x21, Data(10), 0));
   ASSERT_TRUE(ndb_->Seal());
