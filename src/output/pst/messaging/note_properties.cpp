@@ -1,0 +1,35 @@
+// Sticky notes: their colour, and the first line of the text as their title.
+#include "output/pst/messaging/item_properties.h"
+#include "output/pst/messaging/named_properties.h"
+#include "output/pst/messaging/property_tags.h"
+#include "output/pst/messaging/stored_text.h"
+#include "output/pst/messaging/subject.h"
+
+namespace velmora::messaging {
+namespace {
+
+using output::Field;
+
+constexpr ltp::PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, ltp::PropType::kInteger32);
+
+constexpr std::int32_t kIconOfFirstColor = 0x300;
+constexpr std::int32_t kYellow = 3;
+constexpr std::int32_t kLastColor = 4;
+constexpr std::int32_t kNoteSideEffects = 0x110;
+
+}  // namespace
+
+void CompleteNote(const ItemFields& fields, PropertyBag& bag) {
+  if (!bag.Has(tag::kSubject)) {
+    const text::TextView body = Trimmed(fields.Text(Field::Body));
+    const StoredSubject subject = StoreSubject(body.substr(0, body.find_first_of(u"\r\n")));
+    bag.PutText(tag::kSubject, subject.stored);
+    if (!bag.Has(tag::kConversationTopic)) bag.PutText(tag::kConversationTopic, subject.normalized);
+  }
+  std::int32_t color = fields.Number(Field::Color).value_or(kYellow);
+  if (color < 0 || color > kLastColor) color = kYellow;
+  bag.PutInteger32(tag::kIconIndex, kIconOfFirstColor + color);
+  bag.PutInteger32(kSideEffects, kNoteSideEffects);
+}
+
+}  // namespace velmora::messaging

@@ -1,0 +1,97 @@
+// A new store: creation, folders, items, commits and sealing.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "output/pst/messaging/attachments.h"
+#include "output/pst/messaging/message_writer.h"
+#include "output/pst/messaging/row_spool.h"
+#include "output/pst/messaging/store.h"
+#include "output/pst/messaging/store_skeleton.h"
+#include "output/pst/messaging/uid_source.h"
+#include "platform/file.h"
+#include "text/code_page.h"
+
+namespace velmora::messaging {
+
+struct StoreOptions {
+  std::optional<std::int64_t> sourceDateEpoch;           ///< seconds since 1970: the store's only time, and its seed
+  text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
+};
+
+/// What was written is committed at creation, at distances that grow with the store, and by Seal; a process
+/// that dies leaves the last commit. After a failure of the file every further change raises it again, and
+/// what was committed stays.
+class StoreWriter : public Store {
+ public:
+  /// Writes an empty store into `file`, which must be empty, and commits it.
+  static std::shared_ptr<StoreWriter> Create(std::unique_ptr<platform::ByteStore> file, text::TextView displayName,
+                                             const StoreOptions& options);
+
+  /// Seals what was not sealed; a failure is lost, so a caller who wants to know calls Seal before.
+  ~StoreWriter() override;
+
+  const ndb::BlockSource& Source() const override { return *ndb_; }
+  StoreWriter& Writer() override { return *this; }
+  const ItemRows& ItemsOf(Folder& folder) override { return folder.items; }
+
+  /// Adds a folder. E_INVALIDARG for an empty name, MAPI_E_COLLISION for one that is there.
+  Folder& AddFolder(Folder& parent, text::TextView name, text::TextView containerClass);
+
+  void SetDefaultFolder(output::DefaultFolder kind, Folder& folder);
+  void SetContainerClass(Folder& folder, text::TextView containerClass);
+
+  /// A search key and the time of creation for an item that was never saved.
+  void Identify(ItemState& item);
+
+  /// Writes an item into its folder: as a new one when `nid` is 0, else in place of the one of that id.
+  /// Returns its id.
+  ndb::Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, ndb::Nid nid);
+
+  void Delete(Folder& folder, ndb::Nid nid);
+
+  /// Writes a content, or a copy of an item as it stands now, for an attachment.
+  Attachment Attach(const output::ContentSource& content, text::TextView name);
+  Attachment Attach(const ItemState& item, const std::vector<Attachment>& attachments, text::TextView name);
+
+  /// The attachments of a saved item.
+  std::vector<Attachment> ReadAttachments(ltp::PropertyContext& message) {
+    return messaging::ReadAttachments(*ndb_, message);
+  }
+
+  /// Commits, and makes the store what a cleanly closed one is. Every later change raises E_FAIL; reading
+  /// goes on.
+  void Seal();
+
+ private:
+  StoreWriter(std::unique_ptr<platform::ByteStore> file, text::TextView displayName, const StoreOptions& options);
+
+  template <class Step>
+  decltype(auto) Change(Step step);
+  void CommitNowAndThen();
+  void WriteChanges();
+  void MarkChanged(Folder& folder, bool Folder::*what);
+  FileTime Now() const;
+
+  std::unique_ptr<platform::ByteStore> file_;
+  std::unique_ptr<ndb::NdbWriter> ndb_;
+  StoreOptions options_;
+  StoreIdentity identity_;
+  UidSource uids_;
+  MessageWriter messages_;
+  RowSpool rows_;
+  Folder* root_ = nullptr;
+  Folder* searchRoot_ = nullptr;
+  bool messageStoreChanged_ = true;
+  std::vector<Folder*> changedFolders_;
+  std::size_t changes_ = 0;          ///< since creation
+  std::size_t changesToCommit_ = 0;  ///< their number at which the next commit is due
+  std::uint64_t sizeToCommit_ = 0;   ///< file size at which the next commit is due at the latest
+  std::optional<output::OutputFailure> failure_;
+  bool sealed_ = false;
+};
+
+}  // namespace velmora::messaging
