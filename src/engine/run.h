@@ -27,7 +27,7 @@ struct RunMessage {
   std::uint32_t code = 0;
   std::uint32_t number = 0;
   std::uint32_t detail = 0;
-  text::Text text;
+  text::Text text = {};
 
   friend bool operator==(const RunMessage&, const RunMessage&) = default;
 };

@@ -1,0 +1,28 @@
+// What the panes tell each other, and what the frame tells them. The messages of a run are in engine/run.h.
+#pragma once
+
+#include <functional>
+
+#include "engine/run.h"
+
+namespace velmora::workflow {
+
+enum PaneMessage : std::uint32_t {
+  kSwapPaneMessage = 32786,        ///< number: 0 the grid, 1 the list
+  kCountFolderMessage = 32817,     ///< number: folder id; text: its name
+  kRenewSelectionMessage = 32818,  ///< selects the current folder anew, without listing it
+  kWriteSummaryMessage = 32819,    ///< during a run, while its session is open
+  kListFolderMessage = 32834,      ///< text: path of the folder
+  kFillContactsMessage = 32836,    ///< this and the other fills: text is the path of the folder
+  kClearGridMessage = 32837,
+  kFillTasksMessage = 32838,
+  kFillCalendarMessage = 32839,
+  kFillNotesMessage = 32840,
+  kFillJournalMessage = 32841,
+  kShowBodyMessage = 32848,  ///< number: 38 for a row up, 40 for a row down, 0 for the row itself; text: folder path
+};
+
+/// Brings a message to the pane that it is meant for. Called in the thread of the windows.
+using SendToPane = std::function<void(const engine::RunMessage&)>;
+
+}  // namespace velmora::workflow

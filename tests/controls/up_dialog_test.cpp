@@ -1,0 +1,159 @@
+#include "controls/up_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+#include <atomic>
+
+namespace velmora::controls {
+namespace {
+
+using Link = CUPDialog::Link;
+
+/// Has something called while the function goes on. To be called by the function.
+template <class Call>
+void Meanwhile(const Link& link, QObject* context, Call call) {
+  link.Call([context, call] { QTimer::singleShot(0, context, call); });
+}
+
+void WaitUntil(const std::function<bool()>& condition) {
+  for (int i = 0; i < 5000 && !condition(); ++i) QThread::msleep(1);
+}
+
+TEST(UPDialogTest, EndsWithTheResultOfTheFunction) {
+  EXPECT_EQ(CUPDialog(nullptr, "Caption", [](const Link&) { return true; }).Run(), 1);
+  EXPECT_EQ(CUPDialog(nullptr, "Caption", [](const Link&) { return false; }).Run(), 2);
+}
+
+TEST(UPDialogTest, TheFunctionRunsOnAThreadOfItsOwn) {
+  QThread* thread = QThread::currentThread();
+  CUPDialog(nullptr, "Caption", [&](const Link&) {
+    thread = QThread::currentThread();
+    return true;
+  }).Run();
+  EXPECT_NE(thread, QThread::currentThread());
+}
+
+TEST(UPDialogTest, ShowsWhatTheFunctionSends) {
+  QString text, percent;
+  int position = -1;
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    link.Send(CUPDialog::kTextMessage, 0, "Loading...");
+    link.Send(CUPDialog::kPositionMessage, 42);
+    link.Send(CUPDialog::kPercentMessage, 0, "42%");
+    return link.Call([&] {
+      text = dialog.findChild<QLabel*>("1026")->text();
+      percent = dialog.findChild<QLabel*>("1061")->text();
+      position = dialog.findChild<QProgressBar*>("1018")->value();
+    });
+  });
+  EXPECT_EQ(dialog.Run(), 1);
+  EXPECT_EQ(text, "Loading...");
+  EXPECT_EQ(percent, "42%");
+  EXPECT_EQ(position, 42);
+  EXPECT_EQ(dialog.windowTitle(), "Caption");
+}
+
+TEST(UPDialogTest, EndMessageEndsTheDialogWithItsNumber) {
+  CUPDialog dialog(nullptr, "Caption", [](const Link& link) {
+    link.Send(CUPDialog::kEndMessage, 77);
+    return true;
+  });
+  EXPECT_EQ(dialog.Run(), 77);
+}
+
+TEST(UPDialogTest, LockLeavesNoWayOut) {
+  bool enabled = true;
+  bool up = false;
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    link.Send(CUPDialog::kLockMessage, 0);
+    link.Call([&] {
+      enabled = dialog.findChild<QPushButton*>("2")->isEnabled();
+      dialog.close();
+      dialog.reject();
+      up = dialog.isVisible();
+    });
+    return !link.IsCancelled();
+  });
+  EXPECT_EQ(dialog.Run(), 1);
+  EXPECT_FALSE(enabled);
+  EXPECT_TRUE(up);
+}
+
+TEST(UPDialogTest, CancelWaitsForAFunctionThatHeedsIt) {
+  std::atomic<bool> ended{false};
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    Meanwhile(link, &dialog, [&] { QTest::mouseClick(dialog.findChild<QPushButton*>("2"), Qt::LeftButton); });
+    WaitUntil([&] { return link.IsCancelled(); });
+    ended = true;
+    return true;
+  });
+  EXPECT_EQ(dialog.Run(), 0x10002);
+  EXPECT_TRUE(ended);
+  EXPECT_EQ(dialog.findChild<QLabel*>("1026")->text(), "Closing...");
+}
+
+TEST(UPDialogTest, TheCloseBoxAndEscapeCancelToo) {
+  for (const bool escape : {true, false}) {
+    CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+      Meanwhile(link, &dialog, [&] { escape ? QTest::keyClick(&dialog, Qt::Key_Escape) : void(dialog.close()); });
+      WaitUntil([&] { return link.IsCancelled(); });
+      return true;
+    });
+    EXPECT_EQ(dialog.Run(), 0x10002);
+  }
+}
+
+TEST(UPDialogTest, ACancelReachesAFunctionThatWaitsForTheWindows) {
+  bool called = false, delivered = true;
+  CUPDialog* shown = nullptr;
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    link.Call([&] { shown->reject(); });  // the function waits for this very call
+    delivered = link.Call([&] { called = true; });
+    return true;
+  });
+  shown = &dialog;
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_EQ(dialog.Run(), 0x10002);
+  EXPECT_FALSE(delivered);
+  EXPECT_FALSE(called);
+  EXPECT_LT(timer.elapsed(), 450);
+}
+
+TEST(UPDialogTest, AFunctionThatDoesNotHeedACancelIsLeftToItself) {
+  struct Left {
+    std::atomic<bool> go{false}, ended{false}, called{false};
+  };
+  auto left = std::make_shared<Left>();
+  QElapsedTimer timer;
+  {
+    CUPDialog* shown = nullptr;
+    CUPDialog dialog(nullptr, "Caption", [left, &shown](const Link& link) {
+      Meanwhile(link, shown, [&shown] { shown->reject(); });
+      WaitUntil([&] { return left->go.load(); });
+      link.Call([left] { left->called = true; });
+      left->ended = true;
+      return true;
+    });
+    shown = &dialog;
+    timer.start();
+    EXPECT_EQ(dialog.Run(), 0x10002);
+  }
+  EXPECT_GE(timer.elapsed(), 1000) << "it is waited for twice";
+  EXPECT_LT(timer.elapsed(), 3000);
+  left->go = true;
+  WaitUntil([&] { return left->ended.load(); });
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(left->ended);
+  EXPECT_FALSE(left->called) << "nothing of it reaches the windows any more";
+}
+
+}  // namespace
+}  // namespace velmora::controls

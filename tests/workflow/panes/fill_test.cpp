@@ -1,0 +1,269 @@
+#include "workflow/panes/fill.h"
+
+#include <span>
+#include <string>
+
+#include "output/ole_date.h"
+#include "workflow/panes/listed_rows.h"
+#include "workflow/panes/store_fixture.h"
+#include "workflow/qt_text.h"
+
+namespace velmora::workflow {
+namespace {
+
+using output::Field;
+using output::FieldType;
+using output::FieldValue;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+struct Recorder : FillTarget {
+  bool IsCancelled() const override {
+    return cancelAfter == 0 || (cancelAfter > 0 && int(percents.size()) >= cancelAfter);
+  }
+  void ShowPercent(int percent) override { percents.push_back(percent); }
+  void Add(std::vector<Category> portion) override {
+    for (Category& category : portion) categories.push_back(std::move(category));
+  }
+  std::vector<int> percents;
+  std::vector<Category> categories;
+  int cancelAfter = -1;
+};
+
+struct KindCase {
+  PaneMessage message;
+  const char16_t* folderClass;
+  const char16_t* messageClass;
+  std::span<const ListedRow> listed;
+};
+
+const KindCase kKindCases[] = {
+    {kFillContactsMessage, u"IPF.Contact", u"IPM.Contact", kListedContactRows},
+    {kFillTasksMessage, u"IPF.Task", u"IPM.Task", kListedTaskRows},
+    {kFillCalendarMessage, u"IPF.Appointment", u"IPM.Appointment", kListedCalendarRows},
+    {kFillJournalMessage, u"IPF.Journal", u"IPM.Activity", kListedJournalRows},
+    {kFillNotesMessage, u"IPF.StickyNote", u"IPM.StickyNote", kListedNoteRows},
+};
+
+/// The field that an item of that class reads by an operation of that name.
+Field FieldOf(std::string_view operation, text::TextView messageClass) {
+  for (const output::FieldInfo& info : output::kFields) {
+    const bool answers =
+        info.interface == output::ItemInterface::RDOMail || info.interface == output::TypedInterfaceOf(messageClass);
+    if (answers && info.name == operation) return info.field;
+  }
+  ADD_FAILURE() << "no operation " << operation;
+  return Field::Subject;
+}
+
+/// A value that makes a row, and what the row says.
+struct Sample {
+  FieldValue value;
+  std::string shown;
+};
+
+Sample SampleOf(const ListedRow& row) {
+  if (row.form == "text")
+    return {text::FromUtf8("Value of " + std::string(row.operation)), "Value of " + std::string(row.operation)};
+  if (row.form == "flag") return {true, "Yes"};
+  if (row.form == "number") return {std::int32_t{70}, "70"};
+  if (row.form == "date") return {output::OleDateOf(40667 * output::kSecondsPerDay), "5/4/2011"};
+  if (row.form == "time") return {output::OleDateOf(40667 * output::kSecondsPerDay + 3723), "1:2:3:0"};
+  if (row.form == "sensitivity word") return {std::int32_t{2}, "Private"};
+  if (row.form == "importance word") return {std::int32_t{2}, "High"};
+  if (row.form == "status word") return {std::int32_t{3}, "Task Waiting"};
+  if (row.form == "note colour words") return {std::int32_t{4}, "Blue"};  // the item has no importance
+  ADD_FAILURE() << "no form " << row.form;
+  return {};
+}
+
+class FillTest : public StoreFixture {
+ protected:
+  Recorder Run(PaneMessage message, text::TextView folder = u"Folder") {
+    Recorder recorder;
+    FillFolder(*finished_, PathOf(folder), *FillKindOf(message), recorder);
+    return recorder;
+  }
+};
+
+class FillOfKindTest : public FillTest, public testing::WithParamInterface<KindCase> {};
+
+TEST_P(FillOfKindTest, AnItemWithEveryFieldHasEveryRowInItsOrder) {
+  const KindCase& kind = GetParam();
+  const auto folder = AddFolder(u"Folder", kind.folderClass);
+  FieldValues fields;
+  for (const ListedRow& row : kind.listed)
+    fields.emplace_back(FieldOf(row.operation, kind.messageClass), SampleOf(row).value);
+  AddItem(folder, kind.messageClass, fields);
+
+  const Recorder filled = Run(kind.message);
+  ASSERT_THAT(filled.categories, SizeIs(1));
+  const std::vector<FilledRow>& rows = filled.categories[0].rows;
+  ASSERT_EQ(rows.size(), kind.listed.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(text::ToUtf8(rows[i].row->label), kind.listed[i].label);
+    EXPECT_EQ(rows[i].value.toStdString(), SampleOf(kind.listed[i]).shown) << kind.listed[i].label;
+  }
+}
+
+TEST_P(FillOfKindTest, EachFieldAloneMakesItsRowAlone) {
+  const KindCase& kind = GetParam();
+  const auto folder = AddFolder(u"Folder", kind.folderClass);
+  for (const ListedRow& row : kind.listed) {
+    AddItem(folder, kind.messageClass, {{FieldOf(row.operation, kind.messageClass), SampleOf(row).value}});
+  }
+
+  const Recorder filled = Run(kind.message);
+  ASSERT_EQ(filled.categories.size(), kind.listed.size());
+  for (std::size_t i = 0; i < kind.listed.size(); ++i) {
+    const std::vector<FilledRow>& rows = filled.categories[i].rows;
+    ASSERT_THAT(rows, SizeIs(1)) << kind.listed[i].label;
+    EXPECT_EQ(text::ToUtf8(rows[0].row->label), kind.listed[i].label);
+    EXPECT_EQ(rows[0].value.toStdString(), SampleOf(kind.listed[i]).shown);
+  }
+}
+
+TEST_P(FillOfKindTest, AnItemOfAnotherKindEndsTheFill) {
+  const KindCase& kind = GetParam();
+  const auto folder = AddFolder(u"Folder", kind.folderClass);
+  AddItem(folder, kind.messageClass);
+  AddItem(folder, u"IPM.Note", {{Field::Subject, u"A mail"}});
+  AddItem(folder, kind.messageClass);
+  EXPECT_THAT(Run(kind.message).categories, SizeIs(1)) << "what came before stays";
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FillOfKindTest, testing::ValuesIn(kKindCases), [](const auto& param) {
+  return text::ToUtf8(text::TextView(param.param.messageClass).substr(4));
+});
+
+TEST_F(FillTest, AnEmptyFolderAddsNoCategory) {
+  AddFolder(u"Folder", u"IPF.Task");
+  const Recorder filled = Run(kFillTasksMessage);
+  EXPECT_THAT(filled.categories, IsEmpty());
+  EXPECT_THAT(filled.percents, IsEmpty());
+}
+
+TEST_F(FillTest, AFolderThatIsNotThereAddsNothing) { EXPECT_THAT(Run(kFillTasksMessage).categories, IsEmpty()); }
+
+TEST_F(FillTest, AnItemWithoutASubjectIsUnknown) {
+  const auto folder = AddFolder(u"Folder", u"IPF.Task");
+  AddItem(folder, u"IPM.Task");
+  AddItem(folder, u"IPM.Task", {{Field::Subject, u"Call"}});
+  const Recorder filled = Run(kFillTasksMessage);
+  ASSERT_THAT(filled.categories, SizeIs(2));
+  EXPECT_EQ(filled.categories[0].caption, "UnKnown");
+  EXPECT_EQ(filled.categories[1].caption, "Call");
+}
+
+TEST_F(FillTest, AContactWithoutAFullNameIsUnknownWhateverItsSubject) {
+  const auto folder = AddFolder(u"Folder", u"IPF.Contact");
+  AddItem(folder, u"IPM.Contact", {{Field::Subject, u"Ann"}});
+  AddItem(folder, u"IPM.Contact", {{Field::FullName, u"Ann Other"}});
+  const Recorder filled = Run(kFillContactsMessage);
+  ASSERT_THAT(filled.categories, SizeIs(2));
+  EXPECT_EQ(filled.categories[0].caption, "UnKnown");
+  EXPECT_EQ(filled.categories[1].caption, "Ann Other");
+}
+
+TEST_F(FillTest, DistributionListsStandAmongTheContacts) {
+  AddItem(AddFolder(u"Folder", u"IPF.Contact"), u"IPM.DistList", {{Field::FullName, u"Team"}});
+  EXPECT_THAT(Run(kFillContactsMessage).categories, SizeIs(1));
+}
+
+TEST_F(FillTest, ThePercentageIsTruncatedAndSentWhenItChanges) {
+  const auto folder = AddFolder(u"Folder", u"IPF.Task");
+  for (int i = 0; i < 3; ++i) AddItem(folder, u"IPM.Task");
+  EXPECT_THAT(Run(kFillTasksMessage).percents, ElementsAre(0, 33, 66));
+  for (int i = 0; i < 997; ++i) AddItem(folder, u"IPM.Task");
+  EXPECT_THAT(Run(kFillTasksMessage).percents, SizeIs(100)) << "at most one for each";
+}
+
+TEST_F(FillTest, ACancelEndsTheFill) {
+  const auto folder = AddFolder(u"Folder", u"IPF.Task");
+  for (int i = 0; i < 10; ++i) AddItem(folder, u"IPM.Task");
+  Recorder recorder;
+  recorder.cancelAfter = 4;
+  FillFolder(*finished_, PathOf(u"Folder"), *FillKindOf(kFillTasksMessage), recorder);
+  EXPECT_THAT(recorder.categories, SizeIs(4));
+}
+
+/// An item whose reads fail from a certain field on.
+class FailingItem : public output::RDOMail {
+ public:
+  explicit FailingItem(Field failing) : failing_(failing) {}
+  void Save() override {}
+  void Put(Field, const FieldValue&) override {}
+  output::FieldRead Get(Field field) const override {
+    if (field == failing_) throw output::OutputFailure(output::ResultCode::STG_E_READFAULT);
+    return {text::Text(u"x"), true};
+  }
+  bool Answers(output::ItemInterface) const override { return true; }
+  output::Ref<output::RDOAttachments> Attachments() override { return nullptr; }
+  void Delete() override {}
+  output::Ref<RDOMail> Reply() override { return nullptr; }
+  output::Ref<RDOMail> Forward() override { return nullptr; }
+  void AddPicture(const output::ContentSource&) override {}
+  text::Text MessageClass() const override { return u"IPM.Task"; }
+  std::int32_t Size() const override { return 0; }
+  std::int32_t AttachmentCount() const override { return 0; }
+
+ private:
+  Field failing_;
+};
+
+/// A session of one folder of one item.
+class FailingFolder : public output::RDOSession,
+                      public output::RDOFolder,
+                      public output::RDOItems,
+                      public std::enable_shared_from_this<FailingFolder> {
+ public:
+  explicit FailingFolder(Field failing) : failing_(failing) {}
+  void Logon(text::TextView) override {}
+  output::Ref<output::RDOStores> Stores() override { return nullptr; }
+  output::Ref<output::RDOFolder> GetDefaultFolder(output::DefaultFolder) override { return nullptr; }
+  output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView) override { return shared_from_this(); }
+  output::Ref<output::RDOItems> Items() override { return shared_from_this(); }
+  output::Ref<output::RDOFolders> Folders() override { return nullptr; }
+  output::Ref<output::RDOFolder2> QueryFolder2() override { return nullptr; }
+  text::Text Name() const override { return {}; }
+  text::Text ContainerClass() const override { return {}; }
+  std::int32_t Count() const override { return 2; }
+  output::Ref<output::RDOMail> Add(text::TextView) override { return nullptr; }
+  output::Ref<output::RDOMail> GetFirst() override { return std::make_shared<FailingItem>(failing_); }
+  output::Ref<output::RDOMail> GetNext() override { return GetFirst(); }
+
+ private:
+  Field failing_;
+};
+
+TEST_F(FillTest, AFailingReadKeepsTheRowsBeforeIt) {
+  output::Ref<output::RDOSession> session;
+  FinishedStore store(session, [](text::TextView) { return std::make_shared<FailingFolder>(Field::Body); });
+  Recorder recorder;
+  FillFolder(store, u"any", *FillKindOf(kFillTasksMessage), recorder);
+  ASSERT_THAT(recorder.categories, SizeIs(1));
+  ASSERT_THAT(recorder.categories[0].rows, SizeIs(2));
+  EXPECT_EQ(recorder.categories[0].rows[1].row->label, u"To") << "the body is read behind it";
+}
+
+TEST_F(FillTest, AFailingCaptionAddsNoCategory) {
+  output::Ref<output::RDOSession> session;
+  FinishedStore store(session, [](text::TextView) { return std::make_shared<FailingFolder>(Field::Subject); });
+  Recorder recorder;
+  FillFolder(store, u"any", *FillKindOf(kFillTasksMessage), recorder);
+  EXPECT_THAT(recorder.categories, IsEmpty());
+}
+
+TEST_F(FillTest, AStoreThatCannotBeOpenedAddsNothing) {
+  output::Ref<output::RDOSession> session;
+  FinishedStore store(session, [](text::TextView) -> output::Ref<output::RDOSession> {
+    throw output::OutputFailure(output::ResultCode::STG_E_READFAULT);
+  });
+  Recorder recorder;
+  FillFolder(store, u"any", *FillKindOf(kFillTasksMessage), recorder);
+  EXPECT_THAT(recorder.categories, IsEmpty());
+}
+
+}  // namespace
+}  // namespace velmora::workflow
