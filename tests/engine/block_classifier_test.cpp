@@ -5,6 +5,7 @@
 
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
+#include "forge/checksum.h"
 
 namespace velmora::engine {
 namespace {
@@ -76,6 +77,22 @@ TEST_F(BlockClassifierTest, TheTrailerOfA4kBlockIsNotWhereItIsLookedFor) {
   state_.storeKind = StoreKind::kOst;
   EXPECT_FALSE(Classify(Heap(), {.format = Format::kUnicode4k, .encoding = forge::Encoding::kNone}));
   EXPECT_TRUE(state_.encodingUnknown);
+}
+
+TEST_F(BlockClassifierTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
+  for (const std::uint64_t slot : {8272u, 8288u}) {
+    Canvas canvas;
+    canvas.Put(64, Heap(0xBCEC, 112));
+    canvas.Number(64 + slot, 112, 2);
+    canvas.Number(64 + slot + 2, forge::Signature(64, 4), 2);
+    canvas.Number(64 + slot + 8, 4, 8);
+    Attach(canvas.bytes);
+    state_.encodingUnknown = true;
+    state_.orphans.assign(1, {});
+    SourceWindow window(state_);
+    ClassifyBlock(state_, window, {4, 112, 64});
+    EXPECT_EQ(state_.encodingUnknown, slot != 8272u);
+  }
 }
 
 TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncoding) {
