@@ -1,0 +1,153 @@
+#include "cli/convert_command.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+
+#include "cli/console.h"
+#include "cli/file_output.h"
+#include "cli/report_json.h"
+#include "cli/result_text.h"
+#include "cli/run_targets.h"
+#include "conversion/free_space.h"
+#include "conversion/worker.h"
+#include "platform/process.h"
+#include "platform/stop_signals.h"
+#include "platform/terminal.h"
+
+namespace velmora::cli {
+namespace {
+
+using platform::StandardStream;
+
+void WriteError(std::string_view text) { static_cast<void>(platform::WriteTo(StandardStream::kError, text)); }
+
+ProgressStyle StyleOfTerminal() {
+  const char* noColor = std::getenv("NO_COLOR");
+  ProgressStyle style;
+  style.bar = platform::IsTerminal(StandardStream::kError);
+  style.color = style.bar && (noColor == nullptr || *noColor == '\0');
+  style.columns = platform::TerminalColumns(StandardStream::kError);
+  return style;
+}
+
+/// A path as the run has it: absolute, whatever folder the program was started in.
+text::Text FullPath(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path full = std::filesystem::absolute(path, error);
+  return text::FromFileName(error ? path : full.string());
+}
+
+/// Everything of one call of the program that the parts of its work share.
+class Conversion {
+ public:
+  explicit Conversion(const Options& options)
+      : options_(options),
+        progress_(StyleOfTerminal(), WriteError),
+        console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError, [this] { CountFolders(); }),
+        outLook_(state_, [this] { return targets_.MakeOutput(); }) {
+    state_.run.observer = &console_;
+    state_.run.smartScan = options.smart;
+    state_.codePage = options.codePage;
+    state_.sourcePath = FullPath(options.source);
+    state_.sourceFileName = text::FromFileName(std::filesystem::path(options.source).filename().string());
+    outLook_.logEnabled = options.log;
+  }
+
+  ExitCode Run() {
+    if (const auto opened = targets_.Open(options_); !opened) {
+      console_.Say(fmt::format("velmora-convert: {}: {}", opened.error().object, opened.error().message));
+      return ExitCode::kNoOutput;
+    }
+    const ExitCode code = RunSteps();
+    progress_.Clear();
+    return Finish(code);
+  }
+
+ private:
+  ExitCode RunSteps() {
+    const text::Text destination = FullPath(options_.destination);
+    state_.destinationPath = options_.dryRun ? targets_.TemporaryFolder() : destination;
+    if (!options_.dryRun && !conversion::HasEnoughFreeSpace(destination, state_.sourcePath)) {
+      refusal_ = conversion::kNotEnoughSpace;
+      state_.run.ShowInformation(refusal_);
+      return ExitCodeOfBox(refusal_);
+    }
+    const platform::StopSignals signals([](void* control) { static_cast<engine::RunControl*>(control)->RequestStop(); },
+                                        &state_.run.control);
+    const conversion::RunEnd end = conversion::RunConversion(outLook_, state_);
+    refusal_ = console_.LastError();
+    if (!refusal_.empty()) {
+      if (!outLook_.Report().failure.empty()) console_.Say("velmora-convert: " + outLook_.Report().failure);
+      return ExitCodeOfBox(refusal_);
+    }
+    if (end == conversion::RunEnd::kStopped) {
+      console_.Say(StopText());
+      return ExitCode::kStopped;
+    }
+    if (!console_.IsDone()) return ExitCode::kAborted;
+    if (outLook_.Report().readFailure) {
+      const platform::Failure& failure = *outLook_.Report().readFailure;
+      console_.Say(fmt::format("velmora-convert: reading failed: {} at {}: {}", failure.object, failure.offset,
+                               failure.message));
+      return ExitCode::kInputOutput;
+    }
+    return outLook_.Report().recovery.lost.empty() ? ExitCode::kDone : ExitCode::kLosses;
+  }
+
+  std::string StopText() const {
+    if (options_.dryRun || state_.logPath.empty()) return "Stopped. No store was written.";
+    return "Stopped. Recovered at: " + text::ToUtf8(state_.destinationPath);
+  }
+
+  /// Result, report and trace; a file that cannot be written is a failure of its own.
+  ExitCode Finish(ExitCode code) {
+    bool written = true;
+    const auto note = [&](const platform::Failure& failure) {
+      console_.Say(fmt::format("velmora-convert: {}: {}", failure.object, failure.message));
+      written = false;
+    };
+    if (console_.IsDone() && !options_.quiet) {
+      const std::string result =
+          ResultText(options_.dryRun ? text::Text() : state_.destinationPath, state_.convertedName, contents_);
+      const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
+      if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
+    }
+    if (const auto failure = targets_.Finish(Report())) note(*failure);
+    const bool isGood = code == ExitCode::kDone || code == ExitCode::kLosses;
+    return isGood && !written ? ExitCode::kInputOutput : code;
+  }
+
+  std::string Report() {
+    ReportFrame frame;
+    frame.source = state_.sourcePath;
+    frame.destination = targets_.Shown(state_.destinationPath, FullPath(options_.destination));
+    frame.refusal = refusal_;
+    frame.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
+    frame.peakRssKiB = platform::PeakRssKiB();
+    return ReportJson(frame, outLook_.Report());
+  }
+
+  void CountFolders() {
+    if (state_.run.runAborted || !outLook_.Session() || state_.logPath.empty()) return;
+    contents_ = CountStore(*outLook_.Session(), state_.convertedName, state_.logPath);
+  }
+
+  const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+  const Options& options_;
+  RunTargets targets_;
+  Progress progress_;
+  Console console_;
+  conversion::RunState state_;
+  conversion::COutLook outLook_;
+  text::Text refusal_;
+  StoreContents contents_;
+};
+
+}  // namespace
+
+ExitCode Convert(const Options& options) { return Conversion(options).Run(); }
+
+}  // namespace velmora::cli

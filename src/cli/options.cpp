@@ -1,0 +1,94 @@
+#include "cli/options.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/version.h"
+
+namespace velmora::cli {
+namespace {
+
+constexpr std::string_view kExamples = R"(Examples:
+  velmora-convert outlook.ost /home/me/mail
+      converts outlook.ost; the new store is
+      /home/me/mail/outlook Converted0/outlook Converted.pst
+  velmora-convert --smart --report report.json damaged.pst out
+      also recovers messages that nothing in the store refers to, and says what was found
+  velmora-convert --dry-run --report - backup.ost out
+      writes no store: only says what a conversion would find
+)";
+
+constexpr std::string_view kUsage = R"(
+Usage: velmora-convert [options] SOURCE DESTINATION_FOLDER
+
+Reads SOURCE, a store of Outlook (.ost or .pst), sound or damaged, and writes what it finds to a new .pst
+in a new folder under DESTINATION_FOLDER. SOURCE is only read. Nothing that exists is overwritten.
+
+Options:
+  --smart            Smart Scan: read every block, and recover messages without a node as well
+  --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
+  --report FILE      write a JSON report of the run ("-" for standard output)
+  --trace FILE       write every operation on the new store as a JSON line
+  --dry-run          run everything but write no store
+  --log              write LogInformation.log beside the new store
+  --quiet            say nothing but errors
+  --no-progress      show no progress
+  --help             show this text
+  --version          show the version
+
+Exit codes:
+)";
+
+}  // namespace
+
+std::string HelpText() {
+  std::string text = std::string(kExamples) + std::string(kUsage);
+  for (const ExitCodeRow& row : kExitCodes) {
+    text += fmt::format("  {:<4} {}\n", static_cast<int>(row.code), row.meaning);
+  }
+  return text;
+}
+
+std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv) {
+  Options options;
+  std::string codePage;
+  bool help = false;
+  bool version = false;
+
+  CLI::App app;
+  app.set_help_flag();
+  app.add_flag("--help", help);
+  app.add_flag("--version", version);
+  app.add_flag("--smart", options.smart);
+  app.add_option("--codepage", codePage);
+  app.add_option("--report", options.report);
+  app.add_option("--trace", options.trace);
+  app.add_flag("--dry-run", options.dryRun);
+  app.add_flag("--log", options.log);
+  app.add_flag("--quiet", options.quiet);
+  app.add_flag("--no-progress", options.noProgress);
+  app.add_option("SOURCE", options.source);
+  app.add_option("DESTINATION_FOLDER", options.destination);
+
+  const auto mistake = [](std::string_view what) {
+    return Answer{ExitCode::kUsage, fmt::format("velmora-convert: {}\nTry 'velmora-convert --help'.\n", what)};
+  };
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return mistake(error.what());
+  }
+  if (help) return Answer{ExitCode::kDone, HelpText()};
+  if (version) return Answer{ExitCode::kDone, fmt::format("velmora-convert {}\n", kVersion)};
+  if (options.source.empty()) return mistake("SOURCE is required");
+  if (options.destination.empty()) return mistake("DESTINATION_FOLDER is required");
+  if (!codePage.empty()) {
+    const auto found = text::CodePage::Find(codePage);
+    if (!found) return mistake(fmt::format("--codepage: no code page is called '{}'", codePage));
+    options.codePage = *found;
+  }
+  return options;
+}
+
+}  // namespace velmora::cli

@@ -1,0 +1,36 @@
+// What the command line asks for.
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "cli/exit_codes.h"
+#include "text/code_page.h"
+
+namespace velmora::cli {
+
+struct Options {
+  std::string source;
+  std::string destination;
+  bool smart = false;
+  text::CodePage codePage = text::CodePage::Lossless();
+  std::string report;  ///< empty: none; "-": standard output
+  std::string trace;   ///< empty: none
+  bool dryRun = false;
+  bool log = false;
+  bool quiet = false;
+  bool noProgress = false;
+};
+
+/// A text in place of a run: help and version for standard output, a mistake for standard error.
+struct Answer {
+  ExitCode code = ExitCode::kDone;
+  std::string text;
+};
+
+std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv);
+
+/// What --help says.
+std::string HelpText();
+
+}  // namespace velmora::cli

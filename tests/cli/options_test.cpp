@@ -1,0 +1,78 @@
+#include "cli/options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::variant<Options, Answer> Parse(std::vector<const char*> words) {
+  words.insert(words.begin(), "velmora-convert");
+  return ParseCommandLine(static_cast<int>(words.size()), words.data());
+}
+
+Answer AnswerTo(std::vector<const char*> words) {
+  const auto parsed = Parse(std::move(words));
+  const auto* answer = std::get_if<Answer>(&parsed);
+  return answer != nullptr ? *answer : Answer{ExitCode::kDone, "(options)"};
+}
+
+TEST(Options, TakesSourceAndDestination) {
+  const Options options = std::get<Options>(Parse({"a.ost", "out"}));
+  EXPECT_EQ(options.source, "a.ost");
+  EXPECT_EQ(options.destination, "out");
+  EXPECT_FALSE(options.smart || options.dryRun || options.log || options.quiet || options.noProgress);
+  EXPECT_EQ(options.report, "");
+  EXPECT_EQ(options.trace, "");
+  EXPECT_EQ(options.codePage.WindowsNumber(), 1252);
+}
+
+TEST(Options, TakesEveryOption) {
+  const Options options =
+      std::get<Options>(Parse({"--smart", "--codepage", "windows-932", "--report", "-", "--trace=t", "--dry-run",
+                               "--log", "--quiet", "--no-progress", "a.ost", "out"}));
+  EXPECT_TRUE(options.smart && options.dryRun && options.log && options.quiet && options.noProgress);
+  EXPECT_EQ(options.report, "-");
+  EXPECT_EQ(options.trace, "t");
+  EXPECT_EQ(options.codePage.WindowsNumber(), 932);
+}
+
+TEST(Options, NamesThatBeginWithADashStandBehindTwoDashes) {
+  const Options options = std::get<Options>(Parse({"--smart", "--", "-a.ost", "--out"}));
+  EXPECT_EQ(options.source, "-a.ost");
+  EXPECT_EQ(options.destination, "--out");
+}
+
+TEST(Options, MistakesEndWithTheCodeForUsage) {
+  for (const std::vector<const char*>& words :
+       {std::vector<const char*>{}, {"a.ost"}, {"a", "b", "c"}, {"--odd", "a", "b"}, {"a", "b", "--report"},
+        {"", "b"}, {"a", ""}, {"--codepage", "none-such", "a", "b"}}) {
+    const Answer answer = AnswerTo(words);
+    EXPECT_EQ(answer.code, ExitCode::kUsage);
+    EXPECT_THAT(answer.text, StartsWith("velmora-convert: "));
+    EXPECT_THAT(answer.text, HasSubstr("Try 'velmora-convert --help'."));
+  }
+}
+
+TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
+  const Answer answer = AnswerTo({"--help"});
+  EXPECT_EQ(answer.code, ExitCode::kDone);
+  EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
+  for (const char* option : {"--smart", "--codepage NAME", "--report FILE", "--trace FILE", "--dry-run", "--log",
+                             "--quiet", "--no-progress", "--help", "--version"}) {
+    EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
+  }
+  for (const ExitCodeRow& row : kExitCodes) EXPECT_THAT(answer.text, HasSubstr(std::string(row.meaning)));
+}
+
+TEST(Options, VersionIsOneLine) {
+  const Answer answer = AnswerTo({"--version"});
+  EXPECT_EQ(answer.code, ExitCode::kDone);
+  EXPECT_THAT(answer.text, testing::MatchesRegex("velmora-convert [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+}  // namespace
+}  // namespace velmora::cli

@@ -1,0 +1,344 @@
+"""The program as its user meets it: exit codes, messages, files."""
+
+import fcntl
+import json
+import os
+import pathlib
+import pty
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+import unittest
+
+import stores
+
+NOT_VALID = "Error: Pst/Ost file is not valid.\n"
+NOT_OPENED = "Error: Source file could not open.Make sure that another application is not using. \n"
+NO_FOLDER = ("Error: Unable to create folder to save recovered .pst file.\n"
+             "Please select another location to save recovered .pst file.\n")
+STAGES = ["Opening OST file...", "Validating OST file...", "Creating new profile...",
+          "Validating Folder Structure...", "Collecting Folder Names...", "Converting Folder Items...",
+          "Converting Mail Items...", "Closing file..."]
+F_SETPIPE_SZ = 1031
+PIPE_SIZE = 4096
+
+
+class Program(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.demo_folder = tempfile.TemporaryDirectory()
+        cls.demo = pathlib.Path(cls.demo_folder.name) / "demo.ost"
+        subprocess.run([os.environ["VELMORA_FORGE_DEMO"], cls.demo], check=True)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.demo_folder.cleanup()
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.work = pathlib.Path(self.folder.name)
+        self.out = self.work / "out"
+        self.out.mkdir()
+        self.environment = {**os.environ, "XDG_CONFIG_HOME": str(self.work / "config")}
+        self.environment.pop("SOURCE_DATE_EPOCH", None)
+
+    def run_program(self, *words, **options):
+        return subprocess.run([stores.PROGRAM, *map(str, words)], capture_output=True, text=True, errors="replace",
+                              **{"env": self.environment, **options})
+
+    def produced(self, folder=None):
+        folder = folder or self.out
+        return sorted(str(p.relative_to(folder)) for p in folder.rglob("*"))
+
+    # ---------------------------------------------------------------- the good case
+
+    def test_a_conversion_says_where_the_store_is_and_what_it_holds(self):
+        ended = self.run_program(self.demo, self.out)
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+        self.assertEqual(self.produced(), ["demo Converted0", "demo Converted0/demo Converted.pst"])
+        self.assertIn(f"Recovered at: {self.out}/demo Converted0/demo Converted.pst\n", ended.stdout)
+        self.assertRegex(ended.stdout, r"\n +\d+  Inbox\n")
+        self.assertRegex(ended.stdout, r"\n +\d+  items in \d+ folders\n$")
+        self.assertEqual(ended.stderr.splitlines(), STAGES)
+
+    def test_quiet_says_nothing(self):
+        ended = self.run_program("--quiet", self.demo, self.out)
+        self.assertEqual((ended.returncode, ended.stdout, ended.stderr), (0, "", ""))
+
+    def test_no_progress_leaves_the_result(self):
+        ended = self.run_program("--no-progress", self.demo, self.out)
+        self.assertEqual(ended.stderr, "")
+        self.assertIn("Recovered at: ", ended.stdout)
+
+    def test_report_on_standard_output_is_nothing_but_json(self):
+        ended = self.run_program("--report", "-", self.demo, self.out)
+        report = json.loads(ended.stdout)
+        self.assertEqual(report["destination"], f"{self.out}/demo Converted0/demo Converted.pst")
+        self.assertEqual(report["source"], str(self.demo))
+        self.assertEqual(report["storeKind"], "ost")
+        self.assertGreater(report["peakRssKiB"], 1000)
+        self.assertGreater(report["seconds"], 0)
+        self.assertIn("Recovered at: ", ended.stderr)
+
+    def test_a_dry_run_leaves_nothing_and_makes_no_profile(self):
+        ended = self.run_program("--dry-run", "--report", "-", self.demo, self.work / "not there")
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+        self.assertEqual(self.produced(self.work), ["out"])
+        self.assertEqual(json.loads(ended.stdout)["destination"],
+                         f"{self.work}/not there/demo Converted0/demo Converted.pst")
+
+    def test_dry_run_and_real_run_have_the_same_trace(self):
+        self.run_program("--dry-run", "--trace", self.work / "dry", self.demo, self.out)
+        self.run_program("--trace", self.work / "real", "--log", self.demo, self.out)
+        self.assertGreater(len((self.work / "dry").read_bytes()), 1000)
+        self.assertEqual((self.work / "dry").read_bytes(), (self.work / "real").read_bytes())
+
+    def test_the_same_source_gives_the_same_bytes(self):
+        self.environment["SOURCE_DATE_EPOCH"] = "1600000000"
+        found = []
+        for name in ("one", "two"):
+            (self.work / name).mkdir()
+            self.run_program(self.demo, self.work / name)
+            found.append((self.work / name / "demo Converted0" / "demo Converted.pst").read_bytes())
+            time.sleep(1.1)
+        self.assertEqual(found[0], found[1])
+
+    def test_a_log_holds_header_and_summary(self):
+        self.run_program("--log", self.demo, self.out)
+        log = (self.out / "demo Converted0" / "LogInformation.log").read_bytes().decode("utf-16")
+        self.assertIn(f"Source File Path:{self.demo}\r\n", log)
+        self.assertIn("-------------------Summary--------------------", log)
+        self.assertRegex(log, r"\r\n\r\nTotal recovered mail items : [1-9]\d*\r\n\r\nDate and time : \w+day, [^\r\n]+$")
+
+    def test_a_second_run_into_the_same_folder_is_refused(self):
+        self.run_program(self.demo, self.out)
+        before = (self.out / "demo Converted0" / "demo Converted.pst").read_bytes()
+        ended = self.run_program("--no-progress", self.demo, self.out)
+        self.assertEqual(ended.returncode, 73)
+        self.assertTrue(ended.stderr.startswith(NO_FOLDER), ended.stderr)
+        self.assertEqual((self.out / "demo Converted0" / "demo Converted.pst").read_bytes(), before)
+
+    def test_a_second_run_into_another_folder_works(self):
+        (self.work / "other").mkdir()
+        self.run_program(self.demo, self.out)
+        self.assertEqual(self.run_program(self.demo, self.work / "other").returncode, 0)
+
+    def test_a_user_without_a_home_can_convert(self):
+        for name in ("HOME", "XDG_CONFIG_HOME"):
+            self.environment.pop(name, None)
+        self.environment["XDG_RUNTIME_DIR"] = str(self.work)
+        ended = self.run_program(self.demo, self.out)
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+
+    # ---------------------------------------------------------------- terminal
+
+    def on_a_terminal(self, **more):
+        main, side = pty.openpty()
+        self.addCleanup(os.close, main)
+        child = subprocess.Popen([stores.PROGRAM, self.demo, self.out], stdout=subprocess.DEVNULL, stderr=side,
+                                 env={**self.environment, **more})
+        os.close(side)
+        text = b""
+        while True:
+            try:
+                piece = os.read(main, 4096)
+            except OSError:
+                break
+            if not piece:
+                break
+            text += piece
+        self.assertEqual(child.wait(), 0)
+        return text
+
+    def test_a_terminal_gets_a_bar_in_color(self):
+        text = self.on_a_terminal(NO_COLOR="")
+        self.assertIn(b"\r\x1b[K[\x1b[32m", text)
+        self.assertIn(b"100% ", text)
+
+    def test_no_color_is_respected(self):
+        text = self.on_a_terminal(NO_COLOR="1")
+        self.assertIn(b"\r\x1b[K[", text)
+        self.assertNotIn(b"\x1b[3", text)
+
+    # ---------------------------------------------------------------- refusals
+
+    def refused(self, source, code, message):
+        ended = self.run_program("--no-progress", "--report", "-", source, self.out)
+        self.assertEqual(ended.returncode, code, source)
+        self.assertEqual(ended.stderr, message)
+        self.assertEqual(json.loads(ended.stdout)["refusal"], message[len("Error: "):-1])
+        self.assertEqual(self.produced(), [])
+
+    def write(self, name, content):
+        path = self.work / name
+        path.write_bytes(content)
+        return path
+
+    def test_sources_that_cannot_be_opened(self):
+        self.refused(self.work / "none.ost", 66, NOT_OPENED)
+        self.refused(self.work, 66, NOT_OPENED)
+        self.refused(str(self.work) + "/", 66, NOT_OPENED)
+        self.refused(self.demo / "below", 66, NOT_OPENED)
+        self.refused("/dev/null", 66, NOT_OPENED)
+        os.mkfifo(self.work / "pipe.ost")
+        self.refused(self.work / "pipe.ost", 66, NOT_OPENED)
+
+    def test_a_source_without_permission(self):
+        path = self.write("secret.ost", self.demo.read_bytes())
+        path.chmod(0)
+        as_other = {}
+        if os.geteuid() == 0:  # who may read everything
+            if not os.access(pathlib.Path(stores.PROGRAM).parent, os.X_OK):
+                self.skipTest("the program cannot be run as another user")
+            for folder in (self.work, self.out):
+                folder.chmod(0o777)
+            as_other = {"user": 65534}
+        ended = self.run_program("--no-progress", path, self.out, **as_other)
+        self.assertEqual((ended.returncode, ended.stderr), (66, NOT_OPENED))
+
+    def test_sources_that_are_no_store(self):
+        self.refused(self.write("empty.ost", b""), 65, NOT_VALID)
+        self.refused(self.write("eight.ost", b"!BDN\0\0\0\0"), 65, NOT_VALID)
+        self.refused(self.write("hundred.ost", b"!BDN" + b"\xA5" * 96), 65, NOT_VALID)
+        self.refused(self.write("random.ost", os.urandom(300000)), 65, NOT_VALID)
+        self.refused(self.write("book.pab", b"!BDN\0\0\0\0AB" + bytes(60000)), 65, NOT_VALID)
+        self.refused(self.write("text.pst", b"not a store\n" * 5000), 65, NOT_VALID)
+
+    def test_random_bytes_behind_a_good_magic(self):
+        for kind in (b"SM", b"SO"):
+            path = self.write("odd.ost", b"!BDN\0\0\0\0" + kind + os.urandom(200000))
+            ended = self.run_program("--dry-run", path, self.out)
+            self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
+
+    def test_a_store_cut_off_anywhere(self):
+        whole = self.demo.read_bytes()
+        for size in [*range(0, 20000, 997), *range(20000, len(whole), len(whole) // 60)]:
+            with self.subTest(size=size):
+                path = self.write("cut.ost", whole[:size])
+                out = self.work / f"cut{size}"
+                out.mkdir()
+                ended = self.run_program("--smart", "--report", "-", path, out)
+                self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
+                report = json.loads(ended.stdout)
+                self.assertEqual(ended.returncode == 65, report["refusal"] is not None)
+                self.assertIn(self.produced(out), ([], ["cut Converted0", "cut Converted0/cut Converted.pst"]))
+
+    def test_usage(self):
+        for words in ((), ("a",), ("--none", "a", "b"), ("--codepage", "none-such", "a", "b")):
+            ended = self.run_program(*words)
+            self.assertEqual((ended.returncode, ended.stdout), (64, ""))
+            self.assertIn("--help", ended.stderr)
+
+    # ---------------------------------------------------------------- output that cannot be made or written
+
+    def test_a_destination_that_is_not_there(self):
+        ended = self.run_program("--no-progress", self.demo, self.work / "gone")
+        self.assertEqual(ended.returncode, 73)
+        self.assertTrue(ended.stderr.startswith(NO_FOLDER), ended.stderr)
+
+    def test_report_and_trace_overwrite_nothing(self):
+        taken = self.write("taken", b"mine")
+        for option in ("--report", "--trace"):
+            ended = self.run_program(option, taken, self.demo, self.out)
+            self.assertEqual(ended.returncode, 73)
+            self.assertEqual(taken.read_bytes(), b"mine")
+            self.assertEqual(self.produced(), [])
+        ended = self.run_program("--report", self.work / "same", "--trace", self.work / "same", self.demo, self.out)
+        self.assertEqual(ended.returncode, 73)
+
+    def test_a_report_that_cannot_be_made(self):
+        ended = self.run_program("--report", self.work / "none" / "report.json", self.demo, self.out)
+        self.assertEqual(ended.returncode, 73)
+        self.assertIn("velmora-convert: ", ended.stderr)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is always full")
+    def test_output_that_nobody_takes(self):
+        with open("/dev/full", "w") as full:
+            ended = subprocess.run([stores.PROGRAM, "--quiet", "--report", "-", self.demo, self.out], stdout=full,
+                                   stderr=subprocess.PIPE, env=self.environment)
+        self.assertEqual(ended.returncode, 74)
+        reading, writing = os.pipe()
+        os.close(reading)
+        ended = subprocess.run([stores.PROGRAM, "--help"], stdout=writing, env=self.environment)
+        os.close(writing)
+        self.assertEqual(ended.returncode, 74)
+
+    def test_a_disk_that_fills_up_ends_the_run_with_one_message(self):
+        source = self.work / "big.pst"
+        subprocess.run([os.environ["VELMORA_FORGE_BIG"], source], check=True)
+        self.run_program("--quiet", source, self.out)
+        size = (self.out / "big Converted0" / "big Converted.pst").stat().st_size
+        codes = set()
+        for limit in [512, 4096, 20000, *range(100000, size, size // 8), size - 1]:
+            with self.subTest(limit=limit):
+                out = self.work / f"limit{limit}"
+                out.mkdir()
+                ended = self.run_program(
+                    "--no-progress", source, out,
+                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+                self.assertIn(ended.returncode, (73, 74), ended.stderr)
+                self.assertEqual(ended.stderr.count("Error: "), 1, ended.stderr)
+                codes.add(ended.returncode)
+                if ended.returncode == 74:
+                    store = out / "big Converted0" / "big Converted.pst"
+                    self.assertTrue(ended.stderr.startswith(
+                        "Error: Not enough free disk space available to save converted .pst file.\n"
+                        f"Recovered at:{store}\n"), ended.stderr)
+                    # What was committed opens; that nobody could write the maps any more, readers know to bear.
+                    self.check_store(store, "--ignore", "A06,A07,A08,H11,H12,H14")
+        self.assertEqual(codes, {73, 74})
+
+    def check_store(self, path, *options):
+        tool = stores.aid("VELMORA_TOOLS", "tools") / "pstcheck.py"
+        if tool.is_file():
+            checked = subprocess.run([sys.executable, tool, *options, path], capture_output=True, text=True)
+            self.assertEqual(checked.returncode, 0, checked.stdout)
+
+    # ---------------------------------------------------------------- Ctrl-C
+
+    def stop_at(self, stage, *options):
+        """Sends an interrupt while the program waits to announce a stage: the pipe for its messages takes just
+        the stages before it."""
+        reading, writing = os.pipe()
+        fcntl.fcntl(writing, F_SETPIPE_SZ, PIPE_SIZE)
+        before = sum(len(s) + 1 for s in STAGES[:stage])
+        os.write(writing, b"." * (PIPE_SIZE - before - 1))
+        child = subprocess.Popen([stores.PROGRAM, *options, self.demo, self.out], stderr=writing,
+                                 stdout=subprocess.PIPE, env=self.environment)
+        os.close(writing)
+        waiting = bytearray(4)
+        while int.from_bytes(waiting, sys.byteorder) < PIPE_SIZE - 1:  # until all that fits is said
+            self.assertIsNone(child.poll(), "the program did not wait")
+            time.sleep(0.01)
+            fcntl.ioctl(reading, termios.FIONREAD, waiting)
+        child.send_signal(signal.SIGINT)
+        with open(reading, "rb") as messages:
+            said = messages.read().decode().lstrip(".")
+        self.output = child.stdout.read().decode()
+        child.stdout.close()
+        return child.wait(), said
+
+    def test_ctrl_c_seals_the_store_and_says_where_it_is(self):
+        code, said = self.stop_at(STAGES.index("Converting Mail Items..."), "--report", "-")
+        self.assertEqual(code, 130, said)
+        store = self.out / "demo Converted0" / "demo Converted.pst"
+        self.assertTrue(said.endswith(f"Stopped. Recovered at: {store}\n"), said)
+        self.check_store(store)
+        self.assertEqual(self.produced(), ["demo Converted0", "demo Converted0/FirstTableItem.dat",
+                                           "demo Converted0/demo Converted.pst"])
+        self.assertIsNone(json.loads(self.output)["refusal"])
+
+    def test_ctrl_c_before_there_is_a_store(self):
+        code, said = self.stop_at(STAGES.index("Validating OST file..."))
+        self.assertEqual(code, 130, said)
+        self.assertTrue(said.endswith("Stopped. No store was written.\n"), said)
+        self.assertEqual(self.produced(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,118 @@
+#include "cli/progress.h"
+
+#include <gtest/gtest.h>
+
+#include "cli/console.h"
+
+namespace velmora::cli {
+namespace {
+
+struct Screen {
+  std::string text;
+  Progress::Write Writer() {
+    return [this](std::string_view piece) { text += piece; };
+  }
+};
+
+TEST(Progress, EveryStageHasItsCaption) {
+  EXPECT_EQ(StageCaption(1), "Opening OST file...");
+  EXPECT_EQ(StageCaption(2), "Validating OST file...");
+  EXPECT_EQ(StageCaption(3), "Creating new profile...");
+  EXPECT_EQ(StageCaption(4), "") << "the node scan has none";
+  EXPECT_EQ(StageCaption(5), "Validating Folder Structure...");
+  EXPECT_EQ(StageCaption(6), "Collecting Folder Names...");
+  EXPECT_EQ(StageCaption(7), "Converting Folder Items...");
+  EXPECT_EQ(StageCaption(8), "Converting Mail Items...");
+  EXPECT_EQ(StageCaption(9), "Closing file...");
+  EXPECT_EQ(StageCaption(10), "Processing Wait...");
+}
+
+TEST(Progress, WithoutATerminalALinePerStageAndNoEscapes) {
+  Screen screen;
+  Progress progress({}, screen.Writer());
+  progress.OnStage(1);
+  progress.OnStage(4);
+  progress.OnPercentage(50);
+  progress.OnPercentage(51);
+  progress.OnStage(5);
+  progress.Clear();
+  EXPECT_EQ(screen.text, "Opening OST file...\nValidating Folder Structure...\n");
+}
+
+TEST(Progress, OnATerminalTheBarIsDrawnAnew) {
+  Screen screen;
+  Progress progress({.bar = true, .color = false, .columns = 80}, screen.Writer());
+  progress.OnStage(8);
+  progress.OnPercentage(50);
+  EXPECT_EQ(screen.text,
+            "\r\033[K[..............................]   0% Converting Mail Items..."
+            "\r\033[K[###############...............]  50% Converting Mail Items...");
+  screen.text.clear();
+  progress.Clear();
+  progress.Clear();
+  EXPECT_EQ(screen.text, "\r\033[K");
+}
+
+TEST(Progress, TheSamePercentageIsNotDrawnTwiceAndOneAboveAHundredNotAtAll) {
+  Screen screen;
+  Progress progress({.bar = true}, screen.Writer());
+  progress.OnPercentage(7);
+  screen.text.clear();
+  progress.OnPercentage(7);
+  progress.OnPercentage(101);
+  EXPECT_EQ(screen.text, "");
+}
+
+TEST(Progress, ColorIsAMatterOfStyle) {
+  Screen screen;
+  Progress({.bar = true, .color = true}, screen.Writer()).OnPercentage(1);
+  EXPECT_NE(screen.text.find("\033[32m"), std::string::npos);
+  screen.text.clear();
+  Progress({.bar = true, .color = false}, screen.Writer()).OnPercentage(1);
+  EXPECT_EQ(screen.text.find("\033[3"), std::string::npos);
+}
+
+TEST(Progress, TheBarNeverFillsTheLastColumn) {
+  for (const int columns : {20, 40, 50, 60, 200}) {
+    Screen screen;
+    Progress progress({.bar = true, .color = false, .columns = columns}, screen.Writer());
+    progress.OnStage(5);
+    const std::size_t length = screen.text.size() - std::string_view("\r\033[K").size();
+    EXPECT_LT(length, std::max(columns, 40)) << columns;
+  }
+}
+
+TEST(Console, ShowsBoxesWithTheirTitleInPlaceOfTheBar) {
+  Screen screen;
+  Progress progress({.bar = true}, screen.Writer());
+  Console console(&progress, screen.Writer(), [] {});
+  progress.OnPercentage(1);
+  screen.text.clear();
+  console.OnBox(engine::BoxKind::kError, u"Error", u"Pst/Ost file is not valid.");
+  EXPECT_EQ(screen.text, "\r\033[KError: Pst/Ost file is not valid.\n");
+  EXPECT_EQ(console.LastError(), u"Pst/Ost file is not valid.");
+}
+
+TEST(Console, AnInformationIsNoError) {
+  Screen screen;
+  Console console(nullptr, screen.Writer(), [] {});
+  console.OnBox(engine::BoxKind::kInformation, u"Information", u"Recovery process aborted.");
+  EXPECT_EQ(screen.text, "Information: Recovery process aborted.\n");
+  EXPECT_EQ(console.LastError(), u"");
+}
+
+TEST(Console, CountsBeforeTheRunCloses) {
+  int counted = 0;
+  Screen screen;
+  Console console(nullptr, screen.Writer(), [&] { ++counted; });
+  console.OnMessage({engine::MSG_STAGE, 8, 0, {}});
+  EXPECT_EQ(counted, 0);
+  console.OnMessage({engine::MSG_STAGE, 9, 1, {}});
+  EXPECT_EQ(counted, 1);
+  EXPECT_FALSE(console.IsDone());
+  console.OnMessage({engine::MSG_DONE, 0, 0, {}});
+  EXPECT_TRUE(console.IsDone());
+}
+
+}  // namespace
+}  // namespace velmora::cli
