@@ -1,8 +1,8 @@
 #include "cli/exit_codes.h"
 
-#include <set>
-
 #include <gtest/gtest.h>
+
+#include <set>
 
 #include "conversion/messages.h"
 

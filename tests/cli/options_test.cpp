@@ -31,9 +31,8 @@ TEST(Options, TakesSourceAndDestination) {
 }
 
 TEST(Options, TakesEveryOption) {
-  const Options options =
-      std::get<Options>(Parse({"--smart", "--codepage", "windows-932", "--report", "-", "--trace=t", "--dry-run",
-                               "--log", "--quiet", "--no-progress", "a.ost", "out"}));
+  const Options options = std::get<Options>(Parse({"--smart", "--codepage", "windows-932", "--report", "-", "--trace=t",
+                                                   "--dry-run", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
   EXPECT_TRUE(options.smart && options.dryRun && options.log && options.quiet && options.noProgress);
   EXPECT_EQ(options.report, "-");
   EXPECT_EQ(options.trace, "t");
@@ -47,9 +46,14 @@ TEST(Options, NamesThatBeginWithADashStandBehindTwoDashes) {
 }
 
 TEST(Options, MistakesEndWithTheCodeForUsage) {
-  for (const std::vector<const char*>& words :
-       {std::vector<const char*>{}, {"a.ost"}, {"a", "b", "c"}, {"--odd", "a", "b"}, {"a", "b", "--report"},
-        {"", "b"}, {"a", ""}, {"--codepage", "none-such", "a", "b"}}) {
+  for (const std::vector<const char*>& words : {std::vector<const char*>{},
+                                                {"a.ost"},
+                                                {"a", "b", "c"},
+                                                {"--odd", "a", "b"},
+                                                {"a", "b", "--report"},
+                                                {"", "b"},
+                                                {"a", ""},
+                                                {"--codepage", "none-such", "a", "b"}}) {
     const Answer answer = AnswerTo(words);
     EXPECT_EQ(answer.code, ExitCode::kUsage);
     EXPECT_THAT(answer.text, StartsWith("velmora-convert: "));

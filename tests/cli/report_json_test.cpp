@@ -1,6 +1,7 @@
 #include "cli/report_json.h"
 
 #include <gtest/gtest.h>
+
 #include <nlohmann/json.hpp>
 
 namespace velmora::cli {
@@ -12,10 +13,10 @@ TEST(ReportJson, HasAllFieldsInTheirOrder) {
   const Json json = Json::parse(ReportJson({}, {}));
   std::vector<std::string> names;
   for (const auto& [name, value] : json.items()) names.push_back(name);
-  EXPECT_EQ(names, (std::vector<std::string>{"source", "destination", "storeKind", "format", "nodeCount",
-                                             "blockRecordCount", "orphanBlockCount", "blockEncoding", "folders",
-                                             "items", "attachments", "embedded", "skipped", "lost", "refusal",
-                                             "seconds", "peakRssKiB"}));
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"source", "destination", "storeKind", "format", "nodeCount", "blockRecordCount",
+                                      "orphanBlockCount", "blockEncoding", "folders", "items", "attachments",
+                                      "embedded", "skipped", "lost", "refusal", "seconds", "peakRssKiB"}));
   EXPECT_EQ(json["storeKind"], "");
   EXPECT_TRUE(json["format"].is_null());
   EXPECT_TRUE(json["refusal"].is_null());
@@ -33,8 +34,7 @@ TEST(ReportJson, TellsWhatWasFound) {
   report.recovery.items = {{u"IPM.Note", 2}};
   report.recovery.skipped[recovery::SkipReason::kNoFolder] = 4;
   report.recovery.lost = {{0x200024, 0x1234, u"IPM.Note", u"why"}};
-  const Json json =
-      Json::parse(ReportJson({u"/a.ost", u"/out/a.pst", u"Pst/Ost file is not valid.", 1.5, 77}, report));
+  const Json json = Json::parse(ReportJson({u"/a.ost", u"/out/a.pst", u"Pst/Ost file is not valid.", 1.5, 77}, report));
   EXPECT_EQ(json["source"], "/a.ost");
   EXPECT_EQ(json["destination"], "/out/a.pst");
   EXPECT_EQ(json["storeKind"], "ost");
