@@ -1,6 +1,9 @@
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 #include "engine/run_fixture.h"
@@ -360,6 +363,37 @@ TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeMadeEndsTheRun) {
   EXPECT_EQ(recorder_.Said(), (std::vector<std::string>{
                                   "32806", "32785", "Error: Some problem is encounterd to create temporary file."}));
   EXPECT_EQ(state_.percentBase, 400u) << "still that of the file";
+}
+
+/// No file may grow while this lives, as on a full disk.
+class FullDisk {
+ public:
+  FullDisk() {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit none{0, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_{};
+  void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeWrittenEndsTheRun) {
+  canvas_.Page(
+      Format::kUnicode, 18432,
+      forge::BlockPage(Format::kUnicode, {{.bid = 4, .offset = 64, .size = 1}, {.bid = 8, .offset = 64, .size = 1}}));
+  Attach(canvas_.bytes);
+  {
+    const FullDisk full;
+    ScanBlockPages(state_, run_);
+  }
+  EXPECT_TRUE(run_.runAborted);
+  EXPECT_EQ(recorder_.Said().back(), "Error: Some problem is encounterd to create temporary file.");
 }
 
 TEST_F(BlockPageScanTest, AnOldIndexFileIsReplaced) {
