@@ -92,6 +92,9 @@ void HeapWriter::Clear() {
   bids_.clear();
   ends_.clear();
   position_ = {};
+  first_ = {};
+  levels_ = {};
+  current_ = {};
 }
 
 Result<void> HeapWriter::OpenBlock(std::size_t block) {

@@ -79,6 +79,10 @@ void PropertyContextWriter::AddStream(PropTag tag, ndb::DataTreeWriter& value) {
 }
 
 void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
+  if (FixedSize(TypeOf(tag))) {
+    return Fail({ndb::FailureKind::kCorrupt, ndb::Named("property", tag), tree.size, "the property has no tree"});
+  }
+  if (auto fits = CheckSize(tag, tree.size); !fits) return Fail(fits.error());
   valueBytes_ += tree.size;
   AddSubnodeValue(tag, tree);
 }

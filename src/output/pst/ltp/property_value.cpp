@@ -39,16 +39,16 @@ std::size_t UnitOf(PropType type) {
 
 }  // namespace
 
+ndb::Result<void> CheckSize(PropTag tag, std::uint64_t size) {
+  const std::optional<std::size_t> fixed = FixedSize(TypeOf(tag));
+  const std::size_t unit = fixed ? *fixed : UnitOf(TypeOf(tag));
+  if (unit != 0 && (fixed ? size == unit : size % unit == 0)) return {};
+  return ndb::Corrupt(ndb::Named("property", tag), size, "the value does not fit its type");
+}
+
 ndb::Result<void> CheckValue(PropTag tag, std::span<const std::byte> value) {
+  if (auto fits = CheckSize(tag, value.size()); !fits) return fits;
   const PropType type = TypeOf(tag);
-  bool fits;
-  if (const std::optional<std::size_t> size = FixedSize(type)) {
-    fits = value.size() == *size;
-  } else {
-    const std::size_t unit = UnitOf(type);
-    fits = unit != 0 && value.size() % unit == 0;
-  }
-  if (!fits) return ndb::Corrupt(ndb::Named("property", tag), value.size(), "the value does not fit its type");
   if (type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary) {
     if (const auto elements = DecodeMultiple(value); !elements) return tl::unexpected(elements.error());
   }

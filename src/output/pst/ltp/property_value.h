@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "output/pst/ltp/prop_tag.h"
@@ -9,8 +10,10 @@
 
 namespace velmora::ltp {
 
-/// kCorrupt when the store has no such type, or when the value's size (of multiple values: its table of
-/// offsets) does not fit the type. Objects are no values.
+/// kCorrupt when the store has no such type, or when no value of it has `size` bytes. Objects are no values.
+ndb::Result<void> CheckSize(PropTag tag, std::uint64_t size);
+
+/// CheckSize, and of multiple values of variable size: whether the table of offsets fits.
 ndb::Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
 
 }  // namespace velmora::ltp

@@ -47,14 +47,14 @@ Result<DataTree> DataTreeWriter::Finish() {
   }
   Result<DataTree> tree = ndb_.WriteTreeOver(dataBids_, size_);
   if (tree) dataBids_.clear();
-  used_ = 0;
-  size_ = 0;
+  Clear();
   return tree;
 }
 
 void DataTreeWriter::Clear() {
   for (const Bid bid : dataBids_) static_cast<void>(ndb_.Discard({bid, 0}));
   dataBids_.clear();
+  buffer_ = {};
   used_ = 0;
   size_ = 0;
 }

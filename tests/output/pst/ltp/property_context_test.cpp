@@ -255,6 +255,8 @@ TEST_F(PropertyContexts, RefuseWhatTheFormatHasNoPlaceFor) {
   EXPECT_TRUE(refused([&] { writer_.Add(0x36020001, {}); })) << "unknown type";
   EXPECT_TRUE(refused([&] { writer_.Add(0x3602000D, std::span(bytes).first(8)); })) << "an object is no value";
   EXPECT_TRUE(refused([&] { writer_.AddObject(0x36020102, 0x803F, 1); })) << "a value is no object";
+  EXPECT_TRUE(refused([&] { writer_.AddTree(0x36020003, {4, 4}); })) << "a number has no tree";
+  EXPECT_TRUE(refused([&] { writer_.AddTree(0x3602001F, {4, 2001}); })) << "odd text in a tree";
   EXPECT_TRUE(refused([&] { writer_.AddSubnode(0x8025, {{4, 0}, 1}), writer_.AddSubnode(0x8025, {{4, 0}, 1}); }));
   writer_.AddInteger32(0x36020003, 1);
   EXPECT_EQ(Reopened().Records().size(), 1u) << "the writer is ready for the next node after a failure";

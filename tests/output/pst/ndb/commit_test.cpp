@@ -1,7 +1,10 @@
 // What a file holds when the writer is stopped at any point.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <string>
 
 #include "output/pst/ndb/allocation_map.h"
 #include "output/pst/ndb/data_tree_reader.h"
@@ -129,6 +132,34 @@ TEST(Commit, WithoutAChangeWritesNothing) {
   changes = 0;
   ASSERT_TRUE(ndb->Commit());
   EXPECT_EQ(changes, 0);
+}
+
+/// Writes down in which order places are written and handed to the disk.
+class OrderedFile : public platform::MemoryFile {
+ public:
+  platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    steps += offset == 0 ? "H" : "w";
+    return MemoryFile::WriteAt(offset, bytes);
+  }
+  platform::Result<void> Flush() override {
+    steps += "|";
+    return {};
+  }
+  std::string steps;
+};
+
+TEST(Commit, HandsEverythingToTheDiskBeforeTheHeaderAndThenTheHeader) {
+  OrderedFile file;
+  const auto ndb = NdbWriter::Create(file).value();
+  file.steps.clear();
+  ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(test::Noise(10))->bid, 0}, 0));
+  ASSERT_TRUE(ndb->Commit());
+  EXPECT_THAT(file.steps, testing::MatchesRegex("w+.H.")) << "blocks and trees";
+  EXPECT_EQ(std::count(file.steps.begin(), file.steps.end(), '|'), 2);
+  file.steps.clear();
+  ASSERT_TRUE(ndb->Seal());
+  EXPECT_THAT(file.steps, testing::MatchesRegex("w+.H.")) << "trees and maps";
+  EXPECT_EQ(std::count(file.steps.begin(), file.steps.end(), '|'), 2);
 }
 
 TEST(Commit, LetsAStoreThatIsRewrittenAllTheTimeStaySmall) {
