@@ -85,7 +85,7 @@ void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t
   }
 }
 
-Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout) {
+Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords) {
   const Result<std::span<const std::byte>> header = heap.Item(hidHeader);
   if (!header) return tl::unexpected(header.error());
   if (header->size() < kBthHeaderSize || (*header)[0] != static_cast<std::byte>(ClientSig::kBTree) ||
@@ -117,6 +117,9 @@ Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayou
     }
     bytesLeft -= count * recordSize;
     if (level == 0) {
+      if (records.size() / recordSize + count > maxRecords) {
+        return Corrupt(ndb::Named("heap item", hid), maxRecords, "the tree has too many records");
+      }
       records.insert(records.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(count * recordSize));
       continue;
     }

@@ -31,6 +31,10 @@ struct BthLayout {
 inline constexpr BthLayout kPropertyLayout{2, 6};
 inline constexpr BthLayout kRowIndexLayout{4, 4};
 
+/// Keys are distinct, so there are no more properties than ids, and no more rows than a heap has room for.
+inline constexpr std::size_t kMaxProperties = 0x10000;
+inline constexpr std::size_t kMaxRows = kMaxHeapBlocks * ndb::kMaxBlockData / kRowIndexLayout.LeafRecord();
+
 /// Writes record `index` into `out`.
 using EncodeRecord = std::function<void(std::size_t index, std::span<std::byte> out)>;
 
@@ -42,8 +46,8 @@ ndb::Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& lay
 /// Moves `position` behind the items that WriteBth writes for `count` records.
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count);
 
-/// All records of a tree, back to back, as they stand. kCorrupt when the tree has another layout or does not
-/// fit into its heap.
-ndb::Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout);
+/// All records of a tree, back to back, as they stand. kCorrupt when the tree has another layout, does not fit
+/// into its heap or has more than `maxRecords`.
+ndb::Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords);
 
 }  // namespace velmora::ltp

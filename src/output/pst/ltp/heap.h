@@ -1,6 +1,7 @@
 // Reads a heap.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -20,7 +21,7 @@ class Heap {
   Hid UserRoot() const { return hidUserRoot_; }
 
   /// Bytes of all blocks: no walk over items of a sound heap meets more.
-  std::uint64_t Size() const { return blocks_.BlockCount() * std::uint64_t{ndb::kMaxBlockData}; }
+  std::uint64_t Size() const { return std::min(blocks_.BlockCount(), kMaxHeapBlocks) * ndb::kMaxBlockData; }
 
   /// The bytes of an item, valid until the next call. kCorrupt when the id names no item.
   ndb::Result<std::span<const std::byte>> Item(Hid hid);

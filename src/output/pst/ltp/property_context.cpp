@@ -17,7 +17,7 @@ using ndb::Result;
 Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   Result<Heap> heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext);
   if (!heap) return tl::unexpected(heap.error());
-  const Result<std::vector<std::byte>> bytes = ReadBth(*heap, heap->UserRoot(), kPropertyLayout);
+  const Result<std::vector<std::byte>> bytes = ReadBth(*heap, heap->UserRoot(), kPropertyLayout, kMaxProperties);
   if (!bytes) return tl::unexpected(bytes.error());
   PropertyContext context(source, std::move(*heap), node.bidSub);
   context.records_.reserve(bytes->size() / kPropertyLayout.LeafRecord());
@@ -26,10 +26,12 @@ Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, co
                                 static_cast<PropType>(Load<std::uint16_t>(*bytes, at + 2)),
                                 Load<std::uint32_t>(*bytes, at + 4)});
   }
+  // In a damaged tree the order may be wrong and ids may repeat; the first of an id counts.
+  std::vector<PropertyRecord>& records = context.records_;
   const auto byId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId < b.wPropId; };
-  if (!std::is_sorted(context.records_.begin(), context.records_.end(), byId)) {
-    std::stable_sort(context.records_.begin(), context.records_.end(), byId);
-  }
+  if (!std::is_sorted(records.begin(), records.end(), byId)) std::stable_sort(records.begin(), records.end(), byId);
+  const auto sameId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId == b.wPropId; };
+  records.erase(std::unique(records.begin(), records.end(), sameId), records.end());
   return context;
 }
 

@@ -22,7 +22,7 @@ class PropertyContext {
   /// `source` must outlive the reader. kCorrupt when the node is no property context.
   static ndb::Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
 
-  /// All records by ascending id.
+  /// All records by ascending id, one for each.
   std::span<const PropertyRecord> Records() const { return records_; }
 
   /// The record of a property id, whatever its type; null when it is not there.

@@ -27,7 +27,7 @@ Result<TableContext> TableContext::Open(const ndb::BlockSource& source, const nd
   if (!infoBytes) return tl::unexpected(infoBytes.error());
   Result<TableInfo> info = DecodeTableInfo(*infoBytes);
   if (!info) return tl::unexpected(info.error());
-  const Result<std::vector<std::byte>> index = ReadBth(*heap, info->hidRowIndex, kRowIndexLayout);
+  const Result<std::vector<std::byte>> index = ReadBth(*heap, info->hidRowIndex, kRowIndexLayout, kMaxRows);
   if (!index) return tl::unexpected(index.error());
 
   TableContext table(source, std::move(*heap), node.bidSub);

@@ -43,7 +43,7 @@ TEST_F(Bths, GrowALevelWhereAnItemDoesNotHoldTheirRecords) {
     EXPECT_EQ(Load<std::uint8_t>(header, 2), 4);
     EXPECT_EQ(Load<std::uint8_t>(header, 3), levels) << count;
     EXPECT_EQ(Load<std::uint32_t>(header, 4) == 0, count == 0);
-    const std::vector<std::byte> records = ReadBth(heap, 0x20, kRowIndexLayout).value();
+    const std::vector<std::byte> records = ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).value();
     ASSERT_EQ(records.size(), count * 8);
     for (std::size_t i = 0; i < count; ++i) {
       ASSERT_EQ(Load<std::uint32_t>(records, i * 8), i * 3);
@@ -66,9 +66,9 @@ TEST_F(Bths, NameTheFirstKeyOfEachChild) {
 
 TEST_F(Bths, OfAnotherLayoutAreRefused) {
   Heap heap = Written(3);
-  EXPECT_EQ(ReadBth(heap, 0x20, kPropertyLayout).error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(ReadBth(heap, 0x40, kRowIndexLayout).error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(ReadBth(heap, 0, kRowIndexLayout).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ReadBth(heap, 0x20, kPropertyLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ReadBth(heap, 0x40, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ReadBth(heap, 0, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
 }
 
 TEST_F(Bths, ThatReferToThemselvesEnd) {
@@ -81,14 +81,20 @@ TEST_F(Bths, ThatReferToThemselvesEnd) {
   }
   writer.Add(index).value();
   Heap heap = Heap::Open(*ndb_, writer.Finish(0x20)->bid, ClientSig::kTableContext).value();
-  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+}
+
+TEST_F(Bths, OfMoreRecordsThanTheyMayHaveAreRefused) {
+  Heap heap = Written(500);
+  EXPECT_TRUE(ReadBth(heap, 0x20, kRowIndexLayout, 500));
+  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, 499).error().kind, FailureKind::kCorrupt);
 }
 
 TEST_F(Bths, OfTooManyLevelsAreRefused) {
   HeapWriter writer(*ndb_, ClientSig::kTableContext);
   writer.Add(test::Bytes({0xB5, 4, 4, 9, 0x20, 0, 0, 0})).value();
   Heap heap = Heap::Open(*ndb_, writer.Finish(0x20)->bid, ClientSig::kTableContext).value();
-  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
 }
 
 }  // namespace

@@ -1,0 +1,127 @@
+// How fast the lower layers of a store take data, items and rows.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+
+#include "output/pst/ltp/property_context.h"
+#include "output/pst/ltp/property_context_writer.h"
+#include "output/pst/ltp/table_context_writer.h"
+#include "output/pst/ndb/ndb_writer.h"
+#include "output/pst/ndb/weak_crc.h"
+#include "platform/memory_file.h"
+
+namespace velmora {
+namespace {
+
+using ltp::PropType;
+
+/// Takes everything and keeps nothing: what is measured is the forming of the store.
+class NoFile : public platform::ByteStore {
+ public:
+  std::uint64_t Size() const override { return size_; }
+  platform::Result<std::size_t> ReadAt(std::uint64_t, std::span<std::byte> out) const override { return out.size(); }
+  platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+    return {};
+  }
+  platform::Result<void> Resize(std::uint64_t size) override {
+    size_ = size;
+    return {};
+  }
+  platform::Result<void> Flush() override { return {}; }
+
+ private:
+  std::uint64_t size_ = 0;
+};
+
+std::vector<std::byte> Sample(std::size_t size) {
+  std::vector<std::byte> bytes(size);
+  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::byte>(i * 31 + i / 977);
+  return bytes;
+}
+
+void Checksum(benchmark::State& state) {
+  const std::vector<std::byte> bytes = Sample(ndb::kMaxBlockData);
+  for (auto _ : state) benchmark::DoNotOptimize(ndb::WeakCrc(bytes));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+BENCHMARK(Checksum);
+
+void Data(benchmark::State& state) {
+  const std::vector<std::byte> bytes = Sample(1 << 20);
+  for (auto _ : state) {
+    NoFile file;
+    const auto ndb = ndb::NdbWriter::Create(file).value();
+    ndb::DataTreeWriter tree(*ndb);
+    for (int i = 0; i < 256; ++i) {
+      if (!tree.Append(bytes)) state.SkipWithError("the data cannot be written");
+    }
+    benchmark::DoNotOptimize(tree.Finish());
+  }
+  state.SetBytesProcessed(state.iterations() * 256 * static_cast<std::int64_t>(bytes.size()));
+}
+BENCHMARK(Data)->Unit(benchmark::kMillisecond);
+
+/// A node as a short mail makes one: 32 properties, the body beside the heap.
+ndb::Nid WriteItem(ndb::NdbWriter& ndb, ltp::PropertyContextWriter& item) {
+  static const text::Text kText(40, u'x');
+  static const text::Text kBody(1200, u'b');
+  for (std::uint16_t i = 0; i < 15; ++i) item.AddInteger32(ltp::MakeTag(0x3600 + i, PropType::kInteger32), i);
+  for (std::uint16_t i = 0; i < 12; ++i) item.AddText(ltp::MakeTag(0x0E00 + i, PropType::kString), kText);
+  for (std::uint16_t i = 0; i < 4; ++i) item.AddInteger64(ltp::MakeTag(0x3000 + i, PropType::kTime), i);
+  item.AddText(ltp::MakeTag(0x1000, PropType::kString), kBody);
+  const ndb::WrittenNode node = item.Finish().value();
+  const ndb::Nid nid = ndb.NewNid(ndb::NidType::kNormalMessage);
+  return ndb.SetNode(nid, node.trees, 0x8022) ? nid : 0;
+}
+
+void Items(benchmark::State& state) {
+  NoFile file;
+  const auto ndb = ndb::NdbWriter::Create(file).value();
+  ltp::PropertyContextWriter item(*ndb);
+  for (auto _ : state) benchmark::DoNotOptimize(WriteItem(*ndb, item));
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(Items);
+
+void OpenItem(benchmark::State& state) {
+  platform::MemoryFile file;
+  const auto ndb = ndb::NdbWriter::Create(file).value();
+  ltp::PropertyContextWriter item(*ndb);
+  const ndb::Nid nid = WriteItem(*ndb, item);
+  for (auto _ : state) {
+    auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees).value();
+    benchmark::DoNotOptimize(context.Text(ltp::MakeTag(0x0E03, PropType::kString)));
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(OpenItem);
+
+constexpr std::array<ltp::Column, 5> kColumns{{{0x0E060040, 12, 8, 2},
+                                               {0x0E070003, 8, 4, 3},
+                                               {0x3001001F, 20, 4, 4},
+                                               {ltp::kPidTagLtpRowId, 0, 4, 0},
+                                               {ltp::kPidTagLtpRowVer, 4, 4, 1}}};
+constexpr ltp::TableSchema kSchema{kColumns, {24, 24, 24, 25}};
+static_assert(IsSound(kSchema));
+
+void TableRows(benchmark::State& state) {
+  const std::vector<std::byte> name(60);
+  const std::vector<std::byte> number(4);
+  const std::array<ltp::PropertyView, 2> cells{{{0x3001001F, name}, {0x0E070003, number}}};
+  for (auto _ : state) {
+    NoFile file;
+    const auto ndb = ndb::NdbWriter::Create(file).value();
+    ltp::TableContextWriter table(*ndb, kSchema);
+    for (std::uint32_t i = 0; i < state.range(0); ++i) {
+      if (!table.AddRow(i, cells)) state.SkipWithError("the row cannot be written");
+    }
+    benchmark::DoNotOptimize(table.Finish());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(TableRows)->Arg(1000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace velmora
