@@ -14,6 +14,9 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kPortionTime = std::chrono::milliseconds(100);
 constexpr std::size_t kMostInPortion = 2000;
 
+/// The beginning of a body tells what it is about; a folder of long ones must not fill the memory.
+constexpr qsizetype kMostInValue = 32767;
+
 class Fill {
  public:
   Fill(FinishedStore& store, const FillKind& kind, FillTarget& target) : store_(store), kind_(kind), target_(target) {}
@@ -53,7 +56,7 @@ class Fill {
     Category& category = portion_.emplace_back();
     category.caption = caption.empty() ? QStringLiteral("UnKnown") : ToQt(caption);
     for (const GridRow& row : kind_.rows) {
-      if (auto value = ValueOf(item, row)) category.rows.push_back({&row, std::move(*value)});
+      if (auto value = ValueOf(item, row)) category.rows.push_back({&row, value->left(kMostInValue)});
     }
   }
 

@@ -1,9 +1,9 @@
 #include "workflow/panes/grid_rows.h"
 
-#include <QFont>
 #include <algorithm>
 #include <iterator>
 
+#include "workflow/panes/one_line.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -12,17 +12,7 @@ namespace {
 /// Id of the indexes of categories; a field has the number of its category behind it.
 constexpr quintptr kCategoryId = 0;
 
-constexpr qsizetype kMostInRow = 300;
 constexpr qsizetype kMostInTip = 4000;
-
-/// As much of a value as one line takes.
-QString OneLine(const QString& value) {
-  QString line = value.left(kMostInRow);
-  std::replace_if(
-      line.begin(), line.end(),
-      [](QChar c) { return c < u' ' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator; }, QChar(u' '));
-  return value.size() > kMostInRow ? line + QChar(0x2026) : line;
-}
 
 }  // namespace
 
