@@ -23,10 +23,12 @@ std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engin
     if (property.id == kMessageClassId) return std::nullopt;  // a message
     if (property.id != kDisplayNameId && property.id != kContainerClassId) continue;
 
-    const auto range = RangeOf(block, context.Header().ibHnpm, property.value, kFolderRules.emptyEnd);
-    if (!range) return std::nullopt;
-    // Identifier 0 names no allocation.
-    text::Text value = property.value == 0 ? text::Text() : CopyHeapText(range->In(block), wide, codePage);
+    text::Text value;
+    if (property.value != 0) {  // identifier 0 names no allocation: the text is empty
+      const auto range = RangeOf(block, context.Header().ibHnpm, property.value, kFolderRules.emptyEnd);
+      if (!range) return std::nullopt;
+      value = CopyHeapText(range->In(block), wide, codePage);
+    }
     if (property.id == kContainerClassId) {
       folder.containerClass = std::move(value);
       break;

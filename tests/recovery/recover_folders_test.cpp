@@ -117,6 +117,15 @@ TEST_F(RecoverFoldersTest, AClassThroughIdentifierZeroIsEmptyAndBecomesTheDefaul
   EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"a", u"IPF.Note")));
 }
 
+TEST_F(RecoverFoldersTest, IdentifierZeroIsEmptyThoughTheWordThatItWouldLeadToIsOutOfBounds) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x8042,
+          AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"Inbox"), Value(0x3613, 0x001F, 0)}, {.freeCount = 0xFFFF})), 0,
+          0x122);
+  Folders();
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"Inbox", u"IPF.Note")));
+}
+
 TEST_F(RecoverFoldersTest, ANameOrAClassOutOfBoundsMakesTheBlockNoFolder) {
   AddNode(0x21, 0, 0, 0x22);
   AddNode(0x8042, AddBlock(0x40, HeapBlock({Value(0x3001, 0x1F, 0x803F)})), 0, 0x122);
