@@ -38,7 +38,7 @@ std::uint64_t GuidTail(ByteView block, std::uint64_t guid) {
 }  // namespace
 
 void NameMapReader::ReadNameToIdMap(std::uint32_t bidData, std::uint32_t bidSub) {
-  if (!read_.emplace(bidData, bidSub).second) return;
+  if (!read_.emplace(bidData, bidSub, engine_.blockEncoding).second) return;
   const auto record = blocks_.FindBlockOrLower(bidData);
   if (!record) return;
   auto bytes = ReadHeapBlock(engine_, *record, record->bid, kNameMapRules);
@@ -65,6 +65,7 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
                                                    const PropertyContext& context) {
   const std::uint16_t ibHnpm = context.Header().ibHnpm;
   const std::uint32_t count = context.Count();
+  const std::size_t blockSize = bytes.size();
   bool guidsDone = false;
   for (std::uint32_t index = 0; index < count; ++index) {
     const PropertyRecord property =
@@ -74,7 +75,7 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
     if (!guidsDone) {  // the stream has the lowest id of the binary properties in the map
       const ByteView block(bytes);
       const std::uint32_t position = HeapPosition(ibHnpm, property.value);
-      if (position > block.Size()) return NextStep::kEnd;
+      if (position > blockSize) return NextStep::kEnd;
       const HeapRange stream{block.U16(position), block.U16(position + 2u)};
       if (stream.end <= stream.start) return NextStep::kBlockWalks;
       ReadGuids(block, stream);
@@ -83,7 +84,7 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
 
     // Every record from here on, the stream's own included, is taken for a hash bucket.
     const std::uint32_t offset = (property.value >> 4 & 0xFFFF) + ibHnpm + 2;
-    if (offset > bytes.size()) {
+    if (offset > blockSize) {
       if (!Take(offset + kReadBehindBucket)) return NextStep::kEnd;
       auto longer = blocks_.ReadChunk(record.offset, offset + kReadBehindBucket);
       if (!longer) return NextStep::kEnd;

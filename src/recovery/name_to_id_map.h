@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <set>
-#include <utility>
+#include <tuple>
 
 #include "engine/block_reader.h"
 #include "recovery/named_prop_map.h"
@@ -12,8 +12,8 @@
 namespace velmora::recovery {
 
 /// One a run. Whatever the bytes, the work is bounded: recursion ends at depth 32, a pair of blocks that was read
-/// is not read again (it would add nothing), and all walks of a run together look at 128 MiB of blocks at most,
-/// hundreds of times what the largest map takes; beyond that they find nothing more.
+/// is not read again under the same block encoding (it would add nothing), and all walks of a run together look at 128
+/// MiB of blocks at most, hundreds of times what the largest map takes; beyond that they find nothing more.
 class NameMapReader {
  public:
   NameMapReader(engine::EngineState& engine, NamedPropMap& map) : engine_(engine), blocks_(engine), map_(map) {}
@@ -46,7 +46,7 @@ class NameMapReader {
   engine::EngineState& engine_;
   engine::BlockReader blocks_;
   NamedPropMap& map_;
-  std::set<std::pair<std::uint32_t, std::uint32_t>> read_;
+  std::set<std::tuple<std::uint32_t, std::uint32_t, engine::BlockEncoding>> read_;
   std::uint64_t left_ = std::uint64_t{128} << 20;
 };
 

@@ -226,6 +226,28 @@ TEST_F(NameMapTest, AMapOfAnOstThatIsEncodedIsNotReadAsAHeap) {
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u) << "plain as it is stored, so no encoding is undone";
 }
 
+TEST_F(NameMapTest, ACopyOfTheNodeIsReadAgainOnceTheEncodingIsKnown) {
+  const Bytes plain = MapBlock(Guid(kMapiTail), {Bucket(Entry(0x8503, 1))});
+  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  Bytes decoded(256);
+  for (std::size_t i = 0; i < decoded.size(); ++i) decoded[i] = static_cast<std::byte>(i);
+  engine::BlockReader(engine_).DecodeBlock(8, decoded);
+  Bytes encoded(plain.size());
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    encoded[i] = static_cast<std::byte>(std::ranges::find(decoded, plain[i]) - decoded.begin());
+  }
+  AddBlock(8, encoded);
+  Settle();
+
+  NameMapReader reader(engine_, map_);
+  engine_.blockEncoding = engine::BlockEncoding::kNone;
+  reader.ReadNameToIdMap(8, 0);
+  EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8001u);
+  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  reader.ReadNameToIdMap(8, 0);
+  EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u);
+}
+
 TEST_F(NameMapTest, ABucketBehindTheBlockMakesALongerReadOfIt) {
   std::vector<RecordSpec> specs = {Data(0x0002, 0x0102, Guid(kMapiTail))};
   while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
@@ -247,6 +269,38 @@ TEST_F(NameMapTest, ABucketBehindTheBlockMakesALongerReadOfIt) {
   AddBlock(12, behind);
   Read(8);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u);
+}
+
+TEST_F(NameMapTest, EachBucketBehindTheBlockIsReadAnewAsFarAsItAsks) {
+  std::vector<RecordSpec> specs = {Data(0x0002, 0x0102, Guid(kMapiTail))};
+  while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
+  Bytes block = HeapBlock(specs);
+  const std::uint16_t ibHnpm = engine::ByteView(block).U16(0);
+  const auto records = PropertyContext(engine::ByteView(block), engine_, kNameMapRules).Records();
+  const std::size_t near = block.size() + 100;
+  const std::size_t far = block.size() + 1000;
+  std::uint32_t record = records.start;
+  for (const std::size_t position : {far, near}) {
+    record += 8;
+    PutNumber<std::uint16_t>(block, record + 2, 0x0102);
+    PutNumber(block, record + 4, static_cast<std::uint32_t>((position - ibHnpm - 2) << 4));
+  }
+
+  // One bucket stands where the second read reaches, one where only the first, longer one would.
+  const std::size_t behindAt = (block.size() + 63) / 64 * 64;
+  const auto readWithBucketAt = [&](std::uint32_t bid, std::size_t bucketAt) {
+    AddBlock(bid, block);
+    Bytes behind(1600);
+    PutNumber(behind, near - behindAt, static_cast<std::uint16_t>(bucketAt));
+    PutNumber(behind, near - behindAt + 2, static_cast<std::uint16_t>(bucketAt + 16));
+    std::ranges::copy(Bucket(Entry(0x8503, 1)), behind.begin() + static_cast<std::ptrdiff_t>(bucketAt - behindAt));
+    AddBlock(bid + 4, behind);
+    map_ = {};
+    Read(bid);
+    return map_.TranslateNamedId(0x8001);
+  };
+  EXPECT_EQ(readWithBucketAt(8, near + 400), 0x8503u);
+  EXPECT_EQ(readWithBucketAt(16, near + 600), 0x8001u);
 }
 
 TEST_F(NameMapTest, AHugeMapIsFound) {
