@@ -8,8 +8,7 @@
 
 namespace velmora::messaging {
 
-/// Objects of one folder compare equal by what they stand for only as long as the same reference is used:
-/// each request makes a new one.
+/// One reference to a folder. Each request makes an object of its own, which keeps the store open.
 class FolderObject : public output::RDOFolder, public std::enable_shared_from_this<FolderObject> {
  public:
   FolderObject(std::shared_ptr<Store> store, Folder& folder) : store_(std::move(store)), folder_(folder) {}
