@@ -18,15 +18,14 @@ constexpr FixedSize kFixedSizes[] = {
 
 CXCmdBtn::CXCmdBtn(QWidget* parent) : ArtButton(parent) { setCursor(Qt::PointingHandCursor); }
 
-void CXCmdBtn::SetImages(int normal, int hover, int pressed) {
+bool CXCmdBtn::SetImages(int normal, int hover, int pressed) {
   const auto set = [](Image& image, int id) {
     image.id = id;
-    image.art.Load(id);
+    return image.art.Load(id);
   };
-  set(normal_, normal);
-  set(hover_, hover);
-  set(pressed_, pressed);
+  const bool hasNormal = set(normal_, normal), hasHover = set(hover_, hover), hasPressed = set(pressed_, pressed);
   update();
+  return hasNormal && hasHover && hasPressed;
 }
 
 void CXCmdBtn::SetDisplayClass(DisplayClass display) {

@@ -14,8 +14,8 @@ class CXCmdBtn : public ArtButton {
  public:
   explicit CXCmdBtn(QWidget* parent);
 
-  /// Numbers of the images.
-  void SetImages(int normal, int hover, int pressed);
+  /// Numbers of the images. Returns whether all of them are there.
+  bool SetImages(int normal, int hover, int pressed);
   void SetDisplayClass(DisplayClass display);
   void SetImageOnly(bool imageOnly);
 

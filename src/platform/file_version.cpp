@@ -32,6 +32,7 @@ std::optional<FileVersion> ReadFileVersion(const std::filesystem::path& file) {
       // The structure's own version tells it from a constant in the code.
       if (U32(at) != FileVersionBlock{}.signature || U32(at + 4) != FileVersionBlock{}.structureVersion) continue;
       const std::uint32_t high = U32(at + 8), low = U32(at + 12);
+      if (high == 0 && low == 0) continue;  // a block that nobody filled
       return FileVersion{static_cast<std::uint16_t>(high >> 16), static_cast<std::uint16_t>(high),
                          static_cast<std::uint16_t>(low >> 16), static_cast<std::uint16_t>(low)};
     }

@@ -29,8 +29,10 @@ TEST(FileVersionTest, AFileWithoutABlockHasNone) {
   const auto folder = TemporaryFolder::Create();
   std::ofstream(folder->Path() / "short") << "MZ";
   std::ofstream(folder->Path() / "cut", std::ios::binary) << Bytes({}).substr(0, 15);
-  std::ofstream(folder->Path() / "other", std::ios::binary) << Bytes({.structureVersion = 2}) << "........";
-  for (const char* name : {"short", "cut", "other", "missing"})
+  std::ofstream(folder->Path() / "other", std::ios::binary)
+      << Bytes({.structureVersion = 2, .fileVersionHigh = 1}) << "........";
+  std::ofstream(folder->Path() / "unfilled", std::ios::binary) << Bytes({}) << "........";
+  for (const char* name : {"short", "cut", "other", "unfilled", "missing"})
     EXPECT_EQ(ReadFileVersion(folder->Path() / name), std::nullopt);
 }
 

@@ -1,0 +1,116 @@
+#include "workflow/about_dlg.h"
+
+#include <QPainter>
+
+#include "controls/hyper_link.h"
+#include "controls/x_cmd_btn.h"
+#include "platform/shell.h"
+#include "resources/string_table.h"
+#include "resources/texts.h"
+#include "workflow/application.h"
+#include "workflow/boxes.h"
+#include "workflow/main_frame.h"
+#include "workflow/page_palette.h"
+#include "workflow/qt_text.h"
+
+namespace velmora::workflow {
+namespace {
+
+constexpr QSize kSize{435, 190};
+constexpr QColor kBorder(0x56, 0x56, 0x56), kLine(0xB4, 0xB4, 0xB4), kVersionColour(0x0C, 0x6F, 0xAD);
+constexpr int kOkImages[] = {150, 151, 152};
+
+struct Link {
+  int id;
+  const char* captionKey;
+  const char* targetKey;
+};
+
+// The maker's page has no caption of its own: it shows its address.
+constexpr Link kLinks[] = {
+    {CAboutDlg::kUninstallId, "IDS_UNINSTALL_URL_TXT", "IDS_UNINSTALL_URL"},
+    {CAboutDlg::kPolicyId, "IDS_POLICY_URL_TXT", "IDS_POLICY_URL"},
+    {CAboutDlg::kMakerId, "IDS_URL_ABOUT", "IDS_URL_ABOUT"},
+};
+
+}  // namespace
+
+CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
+    : QDialog(owner), frame_(frame), language_(frame.Base().LanguageFile()) {
+  setWindowTitle(
+      QStringLiteral("%1 %2").arg(language_.Text("IDS_ABOUT"), ToQt(resources::LoadString(resources::kProductTitle))));
+  setFixedSize(kSize);
+  setPalette(PagePalette());
+  QFont small = font();
+  small.setFamilies({QStringLiteral("Trebuchet MS"), font().family()});
+  small.setPixelSize(11);
+  setFont(small);
+  logo_.Load(QStringLiteral("about"));
+  mark_.Load(128, "ICON");
+  version_ = VersionText(frame.Machine().programFile);
+  if (version_.isEmpty()) version_ = ToQt(resources::kUnknownVersion);
+  setAccessibleDescription(language_.Text("IDS_VERSION_TEXT") + u' ' + version_);
+  AddLinks();
+
+  auto* ok = new controls::CXCmdBtn(this);
+  ok->setObjectName(QString::number(kOkId));
+  if (!ok->SetImages(kOkImages[0], kOkImages[1], kOkImages[2])) {
+    ShowBox(this, resources::kButtonCreationFailed, resources::LoadString(resources::kProductTitle), BoxIcon::Error);
+  }
+  ok->setText(language_.Text("IDS_OK"));
+  ok->setAccessibleName(ok->text());
+  ok->setGeometry(337, 150, 84, 28);
+  connect(ok, &QAbstractButton::clicked, this, &QDialog::accept);
+  ok->setFocus();
+  if (owner != nullptr) move(owner->geometry().center() - rect().center());
+}
+
+void CAboutDlg::AddLinks() {
+  QPoint place(70, 124);
+  for (const Link& link : kLinks) {
+    const QString caption = language_.Text(link.captionKey);
+    if (caption.isEmpty()) {
+      ShowBox(this, resources::kLinkCreationFailed, resources::LoadString(resources::kProductTitle), BoxIcon::Error);
+      continue;
+    }
+    auto* made = new controls::CHyperLink(link.id, caption, this);
+    made->setObjectName(QString::number(link.id));
+    made->setToolTip(language_.Text(link.targetKey));
+    if (link.id == kMakerId) place = QPoint(18, 156);
+    made->setGeometry(QRect(place, made->sizeHint()).adjusted(0, 0, 0, 4));
+    place.rx() += made->width() + 18;
+    connect(made, &controls::CHyperLink::Clicked, this, &CAboutDlg::OpenLink);
+  }
+}
+
+void CAboutDlg::OpenLink(int id) {
+  const Link* link =
+      std::find_if(std::begin(kLinks), std::end(kLinks), [id](const Link& each) { return each.id == id; });
+  const std::string target = language_.Text(link->targetKey).toStdString();
+  const int code = frame_.Machine().openWithShell(target);
+  if (code >= platform::kShellSuccess) return;
+  if (code == 0 || code == platform::kShellFileNotFound || code == platform::kShellNoProgram) {
+    frame_.Machine().openInBrowser(target);
+  } else if (const text::TextView reason = resources::LinkFailureText(code); !reason.empty()) {
+    ShowBox(this, reason, FromQt(language_.Text("IDS_ERROR")), BoxIcon::Error);
+  }
+}
+
+void CAboutDlg::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), Qt::white);
+  painter.setPen(QPen(kBorder, 2));
+  painter.drawRect(rect().adjusted(1, 1, -1, -1));
+  logo_.Draw(painter, QRectF(13, 13, 300, 44));
+  painter.setPen(QPen(kLine, 1));
+  painter.drawLine(2, 70, width() - 3, 70);
+  painter.setPen(QPen(kLine, 1, Qt::DotLine));
+  painter.drawLine(63, 127, 63, 145);
+  mark_.Draw(painter, QRectF(26, 124, 24, 24));
+  painter.setPen(kVersionColour);
+  const int line = fontMetrics().height();
+  painter.drawText(QRect(20, 77, 52, line), Qt::AlignLeft, language_.Text("IDS_VERSION_TEXT"));
+  painter.drawText(QRect(72, 77, 300, line), Qt::AlignLeft, version_);
+}
+
+}  // namespace velmora::workflow

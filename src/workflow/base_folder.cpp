@@ -1,0 +1,39 @@
+#include "workflow/base_folder.h"
+
+#include <iterator>
+#include <string>
+
+#include "platform/ini_file.h"
+
+namespace velmora::workflow {
+namespace {
+
+constexpr const char* kSection = "OST to PST Texts";
+constexpr const char* kLanguages[] = {"English", "French", "German", "Italian", "Spanish"};
+constexpr int kLongestText = 2000;
+
+}  // namespace
+
+std::filesystem::path BaseFolder::Help() const {
+  std::error_code ignored;
+  const std::filesystem::path help = path_ / "vm-oxp.chm";
+  return std::filesystem::exists(help, ignored) ? help : path_ / "vm-oxp.html";
+}
+
+std::filesystem::path BaseFolder::LanguageFile() const {
+  const auto settings = platform::IniFile::Load(Settings());
+  const std::string choice = settings ? settings->Value(kSection, "IDS_LANGUAGE").value_or("") : "";
+  // The first character alone counts. A digit without a language names a file that is not there.
+  const bool isDigit = !choice.empty() && choice[0] >= '0' && choice[0] <= '9';
+  const std::size_t index = isDigit ? std::size_t(choice[0] - '0') : 0;
+  const std::string name = index < std::size(kLanguages) ? kLanguages[index] : "";
+  return path_ / "Lang" / (name + ".INI");
+}
+
+QString Language::Text(const char* key) const {
+  const auto file = platform::IniFile::Load(file_);
+  const std::string text = file ? file->Value(kSection, key).value_or("") : "";
+  return QString::fromStdString(text).left(kLongestText);
+}
+
+}  // namespace velmora::workflow

@@ -1,0 +1,18 @@
+// Message boxes.
+#pragma once
+
+#include "text/text.h"
+
+class QWidget;
+
+namespace velmora::workflow {
+
+enum class BoxIcon { None, Information, Warning, Error };
+
+/// A modal box with an OK button. `owner` may be null.
+void ShowBox(QWidget* owner, text::TextView message, text::TextView title, BoxIcon icon);
+
+/// A modal box with Yes and No and an information icon. Closing it is a No.
+bool AskYesNo(QWidget* owner, text::TextView question, text::TextView title);
+
+}  // namespace velmora::workflow

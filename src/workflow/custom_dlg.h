@@ -1,0 +1,15 @@
+// The start page: two large buttons.
+#pragma once
+
+#include "workflow/page.h"
+
+namespace velmora::workflow {
+
+class CCustomDlg : public Page {
+  Q_OBJECT
+
+ public:
+  explicit CCustomDlg(CMainFrame& frame);
+};
+
+}  // namespace velmora::workflow

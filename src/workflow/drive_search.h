@@ -1,0 +1,46 @@
+// The thread of a search, and its road to the page.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace velmora::workflow {
+
+/// One search of one drive. The page that began it may be gone before it ends, so it owns itself: nobody
+/// waits for it.
+class DriveSearch : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Starts at once. To be called in the thread of the windows, in which all signals come.
+  static std::shared_ptr<DriveSearch> Start(std::filesystem::path drive, std::string mask);
+
+  /// The search stops at the next folder. It still tells that it is over.
+  void Stop() { idle_ = true; }
+
+ signals:
+  void Found(const QStringList& files);  ///< full paths, in the order in which they were found
+  void Entered(const QString& folder);   ///< the folder at hand; not each is told when they pass quickly
+  void Over();
+
+ private:
+  DriveSearch() = default;
+  static void Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask);
+
+  /// Has the page told what has come up since it was told last.
+  void Tell();
+  void Summon();
+
+  std::atomic<bool> idle_{false};
+  std::mutex mutex_;
+  QStringList found_;
+  QString folder_;
+  bool summoned_ = false;
+};
+
+}  // namespace velmora::workflow

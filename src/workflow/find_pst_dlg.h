@@ -1,0 +1,37 @@
+// The page on which a drive is searched for the source.
+#pragma once
+
+#include <memory>
+
+#include "workflow/drive_search.h"
+#include "workflow/page.h"
+
+namespace velmora::workflow {
+
+class CFindPstDlg : public Page {
+  Q_OBJECT
+
+ public:
+  explicit CFindPstDlg(CMainFrame& frame);
+  ~CFindPstDlg() override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void OnCloseBox() override;
+
+ private:
+  void FillDrives();
+  void OnFind();
+  void OnBack();
+  void OnSearchOver();
+  void ShowFindButton(bool searching);
+  bool IsRemovable(const std::filesystem::path& drive) const;
+
+  // Set together. Searching also means: a search was refused because the drive is removable.
+  bool searching_ = false;
+  bool idle_ = true;
+  bool drivesListed_ = false;
+  std::shared_ptr<DriveSearch> search_;  ///< the last one
+};
+
+}  // namespace velmora::workflow

@@ -1,0 +1,171 @@
+// Menus, toolbar, keys and the command table of the frame.
+#include <QAction>
+#include <QApplication>
+#include <QIcon>
+#include <QMenuBar>
+#include <QPainter>
+#include <QSettings>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "controls/art.h"
+#include "platform/shell.h"
+#include "resources/menus.h"
+#include "resources/string_table.h"
+#include "resources/texts.h"
+#include "workflow/boxes.h"
+#include "workflow/customize_sheet.h"
+#include "workflow/main_frame.h"
+#include "workflow/qt_text.h"
+
+namespace velmora::workflow {
+namespace {
+
+using namespace resources;
+
+constexpr const char* kMakersHost = "https://www.velmora.example/";
+
+/// Picture number `index` of a strip of square pictures.
+QIcon IconOfStrip(const controls::CGdiPlusBitmap& strip, int index) {
+  const int side = strip.Size().height();
+  return QIcon(strip.ToPixmap(strip.Size(), 2).copy(index * side * 2, 0, side * 2, side * 2));
+}
+
+/// Prompt and tip of a command stand in one text, with a line end between them.
+void SetPrompts(QAction& action, const QString& prompts) {
+  const QString tip = prompts.section(u'\n', 1);
+  action.setStatusTip(prompts.section(u'\n', 0, 0));
+  if (!tip.isEmpty()) action.setToolTip(QString(tip).remove(u'&'));
+}
+
+void FillMenu(QMainWindow& frame, QMenu& menu, std::span<const MenuEntry> entries) {
+  for (const MenuEntry& entry : entries) {
+    if (!entry.submenu.empty()) {
+      FillMenu(frame, *menu.addMenu(ToQt(entry.text)), entry.submenu);
+    } else if (auto* action = frame.findChild<QAction*>(QString::number(entry.id))) {
+      action->setText(ToQt(entry.text));
+      menu.addAction(action);
+    }
+  }
+}
+
+}  // namespace
+
+void CMainFrame::BuildBars() {
+  const auto action = [this](std::uint16_t id) {
+    auto* made = findChild<QAction*>(QString::number(id), Qt::FindDirectChildrenOnly);
+    if (made != nullptr) return made;
+    made = new QAction(this);
+    made->setObjectName(QString::number(id));
+    SetPrompts(*made, ToQt(LoadString(id)));
+    connect(made, &QAction::triggered, this, [this, id] { OnCommand(id); });
+    addAction(made);
+    return made;
+  };
+  for (const Accelerator& key : FrameAccelerators()) {
+    QAction* made = action(key.id);
+    made->setShortcuts(
+        made->shortcuts() << QKeySequence(QString::fromUtf8(key.keys.data(), qsizetype(key.keys.size()))));
+  }
+  controls::CGdiPlusBitmapResource strip, large;
+  strip.Load(204, "BITMAP");
+  large.Load(128, "BITMAP");
+  for (int i = 0; i < int(IconStrip().size()); ++i) action(IconStrip()[std::size_t(i)])->setIcon(IconOfStrip(strip, i));
+  for (const std::uint16_t id : {kToolbarCommand, kCustomizeCommand}) action(id);
+
+  statusBar()->setObjectName(QStringLiteral("59393"));
+  statusBar()->showMessage(ToQt(LoadString(kStatusIndicator)));
+  for (const MenuEntry& menu : FrameMenu()) FillMenu(*this, *menuBar()->addMenu(ToQt(menu.text)), menu.submenu);
+  menuBar()->setObjectName(QStringLiteral("Menu Bar"));
+
+  QToolBar* bar = addToolBar(QStringLiteral("Standard ToolBar"));
+  bar->setObjectName(QStringLiteral("Standard ToolBar"));
+  bar->setIconSize({48, 48});
+  int picture = 0;
+  for (const std::uint16_t id : FrameToolbar()) {
+    if (id == 0) {
+      bar->addSeparator();
+      continue;
+    }
+    action(id)->setIcon(IconOfStrip(large, picture++));
+    bar->addAction(action(id));
+  }
+  restoreState(QSettings().value(QStringLiteral("CommandBars")).toByteArray());
+}
+
+bool CMainFrame::IsCommandEnabled(std::uint16_t id) const {
+  return id != kConvertCommand || !state_.sourcePath.empty();
+}
+
+void CMainFrame::OnCommand(std::uint16_t id) {
+  if (!IsCommandEnabled(id)) return;
+  const auto tellFocus = [](const char* slot) {
+    if (QWidget* focus = QApplication::focusWidget()) QMetaObject::invokeMethod(focus, slot);
+  };
+  switch (id) {
+    case kExitCommand:
+      CloseRule();
+      break;
+    case kRepairCommand:
+      if (!panes_->ListBusy()) OpenStartPage();
+      break;
+    case kConvertCommand:
+      StartConversion();
+      break;
+    case kHelpCommand:
+      OpenHelp(this);
+      break;
+    case kUpdatesCommand:
+      services_.startProgram(base_.UpdateHelper(), {});
+      break;
+    case kHowToRepairCommand:
+      OpenWebPage("pst-recovery");
+      break;
+    case kHowToImportCommand:
+      OpenWebPage("how-to-import-pst-file-outlook");
+      break;
+    case kCustomizeCommand:
+      CustomizeSheet(*this).exec();
+      break;
+    case kToolbarCommand: {
+      auto* bar = findChild<QToolBar*>(QStringLiteral("Standard ToolBar"));
+      bar->setVisible(bar->isHidden());
+      break;
+    }
+    case kNextPaneCommand:
+      focusNextPrevChild(true);
+      break;
+    case kPreviousPaneCommand:
+      focusNextPrevChild(false);
+      break;
+    case kUndoCommand:
+      tellFocus("undo");
+      break;
+    case kCutCommand:
+      tellFocus("cut");
+      break;
+    case kCopyCommand:
+      tellFocus("copy");
+      break;
+    case kPasteCommand:
+      tellFocus("paste");
+      break;
+    default:
+      break;
+  }
+}
+
+void CMainFrame::OpenHelp(QWidget* owner) {
+  const int result = services_.openWithShell(base_.Help().string());
+  if (result == platform::kShellFileNotFound || result == platform::kShellPathNotFound) {
+    ShowBox(owner->isVisible() ? owner : nullptr, kHelpFileMissing, kInformation, BoxIcon::Information);
+  }
+}
+
+void CMainFrame::OpenWebPage(const char* path) { services_.openWithShell(std::string(kMakersHost) + path); }
+
+void CMainFrame::StartUpdateHelper() {
+  services_.startProgram(base_.UpdateHelper(), {"/SilentCheck", "/NoIcon", "/NoUpdateSelf"});
+}
+
+}  // namespace velmora::workflow

@@ -1,0 +1,25 @@
+// velmora: the wizard. No command line is read.
+#include <QApplication>
+
+#include "platform/file_version.h"
+#include "workflow/application.h"
+
+namespace {
+
+/// The program's own version, as its file carries it.
+[[gnu::used]] const velmora::platform::FileVersionBlock kVersion{
+    .fileVersionHigh = VELMORA_VERSION_MAJOR << 16 | VELMORA_VERSION_MINOR,
+    .fileVersionLow = VELMORA_VERSION_PATCH << 16};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication qt(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("velmora"));
+  QApplication::setDesktopFileName(QStringLiteral("example.velmora.convert"));
+  QApplication::setQuitOnLastWindowClosed(false);  // the program does not end with its last window
+
+  velmora::workflow::CVMREPAIRMAILApp application(velmora::workflow::RealServices());
+  if (application.InitInstance()) QApplication::exec();
+  application.ExitInstance();
+}

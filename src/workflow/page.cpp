@@ -1,0 +1,221 @@
+#include "workflow/page.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
+
+#include "controls/picture_button.h"
+#include "controls/progress_bar.h"
+#include "controls/transparent_static.h"
+#include "controls/tx_list_ctrl.h"
+#include "controls/x_cmd_btn.h"
+#include "controls/x_skin_button.h"
+#include "resources/menus.h"
+#include "resources/string_table.h"
+#include "workflow/about_dlg.h"
+#include "workflow/boxes.h"
+#include "workflow/main_frame.h"
+#include "workflow/page_palette.h"
+#include "workflow/qt_text.h"
+
+namespace velmora::workflow {
+namespace {
+
+using namespace resources;
+using controls::DisplayClass;
+
+/// Places of the two buttons at the top, in pixels, and the text margin of the buttons at the bottom.
+struct TopButtons {
+  QRect menu, main;
+  int textMargin;
+};
+
+TopButtons TopButtonsOf(DisplayClass display) {
+  switch (display) {
+    case DisplayClass::Medium:
+      return {{640, 16, 55, 65}, {720, 16, 55, 65}, 5};
+    case DisplayClass::Large:
+      return {{850, 16, 66, 78}, {950, 16, 66, 78}, 15};
+    default:
+      return {{560, 16, 51, 64}, {624, 16, 51, 64}, 4};
+  }
+}
+
+controls::CTransparentStatic* MakeText(Page* page, const QString& text, bool bold) {
+  auto* made = new controls::CTransparentStatic(page);
+  QFont font = made->font();
+  font.setBold(bold);
+  if (bold) font.setPointSizeF(font.pointSizeF() * 1.2);
+  made->setFont(font);
+  made->SetText(text);
+  return made;
+}
+
+}  // namespace
+
+Page::Page(CMainFrame& frame, TemplateId id, QSize client)
+    : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                           Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint),
+      frame_(frame) {
+  const DialogTemplate& made = FindTemplate(id);
+  setAttribute(Qt::WA_DeleteOnClose, false);
+  setObjectName(QStringLiteral("VMREPAIR_OSTPST"));
+  setWindowTitle(ToQt(LoadString(kPageTitle)));
+  controls::CGdiPlusBitmapResource icon;
+  icon.Load(128, "ICON");
+  setWindowIcon(icon.ToPixmap({64, 64}, 2));
+  setFixedSize(client);
+  setPalette(PagePalette());
+  art_.Load(made.art, "BITMAP");
+
+  const qreal across = qreal(client.width()) / made.width, down = qreal(client.height()) / made.height;
+  QWidget* before = nullptr;
+  for (const ControlTemplate& control : made.controls) {
+    QWidget* widget = MakeControl(control);
+    const TemplateRect& place = control.rect;
+    widget->setObjectName(QString::number(control.id));
+    widget->setGeometry(QRectF(place.x * across, place.y * down, place.width * across, place.height * down).toRect());
+    widget->setAccessibleName(
+        ToQt(control.accessibleName.empty() ? control.text : control.accessibleName).remove(u'&'));
+    widget->setEnabled(control.enabled);
+    widget->setVisible(control.visible);
+    if (before != nullptr) setTabOrder(before, widget);
+    before = widget;
+  }
+  for (const ControlTemplate& control : made.controls) {
+    if (control.labels != 0) Control<QLabel>(control.id)->setBuddy(Control<QWidget>(control.labels));
+  }
+  PlaceTopButtons();
+}
+
+QWidget* Page::MakeControl(const ControlTemplate& control) {
+  const QString text = ToQt(control.text);
+  const auto finish = [&](QAbstractButton* button) {
+    button->setText(text);
+    if (control.key != 0) button->setShortcut(QKeySequence(Qt::ALT | Qt::Key(control.key)));
+    const QString name = ToQt(control.accessibleName.empty() ? control.text : control.accessibleName);
+    button->setToolTip(button->shortcut().isEmpty()
+                           ? QString()
+                           : QStringLiteral("%1 (%2)").arg(QString(name).remove(u'&'), button->shortcut().toString()));
+    return button;
+  };
+  const auto& art = control.art;
+  switch (control.kind) {
+    case ControlKind::kText:
+      return MakeText(this, text, false);
+    case ControlKind::kHeading:
+      return MakeText(this, text, true);
+    case ControlKind::kEdit: {
+      auto* edit = new QLineEdit(this);
+      edit->setReadOnly(true);
+      return edit;
+    }
+    case ControlKind::kCombo: {
+      auto* combo = new QComboBox(this);
+      combo->setEditable(true);
+      combo->setInsertPolicy(QComboBox::NoInsert);
+      return combo;
+    }
+    case ControlKind::kList: {
+      auto* list = new controls::CTXListCtrl(this);
+      list->SetTitle(ToQt(LoadString(kColumnFileName)));
+      return list;
+    }
+    case ControlKind::kButton: {
+      auto* button = new controls::PictureButton(this);
+      button->SetPicture(art[0]);
+      button->SetRelation(control.pictureSide == PictureSide::kAbove ? controls::PictureButton::Relation::Above
+                                                                     : controls::PictureButton::Relation::Left);
+      return finish(button);
+    }
+    case ControlKind::kImageButton: {
+      auto* button = new controls::CXCmdBtn(this);
+      button->SetImages(art[0], art[1], art[2]);
+      button->SetDisplayClass(frame_.Display());
+      button->SetImageOnly(true);
+      return finish(button);
+    }
+    case ControlKind::kRadio: {
+      auto* radio = new controls::CxSkinButton(this);
+      radio->SetSkin(art[0], art[1], art[2], art[3], art[4]);
+      return finish(radio);
+    }
+    case ControlKind::kProgressBar:
+      return new controls::ProgressBar(this);
+  }
+  return nullptr;
+}
+
+void Page::PlaceTopButtons() {
+  const TopButtons places = TopButtonsOf(frame_.Display());
+  if (auto* menu = Control<controls::CXCmdBtn>(kMenuButtonId)) {
+    menu->setGeometry(places.menu);
+    connect(menu, &QAbstractButton::clicked, this, &Page::OpenPageMenu);
+  }
+  if (auto* main = Control<controls::CXCmdBtn>(kMainId)) main->setGeometry(places.main);
+  for (const std::uint16_t id : {kBackId, kNextId, kCancelId, kFinishId}) {
+    if (auto* button = Control<controls::PictureButton>(id)) button->SetTextMargin(places.textMargin);
+  }
+}
+
+void Page::EndDialog() {
+  hide();
+  deleteLater();
+  emit Ended();
+}
+
+void Page::AskExit() {
+  if (!AskYesNo(this, LoadString(kExitQuestion), LoadString(kInformationTitle))) return;
+  frame_.State().skipExitPrompt = true;
+  EndDialog();
+  frame_.CloseRule();
+}
+
+void Page::OpenPageMenu() {
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  for (const MenuEntry& entry : PageMenu()) {
+    controls::CGdiPlusBitmapResource picture;
+    picture.Load(entry.picture, "BITMAP");
+    QAction* action = menu->addAction(QIcon(picture.ToPixmap({16, 16}, 2)), ToQt(entry.text));
+    action->setObjectName(QString::number(entry.id));
+  }
+  connect(menu, &QMenu::triggered, this, [this](QAction* action) {
+    if (action->objectName() == QString::number(kPageHelpCommand)) return frame_.OpenHelp(this);
+    CAboutDlg(frame_, this).exec();
+  });
+  const auto* button = Control<QWidget>(kMenuButtonId);
+  menu->popup(button->mapToGlobal(button->rect().bottomLeft()));
+}
+
+void Page::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  OnCloseBox();
+}
+
+void Page::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      OnOK();
+      break;
+    case Qt::Key_Escape:
+      OnCancel();
+      break;
+    default:
+      QWidget::keyPressEvent(event);
+      break;
+  }
+}
+
+void Page::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), Qt::white);
+  art_.Draw(painter, rect());
+}
+
+}  // namespace velmora::workflow

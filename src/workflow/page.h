@@ -1,0 +1,63 @@
+// What all pages of the wizard have in common.
+#pragma once
+
+#include <QDialog>
+
+#include "controls/art.h"
+#include "resources/dialog_templates.h"
+
+namespace velmora::workflow {
+
+class CMainFrame;
+
+/// A window made of a template's controls over the page's art. Each page is made anew on each visit and
+/// deletes itself when it has ended. Enter and Escape do nothing unless a page says so; the close box asks
+/// whether to exit.
+class Page : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// The control of a number; of the page's template.
+  template <class T>
+  T* Control(std::uint16_t id) const {
+    return findChild<T*>(QString::number(id), Qt::FindDirectChildrenOnly);
+  }
+
+  void accept() override { OnOK(); }
+  void reject() override { OnCancel(); }
+
+ signals:
+  /// The page is off the screen for good.
+  void Ended();
+
+ protected:
+  /// `client` is the size of the page, over which the art is stretched.
+  Page(CMainFrame& frame, resources::TemplateId id, QSize client);
+
+  virtual void OnOK() {}
+  virtual void OnCancel() {}
+  virtual void OnCloseBox() { AskExit(); }
+
+  /// Takes the page off the screen.
+  void EndDialog();
+
+  /// The exit question; on Yes the page ends, and the program with it.
+  void AskExit();
+
+  /// The page's menu, at the left bottom corner of its button.
+  void OpenPageMenu();
+
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+  CMainFrame& frame_;
+
+ private:
+  QWidget* MakeControl(const resources::ControlTemplate& control);
+  void PlaceTopButtons();
+
+  controls::CGdiPlusBitmapResource art_;
+};
+
+}  // namespace velmora::workflow

@@ -1,0 +1,37 @@
+// The page of a run.
+#pragma once
+
+#include "engine/run.h"
+#include "workflow/page.h"
+
+namespace velmora::workflow {
+
+/// Shows how far the run is, lets the user stop it, and opens the folder of the new store at its end.
+class CProgressDlg : public Page {
+  Q_OBJECT
+
+ public:
+  explicit CProgressDlg(CMainFrame& frame);
+
+  /// Stage, percentage and end of the run.
+  void OnRunMessage(const engine::RunMessage& message);
+
+ protected:
+  /// Both leave the page at once; the run goes on without it.
+  void OnOK() override { EndDialog(); }
+  void OnCancel() override { EndDialog(); }
+
+  void OnCloseBox() override;
+
+ private:
+  void SetText(std::uint16_t id, const QString& text);
+  void OnPercentage(std::uint32_t percentage);
+  void OnRunEnd();
+
+  /// The run stands while the question is open; then it goes on, or is left for good.
+  void StopRule();
+
+  std::uint32_t lastPercentage_ = 0;
+};
+
+}  // namespace velmora::workflow

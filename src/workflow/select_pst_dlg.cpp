@@ -1,0 +1,56 @@
+#include "workflow/select_pst_dlg.h"
+
+#include <QAbstractButton>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <filesystem>
+
+#include "controls/display_class.h"
+#include "resources/string_table.h"
+#include "resources/texts.h"
+#include "workflow/main_frame.h"
+#include "workflow/qt_text.h"
+
+namespace velmora::workflow {
+
+using namespace resources;
+
+CSelectPstDlg::CSelectPstDlg(CMainFrame& frame) : Page(frame, kBrowseTemplate, controls::PageArtSize(frame.Display())) {
+  connect(Control<QAbstractButton>(kBrowseId), &QAbstractButton::clicked, this, &CSelectPstDlg::OnBrowse);
+  connect(Control<QLineEdit>(kSourceEditId), &QLineEdit::textChanged, this, &CSelectPstDlg::OnSourceChanged);
+  for (const std::uint16_t id : {kBackId, kMainId}) {
+    connect(Control<QAbstractButton>(id), &QAbstractButton::clicked, this, [this] {
+      EndDialog();
+      frame_.OpenStartPage();
+    });
+  }
+  connect(Control<QAbstractButton>(kNextId), &QAbstractButton::clicked, this, [this] {
+    EndDialog();
+    frame_.OpenDestinationPage(kBrowseTemplate);
+  });
+}
+
+void CSelectPstDlg::OnBrowse() {
+  QFileDialog dialog(this, ToQt(LoadString(kProductTitle)));
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  // The filter's text and its pattern stand in one text, with a bar between them.
+  dialog.setNameFilter(ToQt(kOpenFilter).section(u'|', 0, 0).trimmed());
+  dialog.setDefaultSuffix(ToQt(kOpenDefaultExtension));
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
+
+  const QFileInfo chosen(dialog.selectedFiles().first());
+  frame_.State().sourceFileName = FromQt(chosen.fileName());
+  frame_.State().sourcePath = FromQt(chosen.filePath());
+  Control<QLineEdit>(kSourceEditId)->setText(chosen.filePath());
+  frame_.SourceExtension = FromQt(chosen.suffix().toLower());
+  if (frame_.SourceExtension != u"pst" && frame_.SourceExtension != u"ost") {
+    Control<QWidget>(kNextId)->setEnabled(false);
+  }
+}
+
+void CSelectPstDlg::OnSourceChanged(const QString& text) {
+  std::error_code ignored;
+  Control<QWidget>(kNextId)->setEnabled(std::filesystem::exists(ToPath(text), ignored));
+}
+
+}  // namespace velmora::workflow

@@ -1,0 +1,125 @@
+#include <QMenu>
+
+#include "controls/hyper_link.h"
+#include "controls/x_cmd_btn.h"
+#include "platform/file_version.h"
+#include "workflow/about_dlg.h"
+#include "workflow/harness.h"
+
+namespace velmora::workflow {
+namespace {
+
+using namespace resources;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class AboutTest : public WizardTest {
+ protected:
+  void SetUp() override {
+    for (const char* name : {"English", "French"}) {
+      std::filesystem::create_directories(machine_.base / "Lang");
+      std::filesystem::copy_file(
+          std::filesystem::path(VELMORA_SOURCE_DIR) / "src/resources/lang" / (std::string(name) + ".INI"),
+          machine_.base / "Lang" / (std::string(name) + ".INI"));
+    }
+    Start();
+    machine_.log.clear();
+  }
+
+  static void Click(CAboutDlg& about, int id) {
+    QTest::mouseClick(about.findChild<controls::CHyperLink*>(QString::number(id)), Qt::LeftButton);
+  }
+};
+
+TEST_F(AboutTest, OpensFromTheMenuOfAPageAndClosesByItsButton) {
+  Press(kBrowseStartId);
+  Press(kMenuButtonId);
+  auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  ASSERT_NE(menu, nullptr);
+  const auto& button = Control<QWidget>(kMenuButtonId);
+  const QPoint corner = button.mapToGlobal(button.rect().bottomLeft());
+  // Where the screen ends before the menu does, the menu moves aside.
+  if (menu->screen()->geometry().contains(QRect(corner, menu->size()))) {
+    EXPECT_EQ(menu->pos(), corner);
+  }
+  ASSERT_EQ(menu->actions().size(), 2);
+  EXPECT_EQ(menu->actions()[0]->text(), "&Help");
+  EXPECT_EQ(menu->actions()[1]->text(), "&About");
+  bool opened = false;
+  InDialog<CAboutDlg>([&](CAboutDlg& about) {
+    opened = true;
+    EXPECT_EQ(about.windowTitle(), "About Velmora Convert OST to PST");
+    EXPECT_EQ(about.size(), QSize(435, 190));
+    auto* ok = about.findChild<controls::CXCmdBtn*>("2");
+    EXPECT_EQ(ok->text(), "OK");
+    QTest::mouseClick(ok, Qt::LeftButton);
+  });
+  QTest::keyClick(menu, Qt::Key_A);
+  EXPECT_TRUE(Comes([&] { return opened && QApplication::activeModalWidget() == nullptr; }));
+  EXPECT_TRUE(boxes_.seen.empty());
+}
+
+TEST_F(AboutTest, TheHelpOfTheMenuOpensTheGuide) {
+  machine_.Write("prefix/vm-oxp.html");
+  Press(kBrowseStartId);
+  Press(kMenuButtonId);
+  QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_H);
+  Settle();
+  EXPECT_THAT(machine_.log, ElementsAre("open " + (machine_.base / "vm-oxp.html").string()));
+}
+
+TEST_F(AboutTest, IsWrittenInTheChosenLanguage) {
+  machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_LANGUAGE=1\n");
+  CAboutDlg about(*frame_, &CurrentPage());
+  EXPECT_EQ(about.windowTitle(), "À propos de Velmora Convert OST to PST");
+  EXPECT_EQ(CurrentPage().windowTitle(), "Velmora Convert OST to PST")
+      << "the wizard is in English whatever the language";
+}
+
+TEST_F(AboutTest, ALinkOpensItsTarget) {
+  CAboutDlg about(*frame_, nullptr);
+  for (const int id : {CAboutDlg::kUninstallId, CAboutDlg::kPolicyId, CAboutDlg::kMakerId}) Click(about, id);
+  EXPECT_THAT(machine_.log,
+              ElementsAre("open https://www.velmora.example/en/uninstall",
+                          "open https://www.velmora.example/en/privacy", "open https://www.velmora.example/en"));
+}
+
+TEST_F(AboutTest, ALinkThatNothingOpensGoesToTheBrowserItself) {
+  CAboutDlg about(*frame_, nullptr);
+  for (const int code : {0, 2, 31}) {
+    machine_.shellResult = code;
+    Click(about, CAboutDlg::kMakerId);
+  }
+  EXPECT_EQ(machine_.Log("browse https://www.velmora.example/en").size(), 3u);
+  EXPECT_TRUE(boxes_.seen.empty());
+}
+
+TEST_F(AboutTest, AFailureHasItsText) {
+  CAboutDlg about(*frame_, nullptr);
+  machine_.shellResult = 5;
+  boxes_.Answer(QMessageBox::Ok);
+  Click(about, CAboutDlg::kMakerId);
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: The operating system denied access to the specified file."));
+  machine_.shellResult = 1;
+  Click(about, CAboutDlg::kMakerId);
+  EXPECT_EQ(boxes_.seen.size(), 1u) << "a code without a text shows nothing";
+  EXPECT_THAT(machine_.Log("browse"), IsEmpty());
+}
+
+TEST_F(AboutTest, ShowsTheVersionOfTheProgramFile) {
+  EXPECT_TRUE(CAboutDlg(*frame_, nullptr).accessibleDescription().endsWith(" 1.0.0.8")) << "a file without one";
+  const platform::FileVersionBlock block{.fileVersionHigh = 0x0003'0002, .fileVersionLow = 0x0001'0000};
+  machine_.Write("prefix/bin/velmora", {reinterpret_cast<const char*>(&block), sizeof block});
+  EXPECT_EQ(CAboutDlg(*frame_, nullptr).accessibleDescription(), "Version: 3.2.1.0");
+}
+
+TEST_F(AboutTest, ALinkWithoutACaptionCannotBeMade) {
+  std::filesystem::remove(machine_.base / "Lang" / "English.INI");
+  for (int i = 0; i < 3; ++i) boxes_.Answer(QMessageBox::Ok);
+  CAboutDlg about(*frame_, nullptr);
+  EXPECT_EQ(boxes_.seen.size(), 3u);
+  EXPECT_EQ(boxes_.seen[0].text, "Hyper-link creation fails");
+}
+
+}  // namespace
+}  // namespace velmora::workflow

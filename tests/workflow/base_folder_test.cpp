@@ -1,0 +1,64 @@
+#include "workflow/base_folder.h"
+
+#include "platform/ini_file.h"
+#include "workflow/harness.h"
+
+namespace velmora::workflow {
+namespace {
+
+class BaseFolderTest : public testing::Test {
+ protected:
+  std::string LanguageBy(const std::string& choice) {
+    machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_LANGUAGE=" + choice + "\n");
+    return base_.LanguageFile().filename().string();
+  }
+
+  Machine machine_;
+  BaseFolder base_{machine_.program};
+};
+
+TEST_F(BaseFolderTest, IsTheProgramsPathLessTwoComponents) {
+  EXPECT_EQ(BaseFolder("/opt/velmora/bin/velmora").Path(), "/opt/velmora");
+  EXPECT_EQ(BaseFolder("/usr/bin/velmora").LanguageFile(), "/usr/Lang/English.INI");
+}
+
+TEST_F(BaseFolderTest, WithoutSettingsTheLanguageIsEnglish) {
+  EXPECT_EQ(base_.LanguageFile().filename(), "English.INI");
+}
+
+TEST_F(BaseFolderTest, ADigitChoosesTheLanguage) {
+  const char* const names[] = {"English.INI", "French.INI", "German.INI", "Italian.INI", "Spanish.INI"};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(LanguageBy(std::to_string(i)), names[i]);
+}
+
+TEST_F(BaseFolderTest, OnlyTheFirstCharacterCounts) {
+  EXPECT_EQ(LanguageBy("12"), "French.INI");
+  EXPECT_EQ(LanguageBy("x"), "English.INI");
+  EXPECT_EQ(LanguageBy(""), "English.INI");
+}
+
+TEST_F(BaseFolderTest, ADigitWithoutALanguageGivesEmptyTexts) {
+  EXPECT_EQ(LanguageBy("7"), ".INI");
+  EXPECT_EQ(Language(base_.LanguageFile()).Text("IDS_OK"), "");
+}
+
+TEST_F(BaseFolderTest, ATextIsCutAtTwoThousandCharacters) {
+  const auto file = machine_.Write("long.INI", "[OST to PST Texts]\nIDS_OK=" + std::string(3000, 'x') + "\n");
+  EXPECT_EQ(Language(file).Text("IDS_OK").size(), 2000);
+}
+
+TEST_F(BaseFolderTest, EveryLanguageHasEveryTextOfTheAboutWindow) {
+  for (const char* name : {"English", "French", "German", "Italian", "Spanish"}) {
+    const Language language(std::filesystem::path(VELMORA_SOURCE_DIR) / "src/resources/lang" /
+                            (std::string(name) + ".INI"));
+    for (const char* key :
+         {"IDS_OK", "IDS_UNINSTALL_URL_TXT", "IDS_POLICY_URL_TXT", "IDS_UNINSTALL_URL", "IDS_POLICY_URL",
+          "IDS_URL_ABOUT", "IDS_VERSION_TEXT", "IDS_ABOUT", "IDS_ERROR", "IDS_RUNNING3"}) {
+      EXPECT_FALSE(language.Text(key).isEmpty()) << name << " " << key;
+      EXPECT_FALSE(language.Text(key).contains(QChar::ReplacementCharacter)) << name << " " << key;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velmora::workflow

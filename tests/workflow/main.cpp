@@ -1,0 +1,30 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <cstdio>
+
+namespace {
+
+/// The platform without a display says at every window what it cannot do; all else is passed on.
+void PassOn(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  if (!message.startsWith(QLatin1String("This plugin does not support"))) {
+    fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, message)));
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // No test needs a display; who wants to see one says so.
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qInstallMessageHandler(PassOn);
+  testing::InitGoogleTest(&argc, argv);
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  // What the frame keeps of its bars is not to come from, or go to, the user's own settings.
+  const QTemporaryDir settings;
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+  return RUN_ALL_TESTS();
+}

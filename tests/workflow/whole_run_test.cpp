@@ -1,0 +1,195 @@
+// The wizard from the start page to the new store, with the engine itself.
+#include <QLabel>
+#include <QLineEdit>
+#include <atomic>
+
+#include "forge/forge.h"
+#include "output/trace/trace_library.h"
+#include "workflow/custom_dlg.h"
+#include "workflow/harness.h"
+#include "workflow/progress_dlg.h"
+
+namespace velmora::workflow {
+namespace {
+
+using namespace resources;
+using testing::ElementsAre;
+
+class TraceLines : public output::TraceSink {
+ public:
+  void WriteLine(std::string_view line) override {
+    lines.emplace_back(line);
+    if (line.starts_with("{\"op\":\"AddItem\"")) ++items;
+  }
+  std::vector<std::string> lines;  ///< written by the worker; to be read once the run is over
+  std::atomic<int> items{0};
+};
+
+class WholeRunTest : public WizardTest {
+ protected:
+  void SetUp() override {
+    machine_.makeOutput = [this] {
+      return conversion::RunOutput{std::make_shared<output::TraceLibrary>(*trace_), [this, kept = trace_] {
+                                     ++seals_;
+                                     return platform::Result<void>{};
+                                   }};
+    };
+    std::filesystem::create_directory(destination_);
+    Start();
+  }
+
+  std::filesystem::path MakeSource(int messages) {
+    const auto path = machine_.folder.Path() / "outlook.ost";
+    forge::Mailbox box({.client = forge::Client::kOffline});
+    const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .containerClass = u"IPF.Note"});
+    for (int i = 0; i < messages; ++i) box.AddMessage(inbox, {.subject = u"A message", .plain = u"text"});
+    box.Finish().Save(path);
+    return path;
+  }
+
+  /// From the start page to the run.
+  void Convert(const std::filesystem::path& source) {
+    Press(kBrowseStartId);
+    PickInDialog(PathToQt(source));
+    Press(kBrowseId);
+    ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled());
+    Press(kNextId);
+    PickInDialog(PathToQt(destination_));
+    Press(kBrowseId);
+    ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled());
+    Press(kNextId);
+    ASSERT_TRUE(IsPage<CProgressDlg>());
+  }
+
+  bool CanFinish() {
+    return frame_->progressDialog != nullptr && frame_->progressDialog->Control<QWidget>(kFinishId)->isEnabled();
+  }
+
+  std::filesystem::path destination_ = machine_.folder.Path() / "out";
+  std::shared_ptr<TraceLines> trace_ = std::make_shared<TraceLines>();
+  std::atomic<int> seals_{0};
+};
+
+TEST_F(WholeRunTest, FromTheStartPageToTheFolderOfTheNewStoreAndBack) {
+  Convert(MakeSource(5));
+  ASSERT_TRUE(Comes([this] { return CanFinish(); }));
+  EXPECT_EQ(trace_->items, 5);
+  EXPECT_EQ(seals_, 1);
+  EXPECT_THAT(machine_.Log("open "), ElementsAre("open " + (destination_ / "outlook Converted0").string()));
+  EXPECT_TRUE(boxes_.seen.empty());
+  Press(kFinishId);
+  EXPECT_TRUE(IsPage<CCustomDlg>());
+}
+
+TEST_F(WholeRunTest, MakesTheSameTraceAsARunWithoutWindows) {
+  const auto source = MakeSource(7);
+  Convert(source);
+  ASSERT_TRUE(Comes([this] { return CanFinish(); }));
+
+  TraceLines plain;
+  conversion::RunState state;
+  conversion::COutLook outLook(state, [&] {
+    return conversion::RunOutput{std::make_shared<output::TraceLibrary>(plain), {}};
+  });
+  state.sourcePath = FromQt(PathToQt(source));
+  state.sourceFileName = u"outlook.ost";
+  std::filesystem::create_directory(machine_.folder.Path() / "plain");
+  state.destinationPath = FromQt(PathToQt(machine_.folder.Path() / "plain"));
+  EXPECT_EQ(conversion::RunConversion(outLook, state), conversion::RunEnd::kFinished);
+  EXPECT_GT(plain.lines.size(), 20u);
+  EXPECT_EQ(trace_->lines, plain.lines);
+}
+
+TEST_F(WholeRunTest, StoppedForGoodItRunsAgainFromTheStart) {
+  const auto source = MakeSource(3000);
+  Convert(source);
+  ASSERT_TRUE(Comes([this] { return trace_->items > 10; }));
+  boxes_.Answer(QMessageBox::Yes);
+  Press(kCancelId);
+  ASSERT_TRUE(IsPage<CCustomDlg>());
+  ASSERT_TRUE(Comes([this] { return seals_ == 1; })) << "what was written is sealed";
+  EXPECT_LT(trace_->items, 3000);
+  EXPECT_TRUE(std::filesystem::exists(destination_ / "outlook Converted0")) << "nothing is rolled back";
+
+  std::filesystem::rename(destination_, machine_.folder.Path() / "stopped");
+  std::filesystem::create_directory(destination_);
+  trace_ = std::make_shared<TraceLines>();
+  Convert(source);
+  ASSERT_TRUE(Comes([this] { return CanFinish(); }, 60000));
+  EXPECT_EQ(trace_->items, 3000);
+}
+
+TEST_F(WholeRunTest, HeldAndLetGoItComesToItsEnd) {
+  Convert(MakeSource(500));
+  boxes_.Answer(QMessageBox::No, [] { QTest::qWait(100); });
+  Press(kCancelId);
+  ASSERT_TRUE(Comes([this] { return CanFinish(); }, 60000));
+  EXPECT_EQ(trace_->items, 500);
+}
+
+TEST_F(WholeRunTest, AFileThatIsNoStoreIsToldAndThePageStays) {
+  const auto source = machine_.Write("no.ost", std::string(4096, 'x'));
+  Convert(source);
+  boxes_.Answer(QMessageBox::Ok);
+  ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: Pst/Ost file is not valid."));
+  Settle();
+  EXPECT_TRUE(IsPage<CProgressDlg>());
+  EXPECT_FALSE(CanFinish());
+}
+
+TEST_F(WholeRunTest, ASourceThatCannotBeOpenedIsTold) {
+  Press(kBrowseStartId);
+  const auto source = machine_.Write("gone.ost");
+  PickInDialog(PathToQt(source));
+  Press(kBrowseId);
+  Press(kNextId);
+  PickInDialog(PathToQt(destination_));
+  Press(kBrowseId);
+  std::filesystem::remove(source);
+  boxes_.Answer(QMessageBox::Ok);
+  Press(kNextId);
+  ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList("Error: Source file could not open.Make sure that another application is not using. "));
+  boxes_.Answer(QMessageBox::Yes);
+  CloseBox();
+  EXPECT_EQ(boxes_.Texts().last(), "Confirmation: Do you want to stop the process?");
+  EXPECT_TRUE(IsPage<CCustomDlg>());
+}
+
+TEST_F(WholeRunTest, ADestinationThatVanishedIsTold) {
+  const auto source = MakeSource(1);
+  Press(kBrowseStartId);
+  PickInDialog(PathToQt(source));
+  Press(kBrowseId);
+  Press(kNextId);
+  PickInDialog(PathToQt(destination_));
+  Press(kBrowseId);
+  std::filesystem::remove(destination_);
+  boxes_.Answer(QMessageBox::Ok);
+  Press(kNextId);
+  ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: Unable to create folder to save recovered .pst file.\n"
+                                        "Please select another location to save recovered .pst file."));
+  ASSERT_TRUE(Comes([this] { return State().run.runEnded.load(); }));
+  boxes_.Answer(QMessageBox::No);
+  CloseBox();
+  EXPECT_EQ(boxes_.Texts().last(), "Information: Do you want to exit the application?");
+}
+
+TEST_F(WholeRunTest, ARunThatMeetsTheEndOfOneThatWasLeftIsTold) {
+  const auto source = MakeSource(2000);
+  Convert(source);
+  Key(Qt::Key_Escape);
+  ASSERT_TRUE(IsPage<CCustomDlg>());
+  // The second begins before the first has ended.
+  Convert(source);
+  boxes_.Answer(QMessageBox::Ok);
+  ASSERT_TRUE(Comes([this] { return !boxes_.seen.empty(); }, 60000));
+  EXPECT_TRUE(boxes_.Texts().first().startsWith("Information: Recovery process aborted.\nRecovered at:"));
+  EXPECT_EQ(trace_->items, 2000) << "the first came to its end";
+}
+
+}  // namespace
+}  // namespace velmora::workflow
