@@ -37,7 +37,7 @@ PROGRAMS = [
 
 
 def find(program, build):
-    built = next((p for p in build.rglob(program) if p.is_file() and os.access(p, os.X_OK)), None)
+    built = next((p for p in build.resolve().rglob(program) if p.is_file() and os.access(p, os.X_OK)), None)
     return str(built) if built else shutil.which(program)
 
 
