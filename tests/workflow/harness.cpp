@@ -148,6 +148,7 @@ void PickInDialog(const QString& name) {
 }
 
 WizardTest::~WizardTest() {
+  Settle();  // what a page posted to itself needs the frame
   frame_.reset();
   Settle();
 }
