@@ -18,10 +18,6 @@ constexpr std::int32_t kByValue = 1;
 constexpr std::int32_t kEmbeddedMessage = 5;
 constexpr std::int32_t kNotInText = -1;
 
-/// An embedded message is alone among the sub-nodes of its attachment, so all have the same id: the first
-/// that Outlook would give.
-constexpr ndb::Nid kEmbeddedNid = ndb::MakeNid(ndb::NidType::kNormalMessage, 0x10001);
-
 constexpr std::size_t kShortBase = 8;
 constexpr std::size_t kShortExtension = 3;
 
@@ -71,6 +67,7 @@ Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, t
   Attachment attachment;
   attachment.name = NameOf(name);
   attachment.message = message;
+  attachment.messageNid = ndb.NewNid(ndb::NidType::kNormalMessage);
   attachment.hold = std::make_shared<TreeHold>(ndb, message.trees);
   return attachment;
 }
@@ -86,6 +83,7 @@ std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContex
     if (const auto object = properties.ReadObject(tag::kAttachDataObject)) {
       const auto embedded = ReadOrRaise(properties.FindSubnode(object->nid));
       if (embedded) attachment.message = {embedded->trees, object->size};
+      attachment.messageNid = object->nid;
       attachment.hold = std::make_shared<TreeHold>(ndb, attachment.message.trees);
     } else if (const auto tree = ReadOrRaise(properties.TreeOf(tag::kAttachDataBinary))) {
       attachment.content = *tree;
@@ -132,8 +130,9 @@ ndb::Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, File
   bag.AddTo(node);
 
   if (attachment.IsMessage()) {
-    node.AddObject(tag::kAttachDataObject, kEmbeddedNid, static_cast<std::uint32_t>(attachment.message.dataSize));
-    node.AddSubnode(kEmbeddedNid, attachment.message);
+    node.AddObject(tag::kAttachDataObject, attachment.messageNid,
+                   static_cast<std::uint32_t>(attachment.message.dataSize));
+    node.AddSubnode(attachment.messageNid, attachment.message);
   } else if (attachment.content.bid != 0) {
     node.AddTree(tag::kAttachDataBinary, attachment.content);
   } else {

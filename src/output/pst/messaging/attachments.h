@@ -37,6 +37,7 @@ struct Attachment {
   Bytes shortContent;
   ndb::DataTree content;     ///< of a long content
   ndb::WrittenNode message;  ///< of an embedded message
+  ndb::Nid messageNid = 0;   ///< its id, which no other message has: some readers look among all of the store
   std::shared_ptr<TreeHold> hold;
 
   bool IsMessage() const { return message.trees.bidData != 0; }

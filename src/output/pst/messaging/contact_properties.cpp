@@ -25,6 +25,13 @@ constexpr ltp::PropTag kBirthdayLocal = Named(kAddress, 0x80DE, PropType::kTime)
 constexpr ltp::PropTag kAnniversaryLocal = Named(kAddress, 0x80DF, PropType::kTime);
 constexpr ltp::PropTag kSideEffects = Named(kCommon, 0x8510, PropType::kInteger32);
 
+constexpr ltp::PropTag kMailingCountry = 0x3A26001F;
+constexpr ltp::PropTag kMailingCity = 0x3A27001F;
+constexpr ltp::PropTag kMailingState = 0x3A28001F;
+constexpr ltp::PropTag kMailingStreet = 0x3A29001F;
+constexpr ltp::PropTag kMailingPostalCode = 0x3A2A001F;
+constexpr ltp::PropTag kMailingPostOfficeBox = 0x3A2B001F;
+
 constexpr std::int32_t kContactIcon = 0x200;
 constexpr std::int32_t kDistributionListIcon = 0x202;
 constexpr std::int32_t kContactSideEffects = 0x10;
@@ -112,19 +119,23 @@ void PutEmailSets(const ItemFields& fields, PropertyBag& bag) {
 }
 
 struct AddressParts {
-  Field whole, street, city, state, postalCode, country;
+  Field whole, street, city, state, postalCode, country, postOfficeBox;
   ltp::PropTag wholeTag;
   std::int32_t id;  ///< value of kPostalAddressId
 };
 
 constexpr AddressParts kAddresses[] = {
     {Field::HomeAddress, Field::HomeAddressStreet, Field::HomeAddressCity, Field::HomeAddressState,
-     Field::HomeAddressPostalCode, Field::HomeAddressCountry, Named(kAddress, 0x801A, PropType::kString), 1},
+     Field::HomeAddressPostalCode, Field::HomeAddressCountry, Field::HomeAddressPostOfficeBox,
+     Named(kAddress, 0x801A, PropType::kString), 1},
     {Field::BusinessAddress, Field::BusinessAddressStreet, Field::BusinessAddressCity, Field::BusinessAddressState,
-     Field::BusinessAddressPostalCode, Field::BusinessAddressCountry, Named(kAddress, 0x801B, PropType::kString), 2},
+     Field::BusinessAddressPostalCode, Field::BusinessAddressCountry, Field::BusinessAddressPostOfficeBox,
+     Named(kAddress, 0x801B, PropType::kString), 2},
     {Field::OtherAddress, Field::OtherAddressStreet, Field::OtherAddressCity, Field::OtherAddressState,
-     Field::OtherAddressPostalCode, Field::OtherAddressCountry, Named(kAddress, 0x801C, PropType::kString), 3},
+     Field::OtherAddressPostalCode, Field::OtherAddressCountry, Field::OtherAddressPostOfficeBox,
+     Named(kAddress, 0x801C, PropType::kString), 3},
 };
+constexpr const AddressParts& kBusinessAddress = kAddresses[1];
 
 void AppendPart(text::Text& text, text::TextView separator, text::TextView part) {
   if (part.empty()) return;
@@ -142,14 +153,26 @@ text::Text ComposedAddress(const ItemFields& fields, const AddressParts& parts) 
   return address;
 }
 
+/// The parts of the mailing address, where many readers look for those of the business address.
+void PutMailingParts(const ItemFields& fields, const AddressParts& parts, PropertyBag& bag) {
+  bag.PutText(kMailingStreet, fields.Text(parts.street));
+  bag.PutText(kMailingCity, fields.Text(parts.city));
+  bag.PutText(kMailingState, fields.Text(parts.state));
+  bag.PutText(kMailingPostalCode, fields.Text(parts.postalCode));
+  bag.PutText(kMailingCountry, fields.Text(parts.country));
+  bag.PutText(kMailingPostOfficeBox, fields.Text(parts.postOfficeBox));
+}
+
 void PutAddresses(const ItemFields& fields, PropertyBag& bag) {
   const text::TextView mailing = fields.Text(Field::MailingAddress);
+  const AddressParts* chosen = nullptr;
   for (const AddressParts& parts : kAddresses) {
     text::Text whole(fields.Text(parts.whole));
     if (whole.empty()) bag.PutText(parts.wholeTag, whole = ComposedAddress(fields, parts));
-    if (!mailing.empty() && mailing == whole && !bag.Has(kPostalAddressId))
-      bag.PutInteger32(kPostalAddressId, parts.id);
+    if (chosen == nullptr && !mailing.empty() && mailing == whole) chosen = &parts;
   }
+  if (chosen != nullptr) bag.PutInteger32(kPostalAddressId, chosen->id);
+  PutMailingParts(fields, chosen != nullptr ? *chosen : kBusinessAddress, bag);
 }
 
 }  // namespace

@@ -16,13 +16,16 @@ using output::ResultCode;
 using text::Text;
 
 constexpr ndb::Nid kFirstAttachment = 0x8025;
-constexpr ndb::Nid kEmbeddedMessage = 0x200024;
 
 class AttachmentsTest : public StoreTest {
  protected:
   static std::string ContentOf(ltp::PropertyContext& attachment) {
     const Bytes bytes = attachment.Binary(tag::kAttachDataBinary).value();
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+  }
+
+  static ltp::PropertyContext Embedded(const RawStore& raw, ltp::PropertyContext& attachment) {
+    return raw.SubNode(attachment, attachment.ReadObject(tag::kAttachDataObject).value().nid);
   }
 };
 
@@ -113,7 +116,8 @@ TEST_F(AttachmentsTest, EmbedAnItemAsItStandsNow) {
   EXPECT_EQ(attachment.Find(0x3704), nullptr) << "a message has no file name";
   const auto object = attachment.ReadObject(tag::kAttachDataObject);
   ASSERT_TRUE(object);
-  auto embedded = raw.SubNode(attachment, object->nid);
+  EXPECT_FALSE(raw.Reader().FindNode(object->nid)) << "some readers take the id for that of a message of a folder";
+  auto embedded = Embedded(raw, attachment);
   EXPECT_EQ(embedded.Text(tag::kSubject), (Text{1, 1} + u"then"));
   EXPECT_EQ(embedded.Integer32(tag::kMessageFlags), 0x11);
   EXPECT_EQ(static_cast<std::uint32_t>(embedded.Integer32(tag::kMessageSize).value()), object->size);
@@ -139,7 +143,7 @@ TEST_F(AttachmentsTest, NestToAnyDepthAndShareTheirContents) {
   auto message = raw.Message();
   for (int depth = 0; depth < kDepth; ++depth) {
     auto attachment = raw.SubNode(message, kFirstAttachment);
-    message = raw.SubNode(attachment, kEmbeddedMessage);
+    message = Embedded(raw, attachment);
   }
   auto file = raw.SubNode(message, kFirstAttachment);
   EXPECT_TRUE(ContentOf(file) == PatternOf(1000000));
@@ -173,12 +177,12 @@ TEST_F(AttachmentsTest, StayWithAParentThatIsDeletedOnceItIsEmbedded) {
   for (const ndb::Nid nid : raw.Messages()) {
     auto message = raw.Node(nid);
     auto attachment = raw.SubNode(message, kFirstAttachment);
-    auto embedded = raw.SubNode(attachment, kEmbeddedMessage);
+    auto embedded = Embedded(raw, attachment);
     EXPECT_EQ(embedded.Text(tag::kSubject), (Text{1, 1} + u"middle"));
     auto file = raw.SubNode(embedded, kFirstAttachment);
     EXPECT_TRUE(ContentOf(file) == PatternOf(60000));
     auto inner = raw.SubNode(embedded, kFirstAttachment + 0x20);
-    auto innermost = raw.SubNode(inner, kEmbeddedMessage);
+    auto innermost = Embedded(raw, inner);
     auto innerFile = raw.SubNode(innermost, kFirstAttachment);
     EXPECT_TRUE(ContentOf(innerFile) == PatternOf(70000));
   }

@@ -256,6 +256,38 @@ TEST_F(KindsTest, ContactComposesTheAddressOfWhichItHasThePartsAlone) {
   EXPECT_FALSE(message.Text(Named(kAddress, 0x801C, PropType::kString)));
 }
 
+TEST_F(KindsTest, ContactHasThePartsOfItsMailingAddressWhichIsTheBusinessAddressUnlessAnotherIsChosen) {
+  const auto business = NewItem(u"IPM.Contact");
+  const auto home = NewItem(u"IPM.Contact");
+  for (const auto& item : {business, home}) {
+    Put(item, Field::BusinessAddressStreet, Text(u"1 Main Street"));
+    Put(item, Field::BusinessAddressCity, Text(u"Springfield"));
+    Put(item, Field::BusinessAddressState, Text(u"Ohio"));
+    Put(item, Field::BusinessAddressPostalCode, Text(u"12345"));
+    Put(item, Field::BusinessAddressCountry, Text(u"USA"));
+    Put(item, Field::BusinessAddressPostOfficeBox, Text(u"77"));
+    Put(item, Field::HomeAddress, Text(u"at home"));
+    Put(item, Field::HomeAddressCity, Text(u"Shelbyville"));
+  }
+  Put(home, Field::MailingAddress, Text(u"at home"));
+  business->Save();
+  home->Save();
+  const RawStore raw = Raw();
+  auto one = raw.Node(raw.Messages()[0]);
+  EXPECT_EQ(one.Text(0x3A29001F), u"1 Main Street");
+  EXPECT_EQ(one.Text(0x3A27001F), u"Springfield");
+  EXPECT_EQ(one.Text(0x3A28001F), u"Ohio");
+  EXPECT_EQ(one.Text(0x3A2A001F), u"12345");
+  EXPECT_EQ(one.Text(0x3A26001F), u"USA");
+  EXPECT_EQ(one.Text(0x3A2B001F), u"77");
+  EXPECT_FALSE(one.Integer32(Named(kAddress, 0x8022, PropType::kInteger32)));
+  auto two = raw.Node(raw.Messages()[1]);
+  EXPECT_EQ(two.Text(0x3A27001F), u"Shelbyville");
+  EXPECT_FALSE(two.Text(0x3A29001F));
+  EXPECT_EQ(two.Integer32(Named(kAddress, 0x8022, PropType::kInteger32)), 1);
+  ExpectSound();
+}
+
 TEST_F(KindsTest, DistributionListHasItsNameAndIcon) {
   const auto item = NewItem(u"IPM.DistList");
   Put(item, Field::FullName, Text(u"Team"));

@@ -60,6 +60,27 @@ TEST_F(WholeStore, IsListedByOtherReadersAsItWasWritten) {
   EXPECT_EQ(read, 14);
 }
 
+TEST_F(WholeStore, ShowsOtherReadersEachEmbeddedMessageAsItself) {
+  if (!forge::IsInstalled("pffexport")) GTEST_SKIP() << "pffexport is not installed";
+  PutMail(inbox_, "The first of the store");
+  const auto inner = NewItem();
+  Put(inner, Field::Subject, Text(u"The innermost"));
+  const auto middle = NewItem();
+  Put(middle, Field::Subject, Text(u"The one between"));
+  middle->Attachments()->Add(inner, u"inner");
+  const auto outer = NewItem();
+  outer->Attachments()->Add(middle, u"middle");
+  outer->Save();
+  Close();
+  ASSERT_TRUE(forge::RunIn(folder_, "pffexport -q -t peer '" + path_.string() + "'"));
+  const std::filesystem::path attachment = "Attachments/Attachment00001/Message00001";
+  const std::filesystem::path message = folder_.path() / "peer.export/Top of Personal Folders/Inbox/Message00002";
+  const std::string headers = "OutlookHeaders.txt";
+  EXPECT_EQ(forge::CountOf(forge::TextOf(message / attachment / headers), "\tThe one between\n"), 2)
+      << "as subject and as topic";
+  EXPECT_EQ(forge::CountOf(forge::TextOf(message / attachment / attachment / headers), "\tThe innermost\n"), 2);
+}
+
 TEST_F(WholeStore, OfManyItemsInOneFolderHoldsThemAllInOrder) {
   constexpr int kItems = 20000;
   for (int i = 0; i < kItems; ++i) {
