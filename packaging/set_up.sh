@@ -14,7 +14,8 @@ wizard_packages=(qt6-base-dev qt6-svg-dev)
 test_packages=(
   ccache libgtest-dev libgmock-dev libbenchmark-dev python3
   pst-utils pff-tools
-  dpkg-dev mandoc bash-completion zsh desktop-file-utils appstream lintian xvfb openbox
+  dpkg-dev mandoc bash-completion zsh desktop-file-utils appstream shared-mime-info libxml2-utils lintian
+  xvfb openbox xdotool
 )
 
 # need PACKAGE...: installs those that are missing; asks for nothing when all are there.
