@@ -6,6 +6,7 @@ import os
 import pathlib
 import pty
 import resource
+import shutil
 import signal
 import subprocess
 import sys
@@ -192,12 +193,11 @@ class Program(unittest.TestCase):
         path = self.write("secret.ost", self.demo.read_bytes())
         path.chmod(0)
         as_other = {}
-        if os.geteuid() == 0:  # who may read everything
-            if not os.access(pathlib.Path(stores.PROGRAM).parent, os.X_OK):
-                self.skipTest("the program cannot be run as another user")
+        if os.geteuid() == 0:  # who may read everything; a build may lie where nobody else may enter
+            program = shutil.copy(stores.PROGRAM, self.work)
             for folder in (self.work, self.out):
                 folder.chmod(0o777)
-            as_other = {"user": 65534}
+            as_other = {"user": 65534, "executable": program}
         ended = self.run_program("--no-progress", path, self.out, **as_other)
         self.assertEqual((ended.returncode, ended.stderr), (66, NOT_OPENED))
 
