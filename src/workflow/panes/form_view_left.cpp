@@ -62,6 +62,7 @@ CFormViewLeft::CFormViewLeft(QWidget* parent, Surroundings surroundings)
   tree_->setUniformRowHeights(true);
   tree_->setIconSize({16, 16});
   auto* inner = new QVBoxLayout(box);
+  inner->setContentsMargins(4, 4, 4, 4);
   inner->addWidget(tree_);
   auto* outer = new QVBoxLayout(this);
   outer->setContentsMargins(4, 4, 4, 4);

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -14,12 +15,22 @@ namespace {
 
 using controls::CUPDialog;
 
+/// Rows that are high enough to be read.
+class GridRowDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index).grownBy({0, 3, 0, 3});
+  }
+};
+
 /// The control of the grid: categories as bands over its whole width, lines between the fields.
 class PropertyGrid : public QTreeView {
  public:
   explicit PropertyGrid(QWidget* parent) : QTreeView(parent) {
     setObjectName(QStringLiteral("1111"));
     setAccessibleName(QStringLiteral("Items of the folder"));
+    setItemDelegate(new GridRowDelegate(this));
     setUniformRowHeights(true);
     setHeaderHidden(true);
     setEditTriggers(NoEditTriggers);

@@ -12,7 +12,9 @@ std::vector<QIcon> LoadImageList(int bitmap) {
   for (const int scale : {1, 2}) {
     const QPixmap drawn = strip.ToPixmap(strip.Size(), scale);
     for (std::size_t i = 0; i < images.size(); ++i) {
-      images[i].addPixmap(drawn.copy(int(i) * kSide * scale, 0, kSide * scale, kSide * scale));
+      const QPixmap image = drawn.copy(int(i) * kSide * scale, 0, kSide * scale, kSide * scale);
+      // On a selected row too they keep their colours: a tint would drown what is so small.
+      for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected}) images[i].addPixmap(image, mode);
     }
   }
   return images;

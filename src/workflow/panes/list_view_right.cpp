@@ -47,7 +47,6 @@ CListViewRight::CListViewRight(QWidget* parent, std::shared_ptr<FinishedStore> s
   horizontalHeader()->setSectionsClickable(false);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-  horizontalHeader()->setStretchLastSection(true);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setDefaultSectionSize(kRowHeight);
@@ -85,6 +84,7 @@ void CListViewRight::BuildColumns() {
   }
   rows_->SetTitles(titles);
   for (int column = 0; column < ItemRows::kColumns; ++column) setColumnWidth(column, kWidths[column]);
+  horizontalHeader()->setStretchLastSection(true);
   for (auto*& placeholder : placeholders_) delete std::exchange(placeholder, nullptr);
 }
 

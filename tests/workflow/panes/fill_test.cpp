@@ -1,10 +1,6 @@
 #include "workflow/panes/fill.h"
 
-#include <span>
-#include <string>
-
-#include "output/ole_date.h"
-#include "workflow/panes/listed_rows.h"
+#include "workflow/panes/listed_samples.h"
 #include "workflow/panes/store_fixture.h"
 #include "workflow/qt_text.h"
 
@@ -12,7 +8,6 @@ namespace velmora::workflow {
 namespace {
 
 using output::Field;
-using output::FieldType;
 using output::FieldValue;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -31,53 +26,6 @@ struct Recorder : FillTarget {
   int cancelAfter = -1;
 };
 
-struct KindCase {
-  PaneMessage message;
-  const char16_t* folderClass;
-  const char16_t* messageClass;
-  std::span<const ListedRow> listed;
-};
-
-const KindCase kKindCases[] = {
-    {kFillContactsMessage, u"IPF.Contact", u"IPM.Contact", kListedContactRows},
-    {kFillTasksMessage, u"IPF.Task", u"IPM.Task", kListedTaskRows},
-    {kFillCalendarMessage, u"IPF.Appointment", u"IPM.Appointment", kListedCalendarRows},
-    {kFillJournalMessage, u"IPF.Journal", u"IPM.Activity", kListedJournalRows},
-    {kFillNotesMessage, u"IPF.StickyNote", u"IPM.StickyNote", kListedNoteRows},
-};
-
-/// The field that an item of that class reads by an operation of that name.
-Field FieldOf(std::string_view operation, text::TextView messageClass) {
-  for (const output::FieldInfo& info : output::kFields) {
-    const bool answers =
-        info.interface == output::ItemInterface::RDOMail || info.interface == output::TypedInterfaceOf(messageClass);
-    if (answers && info.name == operation) return info.field;
-  }
-  ADD_FAILURE() << "no operation " << operation;
-  return Field::Subject;
-}
-
-/// A value that makes a row, and what the row says.
-struct Sample {
-  FieldValue value;
-  std::string shown;
-};
-
-Sample SampleOf(const ListedRow& row) {
-  if (row.form == "text")
-    return {text::FromUtf8("Value of " + std::string(row.operation)), "Value of " + std::string(row.operation)};
-  if (row.form == "flag") return {true, "Yes"};
-  if (row.form == "number") return {std::int32_t{70}, "70"};
-  if (row.form == "date") return {output::OleDateOf(40667 * output::kSecondsPerDay), "5/4/2011"};
-  if (row.form == "time") return {output::OleDateOf(40667 * output::kSecondsPerDay + 3723), "1:2:3:0"};
-  if (row.form == "sensitivity word") return {std::int32_t{2}, "Private"};
-  if (row.form == "importance word") return {std::int32_t{2}, "High"};
-  if (row.form == "status word") return {std::int32_t{3}, "Task Waiting"};
-  if (row.form == "note colour words") return {std::int32_t{4}, "Blue"};  // the item has no importance
-  ADD_FAILURE() << "no form " << row.form;
-  return {};
-}
-
 class FillTest : public StoreFixture {
  protected:
   Recorder Run(PaneMessage message, text::TextView folder = u"Folder") {
@@ -92,10 +40,7 @@ class FillOfKindTest : public FillTest, public testing::WithParamInterface<KindC
 TEST_P(FillOfKindTest, AnItemWithEveryFieldHasEveryRowInItsOrder) {
   const KindCase& kind = GetParam();
   const auto folder = AddFolder(u"Folder", kind.folderClass);
-  FieldValues fields;
-  for (const ListedRow& row : kind.listed)
-    fields.emplace_back(FieldOf(row.operation, kind.messageClass), SampleOf(row).value);
-  AddItem(folder, kind.messageClass, fields);
+  AddItem(folder, kind.messageClass, SamplesOf(kind));
 
   const Recorder filled = Run(kind.message);
   ASSERT_THAT(filled.categories, SizeIs(1));
