@@ -14,14 +14,16 @@ namespace velmora::recovery {
 /// work of a run stays in proportion too.
 class ContentAllowance {
  public:
-  /// Expands packed blocks: how often a byte of the source may come out as content.
-  static constexpr std::uint64_t kTimesOver = 64;
+  /// How often a byte of the source may come out as content, in the format with packed blocks and in others.
   static constexpr std::uint64_t kPackedTimesOver = 512;
+  static constexpr std::uint64_t kTimesOver = 64;
+  /// How many attachments each node and each block may stand for.
+  static constexpr std::uint64_t kPartsEach = 16;
 
   ContentAllowance() = default;
   ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks)
       : bytes_((sourceBytes + 1) * (packed ? kPackedTimesOver : kTimesOver)),
-        parts_((nodesAndBlocks + 1) * kTimesOver) {}
+        parts_((nodesAndBlocks + 1) * kPartsEach) {}
 
   /// To be asked before the bytes are read. False when the store claims more than it may: the content is left out
   /// then, like one that cannot be found.

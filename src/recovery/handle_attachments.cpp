@@ -23,7 +23,7 @@ void HandleAttachments(ItemRun& items) {
     const auto record = items.blocks.FindBlockOrLower(entry.bidData);
     ContentAllowance& allowance = items.state.allowance;
     if (!allowance.TakePart() || (record && !allowance.TakeBytes(record->size))) {
-      ReportUntriedAttachments(items, u"the store claims more than it can hold");
+      ReportAttachment(items.state.report, entry, u"the store claims more than it can hold");
       break;
     }
     ++items.subNodesHandled;

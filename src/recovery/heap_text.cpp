@@ -1,15 +1,13 @@
 #include "recovery/heap_text.h"
 
+#include <algorithm>
+
 namespace velmora::recovery {
 
 text::Text WideText(engine::ByteView bytes) {
-  text::Text result;
-  result.reserve((bytes.Size() + 1) / 2);
-  for (std::size_t offset = 0; offset < bytes.Size(); offset += 2) {
-    const char16_t unit = bytes.U16(offset);
-    if (unit == 0) break;
-    result.push_back(unit);
-  }
+  text::Text result((bytes.Size() + 1) / 2, u'\0');
+  std::ranges::copy(bytes.Chars(), reinterpret_cast<char*>(result.data()));
+  if (const std::size_t nul = result.find(u'\0'); nul != text::Text::npos) result.resize(nul);
   return result;
 }
 

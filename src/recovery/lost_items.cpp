@@ -47,7 +47,9 @@ void ReportAttachment(RecoveryReport& report, const SubNodeEntry& attachment, te
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason) {
   for (std::size_t i = items.subNodesHandled; i < items.subNodes.size(); ++i) {
     const SubNodeEntry& entry = items.subNodes[i];
-    if ((entry.nid & kNidTypeMask) == kNidTypeAttachment) ReportAttachment(items.state.report, entry, reason);
+    if ((entry.nid & kNidTypeMask) != kNidTypeAttachment) continue;
+    if (!items.state.allowance.TakePart()) return;
+    ReportAttachment(items.state.report, entry, reason);
   }
 }
 

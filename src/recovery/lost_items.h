@@ -18,7 +18,8 @@ void ReportEmbedded(RecoveryReport& report, const ItemWorkRecord& record);
 /// Lists an attachment of the message under work that was not brought across.
 void ReportAttachment(RecoveryReport& report, const SubNodeEntry& attachment, text::TextView reason);
 
-/// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried.
+/// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried; no more
+/// of them than the store may have attachments.
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason);
 
 }  // namespace velmora::recovery
