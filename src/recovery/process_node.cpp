@@ -17,7 +17,6 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
   }
   const bool whole = WithinFrame([&] {
     const bool bodyInBounds = ProcessMessage(items, record.bidData, folderNid);
-    items.bodySlots = {};
     if (bodyInBounds) HandleAttachments(items);
     if (!bodyInBounds) ReportUntriedAttachments(items, u"the body of its message is out of bounds");
   });

@@ -98,6 +98,12 @@ TEST_F(AttachmentsTest, ALongNameThatCannotBeMadeLeavesTheShortOne) {
   EXPECT_THAT(Attached(), ElementsAre("short:1"));
 }
 
+TEST_F(AttachmentsTest, ALongNameThatIsNoneTakesTheShortOneAway) {
+  AddMail({Attachment(0x8025, {Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"short"), Wide(0x3707, u"")})});
+  Recover();
+  EXPECT_THAT(Attached(), IsEmpty()) << "where no name is tried, none counts as made";
+}
+
 TEST_F(AttachmentsTest, ANameThatDoesNotLookLikeTextIsNone) {
   AddMail({Small(0x8025, u"\x0001\x0100", "x")});
   Recover();
@@ -171,6 +177,16 @@ TEST_F(AttachmentsTest, InAnOstTheDisplayNameIsTheNameOfTheFile) {
   AddMail({Attachment(0x8025, {Wide(0x3001, u"sh:own"), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a.txt")})});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("sh own:1"));
+}
+
+TEST_F(AttachmentsTest, ANameThroughIdentifierZeroIsNoneWhateverThePageMapHoldsInItsPlace) {
+  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  const std::uint32_t bid = AddBlock(
+      NewBid(),
+      HeapBlock({Value(0x3001, 0x001F, 0), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a")}, {.freeCount = 4}));
+  AddMail({{0x8025, bid, 0}});
+  Recover();
+  EXPECT_THAT(Attached(), ElementsAre("a:1"));
 }
 
 TEST_F(AttachmentsTest, InAnOstTheDisplayNamePassesToTheNextAttachmentWhetherTheLogIsOnOrNot) {

@@ -93,6 +93,17 @@ TEST_F(CreateTargetFoldersTest, EachPassOverTheFoldersSetAsideGoesInListOrder) {
                           Made(R"(\\top\\a\\b)", "d", R"("IPF.Note")")));
 }
 
+TEST_F(CreateTargetFoldersTest, AFolderBehindTheOneItWaitedForHasItsTurnInTheSamePass) {
+  // 10 and 30 wait for 20, which waits for 40: when 20 is made, 30 still comes in that pass and 10 in the next.
+  Create({{10, 20, u"ahead", u"IPF.Note"},
+          {20, 40, u"a", u"IPF.Note"},
+          {30, 20, u"behind", u"IPF.Note"},
+          {40, 99, u"top", u"IPF.Note"}});
+  EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "top", R"("IPF.Note")"), Made(R"(\\top)", "a", R"("IPF.Note")"),
+                                              Made(R"(\\top\\a)", "behind", R"("IPF.Note")"),
+                                              Made(R"(\\top\\a)", "ahead", R"("IPF.Note")")));
+}
+
 TEST_F(CreateTargetFoldersTest, OneFolderThatCannotBeMadeDoesNotEndTheRun) {
   Create({{10, 99, u"ends\\", u"IPF.Note"}, {20, 99, u"no\\way", u"IPF.Note"}, {30, 99, u"Inbox", u"IPF.Note"}});
   EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "Inbox", R"("IPF.Note")")));

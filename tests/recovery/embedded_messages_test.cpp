@@ -119,6 +119,16 @@ TEST_F(EmbeddedMessagesTest, WhereTheListGoesOnTheWayFromSlotToSlotOverwritesThe
   EXPECT_EQ(std::ranges::count(Trace("Put"), R"({"op":"Put","id":1,"field":"Sent","value":true})"), 3);
 }
 
+TEST_F(EmbeddedMessagesTest, TheThirdEntryOfAListLiesBetweenTwoSlots) {
+  const std::uint32_t bids[] = {Message(u"first").bidData, Message(u"second").bidData, Message(u"third").bidData};
+  const SubNode attachment = {
+      0x8025, AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"shown")})),
+      AddBlock(NewBid(), SubNodeBlock({{0x8044, bids[0], 0}, {0x8064, bids[1], 0}, {0x8084, bids[2], 0}}))};
+  AddNodeOf(Message(u"outer", {attachment}));
+  Recover();
+  EXPECT_THAT(Trace("Put"), Contains(R"({"op":"Put","id":2,"field":"Subject","value":"second"})"));
+}
+
 TEST_F(EmbeddedMessagesTest, AnEntryWithSubNodesFillsTheCountOfASingleEntry) {
   const Block inner = Message(u"inner", {{0x8025, 0, 0}});
   Bytes list = SubNodeBlock({{0x8044, inner.bidData, inner.bidSub}});

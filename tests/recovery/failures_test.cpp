@@ -91,6 +91,14 @@ TEST_F(FailuresTest, AFailingBodyKeepsTheAttachmentsAwayAndTheMailIsSaved) {
   EXPECT_EQ(state_.report.lost.size(), 1u);
 }
 
+TEST_F(FailuresTest, TheBodyOfAFailingMailDoesNotPassToTheNext) {
+  AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x1000, u"body")});
+  AddMessage({Wide(0x001A, u"IPM.Note"), Data(0x1009, 0x0102, BytesOf("{rtf}"))});
+  FailAt(R"({"op":"Put","id":1,"field":"Body")");
+  Recover();
+  EXPECT_THAT(Trace("Put"), Contains(R"({"op":"Put","id":2,"field":"RTFBody","value":"{rtf}"})"));
+}
+
 TEST_F(FailuresTest, AFailingAttachmentEndsTheAttachmentsOfItsMessage) {
   AddTwoMails();
   FailAt(R"({"op":"AddAttachment","id":1)");

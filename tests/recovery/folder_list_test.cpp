@@ -102,6 +102,10 @@ TEST(OrderFolders, AChildThatStandsAheadOfItsParentStaysAhead) {
   EXPECT_THAT(Order({Folder(1, 3), Folder(2), Folder(3), Folder(4, 3)}), ElementsAre(1, 2, 3, 4));
 }
 
+TEST(OrderFolders, AFolderBroughtForwardTakesItsChildrenFromAheadOfItsOldPlaceAlong) {
+  EXPECT_THAT(Order({Folder(1), Folder(2, 3), Folder(3, 1), Folder(4, 1)}), ElementsAre(1, 3, 2, 4));
+}
+
 TEST(OrderFolders, FoldersThatAreEachOthersParentsStayOnce) {
   EXPECT_THAT(Order({Folder(1, 2), Folder(2, 1), Folder(3, 3)}), ElementsAre(1, 2, 3));
 }
