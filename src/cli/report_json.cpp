@@ -82,6 +82,10 @@ Json LostOf(const recovery::RecoveryReport& report) {
                     {"class", text::ToUtf8(object.messageClass)},
                     {"reason", text::ToUtf8(object.reason)}});
   }
+  if (report.lostUntold != 0) {
+    const std::string more = std::to_string(report.lostUntold) + " more, not listed";
+    lost.push_back({{"nid", 0}, {"bidData", 0}, {"class", ""}, {"reason", more}});
+  }
   return lost;
 }
 

@@ -33,7 +33,7 @@ Text AttachmentReader::ReadText(ByteView block, HeapRange range) const {
 
 AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& entry,
                                                           const engine::BlockRecord& record) {
-  const auto bytes = ReadHeapBlock(items_.engine, record, entry.bidData, kAttachmentRules);
+  const auto bytes = ReadHeapBlock(items_.engine, record, entry.bidData, kAttachmentRules, items_.state.allowance);
   if (!bytes) return Result::kNoAttachment;
   const ByteView block(*bytes);
   const PropertyContext context(block, items_.engine, kAttachmentRules);
@@ -142,7 +142,7 @@ AttachmentReader::Result AttachmentReader::ReadContent(const SubNodeEntry& entry
 
 void AttachmentReader::NameLastRecord(bool lineWritten) {
   if (!attachmentIsEmbedded_ || embeddedName_.empty()) return;
-  items_.queue.back().attachmentName = embeddedName_;
+  if (items_.state.allowance.TakeHeld(2 * embeddedName_.size())) items_.queue.back().attachmentName = embeddedName_;
   if (lineWritten || items_.run.log == nullptr) return;
   items_.run.Log(u"\r\n");
   items_.run.Log(u"Attached Embedded Message: ");

@@ -15,13 +15,18 @@ constexpr std::uint32_t kLastTriedBid = kWanderingBid + 100;
 
 constexpr std::uint16_t kExtendedBlock = 0x0101;
 
-/// Would the message be embedded in itself?
-bool IsOwnAncestor(const ItemRun& items, const ItemWorkRecord& record) {
+/// Messages within messages: several times what people forward to one another.
+constexpr int kDeepestEmbedding = 100;
+
+/// A message that would be embedded in itself has no end, and one behind very many others no sense.
+bool HasEnd(const ItemRun& items, const ItemWorkRecord& record) {
+  int depth = 0;
   for (std::optional<std::size_t> at = record.parent; at; at = items.queue[*at].parent) {
     const ItemWorkRecord& ancestor = items.queue[*at];
-    if (ancestor.bidData == record.bidData && ancestor.bidSub == record.bidSub) return true;
+    if (ancestor.bidData == record.bidData && ancestor.bidSub == record.bidSub) return false;
+    if (++depth > kDeepestEmbedding) return false;
   }
-  return false;
+  return true;
 }
 
 }  // namespace
@@ -88,8 +93,7 @@ bool AttachmentReader::QueueEmbedded(const SubNodeEntry& entry, ByteView block) 
     record.parentItem = mail;
   }
 
-  // A message that holds itself has no end.
-  if (!IsOwnAncestor(items_, record)) return true;
+  if (HasEnd(items_, record)) return true;
   items_.queue.pop_back();
   return false;
 }

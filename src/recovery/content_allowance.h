@@ -1,49 +1,84 @@
-// A guard against stores whose blocks name one another over and over.
+// A guard against stores whose parts name one another over and over.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
+
+#include "engine/engine_state.h"
 
 namespace velmora::recovery {
 
-/// How much content and how many attachments a run may still take out of a store.
+/// How much a step of the run may still take out of a store.
 ///
 /// A sound store gives each block out about once, or as often as stale copies of a node repeat it. A store made
 /// to do harm can name one block in every entry of a list, and that list in every node: a megabyte of it would
-/// fill any disk. The limits lie far above what a sound store can hold and in proportion to its size, so the
-/// work of a run stays in proportion too.
+/// fill any disk and any memory. The limits lie far above what a sound store can hold and in proportion to its size,
+/// so time and memory of a run stay in proportion too.
+///
+/// Each question is asked before the thing is read or kept, and a "no" leaves it out, like something that cannot be
+/// found. What is refused once is refused from then on.
 class ContentAllowance {
  public:
-  /// How often a byte of the source may come out as content, in the format with packed blocks and in others.
+  /// How often a byte of the source may be read and come out, in the format with packed blocks and in others; and so
+  /// much is no harm however small the source.
   static constexpr std::uint64_t kPackedTimesOver = 512;
   static constexpr std::uint64_t kTimesOver = 64;
+  static constexpr std::uint64_t kLeastBytes = std::uint64_t{16} << 20;
+
   /// How many attachments each node and each block may stand for.
   static constexpr std::uint64_t kPartsEach = 16;
+  static constexpr std::uint64_t kLeastParts = 1024;
+
+  /// One node stays in memory with all that it embeds until it is done: as much as the source could hold, in these
+  /// limits.
+  static constexpr std::uint64_t kLeastHeld = std::uint64_t{16} << 20;
+  static constexpr std::uint64_t kMostHeld = std::uint64_t{128} << 20;
+  /// What an attachment or embedded message takes in memory besides its texts.
+  static constexpr std::uint64_t kHeldByPart = 1024;
+
+  /// The folders stay in memory for the whole run: a folder counts as so many bytes, of which the source has these
+  /// and as many as it is long.
+  static constexpr std::uint64_t kFolderBytes = 512;
+  static constexpr std::uint64_t kLeastFolderBytes = std::uint64_t{4} << 20;
+
+  /// The report's list of losses has this many lines, and one more for so many bytes of the source.
+  static constexpr std::uint64_t kLeastLosses = 10000;
+  static constexpr std::uint64_t kBytesOfLoss = 512;
 
   ContentAllowance() = default;
-  ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks)
-      : bytes_((sourceBytes + 1) * (packed ? kPackedTimesOver : kTimesOver)),
-        parts_((nodesAndBlocks + 1) * kPartsEach) {}
+  ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks);
 
-  /// To be asked before the bytes are read. False when the store claims more than it may: the content is left out
-  /// then, like one that cannot be found.
+  /// That of a run at the beginning of a step.
+  static ContentAllowance Of(const engine::EngineState& engine);
+
+  /// Bytes that are read, or written as content.
   bool TakeBytes(std::uint64_t count) { return Take(bytes_, count); }
+  bool BytesSpent() const { return bytes_ == 0; }
 
-  /// The same for one attachment or embedded message.
-  bool TakePart() { return Take(parts_, 1); }
+  /// Bytes of the source that stay in memory until the node under work is done.
+  bool TakeHeld(std::uint64_t count) { return Take(held_, count); }
+  void BeginNode() { held_ = heldByNode_; }
+
+  /// A text of so many bytes of the source: it is read and it stays.
+  bool TakeText(std::uint64_t count) { return TakeBytes(count) && TakeHeld(count); }
+
+  /// An attachment or embedded message.
+  bool TakePart() { return Take(parts_, 1) && TakeHeld(kHeldByPart); }
+
+  /// A folder whose texts have so many UTF-16 units.
+  bool TakeFolder(std::uint64_t units) { return Take(folderBytes_, kFolderBytes + 2 * units); }
+
+  /// A line of the report about something lost.
+  bool TakeLoss() { return Take(losses_, 1); }
 
  private:
-  static bool Take(std::uint64_t& left, std::uint64_t count) {
-    if (count > left) {
-      left = 0;
-      return false;
-    }
-    left -= count;
-    return true;
-  }
+  static bool Take(std::uint64_t& left, std::uint64_t count);
 
   std::uint64_t bytes_ = 0;
   std::uint64_t parts_ = 0;
+  std::uint64_t heldByNode_ = 0;
+  std::uint64_t held_ = 0;
+  std::uint64_t folderBytes_ = 0;
+  std::uint64_t losses_ = 0;
 };
 
 }  // namespace velmora::recovery

@@ -1,4 +1,5 @@
 #include "recovery/item_steps.h"
+#include "recovery/lost_items.h"
 #include "recovery/message_classes.h"
 
 namespace velmora::recovery {
@@ -11,7 +12,7 @@ namespace {
 
 Ref<RDOMail> AddItem(ItemRun& items, text::TextView messageClass) {
   auto item = items.state.targetFolder->Items()->Add(messageClass);
-  if (item) ++items.state.report.items[text::Text(messageClass)];
+  if (item) ++items.state.report.items[ToldClass(messageClass)];
   return item;
 }
 

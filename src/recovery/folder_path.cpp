@@ -13,9 +13,12 @@ text::Text BuildFolderPath(FolderList& folders, std::uint32_t topFolderNid, std:
 
   std::vector<const FolderRecord*> chain;  // from the folder upwards
   std::unordered_set<std::uint32_t> seen;
+  std::size_t length = 0;
   for (std::uint32_t current = nid; current != topFolderNid && seen.insert(current).second;) {
     FolderRecord* folder = folders.Find(current);
     if (folder == nullptr) break;
+    length += 1 + folder->name.size();
+    if (!chain.empty() && (length > kLongestPath || chain.size() == kDeepestFolder)) break;
     chain.push_back(folder);
     NormaliseClass(*folder);
     current = folder->parentNid;

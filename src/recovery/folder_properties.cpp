@@ -8,8 +8,8 @@
 namespace velmora::recovery {
 
 std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      const text::CodePage& codePage) {
-  const auto bytes = ReadHeapBlock(engine, record, record.bid, kFolderRules);
+                                                      const text::CodePage& codePage, ContentAllowance& allowance) {
+  const auto bytes = ReadHeapBlock(engine, record, record.bid, kFolderRules, allowance);
   if (!bytes) return std::nullopt;
   const engine::ByteView block(*bytes);
   const PropertyContext context(block, engine, kFolderRules);

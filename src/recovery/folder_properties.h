@@ -5,6 +5,7 @@
 
 #include "engine/block_index.h"
 #include "engine/engine_state.h"
+#include "recovery/content_allowance.h"
 #include "text/code_page.h"
 #include "text/text.h"
 
@@ -15,8 +16,9 @@ struct FolderProperties {
   text::Text containerClass;  ///< empty when the block has none
 };
 
-/// Nothing when the block is no property context, has no display name, or is a message.
+/// Nothing when the block is no property context, has no display name, or is a message; nor when the
+/// allowance is spent.
 std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      const text::CodePage& codePage);
+                                                      const text::CodePage& codePage, ContentAllowance& allowance);
 
 }  // namespace velmora::recovery

@@ -20,24 +20,23 @@ void HandleAttachments(ItemRun& items) {
   AttachmentReader reader(items);
   for (const SubNodeEntry& entry : subNodes) {
     items.run.control.PausePoint();
-    const auto record = items.blocks.FindBlockOrLower(entry.bidData);
-    ContentAllowance& allowance = items.state.allowance;
-    if (!allowance.TakePart() || (record && !allowance.TakeBytes(record->size))) {
-      ReportAttachment(items.state.report, entry, u"the store claims more than it can hold");
+    if (items.state.allowance.BytesSpent() || !items.state.allowance.TakePart()) {
+      ReportUntriedAttachments(items, kClaimsTooMuch);
       break;
     }
+    const auto record = items.blocks.FindBlockOrLower(entry.bidData);
     ++items.subNodesHandled;
     const bool byIdentifier = (entry.nid & kNidTypeMask) == kNidTypeAttachment;
     if (!record) {
-      if (byIdentifier) ReportAttachment(items.state.report, entry, u"its data block was not found");
+      if (byIdentifier) ReportAttachment(items.state, entry, u"its data block was not found");
       continue;
     }
     const auto result = reader.ReadAttachment(entry, *record);
     if (result == AttachmentReader::Result::kLost) {
-      ReportAttachment(items.state.report, entry, u"its content was not found");
+      ReportAttachment(items.state, entry, u"its content was not found");
     }
     if (result == AttachmentReader::Result::kNoAttachment && byIdentifier) {
-      ReportAttachment(items.state.report, entry, u"its data block is no property context");
+      ReportAttachment(items.state, entry, u"its data block is no property context");
     }
   }
   if (reader.AttachmentAdded()) items.run.Send(engine::MSG_LIST_ATTACHMENT);

@@ -21,6 +21,7 @@ namespace velmora::recovery {
 struct ItemOutcome {
   bool saved = false;              ///< an item of any kind reached the new store
   std::optional<SkipReason> skip;  ///< why none was made
+  bool tooMuch = false;            ///< it was not read, since the store claims more than it can hold
   text::Text messageClass;         ///< empty when none could be read
 };
 

@@ -1,5 +1,7 @@
 #include "recovery/lost_items.h"
 
+#include <utility>
+
 #include "recovery/message_classes.h"
 #include "recovery/property_ids.h"
 
@@ -7,6 +9,7 @@ namespace velmora::recovery {
 namespace {
 
 text::TextView ReasonOf(const ItemOutcome& outcome) {
+  if (outcome.tooMuch) return kClaimsTooMuch;
   if (!outcome.skip) return u"its item could not be saved";
   switch (*outcome.skip) {
     case SkipReason::kNoBlock:
@@ -23,33 +26,39 @@ text::TextView ReasonOf(const ItemOutcome& outcome) {
   return {};
 }
 
+void Report(RecoveryState& state, LostObject lost) {
+  if (state.allowance.TakeLoss()) {
+    state.report.lost.push_back(std::move(lost));
+  } else {
+    ++state.report.lostUntold;
+  }
+}
+
 }  // namespace
 
-void ReportNode(RecoveryReport& report, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome) {
+void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome) {
   if (outcome.saved) return;
-  if (outcome.skip) ++report.skipped[*outcome.skip];
+  if (outcome.skip) ++state.report.skipped[*outcome.skip];
   if (outcome.skip == SkipReason::kRefusedClass) return;
   const bool isMessage =
       (nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
-  if (isMessage) report.lost.push_back({nid, bidData, outcome.messageClass, text::Text(ReasonOf(outcome))});
+  if (isMessage) Report(state, {nid, bidData, ToldClass(outcome.messageClass), text::Text(ReasonOf(outcome))});
 }
 
-void ReportEmbedded(RecoveryReport& report, const ItemWorkRecord& record) {
+void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {
   if (record.outcome.saved || record.outcome.skip == SkipReason::kRefusedClass) return;
-  report.lost.push_back({record.nid, record.bidData, record.outcome.messageClass,
-                         text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
+  Report(state, {record.nid, record.bidData, ToldClass(record.outcome.messageClass),
+                 text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
 }
 
-void ReportAttachment(RecoveryReport& report, const SubNodeEntry& attachment, text::TextView reason) {
-  report.lost.push_back({attachment.nid, attachment.bidData, {}, text::Text(u"attachment: ").append(reason)});
+void ReportAttachment(RecoveryState& state, const SubNodeEntry& attachment, text::TextView reason) {
+  Report(state, {attachment.nid, attachment.bidData, {}, text::Text(u"attachment: ").append(reason)});
 }
 
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason) {
   for (std::size_t i = items.subNodesHandled; i < items.subNodes.size(); ++i) {
     const SubNodeEntry& entry = items.subNodes[i];
-    if ((entry.nid & kNidTypeMask) != kNidTypeAttachment) continue;
-    if (!items.state.allowance.TakePart()) return;
-    ReportAttachment(items.state.report, entry, reason);
+    if ((entry.nid & kNidTypeMask) == kNidTypeAttachment) ReportAttachment(items.state, entry, reason);
   }
 }
 

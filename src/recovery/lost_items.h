@@ -8,18 +8,25 @@
 
 namespace velmora::recovery {
 
-/// Counts a node or an orphan that gave no item, and lists it if it should have given one: its identifier says
+/// The reason of what was not tried because the allowance was spent.
+inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it can hold";
+
+/// A message class as the report tells it: one that fills a block must not fill the report, node by node.
+inline text::Text ToldClass(text::TextView messageClass) { return text::Text(messageClass.substr(0, 255)); }
+
+// What is lost is listed as long as the list is in proportion to the store, and only counted beyond that.
+
+/// Counts a node or orphan that gave no item, and lists it as lost if it is known for a message: its id says
 /// that it is a message, or its class is one that is converted. A class refused by rule is no loss.
-void ReportNode(RecoveryReport& report, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome);
+void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome);
 
 /// Lists an embedded message that was queued and reached neither its parent nor a folder.
-void ReportEmbedded(RecoveryReport& report, const ItemWorkRecord& record);
+void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record);
 
 /// Lists an attachment of the message under work that was not brought across.
-void ReportAttachment(RecoveryReport& report, const SubNodeEntry& attachment, text::TextView reason);
+void ReportAttachment(RecoveryState& state, const SubNodeEntry& attachment, text::TextView reason);
 
-/// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried; no more
-/// of them than the store may have attachments.
+/// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried.
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason);
 
 }  // namespace velmora::recovery

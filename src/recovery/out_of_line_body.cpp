@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "recovery/heap_text.h"
 #include "recovery/item_steps.h"
 #include "recovery/property_ids.h"
@@ -19,7 +21,7 @@ text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const Bod
     return ReadStreamAsText(items.engine, chain, slot.tag, codePage, items.state.allowance);
   }
   const auto block = ReadDataBlock(items.engine, record, slot.bid, items.state.allowance);
-  if (!block) return {};
+  if (!block || !items.state.allowance.TakeHeld(block->bytes.size())) return {};
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
   return CopyHeapText(engine::ByteView(block->bytes), wide, BodyCodePage(slot.tag, codePage));
 }
@@ -45,9 +47,10 @@ void ReadOutOfLineBody(ItemRun& items) {
     const auto record = items.blocks.FindBlockOrLower(slot.bid);
     if (!record) continue;
     if (record->offset == 0 || record->size == 0) return;
-    const text::Text body = ReadBody(items, *record, slot);
-    items.message.Item(ItemKind::kMail)->Put(FieldOf(slot.tag), body);
-    if (!body.empty()) return;
+    text::Text body = ReadBody(items, *record, slot);
+    const bool delivered = !body.empty();
+    items.message.Item(ItemKind::kMail)->Put(FieldOf(slot.tag), std::move(body));
+    if (delivered) return;
   }
 }
 

@@ -41,7 +41,7 @@ class MessageWalk {
       const PropertyRecord record = context_.Record(index);
       if (record.id == kMessageClassId && !HandleClass(record.value)) return false;
       KeepSeenValue(record);
-      HandToKind(record);
+      if (TakeText(record)) HandToKind(record);
     }
     return true;
   }
@@ -61,8 +61,11 @@ class MessageWalk {
     return CopyHeapText(range->In(message_.block.bytes), scope_.wideFormat, *scope_.codePage);
   }
 
+  /// An item for each class record: a sound message has one.
   bool HandleClass(std::uint32_t value) {
     if (!InBounds(value)) return false;
+    if (classSeen_ && !items_.state.allowance.TakePart()) return false;
+    classSeen_ = true;
     const text::Text messageClass = ReadText(value);
     ItemOutcome& outcome = items_.Current().outcome;
     outcome.messageClass = messageClass;
@@ -80,6 +83,18 @@ class MessageWalk {
     }
     if (verdict == ClassVerdict::kRefused) outcome.skip = SkipReason::kRefusedClass;
     return true;
+  }
+
+  /// Every record may name the same allocation, and the item keeps what it finds there. A list may also hold the
+  /// same bytes in many of its values.
+  bool TakeText(const PropertyRecord& record) {
+    constexpr std::uint64_t kTimesInList = 16;
+    const bool isList = record.type == kTypeUnicodeList || record.type == kTypeString8List;
+    const bool isText = isList || record.type == kTypeUnicode || record.type == kTypeString8 ||
+                        record.id == kSubjectId || record.id == kConversationTopicId;
+    const auto range = ReadHeapRange(message_.block.bytes, message_.block.Position(record.value));
+    if (!isText || !range) return true;
+    return items_.state.allowance.TakeText(range->In(message_.block.bytes).Size() * (isList ? kTimesInList : 1));
   }
 
   void KeepSeenValue(const PropertyRecord& record) {
@@ -154,6 +169,7 @@ class MessageWalk {
   SubNodeText subNodeText_;
   ConversionScope scope_;
   std::uint32_t bodyValue_ = 0;
+  bool classSeen_ = false;
   bool subjectSet_ = false;
 };
 
@@ -167,8 +183,11 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
   const auto record = items.blocks.FindBlockOrLower(bidData);
   if (!record) return 0;
   outcome.skip = SkipReason::kBadHeap;
-  auto bytes = ReadHeapBlock(items.engine, *record, record->bid, kMessageRules);
-  if (!bytes) return 0;
+  auto bytes = ReadHeapBlock(items.engine, *record, record->bid, kMessageRules, items.state.allowance);
+  if (!bytes) {
+    outcome.tooMuch = items.state.allowance.BytesSpent();
+    return 0;
+  }
 
   MessageWork& message = items.message;
   message.readBuffer = std::move(*bytes);

@@ -15,6 +15,7 @@ bool ReadInLineBody(ItemRun& items, std::uint32_t value, const BodySlot& slot) {
   const auto range = ReadHeapRange(block.bytes, block.Position(value));
   if (!range) return false;
   if (range->start >= range->end || range->end >= block.bytes.Size()) return true;
+  if (!items.state.allowance.TakeText(range->end - range->start)) return true;
 
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
   const text::CodePage& codePage = BodyCodePage(slot.tag, *items.state.codePage);

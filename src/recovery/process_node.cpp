@@ -7,12 +7,18 @@ namespace {
 
 void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
   items.run.control.PausePoint();
-  const ItemWorkRecord& record = items.Current();
-  items.subNodes = ReadSubNodeList(items.engine, record.bidSub);
+  ItemWorkRecord& record = items.Current();
   items.subNodesHandled = 0;
+  if (items.state.allowance.BytesSpent()) {
+    record.outcome.skip = SkipReason::kNoBlock;
+    record.outcome.tooMuch = true;
+    return;
+  }
+  items.subNodes = ReadSubNodeList(items.engine, record.bidSub);
+  items.state.allowance.TakeBytes(items.subNodes.size() * sizeof(SubNodeEntry));
   const bool hasBlock = items.blocks.FindBlockOrLower(record.bidData).has_value();
   if (!hasBlock) {
-    items.Current().outcome.skip = SkipReason::kNoBlock;
+    record.outcome.skip = SkipReason::kNoBlock;
     return;
   }
   const bool whole = WithinFrame([&] {
@@ -27,6 +33,7 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
 
 ItemOutcome ProcessNode(ItemRun& items, std::uint32_t nid, std::uint32_t bidData, std::uint32_t bidSub,
                         std::uint32_t folderNid) {
+  items.state.allowance.BeginNode();
   items.message = MessageWork{};
   items.queue.clear();
   ItemWorkRecord& first = items.queue.emplace_back();
@@ -41,7 +48,7 @@ ItemOutcome ProcessNode(ItemRun& items, std::uint32_t nid, std::uint32_t bidData
   }
   CloseWorkQueue(items);
 
-  for (std::size_t i = 1; i < items.queue.size(); ++i) ReportEmbedded(items.state.report, items.queue[i]);
+  for (std::size_t i = 1; i < items.queue.size(); ++i) ReportEmbedded(items.state, items.queue[i]);
   return first.outcome;
 }
 

@@ -52,6 +52,15 @@ std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const en
   return bytes;
 }
 
+std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                           std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance) {
+  if (!allowance.TakeBytes(record.size)) return std::nullopt;
+  auto bytes = ReadHeapBlock(engine, record, id, rules);
+  const bool inflated = bytes && bytes->size() > record.size;
+  if (inflated && !allowance.TakeBytes(bytes->size())) return std::nullopt;
+  return bytes;
+}
+
 PropertyContext::PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules)
     : block_(block), header_(ReadHeapHeader(block)), fault_(Open(engine, rules)) {}
 

@@ -15,6 +15,7 @@
 #include "engine/block_reader.h"
 #include "engine/byte_view.h"
 #include "engine/engine_state.h"
+#include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
 
 namespace velmora::recovery {
@@ -87,6 +88,10 @@ bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes);
 /// Nothing when the read failed.
 std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
                                            std::uint32_t id, const ContextRules& rules);
+
+/// The same for a block that any number of nodes may name. Nothing as well when the allowance is spent.
+std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                           std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
 class PropertyContext {

@@ -72,8 +72,9 @@ class FolderRecovery {
       engine_.encodingUnknown = !blocks_.DetectEncoding(record->bid, record->offset, record->size);
       if (engine_.encodingUnknown) return false;
     }
-    auto properties = ParseFolderProperties(engine_, *record, *state_.codePage);
+    auto properties = ParseFolderProperties(engine_, *record, *state_.codePage, state_.allowance);
     if (!properties || properties->name.empty()) return false;
+    if (!state_.allowance.TakeFolder(properties->name.size() + properties->containerClass.size())) return false;
     if (properties->containerClass.empty()) properties->containerClass = u"IPF.Note";
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;
     folders_.AddFolderRecord(
@@ -104,6 +105,7 @@ void RecoverFolders(RecoveryState& state, EngineState& engine, RunContext& run) 
   if (run.runEnded || run.runAborted) return;
   run.Send(engine::MSG_STAGE, kFolderStage);
 
+  state.allowance = ContentAllowance::Of(engine);
   FolderRecovery recovery(state, engine, run);
   WithinFrame([&recovery] { recovery.WalkNodes(); });
   std::vector<FolderRecord> recovered = recovery.Finish();

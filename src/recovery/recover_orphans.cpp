@@ -30,7 +30,7 @@ class ItemRecovery {
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) Report(progress);
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
-      ReportNode(state_.report, node.nid, node.bidData, outcome);
+      ReportNode(state_, node.nid, node.bidData, outcome);
       ++counter_;
     }
   }
@@ -48,7 +48,7 @@ class ItemRecovery {
       const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
-      if (isElement) ReportNode(state_.report, 0, orphan.bidData, outcome);
+      if (isElement) ReportNode(state_, 0, orphan.bidData, outcome);
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;
@@ -106,9 +106,7 @@ void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) 
       static_cast<std::uint64_t>((std::uint64_t{engine.nodeCount} + engine.orphanBlockCount) / 100.0 + 0.5);
   run.Send(engine::MSG_STAGE, kItemStage);
 
-  const bool packed = engine.layout.formatId == engine::FORMAT_UNICODE_4K;
-  const std::uint64_t sourceBytes = engine.source == nullptr ? 0 : engine.source->Size();
-  state.allowance = ContentAllowance(sourceBytes, packed, std::uint64_t{engine.nodeCount} + engine.blockRecordCount);
+  state.allowance = ContentAllowance::Of(engine);
 
   ItemRecovery recovery(state, engine, run);
   recovery.ProcessNodes();

@@ -41,6 +41,7 @@ struct RecoveryReport {
   std::uint64_t embedded = 0;                 ///< messages attached to their parents
   std::map<SkipReason, std::uint64_t> skipped;
   std::vector<LostObject> lost;
+  std::uint64_t lostUntold = 0;  ///< how many more are lost, where the list would grow out of proportion to the store
 };
 
 }  // namespace velmora::recovery

@@ -1,7 +1,5 @@
 #include "recovery/sub_node_text.h"
 
-#include <algorithm>
-
 #include "engine/block_reader.h"
 #include "recovery/heap_text.h"
 #include "recovery/property_ids.h"
@@ -23,14 +21,17 @@ text::Text WithSinglePercents(const text::Text& text) {
 }  // namespace
 
 text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t value) {
-  const auto entry = std::ranges::find(subNodes_, value, &SubNodeEntry::nid);
-  if (entry == subNodes_.end()) return {};
+  if (blockOfNid_.empty()) {
+    for (const SubNodeEntry& entry : subNodes_) blockOfNid_.try_emplace(entry.nid, entry.bidData);
+  }
+  const auto entry = blockOfNid_.find(value);
+  if (entry == blockOfNid_.end()) return {};
   const engine::BlockReader blocks(engine_);
-  const auto record = blocks.FindBlockOrLower(entry->bidData);
+  const auto record = blocks.FindBlockOrLower(entry->second);
   if (!record) return {};
   const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
   const auto block = ReadDataBlock(engine_, *record, record->bid, allowance_, inflates);
-  if (!block) return {};
+  if (!block || !allowance_.TakeHeld(block->bytes.size())) return {};
   if (type == kTypeUnicode) return WithSinglePercents(WideText(engine::ByteView(block->bytes)));
   if (type == kTypeString8) return NarrowText(engine::ByteView(block->bytes), codePage_);
   return {};

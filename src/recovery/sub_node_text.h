@@ -1,6 +1,9 @@
 // Texts of a message that live outside its own block.
 #pragma once
 
+#include <cstdint>
+#include <unordered_map>
+
 #include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "recovery/content_allowance.h"
@@ -26,6 +29,7 @@ class SubNodeText : public SubNodeValues {
   engine::ByteView messageBlock_;
   const text::CodePage& codePage_;
   ContentAllowance& allowance_;
+  std::unordered_map<std::uint32_t, std::uint32_t> blockOfNid_;  ///< made at the first question; the first of an id
 };
 
 }  // namespace velmora::recovery

@@ -115,7 +115,7 @@ text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::u
     const auto record = blocks.FindBlockOrLower(chain.singleDataBid);
     if (!record) return {};
     const auto single = ReadDataBlock(engine, *record, record->bid, allowance);
-    if (!single) return {};
+    if (!single || !allowance.TakeHeld(single->bytes.size())) return {};
     const ByteView block(single->bytes);
     if (!wide) return NarrowText(block, page);
     text::Text whole;  // all of the block's units, NULs included
@@ -128,7 +128,9 @@ text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::u
     const auto record = blocks.FindBlock(bid);
     if (!record) continue;
     const auto piece = ReadDataBlock(engine, *record, record->bid, allowance);
-    if (piece) result += CopyHeapText(ByteView(piece->bytes), wide && kind != kHtmlBodyId, page);
+    if (!piece) continue;
+    if (!allowance.TakeHeld(piece->bytes.size())) break;
+    result += CopyHeapText(ByteView(piece->bytes), wide && kind != kHtmlBodyId, page);
   }
   return result;
 }

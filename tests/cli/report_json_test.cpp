@@ -57,6 +57,14 @@ TEST(ReportJson, ClassesThatHoldLoneSurrogatesAreCountedTogether) {
   EXPECT_EQ(Json::parse(ReportJson({}, report))["items"], (Json{{"\uFFFD", 3}}));
 }
 
+TEST(ReportJson, WhatIsLostAndNotListedIsCounted) {
+  conversion::RunReport report;
+  report.recovery.lostUntold = 7;
+  const Json lost = Json::parse(ReportJson({}, report))["lost"];
+  ASSERT_EQ(lost.size(), 1u);
+  EXPECT_EQ(lost[0]["reason"], "7 more, not listed");
+}
+
 TEST(ReportJson, EndsInALineEnd) { EXPECT_EQ(ReportJson({}, {}).back(), '\n'); }
 
 }  // namespace

@@ -47,6 +47,19 @@ TEST(FolderPath, AChainThatComesBackOnItselfEndsAtTheFirstIdentifierSeenTwice) {
   EXPECT_EQ(BuildFolderPath(folders, 0, 13), u"\\a\\c\\b\\d");
 }
 
+TEST(FolderPath, AChainEndsWhereItsPathWouldGrowTooDeepOrTooLong) {
+  std::vector<FolderRecord> chain;
+  for (std::uint32_t nid = 1001; nid <= 11000; ++nid) chain.push_back(Folder(nid, nid - 1, u"abc"));
+  FolderList folders(std::move(chain));
+  EXPECT_EQ(BuildFolderPath(folders, 0, 1001 + 399).size(), 400u * 4);
+  EXPECT_EQ(BuildFolderPath(folders, 0, 11000).size(), kDeepestFolder * 4);
+  FolderList longNames({Folder(1, 99, text::Text(5000, u'x')), Folder(2, 1, text::Text(5000, u'y'))});
+  EXPECT_EQ(BuildFolderPath(longNames, 0, 2), u'\\' + text::Text(5000, u'y'));
+  FolderList longName({Folder(1, 99, text::Text(20000, u'x')), Folder(2, 1, u"a")});
+  EXPECT_EQ(BuildFolderPath(longName, 0, 1).size(), 20001u) << "one name is taken whole";
+  EXPECT_EQ(BuildFolderPath(longName, 0, 2), u"\\a");
+}
+
 TEST(FolderPath, ABackslashInANameSeparates) {
   FolderList folders({Folder(10, 99, u"a\\b")});
   const text::Text path = BuildFolderPath(folders, 0, 10);

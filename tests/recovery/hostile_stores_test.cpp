@@ -1,6 +1,7 @@
 // Stores that were made to do harm: the work stays in proportion to their size.
 #include <random>
 
+#include "recovery/lost_items.h"
 #include "recovery/recovery_fixture.h"
 
 namespace velmora::recovery {
@@ -44,6 +45,101 @@ TEST_F(HostileStoresTest, AListThatNamesOneBlockInEveryEntryDoesNotFillTheDisk) 
   for (const std::string& line : Trace("AddAttachment")) total += std::stoull(line.substr(line.find("size\":") + 6));
   EXPECT_GT(total, 0u);
   EXPECT_LT(total, 64u * 400000);
+}
+
+TEST_F(HostileStoresTest, MessagesThatShareOneListOfLostAttachmentsAreNotListedWithoutEnd) {
+  std::vector<SubNode> entries = {{0x671, 0, 0}};
+  for (std::uint32_t i = 0; i < 500; ++i) entries.push_back({0x8025 + 32 * i, 0x7777, 0});
+  const std::uint32_t bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+  const std::uint32_t message = AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note")}));
+  for (std::uint32_t i = 0; i < 300; ++i) AddNode(0x300004 + 32 * i, message, bidSub, kInbox);
+  Recover();
+  EXPECT_GT(state_.report.lost.size(), 500u);
+  EXPECT_LT(state_.report.lost.size(), 11000u);
+  EXPECT_EQ(state_.report.lost.size() + state_.report.lostUntold, 300u * 500);
+}
+
+TEST_F(HostileStoresTest, AClassThatFillsABlockDoesNotFillTheReport) {
+  AddNode(0x200024, AddBlock(NewBid(), HeapBlock({Wide(0x001A, std::u16string(20000, u'x'))})), 0, 0x7777);
+  Recover();
+  ASSERT_EQ(state_.report.lost.size(), 1u);
+  EXPECT_EQ(state_.report.lost[0].messageClass, text::Text(255, u'x'));
+}
+
+TEST_F(HostileStoresTest, FoldersThatShareOneLongNameStayInProportionToTheStore) {
+  const std::uint32_t bid = AddBlock(NewBid(), HeapBlock({Wide(0x3001, std::u16string(30000, u'x'))}));
+  for (std::uint32_t i = 0; i < 1000; ++i) AddNode(0x9002 + 32 * i, bid, 0, kTop);
+  Recover();
+  std::size_t length = 0;
+  for (const RecoveredFolder& folder : state_.report.folders) length += folder.name.size();
+  EXPECT_GT(length, 20u * 30000);
+  EXPECT_LT(length, 100u * 30000);
+}
+
+TEST_F(HostileStoresTest, RecordsThatAllNameOneLongTextAreNotAllTaken) {
+  std::vector<RecordSpec> records = {Wide(0x001A, u"IPM.Note"), Wide(0x0E04, std::u16string(20000, u'x'))};
+  for (int i = 0; i < 2000; ++i) records.push_back(Value(0x0E03, 0x001F, HidOf(3)));
+  AddMessage(records);
+  AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0E04, u"to")});
+  Recover();
+  EXPECT_GT(records_.size(), 300u);
+  EXPECT_LT(records_.size(), 500u);
+  EXPECT_EQ(Trace("AddItem").size(), 1u);
+  ASSERT_EQ(state_.report.lost.size(), 1u) << "the allowance is spent";
+  EXPECT_EQ(state_.report.lost[0].reason, kClaimsTooMuch);
+}
+
+TEST_F(HostileStoresTest, NodesThatAllNameOneLargeBlockAreNotAllRead) {
+  const std::uint32_t block =
+      AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note"), Data(0x7000, 0x0102, Bytes(60000))}));
+  for (std::uint32_t i = 0; i < 1000; ++i) AddNode(0x300004 + 32 * i, block, 0, kInbox);
+  Recover();
+  EXPECT_GT(Trace("AddItem").size(), 100u);
+  EXPECT_LT(Trace("AddItem").size(), 300u);
+  EXPECT_EQ(Trace("AddItem").size() + state_.report.lost.size(), 1000u);
+}
+
+TEST_F(HostileStoresTest, AMessageWithAClassInEveryRecordDoesNotBecomeAnItemForEach) {
+  std::vector<RecordSpec> records = {Wide(0x001A, u"IPM.Note")};
+  for (int i = 0; i < 5000; ++i) records.push_back(Value(0x001A, 0x001F, HidOf(2)));
+  AddMessage(records);
+  Recover();
+  EXPECT_EQ(Trace("AddItem").size(), 1 + ContentAllowance::kLeastParts);
+}
+
+TEST_F(HostileStoresTest, TheTextsOfMessagesInOneMessageStayInProportionToTheStore) {
+  // They are all in memory until the last is done.
+  for (int i = 0; i < 40; ++i) AddBlock(NewBid(), Bytes(60000));
+  const std::uint32_t inner =
+      AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note"), Wide(0x0037, std::u16string(25000, u's'))}));
+  const std::uint32_t holder = AddBlock(NewBid(), HeapBlock({Wide(0x3001, std::u16string(25000, u'n'))}));
+  const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x8044, inner, 0}}));
+  std::vector<SubNode> entries = {{0x671, 0, 0}};
+  for (std::uint32_t i = 0; i < 1000; ++i) entries.push_back({0x8025 + 32 * i, holder, list});
+  const std::uint32_t bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+  AddMessage({Wide(0x001A, u"IPM.Note")}, bidSub);
+  Recover();
+  std::size_t length = 0;
+  for (const std::string& line : Trace("Put")) length += line.size();
+  for (const std::string& line : Trace("AddAttachment")) length += line.size();
+  EXPECT_GT(length, 1u << 20);
+  EXPECT_LT(2 * length, ContentAllowance::kLeastHeld + (1u << 20));
+  EXPECT_FALSE(state_.report.lost.empty());
+}
+
+TEST_F(HostileStoresTest, MessagesThatHoldOneAnotherInALongChainEndWhereNobodyWouldForwardThem) {
+  std::uint32_t bidData = AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note")}));
+  std::uint32_t bidSub = 0;
+  const std::uint32_t holder = AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"m")}));
+  for (int level = 0; level < 200; ++level) {
+    const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x8044, bidData, bidSub}}));
+    bidSub = AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0}, {0x8025, holder, list}}));
+  }
+  AddNode(0x200024, bidData, bidSub, kInbox);
+  Recover();
+  EXPECT_EQ(Trace("AddItem").size(), 101u);
+  EXPECT_EQ(state_.report.embedded, 100u);
+  EXPECT_EQ(state_.report.lost.size(), 1u);
 }
 
 TEST_F(HostileStoresTest, BytesOfAnyKindAreReadWithoutHarm) {

@@ -211,11 +211,28 @@ TEST_F(ValueStreamTest, PiecesOfThePackedFormatAreInflated) {
 }
 
 TEST_F(ValueStreamTest, AListThatRepeatsOneBlockEndsWhenTheAllowanceIsSpent) {
-  AddBlock(12, BytesOf(std::string(1000, 'x')));
-  AddBlock(8, ChainBlock(std::vector<std::uint32_t>(5000, 12)));
+  AddBlock(12, Bytes(60000, std::byte{'x'}));
+  AddBlock(8, ChainBlock(std::vector<std::uint32_t>(1000, 12)));
   ASSERT_TRUE(Build(8));
+  allowance_ = ContentAllowance(500000, false, 1);
+  EXPECT_EQ(WriteAll().size(), 533u * 60000) << "64 times the size of the source, in whole pieces";
   allowance_ = ContentAllowance(99, false, 1);
-  EXPECT_EQ(WriteAll().size(), 6000u) << "64 times the size of the source, in whole pieces";
+  EXPECT_EQ(WriteAll().size(), 279u * 60000) << "16 MiB, however small the source";
+}
+
+TEST_F(ValueStreamTest, OneTextIsNoLongerThanItsSourceCouldHold) {
+  AddBlock(12, Bytes(60000, std::byte{'x'}));
+  AddBlock(8, ChainBlock(std::vector<std::uint32_t>(1000, 12)));
+  ASSERT_TRUE(Build(8));
+  constexpr std::uint64_t kMiB = std::uint64_t{1} << 20;
+  const auto lengthFor = [this](std::uint64_t sourceBytes) {
+    allowance_ = ContentAllowance(sourceBytes, false, 1);
+    return ReadText(0x1013).size();
+  };
+  EXPECT_EQ(lengthFor(5 * kMiB), 279u * 60000) << "16 MiB at least";
+  EXPECT_EQ(lengthFor(20 * kMiB), 349u * 60000);
+  EXPECT_TRUE(ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB)) << "and 128 MiB at most";
+  EXPECT_FALSE(ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB + 1));
 }
 
 }  // namespace

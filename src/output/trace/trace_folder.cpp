@@ -1,5 +1,7 @@
 #include "output/trace/trace_folder.h"
 
+#include <ranges>
+
 #include "output/trace/json_line.h"
 
 namespace velmora::output {
@@ -67,17 +69,27 @@ class TraceFolder2 : public RDOFolder2 {
 
 }  // namespace
 
-TraceFolder::TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store, text::Text path,
-                         text::TextView name, text::TextView containerClass)
+TraceFolder::TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store,
+                         std::weak_ptr<TraceFolder> parent, text::TextView name, text::TextView containerClass)
     : state_(std::move(state)),
       store_(std::move(store)),
-      path_(std::move(path)),
+      parent_(std::move(parent)),
       name_(name),
       containerClass_(containerClass) {}
 
 Ref<RDOItems> TraceFolder::Items() { return std::make_shared<TraceItems>(shared_from_this()); }
 Ref<RDOFolders> TraceFolder::Folders() { return std::make_shared<TraceFolders>(shared_from_this()); }
 Ref<RDOFolder2> TraceFolder::QueryFolder2() { return std::make_shared<TraceFolder2>(shared_from_this()); }
+
+text::Text TraceFolder::Path() const {
+  std::vector<std::shared_ptr<const TraceFolder>> way = {shared_from_this()};  // up to the top folder
+  while (auto parent = way.back()->parent_.lock()) way.push_back(std::move(parent));
+  way.pop_back();
+  const auto store = store_.lock();
+  text::Text path = store != nullptr ? store->Root() : text::Text();
+  for (const auto& folder : std::views::reverse(way)) path.append(u"\\").append(folder->name_);
+  return path;
+}
 
 std::shared_ptr<TraceFolder> TraceFolder::Child(text::TextView name) const {
   const auto found = childByName_.find(text::CaseFolded(name));
@@ -88,7 +100,7 @@ std::shared_ptr<TraceFolder> TraceFolder::MakeChild(text::TextView name, text::T
   if (name.empty()) throw OutputFailure(ResultCode::E_INVALIDARG);
   const auto [place, fresh] = childByName_.try_emplace(text::CaseFolded(name));
   if (!fresh) throw OutputFailure(ResultCode::MAPI_E_COLLISION);
-  place->second = std::make_shared<TraceFolder>(state_, store_, path_ + u"\\" + text::Text(name), name, containerClass);
+  place->second = std::make_shared<TraceFolder>(state_, store_, weak_from_this(), name, containerClass);
   children_.push_back(place->second);
   return place->second;
 }
@@ -98,7 +110,7 @@ std::shared_ptr<TraceFolder> TraceFolder::AddChild(text::TextView name, const Fo
   const auto* kind = std::get_if<std::int32_t>(&type);
   auto child = MakeChild(name, containerClass != nullptr ? text::TextView(*containerClass) : kMailClass);
   JsonLine line("AddFolder");
-  line.Text("parent", path_).Text("name", name);
+  line.Text("parent", Path()).Text("name", name);
   if (containerClass != nullptr) {
     line.Text("type", *containerClass);
   } else if (kind != nullptr) {
@@ -115,14 +127,15 @@ std::shared_ptr<TraceFolder> TraceFolder::AddChild(text::TextView name, const Fo
 
 void TraceFolder::BecomeDefault(DefaultFolder kind) {
   state_->sink->WriteLine(
-      JsonLine("SetAsDefaultFolder").Text("folder", path_).Number("kind", static_cast<std::int32_t>(kind)).End());
+      JsonLine("SetAsDefaultFolder").Text("folder", Path()).Number("kind", static_cast<std::int32_t>(kind)).End());
   containerClass_ = ContainerClassOf(kind);
   if (const auto store = store_.lock()) store->SetDefault(kind, shared_from_this());
 }
 
 std::shared_ptr<TraceItem> TraceFolder::AddItem(text::TextView messageClass) {
   const std::int64_t id = ++state_->lastItemId;
-  state_->sink->WriteLine(JsonLine("AddItem").Number("id", id).Text("folder", path_).Text("class", messageClass).End());
+  state_->sink->WriteLine(
+      JsonLine("AddItem").Number("id", id).Text("folder", Path()).Text("class", messageClass).End());
   return std::make_shared<TraceItem>(state_, shared_from_this(), id, messageClass);
 }
 
@@ -153,8 +166,8 @@ std::shared_ptr<TraceItem> TraceFolder::NextItem(std::uint64_t& place) const {
 
 std::shared_ptr<TraceStore> TraceStore::Create(std::shared_ptr<TraceState> state, text::TextView displayName) {
   std::shared_ptr<TraceStore> store(new TraceStore(displayName));
-  store->top_ =
-      std::make_shared<TraceFolder>(std::move(state), store, store->root_, u"Top of Personal Folders", kMailClass);
+  store->top_ = std::make_shared<TraceFolder>(std::move(state), store, std::weak_ptr<TraceFolder>(),
+                                              u"Top of Personal Folders", kMailClass);
   store->SetDefault(DefaultFolder::kDeletedItems, store->top_->MakeChild(u"Deleted Items", kMailClass));
   return store;
 }

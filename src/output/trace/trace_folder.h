@@ -15,10 +15,9 @@ class TraceStore;
 
 class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceFolder> {
  public:
-  /// `path` is the folder's own, two backslashes and the name of the store first. `store` outlives its
-  /// folders' use by a session.
-  TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store, text::Text path, text::TextView name,
-              text::TextView containerClass);
+  /// The top folder of a store has no `parent`. `store` outlives its folders' use by a session.
+  TraceFolder(std::shared_ptr<TraceState> state, std::weak_ptr<TraceStore> store, std::weak_ptr<TraceFolder> parent,
+              text::TextView name, text::TextView containerClass);
 
   Ref<RDOItems> Items() override;
   Ref<RDOFolders> Folders() override;
@@ -35,6 +34,10 @@ class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceF
   void BecomeDefault(DefaultFolder kind);
   std::shared_ptr<TraceItem> AddItem(text::TextView messageClass);
 
+  /// Two backslashes and the name of the store, then each name behind a backslash. Put together anew each time: the
+  /// folders of one deep chain would hold more text than all else.
+  text::Text Path() const;
+
   // By the items, as they are saved, deleted and released.
   void KeepItem(TraceItem* item);
   void DropItem(TraceItem* item);
@@ -48,7 +51,7 @@ class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceF
  private:
   std::shared_ptr<TraceState> state_;
   std::weak_ptr<TraceStore> store_;
-  text::Text path_;
+  std::weak_ptr<TraceFolder> parent_;
   text::Text name_;
   text::Text containerClass_;
   std::vector<std::shared_ptr<TraceFolder>> children_;
@@ -66,6 +69,8 @@ class TraceStore : public RDOStore, public std::enable_shared_from_this<TraceSto
   static std::shared_ptr<TraceStore> Create(std::shared_ptr<TraceState> state, text::TextView displayName);
 
   Ref<RDOFolder> IPMRootFolder() override;
+
+  const text::Text& Root() const { return root_; }
 
   std::shared_ptr<TraceFolder> DefaultOf(DefaultFolder kind) const;
   void SetDefault(DefaultFolder kind, std::shared_ptr<TraceFolder> folder) { defaults_[kind] = std::move(folder); }

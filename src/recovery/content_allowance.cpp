@@ -1,0 +1,29 @@
+#include "recovery/content_allowance.h"
+
+#include <algorithm>
+
+namespace velmora::recovery {
+
+ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks)
+    : bytes_(std::max(kLeastBytes, sourceBytes * (packed ? kPackedTimesOver : kTimesOver))),
+      parts_(std::max(kLeastParts, nodesAndBlocks * kPartsEach)),
+      heldByNode_(std::clamp(sourceBytes, kLeastHeld, kMostHeld)),
+      held_(heldByNode_),
+      folderBytes_(kLeastFolderBytes + sourceBytes),
+      losses_(kLeastLosses + sourceBytes / kBytesOfLoss) {}
+
+ContentAllowance ContentAllowance::Of(const engine::EngineState& engine) {
+  return {engine.source == nullptr ? 0 : engine.source->Size(), engine.layout.formatId == engine::FORMAT_UNICODE_4K,
+          std::uint64_t{engine.nodeCount} + engine.blockRecordCount};
+}
+
+bool ContentAllowance::Take(std::uint64_t& left, std::uint64_t count) {
+  if (count > left) {
+    left = 0;
+    return false;
+  }
+  left -= count;
+  return true;
+}
+
+}  // namespace velmora::recovery
