@@ -1,11 +1,21 @@
 #include "workflow/boxes.h"
 
+#include <QLabel>
 #include <QMessageBox>
 
+#include "controls/art.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
 namespace {
+
+/// The program's own picture in place of the one that the desktop, if there is any, has for the icon.
+void ShowOwnPicture(QMessageBox& box, const char* name) {
+  controls::CGdiPlusBitmapResource picture;
+  auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"));
+  if (label == nullptr || !picture.Load(QLatin1String(name), "ICON")) return;
+  label->setPixmap(picture.ToPixmap({40, 40}, box.devicePixelRatioF()));
+}
 
 void Fill(QMessageBox& box, text::TextView message, text::TextView title) {
   box.setTextFormat(Qt::PlainText);
@@ -23,12 +33,15 @@ void ShowBox(QWidget* owner, text::TextView message, text::TextView title, BoxIc
       break;
     case BoxIcon::Information:
       box.setIcon(QMessageBox::Information);
+      ShowOwnPicture(box, "information");
       break;
     case BoxIcon::Warning:
       box.setIcon(QMessageBox::Warning);
+      ShowOwnPicture(box, "warning");
       break;
     case BoxIcon::Error:
       box.setIcon(QMessageBox::Critical);
+      ShowOwnPicture(box, "error");
       break;
   }
   box.setStandardButtons(QMessageBox::Ok);
@@ -39,6 +52,7 @@ bool AskYesNo(QWidget* owner, text::TextView question, text::TextView title) {
   QMessageBox box(owner);
   Fill(box, question, title);
   box.setIcon(QMessageBox::Information);
+  ShowOwnPicture(box, "information");
   box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
   box.setDefaultButton(QMessageBox::Yes);
   box.setEscapeButton(QMessageBox::No);
