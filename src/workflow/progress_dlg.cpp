@@ -1,6 +1,7 @@
 #include "workflow/progress_dlg.h"
 
 #include <QAbstractButton>
+#include <QPainter>
 #include <QProgressBar>
 #include <filesystem>
 
@@ -63,8 +64,19 @@ void CProgressDlg::OnRunEnd() {
   Control<QWidget>(kHeadlineId)->show();
   Control<QWidget>(kStageCaptionId)->hide();
   Control<QWidget>(kAdviceId)->hide();
+  endPicture_.Load(229, "BITMAP");
+  update();
   const std::filesystem::path store = text::ToFileName(frame_.State().destinationPath);
   frame_.Machine().openWithShell(store.parent_path().string());
+}
+
+void CProgressDlg::paintEvent(QPaintEvent* event) {
+  Page::paintEvent(event);
+  // In the place of advice and bar, as large as the page's class makes it.
+  const qreal scale = qreal(height()) / 430;
+  const QSizeF size = QSizeF(endPicture_.Size()) * scale;
+  QPainter painter(this);
+  endPicture_.Draw(painter, {QPointF((width() - size.width()) / 2, 158 * scale), size});
 }
 
 void CProgressDlg::StopRule() {

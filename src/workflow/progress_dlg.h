@@ -24,6 +24,8 @@ class CProgressDlg : public Page {
   void OnCloseBox() override;
 
  private:
+  void paintEvent(QPaintEvent* event) override;
+
   void SetText(std::uint16_t id, const QString& text);
   void OnPercentage(std::uint32_t percentage);
   void OnRunEnd();
@@ -32,6 +34,7 @@ class CProgressDlg : public Page {
   void StopRule();
 
   std::uint32_t lastPercentage_ = 0;
+  controls::CGdiPlusBitmapResource endPicture_;  ///< empty until the end
 };
 
 }  // namespace velmora::workflow
