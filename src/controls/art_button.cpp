@@ -33,9 +33,9 @@ void ArtButton::changeEvent(QEvent* event) {
 }
 
 void ArtButton::DrawFocus(QPainter& painter, const QRectF& area, const QColor& colour) const {
-  if (!hasFocus()) return;
+  if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange)) return;
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(colour, 1.6, Qt::DotLine));
+  painter.setPen(QPen(colour, 1.8));
   painter.setBrush(Qt::NoBrush);
   painter.drawRoundedRect(area, 6, 6);
 }

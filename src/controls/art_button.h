@@ -21,7 +21,7 @@ class ArtButton : public QAbstractButton {
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;
 
-  /// A line around `area` while the button has the keyboard's focus.
+  /// A line around `area` while the button has the focus, once the keyboard has moved it in this window.
   void DrawFocus(QPainter& painter, const QRectF& area, const QColor& colour) const;
 
  private:

@@ -43,7 +43,8 @@ TEST_F(PictureButtonTest, EachStateLooksDifferent) {
   button_.setEnabled(false);
   const QImage disabled = button_.grab().toImage();
   button_.setEnabled(true);
-  button_.setFocus();
+  QTest::keyClick(&window_, Qt::Key_Tab);
+  ASSERT_TRUE(button_.hasFocus());
   const QImage focused = button_.grab().toImage();
   button_.setDown(true);
   const QImage pressed = button_.grab().toImage();
