@@ -1,5 +1,7 @@
 #include "controls/file_rows.h"
 
+#include <QSize>
+
 namespace velmora::controls {
 
 void FileRows::PutOnTop(const QStringList& texts) {
@@ -29,6 +31,7 @@ QString FileRows::TextAt(int row) const {
 int FileRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : Count(); }
 
 QVariant FileRows::data(const QModelIndex& index, int role) const {
+  if (role == Qt::SizeHintRole && rowHeight_ > 0) return QSize(0, rowHeight_);
   const bool shown = role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole;
   return shown ? QVariant(TextAt(index.row())) : QVariant();
 }

@@ -17,6 +17,9 @@ class FileRows : public QAbstractListModel {
 
   void SetTitle(const QString& title) { title_ = title; }
 
+  /// Of all rows, in pixels; 0: as the view wants it.
+  void SetRowHeight(int height) { rowHeight_ = height; }
+
   /// Puts each text at row 0 in turn, so that the last of them stands on top.
   void PutOnTop(const QStringList& texts);
   void Append(const QStringList& texts);
@@ -33,6 +36,7 @@ class FileRows : public QAbstractListModel {
 
  private:
   QString title_;
+  int rowHeight_ = 0;
   std::deque<QString> rows_;
 };
 

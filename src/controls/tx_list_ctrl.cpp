@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
+#include <iterator>
 
 #include "controls/file_rows.h"
 
@@ -17,6 +19,7 @@ CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRow
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
   setTextElideMode(Qt::ElideMiddle);
+  rows_->SetRowHeight(fontMetrics().height() * 8 / 5);
   header()->setStretchLastSection(true);
   header()->setSectionsClickable(false);
 }
@@ -56,10 +59,14 @@ void CTXListCtrl::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void CTXListCtrl::keyPressEvent(QKeyEvent* event) {
-  const QModelIndex before = currentIndex();
   QTreeView::keyPressEvent(event);
-  const bool moved = currentIndex() != before || event->key() == Qt::Key_Space;
-  if (moved && currentIndex().isValid()) emit RowChosen(currentIndex().row());
+  constexpr Qt::Key kChoosing[] = {Qt::Key_Up,     Qt::Key_Down,     Qt::Key_Home, Qt::Key_End,
+                                   Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Space};
+  const bool chooses = std::find(std::begin(kChoosing), std::end(kChoosing), event->key()) != std::end(kChoosing);
+  if (!chooses || !currentIndex().isValid()) return;
+  // The first row has the focus from the start; a key on it chooses it without moving.
+  selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
+  emit RowChosen(currentIndex().row());
 }
 
 }  // namespace velmora::controls

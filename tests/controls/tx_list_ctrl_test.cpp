@@ -91,6 +91,8 @@ TEST_F(TxListCtrlTest, TheKeyboardChoosesRowsToo) {
   list_.setFocus();
   QSignalSpy chosen(&list_, &CTXListCtrl::RowChosen);
   QTest::keyClick(&list_, Qt::Key_Home);
+  ASSERT_EQ(chosen.count(), 1) << "the first row, which has the focus already";
+  EXPECT_EQ(chosen[0][0].toInt(), 0);
   QTest::keyClick(&list_, Qt::Key_Down);
   ASSERT_FALSE(chosen.isEmpty());
   EXPECT_EQ(chosen.last()[0].toInt(), 1);
