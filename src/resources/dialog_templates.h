@@ -56,6 +56,7 @@ enum class ControlKind {
   kText,         ///< transparent static
   kHeading,      ///< transparent static in bold
   kEdit,         ///< read-only edit
+  kStatus,       ///< read-only edit without a frame
   kCombo,        ///< sorted, editable
   kList,         ///< report list with one column
   kButton,       ///< button with a picture and a text

@@ -109,9 +109,16 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
       return MakeText(this, text, false);
     case ControlKind::kHeading:
       return MakeText(this, text, true);
-    case ControlKind::kEdit: {
+    case ControlKind::kEdit:
+    case ControlKind::kStatus: {
       auto* edit = new QLineEdit(this);
       edit->setReadOnly(true);
+      if (control.kind == ControlKind::kStatus) {
+        edit->setFrame(false);
+        QPalette bare = edit->palette();
+        bare.setColor(QPalette::Base, Qt::transparent);
+        edit->setPalette(bare);
+      }
       return edit;
     }
     case ControlKind::kCombo: {
