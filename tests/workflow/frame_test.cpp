@@ -256,6 +256,7 @@ TEST_F(FrameTest, ClosingTheFrameAsksNothingOnceTheExitWasAnswered) {
 
 TEST_F(FrameTest, AnEndReachesEveryRunThatWasLeft) {
   Convert();
+  ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   Key(Qt::Key_Escape);
   Convert();
   frame_->EndWorkers();

@@ -157,6 +157,7 @@ TEST_F(ProgressPageTest, CancelAndYesLeavesForGood) {
 }
 
 TEST_F(ProgressPageTest, AWorkerThatWaitsForThePageCanBeStopped) {
+  ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   // It says something just while the question is open.
   boxes_.Answer(QMessageBox::Yes, [this] {
     script_.Send(engine::MSG_PROGRESS, 50);
@@ -252,6 +253,7 @@ TEST_F(ProgressPageTest, ARunBesideOneThatWasLeftWaitsForItsEnd) {
   Key(Qt::Key_Escape);
   CurrentPage().hide();
   Convert();
+  ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   QTest::qWait(60);
   EXPECT_EQ(script_.begun, 1) << "the first still runs";
   script_.Finish();
@@ -277,6 +279,7 @@ TEST_F(ProgressPageTest, AWaitingRunThatIsStoppedNeverBeginsAndTheOtherGoesOn) {
 }
 
 TEST_F(ProgressPageTest, AfterAStopTheNextRunIsANewOne) {
+  ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   boxes_.Answer(QMessageBox::Yes);
   Press(kCancelId);
   CurrentPage().hide();
