@@ -4,12 +4,31 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <iterator>
 
 #include "controls/file_rows.h"
 
 namespace velmora::controls {
+
+namespace {
+
+constexpr int kInset = 5;  // of a row's text, so that it stands below that of the header
+
+/// Draws a row's text a little away from the edge.
+class InsetRow : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QStyleOptionViewItem inset(option);
+    inset.rect.adjust(kInset, 0, 0, 0);
+    QStyledItemDelegate::paint(painter, inset, index);
+  }
+};
+
+}  // namespace
 
 CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRows(this)) {
   setModel(rows_);
@@ -20,6 +39,7 @@ CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRow
   setEditTriggers(NoEditTriggers);
   setTextElideMode(Qt::ElideMiddle);
   rows_->SetRowHeight(fontMetrics().height() * 8 / 5);
+  setItemDelegate(new InsetRow(this));
   header()->setStretchLastSection(true);
   header()->setSectionsClickable(false);
 }
@@ -34,7 +54,9 @@ void CTXListCtrl::SetHint(const QString& hint) {
 QColor CTXListCtrl::StripeOf(int row) { return row % 2 == 1 ? QColor(255, 255, 255) : QColor(232, 232, 244); }
 
 void CTXListCtrl::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-  painter->fillRect(option.rect, StripeOf(index.row()));
+  const bool chosen = selectionModel()->isSelected(index);
+  painter->fillRect(option.rect,
+                    chosen ? palette().color(QPalette::Active, QPalette::Highlight) : StripeOf(index.row()));
   QTreeView::drawRow(painter, option, index);
 }
 

@@ -90,7 +90,7 @@ constexpr ControlTemplate kFindControls[] = {
              u"OST file(s)."},
     {.id = kFieldLabelId,
      .kind = kText,
-     .rect = {24, 107, 150, 12},
+     .rect = {24, 108, 150, 12},
      .text = u"Please select drive to search ost:",
      .labels = kDriveComboId},
     {.id = kDriveComboId, .kind = kCombo, .rect = {176, 104, 186, 18}, .accessibleName = u"Drive to search"},
@@ -100,7 +100,7 @@ constexpr ControlTemplate kFindControls[] = {
      .text = u"Fin&d",
      .art = {131},
      .pictureSide = PictureSide::kLeft},
-    {.id = kFileListId, .kind = kList, .rect = {24, 127, 417, 80}, .accessibleName = u"Files found"},
+    {.id = kFileListId, .kind = kList, .rect = {24, 127, 417, 77}, .accessibleName = u"Files found"},
     {.id = kSearchStatusId, .kind = kStatus, .rect = {22, 214, 306, 14}, .accessibleName = u"Folder being searched"},
     kBackButton,
     kNextButton,
@@ -139,7 +139,7 @@ constexpr ControlTemplate kDestinationControls[] = {
     {.id = kHeadingId, .kind = kHeading, .rect = {24, 66, 417, 13}, .text = u"Path for storing converted file.\n\n"},
     {.id = kDestinationTextId,
      .kind = kText,
-     .rect = {24, 81, 417, 88},
+     .rect = {24, 80, 417, 90},
      .text = u"Click browse to select local destination path for storing converted OST file as PST\n\n\n"
              u"(This location can be a local drive or a network mapped folder and even it can be the same folder\n"
              u"where your OST file is stored).\n\n"

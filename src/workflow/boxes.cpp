@@ -1,5 +1,6 @@
 #include "workflow/boxes.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QMessageBox>
 
@@ -9,18 +10,30 @@
 namespace velmora::workflow {
 namespace {
 
+constexpr QSize kPictureSize{40, 40};
+
 /// The program's own picture in place of the one that the desktop, if there is any, has for the icon.
 void ShowOwnPicture(QMessageBox& box, const char* name) {
   controls::CGdiPlusBitmapResource picture;
   auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"));
   if (label == nullptr || !picture.Load(QLatin1String(name), "ICON")) return;
-  label->setPixmap(picture.ToPixmap({40, 40}, box.devicePixelRatioF()));
+  label->setPixmap(picture.ToPixmap(kPictureSize, box.devicePixelRatioF()));
 }
 
 void Fill(QMessageBox& box, text::TextView message, text::TextView title) {
   box.setTextFormat(Qt::PlainText);
   box.setWindowTitle(ToQt(title));
   box.setText(ToQt(message));
+  if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+    label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    label->setMinimumHeight(kPictureSize.height());
+  }
+}
+
+/// Without the pictures that some styles put on the buttons.
+int Run(QMessageBox& box) {
+  for (QAbstractButton* button : box.buttons()) button->setIcon({});
+  return box.exec();
 }
 
 }  // namespace
@@ -45,7 +58,7 @@ void ShowBox(QWidget* owner, text::TextView message, text::TextView title, BoxIc
       break;
   }
   box.setStandardButtons(QMessageBox::Ok);
-  box.exec();
+  Run(box);
 }
 
 bool AskYesNo(QWidget* owner, text::TextView question, text::TextView title) {
@@ -56,7 +69,7 @@ bool AskYesNo(QWidget* owner, text::TextView question, text::TextView title) {
   box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
   box.setDefaultButton(QMessageBox::Yes);
   box.setEscapeButton(QMessageBox::No);
-  return box.exec() == QMessageBox::Yes;
+  return Run(box) == QMessageBox::Yes;
 }
 
 }  // namespace velmora::workflow

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QKeySequenceEdit>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTabWidget>
 #include <QToolBar>
@@ -34,6 +35,7 @@ QList<QAction*> CommandsOf(QMainWindow& frame) {
 CustomizeSheet::CustomizeSheet(QMainWindow& frame) {
   setWindowTitle(QStringLiteral("Customize"));
   auto* pages = new QTabWidget(this);
+  pages->setAccessibleName(windowTitle());
   pages->addTab(KeyboardPage(frame), QStringLiteral("Keyboard"));
   pages->addTab(OptionsPage(frame), QStringLiteral("Options"));
   pages->addTab(CommandsPage(frame), QStringLiteral("Commands"));
@@ -47,6 +49,7 @@ QWidget* CustomizeSheet::KeyboardPage(QMainWindow& frame) {
   for (QAction* action : CommandsOf(frame)) {
     auto* keys = new QKeySequenceEdit(action->shortcut(), page);
     keys->setObjectName(action->objectName());
+    keys->findChild<QLineEdit*>()->setAccessibleName(QString(action->text()).remove(u'&'));
     connect(keys, &QKeySequenceEdit::keySequenceChanged, action,
             [action](const QKeySequence& sequence) { action->setShortcut(sequence); });
     form->addRow(action->text(), keys);

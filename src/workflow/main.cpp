@@ -14,6 +14,8 @@ namespace {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Between whole factors of scale a display keeps its dots per inch, so the pages have the size of its class.
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
   QApplication qt(argc, argv);
   QApplication::setApplicationName(QStringLiteral("velmora"));
   QApplication::setDesktopFileName(QStringLiteral("example.velmora.convert"));

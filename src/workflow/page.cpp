@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
+#include <QStyle>
 
 #include "controls/picture_button.h"
 #include "controls/progress_bar.h"
@@ -34,6 +35,14 @@ struct TopButtons {
   int textMargin;
 };
 
+/// The profile page has one size on every display, that of the Medium class.
+DisplayClass ClassOf(TemplateId id, const CMainFrame& frame) {
+  return id == kProfileTemplate ? DisplayClass::Medium : frame.Display();
+}
+
+/// Height of a letter in pixels. It goes with the size of the page, as the page does not grow with the letters.
+int LetterSize(QSize client) { return qRound(12 * qreal(client.width()) / 700); }
+
 TopButtons TopButtonsOf(DisplayClass display) {
   switch (display) {
     case DisplayClass::Medium:
@@ -49,10 +58,16 @@ controls::CTransparentStatic* MakeText(Page* page, const QString& text, bool bol
   auto* made = new controls::CTransparentStatic(page);
   QFont font = made->font();
   font.setBold(bold);
-  if (bold) font.setPointSizeF(font.pointSizeF() * 1.2);
+  if (bold) font.setPixelSize(qRound(font.pixelSize() * 1.2));
   made->setFont(font);
   made->SetText(text);
   return made;
+}
+
+/// A style sheet keeps a widget from taking over the colours of its page, so it gets them by itself.
+void GiveLook(QWidget& field, const QString& style) {
+  field.setStyleSheet(style);
+  field.setPalette(PagePalette());
 }
 
 }  // namespace
@@ -60,16 +75,19 @@ controls::CTransparentStatic* MakeText(Page* page, const QString& text, bool bol
 Page::Page(CMainFrame& frame, TemplateId id, QSize client)
     : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                            Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint),
-      frame_(frame) {
+      frame_(frame),
+      display_(ClassOf(id, frame)) {
   const DialogTemplate& made = FindTemplate(id);
   setAttribute(Qt::WA_DeleteOnClose, false);
   setObjectName(QStringLiteral("VMREPAIR_OSTPST"));
   setWindowTitle(ToQt(LoadString(kPageTitle)));
-  controls::CGdiPlusBitmapResource icon;
-  icon.Load(128, "ICON");
-  setWindowIcon(icon.ToPixmap({64, 64}, 2));
+  icon_.Load(128, "ICON");
+  setWindowIcon(icon_.ToPixmap({64, 64}, 2));
   setFixedSize(client);
   setPalette(PagePalette());
+  QFont letters = font();
+  letters.setPixelSize(LetterSize(client));
+  setFont(letters);
   art_.Load(made.art, "BITMAP");
 
   const qreal across = qreal(client.width()) / made.width, down = qreal(client.height()) / made.height;
@@ -86,6 +104,7 @@ Page::Page(CMainFrame& frame, TemplateId id, QSize client)
     if (before != nullptr) setTabOrder(before, widget);
     before = widget;
   }
+  for (auto* combo : findChildren<QComboBox*>()) combo->lineEdit()->setAccessibleName(combo->accessibleName());
   for (const ControlTemplate& control : made.controls) {
     if (control.labels != 0) Control<QLabel>(control.id)->setBuddy(Control<QWidget>(control.labels));
   }
@@ -113,23 +132,20 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
     case ControlKind::kStatus: {
       auto* edit = new QLineEdit(this);
       edit->setReadOnly(true);
-      if (control.kind == ControlKind::kStatus) {
-        edit->setFrame(false);
-        QPalette bare = edit->palette();
-        bare.setColor(QPalette::Base, Qt::transparent);
-        edit->setPalette(bare);
-      }
+      GiveLook(*edit, control.kind == ControlKind::kEdit ? FieldStyle() : BareFieldStyle());
       return edit;
     }
     case ControlKind::kCombo: {
       auto* combo = new QComboBox(this);
       combo->setEditable(true);
       combo->setInsertPolicy(QComboBox::NoInsert);
+      GiveLook(*combo, FieldStyle());
       return combo;
     }
     case ControlKind::kList: {
       auto* list = new controls::CTXListCtrl(this);
       list->SetTitle(ToQt(LoadString(kColumnFileName)));
+      GiveLook(*list, FieldStyle());
       return list;
     }
     case ControlKind::kButton: {
@@ -142,7 +158,7 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
     case ControlKind::kImageButton: {
       auto* button = new controls::CXCmdBtn(this);
       button->SetImages(art[0], art[1], art[2]);
-      button->SetDisplayClass(frame_.Display());
+      button->SetDisplayClass(display_);
       button->SetImageOnly(true);
       return finish(button);
     }
@@ -158,7 +174,7 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
 }
 
 void Page::PlaceTopButtons() {
-  const TopButtons places = TopButtonsOf(frame_.Display());
+  const TopButtons places = TopButtonsOf(display_);
   if (auto* menu = Control<controls::CXCmdBtn>(kMenuButtonId)) {
     menu->setGeometry(places.menu);
     connect(menu, &QAbstractButton::clicked, this, &Page::OpenPageMenu);
@@ -222,7 +238,9 @@ void Page::keyPressEvent(QKeyEvent* event) {
 void Page::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), Qt::white);
-  art_.Draw(painter, rect());
+  if (!isMinimized()) return art_.Draw(painter, rect());
+  const int side = style()->pixelMetric(QStyle::PM_LargeIconSize);
+  icon_.Draw(painter, QRect((width() - side) / 2, (height() - side) / 2, side, side));
 }
 
 }  // namespace velmora::workflow

@@ -4,6 +4,7 @@
 #include <QDialog>
 
 #include "controls/art.h"
+#include "controls/display_class.h"
 #include "resources/dialog_templates.h"
 
 namespace velmora::workflow {
@@ -57,7 +58,8 @@ class Page : public QDialog {
   QWidget* MakeControl(const resources::ControlTemplate& control);
   void PlaceTopButtons();
 
-  controls::CGdiPlusBitmapResource art_;
+  const controls::DisplayClass display_;
+  controls::CGdiPlusBitmapResource art_, icon_;
 };
 
 }  // namespace velmora::workflow

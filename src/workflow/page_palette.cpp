@@ -28,4 +28,25 @@ QPalette PagePalette() {
   return palette;
 }
 
+QString FieldStyle() {
+  // By value: the roles of a style sheet are those of the desktop's palette.
+  const QPalette palette = PagePalette();
+  const auto name = [&](QPalette::ColorRole role) { return palette.color(QPalette::Active, role).name(); };
+  return QStringLiteral(
+             "QLineEdit, QComboBox, QTreeView { background: %1; border: 1px solid %2; border-radius: 8px; }"
+             "QLineEdit, QComboBox { padding: 0 9px; }"
+             "QLineEdit:focus, QComboBox:focus, QTreeView:focus { border-color: %3; }"
+             "QComboBox:disabled, QTreeView:disabled { background: %4; }"
+             "QComboBox QLineEdit { border: none; padding: 0; background: transparent; }"
+             "QComboBox::drop-down { border: none; width: 28px; }"
+             "QComboBox::down-arrow { image: url(:/BITMAP/down.svg); width: 12px; height: 12px; }"
+             "QTreeView { padding: 3px; }"
+             "QHeaderView { background: transparent; }"
+             "QHeaderView::section { background: %4; color: %5; border: none; padding: 4px 8px; }")
+      .arg(name(QPalette::Base), name(QPalette::Mid), name(QPalette::Highlight), name(QPalette::Window),
+           name(QPalette::Text));
+}
+
+QString BareFieldStyle() { return QStringLiteral("QLineEdit { border: none; background: transparent; }"); }
+
 }  // namespace velmora::workflow

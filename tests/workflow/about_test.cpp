@@ -59,6 +59,29 @@ TEST_F(AboutTest, OpensFromTheMenuOfAPageAndClosesByItsButton) {
   EXPECT_TRUE(boxes_.seen.empty());
 }
 
+TEST_F(AboutTest, StandsInTheMiddleOfItsPage) {
+  CurrentPage().move(40, 30);
+  CAboutDlg about(*frame_, &CurrentPage());
+  EXPECT_EQ(about.geometry().center(), CurrentPage().geometry().center());
+}
+
+TEST_F(AboutTest, IsPaintedOnWhiteWithABorderAndTwoLines) {
+  CAboutDlg about(*frame_, nullptr);
+  const QImage picture = about.grab().toImage();
+  const qreal scale = picture.devicePixelRatio();
+  const auto at = [&](int x, int y) {
+    return picture.pixelColor(int((x + 0.5) * scale), int((y + 0.5) * scale)).rgb();
+  };
+  EXPECT_EQ(at(0, 100), 0xFF565656u);
+  EXPECT_EQ(at(1, 100), 0xFF565656u);
+  EXPECT_EQ(at(434, 189), 0xFF565656u);
+  EXPECT_EQ(at(5, 100), 0xFFFFFFFFu);
+  EXPECT_EQ(at(200, 70), 0xFFB4B4B4u);
+  bool dotted = false;
+  for (int y = 127; y <= 145; ++y) dotted = dotted || at(63, y) != 0xFFFFFFFFu;
+  EXPECT_TRUE(dotted);
+}
+
 TEST_F(AboutTest, TheHelpOfTheMenuOpensTheGuide) {
   machine_.Write("prefix/vm-oxp.html");
   Press(kBrowseStartId);

@@ -1,4 +1,5 @@
 #include <QLineEdit>
+#include <QListView>
 
 #include "workflow/custom2_dlg.h"
 #include "workflow/custom_dlg.h"
@@ -80,6 +81,37 @@ TEST_F(BrowsePageTest, TheFileDialogOffersOstFiles) {
   });
   Press(kBrowseId);
   EXPECT_FALSE(CanGoOn());
+}
+
+TEST_F(BrowsePageTest, TheFilterTakesAnyLetterCase) {
+  machine_.Write("mail/MAIL.OST");
+  machine_.Write("mail/mail.txt");
+  QStringList offered;
+  InDialog<QFileDialog>([&](QFileDialog& dialog) {
+    dialog.setDirectory(PathToQt(machine_.folder.Path() / "mail"));
+    auto* list = dialog.findChild<QListView*>("listView");
+    const auto rows = [&] { return list->model()->rowCount(list->rootIndex()); };
+    EXPECT_TRUE(Comes([&] { return rows() > 0; }));
+    for (int row = 0; row < rows(); ++row) offered << list->model()->index(row, 0, list->rootIndex()).data().toString();
+    dialog.reject();
+  });
+  Press(kBrowseId);
+  EXPECT_EQ(offered, QStringList("MAIL.OST"));
+}
+
+TEST_F(BrowsePageTest, TheFieldCannotBeTypedInto) {
+  Control<QLineEdit>(kSourceEditId).setFocus();
+  QTest::keyClicks(&Control<QWidget>(kSourceEditId), "/mail.ost");
+  EXPECT_EQ(Shown(), "");
+}
+
+TEST_F(BrowsePageTest, NextTakesTheSourceAsItWasPickedAndDoesNotLookAgain) {
+  const auto file = machine_.Write("mail.ost");
+  Browse(file);
+  std::filesystem::remove(file);
+  Press(kNextId);
+  EXPECT_TRUE(IsPage<CCustom2Dlg>());
+  EXPECT_EQ(State().sourcePath, FromQt(PathToQt(file)));
 }
 
 TEST_F(BrowsePageTest, CancellingTheDialogKeepsWhatWasPicked) {

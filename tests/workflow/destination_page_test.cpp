@@ -6,6 +6,7 @@
 #include "workflow/find_pst_dlg.h"
 #include "workflow/harness.h"
 #include "workflow/progress_dlg.h"
+#include "workflow/repair_profile_dlg.h"
 #include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {
@@ -58,6 +59,26 @@ TEST_F(DestinationPageTest, TheFolderDialogAsksForFolders) {
   EXPECT_TRUE(State().destinationPath.empty());
 }
 
+TEST_F(DestinationPageTest, CancellingTheDialogKeepsWhatWasPicked) {
+  Open();
+  const auto folder = MakeFolder("out");
+  Pick(folder);
+  InDialog<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+  Press(kBrowseId);
+  EXPECT_EQ(Shown(), PathToQt(folder));
+  EXPECT_TRUE(CanConvert());
+}
+
+TEST_F(DestinationPageTest, ConvertGoesByTheDestinationAndNotByTheTextShown) {
+  Open();
+  State().destinationPath = FromQt(PathToQt(MakeFolder("out")));
+  Control<QLineEdit>(kDestinationEditId).setText("no folder");
+  EXPECT_TRUE(CanConvert());
+  State().destinationPath = u"/no folder";
+  Control<QLineEdit>(kDestinationEditId).setText(PathToQt(machine_.folder.Path()));
+  EXPECT_FALSE(CanConvert());
+}
+
 TEST_F(DestinationPageTest, AFolderOfNoPathEmptiesTheEdit) {
   Open();
   Pick(MakeFolder("out"));
@@ -95,6 +116,9 @@ TEST_F(DestinationPageTest, BackReturnsToThePageItCameFrom) {
   Open(kFindTemplate);
   Press(kBackId);
   EXPECT_TRUE(IsPage<CFindPstDlg>());
+  Open(kProfileTemplate);
+  Press(kBackId);
+  EXPECT_TRUE(IsPage<CRepairProfileDlg>());
   Open(kStartTemplate);
   Press(kBackId);
   EXPECT_TRUE(IsPage<CCustom2Dlg>()) << "any other page leads nowhere";
@@ -153,7 +177,7 @@ TEST_F(DestinationPageTest, ConvertStartsTheRunWithoutAnotherQuestion) {
 
 TEST_F(DestinationPageTest, WithoutRoomABoxTellsSoAndNoWindowIsLeft) {
   Open();
-  machine_.hasSpace = false;
+  machine_.hasEnoughFreeSpace = [](text::TextView, text::TextView) { return false; };
   Pick(MakeFolder("out"));
   boxes_.Answer(QMessageBox::Ok);
   Press(kNextId);

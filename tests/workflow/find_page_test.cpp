@@ -191,6 +191,17 @@ TEST_F(FindPageTest, StoppingKeepsTheRowsFoundSoFar) {
   EXPECT_TRUE(IsPage<CCustomDlg>());
 }
 
+TEST_F(FindPageTest, ASearchThatIsStoppedBeforeAnyHitHasFoundNothing) {
+  machine_.volumes = {{LargeDrive() / "0", false}};  // the folders without the file
+  Open();
+  Press(kFindId);
+  Press(kFindId);
+  ASSERT_TRUE(Comes([this] { return Combo().isEnabled(); }));
+  EXPECT_EQ(Rows(), QStringList("File Not Found"));
+  EXPECT_FALSE(List().isEnabled());
+  EXPECT_FALSE(CanGoOn());
+}
+
 TEST_F(FindPageTest, ThePageCanBeLeftWhileAStoppedSearchStillEnds) {
   OpenLargeDrive();
   Press(kFindId);
@@ -237,6 +248,14 @@ TEST_F(FindPageTest, TheTextOfTheDriveCanBeTypedOver) {
   QTest::keyClicks(&Combo(), PathToQt(file.parent_path()));
   Search();
   EXPECT_EQ(Rows(), QStringList(PathToQt(file)));
+}
+
+TEST_F(FindPageTest, ADriveThatIsNotThereHasNothing) {
+  Open();
+  Combo().setEditText("/no such drive");
+  Search();
+  EXPECT_EQ(Rows(), QStringList("File Not Found"));
+  EXPECT_TRUE(boxes_.seen.empty());
 }
 
 TEST_F(FindPageTest, WhileIdleTheCloseBoxAsksWhetherToExit) {

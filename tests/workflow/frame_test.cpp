@@ -161,6 +161,36 @@ TEST_F(FrameTest, TheToolbarCommandHidesAndShowsTheToolbar) {
   EXPECT_FALSE(bar->isHidden());
 }
 
+TEST_F(FrameTest, AboutUsOfTheFrameIsIgnored) {
+  frame_->OnCommand(kAboutCommand);
+  Settle();
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_TRUE(machine_.log.empty());
+}
+
+TEST_F(FrameTest, EveryCommandOfTheStripHasItsIcon) {
+  for (const std::uint16_t id : IconStrip()) {
+    if (auto* action = frame_->findChild<QAction*>(QString::number(id))) {
+      EXPECT_FALSE(action->icon().isNull()) << id;
+    } else {
+      ADD_FAILURE() << id;
+    }
+  }
+}
+
+TEST_F(FrameTest, TheLayoutOfTheBarsIsKeptForTheNextStart) {
+  frame_->OnCommand(kToolbarCommand);
+  State().skipExitPrompt = true;
+  frame_->CloseRule();
+  frame_.reset();
+  Start();
+  auto* bar = frame_->findChild<QToolBar*>("Standard ToolBar");
+  EXPECT_TRUE(bar->isHidden());
+  frame_->OnCommand(kToolbarCommand);
+  State().skipExitPrompt = true;
+  frame_->CloseRule();
+}
+
 TEST_F(FrameTest, TheToolbarCanBeCustomized) {
   InDialog<CustomizeSheet>([this](CustomizeSheet& sheet) {
     auto* bar = frame_->findChild<QToolBar*>("Standard ToolBar");

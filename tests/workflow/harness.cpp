@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "output/trace/trace_library.h"
+#include "workflow/progress_dlg.h"
 
 namespace velmora::workflow {
 
@@ -22,6 +23,7 @@ Machine::Machine() : folder(platform::TemporaryFolder::Create().value()) {
   base = folder.Path() / "prefix";
   program = Write(base / "bin" / "velmora");
   registryFile = folder.Path() / "registry.ini";
+  hasEnoughFreeSpace = [](text::TextView, text::TextView) { return true; };
   volumes = {{folder.Path() / "drive", false}};
   std::filesystem::create_directories(folder.Path() / "drive");
   makeOutput = [sink = std::make_shared<NoTrace>()] {
@@ -62,7 +64,9 @@ Services Machine::Make() {
   };
   services.volumes = [this] { return volumes; };
   services.profileFolders = [this] { return profileFolders; };
-  services.hasEnoughFreeSpace = [this](text::TextView, text::TextView) { return hasSpace; };
+  services.hasEnoughFreeSpace = [this](text::TextView destination, text::TextView source) {
+    return hasEnoughFreeSpace(destination, source);
+  };
   services.makeOutput = [this] { return makeOutput(); };
   services.runWorker = [this](conversion::COutLook& outLook, conversion::RunState& state) {
     return run(outLook, state);
@@ -89,8 +93,10 @@ Boxes::Boxes() {
 }
 
 void Boxes::Answer(QMessageBox::StandardButton button, std::function<void()> meanwhile) {
-  planned_.push_back({button, std::move(meanwhile)});
+  planned_.push_back({.button = button, .meanwhile = std::move(meanwhile)});
 }
+
+void Boxes::Work(std::function<void(QMessageBox&)> work) { planned_.push_back({.work = std::move(work)}); }
 
 void Boxes::Look() {
   auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -107,6 +113,7 @@ void Boxes::Look() {
   looking_ = true;
   if (answer.meanwhile) answer.meanwhile();
   looking_ = false;
+  if (answer.work) return answer.work(*box);
   QAbstractButton* button = box->button(answer.button);
   ASSERT_NE(button, nullptr) << "the box has no such button: " << box->text().toStdString();
   QTest::mouseClick(button, Qt::LeftButton);
@@ -172,6 +179,30 @@ void WizardTest::Press(std::uint16_t id) {
 void WizardTest::Key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
   QTest::keyClick(&CurrentPage(), key, modifiers);
   Settle();
+}
+
+void WizardTest::OnEachPage(const std::function<void(Page&)>& look) {
+  const std::function<void()> openers[] = {[this] { frame_->OpenStartPage(); }, [this] { frame_->OpenBrowsePage(); },
+                                           [this] { frame_->OpenFindPage(); }, [this] { frame_->OpenProfilePage(); },
+                                           [this] { frame_->OpenDestinationPage(resources::kBrowseTemplate); }};
+  for (const auto& open : openers) {
+    CurrentPage().hide();
+    open();
+    Settle();
+    look(CurrentPage());
+  }
+  CProgressDlg progress(*frame_);
+  progress.show();
+  Settle();
+  look(progress);
+}
+
+std::vector<QWidget*> WizardTest::Controls(Page& page) {
+  std::vector<QWidget*> controls;
+  for (QWidget* widget : page.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+    if (!widget->isWindow() && !widget->objectName().isEmpty()) controls.push_back(widget);
+  }
+  return controls;
 }
 
 void WizardTest::CloseBox() {

@@ -38,7 +38,8 @@ class Machine {
   std::filesystem::path base, program, registryFile;
 
   // Answers.
-  bool hasWindowClass = true, hasControls = true, hasSpace = true;
+  bool hasWindowClass = true, hasControls = true;
+  std::function<bool(text::TextView destination, text::TextView source)> hasEnoughFreeSpace;
   platform::Result<void> lock;
   std::vector<std::string> programs;
   std::vector<platform::Volume> volumes;
@@ -70,6 +71,9 @@ class Boxes {
   /// The next box is answered by that button, after `meanwhile` was called with the box on the screen.
   void Answer(QMessageBox::StandardButton button, std::function<void()> meanwhile = {});
 
+  /// The next box is closed by what is done to it.
+  void Work(std::function<void(QMessageBox&)> work);
+
   std::vector<Seen> seen;
 
   /// Titles and texts of all boxes, "title: text".
@@ -79,8 +83,9 @@ class Boxes {
   void Look();
 
   struct Planned {
-    QMessageBox::StandardButton button;
-    std::function<void()> meanwhile;
+    QMessageBox::StandardButton button = QMessageBox::NoButton;
+    std::function<void()> meanwhile = {};
+    std::function<void(QMessageBox&)> work = {};
   };
   QTimer timer_;
   std::deque<Planned> planned_;
@@ -128,6 +133,12 @@ class WizardTest : public testing::Test {
 
   /// Presses a key on the current page.
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+
+  /// Opens each page in turn and hands it over; the progress page last, without a run.
+  void OnEachPage(const std::function<void(Page&)>& look);
+
+  /// The controls of a page's template.
+  static std::vector<QWidget*> Controls(Page& page);
 
   /// Clicks the close box of the current page.
   void CloseBox();

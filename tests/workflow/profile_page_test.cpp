@@ -65,6 +65,12 @@ TEST_F(ProfilePageTest, ARowLeadsToTheDestinationAndBack) {
   EXPECT_TRUE(IsPage<CCustomDlg>());
 }
 
+TEST_F(ProfilePageTest, MainReturnsToTheStart) {
+  Open();
+  Press(kMainId);
+  EXPECT_TRUE(IsPage<CCustomDlg>());
+}
+
 TEST_F(ProfilePageTest, AClickBelowTheRowsDisablesNext) {
   machine_.Write("outlook/a.pst");
   Open();
@@ -76,9 +82,14 @@ TEST_F(ProfilePageTest, AClickBelowTheRowsDisablesNext) {
 TEST_F(ProfilePageTest, AFolderThatIsMissingListsNothing) {
   Open();
   EXPECT_EQ(Names(), QStringList());
+}
+
+TEST_F(ProfilePageTest, TheCloseBoxAsks) {
+  Open();
   boxes_.Answer(QMessageBox::No);
   CloseBox();
   EXPECT_EQ(boxes_.Texts(), QStringList("Information: Do you want to exit the application?"));
+  EXPECT_TRUE(IsPage<CRepairProfileDlg>());
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 // The wizard from the start page to the new store, with the engine itself.
+#include <unistd.h>
+
 #include <QLabel>
 #include <QLineEdit>
 #include <atomic>
 
+#include "conversion/free_space.h"
 #include "forge/forge.h"
 #include "output/trace/trace_library.h"
 #include "workflow/custom_dlg.h"
@@ -25,6 +28,25 @@ class TraceLines : public output::TraceSink {
   std::atomic<int> items{0};
 };
 
+/// Somebody without the rights of the administrator, for whom no file is closed: then as long as this lives the
+/// process is any user, who may go through `folder`.
+class AsAnyUser {
+ public:
+  explicit AsAnyUser(const std::filesystem::path& folder) : isAdministrator_(geteuid() == 0) {
+    std::filesystem::permissions(folder, std::filesystem::perms::all);
+    if (isAdministrator_ && seteuid(kAnyUser) != 0) throw std::runtime_error("no other user can be had");
+  }
+  ~AsAnyUser() {
+    if (isAdministrator_ && seteuid(0) != 0) std::abort();
+  }
+  AsAnyUser(const AsAnyUser&) = delete;
+  AsAnyUser& operator=(const AsAnyUser&) = delete;
+
+ private:
+  static constexpr uid_t kAnyUser = 65534;
+  bool isAdministrator_;
+};
+
 class WholeRunTest : public WizardTest {
  protected:
   void SetUp() override {
@@ -34,6 +56,7 @@ class WholeRunTest : public WizardTest {
                                      return platform::Result<void>{};
                                    }};
     };
+    machine_.hasEnoughFreeSpace = conversion::HasEnoughFreeSpace;
     std::filesystem::create_directory(destination_);
     Start();
   }
@@ -136,6 +159,58 @@ TEST_F(WholeRunTest, AFileThatIsNoStoreIsToldAndThePageStays) {
   Settle();
   EXPECT_TRUE(IsPage<CProgressDlg>());
   EXPECT_FALSE(CanFinish());
+}
+
+TEST_F(WholeRunTest, AnEmptyFileIsNoStore) {
+  Convert(machine_.Write("empty.ost"));
+  boxes_.Answer(QMessageBox::Ok);
+  ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: Pst/Ost file is not valid."));
+}
+
+TEST_F(WholeRunTest, ASourceThatMayNotBeReadIsToldWhenTheRunBegins) {
+  const auto source = MakeSource(1);
+  std::filesystem::permissions(source, std::filesystem::perms::none);
+  Press(kBrowseStartId);
+  PickInDialog(PathToQt(source));
+  Press(kBrowseId);
+  ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled()) << "that the file is there is all that counts here";
+  Press(kNextId);
+  PickInDialog(PathToQt(destination_));
+  Press(kBrowseId);
+  boxes_.Answer(QMessageBox::Ok);
+  {
+    const AsAnyUser anyUser(machine_.folder.Path());
+    Press(kNextId);
+    ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  }
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList("Error: Source file could not open.Make sure that another application is not using. "));
+  EXPECT_TRUE(IsPage<CProgressDlg>());
+  EXPECT_TRUE(std::filesystem::is_empty(destination_));
+}
+
+TEST_F(WholeRunTest, ASourceLargerThanTheRoomThatIsLeftIsRefusedAndNoWindowIsLeft) {
+  const auto source = machine_.Write("large.ost");
+  std::error_code refused;
+  // The file is one hole: it has the size and takes no room.
+  std::filesystem::resize_file(source, std::filesystem::space(destination_).available + (std::uintmax_t{1} << 36),
+                               refused);
+  if (refused) GTEST_SKIP() << "no file of the size of the free space can be made here: " << refused.message();
+  Press(kBrowseStartId);
+  PickInDialog(PathToQt(source));
+  Press(kBrowseId);
+  Press(kNextId);
+  PickInDialog(PathToQt(destination_));
+  Press(kBrowseId);
+  boxes_.Answer(QMessageBox::Ok);
+  Press(kNextId);
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList("Information: Not enough free disk space available to save converted .pst file.\n"
+                        "Please start the process again by selecting another destination path."));
+  EXPECT_TRUE(IsNowhere());
+  EXPECT_EQ(frame_->WorkerThread(), nullptr);
+  EXPECT_TRUE(std::filesystem::is_empty(destination_));
 }
 
 TEST_F(WholeRunTest, ASourceThatCannotBeOpenedIsTold) {
