@@ -98,14 +98,12 @@ void CAboutDlg::OpenLink(int id) {
 
 void CAboutDlg::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), Qt::white);
-  painter.setPen(QPen(kBorder, 2));
-  painter.drawRect(rect().adjusted(1, 1, -1, -1));
+  // Filled, not stroked: a stroke lies half a pixel aside where the display is scaled.
+  painter.fillRect(rect(), kBorder);
+  painter.fillRect(rect().adjusted(2, 2, -2, -2), Qt::white);
   logo_.Draw(painter, QRectF(13, 13, 300, 44));
-  painter.setPen(QPen(kLine, 1));
-  painter.drawLine(2, 70, width() - 3, 70);
-  painter.setPen(QPen(kLine, 1, Qt::DotLine));
-  painter.drawLine(63, 127, 63, 145);
+  painter.fillRect(2, 70, width() - 4, 1, kLine);
+  for (int y = 127; y <= 145; y += 2) painter.fillRect(63, y, 1, 1, kLine);
   mark_.Draw(painter, QRectF(26, 124, 24, 24));
   painter.setPen(kVersionColour);
   const int line = fontMetrics().height();
