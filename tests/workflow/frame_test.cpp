@@ -136,6 +136,7 @@ TEST_F(FrameTest, TheConvertCommandNeedsASource) {
 
 TEST_F(FrameTest, TheStartPageDoesNotOpenBesideABusyList) {
   delete frame_->CurrentPage();
+  State().treeFilling = true;  // a run is over
   std::promise<void> let;
   machine_.makeOutput = [&, ready = let.get_future().share(), make = machine_.makeOutput] {
     ready.wait();  // the listing opens the store, and that takes its time

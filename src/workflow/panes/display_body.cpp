@@ -15,7 +15,7 @@ constexpr std::uint32_t kUpKey = 38;
 constexpr std::uint32_t kDownKey = 40;
 
 /// A larger message is not read for HTML.
-constexpr std::int32_t kLargestHtmlMessage = 3 * 1024 * 1024;
+constexpr std::uint32_t kLargestHtmlMessage = 3 * 1024 * 1024;
 
 /// A document opens files by itself when nobody else gives it what it asks for. This one has no such way.
 class SealedDocument : public QTextDocument {
@@ -93,7 +93,8 @@ text::Text CDisplayBody::BodyOf(int row, text::TextView path) {
     }
     StepTo(row);
     text::Text body;
-    if (item_->Size() <= kLargestHtmlMessage) body = item_->Get(Field::HTMLBody).AsText();
+    const auto size = static_cast<std::uint32_t>(item_->Size());  // beyond 2 GiB it is negative
+    if (size <= kLargestHtmlMessage) body = item_->Get(Field::HTMLBody).AsText();
     return body.empty() ? item_->Get(Field::Body).AsText() : body;
   });
 }

@@ -172,7 +172,7 @@ void CFormViewLeft::RenewSelection() {
 
 void CFormViewLeft::CountFolder(std::uint32_t id) {
   const TreeFolderRecord* folder = folders_.OfId(id);
-  if (folder == nullptr || !surroundings_.state.treeFilling) return;
+  if (folder == nullptr) return;
   try {
     const auto count = surroundings_.store->Read(
         [&](output::RDOSession& session) { return conversion::CountFolder(session, PathOf(*folder), counters_); });

@@ -10,6 +10,8 @@ constexpr std::uint32_t kClosingStage = 9;
 
 FinishedStore::Opener OpenerOf(conversion::RunState& state, conversion::OutputFactory makeOutput) {
   return [&state, makeOutput = std::move(makeOutput)](text::TextView path) {
+    // What a run is still writing is not read: a session shows a store as it was when it was opened.
+    if (!state.treeFilling) throw output::OutputFailure(output::ResultCode::MAPI_E_NOT_FOUND);
     auto session = makeOutput().library->CreateRDOSession();
     session->Logon(state.profileName);
     session->Stores()->OpenPSTStore(path);

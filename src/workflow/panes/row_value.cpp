@@ -1,6 +1,7 @@
 #include "workflow/panes/row_value.h"
 
 #include <QDate>
+#include <cmath>
 #include <span>
 
 #include "output/ole_date.h"
@@ -29,7 +30,9 @@ QString Word(std::int32_t number, std::span<const text::TextView> words) {
 
 std::optional<QString> DateValue(const output::FieldRead& read, RowForm form) {
   const output::OleDate date = std::get<output::OleDate>(read.value);
-  if (!read.written || date == kNoDate) return std::nullopt;
+  // As a date the whole of that day stands for none, as a time its first moment alone.
+  const bool isNone = form == RowForm::Date ? std::floor(date.days) == kNoDate.days : date == kNoDate;
+  if (!read.written || isNone) return std::nullopt;
   const DateParts parts = PartsOf(date);
   if (form == RowForm::Date) return QString::asprintf("%d/%d/%d", parts.month, parts.day, parts.year);
   const int millisecond = 0;  // dates hold whole seconds

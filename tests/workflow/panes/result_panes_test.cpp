@@ -150,6 +150,31 @@ TEST_F(ResultPanesTest, TheStoreIsNotInUseBeforeAFolderIsSelected) {
   EXPECT_FALSE(state_.previewSession);
 }
 
+class PanesDuringARunTest : public ResultPanesTest {
+ protected:
+  /// Asks for all that can be asked for, as somebody would who saw the panes while the run goes on.
+  void OnMessage(const engine::RunMessage& message) override {
+    ResultPanesTest::OnMessage(message);
+    if (message.code != engine::MSG_LIST_ATTACHMENT) return;
+    ++asked_;
+    panes_.ListPane().selectRow(0);
+    panes_.OnMessage({.code = 32848, .text = u"\\\\demo Converted\\Inbox"});
+    panes_.OnMessage({.code = 32817, .number = panes_.FolderPane().Folders().Root().id});
+    Tree().setCurrentItem(Tree().topLevelItem(0));
+    EXPECT_FALSE(state_.previewSession) << "the store is not finished";
+    EXPECT_EQ(Body(), "");
+    EXPECT_FALSE(panes_.ListBusy());
+  }
+  int asked_ = 0;
+};
+
+TEST_F(PanesDuringARunTest, NothingIsReadFromAStoreThatIsBeingWritten) {
+  Run(Demo());
+  EXPECT_GT(asked_, 0);
+  EXPECT_EQ(Tree().topLevelItem(0)->text(0), "demo Converted") << "not counted either";
+  EXPECT_GT(ExpectAllFoldersShown(), 50) << "and all of it afterwards";
+}
+
 TEST_F(ResultPanesTest, AStoreThatIsGoneShowsEmptyFolders) {
   Run(Demo());
   std::filesystem::remove(text::ToFileName(state_.destinationPath));

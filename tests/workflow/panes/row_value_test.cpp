@@ -57,6 +57,12 @@ TEST_F(RowValueTest, TheDateThatStandsForNoneMakesNoRow) {
   EXPECT_EQ(Value(RowForm::Time, Field::ReceivedTime, {{Field::ReceivedTime, kNoDate}}), std::nullopt);
 }
 
+TEST_F(RowValueTest, ADateOfThatDayIsNoneAndATimeOfItIsOne) {
+  const OleDate noon{949998.5};
+  EXPECT_EQ(Value(RowForm::Date, Field::StartDate, {{Field::StartDate, noon}}), std::nullopt);
+  EXPECT_EQ(Value(RowForm::Time, Field::ReceivedTime, {{Field::ReceivedTime, noon}}), QStringLiteral("12:0:0:0"));
+}
+
 TEST_F(RowValueTest, ADateThatIsNotThereMakesNoRow) {
   EXPECT_EQ(Value(RowForm::Date, Field::StartDate, {}), std::nullopt);
   EXPECT_EQ(Value(RowForm::Date, Field::StartDate, {{Field::StartDate, OleDate{0.0}}}), QStringLiteral("12/30/1899"))
@@ -111,6 +117,14 @@ TEST_F(RowValueTest, TheColourRowTestsTheColourAndTellsTheImportance) {
   EXPECT_EQ(value(1, 3), QStringLiteral("Yellow"));
   EXPECT_EQ(value(1, 4), QStringLiteral("White"));
   EXPECT_EQ(value(1, 5), QStringLiteral(""));
+}
+
+TEST_F(RowValueTest, ANoteOfColourZeroHasNoColourWhateverItsImportance) {
+  for (const std::int32_t importance : {0, 1, 2, 3, 4}) {
+    EXPECT_EQ(Value(RowForm::NoteColour, Field::Color, {{Field::Color, 0}, {Field::Importance, importance}},
+                    u"IPM.StickyNote"),
+              std::nullopt);
+  }
 }
 
 TEST_F(RowValueTest, AFieldOfAnotherKindRaises) {
