@@ -12,22 +12,27 @@ constexpr const char* kSection = "OST to PST Texts";
 constexpr const char* kLanguages[] = {"English", "French", "German", "Italian", "Spanish"};
 constexpr int kLongestText = 2000;
 
+/// Name of the language that the settings choose. The first character alone counts. A digit without a language
+/// has the empty name, so it leads to a file that is not there.
+std::string ChosenLanguage(const std::filesystem::path& settingsFile) {
+  const auto settings = platform::IniFile::Load(settingsFile);
+  const std::string choice = settings ? settings->Value(kSection, "IDS_LANGUAGE").value_or("") : "";
+  const bool isDigit = !choice.empty() && choice[0] >= '0' && choice[0] <= '9';
+  const std::size_t index = isDigit ? std::size_t(choice[0] - '0') : 0;
+  return index < std::size(kLanguages) ? kLanguages[index] : "";
+}
+
 }  // namespace
+
+BaseFolder::BaseFolder(const std::filesystem::path& programFile)
+    : path_(programFile.parent_path().parent_path()),
+      programFolder_(programFile.parent_path()),
+      languageFile_(path_ / "Lang" / (ChosenLanguage(Settings()) + ".INI")) {}
 
 std::filesystem::path BaseFolder::Help() const {
   std::error_code ignored;
   const std::filesystem::path help = path_ / "vm-oxp.chm";
   return std::filesystem::exists(help, ignored) ? help : path_ / "vm-oxp.html";
-}
-
-std::filesystem::path BaseFolder::LanguageFile() const {
-  const auto settings = platform::IniFile::Load(Settings());
-  const std::string choice = settings ? settings->Value(kSection, "IDS_LANGUAGE").value_or("") : "";
-  // The first character alone counts. A digit without a language names a file that is not there.
-  const bool isDigit = !choice.empty() && choice[0] >= '0' && choice[0] <= '9';
-  const std::size_t index = isDigit ? std::size_t(choice[0] - '0') : 0;
-  const std::string name = index < std::size(kLanguages) ? kLanguages[index] : "";
-  return path_ / "Lang" / (name + ".INI");
 }
 
 QString Language::Text(const char* key) const {

@@ -9,8 +9,8 @@ namespace velmora::workflow {
 
 class BaseFolder {
  public:
-  explicit BaseFolder(const std::filesystem::path& programFile)
-      : path_(programFile.parent_path().parent_path()), programFolder_(programFile.parent_path()) {}
+  /// Reads the choice of the language; what the settings say later does not count for this object.
+  explicit BaseFolder(const std::filesystem::path& programFile);
 
   const std::filesystem::path& Path() const { return path_; }
 
@@ -22,10 +22,10 @@ class BaseFolder {
   std::filesystem::path Help() const;
 
   /// The language file by the choice in the settings. A missing choice is English.
-  std::filesystem::path LanguageFile() const;
+  const std::filesystem::path& LanguageFile() const { return languageFile_; }
 
  private:
-  std::filesystem::path path_, programFolder_;
+  std::filesystem::path path_, programFolder_, languageFile_;
 };
 
 /// The texts of the about window in the chosen language.

@@ -16,14 +16,21 @@ using testing::IsEmpty;
 class AboutTest : public WizardTest {
  protected:
   void SetUp() override {
-    for (const char* name : {"English", "French"}) {
-      std::filesystem::create_directories(machine_.base / "Lang");
+    std::filesystem::create_directories(machine_.base / "Lang");
+    for (const char* name : {"English", "French", "German", "Italian", "Spanish"}) {
       std::filesystem::copy_file(
           std::filesystem::path(VELMORA_SOURCE_DIR) / "src/resources/lang" / (std::string(name) + ".INI"),
           machine_.base / "Lang" / (std::string(name) + ".INI"));
     }
     Start();
     machine_.log.clear();
+  }
+
+  /// Starts the program again with another language.
+  void UseLanguage(int number) {
+    frame_.reset();
+    machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_LANGUAGE=" + std::to_string(number) + "\n");
+    Start();
   }
 
   static void Click(CAboutDlg& about, int id) {
@@ -92,11 +99,27 @@ TEST_F(AboutTest, TheHelpOfTheMenuOpensTheGuide) {
 }
 
 TEST_F(AboutTest, IsWrittenInTheChosenLanguage) {
-  machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_LANGUAGE=1\n");
+  UseLanguage(1);
   CAboutDlg about(*frame_, &CurrentPage());
   EXPECT_EQ(about.windowTitle(), "À propos de Velmora Convert OST to PST");
   EXPECT_EQ(CurrentPage().windowTitle(), "Velmora Convert OST to PST")
       << "the wizard is in English whatever the language";
+}
+
+TEST_F(AboutTest, EveryLanguageFitsIntoTheWindow) {
+  for (int language = 0; language < 5; ++language) {
+    UseLanguage(language);
+    CAboutDlg about(*frame_, nullptr);
+    const auto controls = about.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    EXPECT_EQ(controls.size(), 4) << language;
+    for (const QWidget* control : controls) {
+      EXPECT_TRUE(about.rect().contains(control->geometry())) << language << " " << control->objectName().toStdString();
+      for (const QWidget* other : controls) {
+        EXPECT_TRUE(control == other || !control->geometry().intersects(other->geometry()))
+            << language << " " << control->objectName().toStdString() << " " << other->objectName().toStdString();
+      }
+    }
+  }
 }
 
 TEST_F(AboutTest, ALinkOpensItsTarget) {

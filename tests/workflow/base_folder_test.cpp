@@ -8,13 +8,20 @@ namespace {
 
 class BaseFolderTest : public testing::Test {
  protected:
-  std::string LanguageBy(const std::string& choice) {
+  void Choose(const std::string& choice) {
     machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_LANGUAGE=" + choice + "\n");
-    return base_.LanguageFile().filename().string();
+  }
+
+  /// Path of the language file below the base folder.
+  std::string LanguageFile() const {
+    return BaseFolder(machine_.program).LanguageFile().lexically_relative(machine_.base).string();
+  }
+  std::string LanguageBy(const std::string& choice) {
+    Choose(choice);
+    return LanguageFile();
   }
 
   Machine machine_;
-  BaseFolder base_{machine_.program};
 };
 
 TEST_F(BaseFolderTest, IsTheProgramsPathLessTwoComponents) {
@@ -23,23 +30,36 @@ TEST_F(BaseFolderTest, IsTheProgramsPathLessTwoComponents) {
 }
 
 TEST_F(BaseFolderTest, WithoutSettingsTheLanguageIsEnglish) {
-  EXPECT_EQ(base_.LanguageFile().filename(), "English.INI");
+  EXPECT_EQ(LanguageFile(), "Lang/English.INI");
+  machine_.Write("prefix/settings.ini", "[Another Section]\nIDS_LANGUAGE=3\n");
+  EXPECT_EQ(LanguageFile(), "Lang/English.INI");
+  machine_.Write("prefix/settings.ini", "[OST to PST Texts]\nIDS_OK=3\n");
+  EXPECT_EQ(LanguageFile(), "Lang/English.INI");
 }
 
 TEST_F(BaseFolderTest, ADigitChoosesTheLanguage) {
-  const char* const names[] = {"English.INI", "French.INI", "German.INI", "Italian.INI", "Spanish.INI"};
+  const char* const names[] = {"Lang/English.INI", "Lang/French.INI", "Lang/German.INI", "Lang/Italian.INI",
+                               "Lang/Spanish.INI"};
   for (int i = 0; i < 5; ++i) EXPECT_EQ(LanguageBy(std::to_string(i)), names[i]);
 }
 
 TEST_F(BaseFolderTest, OnlyTheFirstCharacterCounts) {
-  EXPECT_EQ(LanguageBy("12"), "French.INI");
-  EXPECT_EQ(LanguageBy("x"), "English.INI");
-  EXPECT_EQ(LanguageBy(""), "English.INI");
+  EXPECT_EQ(LanguageBy("12"), "Lang/French.INI");
+  EXPECT_EQ(LanguageBy("x"), "Lang/English.INI");
+  EXPECT_EQ(LanguageBy(""), "Lang/English.INI");
 }
 
 TEST_F(BaseFolderTest, ADigitWithoutALanguageGivesEmptyTexts) {
-  EXPECT_EQ(LanguageBy("7"), ".INI");
-  EXPECT_EQ(Language(base_.LanguageFile()).Text("IDS_OK"), "");
+  EXPECT_EQ(LanguageBy("7"), "Lang/.INI");
+  EXPECT_EQ(Language(BaseFolder(machine_.program).LanguageFile()).Text("IDS_OK"), "");
+}
+
+TEST_F(BaseFolderTest, TheChoiceIsReadOnceWhenTheProgramStarts) {
+  Choose("1");
+  const BaseFolder started(machine_.program);
+  Choose("2");
+  EXPECT_EQ(started.LanguageFile().filename(), "French.INI");
+  EXPECT_EQ(LanguageFile(), "Lang/German.INI");
 }
 
 TEST_F(BaseFolderTest, ATextIsCutAtTwoThousandCharacters) {
