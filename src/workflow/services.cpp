@@ -27,10 +27,13 @@ std::vector<std::filesystem::path> ProfileFolders() {
   return folders;
 }
 
+/// Of the user; somebody without a home folder has one for the session.
+std::filesystem::path SettingsFolder() { return platform::ConfigFolder().value_or(platform::RuntimeFolder()); }
+
 /// The store on disk; its profiles stand in a list among the user's settings.
 conversion::RunOutput MakeStore() {
   messaging::PstLibraryOptions options;
-  options.configFolder = platform::ConfigFolder().value_or(platform::RuntimeFolder());
+  options.configFolder = SettingsFolder();
   const auto store = std::make_shared<messaging::PstLibrary>(std::move(options));
   return {store, [store] { return store->Seal(); }};
 }
@@ -46,8 +49,7 @@ Services RealServices() {
     return platform::InstanceLock::Take(platform::RuntimeFolder() / "VelmoraOXP.lock")
         .map([&](platform::InstanceLock taken) { lock->emplace(std::move(taken)); });
   };
-  services.registry = std::make_shared<platform::IniRegistry>(
-      platform::ConfigFolder().value_or(std::filesystem::path()) / "registry.ini");
+  services.registry = std::make_shared<platform::IniRegistry>(SettingsFolder() / "registry.ini");
   services.runningPrograms = platform::RunningPrograms;
   services.programFilesFolder = [] {
     return platform::WindowsDrive().value_or(std::filesystem::path()) / "Program Files";

@@ -61,6 +61,10 @@ class Install(unittest.TestCase):
     def run_program(self, *command):
         return subprocess.run(command, capture_output=True, text=True, check=True, env=self.environment).stdout
 
+    def start_wizard(self, screen, **more):
+        return subprocess.Popen([self.prefix / "bin/velmora"], stderr=subprocess.DEVNULL,
+                                env={**self.environment, "QT_QPA_PLATFORM": "xcb", "DISPLAY": screen.display, **more})
+
     def test_the_prefix_holds_this_and_nothing_else(self):
         found = {str(path.relative_to(self.prefix)) for path in self.prefix.rglob("*") if path.is_file()}
         self.assertEqual(found - {"settings.ini", "vmupdate.EXE"}, EXPECTED)
@@ -110,18 +114,37 @@ class Install(unittest.TestCase):
             self.assertIsNotNone(shutil.which(program), f"{program} is needed")
         (self.prefix / "settings.ini").write_text("[OST to PST Texts]\nIDS_LANGUAGE=2\n")
         with Screen() as screen:
-            environment = {**self.environment, "QT_QPA_PLATFORM": "xcb",
-                           "DISPLAY": screen.display}
-            wizard = subprocess.Popen([self.prefix / "bin/velmora"], env=environment, stderr=subprocess.DEVNULL)
+            wizard = self.start_wizard(screen)
             try:
                 screen.expect("Velmora Convert OST to PST")
                 # From the start page to the search, which has the menu.
                 about = "Info über Velmora Convert OST to PST"
                 self.assertTrue(screen.works(lambda: screen.title() == about, "alt+f", "alt+e", "a"), screen.title())
             finally:
-                wizard.kill()
-                wizard.wait()
+                end(wizard)
                 (self.prefix / "settings.ini").unlink()
+
+    def test_a_second_start_shows_an_empty_error_and_leaves_the_first_alone(self):
+        with Screen() as screen:
+            first = self.start_wizard(screen)
+            second = None
+            try:
+                screen.expect("Velmora Convert OST to PST")
+                second = self.start_wizard(screen)
+                screen.expect("Error")
+                self.assertTrue(screen.works(lambda: second.poll() is not None, "Return"))
+                self.assertEqual(second.returncode, 0)
+                screen.expect("Velmora Convert OST to PST")
+                self.assertIsNone(first.poll())
+            finally:
+                end(first, second)
+
+
+def end(*processes):
+    for process in processes:
+        if process is not None:
+            process.kill()
+            process.wait()
 
 
 class Screen:

@@ -45,6 +45,38 @@ TEST_F(ApplicationTest, StartsSilentlyWithTheStartPage) {
   EXPECT_FALSE(application_->MainFrame()->isVisible());
 }
 
+TEST_F(ApplicationTest, TheChecksComeInTheirOrder) {
+  machine_.hasWindowClass = machine_.hasControls = false;
+  machine_.lock = tl::unexpected(platform::Failure{platform::FailureKind::kExists, "lock", 0, ""});
+  machine_.programs = {"OUTLOOK.EXE"};
+  Registry(kInternetMode);
+  InDialog<CInformationDlg>([](CInformationDlg& notice) { notice.reject(); });
+
+  // What was refused is put right, and the next check refuses.
+  const std::function<void()> corrections[] = {
+      [this] { machine_.hasWindowClass = true; },
+      [this] { machine_.hasControls = true; },
+      [this] { machine_.lock = {}; },
+      [this] { Registry(std::string(kInstalled) + kInternetMode); },
+      [this] { machine_.programs.clear(); },
+  };
+  for (const auto& correct : corrections) {
+    EXPECT_FALSE(Start());
+    correct();
+  }
+  EXPECT_FALSE(Start());
+  QStringList titles;
+  for (const Boxes::Seen& box : boxes_.seen) titles << box.title + ": " + box.text.left(12);
+  EXPECT_EQ(titles, QStringList({"Velmora Convert OST to PST: GetClassInfo",
+                                 "Velmora Convert OST to PST: ", "Error: ", "Error: Microsoft Of",
+                                 "Warning: Velmora Conv", "Velmora Convert OST to PST: Currently se"}));
+}
+
+TEST_F(ApplicationTest, TheBarsAreKeptUnderTheMakersName) {
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(QCoreApplication::organizationName(), "Velmora Software");
+}
+
 TEST_F(ApplicationTest, WithoutAWindowClassItSaysSo) {
   machine_.hasWindowClass = false;
   boxes_.Answer(QMessageBox::Ok);

@@ -1,5 +1,7 @@
 #include "workflow/mode_notice.h"
 
+#include <QAbstractButton>
+#include <QLabel>
 #include <QPlainTextEdit>
 
 #include "workflow/harness.h"
@@ -45,6 +47,21 @@ TEST_F(ModeNoticeTest, ShowsItsFourTextsWithBlankLinesBetween) {
                       "Mode).\n\nSoftware can"));
   EXPECT_TRUE(text.contains("Manual Process\n\n1. Select"));
   EXPECT_TRUE(notice.findChild<QPlainTextEdit*>()->isReadOnly());
+}
+
+TEST_F(ModeNoticeTest, HasABoldHeadingAndTwoNamedButtons) {
+  CInformationDlg notice;
+  auto* heading = notice.findChild<QLabel*>();
+  EXPECT_TRUE(heading->font().bold());
+  EXPECT_EQ(heading->text(),
+            "Software has detected Outlook 2000 installed on your system in IMO (Internet Mail only) mode. Please read "
+            "below mentioned instructions carefully to effectively recover pst file.");
+  EXPECT_EQ(notice.findChild<QAbstractButton*>("176")->text(), "Confirm");
+  EXPECT_EQ(notice.findChild<QAbstractButton*>("177")->text(), "Ignore");
+  CDisclaimerDlg terms;
+  EXPECT_EQ(terms.windowTitle(), "Disclaimer");
+  EXPECT_EQ(terms.findChild<QAbstractButton*>("184")->text(), "I Accept");
+  EXPECT_EQ(terms.findChild<QAbstractButton*>("185")->text(), "I do not accept");
 }
 
 TEST_F(ModeNoticeTest, IgnoreChangesNothing) {
