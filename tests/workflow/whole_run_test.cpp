@@ -104,25 +104,6 @@ TEST_F(WholeRunTest, FromTheStartPageToTheFolderOfTheNewStoreAndBack) {
   EXPECT_TRUE(IsPage<CCustomDlg>());
 }
 
-TEST_F(WholeRunTest, MakesTheSameTraceAsARunWithoutWindows) {
-  const auto source = MakeSource(7);
-  Convert(source);
-  ASSERT_TRUE(Comes([this] { return CanFinish(); }));
-
-  TraceLines plain;
-  conversion::RunState state;
-  conversion::COutLook outLook(state, [&] {
-    return conversion::RunOutput{std::make_shared<output::TraceLibrary>(plain), {}};
-  });
-  state.sourcePath = FromQt(PathToQt(source));
-  state.sourceFileName = u"outlook.ost";
-  std::filesystem::create_directory(machine_.folder.Path() / "plain");
-  state.destinationPath = FromQt(PathToQt(machine_.folder.Path() / "plain"));
-  EXPECT_EQ(conversion::RunConversion(outLook, state), conversion::RunEnd::kFinished);
-  EXPECT_GT(plain.lines.size(), 20u);
-  EXPECT_EQ(trace_->lines, plain.lines);
-}
-
 TEST_F(WholeRunTest, StoppedForGoodItRunsAgainFromTheStart) {
   const auto source = MakeSource(3000);
   Convert(source);
