@@ -62,9 +62,18 @@ MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, ndb::Nid nid)
   interface_ = output::TypedInterfaceOf(state_.messageClass);
 }
 
+MailItem::~MailItem() {
+  try {
+    WritePostponed();
+  } catch (const std::exception&) {
+    // The store keeps a failure of its own and raises it with the next change.
+  }
+}
+
 /// The saved item's properties; null when it is not in the store.
 ltp::PropertyContext* MailItem::Saved() const {
   if (nid_ == 0) return nullptr;
+  WritePostponed();
   if (!saved_) {
     const auto node = store_->Source().FindNode(nid_);
     if (!node) return nullptr;
@@ -92,6 +101,7 @@ void MailItem::Put(Field field, const FieldValue& value) {
     throw OutputFailure(ResultCode::E_INVALIDARG, "The value is not of the field's type.");
   }
   store_->Writer();
+  WritePostponed();
   Load();
   const bool narrow = type == output::FieldType::Number16;
   state_.fields.Put(
@@ -106,6 +116,11 @@ FieldRead MailItem::Get(Field field) const {
   const FieldValue* value = state_.fields.Find(field);
   if (value != nullptr) return {*value, true};
   return {EmptyValue(output::InfoOf(field).type), false};
+}
+
+/// To be called ahead of a change: what was saved is written as it was saved.
+void MailItem::WritePostponed() const {
+  if (unwritten_) store_->Writer().WritePostponed();
 }
 
 /// Takes all of a saved item into memory, so that it can be changed and written anew.
@@ -130,14 +145,25 @@ void MailItem::Save() {
   if (deleted_) return;  // it can still be embedded, but it is in no folder any more
   StoreWriter& writer = store_->Writer();
   Load();
-  nid_ = writer.Save(state_, attachments_, folder_, nid_);
   saved_.reset();
   changed_.clear();
+  savedAttachments_ = attachments_.size();
+  if (nid_ == 0) return WriteSave();
+  writer.Postpone(*this);
+  unwritten_ = true;
+}
+
+void MailItem::WriteSave() {
+  unwritten_ = false;
+  const std::vector<Attachment> saved(attachments_.begin(), attachments_.begin() + savedAttachments_);
+  nid_ = store_->Writer().Save(state_, saved, folder_, nid_);
 }
 
 void MailItem::Delete() {
   StoreWriter& writer = store_->Writer();
   Load();
+  writer.Forget(*this);
+  unwritten_ = false;
   if (nid_ != 0) writer.Delete(folder_, nid_);
   nid_ = 0;
   saved_.reset();
@@ -169,6 +195,7 @@ void MailItem::AddPicture(const output::ContentSource& content) {
     throw OutputFailure(ResultCode::E_NOINTERFACE, "Only a contact has a picture.");
   }
   StoreWriter& writer = store_->Writer();
+  WritePostponed();
   Load();
   Attachment picture = writer.Attach(content, kPictureName);
   picture.isContactPhoto = true;
@@ -178,6 +205,7 @@ void MailItem::AddPicture(const output::ContentSource& content) {
 
 Ref<RDOMail> MailItem::Answer(Verb verb, text::TextView prefix, text::TextView to) {
   store_->Writer();
+  WritePostponed();
   Load();
   state_.verb = verb;
   auto answer = std::make_shared<MailItem>(store_, folder_, kMailClass);

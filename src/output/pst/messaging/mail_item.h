@@ -9,19 +9,20 @@
 #include "output/pst/ltp/property_context.h"
 #include "output/pst/messaging/attachments.h"
 #include "output/pst/messaging/item_properties.h"
-#include "output/pst/messaging/store.h"
+#include "output/pst/messaging/store_writer.h"
 
 namespace velmora::messaging {
 
 /// An item is in memory until it is saved, but for its long attachments. Fields written since the last Save
 /// are answered from memory, the others from the store.
-class MailItem : public output::RDOMail, public std::enable_shared_from_this<MailItem> {
+class MailItem : public output::RDOMail, public std::enable_shared_from_this<MailItem>, private PostponedSave {
  public:
   /// A new item.
   MailItem(std::shared_ptr<Store> store, Folder& folder, text::TextView messageClass);
 
   /// A saved item. Raises STG_E_READFAULT when it cannot be read.
   MailItem(std::shared_ptr<Store> store, Folder& folder, ndb::Nid nid);
+  ~MailItem() override;
 
   void Save() override;
   void Put(output::Field field, const output::FieldValue& value) override;
@@ -43,6 +44,8 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
   void CheckInterface(output::Field field) const;
   ltp::PropertyContext* Saved() const;
   void Load();
+  void WriteSave() override;
+  void WritePostponed() const;
   output::Ref<output::RDOMail> Answer(Verb verb, text::TextView prefix, text::TextView to);
 
   std::shared_ptr<Store> store_;
@@ -51,6 +54,8 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
   ndb::Nid nid_ = 0;    ///< 0 while it is in no folder
   bool loaded_ = true;  ///< state_ and attachments_ hold all of the item
   bool deleted_ = false;
+  bool unwritten_ = false;              ///< the last save waits to be written
+  std::size_t savedAttachments_ = 0;    ///< how many attachments it has
   std::vector<output::Field> changed_;  ///< fields written since the last save
   ItemState state_;
   std::vector<Attachment> attachments_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <utility>
 
 #include "output/pst/messaging/failures.h"
 #include "output/pst/messaging/folder_writer.h"
@@ -196,6 +197,20 @@ void StoreWriter::Delete(Folder& folder, ndb::Nid nid) {
   });
 }
 
+void StoreWriter::Postpone(PostponedSave& item) {
+  Change([] {});  // raises what a save raises
+  if (postponed_ != &item) WritePostponed();
+  postponed_ = &item;
+}
+
+void StoreWriter::WritePostponed() {
+  if (PostponedSave* item = std::exchange(postponed_, nullptr)) item->WriteSave();
+}
+
+void StoreWriter::Forget(const PostponedSave& item) {
+  if (postponed_ == &item) postponed_ = nullptr;
+}
+
 Attachment StoreWriter::Attach(const output::ContentSource& content, text::TextView name) {
   return Change([&] { return WriteContent(*ndb_, content, name); });
 }
@@ -209,6 +224,7 @@ Attachment StoreWriter::Attach(const ItemState& item, const std::vector<Attachme
 
 void StoreWriter::Seal() {
   if (sealed_) return;
+  WritePostponed();
   Change([&] {
     WriteChanges();
     WrittenOrRaise(ndb_->Seal());

@@ -22,6 +22,13 @@ struct StoreOptions {
   text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
 };
 
+/// An item whose last save is still to be written.
+class PostponedSave {
+ public:
+  virtual ~PostponedSave() = default;
+  virtual void WriteSave() = 0;
+};
+
 /// What was written is committed at creation, at distances that grow with the store, and by Seal; a process
 /// that dies leaves the last commit. After a failure of the file every further change raises it again, and
 /// what was committed stays.
@@ -36,7 +43,10 @@ class StoreWriter : public Store {
 
   const ndb::BlockSource& Source() const override { return *ndb_; }
   StoreWriter& Writer() override { return *this; }
-  const ItemRows& ItemsOf(Folder& folder) override { return folder.items; }
+  const ItemRows& ItemsOf(Folder& folder) override {
+    WritePostponed();
+    return folder.items;
+  }
 
   /// Adds a folder. E_INVALIDARG for an empty name, MAPI_E_COLLISION for one that is there.
   Folder& AddFolder(Folder& parent, text::TextView name, text::TextView containerClass);
@@ -52,6 +62,13 @@ class StoreWriter : public Store {
   ndb::Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, ndb::Nid nid);
 
   void Delete(Folder& folder, ndb::Nid nid);
+
+  /// An item that is in the store was saved once more. A mail is saved with each message that is attached to it, so
+  /// writing it waits for whatever could tell the difference: the same of another item, a look at the items of a
+  /// folder, the sealing, or a call of WritePostponed. `item` stays, or calls Forget.
+  void Postpone(PostponedSave& item);
+  void WritePostponed();
+  void Forget(const PostponedSave& item);
 
   /// Writes a content, or a copy of an item as it stands now, for an attachment.
   Attachment Attach(const output::ContentSource& content, text::TextView name);
@@ -87,6 +104,7 @@ class StoreWriter : public Store {
   Folder* searchRoot_ = nullptr;
   bool messageStoreChanged_ = true;
   std::vector<Folder*> changedFolders_;
+  PostponedSave* postponed_ = nullptr;
   std::size_t changes_ = 0;          ///< since creation
   std::size_t changesToCommit_ = 0;  ///< their number at which the next commit is due
   std::uint64_t sizeToCommit_ = 0;   ///< file size at which the next commit is due at the latest

@@ -69,6 +69,49 @@ TEST_F(AttachmentsTest, KeepTheirNameAndGetAShortOne) {
   ExpectSound();
 }
 
+TEST_F(AttachmentsTest, AMailThatIsSavedWithEachMessageInItIsNotWrittenEachTime) {
+  constexpr std::size_t kBody = std::size_t{1} << 20;
+  const auto outer = NewItem();
+  Put(outer, Field::Body, Text(kBody / 2, u'x'));
+  outer->Save();
+  for (int i = 0; i < 100; ++i) {
+    const auto inner = NewItem();
+    Put(inner, Field::Subject, Text(u"inner"));
+    outer->Attachments()->Add(inner, u"inner");
+    outer->Save();
+  }
+  outer->Attachments()->Add(TextContent("x"), u"never saved.txt");
+  Close();
+  EXPECT_LT(std::filesystem::file_size(path_), 5 * kBody);
+  const RawStore raw = Raw();
+  auto message = raw.Message();
+  EXPECT_EQ(raw.SubTable(message, nid::kAttachmentTable).RowCount(), 100u);
+  ExpectSound();
+}
+
+TEST_F(AttachmentsTest, ASaveThatIsNotYetWrittenIsSeenAndKeptApartFromWhatFollows) {
+  const auto item = NewItem();
+  item->Save();
+  Put(item, Field::Subject, Text(u"saved"));
+  item->Save();
+  EXPECT_EQ(TextOf(FirstItem(), Field::Subject), u"saved");
+  EXPECT_EQ(TextOf(item, Field::Subject), u"saved");
+  item->Save();
+  Put(item, Field::Subject, Text(u"never saved"));
+  Reopen();
+  EXPECT_EQ(TextOf(FirstItem(), Field::Subject), u"saved");
+}
+
+TEST_F(AttachmentsTest, ADeletedItemIsNotWrittenAnyMore) {
+  const auto item = NewItem();
+  item->Save();
+  item->Save();
+  item->Delete();
+  EXPECT_EQ(inbox_->Items()->Count(), 0);
+  Raw();
+  ExpectSound();
+}
+
 TEST(ShortFileName, IsWhatOldReadersTake) {
   EXPECT_EQ(ShortFileName(u"readme.txt"), u"README.TXT");
   EXPECT_EQ(ShortFileName(u"readme"), u"README");
