@@ -1,3 +1,5 @@
+#include <new>
+
 #include "cli/convert_command.h"
 #include "platform/stop_signals.h"
 #include "platform/terminal.h"
@@ -15,5 +17,10 @@ int main(int argc, char** argv) {
         velmora::platform::WriteTo(isMistake ? StandardStream::kError : StandardStream::kOutput, answer->text);
     return static_cast<int>(written || isMistake ? answer->code : ExitCode::kInputOutput);
   }
-  return static_cast<int>(velmora::cli::Convert(std::get<velmora::cli::Options>(parsed)));
+  try {
+    return static_cast<int>(velmora::cli::Convert(std::get<velmora::cli::Options>(parsed)));
+  } catch (const std::bad_alloc&) {
+    static_cast<void>(velmora::platform::WriteTo(StandardStream::kError, "velmora-convert: not enough memory\n"));
+    return static_cast<int>(ExitCode::kAborted);
+  }
 }

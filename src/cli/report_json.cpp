@@ -1,6 +1,9 @@
 #include "cli/report_json.h"
 
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace velmora::cli {
 namespace {
@@ -45,17 +48,6 @@ constexpr SkipRow kSkipReasons[] = {
     {recovery::SkipReason::kNoFolder, "no folder"},
 };
 
-Json FoldersOf(const recovery::RecoveryReport& report) {
-  Json folders = Json::array();
-  for (const recovery::RecoveredFolder& folder : report.folders) {
-    folders.push_back({{"nid", folder.nid},
-                       {"parentNid", folder.parentNid},
-                       {"name", text::ToUtf8(folder.name)},
-                       {"containerClass", text::ToUtf8(folder.containerClass)}});
-  }
-  return folders;
-}
-
 Json ItemsOf(const recovery::RecoveryReport& report) {
   Json items = Json::object();
   for (const auto& [messageClass, count] : report.items) {
@@ -74,43 +66,77 @@ Json SkippedOf(const recovery::RecoveryReport& report) {
   return skipped;
 }
 
-Json LostOf(const recovery::RecoveryReport& report) {
-  Json lost = Json::array();
-  for (const recovery::LostObject& object : report.lost) {
-    lost.push_back({{"nid", object.nid},
-                    {"bidData", object.bidData},
-                    {"class", text::ToUtf8(object.messageClass)},
-                    {"reason", text::ToUtf8(object.reason)}});
-  }
-  if (report.lostUntold != 0) {
-    const std::string more = std::to_string(report.lostUntold) + " more, not listed";
-    lost.push_back({{"nid", 0}, {"bidData", 0}, {"class", ""}, {"reason", more}});
-  }
-  return lost;
+Json FolderOf(const recovery::RecoveredFolder& folder) {
+  return {{"nid", folder.nid},
+          {"parentNid", folder.parentNid},
+          {"name", text::ToUtf8(folder.name)},
+          {"containerClass", text::ToUtf8(folder.containerClass)}};
 }
+
+Json LostOf(const recovery::LostObject& object) {
+  return {{"nid", object.nid},
+          {"bidData", object.bidData},
+          {"class", text::ToUtf8(object.messageClass)},
+          {"reason", text::ToUtf8(object.reason)}};
+}
+
+/// Puts the object together field by field and the long lists element by element, a line each: as one tree of
+/// values they would take many times the memory of the text.
+class ReportText {
+ public:
+  void Add(std::string_view name, const Json& value) { Begin(name).append(value.dump()); }
+
+  template <class Elements, class Form>
+  void AddList(std::string_view name, const Elements& elements, Form form, const std::optional<Json>& last = {}) {
+    Begin(name).push_back('[');
+    const char* separator = "\n    ";
+    const auto add = [&](const Json& element) {
+      text_.append(separator).append(element.dump());
+      separator = ",\n    ";
+    };
+    for (const auto& element : elements) add(form(element));
+    if (last) add(*last);
+    text_.push_back(']');
+  }
+
+  std::string Finish() { return std::move(text_.append("\n}\n")); }
+
+ private:
+  std::string& Begin(std::string_view name) {
+    return text_.append(text_.empty() ? "{\n  \"" : ",\n  \"").append(name).append("\": ");
+  }
+
+  std::string text_;
+};
 
 }  // namespace
 
 std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& report) {
-  Json json;
-  json["source"] = text::ToUtf8(frame.source);
-  json["destination"] = text::ToUtf8(frame.destination);
-  json["storeKind"] = NameOf(report.storeKind);
-  json["format"] = NameOf(report.format);
-  json["nodeCount"] = report.nodeCount;
-  json["blockRecordCount"] = report.blockRecordCount;
-  json["orphanBlockCount"] = report.orphanBlockCount;
-  json["blockEncoding"] = static_cast<int>(report.blockEncoding);
-  json["folders"] = FoldersOf(report.recovery);
-  json["items"] = ItemsOf(report.recovery);
-  json["attachments"] = report.recovery.attachments;
-  json["embedded"] = report.recovery.embedded;
-  json["skipped"] = SkippedOf(report.recovery);
-  json["lost"] = LostOf(report.recovery);
-  json["refusal"] = frame.refusal.empty() ? Json(nullptr) : Json(text::ToUtf8(frame.refusal));
-  json["seconds"] = frame.seconds;
-  json["peakRssKiB"] = frame.peakRssKiB;
-  return json.dump(2) + "\n";
+  const recovery::RecoveryReport& recovery = report.recovery;
+  std::optional<Json> untold;
+  if (recovery.lostUntold != 0) {
+    untold = LostOf({0, 0, {}, text::FromUtf8(std::to_string(recovery.lostUntold) + " more, not listed")});
+  }
+
+  ReportText json;
+  json.Add("source", text::ToUtf8(frame.source));
+  json.Add("destination", text::ToUtf8(frame.destination));
+  json.Add("storeKind", NameOf(report.storeKind));
+  json.Add("format", NameOf(report.format));
+  json.Add("nodeCount", report.nodeCount);
+  json.Add("blockRecordCount", report.blockRecordCount);
+  json.Add("orphanBlockCount", report.orphanBlockCount);
+  json.Add("blockEncoding", static_cast<int>(report.blockEncoding));
+  json.AddList("folders", recovery.folders, FolderOf);
+  json.Add("items", ItemsOf(recovery));
+  json.Add("attachments", recovery.attachments);
+  json.Add("embedded", recovery.embedded);
+  json.Add("skipped", SkippedOf(recovery));
+  json.AddList("lost", recovery.lost, LostOf, untold);
+  json.Add("refusal", frame.refusal.empty() ? Json(nullptr) : Json(text::ToUtf8(frame.refusal)));
+  json.Add("seconds", frame.seconds);
+  json.Add("peakRssKiB", frame.peakRssKiB);
+  return json.Finish();
 }
 
 }  // namespace velmora::cli

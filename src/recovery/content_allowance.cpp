@@ -9,12 +9,23 @@ ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::
       parts_(std::max(kLeastParts, nodesAndBlocks * kPartsEach)),
       heldByNode_(std::clamp(sourceBytes, kLeastHeld, kMostHeld)),
       held_(heldByNode_),
-      folderBytes_(kLeastFolderBytes + sourceBytes),
+      kept_(kLeastKept + sourceBytes),
       losses_(kLeastLosses + sourceBytes / kBytesOfLoss) {}
 
 ContentAllowance ContentAllowance::Of(const engine::EngineState& engine) {
   return {engine.source == nullptr ? 0 : engine.source->Size(), engine.layout.formatId == engine::FORMAT_UNICODE_4K,
           std::uint64_t{engine.nodeCount} + engine.blockRecordCount};
+}
+
+void ContentAllowance::BeginNode() {
+  bytesOfNode_ = kBytesOfNode;
+  held_ = heldByNode_;
+}
+
+bool ContentAllowance::TakeBytes(std::uint64_t count) {
+  const std::uint64_t ofNode = std::min(count, bytesOfNode_);
+  bytesOfNode_ -= ofNode;
+  return Take(bytes_, count - ofNode);
 }
 
 bool ContentAllowance::Take(std::uint64_t& left, std::uint64_t count) {

@@ -23,6 +23,9 @@ class ContentAllowance {
   static constexpr std::uint64_t kPackedTimesOver = 512;
   static constexpr std::uint64_t kTimesOver = 64;
   static constexpr std::uint64_t kLeastBytes = std::uint64_t{16} << 20;
+  /// What each node may take besides: a block of the common size, and the texts in it. So a store full of nodes that
+  /// share a block still gives each of them, and none suffers for what others claim.
+  static constexpr std::uint64_t kBytesOfNode = std::uint64_t{16} << 10;
 
   /// How many attachments each node and each block may stand for.
   static constexpr std::uint64_t kPartsEach = 16;
@@ -35,14 +38,14 @@ class ContentAllowance {
   /// What an attachment or embedded message takes in memory besides its texts.
   static constexpr std::uint64_t kHeldByPart = 1024;
 
-  /// The folders stay in memory for the whole run: a folder counts as so many bytes, of which the source has these
-  /// and as many as it is long.
-  static constexpr std::uint64_t kFolderBytes = 512;
-  static constexpr std::uint64_t kLeastFolderBytes = std::uint64_t{4} << 20;
+  /// Names of folders and the report's texts stay in memory for the whole run: of those that are longer than names
+  /// are, so many bytes, and as many as the source has.
+  static constexpr std::uint64_t kLeastKept = std::uint64_t{4} << 20;
+  static constexpr std::uint64_t kLongestName = 255;
 
-  /// The report's list of losses has this many lines, and one more for so many bytes of the source.
+  /// The report's list of losses has this many lines, and one more for so many bytes of the source: one for each node.
   static constexpr std::uint64_t kLeastLosses = 10000;
-  static constexpr std::uint64_t kBytesOfLoss = 512;
+  static constexpr std::uint64_t kBytesOfLoss = 32;
 
   ContentAllowance() = default;
   ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks);
@@ -50,13 +53,15 @@ class ContentAllowance {
   /// That of a run at the beginning of a step.
   static ContentAllowance Of(const engine::EngineState& engine);
 
+  /// To be called ahead of each node.
+  void BeginNode();
+
   /// Bytes that are read, or written as content.
-  bool TakeBytes(std::uint64_t count) { return Take(bytes_, count); }
-  bool BytesSpent() const { return bytes_ == 0; }
+  bool TakeBytes(std::uint64_t count);
+  bool BytesSpent() const { return bytes_ == 0 && bytesOfNode_ == 0; }
 
   /// Bytes of the source that stay in memory until the node under work is done.
   bool TakeHeld(std::uint64_t count) { return Take(held_, count); }
-  void BeginNode() { held_ = heldByNode_; }
 
   /// A text of so many bytes of the source: it is read and it stays.
   bool TakeText(std::uint64_t count) { return TakeBytes(count) && TakeHeld(count); }
@@ -64,8 +69,8 @@ class ContentAllowance {
   /// An attachment or embedded message.
   bool TakePart() { return Take(parts_, 1) && TakeHeld(kHeldByPart); }
 
-  /// A folder whose texts have so many UTF-16 units.
-  bool TakeFolder(std::uint64_t units) { return Take(folderBytes_, kFolderBytes + 2 * units); }
+  /// A text of so many UTF-16 units that stays in memory for the whole run.
+  bool TakeKept(std::uint64_t units) { return units <= kLongestName || Take(kept_, 2 * units); }
 
   /// A line of the report about something lost.
   bool TakeLoss() { return Take(losses_, 1); }
@@ -74,10 +79,11 @@ class ContentAllowance {
   static bool Take(std::uint64_t& left, std::uint64_t count);
 
   std::uint64_t bytes_ = 0;
+  std::uint64_t bytesOfNode_ = 0;
   std::uint64_t parts_ = 0;
   std::uint64_t heldByNode_ = 0;
   std::uint64_t held_ = 0;
-  std::uint64_t folderBytes_ = 0;
+  std::uint64_t kept_ = 0;
   std::uint64_t losses_ = 0;
 };
 

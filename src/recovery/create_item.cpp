@@ -12,7 +12,10 @@ namespace {
 
 Ref<RDOMail> AddItem(ItemRun& items, text::TextView messageClass) {
   auto item = items.state.targetFolder->Items()->Add(messageClass);
-  if (item) ++items.state.report.items[ToldClass(messageClass)];
+  if (!item) return item;
+  auto& created = items.state.report.items;
+  const auto known = created.find(text::Text(messageClass));
+  ++(known == created.end() ? created[ToldClass(items.state, messageClass)] : known->second);
   return item;
 }
 

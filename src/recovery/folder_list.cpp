@@ -37,9 +37,24 @@ std::vector<FolderRecord> FolderCollector::Take() {
   return result;
 }
 
-FolderList::FolderList(std::vector<FolderRecord> records) : records_(std::move(records)) {
+FolderList::FolderList(std::vector<FolderRecord> records)
+    : records_(std::move(records)), lastVisits_(records_.size(), 0) {
   byNid_.reserve(records_.size());
   for (std::size_t i = 0; i < records_.size(); ++i) byNid_.emplace(records_[i].nid, i);
+  parents_.reserve(records_.size());
+  for (const FolderRecord& record : records_) {
+    const auto at = byNid_.find(record.parentNid);
+    parents_.push_back(at == byNid_.end() ? kNone : at->second);
+  }
+}
+
+FolderRecord* FolderList::ParentOf(const FolderRecord& folder) {
+  const std::size_t parent = parents_[PlaceOf(folder)];
+  return parent == kNone ? nullptr : &records_[parent];
+}
+
+bool FolderList::Visit(const FolderRecord& folder) {
+  return std::exchange(lastVisits_[PlaceOf(folder)], walk_) != walk_;
 }
 
 FolderRecord* FolderList::Find(std::uint32_t nid) {

@@ -53,8 +53,22 @@ class FolderList {
   FolderRecord* Find(std::uint32_t nid);
   const FolderRecord* Find(std::uint32_t nid) const { return const_cast<FolderList*>(this)->Find(nid); }
 
+  /// The record of the folder's parent, without a search; null when there is none. `folder` is one of Records().
+  FolderRecord* ParentOf(const FolderRecord& folder);
+
+  /// A walk over folders: Visit is true of each of Records() once.
+  void BeginWalk() { ++walk_; }
+  bool Visit(const FolderRecord& folder);
+
  private:
+  std::size_t PlaceOf(const FolderRecord& folder) const { return static_cast<std::size_t>(&folder - records_.data()); }
+
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
   std::vector<FolderRecord> records_;
+  std::vector<std::size_t> parents_;       ///< of each record, as a place in records_
+  std::vector<std::uint64_t> lastVisits_;  ///< of each record, the walk
+  std::uint64_t walk_ = 0;
   std::unordered_map<std::uint32_t, std::size_t> byNid_;
 };
 

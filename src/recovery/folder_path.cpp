@@ -1,7 +1,6 @@
 #include "recovery/folder_path.h"
 
 #include <ranges>
-#include <unordered_set>
 #include <vector>
 
 #include "recovery/property_ids.h"
@@ -12,21 +11,20 @@ text::Text BuildFolderPath(FolderList& folders, std::uint32_t topFolderNid, std:
   if (nid == topFolderNid) return {};
 
   std::vector<const FolderRecord*> chain;  // from the folder upwards
-  std::unordered_set<std::uint32_t> seen;
   std::size_t length = 0;
-  for (std::uint32_t current = nid; current != topFolderNid && seen.insert(current).second;) {
-    FolderRecord* folder = folders.Find(current);
-    if (folder == nullptr) break;
+  folders.BeginWalk();
+  for (FolderRecord* folder = folders.Find(nid); folder != nullptr && folder->nid != topFolderNid;) {
     length += 1 + folder->name.size();
     if (!chain.empty() && (length > kLongestPath || chain.size() == kDeepestFolder)) break;
+    if (!folders.Visit(*folder)) break;
     chain.push_back(folder);
     NormaliseClass(*folder);
-    current = folder->parentNid;
-    if (current == kRootFolderNid) break;
+    folder = folder->parentNid == kRootFolderNid ? nullptr : folders.ParentOf(*folder);
   }
   if (chain.empty()) return text::Text(kLostFolderName);
 
   text::Text path;
+  path.reserve(length);
   for (const FolderRecord* folder : std::views::reverse(chain)) {
     path += u'\\';
     path += folder->name;

@@ -36,18 +36,23 @@ void Report(RecoveryState& state, LostObject lost) {
 
 }  // namespace
 
+text::Text ToldClass(RecoveryState& state, text::TextView messageClass) {
+  const bool whole = state.allowance.TakeKept(messageClass.size());
+  return text::Text(whole ? messageClass : messageClass.substr(0, ContentAllowance::kLongestName));
+}
+
 void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome) {
   if (outcome.saved) return;
   if (outcome.skip) ++state.report.skipped[*outcome.skip];
   if (outcome.skip == SkipReason::kRefusedClass) return;
   const bool isMessage =
       (nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
-  if (isMessage) Report(state, {nid, bidData, ToldClass(outcome.messageClass), text::Text(ReasonOf(outcome))});
+  if (isMessage) Report(state, {nid, bidData, ToldClass(state, outcome.messageClass), text::Text(ReasonOf(outcome))});
 }
 
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {
   if (record.outcome.saved || record.outcome.skip == SkipReason::kRefusedClass) return;
-  Report(state, {record.nid, record.bidData, ToldClass(record.outcome.messageClass),
+  Report(state, {record.nid, record.bidData, ToldClass(state, record.outcome.messageClass),
                  text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
 }
 

@@ -11,8 +11,9 @@ namespace velmora::recovery {
 /// The reason of what was not tried because the allowance was spent.
 inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it can hold";
 
-/// A message class as the report tells it: one that fills a block must not fill the report, node by node.
-inline text::Text ToldClass(text::TextView messageClass) { return text::Text(messageClass.substr(0, 255)); }
+/// A message class as the report tells it. One that fills a block must not fill the report, node by node: it is cut
+/// once that would be out of proportion to the store.
+text::Text ToldClass(RecoveryState& state, text::TextView messageClass);
 
 // What is lost is listed as long as the list is in proportion to the store, and only counted beyond that.
 

@@ -72,9 +72,13 @@ class FolderRecovery {
       engine_.encodingUnknown = !blocks_.DetectEncoding(record->bid, record->offset, record->size);
       if (engine_.encodingUnknown) return false;
     }
+    state_.allowance.BeginNode();
     auto properties = ParseFolderProperties(engine_, *record, *state_.codePage, state_.allowance);
     if (!properties || properties->name.empty()) return false;
-    if (!state_.allowance.TakeFolder(properties->name.size() + properties->containerClass.size())) return false;
+    ContentAllowance& allowance = state_.allowance;
+    if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
+      return false;
+    }
     if (properties->containerClass.empty()) properties->containerClass = u"IPF.Note";
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;
     folders_.AddFolderRecord(
