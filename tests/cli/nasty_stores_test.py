@@ -1,0 +1,76 @@
+"""Stores that were made to do harm: the program ends, says what is lost, and stays within its memory.
+
+    nasty_stores_test.py [PERCENT [NAME...]]   prints the figures of each store, at that part of its full size
+"""
+
+import json
+import os
+import pathlib
+import resource
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM = os.environ.get("VELMORA_CONVERT", "velmora-convert")
+FORGE = os.environ.get("VELMORA_FORGE_NASTY", "velmora-forge-nasty")
+SANITIZED = b"__asan_init" in pathlib.Path(PROGRAM).read_bytes() if os.path.exists(PROGRAM) else False
+
+PERCENT = 1
+LONGEST = 60  # seconds, of a build without optimisation; a reader that believes these stores takes hours or days
+MEMORY = 512 << 20  # all that the program may map
+
+
+def names():
+    return subprocess.run([FORGE], capture_output=True, text=True, check=True).stdout.split()
+
+
+def limit():
+    # A sanitizer maps terabytes that it never touches.
+    if not SANITIZED:
+        resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+
+
+def convert(name, percent, work, *options):
+    source, report, out = work / f"{name}.ost", work / "report.json", work / "out"
+    subprocess.run([FORGE, name, source, str(percent)], check=True)
+    report.unlink(missing_ok=True)
+    out.mkdir()
+    begin = time.monotonic()
+    ended = subprocess.run(
+        [PROGRAM, "--no-progress", "--report", report, *options, source, out],
+        capture_output=True, text=True, errors="replace", timeout=LONGEST * max(percent // 10, 1), preexec_fn=limit,
+        env={**os.environ, "XDG_CONFIG_HOME": str(work / "config")})
+    seconds = time.monotonic() - begin
+    written = sum(file.stat().st_size for file in out.rglob("*") if file.is_file())
+    told = json.loads(report.read_text("utf-8")) if report.exists() and report.stat().st_size else {}
+    return ended, told, seconds, source.stat().st_size, written
+
+
+class NastyStores(unittest.TestCase):
+    def test_the_program_ends_in_time_within_its_memory_and_tells_what_is_lost(self):
+        for name in names():
+            for mode in ((), ("--smart",)):
+                with self.subTest(store=name, mode=mode), tempfile.TemporaryDirectory() as work:
+                    ended, told, _, size, written = convert(name, PERCENT, pathlib.Path(work), *mode)
+                    self.assertIn(ended.returncode, (0, 3), ended.stderr)
+                    self.assertEqual(ended.returncode == 3, bool(told["lost"]))
+                    self.assertLess(written, max(600 * size, 40 << 20))
+
+
+def print_figures(percent, chosen):
+    print(f"{'store':30} {'MiB':>6} {'seconds':>8} {'peak MiB':>9} {'new MiB':>8} {'items':>8} {'lost':>8} exit")
+    for name in chosen or names():
+        with tempfile.TemporaryDirectory() as work:
+            ended, told, seconds, size, written = convert(name, percent, pathlib.Path(work))
+            print(f"{name:30} {size / 2**20:6.1f} {seconds:8.2f} {told.get('peakRssKiB', 0) / 1024:9.1f} "
+                  f"{written / 2**20:8.1f} {sum(told.get('items', {}).values()):8} {len(told.get('lost', [])):8} "
+                  f"{ended.returncode} {ended.stderr.strip()[-200:]}", flush=True)
+
+
+if __name__ == "__main__":
+    if len(sys.argv) > 1 and sys.argv[1].isdigit():
+        print_figures(int(sys.argv[1]), sys.argv[2:])
+    else:
+        unittest.main()
