@@ -5,7 +5,10 @@
 namespace velmora::recovery {
 
 void NormaliseClass(FolderRecord& folder) {
-  if (text::EqualIgnoringCase(folder.containerClass, u"IPF.Imap")) folder.containerClass = u"IPF.Note";
+  constexpr text::TextView kImap = u"IPF.Imap";
+  constexpr text::TextView kMail = u"IPF.Note";
+  if (folder.containerClass == kMail) return;  // nearly all: each path looks at all folders on its way
+  if (text::EqualIgnoringCase(folder.containerClass, kImap)) folder.containerClass = kMail;
 }
 
 void FolderCollector::AddFolderRecord(FolderRecord folder) {
