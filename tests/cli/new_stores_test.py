@@ -27,21 +27,25 @@ class NewStores(unittest.TestCase):
 
     def test_every_store(self):
         compared = 0
+        self.kinds_seen = set()
         for group, source in stores.all_stores():
             for options in ((), ("--smart",)) if group == "stores" else ((),):
                 with self.subTest(store=source.name, options=options), tempfile.TemporaryDirectory() as name:
                     work = pathlib.Path(name)
                     code, report, trace, said = stores.convert(source, work, *options)
                     self.assertIn(code, (65,) if report["refusal"] else (0, 3), said)
-                    self.compare(work, pathlib.Path(report["destination"]), trace)
+                    self.compare(work, report, trace)
                     compared += 1
         self.assertGreater(compared, 0)
+        self.assertLessEqual({*KINDS.values(), "Meeting"}, self.kinds_seen, "each kind was among them")
 
-    def compare(self, work, store, trace):
+    def compare(self, work, report, trace):
+        store = pathlib.Path(report["destination"])
         folders, items = stores.contents(trace)
         self.assertEqual(sorted(p.name for p in store.parent.iterdir()), [store.name], "and nothing beside it")
         self.check_tool(store, folders, items)
         self.check_pffexport(work, store, folders, items)
+        self.check_kinds(work, report)
         self.check_readpst(work, store, folders, items)
 
     def check_tool(self, store, folders, items):
@@ -70,6 +74,7 @@ class NewStores(unittest.TestCase):
         target = work / "pff"
         done = subprocess.run(["pffexport", "-q", "-m", "items", "-t", target, store], capture_output=True)
         self.assertEqual(done.returncode, 0, done.stderr)
+        (work / "pff.said").write_bytes(done.stdout + done.stderr)
         top = work / "pff.export" / TOP
         counts = collections.Counter()
         for path, names, _ in os.walk(top):
@@ -86,6 +91,20 @@ class NewStores(unittest.TestCase):
         self.check_files(exported, [p for p in top.rglob("Attachments/*") if p.is_file()])
         subjects = [subject_of(p) for p in top.rglob("Message*/OutlookHeaders.txt") if not is_item(p.parts[:-2])]
         self.assertEqual(sorted(subjects), sorted(plain(i.subject) for i in exported if i.message_class == "IPM.Note"))
+
+    def check_kinds(self, work, report):
+        """As many items of each kind as the report says, embedded ones among them. Where pffexport skips a class,
+        the class stands for the kind."""
+        wanted = collections.Counter()
+        for message_class, count in report["items"].items():
+            wanted[kind_of(message_class)] += count
+        found = collections.Counter(SKIPPED.findall((work / "pff.said").read_text("utf-8", "replace")))
+        for path in (work / "pff.export").rglob("*"):
+            item = ITEM.fullmatch(path.name)
+            if item and path.is_dir() and item[1] != "Attachment":
+                found[item[1]] += 1
+        self.assertEqual(wanted, found)
+        self.kinds_seen |= set(found)
 
     def check_files(self, items, files):
         """Every attached file of an item, its bytes unchanged; files of embedded messages come on top."""
@@ -111,7 +130,19 @@ class NewStores(unittest.TestCase):
 # It leaves items of other classes out without a word.
 PFFEXPORT_KNOWS = re.compile(r"IPM\.(Note|Contact|DistList|Task|Appointment|Schedule\.Meeting\..*|Activity|StickyNote)")
 
+# It names its folder of an item for the item's kind.
+KINDS = {
+    "IPM.Note": "Message", "IPM.Contact": "Contact", "IPM.DistList": "DistributionList", "IPM.Task": "Task",
+    "IPM.Appointment": "Appointment", "IPM.Activity": "Activity", "IPM.StickyNote": "Note",
+}
+ITEM = re.compile(r"([A-Z][A-Za-z]*?)[0-9]{5}")
+SKIPPED = re.compile(r"^Skipped item \d+ out of \d+ of type: (.*)\.$", re.MULTILINE)
+
 EMPTY = hashlib.sha256(b"").hexdigest()
+
+
+def kind_of(message_class):
+    return "Meeting" if message_class.startswith("IPM.Schedule.Meeting.") else KINDS.get(message_class, message_class)
 
 
 def is_item(parts):

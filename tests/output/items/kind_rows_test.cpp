@@ -76,6 +76,19 @@ TEST_P(EveryRow, WritesItsField) {
   }
 }
 
+TEST_P(EveryRow, IsHeldBackWhereReadsAnswerEmptyIfItIsAText) {
+  scope.storeKind = engine::StoreKind::kOst;
+  object->AnswerEveryReadWithWrittenAndEmpty();
+  const auto& [kind, row] = GetParam();
+  const bool isText = row.sort == 'T' || row.sort == 'O';
+  if (isText) ApplyText(kind.kind, row.id, u"some text");
+  if (row.sort == 'D') ApplyTime(kind.kind, row.id, kNewYear2020);
+  if (row.sort == 'F') Apply(kind.kind, row.id, kTypeBoolean, 1);
+  if (row.sort == 'N') Apply(kind.kind, row.id, kTypeLong, 1);
+  if (row.sort == 'S') Apply(kind.kind, row.id, kTypeShort, 1);
+  EXPECT_EQ(log.size(), isText ? 0u : 1u);
+}
+
 INSTANTIATE_TEST_SUITE_P(Tables, EveryRow, ::testing::ValuesIn(AllRows()), [](const auto& test) {
   return std::string(test.param.kind.name) + "_" + std::to_string(test.param.row.id) + "_" + test.param.row.operation +
          "_" + test.param.row.sort;

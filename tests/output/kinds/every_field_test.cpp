@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "output/kinds/conversion.h"
+#include "output/kinds/new_store.h"
 #include "output/kinds/pffexport.h"
 #include "output/kinds/source.h"
 
@@ -67,6 +68,17 @@ TEST_P(EveryField, ReadsBackThroughItsOperation) {
         << Shown(row) << (read.value.index() == 0 ? " reads " + text::ToUtf8(read.AsText()) : "");
   }
   EXPECT_EQ(conversion().Report().recovery.lost.size(), 0u);
+}
+
+TEST_P(EveryField, StandsInThePropertyOfItsSet) {
+  const NewStore store(conversion().Store());
+  auto messages = store.Messages();
+  ASSERT_EQ(messages.size(), 1u);
+  for (const Row& row : kind().rows) {
+    if (row.place == kBits) continue;
+    const Where place = row.place == kSame ? row.source : row.place;
+    EXPECT_EQ(store.Value(messages[0], place, KeyOf(row).type), BytesOf(row)) << Shown(row);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachSource, EveryField, testing::ValuesIn(Cases(SourceForms())), NameOf);

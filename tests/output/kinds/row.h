@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <span>
 
 #include "output/operations.h"
@@ -60,6 +61,7 @@ struct Kind {
   const char* peerName;     ///< of an item in pffexport's output
   const char* peerFile;     ///< its file of fields
   const char* readpstFile;  ///< null: readpst leaves out the kind
+  friend void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 /// All kinds; a meeting message and a distribution list are kinds of their own here.

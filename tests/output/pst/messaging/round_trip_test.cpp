@@ -49,7 +49,9 @@ bool IsLimited(Field field) {
 FieldValue ValueFor(const FieldInfo& info, text::TextView text, int number) {
   switch (info.type) {
     case FieldType::Text:
-      return IsRtf(info.field) ? Text(u"{\\rtf1 caf\u00e9 ") + text::FromUtf8(std::to_string(number)) + u"}"
+      // Each character of RTF is one of its bytes; others become escapes.
+      return IsRtf(info.field) ? Text(u"{\\rtf1 caf\u00e9 ") + text::FromUtf8(std::to_string(number)) +
+                                     Text(text.size(), u'\u00e9') + u"}"
                                : Text(text);
     case FieldType::Date:
       return OleDate{40000.0 + number + std::round(0.25 * 86400) / 86400};
