@@ -15,7 +15,6 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
     return;
   }
   items.subNodes = ReadSubNodeList(items.engine, record.bidSub);
-  items.state.allowance.TakeBytes(items.subNodes.size() * sizeof(SubNodeEntry));
   const bool hasBlock = items.blocks.FindBlockOrLower(record.bidData).has_value();
   if (!hasBlock) {
     record.outcome.skip = SkipReason::kNoBlock;
@@ -23,6 +22,8 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
   }
   const bool whole = WithinFrame([&] {
     const bool bodyInBounds = ProcessMessage(items, record.bidData, folderNid);
+    // Only now, since a long list must not take what the message itself may.
+    items.state.allowance.TakeBytes(items.subNodes.size() * sizeof(SubNodeEntry));
     if (bodyInBounds) HandleAttachments(items);
     if (!bodyInBounds) ReportUntriedAttachments(items, u"the body of its message is out of bounds");
   });

@@ -109,6 +109,18 @@ TEST_F(HostileStoresTest, NodesThatAllNameOneCommonBlockAreAllRead) {
   EXPECT_EQ(std::ranges::count(records_, std::pair(ItemKind::kMail, std::uint16_t{0x0E04})), 5000);
 }
 
+TEST_F(HostileStoresTest, AMessageIsReadThoughItsListOfSubNodesIsLong) {
+  std::vector<RecordSpec> records = {Wide(0x001A, u"IPM.Note"), Wide(0x0E04, std::u16string(20000, u'x'))};
+  for (int i = 0; i < 2000; ++i) records.push_back(Value(0x0E03, 0x001F, HidOf(3)));
+  AddMessage(records);  // takes all that is not each node's own
+  std::vector<SubNode> entries = {{0x671, 0, 0}};
+  for (std::uint32_t i = 0; i < 2000; ++i) entries.push_back({0x8025 + 32 * i, 0x7777, 0});
+  AddMessage({Wide(0x001A, u"IPM.Note")}, AddBlock(NewBid(), SubNodeBlock(entries)));
+  Recover();
+  EXPECT_EQ(Trace("AddItem").size(), 2u);
+  EXPECT_EQ(state_.report.lost.size(), 2000u);
+}
+
 TEST_F(HostileStoresTest, AMessageWithAClassInEveryRecordDoesNotBecomeAnItemForEach) {
   std::vector<RecordSpec> records = {Wide(0x001A, u"IPM.Note")};
   for (int i = 0; i < 5000; ++i) records.push_back(Value(0x001A, 0x001F, HidOf(2)));
