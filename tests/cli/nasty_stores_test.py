@@ -6,7 +6,6 @@
 import json
 import os
 import pathlib
-import resource
 import subprocess
 import sys
 import tempfile
@@ -26,10 +25,9 @@ def names():
     return subprocess.run([FORGE], capture_output=True, text=True, check=True).stdout.split()
 
 
-def limit():
-    # A sanitizer maps terabytes that it never touches.
-    if not SANITIZED:
-        resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+# A sanitizer maps terabytes that it never touches. The shell stands between, since a process tells the peak of the
+# one that it was made from as its own.
+SHELL = ["sh", "-c", ("" if SANITIZED else f"ulimit -v {MEMORY >> 10}; ") + '"$@"; exit $?', "sh"]
 
 
 def convert(name, percent, work, *options):
@@ -39,8 +37,8 @@ def convert(name, percent, work, *options):
     out.mkdir()
     begin = time.monotonic()
     ended = subprocess.run(
-        [PROGRAM, "--no-progress", "--report", report, *options, source, out],
-        capture_output=True, text=True, errors="replace", timeout=LONGEST * max(percent // 10, 1), preexec_fn=limit,
+        [*SHELL, PROGRAM, "--no-progress", "--report", report, *options, source, out],
+        capture_output=True, text=True, errors="replace", timeout=LONGEST * max(percent // 10, 1),
         env={**os.environ, "XDG_CONFIG_HOME": str(work / "config")})
     seconds = time.monotonic() - begin
     written = sum(file.stat().st_size for file in out.rglob("*") if file.is_file())
