@@ -101,7 +101,7 @@ void CMainFrame::StartConversion() {
 
 void CMainFrame::OnProgressPageEnded() {
   progressDialog = nullptr;
-  panes_->BodyPane().ReleaseFolder();
+  panes_->EndRun();
   if (!state_.skipExitPrompt) ShowStartPage();
 }
 

@@ -60,6 +60,51 @@ TEST(UPDialogTest, ShowsWhatTheFunctionSends) {
   EXPECT_EQ(dialog.windowTitle(), "Caption");
 }
 
+TEST(UPDialogTest, ItsMessagesHaveTheirNumbers) {
+  EXPECT_EQ(CUPDialog::kLockMessage, 2258u);
+  EXPECT_EQ(CUPDialog::kEndMessage, 2259u);
+  EXPECT_EQ(CUPDialog::kPositionMessage, 2260u);
+  EXPECT_EQ(CUPDialog::kTextMessage, 2261u);
+  EXPECT_EQ(CUPDialog::kCancelMessage, 2262u);
+  EXPECT_EQ(CUPDialog::kPercentMessage, 2263u);
+}
+
+TEST(UPDialogTest, ACancelOfTheFunctionsOwnIsACancel) {
+  bool heard = false;
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    link.Send(CUPDialog::kCancelMessage, 0);
+    heard = link.IsCancelled();
+    return true;
+  });
+  EXPECT_EQ(dialog.Run(), 0x10002) << "whatever the function gave";
+  EXPECT_TRUE(heard);
+}
+
+TEST(UPDialogTest, WhileItClosesItSaysSoAndHasNoOtherWayOut) {
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    link.Send(CUPDialog::kTextMessage, 0, "Loading...");
+    Meanwhile(link, &dialog, [&] { dialog.reject(); });
+    WaitUntil([&] { return link.IsCancelled(); });
+    link.Send(CUPDialog::kTextMessage, 0, "Loading...");
+    return true;
+  });
+  EXPECT_EQ(dialog.Run(), 0x10002);
+  EXPECT_EQ(dialog.findChild<QLabel*>("1026")->text(), "Closing...") << "nothing is told after a cancel";
+  EXPECT_FALSE(dialog.findChild<QPushButton*>("2")->isEnabled());
+  EXPECT_EQ(dialog.findChild<QPushButton*>("2")->text(), "&Cancel");
+}
+
+TEST(UPDialogTest, IsModalToTheWindowThatOwnsIt) {
+  QWidget owner;
+  bool modal = false;
+  CUPDialog dialog(&owner, "Caption", [&](const Link& link) {
+    return link.Call([&] { modal = dialog.isModal() && QApplication::activeModalWidget() == &dialog; });
+  });
+  EXPECT_EQ(dialog.Run(), 1);
+  EXPECT_TRUE(modal);
+  EXPECT_EQ(dialog.parentWidget(), &owner);
+}
+
 TEST(UPDialogTest, EndMessageEndsTheDialogWithItsNumber) {
   CUPDialog dialog(nullptr, "Caption", [](const Link& link) {
     link.Send(CUPDialog::kEndMessage, 77);

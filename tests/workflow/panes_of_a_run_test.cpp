@@ -134,6 +134,16 @@ TEST_F(PanesOfARunTest, OpenAnyFolderOfTheNewStoreOnceItIsFinished) {
   EXPECT_TRUE(IsPage<CCustomDlg>()) << "and nothing but the page was seen";
 }
 
+TEST_F(PanesOfARunTest, LetTheStoreGoWhenThePageIsLeft) {
+  Convert();
+  Select(Folders().front());
+  EXPECT_TRUE(State().previewSession);
+  Press(kFinishId);
+  EXPECT_FALSE(State().previewSession);
+  Select(Folders().back());
+  EXPECT_TRUE(State().previewSession) << "it is opened again";
+}
+
 TEST_F(PanesOfARunTest, TheNextRunFillsThemAnew) {
   Convert();
   const std::size_t folders = Folders().size();

@@ -43,6 +43,7 @@ CDisplayBody::CDisplayBody(QWidget* parent, std::shared_ptr<FinishedStore> store
   colours.setColor(QPalette::Base, Qt::white);
   colours.setColor(QPalette::Text, Qt::black);
   setPalette(colours);
+  document()->setDefaultStyleSheet(QStringLiteral("a[href] { color: #0b57d0; }"));
 }
 
 void CDisplayBody::OnMessage(const engine::RunMessage& message) {

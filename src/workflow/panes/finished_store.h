@@ -33,7 +33,13 @@ class FinishedStore {
     return read(*session_);
   }
 
-  /// The file is in use no longer than until the last object read from it goes.
+  /// The file is in use no longer than until the last object read from it goes. The next read opens it again.
+  void LetGo() {
+    const std::lock_guard lock(mutex_);
+    session_.Release();
+  }
+
+  /// The same, and no store is meant any more.
   void Close() { Use({}); }
 
  private:

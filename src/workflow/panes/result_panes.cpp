@@ -65,6 +65,11 @@ void ResultPanes::BeginRun() {
   store_->Close();
 }
 
+void ResultPanes::EndRun() {
+  body_->ReleaseFolder();
+  store_->LetGo();
+}
+
 void ResultPanes::OnMessage(const engine::RunMessage& message) {
   switch (message.code) {
     case engine::MSG_STAGE:
@@ -102,9 +107,15 @@ void ResultPanes::OnMessage(const engine::RunMessage& message) {
 bool ResultPanes::ShowsGrid() const { return upper_->currentWidget() == grid_; }
 
 void ResultPanes::SwapPane(bool toList) {
+  if (toList != ShowsGrid()) return;
+  // The pane that goes takes what it holds along.
   if (toList) {
+    grid_->OnMessage({.code = kClearGridMessage});
+    if (!list_->HasColumns()) list_->BuildColumns();
     upper_->setCurrentWidget(list_);
   } else {
+    list_->StopListing();
+    list_->OnMessage({.code = engine::MSG_CLEAR_LIST});
     upper_->setCurrentWidget(grid_);
   }
 }

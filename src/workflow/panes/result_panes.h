@@ -30,6 +30,9 @@ class ResultPanes : public QSplitter {
   /// Ahead of each run: shows folders and body, builds what is built once, and forgets the last result.
   void BeginRun();
 
+  /// Once the page of a run is left: the file of the new store is in use no longer, until a folder is opened.
+  void EndRun();
+
   /// Every message of a run and every message of the panes, in the thread of the windows; those that are
   /// meant for nobody here are passed over. During a run the worker waits meanwhile.
   void OnMessage(const engine::RunMessage& message);

@@ -1,5 +1,7 @@
 #include "workflow/panes/display_body.h"
 
+#include <QTextCursor>
+
 #include "workflow/panes/body_fixture.h"
 
 namespace velmora::workflow {
@@ -25,6 +27,28 @@ TEST_F(DisplayBodyTest, ThePlainBodyGoesToTheDocumentAsItStands) {
   AddMail({{Field::Body, u"one\r\ntwo <b>three</b> &amp; <four@five>"}});
   Show(0);
   EXPECT_EQ(Shown(), "one two three & ") << "as if it were HTML";
+}
+
+TEST_F(DisplayBodyTest, TextAndLinksCanBeReadUnderADarkThemeToo) {
+  const QPalette before = QApplication::palette();
+  QPalette dark(QColor(40, 40, 40), QColor(30, 30, 30));
+  dark.setColor(QPalette::Link, QColor(150, 190, 255));
+  QApplication::setPalette(dark);
+  CDisplayBody body(nullptr, finished_, selection_);
+  AddMail({{Field::HTMLBody, u"text <a href='http://a.example'>link</a> <a name=x>place</a>"}});
+  selection_.selected = 0;
+  body.OnMessage({.code = 32848, .text = PathOf(u"Inbox")});
+  QApplication::setPalette(before);
+  const auto colourOf = [&](const char* word) {
+    const QColor own = body.document()->find(word).charFormat().foreground().color();
+    return body.document()->find(word).charFormat().hasProperty(QTextFormat::ForegroundBrush)
+               ? own
+               : body.palette().color(QPalette::Text);
+  };
+  EXPECT_GT(body.palette().color(QPalette::Base).lightness(), 200);
+  for (const char* word : {"text", "link", "place"}) EXPECT_LT(colourOf(word).lightness(), 120) << word;
+  EXPECT_NE(colourOf("link"), colourOf("text"));
+  EXPECT_EQ(colourOf("place"), colourOf("text"));
 }
 
 /// An item of any size, which has both bodies.
@@ -61,6 +85,7 @@ class SizedSession : public output::RDOSession,
   output::Ref<output::RDOFolder> GetDefaultFolder(output::DefaultFolder) override { return nullptr; }
   output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView) override {
     ++opened;
+    if (meanwhile) meanwhile();
     return shared_from_this();
   }
   output::Ref<output::RDOItems> Items() override { return shared_from_this(); }
@@ -77,6 +102,7 @@ class SizedSession : public output::RDOSession,
   output::Ref<output::RDOMail> GetNext() override { return std::make_shared<SizedItem>(size_); }
 
   int opened = 0, started = 0;
+  std::function<void()> meanwhile;
 
  private:
   std::int32_t size_;
@@ -149,6 +175,18 @@ TEST_F(DisplayBodyTest, AnItemThatCannotBeReadShowsNoOtherOnesBody) {
   EXPECT_EQ(Shown(), "");
   Show(0);
   EXPECT_EQ(Shown(), "first");
+}
+
+TEST_F(DisplayBodyTest, ASecondCallDuringTheFirstDoesNothing) {
+  auto session = std::make_shared<SizedSession>(1);
+  output::Ref<output::RDOSession> held;
+  auto store = std::make_shared<FinishedStore>(held, [&](text::TextView) { return session; });
+  selection_.rows = 3;
+  CDisplayBody body(nullptr, store, selection_);
+  session->meanwhile = [&] { body.OnMessage({.code = 32848, .text = u"other"}); };
+  body.OnMessage({.code = 32848, .text = u"any"});
+  EXPECT_EQ(session->opened, 1);
+  EXPECT_EQ(body.toPlainText(), "html");
 }
 
 TEST_F(DisplayBodyTest, TheNextItemOfAFolderNeedsNoSecondOpening) {

@@ -68,12 +68,14 @@ class LargeFolderTest : public testing::Test {
 
   LargeFolderTest() { finished_->Use(StorePath()); }
 
-  static void Print(const char* what, qint64 time, qint64 longest) {
-    std::printf("%d items, %s: %lld ms, longest wait of the windows %lld ms, peak memory %llu KiB\n", kItems, what,
-                static_cast<long long>(time), static_cast<long long>(longest),
-                static_cast<unsigned long long>(platform::PeakRssKiB()));
+  void Print(const char* what, qint64 time, qint64 longest) const {
+    const std::uint64_t peak = platform::PeakRssKiB();
+    std::printf("%d items, %s: %lld ms, longest wait of the windows %lld ms, peak memory %llu KiB, %llu of it new\n",
+                kItems, what, static_cast<long long>(time), static_cast<long long>(longest),
+                static_cast<unsigned long long>(peak), static_cast<unsigned long long>(peak - peakBefore_));
   }
 
+  const std::uint64_t peakBefore_ = platform::PeakRssKiB();
   static inline std::unique_ptr<platform::TemporaryFolder> folder_;
   output::Ref<output::RDOSession> session_;
   std::shared_ptr<FinishedStore> finished_ = std::make_shared<FinishedStore>(session_, [](text::TextView path) {

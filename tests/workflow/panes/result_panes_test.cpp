@@ -53,6 +53,23 @@ TEST_F(ResultPanesTest, TheListIsSwappedForTheGridAndBack) {
   EXPECT_FALSE(panes_.ShowsGrid());
 }
 
+TEST_F(ResultPanesTest, APaneThatComesBackIsEmpty) {
+  panes_.BeginRun();
+  panes_.OnMessage({.code = 32832, .number = 1, .text = u"Ann"});
+  panes_.OnMessage({.code = 32786, .number = 1});
+  EXPECT_EQ(panes_.ListPane().RowCount(), 1) << "the list is there already";
+  panes_.OnMessage({.code = 32786, .number = 0});
+  panes_.OnMessage({.code = 32786, .number = 1});
+  EXPECT_EQ(panes_.ListPane().RowCount(), 0);
+  EXPECT_TRUE(panes_.ListPane().HasColumns());
+}
+
+TEST_F(ResultPanesTest, TheListThatComesBackHasItsColumns) {
+  panes_.OnMessage({.code = 32786, .number = 0});
+  panes_.OnMessage({.code = 32786, .number = 1});
+  EXPECT_TRUE(panes_.ListPane().HasColumns());
+}
+
 TEST_F(ResultPanesTest, ARunFillsTheTreeAndStreamsItsMails) {
   int rows = 0;
   QObject::connect(panes_.ListPane().model(), &QAbstractItemModel::rowsInserted,
