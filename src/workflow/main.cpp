@@ -16,6 +16,8 @@ namespace {
 int main(int argc, char** argv) {
   // Between whole factors of scale a display keeps its dots per inch, so the pages have the size of its class.
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
+  // The first word is the program's name; the others are not for Qt either.
+  argc = 1;
   QApplication qt(argc, argv);
   QApplication::setApplicationName(QStringLiteral("velmora"));
   QApplication::setDesktopFileName(QStringLiteral("example.velmora.convert"));

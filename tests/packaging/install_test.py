@@ -14,6 +14,7 @@ ID = "example.velmora.convert"
 EXPECTED = {
     "bin/velmora",
     "bin/velmora-convert",
+    "vm-oxp.html",
     *(f"Lang/{language}.INI" for language in ("English", "French", "German", "Italian", "Spanish")),
     f"share/applications/{ID}.desktop",
     f"share/metainfo/{ID}.metainfo.xml",
@@ -97,8 +98,9 @@ class Install(unittest.TestCase):
         helper = self.prefix / "vmupdate.EXE"
         helper.write_text(f'#!/bin/sh\necho "$@" >"{said}.new"\nmv "{said}.new" "{said}"\n')
         helper.chmod(0o755)
-        wizard = subprocess.Popen([self.prefix / "bin/velmora"], env={**self.environment, "QT_QPA_PLATFORM": "offscreen"},
-                                  stderr=subprocess.PIPE)
+        # Words on its command line are not read, by the windows' library neither.
+        wizard = subprocess.Popen([self.prefix / "bin/velmora", "-platform", "none", "/mail.ost"],
+                                  env={**self.environment, "QT_QPA_PLATFORM": "offscreen"}, stderr=subprocess.PIPE)
         try:
             self.assertTrue(comes(said.exists), wizard.poll())
             self.assertEqual(said.read_text(), "/SilentCheck /NoIcon /NoUpdateSelf\n")
@@ -109,17 +111,24 @@ class Install(unittest.TestCase):
             wizard.send_signal(signal.SIGTERM)
             wizard.communicate(timeout=60)
 
-    def test_the_wizard_finds_its_languages(self):
+    def test_the_wizard_finds_guide_and_languages(self):
         for program in ("Xvfb", "openbox", "xdotool"):
             self.assertIsNotNone(shutil.which(program), f"{program} is needed")
         (self.prefix / "settings.ini").write_text("[OST to PST Texts]\nIDS_LANGUAGE=2\n")
+        opened = self.home / "opened"
+        tools = self.home / "tools"
+        tools.mkdir()
+        (tools / "xdg-open").write_text(f'#!/bin/sh\necho "$1" >"{opened}.new"\nmv "{opened}.new" "{opened}"\n')
+        (tools / "xdg-open").chmod(0o755)
         with Screen() as screen:
-            wizard = self.start_wizard(screen)
+            wizard = self.start_wizard(screen, PATH=f"{tools}:{os.environ['PATH']}")
             try:
                 screen.expect("Velmora Convert OST to PST")
-                # From the start page to the search, which has the menu.
+                # From the start page to the search, which has the menu; its first entry is the guide.
+                self.assertTrue(screen.works(opened.exists, "alt+f", "alt+e", "h"))
+                self.assertEqual(opened.read_text(), f"{self.prefix}/vm-oxp.html\n")
                 about = "Info über Velmora Convert OST to PST"
-                self.assertTrue(screen.works(lambda: screen.title() == about, "alt+f", "alt+e", "a"), screen.title())
+                self.assertTrue(screen.works(lambda: screen.title() == about, "alt+e", "a"), screen.title())
             finally:
                 end(wizard)
                 (self.prefix / "settings.ini").unlink()

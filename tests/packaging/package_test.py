@@ -23,6 +23,7 @@ EXPECTED = {
     },
     "velmora": {
         "./opt/velmora/bin/velmora",
+        "./opt/velmora/vm-oxp.html",
         *(f"./opt/velmora/Lang/{language}.INI" for language in ("English", "French", "German", "Italian", "Spanish")),
         "./usr/bin/velmora -> /opt/velmora/bin/velmora",
         f"./usr/share/applications/{ID}.desktop",
