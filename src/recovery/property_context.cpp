@@ -86,9 +86,10 @@ PropertyContext::Fault PropertyContext::Open(engine::EngineState& engine, const 
   }
 
   // The entry behind the root's in the page map: that the array was allocated right behind the tree header is
-  // all that the name-to-id reader goes by.
+  // all that the name-to-id reader goes by. Whether that entry lies in the block is not asked.
+  const std::uint64_t rootPosition = HeapPosition(header_.ibHnpm, header_.hidUserRoot);
   const auto records = rules.recordsFollowRoot
-                           ? ReadHeapRange(block_, HeapPosition(header_.ibHnpm, header_.hidUserRoot) + 2)
+                           ? HeapRange{block_.U16(rootPosition + 2), block_.U16(rootPosition + 4)}
                            : RangeOf(block_, header_.ibHnpm, block_.U32(root->start + 4u), rules.emptyEnd);
   if (!records || records->start > records->end || records->end > block_.Size()) return Fault::kRecordRange;
   records_ = *records;

@@ -327,5 +327,15 @@ TEST_F(NameMapTest, ListsThatNameThemselvesEnd) {
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8001u);
 }
 
+TEST_F(NameMapTest, APageMapThatIsCutOffInItsLastNumberIsReadAsIfZerosFollowed) {
+  Bytes block = HeapBlock({Value(0x0001, 0x0003, 251)});
+  block.pop_back();  // the end of the records is below 256
+  AddBlock(8, block);
+  AddBlock(12, SubNodeBlock({{0x3F, 16, 0}}));
+  AddBlock(16, Entry(0x8503, 1));
+  Read(8, 12);
+  EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u) << "too few records: the block walks come next";
+}
+
 }  // namespace
 }  // namespace velmora::recovery
