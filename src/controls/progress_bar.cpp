@@ -24,10 +24,11 @@ void ProgressBar::paintEvent(QPaintEvent*) {
   colour.setColorAt(0, QColor("#3D7BFF"));
   colour.setColorAt(1, QColor("#12B5A6"));
   painter.setClipPath(shape);
+  // Never less than a full round end.
   QRectF done = groove;
-  done.setWidth(groove.width() * value() / 100);
+  done.setWidth(2 * radius + (groove.width() - 2 * radius) * value() / 100);
   QPainterPath filled;
-  filled.addRoundedRect(done.adjusted(-radius, 0, 0, 0), radius, radius);
+  filled.addRoundedRect(done, radius, radius);
   if (value() > 0) painter.fillPath(filled, colour);
   painter.setClipping(false);
   painter.setPen(QPen(QColor("#C8D5E8"), 1));

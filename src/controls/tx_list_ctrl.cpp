@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyledItemDelegate>
 #include <algorithm>
 #include <iterator>
 
@@ -14,19 +13,7 @@ namespace velmora::controls {
 
 namespace {
 
-constexpr int kInset = 5;  // of a row's text, so that it stands below that of the header
-
-/// Draws a row's text a little away from the edge.
-class InsetRow : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
-  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    QStyleOptionViewItem inset(option);
-    inset.rect.adjust(kInset, 0, 0, 0);
-    QStyledItemDelegate::paint(painter, inset, index);
-  }
-};
+constexpr int kInset = 8;  // of a row's text, so that it stands below that of the header
 
 }  // namespace
 
@@ -39,7 +26,6 @@ CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRow
   setEditTriggers(NoEditTriggers);
   setTextElideMode(Qt::ElideMiddle);
   rows_->SetRowHeight(fontMetrics().height() * 8 / 5);
-  setItemDelegate(new InsetRow(this));
   header()->setStretchLastSection(true);
   header()->setSectionsClickable(false);
 }
@@ -54,10 +40,14 @@ void CTXListCtrl::SetHint(const QString& hint) {
 QColor CTXListCtrl::StripeOf(int row) { return row % 2 == 1 ? QColor(255, 255, 255) : QColor(232, 232, 244); }
 
 void CTXListCtrl::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  // A row is its stripe and one text: nothing of the style's own, which puts a sheen on chosen rows.
   const bool chosen = selectionModel()->isSelected(index);
-  painter->fillRect(option.rect,
-                    chosen ? palette().color(QPalette::Active, QPalette::Highlight) : StripeOf(index.row()));
-  QTreeView::drawRow(painter, option, index);
+  const auto group = isEnabled() ? QPalette::Active : QPalette::Disabled;
+  painter->fillRect(option.rect, chosen ? palette().color(group, QPalette::Highlight) : StripeOf(index.row()));
+  painter->setPen(palette().color(group, chosen ? QPalette::HighlightedText : QPalette::Text));
+  const QRect place = option.rect.adjusted(kInset, 0, -kInset, 0);
+  painter->drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
+                    fontMetrics().elidedText(rows_->TextAt(index.row()), textElideMode(), place.width()));
 }
 
 void CTXListCtrl::paintEvent(QPaintEvent* event) {

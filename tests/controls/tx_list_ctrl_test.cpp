@@ -53,6 +53,17 @@ TEST_F(TxListCtrlTest, RowsAreStripedFromAPaleFirstRow) {
   EXPECT_EQ(colourOf(1), QColor(255, 255, 255));
 }
 
+TEST_F(TxListCtrlTest, AChosenRowIsOfOneColour) {
+  list_.Rows().Append({"/a.ost", "/b.ost"});
+  QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, MiddleOf(1));
+  const QImage seen = list_.viewport()->grab().toImage();
+  const QRect place = list_.visualRect(list_.model()->index(1, 0));
+  const QColor colour = list_.palette().color(QPalette::Active, QPalette::Highlight);
+  for (const QPoint& corner : {place.topLeft(), place.topRight(), place.bottomLeft(), place.bottomRight()}) {
+    EXPECT_EQ(seen.pixelColor(corner), colour);
+  }
+}
+
 TEST_F(TxListCtrlTest, AnEmptyListWithoutAHintShowsJustItsColour) {
   const QImage seen = list_.viewport()->grab().toImage();
   const QColor colour = list_.palette().color(QPalette::Active, QPalette::Base);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QMouseEvent>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace velmora::controls {
@@ -41,9 +43,32 @@ TEST_F(XSkinButtonTest, OneOfTheRadiosIsChecked) {
   QTest::mouseClick(&smart_, Qt::LeftButton);
   EXPECT_TRUE(smart_.isChecked());
   EXPECT_FALSE(normal_.isChecked());
-  QTest::mouseDClick(&normal_, Qt::LeftButton);
-  QTest::mouseRelease(&normal_, Qt::LeftButton);
-  EXPECT_TRUE(normal_.isChecked()) << "a double click counts as a click";
+}
+
+TEST_F(XSkinButtonTest, ADoubleClickCountsAsAClick) {
+  QSignalSpy clicks(&smart_, &QAbstractButton::clicked);
+  const QPointF place(10, 10);
+  QMouseEvent twice(QEvent::MouseButtonDblClick, place, smart_.mapToGlobal(place), Qt::LeftButton, Qt::LeftButton, {});
+  QApplication::sendEvent(&smart_, &twice);
+  QTest::mouseRelease(&smart_, Qt::LeftButton, {}, place.toPoint());
+  EXPECT_EQ(clicks.count(), 1);
+  EXPECT_TRUE(smart_.isChecked());
+}
+
+TEST_F(XSkinButtonTest, LeavingIsNoClickAndTakesThePushedLookAway) {
+  const auto move = [this](QPointF place) {
+    QMouseEvent event(QEvent::MouseMove, place, smart_.mapToGlobal(place), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(&smart_, &event);
+  };
+  QTest::mousePress(&smart_, Qt::LeftButton, {}, QPoint(10, 10));
+  EXPECT_EQ(smart_.ShownPicture(), 219);
+  move(QPointF(10, 200));
+  EXPECT_EQ(smart_.ShownPicture(), 220);
+  move(QPointF(12, 12));
+  EXPECT_EQ(smart_.ShownPicture(), 219) << "and is taken back by coming back";
+  move(QPointF(10, 200));
+  QTest::mouseRelease(&smart_, Qt::LeftButton, {}, QPoint(10, 200));
+  EXPECT_FALSE(smart_.isChecked());
 }
 
 TEST_F(XSkinButtonTest, ADisabledRadioShowsItsDisabledPicture) {

@@ -95,6 +95,32 @@ Xvfb -displayfd 3 -screen 0 1400x1000x24 -nolisten tcp 2>"$work/xvfb.log" &
 started+=($!)
 until_so "the display" display_number
 export DISPLAY=:$number
+mkdir -p "$work/config/openbox" "$home/.themes/Plain/openbox-3"
+cat >"$work/config/openbox/rc.xml" <<'END'
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <focus><focusNew>yes</focusNew></focus>
+  <placement><policy>Smart</policy><center>yes</center></placement>
+  <theme><name>Plain</name><titleLayout>NLIC</titleLayout></theme>
+  <keyboard><keybind key="A-F4"><action name="Close"/></keybind></keyboard>
+</openbox_config>
+END
+cat >"$home/.themes/Plain/openbox-3/themerc" <<'END'
+border.width: 1
+border.color: #9FB0C8
+padding.width: 8
+padding.height: 7
+window.client.padding.width: 0
+window.client.padding.height: 0
+window.*.title.separator.color: #D5DEEB
+window.*.title.bg: flat solid
+window.*.title.bg.color: #E9EEF6
+window.*.label.bg: parentrelative
+window.active.label.text.color: #14284A
+window.inactive.label.text.color: #7688A6
+window.*.handle.width: 0
+window.*.button.*.bg: parentrelative
+window.*.button.*.image.color: #4A5D7E
+END
 openbox >"$work/openbox.log" 2>&1 &
 started+=($!)
 until_so "the window manager" xdotool get_desktop
@@ -186,10 +212,10 @@ by_key alt+c "the stop question" in_dialog '^Confirmation$'
 shot stop
 by_key alt+n "the progress page" on_page CProgressDlg
 shot progress
+until_so "the new store" test -s "$home/Documents/outlook Converted0/outlook Converted.pst"
 by_key alt+c "the stop question" in_dialog '^Confirmation$'
 by_key alt+y "the start page" on_page CCustomDlg
 [ ! -s "$work/opened" ] || fail "a stopped run opened $(cat "$work/opened")"
-[ -s "$home/Documents/outlook Converted0/outlook Converted.pst" ] || fail "the stopped run left no store"
 
 # Again from the start, to the end. The folder of the first run would be in the way.
 mv "$home/Documents/outlook Converted0" "$work/stopped"
