@@ -15,7 +15,7 @@ test_packages=(
   ccache libgtest-dev libgmock-dev libbenchmark-dev python3
   pst-utils pff-tools
   dpkg-dev mandoc bash-completion zsh desktop-file-utils appstream shared-mime-info libxml2-utils lintian
-  xvfb openbox xdotool
+  xvfb openbox xdotool x11-utils
 )
 
 # need PACKAGE...: installs those that are missing; asks for nothing when all are there.

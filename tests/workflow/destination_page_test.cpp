@@ -19,7 +19,7 @@ class DestinationPageTest : public WizardTest {
   void Open(TemplateId previous = kBrowseTemplate) {
     machine_.run = [](conversion::COutLook&, conversion::RunState&) { return conversion::RunEnd::kEndedEarly; };
     if (frame_ == nullptr) Start();
-    CurrentPage().hide();
+    LeavePage();
     frame_->OpenDestinationPage(previous);
   }
 
@@ -135,7 +135,7 @@ TEST_F(DestinationPageTest, BackAndForthLosesTheShownPathButNotTheDestination) {
   const auto folder = MakeFolder("out");
   Pick(folder);
   Press(kBackId);
-  frame_->CurrentPage()->hide();
+  LeavePage();
   frame_->OpenDestinationPage(kBrowseTemplate);
   EXPECT_EQ(Shown(), "");
   EXPECT_FALSE(CanConvert());

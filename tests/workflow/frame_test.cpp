@@ -34,7 +34,7 @@ class FrameTest : public WizardTest {
   void TearDown() override { frame_->EndWorkers(); }
 
   void Convert() {
-    CurrentPage().hide();
+    LeavePage();
     State().destinationPath = u"/out";
     frame_->StartConversion();
   }
@@ -129,7 +129,7 @@ TEST_F(FrameTest, TheConvertCommandNeedsASource) {
   frame_->OnCommand(kConvertCommand);
   EXPECT_EQ(frame_->WorkerThread(), nullptr);
   State().sourcePath = u"/mail.ost";
-  CurrentPage().hide();
+  LeavePage();
   frame_->OnCommand(kConvertCommand);
   EXPECT_TRUE(IsPage<CProgressDlg>());
 }
@@ -212,7 +212,7 @@ TEST_F(FrameTest, AnErrorNoticeIsTakenAndDoesNothing) {
 }
 
 TEST_F(FrameTest, AMessageStartsTheConversion) {
-  CurrentPage().hide();
+  LeavePage();
   State().destinationPath = u"/out";
   frame_->OnFrameMessage(kStartConversionMessage);
   EXPECT_TRUE(IsPage<CProgressDlg>());
@@ -252,7 +252,7 @@ TEST_F(FrameTest, APaneIsSwappedByAMessage) {
 
 TEST_F(FrameTest, WithoutADestinationNothingStartsAndNoWindowIsLeft) {
   for (const char16_t* destination : {u"", u"cancel"}) {
-    if (frame_->CurrentPage() != nullptr) frame_->CurrentPage()->hide();
+    LeavePage();
     State().destinationPath = destination;
     frame_->StartConversion();
     EXPECT_TRUE(IsNowhere());

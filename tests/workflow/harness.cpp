@@ -186,7 +186,7 @@ void WizardTest::OnEachPage(const std::function<void(Page&)>& look) {
                                            [this] { frame_->OpenFindPage(); }, [this] { frame_->OpenProfilePage(); },
                                            [this] { frame_->OpenDestinationPage(resources::kBrowseTemplate); }};
   for (const auto& open : openers) {
-    CurrentPage().hide();
+    LeavePage();
     open();
     Settle();
     look(CurrentPage());

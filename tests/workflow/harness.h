@@ -134,6 +134,9 @@ class WizardTest : public testing::Test {
   /// Presses a key on the current page.
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 
+  /// Takes the current page away, if there is one, as if it had ended.
+  void LeavePage() { delete frame_->CurrentPage(); }
+
   /// Opens each page in turn and hands it over; the progress page last, without a run.
   void OnEachPage(const std::function<void(Page&)>& look);
 

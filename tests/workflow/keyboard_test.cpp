@@ -196,7 +196,7 @@ TEST_F(KeyboardTest, ARunIsStoppedAndLetGoOnByKeys) {
     }
     return conversion::RunEnd::kStopped;
   };
-  CurrentPage().hide();
+  LeavePage();
   State().destinationPath = u"/out";
   frame_->StartConversion();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&CurrentPage()));

@@ -38,7 +38,7 @@ class LookTest : public WizardTest {
 
   void UseDisplay(int dpi) {
     frame_->DpiX = frame_->DpiY = dpi;
-    CurrentPage().hide();
+    LeavePage();
     frame_->OpenDestinationPage(kBrowseTemplate);
   }
 

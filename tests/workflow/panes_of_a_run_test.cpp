@@ -37,7 +37,7 @@ class PanesOfARunTest : public WizardTest {
     forge::ForgeDemoStore(forge::DemoState::kSound).Save(source);
     const auto destination = machine_.folder.Path() / ("out" + std::to_string(++runs_));
     std::filesystem::create_directory(destination);
-    CurrentPage().hide();
+    LeavePage();
     State().sourcePath = FromQt(PathToQt(source));
     State().sourceFileName = u"mail.ost";
     State().destinationPath = FromQt(PathToQt(destination));

@@ -16,7 +16,7 @@ class ProfilePageTest : public WizardTest {
   void Open() {
     machine_.profileFolders = {machine_.folder.Path() / "outlook", machine_.folder.Path() / "wine"};
     Start();
-    CurrentPage().hide();
+    LeavePage();
     frame_->OpenProfilePage();
   }
   CTXListCtrl& List() { return Control<CTXListCtrl>(kFileListId); }
@@ -45,7 +45,7 @@ TEST_F(ProfilePageTest, HasItsOwnSizeOnEveryDisplay) {
   Open();
   EXPECT_EQ(CurrentPage().size(), QSize(815, 516));
   frame_->DpiX = frame_->DpiY = 144;
-  CurrentPage().hide();
+  LeavePage();
   frame_->OpenProfilePage();
   EXPECT_EQ(CurrentPage().size(), QSize(815, 516));
 }

@@ -21,7 +21,7 @@ class ProgressPageTest : public WizardTest {
       return script_(outLook, state);
     };
     Start();
-    CurrentPage().hide();
+    LeavePage();
     Convert();
   }
   void TearDown() override { frame_->EndWorkers(); }
@@ -251,7 +251,7 @@ TEST_F(ProgressPageTest, EnterLeavesThePageEvenFromAButton) {
 
 TEST_F(ProgressPageTest, ARunBesideOneThatWasLeftWaitsForItsEnd) {
   Key(Qt::Key_Escape);
-  CurrentPage().hide();
+  LeavePage();
   Convert();
   ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   QTest::qWait(60);
@@ -263,7 +263,7 @@ TEST_F(ProgressPageTest, ARunBesideOneThatWasLeftWaitsForItsEnd) {
 
 TEST_F(ProgressPageTest, AWaitingRunThatIsStoppedNeverBeginsAndTheOtherGoesOn) {
   Key(Qt::Key_Escape);
-  CurrentPage().hide();
+  LeavePage();
   Convert();
   boxes_.Answer(QMessageBox::Yes, [this] {
     script_.Send(engine::MSG_PROGRESS, 5);
@@ -282,7 +282,7 @@ TEST_F(ProgressPageTest, AfterAStopTheNextRunIsANewOne) {
   ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   boxes_.Answer(QMessageBox::Yes);
   Press(kCancelId);
-  CurrentPage().hide();
+  LeavePage();
   Convert();
   script_.Send(engine::MSG_PROGRESS, 44);
   Done(1);

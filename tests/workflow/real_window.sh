@@ -5,9 +5,13 @@
 #   real_window.sh VELMORA MAKE_STORE [SCREENSHOTS [HOME_FOLDER]]
 #
 # VELMORA is the wizard, MAKE_STORE the maker of large stores. With SCREENSHOTS, a folder, each page is photographed;
-# HOME_FOLDER is then what the pictures show as the user's own folder, and must not exist yet.
+# HOME_FOLDER is then what the pictures show as the user's own folder, and must not exist yet. Pictures take
+# ImageMagick.
 set -euo pipefail
 
+for tool in Xvfb openbox xdotool xprop; do
+  command -v "$tool" >/dev/null || { echo "real_window: $tool is missing" >&2; exit 1; }
+done
 velmora=$1 make_store=$2 shots=${3:-}
 limit=120  # seconds for anything to come
 

@@ -83,7 +83,7 @@ TEST_F(ResponsivenessTest, EventsOfTheWindowsPassWhileALargeStoreIsConverted) {
   State().sourcePath = FromQt(PathToQt(source));
   State().sourceFileName = u"large.ost";
   State().destinationPath = FromQt(PathToQt(destination));
-  CurrentPage().hide();
+  LeavePage();
 
   EventDelays events;
   frame_->StartConversion();
