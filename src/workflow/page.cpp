@@ -58,7 +58,7 @@ controls::CTransparentStatic* MakeText(Page* page, const QString& text, bool bol
   auto* made = new controls::CTransparentStatic(page);
   QFont font = made->font();
   font.setBold(bold);
-  if (bold) font.setPixelSize(qRound(font.pixelSize() * 1.2));
+  if (bold) font.setPixelSize(qRound(font.pixelSize() * 1.25));
   made->setFont(font);
   made->SetText(text);
   return made;

@@ -6,6 +6,10 @@
 #include "workflow/about_dlg.h"
 #include "workflow/harness.h"
 
+// Of no namespace, as the resources are.
+static void DropArt() { Q_CLEANUP_RESOURCE(art); }
+static void BringArt() { Q_INIT_RESOURCE(art); }
+
 namespace velmora::workflow {
 namespace {
 
@@ -157,6 +161,14 @@ TEST_F(AboutTest, ShowsTheVersionOfTheProgramFile) {
   const platform::FileVersionBlock block{.fileVersionHigh = 0x0003'0002, .fileVersionLow = 0x0001'0000};
   machine_.Write("prefix/bin/velmora", {reinterpret_cast<const char*>(&block), sizeof block});
   EXPECT_EQ(CAboutDlg(*frame_, nullptr).accessibleDescription(), "Version: 3.2.1.0");
+}
+
+TEST_F(AboutTest, AButtonWithoutItsImagesCannotBeMade) {
+  DropArt();
+  boxes_.Answer(QMessageBox::Ok);
+  { const CAboutDlg about(*frame_, nullptr); }
+  BringArt();
+  EXPECT_EQ(boxes_.Texts(), QStringList("Velmora Convert OST to PST: Failed to create OK button"));
 }
 
 TEST_F(AboutTest, ALinkWithoutACaptionCannotBeMade) {

@@ -55,6 +55,12 @@ TEST_F(ProgressPageTest, BeginsAtZero) {
   EXPECT_EQ(frame_->progressDialog, &CurrentPage());
 }
 
+TEST_F(ProgressPageTest, TheHeadlineIsBoldAndFifteenPixelsHigh) {
+  const QFont font = Control<QLabel>(kHeadlineId).font();
+  EXPECT_EQ(font.pixelSize(), 15);
+  EXPECT_EQ(font.weight(), 700);
+}
+
 TEST_F(ProgressPageTest, ShowsThePercentageAndDropsWhatIsAboveAHundred) {
   script_.Send(engine::MSG_PROGRESS, 37, 2);
   Done(1);
