@@ -73,7 +73,8 @@ void Damage(Image& image) {
 }  // namespace
 
 Image ForgeDemoStore(DemoState state) {
-  Mailbox box(kStore, {.tables = true, .namesAtLeast = 80, .pairedBuckets = true});
+  // So many names that their list is a sub-node of the map, where the run finds it in an encoded store too.
+  Mailbox box(kStore, {.tables = true, .namesAtLeast = 200});
   AddContent(box);
   AddLostMessage(box);
   Image image = box.Finish();

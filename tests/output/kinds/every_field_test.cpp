@@ -122,7 +122,10 @@ TEST_P(OtherReaders, PffexportShowsTheFieldsThatItHasALineFor) {
 }
 
 TEST_P(OtherReaders, ReadpstShowsTheFieldsThatItHasALineFor) {
-  if (kind().readpstFile == nullptr) return;
+  if (kind().readpstFile == nullptr) {
+    EXPECT_EQ(forge::CountFiles(conversion().Readpst()), 0) << "the kind is not left out";
+    return;
+  }
   const std::string text =
       forge::TextOf(conversion().Readpst() / conversion().Store().stem() / "Sent" / kind().readpstFile);
   std::vector<std::string> lines;
