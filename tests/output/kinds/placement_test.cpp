@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "output/kinds/conversion.h"
+#include "output/kinds/new_store.h"
 #include "output/kinds/source.h"
 
 namespace velmora::kinds {
@@ -13,20 +14,23 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr forge::Nid kUnknownFolder = 0x99992;
+constexpr ndb::Nid kRootFolder = 0x122;
+constexpr std::size_t kEntryIdSize = 24;
 
 struct Home {
   DefaultFolder kind;
   text::TextView name;
   text::TextView containerClass;
   text::TextView messageClass;  ///< of an item that belongs there
+  ltp::PropTag pointer;         ///< on the root folder, where Outlook looks for it
 };
 
 constexpr Home kHomes[] = {
-    {DefaultFolder::kCalendar, u"Calendar", u"IPF.Appointment", u"IPM.Appointment"},
-    {DefaultFolder::kContacts, u"Contacts", u"IPF.Contact", u"IPM.Contact"},
-    {DefaultFolder::kJournal, u"Journal", u"IPF.Journal", u"IPM.Activity"},
-    {DefaultFolder::kNotes, u"Notes", u"IPF.StickyNote", u"IPM.StickyNote"},
-    {DefaultFolder::kTasks, u"Tasks", u"IPF.Task", u"IPM.Task"},
+    {DefaultFolder::kCalendar, u"Calendar", u"IPF.Appointment", u"IPM.Appointment", 0x36D00102},
+    {DefaultFolder::kContacts, u"Contacts", u"IPF.Contact", u"IPM.Contact", 0x36D10102},
+    {DefaultFolder::kJournal, u"Journal", u"IPF.Journal", u"IPM.Activity", 0x36D20102},
+    {DefaultFolder::kNotes, u"Notes", u"IPF.StickyNote", u"IPM.StickyNote", 0x36D30102},
+    {DefaultFolder::kTasks, u"Tasks", u"IPF.Task", u"IPM.Task", 0x36D40102},
 };
 
 forge::Message Of(text::TextView messageClass) {
@@ -43,7 +47,18 @@ TEST(Placement, EachKindHasItsDefaultFolderInTheNewStore) {
   forge::Mailbox box;
   box.AddMessage(box.AddFolder({.name = u"Inbox"}), Of(u"IPM.Note"));
   Conversion conversion(box.Finish(), "source.pst");
+  const NewStore store(conversion.Store());
+  auto root = store.Node(kRootFolder);
   for (const Home& home : kHomes) {
+    const auto entryId = root.Binary(home.pointer);
+    ASSERT_TRUE(entryId && entryId->size() == kEntryIdSize) << text::ToUtf8(home.name);
+    ndb::Nid nid = 0;  // its last four bytes
+    for (std::size_t at = kEntryIdSize; at-- > kEntryIdSize - 4;)
+      nid = nid << 8 | std::to_integer<ndb::Nid>((*entryId)[at]);
+    auto pointedAt = store.Node(nid);
+    EXPECT_EQ(pointedAt.Text(0x3001001F), home.name);
+    EXPECT_EQ(pointedAt.Text(0x3613001F), home.containerClass);
+
     const auto folder = conversion.DefaultFolder(home.kind);
     ASSERT_TRUE(folder) << text::ToUtf8(home.name);
     EXPECT_EQ(folder->Name(), home.name);
