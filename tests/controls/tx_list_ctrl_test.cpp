@@ -60,7 +60,7 @@ TEST_F(TxListCtrlTest, AChosenRowIsOfOneColour) {
   const QRect place = list_.visualRect(list_.model()->index(1, 0));
   const QColor colour = list_.palette().color(QPalette::Active, QPalette::Highlight);
   for (const QPoint& corner : {place.topLeft(), place.topRight(), place.bottomLeft(), place.bottomRight()}) {
-    EXPECT_EQ(seen.pixelColor(corner), colour);
+    EXPECT_EQ(seen.pixelColor(corner * seen.devicePixelRatio()), colour);
   }
 }
 
