@@ -70,16 +70,21 @@ class WholeRunTest : public WizardTest {
     return path;
   }
 
-  /// From the start page to the run.
-  void Convert(const std::filesystem::path& source) {
+  /// From the start page to a destination page that is ready for the run.
+  void PickSourceAndDestination(const std::filesystem::path& source) {
     Press(kBrowseStartId);
     PickInDialog(PathToQt(source));
     Press(kBrowseId);
-    ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled());
+    ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled()) << "that the file is there is all that counts here";
     Press(kNextId);
     PickInDialog(PathToQt(destination_));
     Press(kBrowseId);
     ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled());
+  }
+
+  /// From the start page to the run.
+  void Convert(const std::filesystem::path& source) {
+    PickSourceAndDestination(source);
     Press(kNextId);
     ASSERT_TRUE(IsPage<CProgressDlg>());
   }
@@ -152,13 +157,7 @@ TEST_F(WholeRunTest, AnEmptyFileIsNoStore) {
 TEST_F(WholeRunTest, ASourceThatMayNotBeReadIsToldWhenTheRunBegins) {
   const auto source = MakeSource(1);
   std::filesystem::permissions(source, std::filesystem::perms::none);
-  Press(kBrowseStartId);
-  PickInDialog(PathToQt(source));
-  Press(kBrowseId);
-  ASSERT_TRUE(Control<QWidget>(kNextId).isEnabled()) << "that the file is there is all that counts here";
-  Press(kNextId);
-  PickInDialog(PathToQt(destination_));
-  Press(kBrowseId);
+  PickSourceAndDestination(source);
   boxes_.Answer(QMessageBox::Ok);
   {
     const AsAnyUser anyUser(machine_.folder.Path());
@@ -178,12 +177,7 @@ TEST_F(WholeRunTest, ASourceLargerThanTheRoomThatIsLeftIsRefusedAndNoWindowIsLef
   std::filesystem::resize_file(source, std::filesystem::space(destination_).available + (std::uintmax_t{1} << 36),
                                refused);
   if (refused) GTEST_SKIP() << "no file of the size of the free space can be made here: " << refused.message();
-  Press(kBrowseStartId);
-  PickInDialog(PathToQt(source));
-  Press(kBrowseId);
-  Press(kNextId);
-  PickInDialog(PathToQt(destination_));
-  Press(kBrowseId);
+  PickSourceAndDestination(source);
   boxes_.Answer(QMessageBox::Ok);
   Press(kNextId);
   EXPECT_EQ(boxes_.Texts(),
@@ -195,13 +189,8 @@ TEST_F(WholeRunTest, ASourceLargerThanTheRoomThatIsLeftIsRefusedAndNoWindowIsLef
 }
 
 TEST_F(WholeRunTest, ASourceThatCannotBeOpenedIsTold) {
-  Press(kBrowseStartId);
   const auto source = machine_.Write("gone.ost");
-  PickInDialog(PathToQt(source));
-  Press(kBrowseId);
-  Press(kNextId);
-  PickInDialog(PathToQt(destination_));
-  Press(kBrowseId);
+  PickSourceAndDestination(source);
   std::filesystem::remove(source);
   boxes_.Answer(QMessageBox::Ok);
   Press(kNextId);
@@ -216,12 +205,7 @@ TEST_F(WholeRunTest, ASourceThatCannotBeOpenedIsTold) {
 
 TEST_F(WholeRunTest, ADestinationThatVanishedIsTold) {
   const auto source = MakeSource(1);
-  Press(kBrowseStartId);
-  PickInDialog(PathToQt(source));
-  Press(kBrowseId);
-  Press(kNextId);
-  PickInDialog(PathToQt(destination_));
-  Press(kBrowseId);
+  PickSourceAndDestination(source);
   std::filesystem::remove(destination_);
   boxes_.Answer(QMessageBox::Ok);
   Press(kNextId);
