@@ -36,7 +36,8 @@ inline constexpr Where kBits = {Set::kTag, 0x0E07};
 
 /// Set in the place of the value, where the text is the field's own name in « ».
 inline constexpr const char* kOwnName = nullptr;
-/// In a column of a reader: it has no line for the field. Both columns are proven, this answer too.
+/// In a column of a reader: it has no line for the field. The tests hold the reader to it where the value is the
+/// field's own name, which stands nowhere else; a flag, a number or a date may stand there for another field.
 inline constexpr const char* kNotShown = nullptr;
 
 struct Row {
