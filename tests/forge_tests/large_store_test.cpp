@@ -43,14 +43,14 @@ TEST_F(LargeStore, HasNothingForTheStrictCheckerToFind) {
 }
 
 TEST_F(LargeStore, IsExportedWhole) {
-  if (!forge::IsInstalled("pffexport")) GTEST_SKIP() << "pffexport is not installed";
+  if (!forge::IsInstalled("pffexport")) FAIL() << "pffexport is not installed";
   const LargeStoreCounts counts = Make({.items = 90});
   EXPECT_EQ(counts.messages, 90U);
   EXPECT_EQ(ExportedMessages(), 90);
 }
 
 TEST_F(LargeStore, SplitsItsMessagesOverFoldersThatEveryReaderLists) {
-  if (!forge::IsInstalled("readpst")) GTEST_SKIP() << "readpst is not installed";
+  if (!forge::IsInstalled("readpst")) FAIL() << "readpst is not installed";
   const LargeStoreCounts counts = Make({.items = 450, .small = true});
   EXPECT_EQ(counts.folders, 3U) << "one of a year, two of a week";
   EXPECT_EQ(counts.attachments, 0U);

@@ -30,7 +30,7 @@ class ForgedStore : public testing::TestWithParam<Kind> {
 };
 
 TEST_P(ForgedStore, IsExportedWhole) {
-  if (!IsInstalled("pffexport")) GTEST_SKIP() << "pffexport is not installed";
+  if (!IsInstalled("pffexport")) FAIL() << "pffexport is not installed";
   ForgeSample(Options(), {.tables = true}).Save(folder_.path() / "s.pst");
   ASSERT_TRUE(RunIn(folder_, "pffexport -q -m items -t out s.pst")) << TextOf(folder_.path() / "output");
   const fs::path inbox = folder_.path() / "out.export" / "Top of Personal Folders" / "Inbox";
@@ -49,7 +49,7 @@ TEST_P(ForgedStore, IsExportedWhole) {
 }
 
 TEST_P(ForgedStore, IsListedWithoutTables) {
-  if (!IsInstalled("readpst")) GTEST_SKIP() << "readpst is not installed";
+  if (!IsInstalled("readpst")) FAIL() << "readpst is not installed";
   ForgeSample(Options()).Save(folder_.path() / "s.pst");
   ASSERT_TRUE(RunIn(folder_, "mkdir out && readpst -S -j0 -D -o out s.pst")) << TextOf(folder_.path() / "output");
   const fs::path inbox = folder_.path() / "out" / "Forged store" / "Inbox";
@@ -120,7 +120,7 @@ TEST(DemoStore, HoldsWhatItSaysWhileItIsSound) {
 }
 
 TEST(DemoStore, OpensForNobodyOnceItIsDamaged) {
-  if (!IsInstalled("pffexport") || !IsInstalled("readpst")) GTEST_SKIP() << "pffexport or readpst is not installed";
+  if (!IsInstalled("pffexport") || !IsInstalled("readpst")) FAIL() << "pffexport or readpst is not installed";
   ScratchFolder folder;
   ForgeDemoStore(DemoState::kDamaged).Save(folder.path() / "s.ost");
   EXPECT_FALSE(RunIn(folder, "pffexport -q -m items -t out s.ost"));

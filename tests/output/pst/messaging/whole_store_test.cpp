@@ -54,14 +54,14 @@ TEST_F(WholeStore, IsListedByOtherReadersAsItWasWritten) {
   Close();
   const auto exported = CountOfExportedItems();
   const auto read = CountOfReadItems();
-  if (!exported || !read) GTEST_SKIP() << "pffexport or readpst is not installed";
+  if (!exported || !read) FAIL() << "pffexport or readpst is not installed";
   EXPECT_EQ(exported, 16);
   // readpst has no file for tasks and notes.
   EXPECT_EQ(read, 14);
 }
 
 TEST_F(WholeStore, ShowsOtherReadersEachEmbeddedMessageAsItself) {
-  if (!forge::IsInstalled("pffexport")) GTEST_SKIP() << "pffexport is not installed";
+  if (!forge::IsInstalled("pffexport")) FAIL() << "pffexport is not installed";
   PutMail(inbox_, "The first of the store");
   const auto inner = NewItem();
   Put(inner, Field::Subject, Text(u"The innermost"));
