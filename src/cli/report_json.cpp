@@ -1,5 +1,7 @@
 #include "cli/report_json.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -73,8 +75,34 @@ Json FolderOf(const recovery::RecoveredFolder& folder) {
           {"containerClass", text::ToUtf8(folder.containerClass)}};
 }
 
+struct LossRow {
+  recovery::LossKind kind;
+  const char* name;
+};
+
+constexpr LossRow kLossKinds[] = {
+    {recovery::LossKind::kMessage, "message"},
+    {recovery::LossKind::kEmbedded, "embedded message"},
+    {recovery::LossKind::kAttachment, "attachment"},
+    {recovery::LossKind::kFolder, "folder"},
+    {recovery::LossKind::kBody, "body"},
+    {recovery::LossKind::kText, "text"},
+    {recovery::LossKind::kRecipients, "recipients"},
+    {recovery::LossKind::kMembers, "members"},
+    {recovery::LossKind::kRow, "row"},
+    {recovery::LossKind::kSourceRange, "source range"},
+    {recovery::LossKind::kRun, "run"},
+};
+
+const char* NameOf(recovery::LossKind kind) {
+  const auto* row = std::find_if(std::begin(kLossKinds), std::end(kLossKinds),
+                                 [&](const LossRow& candidate) { return candidate.kind == kind; });
+  return row == std::end(kLossKinds) ? "" : row->name;
+}
+
 Json LostOf(const recovery::LostObject& object) {
-  return {{"nid", object.nid},
+  return {{"kind", NameOf(object.kind)},
+          {"nid", object.nid},
           {"bidData", object.bidData},
           {"class", text::ToUtf8(object.messageClass)},
           {"reason", text::ToUtf8(object.reason)}};
@@ -115,7 +143,11 @@ std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& re
   const recovery::RecoveryReport& recovery = report.recovery;
   std::optional<Json> untold;
   if (recovery.lostUntold != 0) {
-    untold = LostOf({0, 0, {}, text::FromUtf8(std::to_string(recovery.lostUntold) + " more, not listed")});
+    untold = Json{{"kind", "more"},
+                  {"nid", 0},
+                  {"bidData", 0},
+                  {"class", ""},
+                  {"reason", std::to_string(recovery.lostUntold) + " more, not listed"}};
   }
 
   ReportText json;

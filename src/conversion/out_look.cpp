@@ -64,7 +64,8 @@ void COutLook::RecoverFolders() {
 void COutLook::RecoverOrphans() { recovery::RecoverOrphans(recovery_, engine_, state_.run); }
 
 void COutLook::NoteEarlyEnd(const std::exception& failure) {
-  recovery_.report.lost.push_back({0, 0, {}, u"a step of the run ended early: " + text::FromUtf8(failure.what())});
+  recovery_.report.lost.push_back(
+      {recovery::LossKind::kRun, 0, 0, {}, u"a step of the run ended early: " + text::FromUtf8(failure.what())});
 }
 
 void COutLook::ReportStoreFailure(bool full, const std::string& cause) {

@@ -26,15 +26,15 @@ text::TextView ReasonOf(const ItemOutcome& outcome) {
   return {};
 }
 
-void Report(RecoveryState& state, LostObject lost) {
+}  // namespace
+
+void ReportLoss(RecoveryState& state, LostObject lost) {
   if (state.allowance.TakeLoss()) {
     state.report.lost.push_back(std::move(lost));
   } else {
     ++state.report.lostUntold;
   }
 }
-
-}  // namespace
 
 text::Text ToldClass(RecoveryState& state, text::TextView messageClass) {
   const bool whole = state.allowance.TakeKept(messageClass.size());
@@ -47,17 +47,21 @@ void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, 
   if (outcome.skip == SkipReason::kRefusedClass) return;
   const bool isMessage =
       (nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
-  if (isMessage) Report(state, {nid, bidData, ToldClass(state, outcome.messageClass), text::Text(ReasonOf(outcome))});
+  if (!isMessage) return;
+  ReportLoss(state,
+             {LossKind::kMessage, nid, bidData, ToldClass(state, outcome.messageClass), text::Text(ReasonOf(outcome))});
 }
 
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {
   if (record.outcome.saved || record.outcome.skip == SkipReason::kRefusedClass) return;
-  Report(state, {record.nid, record.bidData, ToldClass(state, record.outcome.messageClass),
-                 text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
+  ReportLoss(state, {LossKind::kEmbedded, record.nid, record.bidData, ToldClass(state, record.outcome.messageClass),
+                     text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
 }
 
 void ReportAttachment(RecoveryState& state, const SubNodeEntry& attachment, text::TextView reason) {
-  Report(state, {attachment.nid, attachment.bidData, {}, text::Text(u"attachment: ").append(reason)});
+  ReportLoss(
+      state,
+      {LossKind::kAttachment, attachment.nid, attachment.bidData, {}, text::Text(u"attachment: ").append(reason)});
 }
 
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason) {

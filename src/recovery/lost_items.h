@@ -17,6 +17,9 @@ text::Text ToldClass(RecoveryState& state, text::TextView messageClass);
 
 // What is lost is listed as long as the list is in proportion to the store, and only counted beyond that.
 
+/// Lists a loss, or counts it where the list is full.
+void ReportLoss(RecoveryState& state, LostObject lost);
+
 /// Counts a node or orphan that gave no item, and lists it as lost if it is known for a message: its id says
 /// that it is a message, or its class is one that is converted. A class refused by rule is no loss.
 void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome);

@@ -18,8 +18,24 @@ enum class SkipReason {
   kNoFolder,      ///< its folder is not known, or could not be opened or made
 };
 
-/// A node, attachment or embedded message that should have come across and did not.
+/// What a person would miss.
+enum class LossKind {
+  kMessage,      ///< an item of any class
+  kEmbedded,     ///< a message within a message
+  kAttachment,   ///< the content of an attachment, or a part of it
+  kFolder,       ///< a folder that was not made, or not as it was
+  kBody,         ///< the body of an item, or a part of it
+  kText,         ///< a subject, a name or another field of an item
+  kRecipients,   ///< senders or recipients of an item
+  kMembers,      ///< members of a distribution list
+  kRow,          ///< values of an item in the table of its folder
+  kSourceRange,  ///< a stretch of the source that could not be read
+  kRun,          ///< what a step of the run had not done yet when it ended early
+};
+
+/// An object, or a part of one, that should have come across and did not.
 struct LostObject {
+  LossKind kind = LossKind::kMessage;
   std::uint32_t nid = 0;  ///< of the node or sub-node; 0 for what was found without one
   std::uint32_t bidData = 0;
   text::Text messageClass;  ///< empty where it could not be read

@@ -33,7 +33,7 @@ TEST(ReportJson, TellsWhatWasFound) {
   report.recovery.folders = {{0x8082, 0x8022, u"Gr\u00FC\u00DFe", u"IPF.Note"}};
   report.recovery.items = {{u"IPM.Note", 2}};
   report.recovery.skipped[recovery::SkipReason::kNoFolder] = 4;
-  report.recovery.lost = {{0x200024, 0x1234, u"IPM.Note", u"why"}};
+  report.recovery.lost = {{recovery::LossKind::kMessage, 0x200024, 0x1234, u"IPM.Note", u"why"}};
   const Json json = Json::parse(ReportJson({u"/a.ost", u"/out/a.pst", u"Pst/Ost file is not valid.", 1.5, 77}, report));
   EXPECT_EQ(json["source"], "/a.ost");
   EXPECT_EQ(json["destination"], "/out/a.pst");
@@ -45,7 +45,7 @@ TEST(ReportJson, TellsWhatWasFound) {
                                                "containerClass":"IPF.Note"}])")));
   EXPECT_EQ(json["items"], (Json{{"IPM.Note", 2}}));
   EXPECT_EQ(json["skipped"]["no folder"], 4);
-  EXPECT_EQ(json["lost"], (Json::parse(R"([{"nid":2097188,"bidData":4660,"class":"IPM.Note","reason":"why"}])")));
+  EXPECT_EQ(json["lost"], (Json::parse(R"([{"kind":"message","nid":2097188,"bidData":4660,"class":"IPM.Note","reason":"why"}])")));
   EXPECT_EQ(json["refusal"], "Pst/Ost file is not valid.");
   EXPECT_EQ(json["seconds"], 1.5);
   EXPECT_EQ(json["peakRssKiB"], 77);
