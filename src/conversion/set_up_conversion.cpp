@@ -20,8 +20,6 @@ constexpr DefaultFolderRow kDefaultFolders[] = {
     {u"Calendar", output::DefaultFolder::kCalendar},
 };
 
-text::Text Decimal(std::uint32_t number) { return text::FromUtf8(std::to_string(number)); }
-
 /// The source's name up to its first "."; without one there is no left part, and the stem is empty.
 text::Text StemOf(const text::Text& name) {
   const std::size_t point = name.find(u'.');
@@ -89,8 +87,8 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
   bool taken = true;
   for (std::uint32_t n = 0; taken; ++n) {
     taken = profiles_->Item(profile);
-    profile = text::Text(kProfile) + Decimal(n);
-    NameOutput(baseFolder, stem, Decimal(n));
+    profile = text::Text(kProfile) + text::Decimal(n);
+    NameOutput(baseFolder, stem, text::Decimal(n));
   }
   profiles_->Add(profile);
   state_.profileName = profile;

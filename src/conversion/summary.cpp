@@ -41,8 +41,6 @@ std::int64_t FolderCounters::*CounterOf(text::TextView containerClass) {
   return &FolderCounters::mail;
 }
 
-text::Text Decimal(std::int64_t number) { return text::FromUtf8(std::to_string(number)); }
-
 bool IsSkipped(const SummaryFolder& folder) {
   return !folder.hasParent && folder.name != u"Lost & Found" && folder.name != u"Orphaned Mails";
 }
@@ -94,10 +92,10 @@ std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& sessio
   std::vector<std::optional<std::int32_t>> counts;
   for (const SummaryFolder& folder : folders) {
     counts.push_back(IsSkipped(folder) ? std::nullopt : CountFolder(session, folder.path, counters));
-    if (counts.back()) write(u"\r\n\r\n" + folder.path + u": " + Decimal(*counts.back()));
+    if (counts.back()) write(u"\r\n\r\n" + folder.path + u": " + text::Decimal(*counts.back()));
   }
   write(u"\r\n\r\nTotal recovered mail items : ");
-  write(Decimal(counters.total));
+  write(text::Decimal(counters.total));
   write(u"\r\n\r\nDate and time : ");
   write(LogTime());
   return counts;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint16_t kBlockPage = 0x8080;
 constexpr std::uint32_t kMostEntrySize = 65512;  ///< one more than a trailer's slot may say
-constexpr std::uint32_t kStep = 4096;            ///< the offset advances by this in every format
+constexpr std::uint32_t kScanStep = 4096;        ///< the offset advances by this in every format
 constexpr std::uint64_t kLeastRecords = 2;
 
 /// The window reaches this far from each step, so that what the trailer tests see lies in it.
@@ -65,7 +65,7 @@ void ScanSource(EngineState& state, RunContext& run, IndexFile& file) {
   const auto read = [&] { return window.Read(offset, kReach).Slice(0, walk.length); };
   for (ByteView bytes = read(); !bytes.Empty(); bytes = read()) {
     if (run.runEnded) return;
-    for (std::uint32_t p = 0; p < kStep; p += walk.stride) {
+    for (std::uint32_t p = 0; p < kScanStep; p += walk.stride) {
       run.control.PausePoint();
       const ByteView page = bytes.Slice(p, walk.length);
       if (IsBlockPage(state.layout, offset + p, page)) {
@@ -74,7 +74,7 @@ void ScanSource(EngineState& state, RunContext& run, IndexFile& file) {
         trailers.ScanSlots(offset + p, walk.stride);
       }
     }
-    offset += kStep;
+    offset += kScanStep;
     run.Send(MSG_PROGRESS, state.PercentOfSource(offset), 2);
   }
 }

@@ -8,8 +8,9 @@ namespace velmora::engine {
 namespace {
 
 constexpr std::uint64_t kFirstPage = 18432;
-constexpr std::uint64_t kStep = 4096;     ///< positions examined by one look
-constexpr std::size_t kLook = 2 * kStep;  ///< read, so that a 4K page's trailer lies in the buffer at every position
+constexpr std::uint64_t kProbeStep = 4096;  ///< positions examined by one look
+constexpr std::size_t kLook =
+    2 * kProbeStep;  ///< read, so that a 4K page's trailer lies in the buffer at every position
 constexpr std::uint64_t kSmallPage = 512;
 constexpr std::uint16_t kMax4kEntries = 169;  ///< most entries of 24 bytes in a 4K page
 
@@ -48,7 +49,7 @@ bool LooksLike4kTail(ByteView page) { return page.U16(474) == kMax4kEntries && I
 
 std::optional<FormatId> FormatOfWindow(std::uint64_t offset, ByteView bytes) {
   std::optional<FormatId> found;
-  for (std::uint64_t p = 0; p < kStep; p += kSmallPage) {
+  for (std::uint64_t p = 0; p < kProbeStep; p += kSmallPage) {
     const ByteView page = bytes.Slice(p, kLook);
     if (const auto proven = ProvenTrailer(offset + p, page)) return proven;
     if (LooksLike4kTail(page)) found = FORMAT_UNICODE_4K;
@@ -82,7 +83,7 @@ ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
     const ByteView bytes = window.Read(offset, kLook);
     format = FormatOfWindow(offset, bytes);
     if (format) break;
-    offset += kStep;
+    offset += kProbeStep;
     run.Send(MSG_PROGRESS, state.PercentOfSource(offset), 1);
     more = !bytes.Empty();
   }

@@ -72,6 +72,8 @@ std::string ToUtf8(TextView text) {
   return out;
 }
 
+Text Decimal(std::int64_t number) { return FromUtf8(std::to_string(number)); }
+
 Text FromUtf8(std::string_view bytes) {
   Text out;
   out.reserve(bytes.size());

@@ -2,6 +2,7 @@
 // hold lone surrogates, and they travel unchanged.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,9 @@ std::string ToUtf8(TextView text);
 
 /// Text of UTF-8 bytes; a malformed sequence becomes U+FFFD.
 Text FromUtf8(std::string_view bytes);
+
+/// The number in decimal digits.
+Text Decimal(std::int64_t number);
 
 /// Text of a file name as the system gives it: UTF-8, and each byte that is not part of a valid sequence
 /// becomes the lone surrogate U+DC00 + byte, so that every file name travels through the program and back.

@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::uint8_t kFreeMap = 0x82;
 constexpr std::uint8_t kPageMap = 0x83;
-constexpr std::uint8_t kAllocationMap = 0x84;
 constexpr std::uint8_t kFreePageMap = 0x85;
 
 // The map pages at the head of range `index`. The rarest one has two places in which readers look for it,

@@ -9,6 +9,8 @@
 
 namespace velmora::forge {
 
+inline constexpr std::uint8_t kAllocationMap = 0x84;
+
 /// A map page: of a kind (0x84 allocation, 0x83 page, 0x82 free, 0x85 free page) at an offset.
 struct MapPage {
   std::uint8_t type;

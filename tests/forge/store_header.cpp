@@ -7,7 +7,6 @@
 namespace velmora::forge {
 namespace {
 
-constexpr std::uint8_t kAllocationMap = 0x84;
 constexpr std::uint16_t kListPageType = 0x8686;
 constexpr std::size_t kPartialStart = 8;
 constexpr std::size_t kPartialSize = 471;

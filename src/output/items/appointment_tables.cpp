@@ -8,14 +8,14 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FlagRow kFlags[] = {
+constexpr FlagRow kAppointmentFlags[] = {
   {kTypeBoolean, 0x0063, ResponseRequested},
   {kTypeBoolean, 0x8215, AllDayEvent},
   {kTypeLong,    0x8205, BusyStatus},
   {kTypeLong,    0x8213, AppointmentDuration},
 };
 
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kAppointmentFields[] = {
   {0x0037, Subject,                    kText},
   {0x0042, SentOnBehalfOfName,         kText},
   {0x0064, SentOnBehalfOfEmailType,    kText},
@@ -40,11 +40,11 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FlagRow>(kFlags)));
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FlagRow>(kAppointmentFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kAppointmentFields)));
 
 }  // namespace
 
-constexpr KindTables kAppointmentTables{recovery::ItemKind::kAppointment, kFlags, kFields};
+constexpr KindTables kAppointmentTables{recovery::ItemKind::kAppointment, kAppointmentFlags, kAppointmentFields};
 
 }  // namespace velmora::items

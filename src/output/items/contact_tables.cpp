@@ -8,11 +8,11 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FlagRow kFlags[] = {
+constexpr FlagRow kContactFlags[] = {
   {kTypeShort, 0x3A4D, Gender},
 };
 
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kContactFields[] = {
   {0x0037, Subject,                      kText},
   {0x0042, SentOnBehalfOfName,           kText},
   {0x0064, SentOnBehalfOfEmailType,      kText},
@@ -125,11 +125,11 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FlagRow>(kFlags)));
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FlagRow>(kContactFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kContactFields)));
 
 }  // namespace
 
-constexpr KindTables kContactTables{recovery::ItemKind::kContact, kFlags, kFields};
+constexpr KindTables kContactTables{recovery::ItemKind::kContact, kContactFlags, kContactFields};
 
 }  // namespace velmora::items

@@ -8,7 +8,7 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FlagRow kFlags[] = {
+constexpr FlagRow kJournalFlags[] = {
   {kTypeBoolean, 0x8711, DocPosted},
   {kTypeBoolean, 0x870E, DocPrinted},
   {kTypeBoolean, 0x8710, DocRouted},
@@ -16,7 +16,7 @@ constexpr FlagRow kFlags[] = {
   {kTypeLong,    0x8707, JournalDuration},
 };
 
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kJournalFields[] = {
   {0x0037, Subject,                    kText},
   {0x0042, SentOnBehalfOfName,         kText},
   {0x0064, SentOnBehalfOfEmailType,    kText},
@@ -38,11 +38,11 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FlagRow>(kFlags)));
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FlagRow>(kJournalFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kJournalFields)));
 
 }  // namespace
 
-constexpr KindTables kJournalTables{recovery::ItemKind::kJournal, kFlags, kFields};
+constexpr KindTables kJournalTables{recovery::ItemKind::kJournal, kJournalFlags, kJournalFields};
 
 }  // namespace velmora::items

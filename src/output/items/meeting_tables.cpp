@@ -8,7 +8,7 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kMeetingFields[] = {
   {0x0037, Subject,                    kText},
   {0x0042, SentOnBehalfOfName,         kText},
   {0x0064, SentOnBehalfOfEmailType,    kText},
@@ -29,10 +29,10 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FieldRow>(kMeetingFields)));
 
 }  // namespace
 
-constexpr KindTables kMeetingTables{recovery::ItemKind::kMeeting, {}, kFields};
+constexpr KindTables kMeetingTables{recovery::ItemKind::kMeeting, {}, kMeetingFields};
 
 }  // namespace velmora::items

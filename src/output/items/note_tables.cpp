@@ -8,13 +8,13 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FlagRow kFlags[] = {
+constexpr FlagRow kNoteFlags[] = {
   {kTypeLong, 0x8B00, Color},
   {kTypeLong, 0x8B02, Width},
   {kTypeLong, 0x8B03, Height},
 };
 
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kNoteFields[] = {
   {0x0037, Subject,           kText},
   {0x0070, ConversationTopic, kText},
   {0x0E06, ReceivedTime,      kDate},
@@ -23,11 +23,11 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FlagRow>(kFlags)));
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FlagRow>(kNoteFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kNoteFields)));
 
 }  // namespace
 
-constexpr KindTables kNoteTables{recovery::ItemKind::kNote, kFlags, kFields};
+constexpr KindTables kNoteTables{recovery::ItemKind::kNote, kNoteFlags, kNoteFields};
 
 }  // namespace velmora::items

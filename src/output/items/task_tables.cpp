@@ -8,13 +8,13 @@ using enum output::Field;
 using enum FieldSort;
 
 // clang-format off
-constexpr FlagRow kFlags[] = {
+constexpr FlagRow kTaskFlags[] = {
   {kTypeBoolean, 0x811C, Complete},
   {kTypeBoolean, 0x8108, TaskAccepted},
   {kTypeLong,    0x8101, Status},
 };
 
-constexpr FieldRow kFields[] = {
+constexpr FieldRow kTaskFields[] = {
   {0x0026, SchedulePlusPriority,       kText},
   {0x0037, Subject,                    kText},
   {0x0042, SentOnBehalfOfName,         kText},
@@ -41,11 +41,11 @@ constexpr FieldRow kFields[] = {
 };
 // clang-format on
 
-static_assert(IsSound(std::span<const FlagRow>(kFlags)));
-static_assert(IsSound(std::span<const FieldRow>(kFields)));
+static_assert(IsSound(std::span<const FlagRow>(kTaskFlags)));
+static_assert(IsSound(std::span<const FieldRow>(kTaskFields)));
 
 }  // namespace
 
-constexpr KindTables kTaskTables{recovery::ItemKind::kTask, kFlags, kFields};
+constexpr KindTables kTaskTables{recovery::ItemKind::kTask, kTaskFlags, kTaskFields};
 
 }  // namespace velmora::items

@@ -14,8 +14,8 @@ using Clock = std::chrono::steady_clock;
 using output::Field;
 
 /// Rows travel to the list in portions: the list stays quick however many there are.
-constexpr auto kPortionTime = std::chrono::milliseconds(50);
-constexpr std::size_t kMostInPortion = 500;
+constexpr auto kListingTime = std::chrono::milliseconds(50);
+constexpr std::size_t kMostListed = 500;
 
 /// Stands for "no date" in the list, unlike the year 4501 of the grid.
 constexpr output::OleDate kNoDate{949633.0};
@@ -69,7 +69,7 @@ void FolderListing::ReadAll() {
       item = items->GetNext();
     });
     // The first row is there at once, so nobody waits in front of an empty list.
-    if (!isFirst && portion_.size() < kMostInPortion && Clock::now() - portionBegin < kPortionTime) continue;
+    if (!isFirst && portion_.size() < kMostListed && Clock::now() - portionBegin < kListingTime) continue;
     HandOver();
     portionBegin = Clock::now();
   }

@@ -13,16 +13,13 @@ using enum PropertySet;
 using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kStart = Named(kAppointment, 0x820D, PropType::kTime);
-constexpr ltp::PropTag kEnd = Named(kAppointment, 0x820E, PropType::kTime);
+constexpr ltp::PropTag kAppointmentStart = Named(kAppointment, 0x820D, PropType::kTime);
+constexpr ltp::PropTag kAppointmentEnd = Named(kAppointment, 0x820E, PropType::kTime);
 constexpr ltp::PropTag kDuration = Named(kAppointment, 0x8213, PropType::kInteger32);
 constexpr ltp::PropTag kMeetingStatus = Named(kAppointment, 0x8217, PropType::kInteger32);
 constexpr ltp::PropTag kResponseStatus = Named(kAppointment, 0x8218, PropType::kInteger32);
-constexpr ltp::PropTag kIsRecurring = Named(kAppointment, 0x8223, PropType::kBoolean);
+constexpr ltp::PropTag kAppointmentRecurs = Named(kAppointment, 0x8223, PropType::kBoolean);
 constexpr ltp::PropTag kReminderMinutes = Named(kCommon, 0x8501, PropType::kInteger32);
-constexpr ltp::PropTag kSideEffects = Named(kCommon, 0x8510, PropType::kInteger32);
-constexpr ltp::PropTag kCommonStart = Named(kCommon, 0x8516, PropType::kTime);
-constexpr ltp::PropTag kCommonEnd = Named(kCommon, 0x8517, PropType::kTime);
 
 constexpr std::int32_t kMinutesPerDay = 1440;
 constexpr std::int32_t kLongestDuration = 100 * 366 * kMinutesPerDay;  // a century; beyond lies damage
@@ -65,8 +62,8 @@ std::int32_t MinutesBetween(FileTime from, FileTime to) {
 void PutSpan(const ItemFields& fields, PropertyBag& bag) {
   const auto span = SpanOf(fields);
   if (!span) return;
-  for (const ltp::PropTag start : {kStart, kCommonStart, tag::kStartDate}) bag.PutTime(start, span->start);
-  for (const ltp::PropTag end : {kEnd, kCommonEnd, tag::kEndDate}) bag.PutTime(end, span->end);
+  for (const ltp::PropTag start : {kAppointmentStart, kCommonStart, tag::kStartDate}) bag.PutTime(start, span->start);
+  for (const ltp::PropTag end : {kAppointmentEnd, kCommonEnd, tag::kEndDate}) bag.PutTime(end, span->end);
   if (!bag.Has(kDuration)) bag.PutInteger32(kDuration, MinutesBetween(span->start, span->end));
   if (const auto signal = fields.Time(Field::ReminderSignalTime)) {
     bag.PutInteger32(kReminderMinutes, MinutesBetween(*signal, span->start));
@@ -82,7 +79,7 @@ void CompleteAppointment(const ItemState& item, PropertyBag& bag) {
   }
   if (!item.messageClass.ends_with(kIcons[0].ending)) return;
   // Without these a calendar takes the item for a part of a series or of a meeting.
-  bag.PutBoolean(kIsRecurring, false);
+  bag.PutBoolean(kAppointmentRecurs, false);
   bag.PutInteger32(kMeetingStatus, 0);
   bag.PutInteger32(kResponseStatus, 0);
   bag.PutInteger32(kSideEffects, kAppointmentSideEffects);

@@ -23,7 +23,6 @@ constexpr ltp::PropTag kWebPage = Named(kAddress, 0x802B, PropType::kString);
 constexpr ltp::PropTag kDistributionListName = Named(kAddress, 0x8053, PropType::kString);
 constexpr ltp::PropTag kBirthdayLocal = Named(kAddress, 0x80DE, PropType::kTime);
 constexpr ltp::PropTag kAnniversaryLocal = Named(kAddress, 0x80DF, PropType::kTime);
-constexpr ltp::PropTag kSideEffects = Named(kCommon, 0x8510, PropType::kInteger32);
 
 constexpr ltp::PropTag kMailingCountry = 0x3A26001F;
 constexpr ltp::PropTag kMailingCity = 0x3A27001F;

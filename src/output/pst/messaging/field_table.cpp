@@ -19,7 +19,7 @@ using output::Field;
 using output::FieldRead;
 
 enum class Coding {
-  kPlain,        ///< by the type of the property
+  kByType,       ///< by the type of the property
   kName,         ///< a text of one line and limited length
   kSubject,      ///< with its prefix told
   kDisplayList,  ///< names of recipients; kept as it is where it names one at all
@@ -34,7 +34,7 @@ enum class Coding {
 struct FieldRow {
   Field field;
   ltp::PropTag tag;
-  Coding coding = Coding::kPlain;
+  Coding coding = Coding::kByType;
 };
 
 constexpr FieldRow kRows[] = {
@@ -311,7 +311,8 @@ FieldRead ReadField(Field field, ltp::PropertyContext& item, const NamedProperty
       return ReadNumberField(type, item.Integer64(tag),
                              [](std::int64_t time) { return DateOf(static_cast<FileTime>(time)); });
     case output::FieldType::Flag:
-      if (row.coding == Coding::kPlain) return ReadNumberField(type, item.Boolean(tag), [](bool flag) { return flag; });
+      if (row.coding == Coding::kByType)
+        return ReadNumberField(type, item.Boolean(tag), [](bool flag) { return flag; });
       return ReadNumberField(type, item.Integer32(tag), [&](std::int32_t flags) {
         return (flags & (row.coding == Coding::kUnRead ? kMessageRead : kMessageUnsent)) == 0;
       });

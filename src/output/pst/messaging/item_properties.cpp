@@ -17,7 +17,6 @@ using output::ItemInterface;
 constexpr ltp::PropTag kPrivate = Named(kCommon, 0x8506, PropType::kBoolean);
 constexpr ltp::PropTag kReminderSignalTime = Named(kCommon, 0x8560, PropType::kTime);
 constexpr ltp::PropTag kTaskDueDate = Named(kTask, 0x8105, PropType::kTime);
-constexpr ltp::PropTag kCommonEnd = Named(kCommon, 0x8517, PropType::kTime);
 constexpr ltp::PropTag kToDoTitle = Named(kCommon, 0x85A4, PropType::kString);
 
 constexpr std::int32_t kSensitivityPrivate = 2;

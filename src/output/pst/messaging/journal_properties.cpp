@@ -12,12 +12,9 @@ using enum PropertySet;
 using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kEnd = Named(kLog, 0x8708, PropType::kTime);
-constexpr ltp::PropTag kFlags = Named(kLog, 0x870C, PropType::kInteger32);
+constexpr ltp::PropTag kLogEnd = Named(kLog, 0x8708, PropType::kTime);
+constexpr ltp::PropTag kLogFlags = Named(kLog, 0x870C, PropType::kInteger32);
 constexpr ltp::PropTag kTypeDescription = Named(kLog, 0x8712, PropType::kString);
-constexpr ltp::PropTag kCommonStart = Named(kCommon, 0x8516, PropType::kTime);
-constexpr ltp::PropTag kCommonEnd = Named(kCommon, 0x8517, PropType::kTime);
-constexpr ltp::PropTag kSideEffects = Named(kCommon, 0x8510, PropType::kInteger32);
 
 constexpr text::TextView kPhoneCall = u"Phone call";
 constexpr std::int32_t kPhoneCallIcon = 0x60A;
@@ -29,14 +26,14 @@ void CompleteJournalEntry(const ItemFields& fields, PropertyBag& bag) {
   if (const auto start = fields.Time(Field::JournalStart)) {
     const std::int32_t minutes = std::max(fields.Number(Field::JournalDuration).value_or(0), 0);
     const FileTime end = std::min(*start + static_cast<FileTime>(minutes) * kTicksPerMinute, kNoDate);
-    bag.PutTime(kEnd, end);
+    bag.PutTime(kLogEnd, end);
     bag.PutTime(kCommonStart, *start);
     bag.PutTime(kCommonEnd, end);
   }
   const text::TextView type = fields.Text(Field::JournalType);
   bag.PutText(kTypeDescription, type);
   if (type == kPhoneCall) bag.PutInteger32(tag::kIconIndex, kPhoneCallIcon);
-  bag.PutInteger32(kFlags, 0);
+  bag.PutInteger32(kLogFlags, 0);
   bag.PutInteger32(kSideEffects, kJournalSideEffects);
 }
 

@@ -78,6 +78,11 @@ consteval ltp::PropTag Named(PropertySet set, std::uint16_t id, ltp::PropType ty
   throw "no such name in kPropertyNames";
 }
 
+// Those that items of several kinds have.
+inline constexpr ltp::PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, ltp::PropType::kInteger32);
+inline constexpr ltp::PropTag kCommonStart = Named(PropertySet::kCommon, 0x8516, ltp::PropType::kTime);
+inline constexpr ltp::PropTag kCommonEnd = Named(PropertySet::kCommon, 0x8517, ltp::PropType::kTime);
+
 /// Adds the properties of node 0x61: the sets, the names in order, and the names again by 251 hash buckets.
 void AddNameMap(ltp::PropertyContextWriter& node);
 

@@ -10,8 +10,6 @@ namespace {
 
 using output::Field;
 
-constexpr ltp::PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, ltp::PropType::kInteger32);
-
 constexpr std::int32_t kIconOfFirstColor = 0x300;
 constexpr std::int32_t kYellow = 3;
 constexpr std::int32_t kLastColor = 4;

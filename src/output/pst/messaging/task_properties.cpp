@@ -15,12 +15,9 @@ constexpr ltp::PropTag kPercentComplete = Named(kTask, 0x8102, PropType::kFloati
 constexpr ltp::PropTag kTeamTask = Named(kTask, 0x8103, PropType::kBoolean);
 constexpr ltp::PropTag kState = Named(kTask, 0x8113, PropType::kInteger32);
 constexpr ltp::PropTag kComplete = Named(kTask, 0x811C, PropType::kBoolean);
-constexpr ltp::PropTag kIsRecurring = Named(kTask, 0x8126, PropType::kBoolean);
+constexpr ltp::PropTag kTaskRecurs = Named(kTask, 0x8126, PropType::kBoolean);
 constexpr ltp::PropTag kOwnership = Named(kTask, 0x8129, PropType::kInteger32);
-constexpr ltp::PropTag kCommonStart = Named(kCommon, 0x8516, PropType::kTime);
-constexpr ltp::PropTag kCommonEnd = Named(kCommon, 0x8517, PropType::kTime);
 constexpr ltp::PropTag kTaskMode = Named(kCommon, 0x8518, PropType::kInteger32);
-constexpr ltp::PropTag kSideEffects = Named(kCommon, 0x8510, PropType::kInteger32);
 
 constexpr std::int32_t kNotStarted = 0;
 constexpr std::int32_t kInProgress = 1;
@@ -44,7 +41,7 @@ void CompleteTask(const ItemFields& fields, PropertyBag& bag) {
   if (const auto start = fields.Time(Field::StartDate)) bag.PutTime(kCommonStart, *start);
   if (const auto due = fields.Time(Field::DueDate)) bag.PutTime(kCommonEnd, *due);
   bag.PutBoolean(kTeamTask, false);
-  bag.PutBoolean(kIsRecurring, false);
+  bag.PutBoolean(kTaskRecurs, false);
   bag.PutInteger32(kState, kNormalState);
   bag.PutInteger32(kOwnership, kOwnTask);
   bag.PutInteger32(kTaskMode, 0);

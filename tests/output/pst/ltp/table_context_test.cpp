@@ -18,7 +18,7 @@ namespace {
 using ndb::FailureKind;
 using ndb::Load;
 
-constexpr ndb::Nid kNode = 0x1001;  // an internal node that no rule knows
+constexpr ndb::Nid kTableNode = 0x1001;  // an internal node that no rule knows
 
 constexpr PropTag kFlags = 0x0E070003;
 constexpr PropTag kTime = 0x0E060040;
@@ -53,7 +53,7 @@ class Tables : public testing::Test {
  protected:
   TableContext Reopened(TableContextWriter& writer) {
     const ndb::WrittenNode node = writer.Finish().value();
-    EXPECT_TRUE(ndb_->SetNode(kNode, node.trees, 0));
+    EXPECT_TRUE(ndb_->SetNode(kTableNode, node.trees, 0));
     EXPECT_EQ(node.dataSize, ndb::DataSizeOf(*ndb_, node.trees));
     return TableContext::Open(*ndb_, node.trees).value();
   }
@@ -160,7 +160,7 @@ TEST_F(Tables, KeepSmallMatricesInTheHeapAndLargeOnesBesideIt) {
     AddRows(writer, count);
     TableContext table = Reopened(writer);
     ExpectRows(table, count);
-    const ndb::Bid bidSub = ndb_->FindNode(kNode)->trees.bidSub;
+    const ndb::Bid bidSub = ndb_->FindNode(kTableNode)->trees.bidSub;
     EXPECT_EQ(bidSub != 0, count > most) << count;
     if (bidSub != 0) {
       EXPECT_EQ(ndb::ListSubnodes(*ndb_, bidSub)->at(0).nid, 0x3Fu);
@@ -178,7 +178,7 @@ TEST_F(Tables, FillTheBlocksOfTheMatrixWithWholeRows) {
     AddRows(writer, count);
     TableContext table = Reopened(writer);
     ExpectRows(table, count);
-    const auto matrix = ndb::FindSubnode(*ndb_, ndb_->FindNode(kNode)->trees.bidSub, 0x3F).value();
+    const auto matrix = ndb::FindSubnode(*ndb_, ndb_->FindNode(kTableNode)->trees.bidSub, 0x3F).value();
     auto data = ndb::DataTreeReader::Open(*ndb_, matrix->trees.bidData).value();
     ASSERT_EQ(data.BlockCount(), (count + kRowsPerBlock - 1) / kRowsPerBlock);
     for (std::size_t b = 0; b + 1 < data.BlockCount(); ++b) EXPECT_EQ(data.Block(b)->size(), 8176u);
@@ -220,7 +220,7 @@ TEST_F(Tables, MoveLargeCellsToSubnodes) {
   EXPECT_EQ(table.Cell(0, kKey).value(), inHeap);
   EXPECT_EQ(table.Cell(1, kKey).value(), beside);
   EXPECT_EQ(table.Cell(2, kKey).value(), large);
-  EXPECT_EQ(ndb::ListSubnodes(*ndb_, ndb_->FindNode(kNode)->trees.bidSub)->size(), 2u);
+  EXPECT_EQ(ndb::ListSubnodes(*ndb_, ndb_->FindNode(kTableNode)->trees.bidSub)->size(), 2u);
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(Check(), "");
 }
@@ -231,7 +231,7 @@ TEST_F(Tables, GrowIndexLevelsWithTheirRows) {
   ExpectRows(table, 30000, 97);
   ASSERT_TRUE(ndb_->Seal());
   const auto store = ndb::StoreReader::Open(file_).value();
-  TableContext again = TableContext::Open(*store, store->FindNode(kNode)->trees).value();
+  TableContext again = TableContext::Open(*store, store->FindNode(kTableNode)->trees).value();
   ExpectRows(again, 30000, 997);
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(Check(), "");

@@ -5,14 +5,14 @@
 namespace velmora::ltp {
 namespace {
 
-constexpr std::array<Column, 6> kColumns{{{0x0E07'0003, 8, 4, 2},
-                                          {0x0E33'0014, 12, 8, 3},
-                                          {0x3001'001F, 20, 4, 4},
-                                          {0x360A'000B, 24, 1, 5},
-                                          {kPidTagLtpRowId, 0, 4, 0},
-                                          {kPidTagLtpRowVer, 4, 4, 1}}};
-constexpr TableSchema kSchema{kColumns, {24, 24, 25, 26}};
-static_assert(IsSound(kSchema));
+constexpr std::array<Column, 6> kSoundColumns{{{0x0E07'0003, 8, 4, 2},
+                                               {0x0E33'0014, 12, 8, 3},
+                                               {0x3001'001F, 20, 4, 4},
+                                               {0x360A'000B, 24, 1, 5},
+                                               {kPidTagLtpRowId, 0, 4, 0},
+                                               {kPidTagLtpRowVer, 4, 4, 1}}};
+constexpr TableSchema kSoundSchema{kSoundColumns, {24, 24, 25, 26}};
+static_assert(IsSound(kSoundSchema));
 
 struct Change {
   const char* what;
@@ -22,8 +22,8 @@ struct Change {
 class UnsoundSchema : public testing::TestWithParam<Change> {};
 
 TEST_P(UnsoundSchema, IsTold) {
-  std::array<Column, 6> columns = kColumns;
-  std::array<std::uint16_t, 4> rgib = kSchema.rgib;
+  std::array<Column, 6> columns = kSoundColumns;
+  std::array<std::uint16_t, 4> rgib = kSoundSchema.rgib;
   GetParam().make(columns, rgib);
   EXPECT_FALSE(IsSound({columns, rgib})) << GetParam().what;
 }
