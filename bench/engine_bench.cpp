@@ -96,8 +96,11 @@ void LookUp(benchmark::State& bench) {
   std::vector<BlockRecord> records;
   for (std::uint32_t i = 1; i <= static_cast<std::uint32_t>(bench.range(0)); ++i)
     records.push_back({i * 4, 100, i * 64ull});
-  BlockIndex index;
-  index.Build(std::move(records), platform::MemoryFile{}, LayoutOf(FORMAT_UNICODE));
+  EngineState state;
+  RunContext run;
+  BlockIndex& index = state.index;
+  index.Add(records);
+  index.Settle(state, run);
   std::minstd_rand random(1);
   std::uniform_int_distribution<std::uint32_t> anyBlock(1, static_cast<std::uint32_t>(bench.range(0)));
   for (auto _ : bench) benchmark::DoNotOptimize(index.Find(4 * anyBlock(random)));

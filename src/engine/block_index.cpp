@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/block_trailer.h"
+#include "engine/block_proof.h"
 
 namespace velmora::engine {
 namespace {
@@ -11,58 +11,59 @@ namespace {
 constexpr std::size_t kLeastMerge = 65536;
 
 bool LowerBid(const BlockRecord& a, const BlockRecord& b) { return a.bid < b.bid; }
-bool SameBid(const BlockRecord& a, const BlockRecord& b) { return a.bid == b.bid; }
 
-/// The record of a look-up among those of one `bid` in one chunk.
-const BlockRecord& Best(std::span<const BlockRecord> group, const platform::ByteSource& source,
-                        const PageLayout& layout) {
-  const BlockRecord& first = group.front();
-  if (std::all_of(group.begin(), group.end(), [&](const BlockRecord& record) { return record == first; })) return first;
-  const auto proven = std::find_if(group.begin(), group.end(),
-                                   [&](const BlockRecord& record) { return TrailerProves(record, source, layout); });
-  return proven == group.end() ? first : *proven;
+/// The positions of the records whose id another one has too.
+std::vector<std::uint32_t> Contested(std::span<const BlockRecord> records) {
+  std::vector<std::uint32_t> positions;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const bool likeLast = i > 0 && records[i - 1].bid == records[i].bid;
+    const bool likeNext = i + 1 < records.size() && records[i + 1].bid == records[i].bid;
+    if (likeLast || likeNext) positions.push_back(static_cast<std::uint32_t>(i));
+  }
+  return positions;
 }
 
 }  // namespace
 
-void SortChunk(std::span<BlockRecord> chunk) { std::stable_sort(chunk.begin(), chunk.end(), LowerBid); }
+void SortByBid(std::span<BlockRecord> records) { std::stable_sort(records.begin(), records.end(), LowerBid); }
 
-void BlockIndex::AddChunk(std::span<const BlockRecord> chunk, const platform::ByteSource& source,
-                          const PageLayout& layout) {
-  while (!chunk.empty()) {
-    const auto end = std::upper_bound(chunk.begin(), chunk.end(), chunk.front(), LowerBid);
-    const auto group = chunk.first(static_cast<std::size_t>(end - chunk.begin()));
-    pending_.push_back(Best(group, source, layout));
-    chunk = chunk.subspan(group.size());
-  }
+void BlockIndex::Add(std::span<const BlockRecord> records) {
+  pending_.insert(pending_.end(), records.begin(), records.end());
   if (pending_.size() >= std::max(kLeastMerge, sorted_.size())) Merge();
 }
 
-void BlockIndex::Settle() {
+void BlockIndex::Settle(EngineState& state, RunContext& run) {
   Merge();
-  sorted_.shrink_to_fit();
   pending_ = {};
-}
-
-void BlockIndex::Build(std::vector<BlockRecord> records, const platform::ByteSource& source, const PageLayout& layout) {
-  Clear();
-  for (std::span<BlockRecord> rest(records); !rest.empty();) {
-    const auto chunk = rest.first(std::min<std::size_t>(kChunkRecords, rest.size()));
-    SortChunk(chunk);
-    AddChunk(chunk, source, layout);
-    rest = rest.subspan(chunk.size());
-  }
-  Settle();
+  KeepTheBestOfEachId(state, run);
+  sorted_.shrink_to_fit();
 }
 
 void BlockIndex::Merge() {
-  // Stable throughout: of equal ids the one of the earliest chunk comes first and stays.
-  std::stable_sort(pending_.begin(), pending_.end(), LowerBid);
+  SortByBid(pending_);
   const auto middle = static_cast<std::ptrdiff_t>(sorted_.size());
   sorted_.insert(sorted_.end(), pending_.begin(), pending_.end());
   pending_.clear();
+  // Stable, as the sort is: what came first stays ahead.
   std::inplace_merge(sorted_.begin(), sorted_.begin() + middle, sorted_.end(), LowerBid);
-  sorted_.erase(std::unique(sorted_.begin(), sorted_.end(), SameBid), sorted_.end());
+  sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
+}
+
+void BlockIndex::KeepTheBestOfEachId(EngineState& state, RunContext& run) {
+  auto contested = Contested(sorted_);
+  if (contested.empty()) return;
+  auto proofs = ProveBlocks(state, run, sorted_, std::move(contested));
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < sorted_.size(); ++i) {
+    if (kept == 0 || sorted_[kept - 1].bid != sorted_[i].bid) {
+      ++kept;
+    } else if (proofs[i] <= proofs[kept - 1]) {
+      continue;
+    }
+    sorted_[kept - 1] = sorted_[i];
+    proofs[kept - 1] = proofs[i];
+  }
+  sorted_.resize(kept);
 }
 
 std::optional<BlockRecord> BlockIndex::Find(std::uint32_t id) const {

@@ -6,10 +6,10 @@
 #include <span>
 #include <vector>
 
-#include "engine/page_layout.h"
-#include "platform/file.h"
-
 namespace velmora::engine {
+
+struct EngineState;
+struct RunContext;
 
 /// A block's place in the source. In the index file a record is 16 bytes: bid, size (u32 each), offset
 /// (u64), little-endian.
@@ -21,31 +21,26 @@ struct BlockRecord {
   friend bool operator==(const BlockRecord&, const BlockRecord&) = default;
 };
 
-/// Brings the records of one chunk into the order of the index file: by `bid`, in file order among equals.
-void SortChunk(std::span<BlockRecord> chunk);
+/// Brings records into the order of their ids; those of one id stay in the order in which they stand.
+void SortByBid(std::span<BlockRecord> records);
 
-/// The index file holds records in chunks of 4000, each chunk sorted by `bid`; across chunks there is no
-/// order, and a look-up takes the first chunk that holds the id. This class gives that answer from one
-/// sorted table in memory, so a look-up costs O(log n) whatever the number of chunks.
+/// One record for each id, in one sorted table in memory: a look-up costs O(log n).
 ///
-/// Among different records of one `bid` in a chunk the first in file order whose block trailer proves
-/// itself (id and signature) wins, else the first.
+/// In a large store some bytes look like a trailer by chance, and old pages of the block tree may name
+/// places that now hold something else; so an id may come with several records. Of those the one counts
+/// whose block proves itself best (see Proof), the first in file order among equals.
 ///
-/// Memory: 16 bytes for each id once it is settled. While it is built, at most about four times that:
-/// records that were taken in but not merged are never more than the ids that were (or 65,536), and a
-/// merge works on a copy.
+/// Memory: 16 bytes for each id once it is settled. While it is built, at most about four times as much for
+/// each record: those that were taken in but not merged are never more than those that were (or 65,536),
+/// and a merge works on a copy. Settling takes one byte more a record, and four where its id has others.
 class BlockIndex {
  public:
-  static constexpr std::uint32_t kChunkRecords = 4000;
+  /// Takes in records; those of one id in file order, within one call and from call to call.
+  void Add(std::span<const BlockRecord> records);
 
-  /// Takes in the next chunk, in the order of SortChunk. `source` serves to prove trailers.
-  void AddChunk(std::span<const BlockRecord> chunk, const platform::ByteSource& source, const PageLayout& layout);
-
-  /// To be called behind the last chunk; Find sees every chunk then.
-  void Settle();
-
-  /// Cuts records in file order into chunks and takes them all in.
-  void Build(std::vector<BlockRecord> records, const platform::ByteSource& source, const PageLayout& layout);
+  /// To be called behind the last of them; Find sees them all then. Reads the blocks of ids with several
+  /// records from the source of the state, of which this index may be a part.
+  void Settle(EngineState& state, RunContext& run);
 
   std::optional<BlockRecord> Find(std::uint32_t id) const;
 
@@ -53,9 +48,10 @@ class BlockIndex {
 
  private:
   void Merge();
+  void KeepTheBestOfEachId(EngineState& state, RunContext& run);
 
-  std::vector<BlockRecord> sorted_;   ///< by bid, one record a bid
-  std::vector<BlockRecord> pending_;  ///< one record a bid and chunk, in the order of the chunks
+  std::vector<BlockRecord> sorted_;   ///< by bid, in file order among equals; copies side by side are dropped
+  std::vector<BlockRecord> pending_;  ///< not merged yet
 };
 
 }  // namespace velmora::engine

@@ -93,14 +93,14 @@ void ScanBlockPages(EngineState& state, RunContext& run) {
   state.blockRecordCount = 0;
   state.orphanBlockCount = 0;
   state.indexFileName = "FirstTableItem.dat";
-  auto file = IndexFile::Create(state.outputFolder / state.indexFileName, *state.source, state.layout, state.index);
+  auto file = IndexFile::Create(state.outputFolder / state.indexFileName, state);
   if (!file) return RefuseRun(run, kNoIndexFile);
 
   ScanSource(state, run, *file);
   if (run.runEnded) return;
   if (run.smartScan) state.referencedIds.Clear();
 
-  const auto records = file->Finish();
+  const auto records = file->Finish(run);
   if (!records) return RefuseRun(run, kNoIndexFile);
   if (*records < kLeastRecords) RefuseRun(run, kNotValid);
   run.Log(u"\r\n");

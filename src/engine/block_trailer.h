@@ -1,13 +1,11 @@
-// The trailer behind a block's data: the three ways in which it is looked for.
+// The trailer behind a block's data: the two ways in which the scans look for it.
 #pragma once
 
 #include <cstdint>
 
-#include "engine/block_index.h"
 #include "engine/byte_view.h"
 #include "engine/page_layout.h"
 #include "engine/zero_runs.h"
-#include "platform/file.h"
 
 namespace velmora::engine {
 
@@ -32,8 +30,5 @@ inline bool HasTrailerAt(std::uint32_t pitch, std::uint32_t id, std::uint32_t si
   const auto next = FirstNonZero(tail.Bytes(), 2);
   return next && fits(*next);
 }
-
-/// Does the trailer at its published place carry the record's id and the signature of its place?
-bool TrailerProves(const BlockRecord& record, const platform::ByteSource& source, const PageLayout& layout);
 
 }  // namespace velmora::engine

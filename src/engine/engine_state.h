@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "engine/bad_ranges.h"
 #include "engine/block_index.h"
 #include "engine/node_list.h"
 #include "engine/page_layout.h"
@@ -30,6 +31,7 @@ struct EngineState {
   // Opening and probe
   std::unique_ptr<platform::ByteSource> source;  ///< null outside a run
   std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed; no step shows it
+  BadRanges badRanges;                           ///< of all reads that failed
   StoreKind storeKind = StoreKind::kNone;
   PageLayout layout;
   std::uint64_t percentBase = 0;  ///< divisor of every percentage; 0 for a tiny source

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <utility>
 
+#include "engine/engine_state.h"
+
 namespace velmora::engine {
 namespace {
 
@@ -17,30 +19,29 @@ void Store(std::byte* at, const BlockRecord& record) {
 
 }  // namespace
 
-platform::Result<IndexFile> IndexFile::Create(const std::filesystem::path& path, const platform::ByteSource& source,
-                                              const PageLayout& layout, BlockIndex& index) {
+platform::Result<IndexFile> IndexFile::Create(const std::filesystem::path& path, EngineState& state) {
   auto file = platform::CreateFile(path, platform::Existing::kReplace);
   if (!file) return tl::unexpected(file.error());
-  index.Clear();
-  return IndexFile(std::move(*file), source, layout, index);
+  state.index.Clear();
+  return IndexFile(std::move(*file), state);
 }
 
 void IndexFile::Append(const BlockRecord& record) {
   chunk_.push_back(record);
-  if (chunk_.size() == BlockIndex::kChunkRecords) WriteChunk();
+  if (chunk_.size() == kChunkRecords) WriteChunk();
 }
 
-platform::Result<std::uint64_t> IndexFile::Finish() {
+platform::Result<std::uint64_t> IndexFile::Finish(RunContext& run) {
   WriteChunk();
-  index_->Settle();
   file_.reset();
   if (!state_) return tl::unexpected(state_.error());
+  engine_->index.Settle(*engine_, run);
   return written_;
 }
 
 void IndexFile::WriteChunk() {
-  SortChunk(chunk_);
-  index_->AddChunk(chunk_, *source_, *layout_);
+  SortByBid(chunk_);
+  engine_->index.Add(chunk_);
   if (state_) {
     std::vector<std::byte> bytes(chunk_.size() * kRecordBytes);
     for (std::size_t i = 0; i < chunk_.size(); ++i) Store(bytes.data() + i * kRecordBytes, chunk_[i]);

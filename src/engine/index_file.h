@@ -12,32 +12,29 @@
 
 namespace velmora::engine {
 
-/// Writes records into the file and, chunk by chunk, into the index. A chunk is sorted once, in memory,
-/// before it is written.
+/// Writes records into the file and into the index of the run. The file holds them in chunks of 4000, each
+/// sorted by `bid` once, in memory, before it is written; across chunks there is no order.
 class IndexFile {
  public:
-  /// Makes the file, replacing an old one. `source` and `layout` serve to fill `index`; all three must
-  /// outlive the object.
-  static platform::Result<IndexFile> Create(const std::filesystem::path& path, const platform::ByteSource& source,
-                                            const PageLayout& layout, BlockIndex& index);
+  static constexpr std::uint32_t kChunkRecords = 4000;
+
+  /// Makes the file, replacing an old one, and clears the index of the state. The state must outlive the
+  /// object.
+  static platform::Result<IndexFile> Create(const std::filesystem::path& path, EngineState& state);
 
   /// Takes a record, in file order. A failure of the disk is kept for Finish.
   void Append(const BlockRecord& record);
 
-  /// Writes the last chunk, settles the index and closes the file. Gives the number of records written.
-  platform::Result<std::uint64_t> Finish();
+  /// Writes the last chunk, closes the file and settles the index. Gives the number of records written.
+  platform::Result<std::uint64_t> Finish(RunContext& run);
 
  private:
-  IndexFile(std::unique_ptr<platform::ByteStore> file, const platform::ByteSource& source, const PageLayout& layout,
-            BlockIndex& index)
-      : file_(std::move(file)), source_(&source), layout_(&layout), index_(&index) {}
+  IndexFile(std::unique_ptr<platform::ByteStore> file, EngineState& state) : file_(std::move(file)), engine_(&state) {}
 
   void WriteChunk();
 
   std::unique_ptr<platform::ByteStore> file_;
-  const platform::ByteSource* source_;
-  const PageLayout* layout_;
-  BlockIndex* index_;
+  EngineState* engine_;
   std::vector<BlockRecord> chunk_;
   std::uint64_t written_ = 0;  ///< records
   platform::Result<void> state_;

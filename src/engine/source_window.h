@@ -12,7 +12,7 @@
 namespace velmora::engine {
 
 /// Reads into `out` and returns how many bytes the source had; nothing when the read failed, or at an
-/// offset that no file can have (top bit set). A failure is kept in the state.
+/// offset that no file can have (top bit set). A failure and its range are kept in the state.
 std::optional<std::size_t> ReadFromSource(EngineState& state, std::uint64_t offset, std::span<std::byte> out);
 
 /// A window on the source of a run, which outlives it. A piece of the source that cannot be read counts as
@@ -49,6 +49,8 @@ class SourceWindow {
   }
   void Load(std::uint64_t offset, std::size_t length);
   ByteView ReadPiece(std::uint64_t offset, std::size_t length);
+  /// Returns how many bytes the source has there, those that cannot be read among them.
+  std::size_t Fill(std::uint64_t offset, std::span<std::byte> out);
 
   EngineState& state_;
   std::vector<std::byte> buffer_;

@@ -17,6 +17,11 @@ class BlockReaderTest : public RunTest {
     Attach(block);
   }
 
+  void Index(const std::vector<BlockRecord>& records) {
+    state_.index.Add(records);
+    state_.index.Settle(state_, run_);
+  }
+
   BlockReader reader_{state_};
 };
 
@@ -32,7 +37,7 @@ std::vector<std::byte> Deflated(std::span<const std::byte> content) {
 
 TEST_F(BlockReaderTest, AnIdWithALowBitThatTheIndexLacksIsFoundAtTheNextLowerId) {
   Attach(std::vector<std::byte>(1000));
-  state_.index.Build({{4, 10, 64}, {9, 10, 128}}, *state_.source, state_.layout);
+  Index({{4, 10, 64}, {9, 10, 128}});
   EXPECT_FALSE(reader_.FindBlock(5)) << "nothing is tried in its place";
   EXPECT_EQ(reader_.FindBlockOrLower(5), (BlockRecord{4, 10, 64}));
   EXPECT_EQ(reader_.FindBlockOrLower(9), (BlockRecord{9, 10, 128}));
@@ -41,7 +46,7 @@ TEST_F(BlockReaderTest, AnIdWithALowBitThatTheIndexLacksIsFoundAtTheNextLowerId)
 
 TEST_F(BlockReaderTest, Id0IsNoBlock) {
   Attach(std::vector<std::byte>(1000));
-  state_.index.Build({{0, 10, 64}, {0xFFFFFFFF, 10, 128}}, *state_.source, state_.layout);
+  Index({{0, 10, 64}, {0xFFFFFFFF, 10, 128}});
   EXPECT_FALSE(reader_.FindBlock(0));
   EXPECT_FALSE(reader_.FindBlockOrLower(0));
 }

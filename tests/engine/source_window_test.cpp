@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/bad_disk.h"
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
 #include "engine/zero_runs.h"
@@ -9,32 +10,11 @@
 namespace velmora::engine {
 namespace {
 
-/// Counts the reads, and fails those that touch one bad range.
-class Disk : public platform::ByteSource {
- public:
-  Disk(std::vector<std::byte> bytes, std::uint64_t badFrom, std::uint64_t badTo)
-      : file_(std::move(bytes)), badFrom_(badFrom), badTo_(badTo) {}
-  std::uint64_t Size() const override { return file_.Size(); }
-  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    ++reads;
-    if (offset < badTo_ && offset + out.size() > badFrom_) {
-      return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad sector"});
-    }
-    return file_.ReadAt(offset, out);
-  }
-
-  mutable int reads = 0;
-
- private:
-  platform::MemoryFile file_;
-  std::uint64_t badFrom_, badTo_;
-};
-
 class SourceWindowTest : public RunTest {
  protected:
-  const Disk& AttachDisk(std::vector<std::byte> bytes, std::uint64_t badFrom = 0, std::uint64_t badTo = 0) {
-    auto disk = std::make_unique<Disk>(std::move(bytes), badFrom, badTo);
-    const Disk& observed = *disk;
+  const BadDisk& AttachDisk(std::vector<std::byte> bytes, std::vector<BadPlace> bad = {}) {
+    auto disk = std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(std::move(bytes)), std::move(bad));
+    const BadDisk& observed = *disk;
     state_.source = std::move(disk);
     return observed;
   }
@@ -44,7 +24,7 @@ class SourceWindowTest : public RunTest {
 
 TEST_F(SourceWindowTest, AWalkReadsLargePiecesWhateverItLooksAt) {
   const auto bytes = forge::Noise(3 << 20, 1);
-  const Disk& disk = AttachDisk(bytes);
+  const BadDisk& disk = AttachDisk(bytes);
   for (std::uint64_t offset = 0; offset < bytes.size(); offset += 4096) {
     const auto read = window_.Read(offset, 4096).Bytes();
     ASSERT_TRUE(std::equal(read.begin(), read.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
@@ -62,7 +42,7 @@ TEST_F(SourceWindowTest, WhatIsReadEndsWithTheSource) {
 
 TEST_F(SourceWindowTest, APeekLeavesTheWindowWhereItIs) {
   const auto bytes = forge::Noise(3 << 20, 2);
-  const Disk& disk = AttachDisk(bytes);
+  const BadDisk& disk = AttachDisk(bytes);
   window_.Read(0, 4096);
   const auto far = window_.Peek(2 << 20, 100).Bytes();
   EXPECT_TRUE(std::equal(far.begin(), far.end(), bytes.begin() + (2 << 20)));
@@ -73,7 +53,7 @@ TEST_F(SourceWindowTest, APeekLeavesTheWindowWhereItIs) {
 
 TEST_F(SourceWindowTest, APieceThatCannotBeReadCountsAsZerosAndHidesNothingBehindIt) {
   const auto bytes = forge::Noise(200'000, 3);
-  AttachDisk(bytes, 50'000, 50'001);
+  AttachDisk(bytes, {{50'000, 50'001}});
   const ByteView read = window_.Read(0, 200'000);
   ASSERT_EQ(read.Size(), 200'000u);
   auto expected = bytes;
@@ -81,20 +61,41 @@ TEST_F(SourceWindowTest, APieceThatCannotBeReadCountsAsZerosAndHidesNothingBehin
   EXPECT_TRUE(std::equal(expected.begin(), expected.end(), read.Bytes().begin()));
   ASSERT_TRUE(state_.readFailure);
   EXPECT_EQ(state_.readFailure->message, "bad sector");
+  EXPECT_EQ(state_.badRanges.Ranges(), (std::map<std::uint64_t, std::uint64_t>{{49152, 53248}}));
+}
+
+TEST_F(SourceWindowTest, APeekAtABadPlaceKeepsWhatLiesAroundIt) {
+  const auto bytes = forge::Noise(20'000, 3);
+  AttachDisk(bytes, {{5'000, 5'001}});
+  const ByteView read = window_.Peek(100, 19'000);
+  ASSERT_EQ(read.Size(), 19'000u);
+  auto expected = std::vector(bytes.begin() + 100, bytes.begin() + 19'100);
+  std::fill_n(expected.begin() + 4096, 4096, std::byte{0});
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), read.Bytes().begin()));
+}
+
+TEST_F(SourceWindowTest, EveryBadPlaceIsKeptOnceHoweverOftenItIsRead) {
+  AttachDisk(forge::Noise(300'000, 3), {{30'000, 30'001}, {30'600, 34'000}, {200'000, 200'001}, {299'999, 300'000}});
+  window_.Read(0, 300'000);
+  window_.Peek(2'000, 298'000);
+  std::vector<std::byte> block(8192);
+  ReadFromSource(state_, 199'000, block);
+  EXPECT_EQ(state_.badRanges.Ranges(),
+            (std::map<std::uint64_t, std::uint64_t>{{28'672, 36'864}, {196'608, 200'704}, {299'008, 300'000}}));
 }
 
 TEST_F(SourceWindowTest, AScanGoesOnBehindABadSector) {
   Canvas canvas;
   canvas.Page(forge::Format::kUnicode, 18432, forge::NodePage(forge::Format::kUnicode, {{1, 4, 0, 0}}));
   canvas.Page(forge::Format::kUnicode, 18432 + 9 * 4096, forge::NodePage(forge::Format::kUnicode, {{2, 4, 0, 0}}));
-  AttachDisk(canvas.bytes, 30'000, 30'100);
+  AttachDisk(canvas.bytes, {{30'000, 30'100}});
   state_.layout = LayoutOf(FORMAT_UNICODE);
   ScanNodePages(state_, run_);
   EXPECT_EQ(state_.nodes.Records(), (std::vector<NodeRecord>{{1, 4, 0, 0}, {2, 4, 0, 0}}));
 }
 
 TEST_F(SourceWindowTest, ASourceThatCannotBeReadAtAllEndsTheScans) {
-  AttachDisk(std::vector<std::byte>(100'000), 0, 100'000);
+  AttachDisk(std::vector<std::byte>(100'000), {{0, 100'000}});
   EXPECT_EQ(ProbeFormat(state_, run_), ProbeResult::kRefused);
   ScanNodePages(state_, run_);
   EXPECT_TRUE(state_.nodes.Records().empty());

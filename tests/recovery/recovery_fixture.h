@@ -170,7 +170,9 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
 
   void Settle() {
     engine_.source = std::make_unique<platform::MemoryFile>(source_);
-    engine_.index.Build(index_, *engine_.source, engine_.layout);
+    engine_.index.Clear();
+    engine_.index.Add(index_);
+    engine_.index.Settle(engine_, run_);
     engine_.blockRecordCount = static_cast<std::uint32_t>(index_.size());
     engine_.percentBase = engine_.nodeCount / 100;
   }

@@ -1,0 +1,43 @@
+// A source on a disk with bad places, which counts what is read from it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/file.h"
+
+namespace velmora::engine {
+
+/// A stretch of a disk that cannot be read: from the first offset to before the second.
+using BadPlace = std::pair<std::uint64_t, std::uint64_t>;
+
+class BadDisk : public platform::ByteSource {
+ public:
+  BadDisk(std::unique_ptr<platform::ByteSource> content, std::vector<BadPlace> bad)
+      : content_(std::move(content)), bad_(std::move(bad)) {}
+
+  std::uint64_t Size() const override { return content_->Size(); }
+
+  /// A read that touches a bad place fails as a whole.
+  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    ++reads;
+    bytesRead += out.size();
+    for (const auto& [from, to] : bad_) {
+      if (offset < to && offset + out.size() > from) {
+        return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad sector"});
+      }
+    }
+    return content_->ReadAt(offset, out);
+  }
+
+  mutable int reads = 0;
+  mutable std::uint64_t bytesRead = 0;
+
+ private:
+  std::unique_ptr<platform::ByteSource> content_;
+  std::vector<BadPlace> bad_;
+};
+
+}  // namespace velmora::engine
