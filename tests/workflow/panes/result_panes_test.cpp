@@ -11,6 +11,7 @@
 #include "forge/mailbox.h"
 #include "workflow/panes/forged_kinds.h"
 #include "workflow/panes/grid_rows.h"
+#include "workflow/panes/open_files.h"
 #include "workflow/panes/result_fixture.h"
 #include "workflow/qt_text.h"
 
@@ -194,10 +195,14 @@ class PanesOfAFinishedRunTest : public ResultPanesTest {
     Run(Demo());
     Select(*Folder(u"Inbox"));
     panes_.ListPane().selectRow(0);
-    panes_.OnMessage({.code = 32848, .text = PathOf(*Folder(u"Inbox"))});
-    EXPECT_NE(Body(), "");
+    ShowBody();
     EXPECT_GT(panes_.ListPane().RowCount(), 0);
   }
+  void ShowBody() {
+    panes_.OnMessage({.code = 32848, .text = PathOf(*Folder(u"Inbox"))});
+    EXPECT_NE(Body(), "");
+  }
+  bool IsStoreInUse() const { return OpenFiles().contains(ToQt(state_.destinationPath)); }
   void BeginListing() {
     panes_.OnMessage({.code = 32834, .text = PathOf(*Folder(u"Inbox"))});
     EXPECT_TRUE(panes_.ListBusy());
@@ -246,6 +251,8 @@ TEST_F(PanesOfAFinishedRunTest, TheNextRunForgetsAllThatIsShown) {
   panes_.OnMessage({.code = 32836, .text = PathOf(*Folder(u"Contacts"))});
   EXPECT_GT(panes_.Grid().Rows().rowCount(), 0) << "behind the list";
   BeginListing();
+  ShowBody();
+  EXPECT_TRUE(IsStoreInUse());
   panes_.BeginRun();
   EXPECT_FALSE(panes_.ListBusy());
   EXPECT_FALSE(state_.treeFilling);
@@ -253,7 +260,8 @@ TEST_F(PanesOfAFinishedRunTest, TheNextRunForgetsAllThatIsShown) {
   EXPECT_EQ(panes_.Grid().Rows().rowCount(), 0);
   EXPECT_EQ(panes_.ListPane().RowCount(), 0);
   EXPECT_EQ(Body(), "");
-  EXPECT_FALSE(state_.previewSession) << "the store is in use no longer";
+  EXPECT_FALSE(state_.previewSession);
+  EXPECT_FALSE(IsStoreInUse());
 }
 
 TEST_F(PanesOfAFinishedRunTest, TheNextRunBeginsWithTheList) {
@@ -263,8 +271,10 @@ TEST_F(PanesOfAFinishedRunTest, TheNextRunBeginsWithTheList) {
 }
 
 TEST_F(PanesOfAFinishedRunTest, OnceThePageIsLeftTheStoreIsInUseNoLonger) {
+  EXPECT_TRUE(IsStoreInUse());
   panes_.EndRun();
   EXPECT_FALSE(state_.previewSession);
+  EXPECT_FALSE(IsStoreInUse());
 }
 
 class PanesDuringARunTest : public ResultPanesTest {
