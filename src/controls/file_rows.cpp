@@ -2,6 +2,8 @@
 
 #include <QSize>
 
+#include "controls/plain_tip.h"
+
 namespace velmora::controls {
 
 void FileRows::PutOnTop(const QStringList& texts) {
@@ -32,7 +34,8 @@ int FileRows::rowCount(const QModelIndex& parent) const { return parent.isValid(
 
 QVariant FileRows::data(const QModelIndex& index, int role) const {
   if (role == Qt::SizeHintRole && rowHeight_ > 0) return QSize(0, rowHeight_);
-  const bool shown = role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole;
+  if (role == Qt::ToolTipRole) return PlainTip(TextAt(index.row()));
+  const bool shown = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
   return shown ? QVariant(TextAt(index.row())) : QVariant();
 }
 

@@ -81,7 +81,7 @@ CUPDialog::CUPDialog(QWidget* parent, const QString& caption, Function function)
   bar->setRange(0, 100);
   bar->setTextVisible(false);
   bar->setAccessibleName(caption);
-  text->setTextFormat(Qt::PlainText);
+  for (QLabel* label : {text, percent}) label->setTextFormat(Qt::PlainText);
   auto* layout = new QGridLayout(this);
   layout->addWidget(text, 0, 0);
   layout->addWidget(percent, 0, 1, Qt::AlignRight);
@@ -136,8 +136,11 @@ void CUPDialog::OnMessage(Message message, int number, const QString& text) {
   }
 }
 
+void CUPDialog::reject() {
+  if (!locked_) OnCancel();
+}
+
 void CUPDialog::OnCancel() {
-  if (locked_) return;
   shared_->Set(&Shared::cancel, true);
   const auto tell = [this] {
     auto* text = findChild<QLabel*>(QStringLiteral("1026"));

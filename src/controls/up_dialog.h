@@ -17,11 +17,11 @@ class CUPDialog : public QDialog {
  public:
   /// What the function sends to the dialog.
   enum Message : std::uint32_t {
-    kLockMessage = 2258,      ///< no way out but the end of the function
+    kLockMessage = 2258,      ///< the user has no way out any more
     kEndMessage = 2259,       ///< ends the dialog with the number
     kPositionMessage = 2260,  ///< sets the bar to the number
     kTextMessage = 2261,
-    kCancelMessage = 2262,
+    kCancelMessage = 2262,   ///< cancels, also what is locked
     kPercentMessage = 2263,  ///< sets the text beside the bar
   };
 
@@ -58,7 +58,8 @@ class CUPDialog : public QDialog {
   /// Shows the dialog and starts the function; returns a Result when the dialog has ended.
   int Run();
 
-  void reject() override { OnMessage(kCancelMessage, 0, {}); }
+  /// The way out of button, close box and Escape.
+  void reject() override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

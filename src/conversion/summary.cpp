@@ -41,6 +41,30 @@ std::int64_t FolderCounters::*CounterOf(text::TextView containerClass) {
   return &FolderCounters::mail;
 }
 
+/// The end of the log of a run. Where the run keeps none there is nothing to write to.
+class LogEnd {
+ public:
+  explicit LogEnd(text::TextView path) : file_(platform::OpenForWriting(text::ToFileName(path))) {}
+  void Write(text::TextView piece) {
+    if (file_) AppendToLog(**file_, piece);
+  }
+
+ private:
+  platform::Result<std::unique_ptr<platform::ByteStore>> file_;
+};
+
+std::optional<std::int32_t> CountInto(LogEnd& log, output::RDOSession& session, text::TextView path,
+                                      FolderCounters& counters) {
+  const auto folder = session.GetFolderFromPath(path);
+  if (!folder) return std::nullopt;
+  const std::int32_t count = folder->Items()->Count();
+  counters.*CounterOf(folder->ContainerClass()) += count;
+  counters.total += count;
+  counters.lastFolder = count;
+  log.Write(u"\r\n\r\n" + text::Text(path) + u": " + text::Decimal(count));
+  return count;
+}
+
 bool IsSkipped(const SummaryFolder& folder) {
   return !folder.hasParent && folder.name != u"Lost & Found" && folder.name != u"Orphaned Mails";
 }
@@ -69,35 +93,27 @@ std::vector<SummaryFolder> FoldersOf(output::RDOSession& session, text::TextView
   return found;
 }
 
-std::optional<std::int32_t> CountFolder(output::RDOSession& session, text::TextView path, FolderCounters& counters) {
-  const auto folder = session.GetFolderFromPath(path);
-  if (!folder) return std::nullopt;
-  const std::int32_t count = folder->Items()->Count();
-  counters.*CounterOf(folder->ContainerClass()) += count;
-  counters.total += count;
-  counters.lastFolder = count;
-  return count;
+std::optional<std::int32_t> CountFolder(output::RDOSession& session, text::TextView path, text::TextView logPath,
+                                        FolderCounters& counters) {
+  LogEnd log(logPath);
+  return CountInto(log, session, path, counters);
 }
 
 std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& session,
                                                       const std::vector<SummaryFolder>& folders, text::TextView logPath,
                                                       FolderCounters& counters) {
-  const auto log = platform::OpenForWriting(text::ToFileName(logPath));
-  const auto write = [&](text::TextView piece) {
-    if (log) AppendToLog(**log, piece);
-  };
-  write(u"\r\n\r\n");
-  write(u"-------------------Summary--------------------");
+  LogEnd log(logPath);
+  log.Write(u"\r\n\r\n");
+  log.Write(u"-------------------Summary--------------------");
   counters = {};
   std::vector<std::optional<std::int32_t>> counts;
   for (const SummaryFolder& folder : folders) {
-    counts.push_back(IsSkipped(folder) ? std::nullopt : CountFolder(session, folder.path, counters));
-    if (counts.back()) write(u"\r\n\r\n" + folder.path + u": " + text::Decimal(*counts.back()));
+    counts.push_back(IsSkipped(folder) ? std::nullopt : CountInto(log, session, folder.path, counters));
   }
-  write(u"\r\n\r\nTotal recovered mail items : ");
-  write(text::Decimal(counters.total));
-  write(u"\r\n\r\nDate and time : ");
-  write(LogTime());
+  log.Write(u"\r\n\r\nTotal recovered mail items : ");
+  log.Write(text::Decimal(counters.total));
+  log.Write(u"\r\n\r\nDate and time : ");
+  log.Write(LogTime());
   return counts;
 }
 

@@ -16,6 +16,8 @@ namespace {
 
 using Link = CUPDialog::Link;
 
+constexpr qint64 kPatience = 500;  // milliseconds that a wait for the function takes
+
 /// Has something called while the function goes on. To be called by the function.
 template <class Call>
 void Meanwhile(const Link& link, QObject* context, Call call) {
@@ -131,16 +133,34 @@ TEST(UPDialogTest, LockLeavesNoWayOut) {
   EXPECT_TRUE(up);
 }
 
-TEST(UPDialogTest, CancelWaitsForAFunctionThatHeedsIt) {
-  std::atomic<bool> ended{false};
+TEST(UPDialogTest, TheFunctionCancelsItselfInSpiteOfALock) {
+  bool heard = false;
   CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
-    Meanwhile(link, &dialog, [&] { QTest::mouseClick(dialog.findChild<QPushButton*>("2"), Qt::LeftButton); });
+    link.Send(CUPDialog::kLockMessage, 0);
+    link.Send(CUPDialog::kCancelMessage, 0);
+    heard = link.IsCancelled();
+    return true;
+  });
+  EXPECT_EQ(dialog.Run(), 0x10002);
+  EXPECT_TRUE(heard);
+}
+
+TEST(UPDialogTest, CancelWaitsForAFunctionThatHeedsItAndNoLonger) {
+  std::atomic<bool> ended{false};
+  QElapsedTimer timer;
+  CUPDialog dialog(nullptr, "Caption", [&](const Link& link) {
+    Meanwhile(link, &dialog, [&] {
+      timer.start();
+      QTest::mouseClick(dialog.findChild<QPushButton*>("2"), Qt::LeftButton);
+    });
     WaitUntil([&] { return link.IsCancelled(); });
+    QThread::msleep(50);
     ended = true;
     return true;
   });
   EXPECT_EQ(dialog.Run(), 0x10002);
   EXPECT_TRUE(ended);
+  EXPECT_LT(timer.elapsed(), kPatience - 50) << "what ends at once is not waited for";
   EXPECT_EQ(dialog.findChild<QLabel*>("1026")->text(), "Closing...");
 }
 
@@ -169,7 +189,7 @@ TEST(UPDialogTest, ACancelReachesAFunctionThatWaitsForTheWindows) {
   EXPECT_EQ(dialog.Run(), 0x10002);
   EXPECT_FALSE(delivered);
   EXPECT_FALSE(called);
-  EXPECT_LT(timer.elapsed(), 450);
+  EXPECT_LT(timer.elapsed(), kPatience - 50);
 }
 
 TEST(UPDialogTest, AFunctionThatDoesNotHeedACancelIsLeftToItself) {
@@ -178,21 +198,28 @@ TEST(UPDialogTest, AFunctionThatDoesNotHeedACancelIsLeftToItself) {
   };
   auto left = std::make_shared<Left>();
   QElapsedTimer timer;
+  qint64 atItsEnd = 0;
   {
     CUPDialog* shown = nullptr;
-    CUPDialog dialog(nullptr, "Caption", [left, &shown](const Link& link) {
-      Meanwhile(link, shown, [&shown] { shown->reject(); });
+    CUPDialog dialog(nullptr, "Caption", [left, &shown, &timer](const Link& link) {
+      Meanwhile(link, shown, [&shown, &timer] {
+        timer.start();
+        shown->reject();
+      });
       WaitUntil([&] { return left->go.load(); });
       link.Call([left] { left->called = true; });
       left->ended = true;
       return true;
     });
     shown = &dialog;
-    timer.start();
+    QObject::connect(&dialog, &QDialog::finished, [&] { atItsEnd = timer.elapsed(); });
     EXPECT_EQ(dialog.Run(), 0x10002);
   }
-  EXPECT_GE(timer.elapsed(), 1000) << "it is waited for twice";
-  EXPECT_LT(timer.elapsed(), 3000);
+  const qint64 afterwards = timer.elapsed();
+  EXPECT_GE(atItsEnd, 2 * kPatience) << "the dialog waits for it twice";
+  EXPECT_LT(atItsEnd, 3 * kPatience);
+  EXPECT_GE(afterwards, 3 * kPatience) << "and once more when it is cleared away";
+  EXPECT_LT(afterwards, 4 * kPatience);
   left->go = true;
   WaitUntil([&] { return left->ended.load(); });
   QCoreApplication::processEvents();

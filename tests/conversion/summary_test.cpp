@@ -18,6 +18,10 @@ class SummaryTest : public testing::Test {
     return folder;
   }
 
+  /// A log with nothing but its mark.
+  void BeginLog() { std::ofstream(log_, std::ios::binary) << "\xFF\xFE"; }
+  text::Text Log() const { return text::FromFileName(log_.string()); }
+
   platform::TemporaryFolder folder_ = platform::TemporaryFolder::Create().value();
   std::filesystem::path log_ = folder_.Path() / "LogInformation.log";
   TraceLines trace_;
@@ -45,15 +49,28 @@ TEST_F(SummaryTest, TheContainerClassSelectsTheCounter) {
   };
   const Row rows[] = {
       {u"IPF.Contact", &FolderCounters::contacts},
+      {u"IPM.Contact", &FolderCounters::contacts},
+      {u"IPF.DistList", &FolderCounters::contacts},
       {u"IPM.DistList", &FolderCounters::contacts},
       {u"IPF.Journal", &FolderCounters::journals},
+      {u"IPM.Journal", &FolderCounters::journals},
+      {u"IPF.Activity", &FolderCounters::journals},
       {u"IPM.Activity", &FolderCounters::journals},
+      {u"IPM.Task", &FolderCounters::tasks},
       {u"IPF.Task", &FolderCounters::tasks},
-      {u"IPM.TaskRequest.Update", &FolderCounters::tasks},
+      {u"IPM.TaskRequest.Decline", &FolderCounters::tasks},
       {u"IPF.TaskRequest.Decline", &FolderCounters::tasks},
+      {u"IPM.TaskRequest.Update", &FolderCounters::tasks},
+      {u"IPF.TaskRequest.Update", &FolderCounters::tasks},
+      {u"IPM.TaskRequest", &FolderCounters::tasks},
+      {u"IPF.TaskRequest", &FolderCounters::tasks},
+      {u"IPM.StickyNote", &FolderCounters::notes},
       {u"IPF.StickyNote", &FolderCounters::notes},
       {u"IPF.Appointment", &FolderCounters::calendar},
+      {u"IPM.Appointment", &FolderCounters::calendar},
       {u"IPF.Note", &FolderCounters::mail},
+      {u"IPM.Note", &FolderCounters::mail},
+      {u"IPM.TaskRequest.Accept", &FolderCounters::mail},
       {u"ipf.contact", &FolderCounters::mail},
       {u"", &FolderCounters::mail},
   };
@@ -62,7 +79,7 @@ TEST_F(SummaryTest, TheContainerClassSelectsTheCounter) {
     const text::Text name = text::FromUtf8("f" + std::to_string(++n));
     AddFolder(top_, name, row.containerClass, 2);
     FolderCounters counters;
-    EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\" + name, counters), 2);
+    EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\" + name, u"", counters), 2);
     EXPECT_EQ(counters.*row.counter, 2) << text::ToUtf8(row.containerClass);
     EXPECT_EQ(counters.total, 2);
     EXPECT_EQ(counters.lastFolder, 2);
@@ -70,8 +87,23 @@ TEST_F(SummaryTest, TheContainerClassSelectsTheCounter) {
 }
 
 TEST_F(SummaryTest, AFolderThatIsNotThereCountsForNothing) {
-  EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\None", counters_), std::nullopt);
+  BeginLog();
+  EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\None", Log(), counters_), std::nullopt);
   EXPECT_EQ(counters_.total, 0);
+  EXPECT_EQ(std::filesystem::file_size(log_), 2u) << "there is nothing to write about it";
+}
+
+TEST_F(SummaryTest, AFolderCountedAloneIsAppendedToTheLog) {
+  AddFolder(top_, u"Inbox", u"IPF.Note", 3);
+  BeginLog();
+  EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\Inbox", Log(), counters_), 3);
+  EXPECT_EQ(text::ToUtf8(ReadUtf16(log_)), "\xEF\xBB\xBF\r\n\r\n\\\\s Converted\\Inbox: 3");
+}
+
+TEST_F(SummaryTest, AFolderCountedAloneMakesNoLog) {
+  AddFolder(top_, u"Inbox", u"IPF.Note", 3);
+  EXPECT_EQ(CountFolder(*session_, u"\\\\s Converted\\Inbox", Log(), counters_), 3);
+  EXPECT_FALSE(std::filesystem::exists(log_));
 }
 
 TEST_F(SummaryTest, IsAppendedToTheLog) {
@@ -82,7 +114,7 @@ TEST_F(SummaryTest, IsAppendedToTheLog) {
       4);
   const std::vector<SummaryFolder> folders = {{u"\\\\s Converted\\Inbox", u"Inbox"},
                                               {u"\\\\s Converted\\Inbox\\Old", u"Old"}};
-  EXPECT_THAT(WriteSummary(*session_, folders, text::FromFileName(log_.string()), counters_), ElementsAre(3, 1));
+  EXPECT_THAT(WriteSummary(*session_, folders, Log(), counters_), ElementsAre(3, 1));
   EXPECT_EQ(counters_.total, 4);
   const std::string text = text::ToUtf8(ReadUtf16(log_));
   EXPECT_TRUE(std::regex_match(
@@ -94,9 +126,7 @@ TEST_F(SummaryTest, IsAppendedToTheLog) {
 
 TEST_F(SummaryTest, WithoutALogOnlyCounts) {
   AddFolder(top_, u"Inbox", u"IPF.Note", 3);
-  EXPECT_THAT(
-      WriteSummary(*session_, {{u"\\\\s Converted\\Inbox", u"Inbox"}}, text::FromFileName(log_.string()), counters_),
-      ElementsAre(3));
+  EXPECT_THAT(WriteSummary(*session_, {{u"\\\\s Converted\\Inbox", u"Inbox"}}, Log(), counters_), ElementsAre(3));
   EXPECT_FALSE(std::filesystem::exists(log_));
 }
 

@@ -14,7 +14,8 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kPortionTime = std::chrono::milliseconds(100);
 constexpr std::size_t kMostInPortion = 2000;
 
-/// The beginning of a body tells what it is about; a folder of long ones must not fill the memory.
+/// What can be copied of a text. The beginning of a body tells what it is about; a folder of long ones must
+/// not fill the memory.
 constexpr qsizetype kMostInValue = 32767;
 
 class Fill {
@@ -54,7 +55,7 @@ class Fill {
   void AddItem(const output::RDOMail& item) {
     const text::Text caption = item.Get(kind_.caption).AsText();
     Category& category = portion_.emplace_back();
-    category.caption = caption.empty() ? QStringLiteral("UnKnown") : ToQt(caption);
+    category.caption = caption.empty() ? QStringLiteral("UnKnown") : ToQt(caption).left(kMostInValue);
     for (const GridRow& row : kind_.rows) {
       if (auto value = ValueOf(item, row)) category.rows.push_back({&row, value->left(kMostInValue)});
     }

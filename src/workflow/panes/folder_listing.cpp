@@ -3,7 +3,6 @@
 #include <chrono>
 #include <utility>
 
-#include "workflow/panes/one_line.h"
 #include "workflow/panes/row_value.h"
 #include "workflow/qt_text.h"
 
@@ -30,7 +29,7 @@ QString DateText(const output::FieldRead& read, bool isFirst) {
 }  // namespace
 
 ItemRows::Row RowOf(const output::RDOMail& item, bool isFirst) {
-  const auto text = [&item](Field field) { return OneLine(ToQt(item.Get(field).AsText())); };
+  const auto text = [&item](Field field) { return ToQt(item.Get(field).AsText()); };
   return {.texts = {text(Field::SenderName), text(Field::To), text(Field::Subject),
                     DateText(item.Get(Field::ReceivedTime), isFirst)},
           .hasAttachments = item.AttachmentCount() > 0};

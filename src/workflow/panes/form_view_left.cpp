@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "controls/plain_tip.h"
 #include "workflow/panes/fill_kinds.h"
 #include "workflow/panes/image_list.h"
 #include "workflow/panes/waiting_panels.h"
@@ -42,6 +43,13 @@ std::size_t IconOf(text::TextView name) {
     if (row.name == name) return row.icon;
   }
   return kPlainIcon;
+}
+
+QTreeWidgetItem* MakeItem(QTreeWidgetItem& parent, text::TextView name, const QIcon& icon) {
+  auto* item = new QTreeWidgetItem(&parent, {ToQt(name)});
+  item->setIcon(0, icon);
+  item->setToolTip(0, controls::PlainTip(ToQt(name)));  // the pane is narrow
+  return item;
 }
 
 /// Deeper folders stand beside each other at this level: the tree control goes down by recursion, and a
@@ -98,8 +106,7 @@ void CFormViewLeft::AddFolder(std::uint32_t id, text::TextView markerName) {
   const recovery::RecoveryState& recovery = surroundings_.recovery;
   if (folders_.IsEmpty()) {
     surroundings_.store->Use(surroundings_.state.destinationPath);
-    auto* root = new QTreeWidgetItem(tree_, {ToQt(recovery.convertedName)});
-    root->setIcon(0, icons_.at(kPlainIcon));
+    auto* root = MakeItem(*tree_->invisibleRootItem(), recovery.convertedName, icons_.at(kPlainIcon));
     folders_.Add({.id = recovery.topFolderNid, .item = root, .name = recovery.convertedName});
   }
 
@@ -115,7 +122,8 @@ void CFormViewLeft::AddFolder(std::uint32_t id, text::TextView markerName) {
     current = folder->parentNid;
   }
   if (above == nullptr) above = &folders_.Root();
-  above->item->setExpanded(true);
+  // Whoever closed one of the folders above it sees it all the same.
+  for (QTreeWidgetItem* item = above->item; item != nullptr; item = item->parent()) item->setExpanded(true);
   for (auto folder = chain.rbegin(); folder != chain.rend(); ++folder) {
     const FolderRecord& element = **folder;
     // Below a folder that is named like the store, and beside it, nothing new is inserted.
@@ -134,8 +142,7 @@ void CFormViewLeft::AddMarker(std::uint32_t id, text::TextView name, std::size_t
 const TreeFolderRecord& CFormViewLeft::Insert(const TreeFolderRecord& parent, std::uint32_t id, std::uint32_t parentId,
                                               text::TextView name, text::TextView containerClass, std::size_t icon) {
   QTreeWidgetItem* below = parent.depth < kDeepestLevel ? parent.item : parent.item->parent();
-  auto* item = new QTreeWidgetItem(below, {ToQt(name)});
-  item->setIcon(0, icons_.at(icon));
+  QTreeWidgetItem* item = MakeItem(*below, name, icons_.at(icon));
   below->setExpanded(true);
   return folders_.Add({.id = id,
                        .item = item,
@@ -174,8 +181,9 @@ void CFormViewLeft::CountFolder(std::uint32_t id) {
   const TreeFolderRecord* folder = folders_.OfId(id);
   if (folder == nullptr) return;
   try {
-    const auto count = surroundings_.store->Read(
-        [&](output::RDOSession& session) { return conversion::CountFolder(session, PathOf(*folder), counters_); });
+    const auto count = surroundings_.store->Read([&](output::RDOSession& session) {
+      return conversion::CountFolder(session, PathOf(*folder), surroundings_.state.logPath, counters_);
+    });
     if (count) ShowCount(*folder, *count);
   } catch (const std::exception&) {
     // A store that cannot be read has no number to show.
@@ -187,9 +195,13 @@ void CFormViewLeft::WriteSummary(output::RDOSession& session) {
   for (const TreeFolderRecord& folder : folders_.Records()) {
     folders.push_back({.path = PathOf(folder), .name = folder.name, .hasParent = folder.parentId != 0});
   }
-  const auto counts = conversion::WriteSummary(session, folders, surroundings_.state.logPath, counters_);
-  for (std::size_t i = 0; i < counts.size(); ++i) {
-    if (counts[i]) ShowCount(folders_.Records()[i], *counts[i]);
+  try {
+    const auto counts = conversion::WriteSummary(session, folders, surroundings_.state.logPath, counters_);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      if (counts[i]) ShowCount(folders_.Records()[i], *counts[i]);
+    }
+  } catch (const std::exception&) {
+    // Nothing passes through the loop of the windows; the run goes on, without the numbers.
   }
 }
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "controls/plain_tip.h"
 #include "workflow/panes/one_line.h"
+#include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -12,7 +14,18 @@ namespace {
 /// Id of the indexes of categories; a field has the number of its category behind it.
 constexpr quintptr kCategoryId = 0;
 
-constexpr qsizetype kMostInTip = 4000;
+QVariant TextFor(int role, const QString& whole) {
+  switch (role) {
+    case Qt::DisplayRole:
+      return OneLine(whole);
+    case Qt::ToolTipRole:
+      return controls::PlainTip(whole);
+    case kWholeValueRole:
+      return whole;
+    default:
+      return {};
+  }
+}
 
 }  // namespace
 
@@ -51,22 +64,12 @@ QVariant GridRows::data(const QModelIndex& index, int role) const {
   if (index.internalId() == kCategoryId) {
     const Category& category = categories_[std::size_t(index.row())];
     if (index.column() != 0) return {};
-    if (role == Qt::DisplayRole) return OneLine(category.caption);
-    return role == kWholeValueRole ? QVariant(category.caption) : QVariant();
+    return TextFor(role, category.caption);
   }
   const FilledRow& row = categories_[index.internalId() - 1].rows[std::size_t(index.row())];
   if (index.column() == 0)
     return role == Qt::DisplayRole || role == kWholeValueRole ? ToQt(row.row->label) : QVariant();
-  switch (role) {
-    case Qt::DisplayRole:
-      return OneLine(row.value);
-    case Qt::ToolTipRole:
-      return row.value.left(kMostInTip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
-    case kWholeValueRole:
-      return row.value;
-    default:
-      return {};
-  }
+  return TextFor(role, row.value);
 }
 
 QVariant GridRows::headerData(int, Qt::Orientation, int) const { return {}; }

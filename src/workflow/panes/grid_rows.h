@@ -12,9 +12,6 @@ class GridRows : public QAbstractItemModel {
   Q_OBJECT
 
  public:
-  /// The value as it was read, whatever its length and lines.
-  static constexpr int kWholeValueRole = Qt::UserRole;
-
   using QAbstractItemModel::QAbstractItemModel;
 
   void Add(std::vector<Category> categories);

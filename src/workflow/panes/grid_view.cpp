@@ -8,6 +8,7 @@
 
 #include "controls/up_dialog.h"
 #include "workflow/panes/grid_rows.h"
+#include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -39,6 +40,13 @@ class PropertyGrid : public QTreeView {
   }
 
  protected:
+  /// The keys that copy take the value of a field, wherever in its row the cursor is.
+  void keyPressEvent(QKeyEvent* event) override {
+    const QModelIndex current = currentIndex();
+    if (!CopyWholeValue(*event, current.siblingAtColumn(current.parent().isValid() ? 1 : 0)))
+      QTreeView::keyPressEvent(event);
+  }
+
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     if (index.parent().isValid()) {
       QTreeView::drawRow(painter, option, index);
@@ -61,6 +69,15 @@ class PropertyGrid : public QTreeView {
     painter->setFont(option.font);
   }
 };
+
+/// Makes the first column so wide that no label of the kind is cut: nobody can widen it by hand.
+void FitLabels(QTreeView& grid, const FillKind& kind) {
+  const int margin = grid.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &grid) + 1;
+  int widest = 0;
+  for (const GridRow& row : kind.rows) widest = std::max(widest, grid.fontMetrics().horizontalAdvance(ToQt(row.label)));
+  const int line = 1;  // between the columns
+  grid.header()->resizeSection(0, 2 * grid.indentation() + 2 * margin + widest + line);
+}
 
 /// Brings a fill to the grid and to the dialog over it.
 class DialogTarget : public FillTarget {
@@ -91,7 +108,6 @@ CGridView::CGridView(QWidget* parent, std::shared_ptr<FinishedStore> store)
   setObjectName(QStringLiteral("CGridView"));
   resize(100, 100);
   grid_->setModel(rows_);
-  grid_->header()->resizeSection(0, 230);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(grid_);
@@ -102,6 +118,7 @@ void CGridView::OnMessage(const engine::RunMessage& message) {
   const FillKind* kind = FillKindOf(message.code);
   if (kind == nullptr) return;
   folderPath_ = message.text;
+  FitLabels(*grid_, *kind);
   const auto fill = [store = store_, path = folderPath_, kind, this](const CUPDialog::Link& dialog) {
     DialogTarget target(dialog, [this](std::vector<Category> categories) { Add(std::move(categories)); });
     FillFolder(*store, path, *kind, target);

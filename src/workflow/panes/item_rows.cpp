@@ -2,8 +2,10 @@
 
 #include <iterator>
 
+#include "controls/plain_tip.h"
 #include "workflow/panes/image_list.h"
 #include "workflow/panes/one_line.h"
+#include "workflow/panes/whole_value.h"
 
 namespace velmora::workflow {
 namespace {
@@ -36,7 +38,7 @@ void ItemRows::Append(std::vector<Row> rows) {
 
 void ItemRows::SetText(int row, Column column, const QString& text) {
   if (row < 0 || row >= rowCount()) return;
-  rows_[std::size_t(row)].texts[column] = OneLine(text);
+  rows_[std::size_t(row)].texts[column] = text;
   emit dataChanged(index(row, column), index(row, column));
 }
 
@@ -61,7 +63,10 @@ QVariant ItemRows::data(const QModelIndex& index, int role) const {
   const Row& row = rows_[std::size_t(index.row())];
   switch (role) {
     case Qt::DisplayRole:
+      return OneLine(row.texts[std::size_t(index.column())]);
     case Qt::ToolTipRole:
+      return controls::PlainTip(row.texts[std::size_t(index.column())]);
+    case kWholeValueRole:
       return row.texts[std::size_t(index.column())];
     case Qt::DecorationRole:
       if (index.column() != kFrom) return {};

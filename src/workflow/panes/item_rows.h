@@ -17,6 +17,7 @@ class ItemRows : public QAbstractTableModel {
   enum Column { kFrom, kTo, kSubject, kDate, kColumns };
 
   struct Row {
+    /// Whole, to be copied; a cell shows the beginning.
     std::array<QString, kColumns> texts;
     bool hasAttachments = false;
   };

@@ -10,6 +10,7 @@
 #include "resources/string_table.h"
 #include "workflow/panes/folder_listing.h"
 #include "workflow/panes/waiting_panels.h"
+#include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -20,6 +21,7 @@ constexpr std::array kPlaceholderArt = {223, 224};
 constexpr std::uint16_t kTitles[] = {resources::kColumnFrom, resources::kColumnTo, resources::kColumnSubject,
                                      resources::kColumnDate};
 constexpr int kWidths[] = {212, 212, 212, 127};
+constexpr int kDateMargin = 8;
 constexpr int kRowHeight = 20;
 constexpr int kMakeVisibleInterval = 50;  // milliseconds
 
@@ -85,6 +87,7 @@ void CListViewRight::BuildColumns() {
   rows_->SetTitles(titles);
   for (int column = 0; column < ItemRows::kColumns; ++column) setColumnWidth(column, kWidths[column]);
   horizontalHeader()->setStretchLastSection(true);
+  FitLastColumn();
   for (auto*& placeholder : placeholders_) delete std::exchange(placeholder, nullptr);
 }
 
@@ -163,6 +166,7 @@ void CListViewRight::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void CListViewRight::keyPressEvent(QKeyEvent* event) {
+  if (CopyWholeValue(*event, currentIndex())) return;
   // The body pane takes the step by itself, from the row that is still selected.
   if (event->key() == Qt::Key_Up) ShowBody(kUpKey);
   if (event->key() == Qt::Key_Down) ShowBody(kDownKey);
@@ -184,7 +188,16 @@ void CListViewRight::paintEvent(QPaintEvent* event) {
 
 void CListViewRight::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
+  if (HasColumns()) FitLastColumn();
   PlacePanels();
+}
+
+/// Where the pane is a little too narrow, the blank behind the dates is given up: nobody scrolls for that.
+void CListViewRight::FitLastColumn() {
+  const int room = viewport()->width() - columnWidth(0) - columnWidth(1) - columnWidth(2);
+  const int date = fontMetrics().horizontalAdvance(QStringLiteral("12 /31 /2000")) + kDateMargin;
+  const int full = kWidths[ItemRows::kDate];
+  setColumnWidth(ItemRows::kDate, room < date ? full : std::min(room, full));
 }
 
 void CListViewRight::PlacePanels() {

@@ -62,6 +62,7 @@ class CListViewRight : public QTableView, public ItemSelection {
   void ListFolder(text::TextView path);
   void OnListed();
   void ShowBody(std::uint32_t key);
+  void FitLastColumn();
   void PlacePanels();
 
   std::shared_ptr<FinishedStore> store_;

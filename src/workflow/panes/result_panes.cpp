@@ -108,7 +108,7 @@ bool ResultPanes::ShowsGrid() const { return upper_->currentWidget() == grid_; }
 
 void ResultPanes::SwapPane(bool toList) {
   if (toList != ShowsGrid()) return;
-  // The pane that goes takes what it holds along.
+  // The pane that goes takes what it holds along, the list also the body that it showed.
   if (toList) {
     grid_->OnMessage({.code = kClearGridMessage});
     if (!list_->HasColumns()) list_->BuildColumns();
@@ -116,6 +116,7 @@ void ResultPanes::SwapPane(bool toList) {
   } else {
     list_->StopListing();
     list_->OnMessage({.code = engine::MSG_CLEAR_LIST});
+    body_->OnMessage({.code = engine::MSG_CLEAR_BODY});
     upper_->setCurrentWidget(grid_);
   }
 }

@@ -1,6 +1,8 @@
 #include "workflow/panes/form_view_left.h"
 
 #include <QGroupBox>
+#include <QSignalSpy>
+#include <QTest>
 #include <QTreeWidget>
 #include <filesystem>
 #include <fstream>
@@ -8,6 +10,7 @@
 
 #include "platform/user_folders.h"
 #include "workflow/panes/image_list.h"
+#include "workflow/panes/one_folder_session.h"
 #include "workflow/panes/store_fixture.h"
 #include "workflow/panes/waiting_panels.h"
 
@@ -82,6 +85,37 @@ TEST_F(FolderTreeTest, AFolderComesWithTheWholeChainOfItsAncestors) {
   EXPECT_EQ(Names(*Root().child(0)->child(0)), QStringList({"Older"}));
   EXPECT_TRUE(Root().isExpanded());
   EXPECT_TRUE(Root().child(0)->isExpanded());
+}
+
+TEST_F(FolderTreeTest, EachFolderOnTheWayToANewOneIsOpened) {
+  Recover({{0x8082, kTop, u"A", u"IPF.Note"},
+           {0x80A2, 0x8082, u"B", u"IPF.Note"},
+           {0x80C2, 0x80A2, u"C", u"IPF.Note"},
+           {0x80E2, 0x80C2, u"D", u"IPF.Note"}});
+  Add(0x80C2);
+  for (const std::uint32_t added : {0x80E2, 0x80E2}) {  // new, and found
+    Tree().collapseAll();
+    Add(added);
+    QTreeWidgetItem* item = &Root();
+    for (int level = 0; level < 4; ++level, item = item->child(0)) EXPECT_TRUE(item->isExpanded()) << level;
+    EXPECT_EQ(item->text(0), "D");
+  }
+}
+
+TEST_F(FolderTreeTest, OneFolderIsSelectedAtATime) {
+  Recover({{0x8082, kTop, u"Inbox", u"IPF.Note"}, {0x80A2, kTop, u"Drafts", u"IPF.Note"}});
+  Add(0x8082);
+  Add(0x80A2);
+  pane_.resize(300, 300);
+  pane_.show();
+  const auto click = [this](int child, Qt::KeyboardModifiers held) {
+    QTest::mouseClick(Tree().viewport(), Qt::LeftButton, held, Tree().visualItemRect(Root().child(child)).center());
+  };
+  for (const Qt::KeyboardModifier held : {Qt::ControlModifier, Qt::ShiftModifier}) {
+    click(0, {});
+    click(1, held);
+    EXPECT_EQ(Tree().selectedItems(), QList<QTreeWidgetItem*>({Root().child(1)}));
+  }
 }
 
 TEST_F(FolderTreeTest, TwoFoldersWithTheSameIdAreOneRecord) {
@@ -192,6 +226,23 @@ TEST_F(FolderTreeTest, AChainOfAnyLengthIsTaken) {
   pane_.grab();
 }
 
+TEST_F(FolderTreeTest, FoldersDeeperThan200LevelsStandSideBySide) {
+  std::vector<recovery::FolderRecord> folders;
+  for (std::uint32_t i = 1; i <= 203; ++i) folders.push_back({0x8022 + i * 32, 0x8002 + i * 32, u"f", u"IPF.Note"});
+  Recover(folders);
+  Add(folders.back().nid);
+  int level = 0;
+  QTreeWidgetItem* item = &Root();
+  for (; item->childCount() == 1; item = item->child(0)) ++level;
+  EXPECT_EQ(level, 199);
+  EXPECT_EQ(item->childCount(), 4) << "the folders of levels 200 to 203";
+  for (int i = 0; i < item->childCount(); ++i) {
+    EXPECT_EQ(item->child(i)->childCount(), 0);
+    EXPECT_EQ(pane_.Folders().OfItem(item->child(i)), pane_.Folders().OfId(folders[std::size_t(199 + i)].nid));
+  }
+  EXPECT_EQ(Path(folders.back().nid).size(), std::size("\\\\Test Converted") - 1 + 2 * folders.size());
+}
+
 class FolderSelectionTest : public FolderTreeTest {
  protected:
   FolderSelectionTest() {
@@ -233,13 +284,19 @@ TEST_F(FolderSelectionTest, NothingIsShownWhileTheListIsBusy) {
   EXPECT_THAT(sent_, IsEmpty());
 }
 
-TEST_F(FolderSelectionTest, RenewingTheSelectionShowsNothingAnew) {
+TEST_F(FolderSelectionTest, RenewingTheSelectionSelectsTheFolderAnewAndShowsNothing) {
   Select(0);
-  sent_.clear();
-  pane_.OnMessage({.code = 32818});
-  EXPECT_EQ(Tree().currentItem(), Root().child(0));
-  EXPECT_THAT(sent_, IsEmpty());
-  EXPECT_TRUE(state_.treeFilling);
+  for (const bool filling : {true, false}) {
+    state_.treeFilling = filling;
+    sent_.clear();
+    QSignalSpy changes(&Tree(), &QTreeWidget::currentItemChanged);
+    pane_.OnMessage({.code = 32818});
+    EXPECT_EQ(changes.size(), 2) << "to no folder and back";
+    EXPECT_EQ(Tree().currentItem(), Root().child(0));
+    EXPECT_EQ(Tree().selectedItems(), QList<QTreeWidgetItem*>({Root().child(0)}));
+    EXPECT_THAT(sent_, IsEmpty());
+    EXPECT_EQ(state_.treeFilling, filling);
+  }
 }
 
 class FolderCountTest : public FolderTreeTest {
@@ -253,7 +310,19 @@ class FolderCountTest : public FolderTreeTest {
     Add(0x8082);
     Add(0x80A2);
     Add(4386, u"Orphaned Mails");
+    std::ofstream(log_).close();
+    state_.logPath = text::FromFileName(log_.native());
   }
+
+  /// What stands in the log.
+  QString Written() const {
+    std::ifstream file(log_, std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.data()), qsizetype(bytes.size() / 2));
+  }
+
+  platform::TemporaryFolder logFolder_ = platform::TemporaryFolder::Create().value();
+  std::filesystem::path log_ = logFolder_.Path() / "LogInformation.log";
 };
 
 TEST_F(FolderCountTest, TheNumberStandsBehindTheNameWithoutABlank) {
@@ -273,20 +342,30 @@ TEST_F(FolderCountTest, AFolderThatTheStoreDoesNotHaveKeepsItsName) {
   EXPECT_EQ(Names(Root())[3], "Gone");
 }
 
+TEST_F(FolderCountTest, ANumberGoesToTheLog) {
+  state_.treeFilling = true;
+  pane_.OnMessage({.code = 32817, .number = 0x8082, .text = u"Inbox"});
+  pane_.OnMessage({.code = 32817, .number = 0x9999, .text = u"Nowhere"});
+  pane_.OnMessage({.code = 32817, .number = 0x80A2, .text = u"Tasks"});
+  EXPECT_EQ(Written(), "\r\n\r\n\\\\Test Converted\\Inbox: 3\r\n\r\n\\\\Test Converted\\Tasks: 1");
+}
+
+TEST_F(FolderCountTest, ARunOutlivesASummaryThatFails) {
+  const std::function<void()> failures[] = {[] { throw output::OutputFailure(output::ResultCode::STG_E_READFAULT); },
+                                            [] { throw std::bad_alloc(); }};
+  for (const auto& failure : failures) {
+    OneFolderSession session(nullptr, {.onOpen = failure});
+    EXPECT_NO_THROW(pane_.WriteSummary(session));
+    EXPECT_EQ(Names(Root()), QStringList({"Inbox", "Tasks", "Orphaned Mails"}));
+  }
+}
+
 TEST_F(FolderCountTest, TheSummaryCountsEveryFolderAndGoesToTheLog) {
-  const auto folder = platform::TemporaryFolder::Create();
-  ASSERT_TRUE(folder);
-  const std::filesystem::path log = folder->Path() / "LogInformation.log";
-  std::ofstream(log).close();
-  state_.logPath = text::FromFileName(log.native());
   pane_.WriteSummary(*session_);
   EXPECT_EQ(Names(Root()), QStringList({"Inbox(3)", "Tasks(1)", "Orphaned Mails(1)"}));
   EXPECT_EQ(Root().text(0), "Test Converted") << "the root hangs under nothing";
 
-  std::ifstream file(log, std::ios::binary);
-  const std::string bytes(std::istreambuf_iterator<char>(file), {});
-  const QString written =
-      QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.data()), qsizetype(bytes.size() / 2));
+  const QString written = Written();
   EXPECT_TRUE(
       written.startsWith("\r\n\r\n-------------------Summary--------------------"
                          "\r\n\r\n\\\\Test Converted\\Inbox: 3\r\n\r\n\\\\Test Converted\\Tasks: 1"

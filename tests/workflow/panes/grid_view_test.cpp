@@ -1,13 +1,19 @@
 #include "workflow/panes/grid_view.h"
 
+#include <QClipboard>
 #include <QLabel>
+#include <QProgressBar>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
 
 #include "controls/up_dialog.h"
 #include "workflow/panes/grid_rows.h"
+#include "workflow/panes/listed_samples.h"
+#include "workflow/panes/one_folder_session.h"
 #include "workflow/panes/store_fixture.h"
+#include "workflow/panes/whole_value.h"
+#include "workflow/qt_text.h"
 
 namespace velmora::workflow {
 namespace {
@@ -20,6 +26,17 @@ class GridViewTest : public StoreFixture {
   QString At(int category, int row, int column) const {
     const QModelIndex parent = grid_.Rows().index(category, 0);
     return grid_.Rows().index(row, column, parent).data().toString();
+  }
+
+  QTreeView& View() { return *grid_.findChild<QTreeView*>("1111"); }
+  QModelIndex CellOf(int category, int row, int column) const {
+    return grid_.Rows().index(row, column, grid_.Rows().index(category, 0));
+  }
+  QString CopyOf(const QModelIndex& cell) {
+    View().setCurrentIndex(cell);
+    QGuiApplication::clipboard()->clear();
+    QTest::keyClick(&View(), Qt::Key_C, Qt::ControlModifier);
+    return QGuiApplication::clipboard()->text();
   }
 
   CGridView grid_{nullptr, finished_};
@@ -75,14 +92,86 @@ TEST_F(GridViewTest, IsReadOnly) {
   EXPECT_FALSE(grid_.Rows().flags(value).testFlag(Qt::ItemIsEditable));
 }
 
-TEST_F(GridViewTest, ValuesOfManyLinesTakeOneAndAreKeptWhole) {
-  const text::Text body = u"first\r\nsecond" + text::Text(5000, u'x');
-  AddItem(AddFolder(u"Tasks", u"IPF.Task"), u"IPM.Task", {{Field::Body, body}});
+TEST_F(GridViewTest, ValuesShow300CharactersInOneLineAndAreCopiedAsTheyAre) {
+  const QString body = "first\r\nsecond " + QString(5000, u'x');
+  AddItem(AddFolder(u"Tasks", u"IPF.Task"), u"IPM.Task", {{Field::Subject, FromQt(body)}, {Field::Body, FromQt(body)}});
   Fill(32838, u"Tasks");
-  const QModelIndex value = grid_.Rows().index(0, 1, grid_.Rows().index(0, 0));
-  EXPECT_TRUE(value.data().toString().startsWith("first  second"));
-  EXPECT_LT(value.data().toString().size(), 400);
-  EXPECT_EQ(value.data(GridRows::kWholeValueRole).toString().toStdU16String(), body);
+  const QString shown = "first  second " + QString(286, u'x') + QChar(0x2026);
+  for (const QModelIndex& cell : {CellOf(0, 0, 1), grid_.Rows().index(0, 0)}) {
+    EXPECT_EQ(cell.data().toString(), shown);
+    EXPECT_EQ(CopyOf(cell), body);
+  }
+  EXPECT_EQ(CopyOf(CellOf(0, 0, 0)), body) << "the label is no reason to copy the label";
+}
+
+TEST_F(GridViewTest, AtMost32767CharactersAreCopied) {
+  const QString body = QString(32766, u'x') + "yz";
+  AddItem(AddFolder(u"Tasks", u"IPF.Task"), u"IPM.Task", {{Field::Subject, FromQt(body)}, {Field::Body, FromQt(body)}});
+  Fill(32838, u"Tasks");
+  EXPECT_EQ(CopyOf(CellOf(0, 0, 1)), body.left(32767));
+  EXPECT_EQ(CopyOf(grid_.Rows().index(0, 0)), body.left(32767));
+}
+
+TEST_F(GridViewTest, EveryLabelOfEveryKindIsShownWhole) {
+  View().resize(900, 500);
+  for (const KindCase& kind : kKindCases) {
+    AddItem(AddFolder(kind.folderClass, kind.folderClass), kind.messageClass, SamplesOf(kind));
+    grid_.OnMessage({.code = 32837});
+    Fill(kind.message, kind.folderClass);
+    for (int row = 0; row < int(kind.listed.size()); ++row) {
+      const QModelIndex label = CellOf(0, row, 0);
+      EXPECT_GE(View().visualRect(label).width(), View().sizeHintForIndex(label).width()) << kind.listed[row].label;
+    }
+    EXPECT_LT(View().columnWidth(0), 450) << "half of the pane is for the values";
+  }
+}
+
+TEST_F(GridViewTest, OneRowIsSelectedAtATime) {
+  AddItem(AddFolder(u"Tasks", u"IPF.Task"), u"IPM.Task", {{Field::Owner, u"Ann"}, {Field::Mileage, u"3"}});
+  Fill(32838, u"Tasks");
+  grid_.resize(900, 500);
+  grid_.show();
+  const auto click = [&](const QModelIndex& cell, Qt::KeyboardModifiers held) {
+    QTest::mouseClick(View().viewport(), Qt::LeftButton, held, View().visualRect(cell).center());
+  };
+  for (const Qt::KeyboardModifier held : {Qt::ControlModifier, Qt::ShiftModifier}) {
+    click(CellOf(0, 0, 1), {});
+    click(CellOf(0, 1, 1), held);
+    ASSERT_EQ(View().selectionModel()->selectedRows().size(), 1);
+    EXPECT_EQ(View().selectionModel()->selectedRows()[0].row(), 1);
+  }
+}
+
+TEST_F(GridViewTest, ItsItemsAreOpen) {
+  AddItem(AddFolder(u"Tasks", u"IPF.Task"), u"IPM.Task", {{Field::Owner, u"Ann"}});
+  Fill(32838, u"Tasks");
+  Fill(32838, u"Tasks");
+  for (const int item : {0, 1}) EXPECT_TRUE(View().isExpanded(grid_.Rows().index(item, 0)));
+}
+
+TEST_F(GridViewTest, AFillTellsItsDialogHowFarItIs) {
+  const auto folder = AddFolder(u"Tasks", u"IPF.Task");
+  for (int i = 0; i < 8; ++i) AddItem(folder, u"IPM.Task");
+  QStringList told;
+  const auto read = [&] {
+    const auto* dialog = qobject_cast<controls::CUPDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    told << QString("%1 %2 of %3 %4")
+                .arg(dialog->findChild<QLabel*>("1026")->text())
+                .arg(dialog->findChild<QProgressBar*>("1018")->value())
+                .arg(dialog->findChild<QProgressBar*>("1018")->maximum())
+                .arg(dialog->findChild<QLabel*>("1061")->text());
+  };
+  output::Ref<output::RDOSession> session;
+  auto store = std::make_shared<FinishedStore>(session, [&](text::TextView) {
+    // In the thread that fills, after each item.
+    const auto onNext = [&] { QMetaObject::invokeMethod(&grid_, read, Qt::BlockingQueuedConnection); };
+    return std::make_shared<OneFolderSession>(folder, OneFolderSession::Hooks{.onNext = onNext});
+  });
+  CGridView(nullptr, store).OnMessage({.code = 32838, .text = u"any"});
+  EXPECT_EQ(told, QStringList({"Loading... 0 of 100 0%", "Loading... 12 of 100 12%", "Loading... 25 of 100 25%",
+                               "Loading... 37 of 100 37%", "Loading... 50 of 100 50%", "Loading... 62 of 100 62%",
+                               "Loading... 75 of 100 75%", "Loading... 87 of 100 87%"}));
 }
 
 TEST_F(GridViewTest, TheDialogOverAFillBearsItsText) {

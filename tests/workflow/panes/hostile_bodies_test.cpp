@@ -1,5 +1,4 @@
 // Bodies that are made to fetch something, to run something, or to keep the program busy for ever.
-#include <QDir>
 #include <QFile>
 #include <QTest>
 #include <cstdio>
@@ -7,6 +6,7 @@
 #include "output/pst/messaging/pst_library.h"
 #include "platform/user_folders.h"
 #include "workflow/panes/body_fixture.h"
+#include "workflow/panes/open_files.h"
 
 namespace velmora::workflow {
 namespace {
@@ -64,15 +64,6 @@ class HostileBodyTest : public BodyFixture {
   }
 };
 
-/// Names of the files that this process has open and of the libraries that it has loaded.
-QStringList OpenFiles() {
-  QStringList names;
-  const QDir open("/proc/self/fd");
-  for (const QString& number : open.entryList(QDir::Files | QDir::System)) {
-    names << QFile::symLinkTarget(open.filePath(number));
-  }
-  return names;
-}
 bool HasLoaded(const char* library) {
   QFile maps("/proc/self/maps");
   return maps.open(QFile::ReadOnly) && maps.readAll().contains(library);

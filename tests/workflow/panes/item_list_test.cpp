@@ -1,3 +1,4 @@
+#include <QClipboard>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -6,9 +7,12 @@
 #include <mutex>
 
 #include "controls/x_cmd_btn.h"
+#include "workflow/panes/image_list.h"
 #include "workflow/panes/list_view_right.h"
+#include "workflow/panes/one_folder_session.h"
 #include "workflow/panes/store_fixture.h"
 #include "workflow/panes/waiting_panels.h"
+#include "workflow/qt_text.h"
 
 namespace velmora::workflow {
 namespace {
@@ -28,9 +32,15 @@ class ItemListTest : public StoreFixture {
     for (int column = 0; column < 4; ++column) texts << list_.model()->index(row, column).data().toString();
     return texts;
   }
-  /// The picture of a row, told apart from the other one by its pixels.
-  QImage PictureOf(int row) const {
-    return list_.model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
+  static QImage PixelsOf(const QIcon& picture) { return picture.pixmap(16, 16).toImage(); }
+  /// The number of the picture that stands before a row; -1: none of the strip.
+  int PictureOf(int row) const {
+    const QImage shown = PixelsOf(list_.model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>());
+    const std::vector<QIcon> strip = LoadImageList(197);
+    for (std::size_t i = 0; i < strip.size(); ++i) {
+      if (PixelsOf(strip[i]) == shown) return int(i);
+    }
+    return -1;
   }
   void Send(std::uint32_t code, std::uint32_t number = 0, text::TextView text = {}) {
     list_.OnMessage({.code = code, .number = number, .text = text::Text(text)});
@@ -50,11 +60,48 @@ TEST_F(ItemListTest, TheFourthColumnKeepsTheTitleOfTheThird) {
   EXPECT_EQ(titles, QStringList({"From", "To", "Subject", "Subject"}));
 }
 
-TEST_F(ItemListTest, ColumnsHaveTheirWidths) {
-  EXPECT_EQ(list_.columnWidth(0), 212);
-  EXPECT_EQ(list_.columnWidth(1), 212);
-  EXPECT_EQ(list_.columnWidth(2), 212);
-  EXPECT_GE(list_.columnWidth(3), 30) << "the last one takes what is left";
+class ColumnsTest : public ItemListTest {
+ protected:
+  ColumnsTest() { list_.show(); }
+
+  /// The widths of the columns in a list of that width between its frames.
+  std::vector<int> WidthsIn(int width) {
+    list_.resize(width + list_.width() - list_.viewport()->width(), 300);
+    EXPECT_EQ(list_.viewport()->width(), width);
+    std::vector<int> widths;
+    for (int column = 0; column < 4; ++column) widths.push_back(list_.columnWidth(column));
+    return widths;
+  }
+  bool Scrolls() {
+    QCoreApplication::processEvents();
+    return list_.horizontalScrollBar()->maximum() > 0;
+  }
+};
+
+TEST_F(ColumnsTest, HaveTheirWidths) {
+  EXPECT_THAT(WidthsIn(763), ElementsAre(212, 212, 212, 127));
+  EXPECT_FALSE(Scrolls());
+}
+
+TEST_F(ColumnsTest, TheLastOneTakesWhatIsLeft) {
+  EXPECT_THAT(WidthsIn(900), ElementsAre(212, 212, 212, 264));
+  EXPECT_FALSE(Scrolls());
+}
+
+TEST_F(ColumnsTest, TheLastOneGivesUpWhatIsBlankBehindADate) {
+  for (const int width : {740, 762, 763, 740}) {
+    EXPECT_THAT(WidthsIn(width), ElementsAre(212, 212, 212, width - 3 * 212));
+    EXPECT_FALSE(Scrolls()) << width;
+    Send(32832, 1, u"Ann");
+    Send(32832, 4, u"12 /31 /2011");
+    const QModelIndex date = list_.model()->index(0, 3);
+    EXPECT_LE(list_.sizeHintForIndex(date).width(), list_.visualRect(date).width());
+  }
+}
+
+TEST_F(ColumnsTest, WhereADateHasNoRoomTheListScrolls) {
+  EXPECT_THAT(WidthsIn(660), ElementsAre(212, 212, 212, 127));
+  EXPECT_TRUE(Scrolls());
 }
 
 TEST_F(ItemListTest, HasNoColumnsUntilTheyAreBuilt) {
@@ -99,9 +146,10 @@ TEST_F(ItemListTest, TheCurrentRowIsMarkedForItsAttachments) {
   Send(32832, 1, u"Ann");
   Send(32835);
   Send(32832, 1, u"Bob");
-  EXPECT_NE(PictureOf(0), PictureOf(1));
+  EXPECT_EQ(PictureOf(0), 2);
+  EXPECT_EQ(PictureOf(1), 1);
   Send(32835);
-  EXPECT_EQ(PictureOf(0), PictureOf(1));
+  EXPECT_EQ(PictureOf(1), 2);
 }
 
 TEST_F(ItemListTest, ClearingTakesAllRowsAndTheCurrentOne) {
@@ -120,6 +168,30 @@ TEST_F(ItemListTest, EachNewRowComesIntoView) {
     return list_.visualRect(list_.model()->index(99, 0)).bottom() <= list_.viewport()->height();
   };
   EXPECT_TRUE(QTest::qWaitFor([&] { return list_.verticalScrollBar()->value() > 0 && isVisible(); }));
+}
+
+TEST_F(ItemListTest, CellsShow300CharactersAndCopyThemAll) {
+  const QString subject = "first\nsecond " + QString(40000, u'x');
+  AddItem(AddFolder(u"Inbox", u"IPF.Note"), u"IPM.Note", {{Field::Subject, FromQt(subject)}});
+  const auto expectCell = [&] {
+    const QModelIndex cell = list_.model()->index(0, 2);
+    EXPECT_EQ(cell.data().toString(), "first second " + subject.mid(13, 287) + QChar(0x2026));
+    list_.setCurrentIndex(cell);
+    QGuiApplication::clipboard()->clear();
+    QTest::keyClick(&list_, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), subject);
+  };
+  List(u"Inbox");
+  expectCell();
+  Send(32833);
+  Send(32832, 1, u"Ann");
+  Send(32832, 3, FromQt(subject));
+  expectCell();
+}
+
+TEST_F(ItemListTest, ATextOf300CharactersIsShownWhole) {
+  Send(32832, 1, text::Text(300, u'x'));
+  EXPECT_EQ(Row(0)[0], QString(300, u'x'));
 }
 
 TEST_F(ItemListTest, RowsAreStriped) {
@@ -174,9 +246,10 @@ TEST_F(ItemListTest, AnItemWithAttachmentsIsMarked) {
   AddItem(folder, u"IPM.Note");
   List(u"Inbox");
   ASSERT_EQ(list_.RowCount(), 2);
-  EXPECT_NE(PictureOf(0), PictureOf(1));
+  EXPECT_EQ(PictureOf(0), 2);
+  EXPECT_EQ(PictureOf(1), 1);
   Send(32835);
-  EXPECT_NE(PictureOf(0), PictureOf(1)) << "a listing has no current row";
+  EXPECT_EQ(PictureOf(1), 1) << "a listing has no current row";
 }
 
 TEST_F(ItemListTest, AnEmptyFolderHasNoRowsAndLeavesTheListFree) {
@@ -216,75 +289,49 @@ TEST_F(ItemListTest, AFreshListingTakesThePlaceOfOneUnderWay) {
   EXPECT_EQ(Row(0)[2], "New");
 }
 
-/// Waits in the second item until it is let go.
-class SlowItem : public output::RDOItems {
+/// Where a thread waits until it is let go.
+class Gate {
  public:
-  struct Gate {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool reached = false, open = false;
-  };
-  SlowItem(output::Ref<output::RDOItems> items, Gate& gate) : items_(std::move(items)), gate_(gate) {}
-  std::int32_t Count() const override { return items_->Count(); }
-  output::Ref<output::RDOMail> Add(text::TextView) override { return nullptr; }
-  output::Ref<output::RDOMail> GetFirst() override { return items_->GetFirst(); }
-  output::Ref<output::RDOMail> GetNext() override {
-    std::unique_lock lock(gate_.mutex);
-    gate_.reached = true;
-    gate_.changed.notify_all();
-    gate_.changed.wait(lock, [this] { return gate_.open; });
-    return items_->GetNext();
+  void Pass() {
+    std::unique_lock lock(mutex_);
+    reached_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return open_; });
+  }
+  void WaitUntilReached() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return reached_; });
+  }
+  void Open() {
+    const std::lock_guard lock(mutex_);
+    open_ = true;
+    changed_.notify_all();
   }
 
  private:
-  output::Ref<output::RDOItems> items_;
-  Gate& gate_;
-};
-
-class SlowSession : public output::RDOSession,
-                    public output::RDOFolder,
-                    public std::enable_shared_from_this<SlowSession> {
- public:
-  SlowSession(output::Ref<output::RDOFolder> folder, SlowItem::Gate& gate) : folder_(std::move(folder)), gate_(gate) {}
-  void Logon(text::TextView) override {}
-  output::Ref<output::RDOStores> Stores() override { return nullptr; }
-  output::Ref<output::RDOFolder> GetDefaultFolder(output::DefaultFolder) override { return nullptr; }
-  output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView) override { return shared_from_this(); }
-  output::Ref<output::RDOItems> Items() override { return std::make_shared<SlowItem>(folder_->Items(), gate_); }
-  output::Ref<output::RDOFolders> Folders() override { return nullptr; }
-  output::Ref<output::RDOFolder2> QueryFolder2() override { return nullptr; }
-  text::Text Name() const override { return {}; }
-  text::Text ContainerClass() const override { return {}; }
-
- private:
-  output::Ref<output::RDOFolder> folder_;
-  SlowItem::Gate& gate_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool reached_ = false, open_ = false;
 };
 
 TEST_F(ItemListTest, WindowsStayAliveWhileAFolderIsRead) {
   const auto folder = AddFolder(u"Inbox", u"IPF.Note");
   AddItem(folder, u"IPM.Note", {{Field::Subject, u"First"}});
   AddItem(folder, u"IPM.Note", {{Field::Subject, u"Second"}});
-  SlowItem::Gate gate;
+  Gate gate;
   output::Ref<output::RDOSession> session;
-  auto store = std::make_shared<FinishedStore>(
-      session, [&](text::TextView) { return std::make_shared<SlowSession>(folder, gate); });
+  auto store = std::make_shared<FinishedStore>(session, [&](text::TextView) {
+    return std::make_shared<OneFolderSession>(folder, OneFolderSession::Hooks{.onNext = [&] { gate.Pass(); }});
+  });
   CListViewRight list(nullptr, store, [](const RunMessage&) {});
   list.BuildColumns();
   list.OnMessage({.code = 32834, .text = u"any"});
-  {
-    std::unique_lock lock(gate.mutex);
-    gate.changed.wait(lock, [&] { return gate.reached; });
-  }
+  gate.WaitUntilReached();
   bool alive = false;
   QTimer::singleShot(0, &list, [&] { alive = true; });
   EXPECT_TRUE(QTest::qWaitFor([&] { return alive; }));
   EXPECT_TRUE(list.ListBusy());
-  {
-    const std::lock_guard lock(gate.mutex);
-    gate.open = true;
-    gate.changed.notify_all();
-  }
+  gate.Open();
   ASSERT_TRUE(QTest::qWaitFor([&] { return !list.ListBusy(); }));
   EXPECT_EQ(list.RowCount(), 2);
 }
@@ -325,6 +372,19 @@ TEST_F(ItemListInputTest, UpAndDownTellTheirKeyBeforeTheSelectionMoves) {
   QTest::keyClick(&list_, Qt::Key_Up);
   EXPECT_THAT(sent_, ElementsAre(Show(40), Show(38)));
   EXPECT_EQ(list_.SelectedRow(), 1);
+}
+
+TEST_F(ItemListInputTest, OneRowIsSelectedAtATime) {
+  Click(0);
+  for (const Qt::KeyboardModifier held : {Qt::ControlModifier, Qt::ShiftModifier}) {
+    const QPoint place = list_.visualRect(list_.model()->index(2, 1)).center();
+    QTest::mouseClick(list_.viewport(), Qt::LeftButton, held, place);
+    ASSERT_EQ(list_.selectionModel()->selectedRows().size(), 1);
+    EXPECT_EQ(list_.selectionModel()->selectedRows()[0].row(), 2);
+    Click(0);
+  }
+  list_.selectAll();
+  EXPECT_EQ(list_.selectionModel()->selectedRows().size(), 1);
 }
 
 TEST_F(ItemListInputTest, OtherKeysShowNothing) {

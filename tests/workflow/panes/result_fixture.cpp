@@ -7,6 +7,7 @@
 #include "output/pst/messaging/pst_library.h"
 #include "output/trace/tee.h"
 #include "workflow/panes/grid_rows.h"
+#include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -159,7 +160,7 @@ int ResultFixture::ExpectFilled(const std::vector<WrittenItem>& items, const Lis
   for (const WrittenItem& item : items) {
     if (output::TypedInterfaceOf(FromQt(item.messageClass)) != kind.interface) break;  // ends a fill
     const QModelIndex place = grid.index(category++, 0);
-    const auto whole = [](const QModelIndex& index) { return index.data(GridRows::kWholeValueRole).toString(); };
+    const auto whole = [](const QModelIndex& index) { return index.data(kWholeValueRole).toString(); };
     EXPECT_EQ(whole(place), ExpectedCaption(item, kind));
     ShownRows shown;
     for (int row = 0; row < grid.rowCount(place); ++row) {

@@ -1,5 +1,7 @@
 #include "workflow/panes/result_panes.h"
 
+#include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
 #include <fstream>
@@ -9,6 +11,7 @@
 #include "forge/mailbox.h"
 #include "workflow/panes/forged_kinds.h"
 #include "workflow/panes/grid_rows.h"
+#include "workflow/panes/open_files.h"
 #include "workflow/panes/result_fixture.h"
 #include "workflow/qt_text.h"
 
@@ -165,6 +168,113 @@ TEST_F(ResultPanesTest, TheStoreIsNotInUseBeforeAFolderIsSelected) {
   EXPECT_TRUE(state_.previewSession);
   panes_.BeginRun();
   EXPECT_FALSE(state_.previewSession);
+}
+
+TEST_F(ResultPanesTest, TheListHasNoScrollBarForNothing) {
+  panes_.resize(1000, 680);
+  panes_.show();
+  panes_.BeginRun();
+  EXPECT_EQ(panes_.ListPane().horizontalScrollBar()->maximum(), 0);
+  for (int i = 0; i < 100; ++i) panes_.OnMessage({.code = 32832, .number = 1, .text = u"Ann"});
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(panes_.ListPane().verticalScrollBar()->isVisible());
+  EXPECT_EQ(panes_.ListPane().horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(ResultPanesTest, TheSelectionIsRenewedInTheTree) {
+  Run(Demo());
+  Select(*Folder(u"Inbox"));
+  QSignalSpy changes(&Tree(), &QTreeWidget::currentItemChanged);
+  panes_.OnMessage({.code = 32818});
+  EXPECT_EQ(changes.size(), 2);
+}
+
+class PanesOfAFinishedRunTest : public ResultPanesTest {
+ protected:
+  PanesOfAFinishedRunTest() {
+    Run(Demo());
+    Select(*Folder(u"Inbox"));
+    panes_.ListPane().selectRow(0);
+    ShowBody();
+    EXPECT_GT(panes_.ListPane().RowCount(), 0);
+  }
+  void ShowBody() {
+    panes_.OnMessage({.code = 32848, .text = PathOf(*Folder(u"Inbox"))});
+    EXPECT_NE(Body(), "");
+  }
+  bool IsStoreInUse() const { return OpenFiles().contains(ToQt(state_.destinationPath)); }
+  void BeginListing() {
+    panes_.OnMessage({.code = 32834, .text = PathOf(*Folder(u"Inbox"))});
+    EXPECT_TRUE(panes_.ListBusy());
+  }
+};
+
+TEST_F(PanesOfAFinishedRunTest, AChangeToTheGridClearsListAndBody) {
+  panes_.OnMessage({.code = 32786, .number = 0});
+  EXPECT_EQ(panes_.ListPane().RowCount(), 0);
+  EXPECT_EQ(Body(), "");
+}
+
+TEST_F(PanesOfAFinishedRunTest, AFolderOfTheGridHasNoBodyOfAnotherFolderBelowIt) {
+  Select(*Folder(u"Contacts"));
+  EXPECT_TRUE(panes_.ShowsGrid());
+  EXPECT_EQ(Body(), "");
+}
+
+TEST_F(PanesOfAFinishedRunTest, AChangeToTheGridStopsAListing) {
+  BeginListing();
+  panes_.OnMessage({.code = 32786, .number = 0});
+  EXPECT_FALSE(panes_.ListBusy());
+  QTest::qWait(50);
+  EXPECT_EQ(panes_.ListPane().RowCount(), 0) << "no row comes late";
+}
+
+TEST_F(PanesOfAFinishedRunTest, AChangeToTheListClearsTheGrid) {
+  Select(*Folder(u"Contacts"));
+  EXPECT_GT(panes_.Grid().Rows().rowCount(), 0);
+  panes_.OnMessage({.code = 32786, .number = 1});
+  EXPECT_EQ(panes_.Grid().Rows().rowCount(), 0);
+}
+
+TEST_F(PanesOfAFinishedRunTest, AChangeToThePaneThatIsThereChangesNothing) {
+  const int rows = panes_.ListPane().RowCount();
+  panes_.OnMessage({.code = 32786, .number = 1});
+  EXPECT_EQ(panes_.ListPane().RowCount(), rows);
+  EXPECT_NE(Body(), "");
+  Select(*Folder(u"Contacts"));
+  const int categories = panes_.Grid().Rows().rowCount();
+  panes_.OnMessage({.code = 32786, .number = 0});
+  EXPECT_EQ(panes_.Grid().Rows().rowCount(), categories);
+}
+
+TEST_F(PanesOfAFinishedRunTest, TheNextRunForgetsAllThatIsShown) {
+  panes_.OnMessage({.code = 32836, .text = PathOf(*Folder(u"Contacts"))});
+  EXPECT_GT(panes_.Grid().Rows().rowCount(), 0) << "behind the list";
+  BeginListing();
+  ShowBody();
+  EXPECT_TRUE(IsStoreInUse());
+  panes_.BeginRun();
+  EXPECT_FALSE(panes_.ListBusy());
+  EXPECT_FALSE(state_.treeFilling);
+  EXPECT_EQ(Tree().topLevelItemCount(), 0);
+  EXPECT_EQ(panes_.Grid().Rows().rowCount(), 0);
+  EXPECT_EQ(panes_.ListPane().RowCount(), 0);
+  EXPECT_EQ(Body(), "");
+  EXPECT_FALSE(state_.previewSession);
+  EXPECT_FALSE(IsStoreInUse());
+}
+
+TEST_F(PanesOfAFinishedRunTest, TheNextRunBeginsWithTheList) {
+  Select(*Folder(u"Contacts"));
+  panes_.BeginRun();
+  EXPECT_FALSE(panes_.ShowsGrid());
+}
+
+TEST_F(PanesOfAFinishedRunTest, OnceThePageIsLeftTheStoreIsInUseNoLonger) {
+  EXPECT_TRUE(IsStoreInUse());
+  panes_.EndRun();
+  EXPECT_FALSE(state_.previewSession);
+  EXPECT_FALSE(IsStoreInUse());
 }
 
 class PanesDuringARunTest : public ResultPanesTest {
