@@ -23,11 +23,16 @@ CTXListCtrl::CTXListCtrl(QWidget* parent) : QTreeView(parent), rows_(new FileRow
   setItemsExpandable(false);
   setUniformRowHeights(true);
   setSelectionBehavior(SelectRows);
+  setSelectionMode(SingleSelection);
   setEditTriggers(NoEditTriggers);
   setTextElideMode(Qt::ElideMiddle);
   rows_->SetRowHeight(fontMetrics().height() * 8 / 5);
   header()->setStretchLastSection(true);
   header()->setSectionsClickable(false);
+  // The choice is the highlight, whatever moved it: either button, a drag, a key, letters that are typed. A reset
+  // takes the highlight away without a word of the selection.
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &CTXListCtrl::TellChoice);
+  connect(rows_, &FileRows::modelReset, this, &CTXListCtrl::TellChoice);
 }
 
 void CTXListCtrl::SetTitle(const QString& title) { rows_->SetTitle(title); }
@@ -65,9 +70,14 @@ void CTXListCtrl::paintEvent(QPaintEvent* event) {
   painter.drawText(area.adjusted(0, area.height() / 3, 0, 0), Qt::AlignHCenter | Qt::TextWordWrap, hint_);
 }
 
-void CTXListCtrl::mouseReleaseEvent(QMouseEvent* event) {
-  QTreeView::mouseReleaseEvent(event);
-  if (event->button() == Qt::LeftButton) emit RowChosen(indexAt(event->pos()).row());
+void CTXListCtrl::TellChoice() {
+  const QModelIndexList chosen = selectionModel()->selectedRows();
+  emit RowChosen(chosen.isEmpty() ? -1 : chosen.first().row());
+}
+
+void CTXListCtrl::mousePressEvent(QMouseEvent* event) {
+  QTreeView::mousePressEvent(event);
+  if (!indexAt(event->pos()).isValid()) clearSelection();
 }
 
 void CTXListCtrl::keyPressEvent(QKeyEvent* event) {
@@ -78,7 +88,6 @@ void CTXListCtrl::keyPressEvent(QKeyEvent* event) {
   if (!chooses || !currentIndex().isValid()) return;
   // The first row has the focus from the start; a key on it chooses it without moving.
   selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
-  emit RowChosen(currentIndex().row());
 }
 
 }  // namespace velmora::controls

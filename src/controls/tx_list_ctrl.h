@@ -7,7 +7,8 @@ namespace velmora::controls {
 
 class FileRows;
 
-/// A list with one column, striped rows, and a hint in its middle while it is empty.
+/// A list with one column, striped rows, and a hint in its middle while it is empty. At most one row is chosen:
+/// the one that is highlighted.
 class CTXListCtrl : public QTreeView {
   Q_OBJECT
 
@@ -22,16 +23,18 @@ class CTXListCtrl : public QTreeView {
   static QColor StripeOf(int row);
 
  signals:
-  /// A row was clicked or reached by the keyboard; -1: a click where no row is.
+  /// Another row is highlighted now; -1: none is.
   void RowChosen(int row);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void TellChoice();
+
   FileRows* rows_;
   QString hint_;
 };

@@ -97,6 +97,65 @@ TEST_F(TxListCtrlTest, TellsTheRowThatIsClickedAndAClickBelowTheRows) {
   EXPECT_EQ(chosen[1][0].toInt(), -1);
 }
 
+/// The row that the last signal named; -2 when there was none.
+int LastOf(const QSignalSpy& chosen) { return chosen.isEmpty() ? -2 : chosen.last()[0].toInt(); }
+
+TEST_F(TxListCtrlTest, WhateverMovesTheHighlightChooses) {
+  list_.Rows().Append({"/mail/a.ost", "/mail/b.ost", "/mail/c.ost", "/mail/d.ost"});
+  QApplication::processEvents();
+  list_.setFocus();
+  QSignalSpy chosen(&list_, &CTXListCtrl::RowChosen);
+  const auto highlighted = [this] {
+    const QModelIndexList rows = list_.selectionModel()->selectedRows();
+    return rows.size() == 1 ? rows.first().row() : -1;
+  };
+  QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, MiddleOf(1));
+  EXPECT_EQ(LastOf(chosen), 1);
+  QTest::mouseClick(list_.viewport(), Qt::RightButton, {}, MiddleOf(2));
+  EXPECT_EQ(highlighted(), 2);
+  EXPECT_EQ(LastOf(chosen), 2) << "the other button";
+  QTest::keyClicks(&list_, "/mail/d");
+  EXPECT_EQ(highlighted(), 3);
+  EXPECT_EQ(LastOf(chosen), 3) << "letters that are typed";
+  QTest::mousePress(list_.viewport(), Qt::LeftButton, {}, MiddleOf(0));
+  EXPECT_EQ(LastOf(chosen), 0) << "before the button is let go";
+  QTest::mouseRelease(list_.viewport(), Qt::LeftButton, {}, MiddleOf(3));
+  EXPECT_EQ(LastOf(chosen), highlighted());
+  QTest::mouseClick(list_.viewport(), Qt::LeftButton, Qt::ControlModifier, MiddleOf(highlighted()));
+  EXPECT_EQ(highlighted(), -1);
+  EXPECT_EQ(LastOf(chosen), -1) << "taken back";
+}
+
+TEST_F(TxListCtrlTest, AClickWhereNoRowIsTakesTheHighlightAway) {
+  list_.Rows().Append({"a", "b"});
+  QApplication::processEvents();
+  for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
+    QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, MiddleOf(1));
+    QSignalSpy chosen(&list_, &CTXListCtrl::RowChosen);
+    QTest::mouseClick(list_.viewport(), button, {}, QPoint(100, list_.viewport()->height() - 4));
+    EXPECT_FALSE(list_.selectionModel()->hasSelection());
+    EXPECT_EQ(LastOf(chosen), -1);
+  }
+}
+
+TEST_F(TxListCtrlTest, RowsThatAreTakenAwayLeaveNoChoice) {
+  list_.Rows().Append({"a", "b"});
+  QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, MiddleOf(1));
+  QSignalSpy chosen(&list_, &CTXListCtrl::RowChosen);
+  list_.Rows().Clear();
+  EXPECT_EQ(LastOf(chosen), -1);
+}
+
+TEST_F(TxListCtrlTest, ARowThatComesOnTopLeavesTheChoiceAsItIs) {
+  list_.Rows().Append({"a", "b"});
+  QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, MiddleOf(1));
+  QString named = "b";
+  QObject::connect(&list_, &CTXListCtrl::RowChosen, [&](int row) { named = list_.Rows().TextAt(row); });
+  list_.Rows().PutOnTop({"c"});
+  EXPECT_EQ(list_.Rows().TextAt(list_.selectionModel()->selectedRows().value(0).row()), "b");
+  EXPECT_EQ(named, "b");
+}
+
 TEST_F(TxListCtrlTest, TheKeyboardChoosesRowsToo) {
   list_.Rows().Append({"a", "b"});
   list_.setFocus();

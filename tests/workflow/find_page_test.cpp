@@ -128,6 +128,37 @@ TEST_F(FindPageTest, ANamedRowBecomesTheSource) {
   EXPECT_EQ(Rows(), QStringList()) << "the page is made anew";
 }
 
+TEST_F(FindPageTest, TheHighlightedFileIsTheOneThatIsConverted) {
+  const auto first = machine_.Write("drive/a/mail.ost"), second = machine_.Write("drive/b/mail.ost");
+  Open();
+  Search();
+  ASSERT_EQ(List().Rows().Count(), 2);
+  const auto rowOf = [this](const std::filesystem::path& file) { return int(Rows().indexOf(PathToQt(file))); };
+  ClickRow(rowOf(first));
+  ASSERT_EQ(State().sourcePath, FromQt(PathToQt(first)));
+  const QRect place = List().visualRect(List().model()->index(rowOf(second), 0));
+  QTest::mouseClick(List().viewport(), Qt::RightButton, {}, place.center());
+  EXPECT_EQ(State().sourcePath, FromQt(PathToQt(second))) << "a right click";
+  List().setFocus();
+  QTest::keyClicks(&List(), PathToQt(first));
+  EXPECT_EQ(State().sourcePath, FromQt(PathToQt(first))) << "letters that are typed";
+  EXPECT_TRUE(CanGoOn());
+}
+
+TEST_F(FindPageTest, ASearchThatIsRefusedLeavesNoChoiceBehind) {
+  machine_.volumes.push_back({"/media/stick", true});
+  machine_.Write("drive/mail.ost");
+  Open();
+  Search();
+  ClickRow(0);
+  ASSERT_TRUE(CanGoOn());
+  Combo().setEditText("/media/stick");
+  boxes_.Answer(QMessageBox::Ok);
+  Press(kFindId);
+  EXPECT_EQ(Rows(), QStringList());
+  EXPECT_FALSE(CanGoOn()) << "nothing is highlighted";
+}
+
 TEST_F(FindPageTest, AClickBelowTheRowsDisablesNextAndKeepsTheSource) {
   const auto file = machine_.Write("drive/mail.ost");
   Open();
