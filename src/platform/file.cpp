@@ -1,6 +1,7 @@
 #include "platform/file.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cerrno>
 #include <cstdlib>
@@ -97,12 +98,41 @@ class SystemFile : public ByteStore {
     return {};
   }
 
+  Result<void> Reserve(std::uint64_t size) override {
+    if (size <= size_) return {};
+    const std::uint64_t before = size_;
+    auto reserved = AllocateTo(size);
+    if (!reserved) static_cast<void>(Resize(before));  // what there was room for stays nobody's
+    return reserved;
+  }
+
   Result<void> Flush() override {
     if (::fdatasync(descriptor_.Get()) != 0) return Fail(errno, name_);
     return {};
   }
 
  private:
+  Result<void> AllocateTo(std::uint64_t size) {
+    int error = 0;
+    do {
+      error = ::fallocate(descriptor_.Get(), 0, static_cast<off_t>(size_), static_cast<off_t>(size - size_)) == 0 ? 0 : errno;
+    } while (error == EINTR);
+    if (error == EOPNOTSUPP || error == ENOSYS) return FillTo(size);
+    if (error != 0) return Fail(error, name_, size);
+    size_ = size;
+    return {};
+  }
+
+  /// Where a file system cannot set room aside, bytes that are there have theirs.
+  Result<void> FillTo(std::uint64_t size) {
+    static constexpr std::array<std::byte, 0x10000> kZeros{};
+    while (size_ < size) {
+      const std::size_t length = std::min<std::uint64_t>(kZeros.size(), size - size_);
+      if (auto written = WriteAt(size_, std::span(kZeros).first(length)); !written) return written;
+    }
+    return {};
+  }
+
   Descriptor descriptor_;
   std::string name_;
   std::uint64_t size_;

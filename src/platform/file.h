@@ -35,6 +35,11 @@ class ByteStore : public ByteSource {
   /// Cuts or lengthens (with zeros) to `size` bytes.
   virtual Result<void> Resize(std::uint64_t size) = 0;
 
+  /// Lengthens to `size` bytes (with zeros) and takes their room on the disk, where there is one that promises it:
+  /// what is written below that size later finds it. Leaves a file that is as long already as it is, and so does a
+  /// failure.
+  virtual Result<void> Reserve(std::uint64_t size) { return size > Size() ? Resize(size) : Result<void>(); }
+
   /// Hands everything written so far to the disk.
   virtual Result<void> Flush() = 0;
 };

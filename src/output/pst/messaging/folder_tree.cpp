@@ -38,6 +38,7 @@ Folder& FolderTree::Add(Folder* parent, ndb::Nid nid, text::TextView name, text:
   folderOfNid_.emplace(nid, &folder);
   if (parent != nullptr) {
     parent->children.push_back(&folder);
+    parent->childTextBytes += (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
     parent->childOfName.try_emplace(text::CaseFolded(folder.name), &folder);
   }
   return folder;

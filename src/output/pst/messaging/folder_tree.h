@@ -17,6 +17,7 @@ struct ItemRow {
   ndb::Nid nid = 0;
   bool unread = false;
   bool deleted = false;
+  std::uint16_t size = 0;   ///< of its row's texts and binary values, as far as 16 bits tell
   std::uint64_t place = 0;  ///< of its row in the spool
 };
 
@@ -58,6 +59,8 @@ struct Folder {
   std::unordered_map<text::Text, Folder*> childOfName;
   ItemRows items;
   std::size_t unreadCount = 0;
+  std::uint64_t rowBytes = 0;        ///< sizes of the rows of all items
+  std::uint64_t childTextBytes = 0;  ///< of the names and classes of all children
 
   // What differs from the store on disk.
   bool isListed = false;  ///< stands in the list of changed folders

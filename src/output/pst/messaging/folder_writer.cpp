@@ -87,6 +87,28 @@ PropertyBag ContentsRow(const PropertyBag& message) {
   return row;
 }
 
+std::size_t ValueBytesOf(const PropertyBag& row) {
+  constexpr std::size_t kAllocation = 4;  // the heap's word for the place of a value, and a byte for an odd end
+  std::size_t bytes = 0;
+  for (const ltp::PropertyView& cell : row.Views()) {
+    const auto fixed = ltp::FixedSize(ltp::TypeOf(cell.tag));
+    if (!fixed || *fixed > 8) bytes += cell.value.size() + kAllocation;
+  }
+  return bytes;
+}
+
+std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
+  constexpr std::uint64_t kObject = 1024;  // or a table without rows
+  if (part == &Folder::itemsChanged) {
+    return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.rowBytes);
+  }
+  if (part == &Folder::childrenChanged) {
+    constexpr std::uint64_t kRow = 96;
+    return kObject + folder.children.size() * kRow + folder.childTextBytes + folder.childTextBytes / 8;
+  }
+  return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
+}
+
 ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, Folder& folder) {
   const auto tableNid = [&](ndb::NidType type) { return ndb::Sibling(folder.nid, type); };
   const ndb::Nid hiddenItems = tableNid(ndb::NidType::kAssocContentsTable);

@@ -11,6 +11,19 @@ namespace velmora::messaging {
 /// The cells that a contents table shows of a message with these properties.
 PropertyBag ContentsRow(const PropertyBag& message);
 
+/// Bytes that the texts and binary values of such a row take in its table.
+std::size_t ValueBytesOf(const PropertyBag& row);
+
+/// Bytes that the part of a folder behind one of its marks (propertiesChanged, ...) takes in the file at most.
+std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part);
+
+/// The same of the row of an item with so many bytes of values. A heap leaves the rest of a block empty that is too
+/// short for the next value.
+constexpr std::uint64_t ItemBytes(std::uint64_t values) { return 160 + values + values / 8; }
+
+/// Nodes of a folder: its object and its tables.
+inline constexpr std::size_t kFolderNodes = 4;
+
 /// Writes what changed of a folder, and notes that nothing is changed any more. `extra` are properties that
 /// this folder has beside those of all folders.
 ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, Folder& folder);

@@ -26,6 +26,14 @@ constexpr text::TextView kDeletedItemsName = u"Deleted Items";
 constexpr std::size_t kFirstCommitDistance = 64;
 constexpr std::uint64_t kSmallestGrowth = 32 << 20;
 
+// What a commit writes beside what its folders need: the message store, and the root's list of default folders.
+constexpr std::uint64_t kOtherObjects = 4096;
+
+// A folder without items, and its row in its parent's table, with the longest name and class.
+constexpr std::uint64_t kNewFolderBytes = 8192;
+
+bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode::STG_E_MEDIUMFULL; }
+
 }  // namespace
 
 StoreWriter::StoreWriter(std::unique_ptr<platform::ByteStore> file, text::TextView displayName,
@@ -72,6 +80,7 @@ std::shared_ptr<StoreWriter> StoreWriter::Create(std::unique_ptr<platform::ByteS
     store->defaults_.Set(output::DefaultFolder::kDeletedItems, deletedItems.nid);
     store->WriteChanges();
     WrittenOrRaise(store->ndb_->Commit());
+    store->Reserve(0);
   });
   store->changesToCommit_ = store->changes_ + kFirstCommitDistance;
   store->sizeToCommit_ = store->ndb_->FileSize() + kSmallestGrowth;
@@ -92,7 +101,20 @@ FileTime StoreWriter::Now() const {
   return FileTimeOfUnixSeconds(std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
+/// What marking adds to the bytes to write.
+std::uint64_t StoreWriter::BytesToMark(const Folder& folder, bool Folder::*what) const {
+  if (folder.*what) return 0;
+  const bool isShown = what == &Folder::propertiesChanged && folder.parent != nullptr;
+  return MostBytesOf(folder, what) + (isShown ? BytesToMark(*folder.parent, &Folder::childrenChanged) : 0);
+}
+
+/// Sees to it that what is to be written will find room on the disk, with so much more, whatever comes between.
+void StoreWriter::Reserve(std::uint64_t bytes, std::size_t nodes) {
+  WrittenOrRaise(ndb_->Reserve(bytesToWrite_ + bytes + kOtherObjects, nodesToAdd_ + nodes));
+}
+
 void StoreWriter::MarkChanged(Folder& folder, bool Folder::*what) {
+  if (!(folder.*what)) bytesToWrite_ += MostBytesOf(folder, what);
   folder.*what = true;
   if (what == &Folder::propertiesChanged && folder.parent != nullptr && !folder.parent->childrenChanged) {
     MarkChanged(*folder.parent, &Folder::childrenChanged);  // a row of the parent's table shows them
@@ -103,6 +125,7 @@ void StoreWriter::MarkChanged(Folder& folder, bool Folder::*what) {
 }
 
 void StoreWriter::WriteChanges() {
+  ndb_->DrawOnReserve();
   if (messageStoreChanged_) {
     const ndb::Nid deletedItems = defaults_.Of(output::DefaultFolder::kDeletedItems);
     WrittenOrRaise(WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems));
@@ -115,6 +138,8 @@ void StoreWriter::WriteChanges() {
     folder->isListed = false;
   }
   changedFolders_.clear();
+  bytesToWrite_ = 0;
+  nodesToAdd_ = 0;
 }
 
 void StoreWriter::CommitNowAndThen() {
@@ -124,6 +149,7 @@ void StoreWriter::CommitNowAndThen() {
   WrittenOrRaise(ndb_->Commit());
   changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
   sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
+  Reserve(0);
 }
 
 Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
@@ -132,11 +158,16 @@ Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextVi
     if (ChildOf(parent, name) != nullptr) {
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
+    Reserve(kNewFolderBytes + BytesToMark(parent, &Folder::propertiesChanged) +
+                BytesToMark(parent, &Folder::childrenChanged),
+            kFolderNodes);
     Folder& folder = folders_.Add(&parent, ndb_->NewNid(ndb::NidType::kNormalFolder), name, containerClass);
     for (bool Folder::*what : {&Folder::propertiesChanged, &Folder::childrenChanged, &Folder::itemsChanged}) {
       MarkChanged(folder, what);
     }
     MarkChanged(parent, &Folder::propertiesChanged);
+    bytesToWrite_ += kNewFolderBytes;
+    nodesToAdd_ += kFolderNodes;
     CommitNowAndThen();
     return folder;
   });
@@ -168,6 +199,10 @@ ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>&
     const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
     const PropertyBag row = ContentsRow(message.properties);
     const std::uint64_t place = WrittenOrRaise(rows_.Append(row.Views()));
+    const auto size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(row), 0xFFFF));
+    Reserve(ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) +
+                BytesToMark(folder, &Folder::propertiesChanged),
+            1);
     const bool isNew = nid == 0;
     const ndb::Nid saved = isNew ? ndb_->NewNid(ndb::NidType::kNormalMessage) : nid;
     WrittenOrRaise(ndb_->SetNode(saved, message.node.trees, folder.nid));
@@ -179,6 +214,9 @@ ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>&
     entry.place = place;
     MarkChanged(folder, &Folder::itemsChanged);
     MarkChanged(folder, &Folder::propertiesChanged);
+    folder.rowBytes = folder.rowBytes - entry.size + size;
+    bytesToWrite_ += ItemBytes(size);
+    entry.size = size;
     CommitNowAndThen();
     return saved;
   });
@@ -188,8 +226,10 @@ void StoreWriter::Delete(Folder& folder, ndb::Nid nid) {
   Change([&] {
     const ItemRow* row = folder.items.Find(nid);
     if (row == nullptr) return;
+    Reserve(BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged));
     WrittenOrRaise(ndb_->RemoveNode(nid));
     folder.unreadCount -= static_cast<std::size_t>(row->unread);
+    folder.rowBytes -= row->size;
     folder.items.Delete(nid);
     MarkChanged(folder, &Folder::itemsChanged);
     MarkChanged(folder, &Folder::propertiesChanged);
@@ -224,12 +264,19 @@ Attachment StoreWriter::Attach(const ItemState& item, const std::vector<Attachme
 
 void StoreWriter::Seal() {
   if (sealed_) return;
-  WritePostponed();
+  try {
+    WritePostponed();
+  } catch (const OutputFailure& failure) {
+    if (!IsFull(failure)) throw;
+  }
+  // Only the change that the disk had no room for is missing; what was saved before has its room.
+  const std::optional<OutputFailure> full = failure_ && IsFull(*failure_) ? std::exchange(failure_, {}) : std::nullopt;
   Change([&] {
     WriteChanges();
     WrittenOrRaise(ndb_->Seal());
   });
   sealed_ = true;
+  if (full) throw OutputFailure(*full);
 }
 
 }  // namespace velmora::messaging

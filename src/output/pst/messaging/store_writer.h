@@ -31,7 +31,8 @@ class PostponedSave {
 
 /// What was written is committed at creation, at distances that grow with the store, and by Seal; a process
 /// that dies leaves the last commit. After a failure of the file every further change raises it again, and
-/// what was committed stays.
+/// what was committed stays. On a full disk everything saved before stays: room for its commit is kept at all
+/// times, and Seal uses it.
 class StoreWriter : public Store {
  public:
   /// Writes an empty store into `file`, which must be empty, and commits it.
@@ -80,7 +81,7 @@ class StoreWriter : public Store {
   }
 
   /// Commits, and makes the store what a cleanly closed one is. Every later change raises E_FAIL; reading
-  /// goes on.
+  /// goes on. On a disk that is full all but the change that failed is sealed.
   void Seal();
 
  private:
@@ -91,6 +92,8 @@ class StoreWriter : public Store {
   void CommitNowAndThen();
   void WriteChanges();
   void MarkChanged(Folder& folder, bool Folder::*what);
+  std::uint64_t BytesToMark(const Folder& folder, bool Folder::*what) const;
+  void Reserve(std::uint64_t bytes, std::size_t nodes = 0);
   FileTime Now() const;
 
   std::unique_ptr<platform::ByteStore> file_;
@@ -104,6 +107,8 @@ class StoreWriter : public Store {
   Folder* searchRoot_ = nullptr;
   bool messageStoreChanged_ = true;
   std::vector<Folder*> changedFolders_;
+  std::uint64_t bytesToWrite_ = 0;  ///< that WriteChanges writes at most
+  std::size_t nodesToAdd_ = 0;      ///< that WriteChanges adds at most
   PostponedSave* postponed_ = nullptr;
   std::size_t changes_ = 0;          ///< since creation
   std::size_t changesToCommit_ = 0;  ///< their number at which the next commit is due

@@ -32,6 +32,7 @@ constexpr std::uint64_t AreaOffset(std::uint32_t area) { return kFirstArea + are
 
 /// The map pages of an area, in the order in which they stand at its beginning.
 std::span<const PageType> MapPagesOf(std::uint32_t area);
+inline constexpr std::size_t kMostMapPages = 4;
 
 class AllocationMap {
  public:

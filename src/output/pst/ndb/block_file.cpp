@@ -14,7 +14,24 @@ BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod)
 
 Result<void> BlockFile::Start() {
   if (auto emptied = Kept(file_.Resize(0)); !emptied) return emptied;
-  return OpenArea(0);
+  return OpenAreas();
+}
+
+Result<void> BlockFile::Reserve(std::uint64_t bytes, std::size_t blocks) {
+  if (auto usable = Usable(); !usable) return usable;
+  reservedBytes_ = bytes;
+  reservedBlocks_ = blocks;
+  drawsOnReserve_ = false;
+  return KeepReserve();
+}
+
+void BlockFile::DrawOnReserve() {
+  drawsOnReserve_ = true;
+  full_.reset();
+}
+
+void BlockFile::Trim() {
+  if (file_.Size() > map_.FileSize()) static_cast<void>(file_.Resize(map_.FileSize()));
 }
 
 Result<Bid> BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data); }
@@ -160,6 +177,7 @@ void BlockFile::Settle(std::span<const std::uint64_t> freedPages) {
 
 Result<void> BlockFile::Usable() const {
   if (failure_) return tl::unexpected(*failure_);
+  if (full_) return tl::unexpected(*full_);
   return {};
 }
 
@@ -168,28 +186,48 @@ void BlockFile::Stop(const Failure& failure) {
 }
 
 Result<std::uint64_t> BlockFile::Allocate(std::size_t size, std::size_t alignment) {
-  if (failure_) return tl::unexpected(*failure_);
-  const std::uint32_t areas = map_.AreaCount();
-  const std::optional<std::uint64_t> ib =
-      map_.Allocate(static_cast<std::uint32_t>(size / kSlotSize), static_cast<std::uint32_t>(alignment / kSlotSize));
+  if (auto usable = Usable(); !usable) return tl::unexpected(usable.error());
+  const auto slots = static_cast<std::uint32_t>(size / kSlotSize);
+  const std::optional<std::uint64_t> ib = map_.Allocate(slots, static_cast<std::uint32_t>(alignment / kSlotSize));
   if (!ib) return Fail(FailureKind::kNotSupported, "store", map_.FileSize(), "the store has reached its largest size");
-  for (std::uint32_t area = areas; area < map_.AreaCount(); ++area) {
-    if (auto opened = OpenArea(area); !opened) return tl::unexpected(opened.error());
+  if (openAreas_ == map_.AreaCount()) return *ib;
+  if (auto opened = OpenAreas(); !opened) {
+    map_.Free(*ib, slots);
+    return tl::unexpected(opened.error());
   }
   return *ib;
 }
 
+// The file grows here and nowhere else, so a disk that has no room left says so before anything is lost.
+Result<void> BlockFile::KeepReserve() {
+  std::uint64_t size = map_.FileSize();
+  if (!drawsOnReserve_) {
+    const std::uint64_t bytes = reservedBytes_ + TreeBytes(table_.Count() + reservedBlocks_, BbtEntry::kSize);
+    // Blocks fill an area but for its maps and a rest that is too short for the next one.
+    constexpr std::uint64_t kUsable = kAreaSize - kMostMapPages * kPageSize - kMaxBlockSize;
+    size += (bytes / kUsable + 1) * kAreaSize;
+  }
+  auto reserved = file_.Reserve(size);
+  if (!reserved && reserved.error().kind == FailureKind::kFull) {
+    full_ = reserved.error();
+    return reserved;
+  }
+  return Kept(reserved);
+}
+
 // The maps of a new area say that all of it is in use, until Seal writes what is: whoever trusts them
 // although the header calls them not valid writes nowhere where the next commit will be.
-Result<void> BlockFile::OpenArea(std::uint32_t area) {
-  if (auto resized = Kept(file_.Resize(AreaOffset(area) + kAreaSize)); !resized) return resized;
-  std::uint64_t ib = AreaOffset(area);
-  for (const PageType type : MapPagesOf(area)) {
-    const Result<std::span<std::byte>> place = Kept(window_.Place(ib, kPageSize));
-    if (!place) return tl::unexpected(place.error());
-    const Page page = FullMapPage(type, ib);
-    std::copy(page.begin(), page.end(), place->begin());
-    ib += kPageSize;
+Result<void> BlockFile::OpenAreas() {
+  if (auto kept = KeepReserve(); !kept) return kept;
+  for (; openAreas_ < map_.AreaCount(); ++openAreas_) {
+    std::uint64_t ib = AreaOffset(openAreas_);
+    for (const PageType type : MapPagesOf(openAreas_)) {
+      const Result<std::span<std::byte>> place = Kept(window_.Place(ib, kPageSize));
+      if (!place) return tl::unexpected(place.error());
+      const Page page = FullMapPage(type, ib);
+      std::copy(page.begin(), page.end(), place->begin());
+      ib += kPageSize;
+    }
   }
   return {};
 }

@@ -18,13 +18,30 @@
 
 namespace velmora::ndb {
 
-/// After a failing write every further write fails with the same failure.
+/// After a failing write every further write fails with the same failure. A disk that is full shows earlier, as the
+/// file is lengthened ahead of what is written: see Reserve.
 class BlockFile {
  public:
   BlockFile(platform::ByteStore& file, CryptMethod cryptMethod);
 
+  /// Leaves no room behind the end of the store.
+  ~BlockFile() { Trim(); }
+  BlockFile(const BlockFile&) = delete;
+  BlockFile& operator=(const BlockFile&) = delete;
+
   /// Makes the file that of an empty store, but for the header.
   Result<void> Start();
+
+  /// From now on the disk has, whatever else is written, room for `bytes` more of so many `blocks` and of pages, and
+  /// for the tree of all blocks with them. kFull when it has not: every change fails with that, until DrawOnReserve.
+  Result<void> Reserve(std::uint64_t bytes, std::size_t blocks);
+
+  /// What is written from now on may use up the reserve, until Reserve is called again. On a disk that turned out to
+  /// be full writing goes on; one that failed to write stays unusable.
+  void DrawOnReserve();
+
+  /// Gives the room behind the end of the store back to the disk.
+  void Trim();
 
   /// Writes a data block, encoded, that nothing refers to yet.
   Result<Bid> WriteData(std::span<const std::byte> data);
@@ -54,6 +71,9 @@ class BlockFile {
   /// Gives a new page its place and id and writes it.
   Result<Bref> WritePage(PageType type, Page& page);
 
+  /// Frees a page that no commit refers to.
+  void FreePage(std::uint64_t ib) { map_.Free(ib, kPageSize / kSlotSize); }
+
   /// Writes bytes at a fixed place: header and maps.
   Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
 
@@ -80,7 +100,8 @@ class BlockFile {
  private:
   Result<Bid> Write(bool internal, std::span<const std::byte> data);
   Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
-  Result<void> OpenArea(std::uint32_t area);
+  Result<void> KeepReserve();
+  Result<void> OpenAreas();
   Result<void> Free(Bid bid);
 
   /// Remembers the failure of a result, if it is one.
@@ -98,7 +119,12 @@ class BlockFile {
   WriteWindow window_;
   Bid bidNextP_ = 1;
   Bid firstUncommitted_ = 0;  ///< blocks from this id on are in no commit
-  std::optional<Failure> failure_;
+  std::uint32_t openAreas_ = 0;     ///< areas whose maps are written
+  std::uint64_t reservedBytes_ = 0;
+  std::size_t reservedBlocks_ = 0;
+  bool drawsOnReserve_ = true;
+  std::optional<Failure> failure_;  ///< of a write
+  std::optional<Failure> full_;     ///< the disk had no room for the next area and the reserve
 };
 
 }  // namespace velmora::ndb

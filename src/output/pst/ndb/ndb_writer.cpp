@@ -156,6 +156,14 @@ Result<void> NdbWriter::ReadBlock(Bid bid, std::vector<std::byte>& out) const { 
 
 std::optional<NodeEntry> NdbWriter::FindNode(Nid nid) const { return nodes_.Find(nid); }
 
+Result<void> NdbWriter::Reserve(std::uint64_t bytes, std::size_t nodes) {
+  // The object or table of a node has a data tree and a sub-node tree.
+  const std::size_t blocks = 2 * nodes + static_cast<std::size_t>(bytes / kMaxBlockData);
+  return blocks_.Reserve(bytes + TreeBytes(nodes_.Count() + nodes, NbtEntry::kSize), blocks);
+}
+
+void NdbWriter::DrawOnReserve() { blocks_.DrawOnReserve(); }
+
 Result<void> NdbWriter::Commit() {
   if (auto usable = blocks_.Usable(); !usable) return usable;
   if (!changed_) return {};
@@ -168,6 +176,7 @@ Result<void> NdbWriter::Seal() {
   if (auto discarded = blocks_.DiscardUnreferenced(); !discarded) return discarded;
   if (auto published = Publish(AMapValid::kValid2); !published) return published;
   sealed_ = true;
+  blocks_.Trim();
   blocks_.Stop({FailureKind::kDenied, "store", 0, "the store is closed"});
   return {};
 }
@@ -175,13 +184,16 @@ Result<void> NdbWriter::Seal() {
 // Everything that the header will name is on disk before the header is.
 Result<void> NdbWriter::Publish(AMapValid mapsValid) {
   nodes_.Compact();
-  const Result<TreePages> blockTree = WriteBlockTree(blocks_);
-  if (!blockTree) return tl::unexpected(blockTree.error());
-  const Result<TreePages> nodeTree = WriteNodeTree(blocks_, nodes_);
-  if (!nodeTree) return tl::unexpected(nodeTree.error());
+  blocks_.DrawOnReserve();
+  std::vector<std::uint64_t> pages;
+  const Result<Bref> blockTree = WriteBlockTree(blocks_, pages);
+  const Result<Bref> nodeTree = blockTree ? WriteNodeTree(blocks_, nodes_, pages) : blockTree;
+  if (!nodeTree) {
+    for (const std::uint64_t ib : pages) blocks_.FreePage(ib);
+    return tl::unexpected(nodeTree.error());
+  }
   blocks_.Settle(treePages_);
-  treePages_ = blockTree->offsets;
-  treePages_.insert(treePages_.end(), nodeTree->offsets.begin(), nodeTree->offsets.end());
+  treePages_ = std::move(pages);
   if (mapsValid == AMapValid::kValid2) {
     if (auto written = WriteMaps(); !written) return written;
   }
@@ -191,8 +203,8 @@ Result<void> NdbWriter::Publish(AMapValid mapsValid) {
   const Root root{.ibFileEof = map.FileSize(),
                   .ibAMapLast = AreaOffset(map.AreaCount() - 1),
                   .cbAMapFree = map.FreeBytes(),
-                  .brefNbt = nodeTree->root,
-                  .brefBbt = blockTree->root,
+                  .brefNbt = *nodeTree,
+                  .brefBbt = *blockTree,
                   .fAMapValid = mapsValid};
   const Header header{blocks_.BidNextP(), blocks_.Table().BidNextB(), dwUnique_, rgnid_, root, blocks_.Method()};
   if (auto written = blocks_.WriteFixed(0, Encode(header)); !written) return written;

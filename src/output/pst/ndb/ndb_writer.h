@@ -12,8 +12,9 @@
 // its blocks are freed with all that they refer to. What nothing refers to when the store is sealed is
 // freed then.
 //
-// After a failing write every further change fails with the same failure; reading still works. One thread
-// at a time.
+// After a failing write every further change fails with the same failure; reading still works. A disk that is
+// full need not come to that: the file is lengthened ahead of what is written, by room for the next commit
+// (Reserve). One thread at a time.
 #pragma once
 
 #include <array>
@@ -77,6 +78,16 @@ class NdbWriter : public BlockSource {
   std::optional<NodeEntry> FindNode(Nid nid) const override;
 
   // -- the file
+
+  /// From now on, whatever else is written, the disk has room for a commit of all of it, for `bytes` of blocks that
+  /// will be written for it, and for so many `nodes` more. kFull when it has not: every change fails with that,
+  /// until DrawOnReserve.
+  Result<void> Reserve(std::uint64_t bytes, std::size_t nodes);
+
+  /// What is written from now on may use up the reserve, until Reserve is called again: to be called ahead of what
+  /// was reserved for. On a disk that turned out to be full changes are possible again then; after a failing write
+  /// they are not.
+  void DrawOnReserve();
 
   /// Makes all nodes set so far permanent. Costs a rewrite of both trees (24 bytes a block, 32 a node).
   Result<void> Commit();

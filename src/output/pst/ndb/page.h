@@ -102,6 +102,16 @@ NbtEntry DecodeNbtEntry(std::span<const std::byte> in);
 
 /// Most entries of that size in a page.
 constexpr std::uint8_t MaxEntries(std::size_t cbEnt) { return static_cast<std::uint8_t>(kBtPageEntries / cbEnt); }
+
+/// Bytes that the pages of a tree of so many entries take at most.
+constexpr std::uint64_t TreeBytes(std::uint64_t entries, std::size_t cbEnt) {
+  std::uint64_t pages = 0;
+  for (std::uint64_t level = entries / MaxEntries(cbEnt) + 1;; level = level / MaxEntries(BtEntry::kSize) + 1) {
+    pages += level;
+    if (level == 1) return pages * kPageSize;
+  }
+}
+
 static_assert(MaxEntries(BtEntry::kSize) == 20 && MaxEntries(BbtEntry::kSize) == 20);
 static_assert(MaxEntries(NbtEntry::kSize) == 15);
 

@@ -37,7 +37,7 @@ Result<void> TreePagesWriter::MoveUp(std::size_t level) {
   return AddTo(level + 1, firstKey, entry);
 }
 
-Result<TreePages> TreePagesWriter::Finish() {
+Result<Bref> TreePagesWriter::Finish() {
   if (levels_.empty()) levels_.emplace_back();
   // A page is written when one more entry comes, so no level is ever left without an entry, and the first
   // level of a single page is the root.
@@ -45,13 +45,11 @@ Result<TreePages> TreePagesWriter::Finish() {
   for (; levels_[level].hasPages; ++level) {
     if (auto moved = MoveUp(level); !moved) return tl::unexpected(moved.error());
   }
-  const Result<Bref> root = WriteLevel(level);
-  if (!root) return tl::unexpected(root.error());
-  return TreePages{*root, std::move(offsets_)};
+  return WriteLevel(level);
 }
 
-Result<TreePages> WriteBlockTree(BlockFile& file) {
-  TreePagesWriter tree(file, PageType::kBbt, BbtEntry::kSize);
+Result<Bref> WriteBlockTree(BlockFile& file, std::vector<std::uint64_t>& offsets) {
+  TreePagesWriter tree(file, PageType::kBbt, BbtEntry::kSize, offsets);
   Result<void> added;
   std::array<std::byte, BbtEntry::kSize> entry;
   file.Table().ForEach([&](Bid bid, const BlockTable::Block& block) {
@@ -63,8 +61,8 @@ Result<TreePages> WriteBlockTree(BlockFile& file) {
   return tree.Finish();
 }
 
-Result<TreePages> WriteNodeTree(BlockFile& file, const NodeTable& nodes) {
-  TreePagesWriter tree(file, PageType::kNbt, NbtEntry::kSize);
+Result<Bref> WriteNodeTree(BlockFile& file, const NodeTable& nodes, std::vector<std::uint64_t>& offsets) {
+  TreePagesWriter tree(file, PageType::kNbt, NbtEntry::kSize, offsets);
   Result<void> added;
   std::array<std::byte, NbtEntry::kSize> entry;
   nodes.ForEach([&](const NodeEntry& node) {

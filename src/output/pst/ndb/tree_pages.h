@@ -11,23 +11,18 @@
 
 namespace velmora::ndb {
 
-/// Where a tree was written.
-struct TreePages {
-  Bref root;
-  std::vector<std::uint64_t> offsets;  ///< of all its pages
-};
-
 /// Writes one tree: pages go to the file as they fill, each level into the one above.
 class TreePagesWriter {
  public:
-  TreePagesWriter(BlockFile& file, PageType type, std::size_t leafEntrySize)
-      : file_(file), type_(type), leafEntrySize_(leafEntrySize) {}
+  /// The offset of each page that is written goes to the end of `offsets`.
+  TreePagesWriter(BlockFile& file, PageType type, std::size_t leafEntrySize, std::vector<std::uint64_t>& offsets)
+      : file_(file), type_(type), leafEntrySize_(leafEntrySize), offsets_(offsets) {}
 
   /// Adds a leaf entry; keys ascend.
   Result<void> Add(std::uint64_t key, std::span<const std::byte> entry) { return AddTo(0, key, entry); }
 
-  /// A tree of no entries is one empty leaf.
-  Result<TreePages> Finish();
+  /// Gives the root. A tree of no entries is one empty leaf.
+  Result<Bref> Finish();
 
  private:
   struct Level {
@@ -46,10 +41,11 @@ class TreePagesWriter {
   PageType type_;
   std::size_t leafEntrySize_;
   std::vector<Level> levels_;
-  std::vector<std::uint64_t> offsets_;
+  std::vector<std::uint64_t>& offsets_;
 };
 
-Result<TreePages> WriteBlockTree(BlockFile& file);
-Result<TreePages> WriteNodeTree(BlockFile& file, const NodeTable& nodes);
+/// Both give the root and add the offsets of all pages to `offsets`, those of a tree that fails on the way too.
+Result<Bref> WriteBlockTree(BlockFile& file, std::vector<std::uint64_t>& offsets);
+Result<Bref> WriteNodeTree(BlockFile& file, const NodeTable& nodes, std::vector<std::uint64_t>& offsets);
 
 }  // namespace velmora::ndb

@@ -12,6 +12,7 @@ namespace velmora::test {
 enum class Check {
   kBlocks,      ///< header, maps, trees and blocks
   kProperties,  ///< these, and the heaps, properties and tables of all internal nodes
+  kMail,        ///< everything
 };
 
 /// True if the checker is there.

@@ -48,6 +48,16 @@ Result<void> FailingFile::Flush() {
   return {};
 }
 
+Result<void> SmallDisk::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
+  if (auto fits = Resize(std::max(Size(), offset + bytes.size())); !fits) return fits;
+  return MemoryFile::WriteAt(offset, bytes);
+}
+
+Result<void> SmallDisk::Resize(std::uint64_t size) {
+  if (size > capacity_) return tl::unexpected(Failure{FailureKind::kFull, "small disk", size, "no space left"});
+  return MemoryFile::Resize(size);
+}
+
 Result<void> WatchedFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
   beforeChange_(Bytes());
   return MemoryFile::WriteAt(offset, bytes);

@@ -47,6 +47,17 @@ class FailingFile : public platform::MemoryFile {
   bool failed_ = false;
 };
 
+/// A disk of so many bytes, all of it for this file: it is full when the file cannot become longer.
+class SmallDisk : public platform::MemoryFile {
+ public:
+  explicit SmallDisk(std::uint64_t capacity) : capacity_(capacity) {}
+  platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
+  platform::Result<void> Resize(std::uint64_t size) override;
+
+ private:
+  std::uint64_t capacity_;
+};
+
 /// Calls `beforeChange` with the file as it stands before every change of it, and after the last with Finish.
 class WatchedFile : public platform::MemoryFile {
  public:
