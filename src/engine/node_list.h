@@ -7,13 +7,21 @@
 namespace velmora::engine {
 
 /// Ids are the low 32 bits of what the store holds.
+///
+/// A sound page of an upper level of the node tree is read like a leaf, so its keys, page ids and file
+/// offsets come out as the fields of records. They take their part in the recovery, but nobody misses
+/// what such a record names.
 struct NodeRecord {
   std::uint32_t nid = 0;
   std::uint32_t bidData = 0;
   std::uint32_t bidSub = 0;
   std::uint32_t nidParent = 0;
+  bool upperPage = false;  ///< every page that gave this record is one of an upper level
 
-  friend bool operator==(const NodeRecord&, const NodeRecord&) = default;
+  /// Where a record came from does not make it another one.
+  friend bool operator==(const NodeRecord& a, const NodeRecord& b) {
+    return a.nid == b.nid && a.bidData == b.bidData && a.bidSub == b.bidSub && a.nidParent == b.nidParent;
+  }
 };
 
 /// Ordered by `bidSub`, ascending, and in order of arrival among equals, so nodes without sub-nodes come

@@ -22,7 +22,7 @@ Walk WalkOf(const PageLayout& layout) {
 }
 
 /// A page with the exact entry size is taken even unproven; one of an upper level's size only if its
-/// signature holds. The level itself is not looked at, nor is the number of entries.
+/// signature holds. Neither its level nor the number of its entries decides.
 bool IsNodePage(const PageLayout& layout, std::uint64_t offset, ByteView page) {
   if (page.U16(layout.offPageType) != kNodePage) return false;
   const std::uint8_t entrySize = page.U8(layout.offEntrySize);
@@ -30,12 +30,19 @@ bool IsNodePage(const PageLayout& layout, std::uint64_t offset, ByteView page) {
   return entrySize == kUpperEntrySize && page.U16(layout.offPageSig) == ComputeSig(offset, page.U32(layout.offPageId));
 }
 
+/// Does the page belong to an upper level of the tree? Both the level and the size of its entries have to
+/// say so: either alone may be a damaged byte of a leaf. The level stands right behind the entry size.
+bool IsUpperPage(const PageLayout& layout, ByteView page) {
+  return page.U8(layout.offEntrySize) != layout.nodeEntrySize && page.U8(layout.offEntrySize + 1u) != 0;
+}
+
 /// Takes the entries up to the first without a node id. In the 4K format the area is no multiple of the
 /// entry size, and its last entry reaches into the trailer.
 void ReadNodePage(const PageLayout& layout, ByteView page, NodeList& nodes) {
   const std::uint32_t pitch = layout.Pitch();
+  const bool upper = IsUpperPage(layout, page);
   for (std::uint32_t i = 0; i < layout.entryAreaEnd; i += 4 * pitch) {
-    const NodeRecord node{page.U32(i), page.U32(i + pitch), page.U32(i + 2 * pitch), page.U32(i + 3 * pitch)};
+    const NodeRecord node{page.U32(i), page.U32(i + pitch), page.U32(i + 2 * pitch), page.U32(i + 3 * pitch), upper};
     if (node.nid == 0) return;
     if (node.bidData < kIdBound && node.bidSub < kIdBound && node.nidParent < kIdBound) nodes.Insert(node);
   }

@@ -32,5 +32,16 @@ TEST(NodeListTest, RecordsThatDifferInOneFieldAreNoCopies) {
   EXPECT_EQ(Settled(records), records);
 }
 
+TEST(NodeListTest, ACopyFromAnUpperPageIsACopyAllTheSame) {
+  EXPECT_EQ(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, false}}).size(), 1u);
+}
+
+TEST(NodeListTest, WhatALeafHoldsTooIsALeafsRecordWhicheverCameFirst) {
+  EXPECT_FALSE(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, false}}).at(0).upperPage);
+  EXPECT_FALSE(Settled({{1, 2, 3, 4, false}, {1, 2, 3, 4, true}}).at(0).upperPage);
+  EXPECT_FALSE(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, false}, {1, 2, 3, 4, true}}).at(0).upperPage);
+  EXPECT_TRUE(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, true}}).at(0).upperPage);
+}
+
 }  // namespace
 }  // namespace velmora::engine

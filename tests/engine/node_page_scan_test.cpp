@@ -46,6 +46,26 @@ TEST_P(EveryFormatNodeScanTest, APageOf24ByteEntriesIsReadAsALeafOnlyWhenItProve
   EXPECT_TRUE(Scan(GetParam()).empty());
 }
 
+TEST_P(EveryFormatNodeScanTest, ARecordTellsThatItComesFromAnUpperPage) {
+  auto page = forge::NodePage(GetParam(), {{0x21, 4, 0, 0}});
+  page.entrySize = 24;
+  page.level = 1;
+  canvas_.Page(GetParam(), PlaceOf(GetParam()), page);
+  EXPECT_TRUE(Scan(GetParam()).at(0).upperPage);
+}
+
+TEST_P(EveryFormatNodeScanTest, OneDamagedByteDoesNotMakeALeafAnUpperPage) {
+  auto page = forge::NodePage(GetParam(), {{0x21, 4, 0, 0}});
+  page.entrySize = LayoutOf(IdOf(GetParam())).nodeEntrySize;
+  page.level = 1;
+  canvas_.Page(GetParam(), PlaceOf(GetParam()), page);
+  EXPECT_FALSE(Scan(GetParam()).at(0).upperPage) << "its entries are those of a leaf";
+  page.level = 0;
+  page.entrySize = 24;
+  canvas_.Page(GetParam(), PlaceOf(GetParam()), page);
+  EXPECT_FALSE(Scan(GetParam()).at(0).upperPage) << "its level is that of a leaf";
+}
+
 TEST_P(EveryFormatNodeScanTest, APageOfAnyOtherEntrySizeIsNotRead) {
   auto page = forge::NodePage(GetParam(), {{0x21, 4, 0, 0}});
   page.entrySize = 20;
