@@ -237,9 +237,13 @@ TEST_F(PanesOfAFinishedRunTest, AChangeToTheListClearsTheGrid) {
 }
 
 TEST_F(PanesOfAFinishedRunTest, AChangeToThePaneThatIsThereChangesNothing) {
+  panes_.OnMessage({.code = 32836, .text = PathOf(*Folder(u"Contacts"))});
+  const int behindTheList = panes_.Grid().Rows().rowCount();
+  EXPECT_GT(behindTheList, 0);
   const int rows = panes_.ListPane().RowCount();
   panes_.OnMessage({.code = 32786, .number = 1});
   EXPECT_EQ(panes_.ListPane().RowCount(), rows);
+  EXPECT_EQ(panes_.Grid().Rows().rowCount(), behindTheList);
   EXPECT_NE(Body(), "");
   Select(*Folder(u"Contacts"));
   const int categories = panes_.Grid().Rows().rowCount();
