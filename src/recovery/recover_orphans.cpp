@@ -30,7 +30,7 @@ class ItemRecovery {
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) Report(progress);
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
-      ReportNode(state_, node.nid, node.bidData, outcome);
+      ReportNode(state_, node, outcome);
       ++counter_;
     }
   }
@@ -48,7 +48,7 @@ class ItemRecovery {
       const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
-      if (isElement) ReportNode(state_, 0, orphan.bidData, outcome);
+      if (isElement) ReportNode(state_, {.bidData = orphan.bidData, .bidSub = orphan.bidSub}, outcome);
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;
@@ -107,6 +107,7 @@ void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) 
   run.Send(engine::MSG_STAGE, kItemStage);
 
   state.allowance = ContentAllowance::Of(engine);
+  state.reportAllowance = ContentAllowance::ForReport(engine);
 
   ItemRecovery recovery(state, engine, run);
   recovery.ProcessNodes();
