@@ -29,7 +29,14 @@ class ItemRecovery {
       run_.control.PausePoint();
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) Report(progress);
+      const std::size_t listed = state_.report.lost.size();
+      const std::uint64_t untold = state_.report.lostUntold;
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
+      // What an upper page was read as may by chance lead to a message, which its own node gives too.
+      if (node.upperPage) {
+        state_.report.lost.resize(listed);
+        state_.report.lostUntold = untold;
+      }
       ReportNode(state_, node, outcome);
       ++counter_;
     }

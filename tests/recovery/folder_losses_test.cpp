@@ -133,6 +133,15 @@ TEST_F(FolderLossesTest, WhatAnUpperPageOfTheNodeTreeIsReadAsIsNoLoss) {
   EXPECT_EQ(state_.report.skipped[SkipReason::kNoBlock], 3u) << "counted like every node that gave nothing";
 }
 
+TEST_F(FolderLossesTest, WhatAnItemLacksThatAnUpperPageLeadsToIsNoLossBesides) {
+  const std::uint32_t bid =
+      AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note"), Value(0x1000, 0x1F, 0x803F), Value(0x0E07, 3, 0x11)}));
+  engine_.nodes.Insert({.nid = 0x41, .bidData = bid, .bidSub = 0x7776, .nidParent = kInbox, .upperPage = true});
+  ++engine_.nodeCount;
+  EXPECT_THAT(Lost(), IsEmpty());
+  EXPECT_EQ(Trace("Save").size(), 1u) << "the rules make an item of it all the same";
+}
+
 TEST_F(FolderLossesTest, TheListOfLossesIsBoundedOverTheWholeRun) {
   for (std::uint32_t i = 0; i < 9000; ++i) AddNode(0x10002 + 32 * i, 0x7774, 0, kTop);
   for (std::uint32_t i = 0; i < 9000; ++i) AddNode(0x200024 + 32 * i, 0x7774, 0, kInbox);

@@ -186,6 +186,17 @@ TEST_F(ItemLossesTest, AMailOfWhichNoBodyIsReadSaysWhichItHas) {
                           Is(LossKind::kBody, "body: none is read of plain text of 4 bytes; RTF of 300 bytes")));
 }
 
+TEST_F(ItemLossesTest, TheHtmlOfAMailAboveFourMebibytesIsLostOnlyWhereNoPlainBodyTakesItsPlace) {
+  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  const SubNode html = {0x803F, AddBlock(NewBid(), BytesOf("<p>Hi</p>")), 0};
+  const SubNode plain = {0x805F, AddBlock(NewBid(), BytesOf(u"Hi")), 0};
+  const auto size = Value(0x0E08, 3, (4u << 20) + 1);
+  AddItem(u"IPM.Note", {size, Value(0x1000, 0x1F, 0x805F), Value(0x1013, 0x0102, 0x803F)}, {html, plain});
+  AddItem(u"IPM.Note", {size, Value(0x1013, 0x0102, 0x803F)}, {html});
+  EXPECT_THAT(Lost(), ElementsAre(Is(LossKind::kBody, "body: none is read of HTML of 9 bytes")));
+  EXPECT_EQ(state_.report.lost[0].nid, 0x200044u);
+}
+
 TEST_F(ItemLossesTest, ABodyInWhosePlaceTheBytesOfAnotherStandIsLost) {
   AddItem(u"IPM.Note", {Wide(0x1000, u"plain"), Data(0x1009, 0x0102, BytesOf(u"rtf"))});
   EXPECT_THAT(Lost(),
