@@ -111,7 +111,8 @@ class Conversion {
     };
     if (console_.IsDone() && !options_.quiet) {
       const std::string result =
-          ResultText(options_.dryRun ? text::Text() : state_.destinationPath, state_.convertedName, contents_);
+          ResultText(options_.dryRun ? text::Text() : state_.destinationPath, state_.convertedName, contents_) +
+          LossText(outLook_.Report().recovery, options_.report);
       const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
       if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
     }

@@ -2,7 +2,35 @@
 
 #include <fmt/format.h>
 
+#include <map>
+
 namespace velmora::cli {
+namespace {
+
+using recovery::LossKind;
+
+struct LossName {
+  LossKind kind;
+  std::string_view one;
+  std::string_view many;
+};
+
+/// In the order in which they are named: what is whole comes before its parts.
+constexpr LossName kLossNames[] = {
+    {LossKind::kMessage, "message", "messages"},
+    {LossKind::kEmbedded, "embedded message", "embedded messages"},
+    {LossKind::kFolder, "folder", "folders"},
+    {LossKind::kAttachment, "attachment", "attachments"},
+    {LossKind::kBody, "body", "bodies"},
+    {LossKind::kText, "field", "fields"},
+    {LossKind::kRecipients, "sender or list of recipients", "senders or lists of recipients"},
+    {LossKind::kMembers, "list of members", "lists of members"},
+    {LossKind::kRow, "row of a folder", "rows of folders"},
+    {LossKind::kSourceRange, "unreadable range of the source", "unreadable ranges of the source"},
+    {LossKind::kRun, "step of the run", "steps of the run"},
+};
+
+}  // namespace
 
 StoreContents CountStore(output::RDOSession& session, text::TextView storeName, text::TextView logPath) {
   StoreContents contents;
@@ -13,6 +41,25 @@ StoreContents CountStore(output::RDOSession& session, text::TextView storeName, 
     return {};
   }
   return contents;
+}
+
+std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath) {
+  if (report.lost.empty() && report.lostUntold == 0) return {};
+  std::map<LossKind, std::uint64_t> counts;
+  for (const recovery::LostObject& object : report.lost) ++counts[object.kind];
+
+  std::string named;
+  for (const LossName& name : kLossNames) {
+    const std::uint64_t count = counts[name.kind];
+    if (count == 0) continue;
+    named += fmt::format("{}{} {}", named.empty() ? "" : ", ", count, count == 1 ? name.one : name.many);
+  }
+  if (report.lostUntold != 0) named += fmt::format("{}{} more", named.empty() ? "" : ", and ", report.lostUntold);
+
+  std::string how = fmt::format("The report lists what is lost: {}", reportPath);
+  if (reportPath.empty()) how = "With --report FILE a report lists what is lost.";
+  if (reportPath == "-") how = "The report on standard output lists what is lost.";
+  return fmt::format("\nLost or not whole: {}.\n{}\n", named, how);
 }
 
 std::string ResultText(text::TextView destination, text::TextView storeName, const StoreContents& contents) {

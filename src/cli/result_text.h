@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "conversion/summary.h"
+#include "recovery/recovery_report.h"
 
 namespace velmora::cli {
 
@@ -19,6 +21,10 @@ struct StoreContents {
 /// Counts the folders of the session's store and appends the summary to the log at `logPath`, if that file
 /// exists. A store that does not answer holds nothing.
 StoreContents CountStore(output::RDOSession& session, text::TextView storeName, text::TextView logPath);
+
+/// The losses by kind and number, in one sentence, and how to see them one by one; empty when nothing is lost.
+/// `reportPath` is the value of the option: empty when there is no report.
+std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath);
 
 /// `destination` empty: nothing was written.
 std::string ResultText(text::TextView destination, text::TextView storeName, const StoreContents& contents);

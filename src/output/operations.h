@@ -300,6 +300,9 @@ constexpr const FieldInfo& InfoOf(Field field) { return kFields[static_cast<std:
 /// The typed interface that an item of this message class answers to; RDOMail when it has none of its own.
 inline ItemInterface TypedInterfaceOf(text::TextView messageClass);
 
+/// Of a longer subject a store keeps so many UTF-16 units.
+inline constexpr std::size_t kLongestSubject = 255;
+
 /// Default folder kinds (the values of Outlook's enumeration).
 enum class DefaultFolder : std::int32_t {
   kDeletedItems = 3, kCalendar = 9, kContacts = 10, kJournal = 11, kNotes = 12, kTasks = 13,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "recovery/heap_text.h"
+#include "recovery/lost_items.h"
 #include "recovery/property_ids.h"
 #include "text/plausibility.h"
 
@@ -25,6 +26,24 @@ void ReplaceForbidden(Text& name) {
 /// Could a file of this name be made?
 bool CanBeFileName(const Text& name) { return !name.empty() && name.size() <= kLongestName; }
 
+/// An object stands in its block as the id of its sub-node and its size, and that is what is written.
+Text MissingInLine(ByteView block, const PropertyRecord& data, HeapRange range, std::uint64_t written) {
+  if (data.type == kTypeObject) {
+    return u"its content is an object of " + DecimalOf(block.U32(range.start + 4u)) + u" bytes, which is not read; " +
+           DecimalOf(written) + u" bytes that point to it stand in its place";
+  }
+  const std::uint64_t size = range.end - range.start;
+  if (written == size) return {};
+  return DecimalOf(size - written) + u" of " + DecimalOf(size) + u" bytes are missing";
+}
+
+std::optional<PropertyRecord> DataRecordOf(const PropertyContext& context) {
+  for (std::uint32_t index = 0; index < context.Count(); ++index) {
+    if (context.Record(index).id == kAttachmentDataId) return context.Record(index);
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 Text AttachmentReader::ReadText(ByteView block, HeapRange range) const {
@@ -33,10 +52,17 @@ Text AttachmentReader::ReadText(ByteView block, HeapRange range) const {
 
 AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& entry,
                                                           const engine::BlockRecord& record) {
+  missing_.clear();
   const auto bytes = ReadHeapBlock(items_.engine, record, entry.bidData, kAttachmentRules, items_.state.allowance);
-  if (!bytes) return Result::kNoAttachment;
+  if (!bytes) {
+    missing_ = TextOf(bytes.error());
+    return Result::kNoAttachment;
+  }
   const ByteView block(*bytes);
   const PropertyContext context(block, items_.engine, kAttachmentRules);
+  if (context.GetFault() != PropertyContext::Fault::kNone) {
+    missing_ = TextOf(context.BlockFaultOf(items_.engine, record, kAttachmentRules));
+  }
 
   Result result = Result::kNoAttachment;
   bool lineWritten = false;
@@ -51,7 +77,7 @@ AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& en
       break;
     case PropertyContext::Fault::kNone: {
       const auto names = ReadNames(block, context);
-      if (!names) return Result::kLost;
+      if (!names) return Lost(u"its name does not stand in its block");
       result = ReadContent(entry, block, context, *names, &lineWritten);
       break;
     }
@@ -135,9 +161,26 @@ AttachmentReader::Result AttachmentReader::ReadContent(const SubNodeEntry& entry
   if (file_ && nameWasLast) {
     if (const auto result = WriteAttachmentData(block, context)) return *result;
   }
-  const Result result = entry.bidSub == 0 ? Result::kLost : ReadAttachmentSubNode(entry);
+  const auto data = DataRecordOf(context);
+  Result result = Result::kLost;
+  if (entry.bidSub != 0) {
+    result = ReadAttachmentSubNode(entry, data);
+  } else if (!data) {
+    Lost(u"it has no content");
+  } else if (!file_) {
+    Lost(u"it has no name that a file can have");
+  } else if (!nameWasLast) {
+    Lost(u"its content is not read, since other properties follow its name");
+  } else {
+    Lost(u"its content does not stand in its block");
+  }
   file_.reset();
   return result;
+}
+
+AttachmentReader::Result AttachmentReader::Lost(text::Text missing) {
+  missing_ = std::move(missing);
+  return Result::kLost;
 }
 
 void AttachmentReader::NameLastRecord(bool lineWritten) {
@@ -151,11 +194,8 @@ void AttachmentReader::NameLastRecord(bool lineWritten) {
 
 std::optional<AttachmentReader::Result> AttachmentReader::WriteAttachmentData(ByteView block,
                                                                               const PropertyContext& context) {
-  std::optional<PropertyRecord> data;
-  for (std::uint32_t index = 0; index < context.Count() && !data; ++index) {
-    if (context.Record(index).id == kAttachmentDataId) data = context.Record(index);
-  }
-  if (!data) return Result::kLost;  // the file stays open
+  const auto data = DataRecordOf(context);
+  if (!data) return Lost(u"it has no content");  // the file stays open
 
   // The value of a content in a sub-node leads far behind the block: the sub-node is tried then.
   const auto range = ReadHeapRange(block, HeapPosition(context.Header().ibHnpm, data->value));
@@ -165,13 +205,15 @@ std::optional<AttachmentReader::Result> AttachmentReader::WriteAttachmentData(By
   if (data->type == kTypeUnicode) bytes = bytes.Slice(0, WideText(bytes).size());
   const bool allowed = items_.state.allowance.TakeBytes(bytes.Size());
   if (allowed) file_->Append(bytes.Bytes());
-  const Result result = allowed ? AttachFile() : Result::kLost;
+  const Result result = allowed ? AttachFile() : Lost(Text(kClaimsTooMuch));
   file_.reset();
+  if (result == Result::kTaken) missing_ = MissingInLine(block, *data, *range, bytes.Size());
   return result;
 }
 
 AttachmentReader::Result AttachmentReader::AttachFile() {
-  if (!file_ || file_->Failed() || fileName_.empty()) return Result::kLost;
+  if (!file_ || fileName_.empty()) return Lost(u"it has no name that a file can have");
+  if (file_->Failed()) return Lost(u"its content could not be kept");
   items_.message.Item(ItemKind::kMail)->Attachments()->Add(*file_, fileName_);
   ++items_.state.report.attachments;
   return Result::kTaken;

@@ -24,6 +24,9 @@ class AttachmentReader {
   /// One candidate, with the record of the block `entry.bidData`. Raises what attaching raises.
   Result ReadAttachment(const SubNodeEntry& entry, const engine::BlockRecord& record);
 
+  /// What could not be brought across of the last candidate, in plain words; empty when nothing is missing.
+  const text::Text& Missing() const { return missing_; }
+
   /// A content that does not stand in the attachment's own block has been attached to the message.
   bool AttachmentAdded() const { return attachmentAdded_; }
 
@@ -42,9 +45,10 @@ class AttachmentReader {
   void NameLastRecord(bool lineWritten);
 
   std::optional<Result> WriteAttachmentData(engine::ByteView block, const PropertyContext& context);
-  Result ReadAttachmentSubNode(const SubNodeEntry& entry);
+  Result ReadAttachmentSubNode(const SubNodeEntry& entry, const std::optional<PropertyRecord>& data);
   Result AttachFile();
   void ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content);
+  Result Lost(text::Text missing);
   bool QueueEmbedded(const SubNodeEntry& entry, engine::ByteView block);
 
   text::Text ReadText(engine::ByteView block, HeapRange range) const;
@@ -59,6 +63,7 @@ class AttachmentReader {
 
   text::Text embeddedName_;
   bool attachmentAdded_ = false;
+  text::Text missing_;
 };
 
 }  // namespace velmora::recovery

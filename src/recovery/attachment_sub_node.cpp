@@ -1,5 +1,6 @@
 // What stands behind an attachment's own sub-node block: its content, or a message.
 #include "recovery/attachment_reader.h"
+#include "recovery/lost_items.h"
 #include "recovery/property_ids.h"
 #include "recovery/value_stream.h"
 
@@ -14,6 +15,12 @@ constexpr std::uint32_t kWanderingBid = 0x21DA;
 constexpr std::uint32_t kLastTriedBid = kWanderingBid + 100;
 
 constexpr std::uint16_t kExtendedBlock = 0x0101;
+constexpr std::uint16_t kSubNodeBlock = 0x0002;
+
+/// The first entry of the list is what is read; does the data lie in another one, or not in the list at all?
+bool IsOtherSubNode(ByteView list, std::uint32_t width, std::uint32_t nidOfData) {
+  return list.U16(0) == kSubNodeBlock && list.U32(width) != nidOfData;
+}
 
 /// Messages within messages: several times what people forward to one another.
 constexpr int kDeepestEmbedding = 100;
@@ -31,22 +38,27 @@ bool HasEnd(const ItemRun& items, const ItemWorkRecord& record) {
 
 }  // namespace
 
-AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry) {
+AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry,
+                                                                 const std::optional<PropertyRecord>& data) {
   auto record = items_.blocks.FindBlockOrLower(entry.bidSub);
   if (!record && entry.bidSub == kWanderingBid) record = items_.blocks.FindBlock(kLastTriedBid);
-  if (!record) return Result::kLost;
+  if (!record) return Lost(TextOf(BlockFault::NotFound(entry.bidSub)));
   const auto bytes = items_.blocks.ReadChunk(record->offset, record->size);
-  if (!bytes) return Result::kLost;
+  if (!bytes) return Lost(TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, *record)));
 
   const ByteView block(*bytes);
   const bool isMessage = block.U16(0) != kExtendedBlock && attachmentIsEmbedded_;
   Result result = Result::kLost;
   if (isMessage) {
     // Its content is a message of its own: nothing is attached here.
-    if (QueueEmbedded(entry, block)) result = Result::kTaken;
+    result = QueueEmbedded(entry, block) ? Result::kTaken : Lost(u"messages within messages have no end here");
     file_.reset();
   } else if (file_) {
     ReadDataBlocks(*record, *file_);
+    if (data && IsOtherSubNode(block, items_.engine.layout.Pitch(), data->value)) {
+      missing_ = u"its content is not read; that of another sub-node, " + DecimalOf(file_->Size()) +
+                 u" bytes, stands in its place";
+    }
   }
   attachmentAdded_ = true;
 
@@ -58,18 +70,20 @@ AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEn
     result = Result::kTaken;
   }
   contact->Save();
+  if (result == Result::kLost && missing_.empty()) Lost(u"it has no name that a file can have");
   return result;
 }
 
 void AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content) {
+  const std::uint64_t before = content.Size();
   const auto append = [&content](const engine::Bytes& piece) { content.Append(piece); };
   BlockChain chain;
-  if (BuildBlockChainAt(items_.engine, record.offset, record.size, items_.state.allowance, chain)) {
+  if (BuildBlockChainAt(items_.engine, record, items_.state.allowance, chain)) {
     WriteStreamToFile(items_.engine, chain, items_.state.allowance, append);
-    return;
+  } else if (const auto block = ReadDataBlock(items_.engine, record, record.bid, items_.state.allowance)) {
+    append(block->bytes);
   }
-  const auto block = ReadDataBlock(items_.engine, record, record.bid, items_.state.allowance);
-  if (block) append(block->bytes);
+  missing_ = MissingOf(chain, content.Size() - before);
 }
 
 bool AttachmentReader::QueueEmbedded(const SubNodeEntry& entry, ByteView block) {

@@ -17,6 +17,11 @@ ContentAllowance ContentAllowance::Of(const engine::EngineState& engine) {
           std::uint64_t{engine.nodeCount} + engine.blockRecordCount};
 }
 
+ContentAllowance ContentAllowance::ForReport(const engine::EngineState& engine) {
+  const std::uint64_t sourceBytes = engine.source == nullptr ? 0 : engine.source->Size();
+  return {sourceBytes / kTimesOver, false, 0};
+}
+
 void ContentAllowance::BeginNode() {
   bytesOfNode_ = kBytesOfNode;
   held_ = heldByNode_;

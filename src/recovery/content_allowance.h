@@ -53,6 +53,9 @@ class ContentAllowance {
   /// That of a run at the beginning of a step.
   static ContentAllowance Of(const engine::EngineState& engine);
 
+  /// What the report may read to say how much is lost: so much as the source has. It takes nothing from the run's.
+  static ContentAllowance ForReport(const engine::EngineState& engine);
+
   /// To be called ahead of each node.
   void BeginNode();
 
@@ -72,8 +75,8 @@ class ContentAllowance {
   /// A text of so many UTF-16 units that stays in memory for the whole run.
   bool TakeKept(std::uint64_t units) { return units <= kLongestName || Take(kept_, 2 * units); }
 
-  /// A line of the report about something lost.
-  bool TakeLoss() { return Take(losses_, 1); }
+  /// Lines of the report about things lost, in a whole run.
+  std::uint64_t MostLosses() const { return losses_; }
 
  private:
   static bool Take(std::uint64_t& left, std::uint64_t count);

@@ -15,7 +15,7 @@ Ref<RDOMail> AddItem(ItemRun& items, text::TextView messageClass) {
   if (!item) return item;
   auto& created = items.state.report.items;
   const auto known = created.find(text::Text(messageClass));
-  ++(known == created.end() ? created[ToldClass(items.state, messageClass)] : known->second);
+  ++(known == created.end() ? created[ToldText(items.state, messageClass)] : known->second);
   return item;
 }
 

@@ -3,10 +3,12 @@
 #include <iterator>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "recovery/catching_frame.h"
+#include "recovery/folder_losses.h"
 #include "recovery/folder_path.h"
 #include "recovery/property_ids.h"
 #include "recovery/steps.h"
@@ -44,7 +46,8 @@ std::size_t PathKey(text::TextView path) { return std::hash<text::Text>{}(text::
 /// child stands ahead of its parent costs no more than any other.
 class FolderMaker {
  public:
-  FolderMaker(RecoveryState& state, engine::RunContext& run) : state_(state), run_(run) {
+  FolderMaker(RecoveryState& state, engine::RunContext& run, FolderLosses& losses)
+      : state_(state), run_(run), losses_(losses) {
     for (std::size_t i = 0; i < state_.folders.Records().size(); ++i) due_.emplace_hint(due_.end(), 0, i);
   }
 
@@ -56,9 +59,10 @@ class FolderMaker {
       due_.erase(due_.begin());
       MakeOne(pass, index);
     }
-    std::uint64_t left = 0;
-    for (const auto& [key, indexes] : aside_) left += indexes.size();
-    if (left != 0) state_.report.skipped[SkipReason::kNoFolder] += left;
+    std::set<std::size_t> left;
+    for (const auto& [key, indexes] : aside_) left.insert(indexes.begin(), indexes.end());
+    for (const std::size_t index : left) losses_.ReportNotMade(state_.folders.Records()[index]);
+    if (!left.empty()) state_.report.skipped[SkipReason::kNoFolder] += left.size();
   }
 
  private:
@@ -82,6 +86,7 @@ class FolderMaker {
         run_.Log(leaf);
       }
     });
+    if (thereNow) losses_.NoteThere(folder, PathKey(path));
     if (!thereNow) aside_[PathKey(parentPath)].push_back(index);
     if (created && !aside_.empty()) Release(PathKey(path), pass, index);
   }
@@ -96,6 +101,7 @@ class FolderMaker {
 
   RecoveryState& state_;
   engine::RunContext& run_;
+  FolderLosses& losses_;
   std::set<std::pair<std::size_t, std::size_t>> due_;                ///< pass and place in the list
   std::unordered_map<std::size_t, std::vector<std::size_t>> aside_;  ///< by the path of the parent
 };
@@ -107,10 +113,17 @@ void CreateTargetFolders(RecoveryState& state, std::vector<FolderRecord> recover
 
   // The folders directly below the store's root never become target folders; their children hang from the top.
   std::vector<FolderRecord> ordered = OrderFolders(std::move(recovered));
-  std::erase_if(ordered, [](const FolderRecord& folder) { return folder.parentNid == kRootFolderNid; });
+  std::unordered_set<std::uint32_t> leftOut;
+  std::erase_if(ordered, [&](const FolderRecord& folder) {
+    const bool isLeftOut = folder.parentNid == kRootFolderNid;
+    if (isLeftOut) leftOut.insert(folder.nid);
+    return isLeftOut;
+  });
   state.folders = FolderList(std::move(ordered));
 
-  FolderMaker(state, run).MakeAll();
+  FolderLosses losses(state, std::move(leftOut));
+  losses.ReportMoved();
+  FolderMaker(state, run, losses).MakeAll();
 }
 
 }  // namespace velmora::recovery

@@ -7,26 +7,37 @@
 
 namespace velmora::recovery {
 
-std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      const text::CodePage& codePage, ContentAllowance& allowance) {
+namespace {
+
+tl::unexpected<FolderFault> Fault(text::TextView reason) { return tl::unexpected(FolderFault{{}, reason}); }
+tl::unexpected<FolderFault> Fault(const BlockFault& fault) { return tl::unexpected(FolderFault{fault, {}}); }
+
+}  // namespace
+
+tl::expected<FolderProperties, FolderFault> ParseFolderProperties(engine::EngineState& engine,
+                                                                  const engine::BlockRecord& record,
+                                                                  const text::CodePage& codePage,
+                                                                  ContentAllowance& allowance) {
   const auto bytes = ReadHeapBlock(engine, record, record.bid, kFolderRules, allowance);
-  if (!bytes) return std::nullopt;
+  if (!bytes) return Fault(bytes.error());
   const engine::ByteView block(*bytes);
   const PropertyContext context(block, engine, kFolderRules);
-  if (context.GetFault() != PropertyContext::Fault::kNone) return std::nullopt;
+  if (context.GetFault() != PropertyContext::Fault::kNone) {
+    return Fault(context.BlockFaultOf(engine, record, kFolderRules));
+  }
 
   const bool wide = engine.layout.wideFormat;
   FolderProperties folder;
   bool named = false;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
     const PropertyRecord property = context.Record(index);
-    if (property.id == kMessageClassId) return std::nullopt;  // a message
+    if (property.id == kMessageClassId) return Fault(u"its data block is that of a message");
     if (property.id != kDisplayNameId && property.id != kContainerClassId) continue;
 
     text::Text value;
     if (property.value != 0) {  // identifier 0 names no allocation: the text is empty
       const auto range = RangeOf(block, context.Header().ibHnpm, property.value, kFolderRules.emptyEnd);
-      if (!range) return std::nullopt;
+      if (!range) return Fault(u"its name or class does not stand in its block");
       value = CopyHeapText(range->In(block), wide, codePage);
     }
     if (property.id == kContainerClassId) {
@@ -36,7 +47,7 @@ std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engin
     named = true;
     folder.name = wide && !text::LooksLikeText(value) ? text::Text() : std::move(value);
   }
-  if (!named) return std::nullopt;
+  if (!named) return Fault(u"it has no name");
   return folder;
 }
 

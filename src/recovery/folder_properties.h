@@ -2,9 +2,11 @@
 #pragma once
 
 #include <optional>
+#include <tl/expected.hpp>
 
 #include "engine/block_index.h"
 #include "engine/engine_state.h"
+#include "recovery/block_fault.h"
 #include "recovery/content_allowance.h"
 #include "text/code_page.h"
 #include "text/text.h"
@@ -16,9 +18,17 @@ struct FolderProperties {
   text::Text containerClass;  ///< empty when the block has none
 };
 
-/// Nothing when the block is no property context, has no display name, or is a message; nor when the
-/// allowance is spent.
-std::optional<FolderProperties> ParseFolderProperties(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      const text::CodePage& codePage, ContentAllowance& allowance);
+/// Why a block gave no folder: what is wrong with it, or else a reason in plain words.
+struct FolderFault {
+  std::optional<BlockFault> block;
+  text::TextView reason;
+};
+
+/// A fault when the block is no property context, has no display name, or is a message; and when the allowance is
+/// spent.
+tl::expected<FolderProperties, FolderFault> ParseFolderProperties(engine::EngineState& engine,
+                                                                  const engine::BlockRecord& record,
+                                                                  const text::CodePage& codePage,
+                                                                  ContentAllowance& allowance);
 
 }  // namespace velmora::recovery

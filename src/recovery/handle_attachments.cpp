@@ -25,19 +25,17 @@ void HandleAttachments(ItemRun& items) {
       break;
     }
     const auto record = items.blocks.FindBlockOrLower(entry.bidData);
-    ++items.subNodesHandled;
     const bool byIdentifier = (entry.nid & kNidTypeMask) == kNidTypeAttachment;
     if (!record) {
-      if (byIdentifier) ReportAttachment(items.state, entry, u"its data block was not found");
+      ++items.subNodesHandled;
+      if (byIdentifier) ReportAttachment(items, entry, TextOf(BlockFault::NotFound(entry.bidData)));
       continue;
     }
-    const auto result = reader.ReadAttachment(entry, *record);
-    if (result == AttachmentReader::Result::kLost) {
-      ReportAttachment(items.state, entry, u"its content was not found");
-    }
-    if (result == AttachmentReader::Result::kNoAttachment && byIdentifier) {
-      ReportAttachment(items.state, entry, u"its data block is no property context");
-    }
+    // What is no attachment by its identifier and by its block alike is no loss: the tables stand among them.
+    const bool isAttachment =
+        reader.ReadAttachment(entry, *record) != AttachmentReader::Result::kNoAttachment || byIdentifier;
+    ++items.subNodesHandled;
+    if (isAttachment && !reader.Missing().empty()) ReportAttachment(items, entry, reader.Missing());
   }
   if (reader.AttachmentAdded()) items.run.Send(engine::MSG_LIST_ATTACHMENT);
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "engine/block_index.h"
 #include "engine/byte_view.h"
@@ -77,6 +78,9 @@ class ItemConverter {
   /// One record behind the class record. Raises output::OutputFailure where the kind lets a failure pass.
   virtual void ApplyProperty(ConversionScope& scope, const MessageBlock& block, const PropertyRecord& record,
                              const output::Ref<output::RDOMail>& item) = 0;
+
+  /// The field that such a record fills; nothing for one that fills none. It only serves the report.
+  virtual std::optional<output::Field> FieldOf(const ConversionScope& scope, const PropertyRecord& record) const = 0;
 };
 
 /// One converter a kind, indexed by ItemKind; none is null.

@@ -6,23 +6,27 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <vector>
 
 #include "engine/block_reader.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
 #include "output/operations.h"
+#include "recovery/block_fault.h"
 #include "recovery/item_converter.h"
+#include "recovery/property_ids.h"
 #include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
+#include "recovery/unread_sub_nodes.h"
 
 namespace velmora::recovery {
 
 /// What became of a node, an orphan or an embedded message: for the report alone.
 struct ItemOutcome {
-  bool saved = false;              ///< an item of any kind reached the new store
-  std::optional<SkipReason> skip;  ///< why none was made
-  bool tooMuch = false;            ///< it was not read, since the store claims more than it can hold
-  text::Text messageClass;         ///< empty when none could be read
+  bool saved = false;               ///< an item of any kind reached the new store
+  std::optional<SkipReason> skip;   ///< why none was made
+  std::optional<BlockFault> fault;  ///< of its data block, where that was the reason
+  text::Text messageClass;          ///< empty when none could be read
 };
 
 /// One message to convert.
@@ -46,6 +50,43 @@ struct BodySlot {
 enum BodyKind : std::size_t { kHtmlBody, kPlainBody, kRtfBody };
 inline constexpr std::size_t kBodyKinds = 3;
 
+constexpr std::optional<BodyKind> BodyKindOf(std::uint16_t id) {
+  switch (id) {
+    case kHtmlBodyId:
+      return kHtmlBody;
+    case kPlainBodyId:
+      return kPlainBody;
+    case kRtfBodyId:
+      return kRtfBody;
+    default:
+      return std::nullopt;
+  }
+}
+
+/// A record, and what of its value is known while the message's block is at hand.
+struct NotedRecord {
+  PropertyRecord record;
+  std::optional<std::uint64_t> size;  ///< bytes in the message's block; nothing for a value that is not in it
+  std::uint32_t head = 0;             ///< its first four bytes
+};
+
+/// A value that the item has a field for and that does not reach it.
+struct LostValue {
+  output::Field field = output::Field::Subject;
+  NotedRecord value;
+  text::Text reason;  ///< empty: it does not stand in the message's own block
+};
+
+/// What the steps note for the report while they work on a message.
+struct MessageLosses {
+  std::array<std::optional<NotedRecord>, kBodyKinds> bodies;  ///< those that the message has
+  std::optional<BodyKind> bodyTaken;                          ///< the one that came across
+  text::Text bodyMissing;                                     ///< what is not as it was in that one
+  std::vector<LostValue> values;
+  std::optional<NotedRecord> members;  ///< of a distribution list
+  bool hasAttachments = false;         ///< the message says so itself
+};
+
 /// The message under work; made anew for each.
 struct MessageWork {
   engine::Bytes readBuffer;
@@ -59,6 +100,7 @@ struct MessageWork {
   std::uint32_t messageSize = 0;
   bool classRefused = false;
   MailState mail;
+  MessageLosses losses;
 
   bool IsKind(ItemKind kind) const { return kindSet[static_cast<std::size_t>(kind)]; }
   output::Ref<output::RDOMail>& Item(ItemKind kind) { return items[static_cast<std::size_t>(kind)]; }
@@ -77,6 +119,7 @@ struct ItemRun {
   std::size_t cursor = 0;            ///< the record under work
   SubNodeList subNodes;              ///< of the message under work
   std::size_t subNodesHandled = 0;   ///< how many of them have been tried as attachments
+  UnreadSubNodes unread;             ///< of the message under work
   MessageWork message;
   std::array<BodySlot, kBodyKinds> bodySlots;
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "engine/node_list.h"
 #include "recovery/item_run.h"
 #include "text/text.h"
 
@@ -11,9 +12,9 @@ namespace velmora::recovery {
 /// The reason of what was not tried because the allowance was spent.
 inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it can hold";
 
-/// A message class as the report tells it. One that fills a block must not fill the report, node by node: it is cut
-/// once that would be out of proportion to the store.
-text::Text ToldClass(RecoveryState& state, text::TextView messageClass);
+/// A text of the store as the report tells it. One that fills a block must not fill the report, node by node: it is
+/// cut once that would be out of proportion to the store.
+text::Text ToldText(RecoveryState& state, text::TextView text);
 
 // What is lost is listed as long as the list is in proportion to the store, and only counted beyond that.
 
@@ -21,14 +22,18 @@ text::Text ToldClass(RecoveryState& state, text::TextView messageClass);
 void ReportLoss(RecoveryState& state, LostObject lost);
 
 /// Counts a node or orphan that gave no item, and lists it as lost if it is known for a message: its id says
-/// that it is a message, or its class is one that is converted. A class refused by rule is no loss.
-void ReportNode(RecoveryState& state, std::uint32_t nid, std::uint32_t bidData, const ItemOutcome& outcome);
+/// that it is a message, or its class is one that is converted. A class refused by rule is no loss, and neither is
+/// what an upper page of the node tree was read as: it names a key, a page and its place, and no node at all.
+void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const ItemOutcome& outcome);
 
 /// Lists an embedded message that was queued and reached neither its parent nor a folder.
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record);
 
-/// Lists an attachment of the message under work that was not brought across.
-void ReportAttachment(RecoveryState& state, const SubNodeEntry& attachment, text::TextView reason);
+/// The message as a reason names it.
+text::Text MessageNameOf(const ItemWorkRecord& record);
+
+/// Lists an attachment of the message under work that was not brought across, or not whole.
+void ReportAttachment(ItemRun& items, const SubNodeEntry& attachment, text::TextView reason);
 
 /// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried.
 void ReportUntriedAttachments(ItemRun& items, text::TextView reason);

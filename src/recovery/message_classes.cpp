@@ -122,6 +122,10 @@ ItemClass Classify(TextView messageClass) {
   return {ClassVerdict::kDamaged, ItemKind::kMail};
 }
 
+bool IsDistributionList(TextView messageClass) {
+  return messageClass == u"IPM.DistList" || messageClass == u"IPF.DistList";
+}
+
 output::ItemInterface InterfaceOf(ItemKind kind) { return RowOf(kind).interface; }
 
 }  // namespace velmora::recovery

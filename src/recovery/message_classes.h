@@ -29,6 +29,8 @@ struct ItemClass {
 };
 ItemClass Classify(text::TextView messageClass);
 
+bool IsDistributionList(text::TextView messageClass);
+
 /// The interface through which items of a kind are written.
 output::ItemInterface InterfaceOf(ItemKind kind);
 

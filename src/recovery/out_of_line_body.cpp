@@ -14,14 +14,18 @@ namespace {
 /// Beyond this size a mail of the older formats is delivered with its plain body.
 constexpr std::uint32_t kPlainFirstAbove = 4u << 20;
 
-text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const BodySlot& slot) {
+/// `missing` gets what of the body is not in the text.
+text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const BodySlot& slot, text::Text& missing) {
   const text::CodePage& codePage = *items.state.codePage;
   BlockChain chain;
   if (BuildBlockChain(items.engine, record, items.state.allowance, chain)) {
-    return ReadStreamAsText(items.engine, chain, slot.tag, codePage, items.state.allowance);
+    text::Text body = ReadStreamAsText(items.engine, chain, slot.tag, codePage, items.state.allowance);
+    missing = MissingOf(chain, chain.read);
+    return body;
   }
   const auto block = ReadDataBlock(items.engine, record, slot.bid, items.state.allowance);
   if (!block || !items.state.allowance.TakeHeld(block->bytes.size())) return {};
+  missing = MissingOf(chain, block->bytes.size());
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
   return CopyHeapText(engine::ByteView(block->bytes), wide, BodyCodePage(slot.tag, codePage));
 }
@@ -47,10 +51,14 @@ void ReadOutOfLineBody(ItemRun& items) {
     const auto record = items.blocks.FindBlockOrLower(slot.bid);
     if (!record) continue;
     if (record->offset == 0 || record->size == 0) return;
-    text::Text body = ReadBody(items, *record, slot);
+    text::Text missing;
+    text::Text body = ReadBody(items, *record, slot, missing);
     const bool delivered = !body.empty();
     items.message.Item(ItemKind::kMail)->Put(FieldOf(slot.tag), std::move(body));
-    if (delivered) return;
+    if (!delivered) continue;
+    items.message.losses.bodyTaken = static_cast<BodyKind>(kind);
+    items.message.losses.bodyMissing = std::move(missing);
+    return;
   }
 }
 

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <utility>
 
 #include "recovery/catching_frame.h"
 #include "recovery/heap_text.h"
 #include "recovery/item_steps.h"
+#include "recovery/lost_items.h"
 #include "recovery/message_classes.h"
 #include "recovery/property_context.h"
 #include "recovery/property_ids.h"
@@ -13,6 +15,8 @@ namespace velmora::recovery {
 using output::Field;
 
 namespace {
+
+constexpr text::TextView kSpentOnRow = u"it was spent on the item list, since the mail has no To that is read";
 
 /// The walk over the records of one message.
 class MessageWalk {
@@ -41,7 +45,11 @@ class MessageWalk {
       const PropertyRecord record = context_.Record(index);
       if (record.id == kMessageClassId && !HandleClass(record.value)) return false;
       KeepSeenValue(record);
-      if (TakeText(record)) HandToKind(record);
+      const bool rowWasShown = message_.mail.subjectShown;
+      const bool taken = TakeText(record);
+      if (taken) HandToKind(record);
+      const bool spent = !rowWasShown && message_.mail.subjectShown;
+      NoteLoss(record, !taken ? kClaimsTooMuch : spent ? kSpentOnRow : text::TextView());
     }
     return true;
   }
@@ -119,7 +127,7 @@ class MessageWalk {
     switch (record.id) {
       case kSubjectId:
       case kConversationTopicId:
-        SetSubject(record.value);
+        SetSubject(record);
         break;
       case kMessageSizeId:
         message_.messageSize = record.value;
@@ -142,11 +150,41 @@ class MessageWalk {
     if (InBounds(record.value)) Apply(static_cast<std::size_t>(ItemKind::kMail), record);
   }
 
-  void SetSubject(std::uint32_t value) {
+  NotedRecord Note(const PropertyRecord& record) const {
+    NotedRecord noted{record, {}, 0};
+    if (record.value == 0) noted.size = 0;
+    const auto range =
+        RangeOf(message_.block.bytes, message_.block.heapPageMapOffset, record.value, EmptyEnd::kRefused);
+    if (record.value == 0 || IsSubNodeValue(record.value) || !range) return noted;
+    noted.size = range->end - range->start;
+    noted.head = message_.block.bytes.U32(range->start);
+    return noted;
+  }
+
+  /// What the report has to tell of a record that has had its turn, and `reason`, if it did not reach its field.
+  void NoteLoss(const PropertyRecord& record, text::TextView reason) {
+    const auto kind = std::ranges::find(message_.kindSet, true) - message_.kindSet.begin();
+    if (kind == kItemKinds) return;
+    MessageLosses& losses = message_.losses;
+    if (record.id == kMessageFlagsId) losses.hasAttachments = (record.value & kHasAttachments) != 0;
+    if (const auto body = BodyKindOf(record.id)) losses.bodies[*body] = Note(record);
+    const bool isMember = scope_.namedProps->TranslateNamedId(record.id) == kMembersId;
+    if (isMember && IsDistributionList(items_.Current().outcome.messageClass)) losses.members = Note(record);
+
+    const auto field = (*items_.state.converters)[kind]->FieldOf(scope_, record);
+    if (!field || BodyKindOf(record.id)) return;
+    if (reason.empty() && InBounds(record.value)) return;
+    losses.values.push_back({*field, Note(record), text::Text(reason)});
+  }
+
+  void SetSubject(const PropertyRecord& record) {
     if (subjectSet_) return;
     subjectSet_ = true;
     const auto& mail = message_.Item(ItemKind::kMail);
-    mail->Put(Field::Subject, ReadText(value));
+    const text::Text subject = ReadText(record.value);
+    if (subject.empty() && IsSubNodeValue(record.value))
+      message_.losses.values.push_back({Field::Subject, Note(record), {}});
+    mail->Put(Field::Subject, subject);
     if (items_.run.log == nullptr) return;
     items_.run.Log(u"\r\n\r\n");
     items_.run.Log(u"Mail Subject: ");
@@ -180,12 +218,13 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
   ItemOutcome& outcome = items.Current().outcome;
 
   outcome.skip = SkipReason::kNoBlock;
+  outcome.fault = BlockFault::NotFound(bidData);
   const auto record = items.blocks.FindBlockOrLower(bidData);
   if (!record) return 0;
   outcome.skip = SkipReason::kBadHeap;
   auto bytes = ReadHeapBlock(items.engine, *record, record->bid, kMessageRules, items.state.allowance);
   if (!bytes) {
-    outcome.tooMuch = items.state.allowance.BytesSpent();
+    outcome.fault = bytes.error();
     return 0;
   }
 
@@ -195,7 +234,9 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
   message.block.record = *record;
   message.block.record.size = static_cast<std::uint32_t>(message.readBuffer.size());
   const PropertyContext context(message.block.bytes, items.engine, kMessageRules);
+  outcome.fault = context.BlockFaultOf(items.engine, *record, kMessageRules);
   if (context.GetFault() != PropertyContext::Fault::kNone) return 0;
+  outcome.fault.reset();
   message.block.heapPageMapOffset = context.Header().ibHnpm;
   outcome.skip = SkipReason::kNoClass;
 

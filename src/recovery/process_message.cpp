@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "recovery/heap_text.h"
 #include "recovery/item_steps.h"
@@ -10,7 +11,8 @@ namespace velmora::recovery {
 namespace {
 
 /// The bytes of a body in the message's own block; false when the place of the value lies outside of it.
-bool ReadInLineBody(ItemRun& items, std::uint32_t value, const BodySlot& slot) {
+bool ReadInLineBody(ItemRun& items, std::uint32_t value, BodyKind kind) {
+  const BodySlot& slot = items.bodySlots[kind];
   const MessageBlock& block = items.message.block;
   const auto range = ReadHeapRange(block.bytes, block.Position(value));
   if (!range) return false;
@@ -20,7 +22,11 @@ bool ReadInLineBody(ItemRun& items, std::uint32_t value, const BodySlot& slot) {
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
   const text::CodePage& codePage = BodyCodePage(slot.tag, *items.state.codePage);
   const auto field = slot.tag == kPlainBodyId ? output::Field::Body : output::Field::RTFBody;
-  items.message.Item(ItemKind::kMail)->Put(field, CopyHeapText(range->In(block.bytes), wide, codePage));
+  text::Text body = CopyHeapText(range->In(block.bytes), wide, codePage);
+  const bool delivered = !body.empty();
+  items.message.Item(ItemKind::kMail)->Put(field, std::move(body));
+  if (delivered) items.message.losses.bodyTaken = kind;
+  if (slot.value != value) items.message.losses.bodyMissing = u"the bytes of another body stand in its place";
   return true;
 }
 
@@ -35,8 +41,7 @@ bool ProcessMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderN
   // delivers the bytes of its RTF as the plain one.
   if (!IsSubNodeValue(value)) {
     for (const BodyKind kind : {kPlainBody, kRtfBody}) {
-      const BodySlot& slot = items.bodySlots[kind];
-      if (slot.tag != 0) return ReadInLineBody(items, value, slot);
+      if (items.bodySlots[kind].tag != 0) return ReadInLineBody(items, value, kind);
     }
     return true;
   }

@@ -1,4 +1,5 @@
 #include "recovery/catching_frame.h"
+#include "recovery/item_losses.h"
 #include "recovery/item_steps.h"
 #include "recovery/lost_items.h"
 
@@ -11,13 +12,15 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
   items.subNodesHandled = 0;
   if (items.state.allowance.BytesSpent()) {
     record.outcome.skip = SkipReason::kNoBlock;
-    record.outcome.tooMuch = true;
+    record.outcome.fault = BlockFault{.cause = BlockFault::Cause::kTooMuch, .bid = record.bidData};
     return;
   }
   items.subNodes = ReadSubNodeList(items.engine, record.bidSub);
+  items.unread = ReadUnreadSubNodes(items.engine, record.bidSub, items.subNodes, items.state.reportAllowance);
   const bool hasBlock = items.blocks.FindBlockOrLower(record.bidData).has_value();
   if (!hasBlock) {
     record.outcome.skip = SkipReason::kNoBlock;
+    record.outcome.fault = BlockFault::NotFound(record.bidData);
     return;
   }
   const bool whole = WithinFrame([&] {
@@ -28,6 +31,7 @@ void ProcessRecord(ItemRun& items, std::uint32_t folderNid) {
     if (!bodyInBounds) ReportUntriedAttachments(items, u"the body of its message is out of bounds");
   });
   if (!whole) ReportUntriedAttachments(items, u"an operation on its message failed");
+  ReportItemLosses(items);
 }
 
 }  // namespace

@@ -6,12 +6,17 @@ namespace velmora::recovery {
 
 using engine::ByteView;
 using engine::StoreKind;
+using Cause = BlockFault::Cause;
 
 namespace {
 
 constexpr std::uint32_t kTreeHeaderSize = 8;
 
 bool IsOtherKind(StoreKind kind) { return kind != StoreKind::kOst && kind != StoreKind::kPst; }
+
+bool Inflates(const engine::EngineState& engine, const ContextRules& rules) {
+  return rules.inflatesOtherKinds || engine.storeKind == StoreKind::kOst;
+}
 
 }  // namespace
 
@@ -42,23 +47,36 @@ bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes) {
   return true;
 }
 
-std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                           std::uint32_t id, const ContextRules& rules) {
+tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                                      std::uint32_t id, const ContextRules& rules) {
   const engine::BlockReader blocks(engine);
   auto bytes = blocks.ReadChunk(record.offset, record.size);
-  if (!bytes) return std::nullopt;
+  if (!bytes) return tl::unexpected(BlockFault::Of(Cause::kNotRead, record));
   if (rules.decodesOst || engine.storeKind == StoreKind::kPst) blocks.DecodeBlock(id, *bytes);
-  if (rules.inflatesOtherKinds || engine.storeKind == StoreKind::kOst) InflateUnlessHeap(engine, *bytes);
+  if (Inflates(engine, rules)) InflateUnlessHeap(engine, *bytes);
+  return std::move(*bytes);
+}
+
+tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                                      std::uint32_t id, const ContextRules& rules,
+                                                      ContentAllowance& allowance) {
+  const tl::unexpected<BlockFault> tooMuch(BlockFault::Of(Cause::kTooMuch, record));
+  if (!allowance.TakeBytes(record.size)) return tooMuch;
+  auto bytes = ReadHeapBlock(engine, record, id, rules);
+  const bool inflated = bytes && bytes->size() > record.size;
+  if (inflated && !allowance.TakeBytes(bytes->size())) return tooMuch;
   return bytes;
 }
 
-std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                           std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance) {
-  if (!allowance.TakeBytes(record.size)) return std::nullopt;
-  auto bytes = ReadHeapBlock(engine, record, id, rules);
-  const bool inflated = bytes && bytes->size() > record.size;
-  if (inflated && !allowance.TakeBytes(bytes->size())) return std::nullopt;
-  return bytes;
+BlockFault PropertyContext::BlockFaultOf(const engine::EngineState& engine, const engine::BlockRecord& record,
+                                         const ContextRules& rules) const {
+  const bool cutOff = engine.source != nullptr && record.offset + record.size > engine.source->Size();
+  if (cutOff) return BlockFault::Of(Cause::kCutOff, record);
+  if (fault_ != Fault::kSignature) return BlockFault::Of(Cause::kBrokenHeap, record);
+  if (IsInternalBid(record.bid)) return BlockFault::Of(Cause::kList, record);
+  const bool stillPacked = Inflates(engine, rules) && engine.layout.formatId == engine::FORMAT_UNICODE_4K &&
+                           !engine::IsHeapSignature(header_.signature) && block_.Size() == record.size;
+  return BlockFault::Of(stillPacked ? Cause::kNotInflated : Cause::kSignature, record, header_.signature);
 }
 
 PropertyContext::PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules)

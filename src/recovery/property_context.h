@@ -11,10 +11,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <tl/expected.hpp>
 
 #include "engine/block_reader.h"
 #include "engine/byte_view.h"
 #include "engine/engine_state.h"
+#include "recovery/block_fault.h"
 #include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
 
@@ -85,13 +87,13 @@ inline constexpr ContextRules kNameMapRules{.decodesOst = false, .acceptsOtherKi
 bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes);
 
 /// The bytes of a block as a walk with these rules looks at them: read, decoded with the key `id`, inflated.
-/// Nothing when the read failed.
-std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                           std::uint32_t id, const ContextRules& rules);
+tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                                      std::uint32_t id, const ContextRules& rules);
 
-/// The same for a block that any number of nodes may name. Nothing as well when the allowance is spent.
-std::optional<engine::Bytes> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                           std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance);
+/// The same for a block that any number of nodes may name. A fault as well when the allowance is spent.
+tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                                      std::uint32_t id, const ContextRules& rules,
+                                                      ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
 class PropertyContext {
@@ -102,6 +104,11 @@ class PropertyContext {
   PropertyContext(engine::ByteView block, engine::EngineState& engine, const ContextRules& rules);
 
   Fault GetFault() const { return fault_; }
+
+  /// What the fault says of the block, which ReadHeapBlock read from that record by these rules.
+  BlockFault BlockFaultOf(const engine::EngineState& engine, const engine::BlockRecord& record,
+                          const ContextRules& rules) const;
+
   const HeapHeader& Header() const { return header_; }
 
   /// The array; empty when there is a fault.

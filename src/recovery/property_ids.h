@@ -18,6 +18,10 @@ inline constexpr std::uint16_t kSubjectId = 0x0037;
 inline constexpr std::uint16_t kConversationTopicId = 0x0070;
 inline constexpr std::uint16_t kMessageSizeId = 0x0E08;
 
+inline constexpr std::uint16_t kMessageFlagsId = 0x0E07;
+inline constexpr std::uint32_t kHasAttachments = 0x10;  ///< a message flag
+inline constexpr std::uint32_t kMembersId = 0x8055;     ///< long id: the members of a distribution list
+
 inline constexpr std::uint16_t kPlainBodyId = 0x1000;
 inline constexpr std::uint16_t kRtfBodyId = 0x1009;
 inline constexpr std::uint16_t kHtmlBodyId = 0x1013;
@@ -30,6 +34,7 @@ inline constexpr std::uint16_t kMimeSequenceId = 0x3710;
 inline constexpr std::uint16_t kTypeShort = 0x0002;
 inline constexpr std::uint16_t kTypeLong = 0x0003;
 inline constexpr std::uint16_t kTypeBoolean = 0x000B;
+inline constexpr std::uint16_t kTypeObject = 0x000D;
 inline constexpr std::uint16_t kTypeString8 = 0x001E;
 inline constexpr std::uint16_t kTypeUnicode = 0x001F;
 inline constexpr std::uint16_t kTypeTime = 0x0040;
@@ -44,6 +49,7 @@ inline constexpr std::uint32_t kOrphanedMailsMarker = 0x1122;  ///< stands for a
 
 /// Low 5 bits of a node identifier. They only serve the report: what a node is, its block tells.
 inline constexpr std::uint32_t kNidTypeMask = 0x1F;
+inline constexpr std::uint32_t kNidTypeFolder = 0x02;
 inline constexpr std::uint32_t kNidTypeMessage = 0x04;
 inline constexpr std::uint32_t kNidTypeAttachment = 0x05;
 

@@ -3,7 +3,9 @@
 
 #include "engine/block_reader.h"
 #include "recovery/catching_frame.h"
+#include "recovery/folder_losses.h"
 #include "recovery/folder_properties.h"
+#include "recovery/lost_items.h"
 #include "recovery/name_to_id_map.h"
 #include "recovery/property_ids.h"
 #include "recovery/steps.h"
@@ -46,6 +48,7 @@ class FolderRecovery {
       if (!unlinked_[i]) nodes[kept++] = nodes[i];
     }
     nodes.resize(kept);
+    unread_.Report(state_, folders_);
     return folders_.Take();
   }
 
@@ -55,6 +58,7 @@ class FolderRecovery {
     // A second node of a known folder stays in the list: the first block that gave a folder wins.
     if (candidate && folders_.Contains(node.nid)) return;
     const bool isFolder = candidate && TryFolder(node);
+    if (node.bidData == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
 
     if (node.nid == kNameToIdMapNid) nameMap_.ReadNameToIdMap(node.bidData, node.bidSub);
     if (node.nidParent == 0 || isFolder) UnlinkNode(index);
@@ -66,18 +70,23 @@ class FolderRecovery {
   }
 
   bool TryFolder(const NodeRecord& node) {
+    const auto none = [&](const FolderFault& fault) {
+      unread_.Note(node, fault);
+      return false;
+    };
     const auto record = blocks_.FindBlockOrLower(node.bidData);
-    if (!record) return false;
+    if (!record) return none({BlockFault::NotFound(node.bidData), {}});
     if (engine_.encodingUnknown) {
       engine_.encodingUnknown = !blocks_.DetectEncoding(record->bid, record->offset, record->size);
-      if (engine_.encodingUnknown) return false;
+      if (engine_.encodingUnknown) return none({{}, u"the encoding of the store could not be told from its block"});
     }
     state_.allowance.BeginNode();
     auto properties = ParseFolderProperties(engine_, *record, *state_.codePage, state_.allowance);
-    if (!properties || properties->name.empty()) return false;
+    if (!properties) return none(properties.error());
+    if (properties->name.empty()) return none({{}, u"its name is empty or does not look like text"});
     ContentAllowance& allowance = state_.allowance;
     if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
-      return false;
+      return none({{}, kClaimsTooMuch});
     }
     if (properties->containerClass.empty()) properties->containerClass = u"IPF.Note";
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;
@@ -99,6 +108,7 @@ class FolderRecovery {
   engine::BlockReader blocks_;
   NameMapReader nameMap_;
   FolderCollector folders_;
+  UnreadFolders unread_;
   std::vector<bool> unlinked_;
   std::uint64_t counter_ = 0;
 };
@@ -110,6 +120,7 @@ void RecoverFolders(RecoveryState& state, EngineState& engine, RunContext& run) 
   run.Send(engine::MSG_STAGE, kFolderStage);
 
   state.allowance = ContentAllowance::Of(engine);
+  state.reportAllowance = ContentAllowance::ForReport(engine);
   FolderRecovery recovery(state, engine, run);
   WithinFrame([&recovery] { recovery.WalkNodes(); });
   std::vector<FolderRecord> recovered = recovery.Finish();

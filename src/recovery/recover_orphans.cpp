@@ -29,8 +29,15 @@ class ItemRecovery {
       run_.control.PausePoint();
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) Report(progress);
+      const std::size_t listed = state_.report.lost.size();
+      const std::uint64_t untold = state_.report.lostUntold;
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
-      ReportNode(state_, node.nid, node.bidData, outcome);
+      // What an upper page was read as may by chance lead to a message, which its own node gives too.
+      if (node.upperPage) {
+        state_.report.lost.resize(listed);
+        state_.report.lostUntold = untold;
+      }
+      ReportNode(state_, node, outcome);
       ++counter_;
     }
   }
@@ -48,7 +55,7 @@ class ItemRecovery {
       const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
-      if (isElement) ReportNode(state_, 0, orphan.bidData, outcome);
+      if (isElement) ReportNode(state_, {.bidData = orphan.bidData, .bidSub = orphan.bidSub}, outcome);
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;
@@ -107,6 +114,7 @@ void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) 
   run.Send(engine::MSG_STAGE, kItemStage);
 
   state.allowance = ContentAllowance::Of(engine);
+  state.reportAllowance = ContentAllowance::ForReport(engine);
 
   ItemRecovery recovery(state, engine, run);
   recovery.ProcessNodes();

@@ -38,8 +38,8 @@ struct LostObject {
   LossKind kind = LossKind::kMessage;
   std::uint32_t nid = 0;  ///< of the node or sub-node; 0 for what was found without one
   std::uint32_t bidData = 0;
-  text::Text messageClass;  ///< empty where it could not be read
-  text::Text reason;        ///< in plain words
+  text::Text messageClass = {};  ///< empty where it could not be read
+  text::Text reason = {};        ///< in plain words
 };
 
 /// A folder as recovered, before the list is ordered and thinned.

@@ -35,6 +35,7 @@ struct RecoveryState {
 
   // Items
   ContentAllowance allowance;
+  ContentAllowance reportAllowance;  ///< what is read to tell of losses
 
   RecoveryReport report;
 };

@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "recovery/block_fault.h"
 #include "recovery/heap_text.h"
+#include "recovery/lost_items.h"
 #include "recovery/property_context.h"
 #include "recovery/property_ids.h"
 
@@ -15,6 +17,7 @@ using engine::EngineState;
 namespace {
 
 constexpr std::uint16_t kExtendedBlock = 0x0101;
+constexpr std::uint16_t kExtendedBlockOfLists = 0x0201;
 constexpr std::uint16_t kSubNodeBlock = 0x0002;
 constexpr std::uint32_t kListStart = 8;
 
@@ -30,37 +33,50 @@ constexpr std::uint32_t kFullBlock = 0xFFE8;
 
 enum class Reached { kPlainBlock, kList, kThroughSubNode };
 
-Reached WalkChain(EngineState& engine, std::uint64_t offset, std::uint32_t size, ContentAllowance& allowance,
-                  BlockChain& chain) {
+/// What the last block of a walk tells of the whole value. A list that is none, since its id is that of a data block,
+/// stands for the data in it.
+std::uint64_t TotalOf(const engine::BlockRecord& record, ByteView block) {
+  const std::uint16_t signature = block.U16(0);
+  if (!IsInternalBid(record.bid)) return signature == kExtendedBlock ? record.size : 0;
+  return signature == kExtendedBlock || signature == kExtendedBlockOfLists ? block.U32(4) : 0;
+}
+
+Reached WalkChain(EngineState& engine, engine::BlockRecord at, ContentAllowance& allowance, BlockChain& chain) {
   const engine::BlockReader blocks(engine);
   const bool wide = engine.layout.wideFormat;
   bool throughSubNode = false;
   for (int depth = 0; depth < kDeepestChain; ++depth) {
-    if (!allowance.TakeBytes(size)) break;
-    const auto bytes = blocks.ReadChunk(offset, size);
+    if (!allowance.TakeBytes(at.size)) break;
+    const auto bytes = blocks.ReadChunk(at.offset, at.size);
     if (!bytes) break;
     const ByteView block(*bytes);
     const std::uint16_t signature = block.U16(0);
+    chain.last = at;
+    chain.lastSignature = signature;
+    chain.total = TotalOf(at, block);
     if (signature == kExtendedBlock) {
       chain.singleDataBid = 0;
       chain.hasList = true;
       const std::uint32_t step = wide ? 8 : 4;
-      for (std::uint32_t at = kListStart; at < block.Size(); at += step) chain.pieces.push_back(block.U32(at));
+      for (std::uint32_t slot = kListStart; slot < block.Size(); slot += step) chain.pieces.push_back(block.U32(slot));
       return throughSubNode ? Reached::kThroughSubNode : Reached::kList;
     }
     if (signature != kSubNodeBlock) break;
     const std::uint32_t bid = block.U32(wide ? 16 : 8);  // bidData of the first entry
     const auto record = blocks.FindBlockOrLower(bid);
-    if (!record) break;
+    if (!record) {
+      chain.missing = bid;
+      break;
+    }
     chain.singleDataBid = bid;
     throughSubNode = true;
-    offset = record->offset;
-    size = record->size;
+    at = *record;
   }
   return throughSubNode ? Reached::kThroughSubNode : Reached::kPlainBlock;
 }
 
-void WriteSingleBlock(EngineState& engine, std::uint32_t id, ContentAllowance& allowance, const PieceWriter& write) {
+void WriteSingleBlock(EngineState& engine, BlockChain& chain, ContentAllowance& allowance, const PieceWriter& write) {
+  const std::uint32_t id = chain.singleDataBid;
   const engine::BlockReader blocks(engine);
   const auto record = blocks.FindBlockOrLower(id);
   if (!record) return;
@@ -68,6 +84,8 @@ void WriteSingleBlock(EngineState& engine, std::uint32_t id, ContentAllowance& a
   if (!block) return;
   if (!block->inflated || record->size >= kIdListBelow) return write(block->bytes);
 
+  chain.takenForList = true;
+  chain.total = block->bytes.size();
   const ByteView list = ByteView(block->bytes).Slice(0, kIdListArea);
   for (std::uint32_t at = kListStart; at < list.Size(); at += 8) {
     const std::uint16_t listed = list.U16(at);
@@ -86,12 +104,32 @@ const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& code
 
 bool BuildBlockChain(EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
                      BlockChain& chain) {
-  return WalkChain(engine, record.offset, record.size, allowance, chain) == Reached::kList;
+  return WalkChain(engine, record, allowance, chain) == Reached::kList;
 }
 
-bool BuildBlockChainAt(EngineState& engine, std::uint64_t offset, std::uint32_t size, ContentAllowance& allowance,
+bool BuildBlockChainAt(EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
                        BlockChain& chain) {
-  return WalkChain(engine, offset, size, allowance, chain) != Reached::kPlainBlock;
+  return WalkChain(engine, record, allowance, chain) != Reached::kPlainBlock;
+}
+
+text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
+  const text::Text instead =
+      written == 0 ? text::Text() : u"; " + DecimalOf(written) + u" bytes of a list stand in its place";
+  if (chain.missing != 0) return TextOf(BlockFault::NotFound(chain.missing)) + instead;
+  if (chain.takenForList) return u"its " + DecimalOf(chain.total) + u" bytes were taken for a list of blocks" + instead;
+  if (!chain.hasList && IsInternalBid(chain.last.bid)) {
+    if (chain.lastSignature != kExtendedBlockOfLists) return u"its list of sub-nodes cannot be read" + instead;
+    return u"its " + DecimalOf(chain.total) + u" bytes stand in a data tree of two levels, which is not read" + instead;
+  }
+  if (!chain.hasList && written == 0) {
+    if (chain.last.bid == 0) return text::Text(kClaimsTooMuch);
+    return TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, chain.last));
+  }
+  if (chain.total == 0 || written == chain.total) return {};
+  if (written > chain.total) {
+    return DecimalOf(written) + u" bytes were read where there are " + DecimalOf(chain.total);
+  }
+  return DecimalOf(chain.total - written) + u" of " + DecimalOf(chain.total) + u" bytes are missing";
 }
 
 std::optional<DataBlock> ReadDataBlock(EngineState& engine, const engine::BlockRecord& record, std::uint32_t id,
@@ -106,8 +144,8 @@ std::optional<DataBlock> ReadDataBlock(EngineState& engine, const engine::BlockR
   return DataBlock{std::move(*bytes), inflated};
 }
 
-text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::uint16_t kind,
-                            const text::CodePage& codePage, ContentAllowance& allowance) {
+text::Text ReadStreamAsText(EngineState& engine, BlockChain& chain, std::uint16_t kind, const text::CodePage& codePage,
+                            ContentAllowance& allowance) {
   const engine::BlockReader blocks(engine);
   const bool wide = engine.layout.wideFormat;
   const text::CodePage& page = BodyCodePage(kind, codePage);
@@ -130,14 +168,14 @@ text::Text ReadStreamAsText(EngineState& engine, const BlockChain& chain, std::u
     const auto piece = ReadDataBlock(engine, *record, record->bid, allowance);
     if (!piece) continue;
     if (!allowance.TakeHeld(piece->bytes.size())) break;
+    chain.read += piece->bytes.size();
     result += CopyHeapText(ByteView(piece->bytes), wide && kind != kHtmlBodyId, page);
   }
   return result;
 }
 
-void WriteStreamToFile(EngineState& engine, const BlockChain& chain, ContentAllowance& allowance,
-                       const PieceWriter& write) {
-  if (!chain.hasList) return WriteSingleBlock(engine, chain.singleDataBid, allowance, write);
+void WriteStreamToFile(EngineState& engine, BlockChain& chain, ContentAllowance& allowance, const PieceWriter& write) {
+  if (!chain.hasList) return WriteSingleBlock(engine, chain, allowance, write);
   const engine::BlockReader blocks(engine);
   for (const std::uint32_t bid : chain.pieces) {
     if (bid == 0) continue;

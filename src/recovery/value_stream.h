@@ -21,16 +21,28 @@ struct BlockChain {
   bool hasList = false;                    ///< a list was built, if only an empty one
   std::vector<std::uint32_t> pieces = {};  ///< ids in order; 0 names no piece
   std::uint32_t singleDataBid = 0;         ///< the one data block of a value reached through a sub-node block
+
+  // For the report alone.
+  engine::BlockRecord last = {};    ///< the block that the walk ended at
+  std::uint16_t lastSignature = 0;  ///< its first word
+  std::uint32_t missing = 0;        ///< id that the last block names, a sub-node block, and that has no block
+  std::uint64_t total = 0;          ///< bytes of the value, as a list tells; 0 where no list does
+  bool takenForList = false;        ///< the data, `total` bytes, was taken for a list of blocks
+  std::uint64_t read = 0;           ///< bytes of pieces that were read
 };
 
-/// Fills the chain from the block at the record. True when the value is a list of pieces; false when it is one
-/// plain block, and also when a sub-node block led to the pieces.
+/// What is missing of a value, in plain words, when `written` bytes were taken from the chain; empty when nothing is.
+text::Text MissingOf(const BlockChain& chain, std::uint64_t written);
+
+/// Fills the chain from the block at the record, and `total` too where it is a list of lists, which is no list here.
+/// True when the value is a list of pieces; false when it is one plain block, and also when a sub-node block led to the
+/// pieces.
 bool BuildBlockChain(engine::EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
                      BlockChain& chain);
 
-/// The same walk from a place in the source, but true as soon as a sub-node block led to a block that is there.
-bool BuildBlockChainAt(engine::EngineState& engine, std::uint64_t offset, std::uint32_t size,
-                       ContentAllowance& allowance, BlockChain& chain);
+/// The same walk, but true as soon as a sub-node block led to a block that is there.
+bool BuildBlockChainAt(engine::EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
+                       BlockChain& chain);
 
 struct DataBlock {
   engine::Bytes bytes;
@@ -45,13 +57,13 @@ std::optional<DataBlock> ReadDataBlock(engine::EngineState& engine, const engine
 /// The pieces as one text. `kind` is the id of the property: 0x1013 is always 8-bit text, others have the width
 /// of the store. Each piece ends at its first NUL and is converted by itself. A piece that is missing, or that
 /// only the lower id finds, is left out.
-text::Text ReadStreamAsText(engine::EngineState& engine, const BlockChain& chain, std::uint16_t kind,
+text::Text ReadStreamAsText(engine::EngineState& engine, BlockChain& chain, std::uint16_t kind,
                             const text::CodePage& codePage, ContentAllowance& allowance);
 
 using PieceWriter = std::function<void(const engine::Bytes&)>;
 
 /// Gives each piece, in order, to `write`; a piece that is missing is left out.
-void WriteStreamToFile(engine::EngineState& engine, const BlockChain& chain, ContentAllowance& allowance,
+void WriteStreamToFile(engine::EngineState& engine, BlockChain& chain, ContentAllowance& allowance,
                        const PieceWriter& write);
 
 /// The 8-bit page of a body: HTML and RTF travel by the one that changes no byte, whatever the setting is.

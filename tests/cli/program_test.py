@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import resource
 import shutil
 import signal
@@ -85,6 +86,22 @@ class Program(unittest.TestCase):
         self.assertGreater(report["peakRssKiB"], 1000)
         self.assertGreater(report["seconds"], 0)
         self.assertIn("Recovered at: ", ended.stderr)
+
+    def test_what_is_lost_ends_the_result_with_the_way_to_the_list(self):
+        source = self.work / "lossy.ost"
+        subprocess.run([os.environ["VELMORA_FORGE_NASTY"], "nodes-of-missing-blocks", source, "1"], check=True)
+        lost = r"\n\nLost or not whole: \d+ messages\.\n"
+        report = self.work / "report.json"
+        for options, stream, how in (
+                ((), "stdout", "With --report FILE a report lists what is lost."),
+                (("--report", report), "stdout", f"The report lists what is lost: {report}"),
+                (("--report", "-"), "stderr", "The report on standard output lists what is lost.")):
+            with self.subTest(options=options):
+                ended = self.run_program("--dry-run", "--no-progress", *options, source, self.out)
+                self.assertEqual(ended.returncode, 3)
+                self.assertRegex(getattr(ended, stream), lost + re.escape(how) + r"\n$")
+        ended = self.run_program("--dry-run", "--quiet", source, self.out)
+        self.assertEqual((ended.returncode, ended.stdout, ended.stderr), (3, "", ""))
 
     def test_a_dry_run_leaves_nothing_and_makes_no_profile(self):
         ended = self.run_program("--dry-run", "--report", "-", self.demo, self.work / "not there")

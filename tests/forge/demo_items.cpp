@@ -171,6 +171,7 @@ std::vector<Message> DemoSent() {
   Message plain = DemoMail(u"Timetable", u"Attached is nothing at all.");
   Message unsent = DemoMail(u"Draft without recipients", u"To be finished.");
   unsent.recipients.clear();
+  unsent.delivered.reset();  // nobody has sent it yet
   unsent.flags = 9;
   return {plain, unsent};
 }

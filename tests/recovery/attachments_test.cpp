@@ -21,7 +21,7 @@ class AttachmentsTest : public RecoveryTest {
 
   void AddMail(std::vector<SubNode> attachments, std::u16string_view messageClass = u"IPM.Note") {
     attachments.insert(attachments.begin(), {0x671, 0, 0});
-    AddMessage({TextRecord(0x001A, messageClass)}, AddBlock(NewBid(), SubNodeBlock(attachments)));
+    AddMessage({TextRecord(0x001A, messageClass)}, AddBlock(NewListBid(), SubNodeBlock(attachments)));
   }
 
   /// Name and length of each attachment.
@@ -38,7 +38,7 @@ class AttachmentsTest : public RecoveryTest {
 
   /// An attachment's own sub-node list that leads to one data block.
   std::uint32_t Behind(const Bytes& content) {
-    return AddBlock(NewBid(), SubNodeBlock({{0x803F, AddBlock(NewBid(), content), 0}}));
+    return AddBlock(NewListBid(), SubNodeBlock({{0x803F, AddBlock(NewBid(), content), 0}}));
   }
 };
 
@@ -111,7 +111,8 @@ TEST_F(AttachmentsTest, ANameThatDoesNotLookLikeTextIsNone) {
 }
 
 TEST_F(AttachmentsTest, AMessageThatDoesNotBeginWithAnAttachmentTableKeepsNone) {
-  AddMessage({Wide(0x001A, u"IPM.Note")}, AddBlock(NewBid(), SubNodeBlock({Small(0x8025, u"a", "x"), {0x671, 0, 0}})));
+  AddMessage({Wide(0x001A, u"IPM.Note")},
+             AddBlock(NewListBid(), SubNodeBlock({Small(0x8025, u"a", "x"), {0x671, 0, 0}})));
   Recover();
   EXPECT_THAT(Attached(), IsEmpty());
   EXPECT_EQ(state_.report.lost.size(), 1u);
@@ -149,9 +150,9 @@ TEST_F(AttachmentsTest, AContentInSubNodesIsAttachedAndToldToTheList) {
 TEST_F(AttachmentsTest, AContentOfManyPiecesIsJoinedAndALostPieceMakesItShorter) {
   const std::uint32_t one = AddBlock(NewBid(), Bytes(100));
   const std::uint32_t two = AddBlock(NewBid(), Bytes(20));
-  const std::uint32_t chain = AddBlock(NewBid(), ChainBlock({one, 0x7777, two}));
+  const std::uint32_t chain = AddBlock(NewListBid(), ChainBlock({one, 0x7777, two}));
   AddMail({Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"big")},
-                      AddBlock(NewBid(), SubNodeBlock({{0x803F, chain, 0}})))});
+                      AddBlock(NewListBid(), SubNodeBlock({{0x803F, chain, 0}})))});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("big:120"));
 }
@@ -159,9 +160,9 @@ TEST_F(AttachmentsTest, AContentOfManyPiecesIsJoinedAndALostPieceMakesItShorter)
 TEST_F(AttachmentsTest, AContentThatGoesToDiskIsWhole) {
   std::vector<std::uint32_t> pieces;
   for (int i = 0; i < 20; ++i) pieces.push_back(AddBlock(NewBid(), Bytes(60000)));
-  const std::uint32_t chain = AddBlock(NewBid(), ChainBlock(pieces));
+  const std::uint32_t chain = AddBlock(NewListBid(), ChainBlock(pieces));
   AddMail({Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"huge")},
-                      AddBlock(NewBid(), SubNodeBlock({{0x803F, chain, 0}})))});
+                      AddBlock(NewListBid(), SubNodeBlock({{0x803F, chain, 0}})))});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("huge:1200000"));
 }
@@ -323,20 +324,22 @@ TEST_F(AttachmentsTest, TheLogNamesEachFile) {
 
 TEST_F(AttachmentsTest, APictureOfAContactGoesToTheContactOfAMessageThatIsBothAMailAndAContact) {
   // Two classes that contradict each other: the mail is there for the attachment, the contact takes it.
-  AddMessage({Wide(0x001A, u"IPM.Contact"), Wide(0x001A, u"IPM.Note")},
-             AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0},
-                                              Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"a")},
-                                                         Behind(BytesOf("picture")))})));
+  AddMessage(
+      {Wide(0x001A, u"IPM.Contact"), Wide(0x001A, u"IPM.Note")},
+      AddBlock(NewListBid(), SubNodeBlock({{0x671, 0, 0},
+                                           Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"a")},
+                                                      Behind(BytesOf("picture")))})));
   Recover();
   EXPECT_EQ(Trace("AddPicture").size(), 1u);
   EXPECT_THAT(Attached(), IsEmpty());
 }
 
 TEST_F(AttachmentsTest, AContactThatIsAMailTooIsSavedAgainForAnAttachmentWithoutContent) {
-  AddMessage({Wide(0x001A, u"IPM.Contact"), Wide(0x001A, u"IPM.Note")},
-             AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0},
-                                              Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Value(0x3714, 3, 0)},
-                                                         Behind(BytesOf("nameless")))})));
+  AddMessage(
+      {Wide(0x001A, u"IPM.Contact"), Wide(0x001A, u"IPM.Note")},
+      AddBlock(NewListBid(), SubNodeBlock({{0x671, 0, 0},
+                                           Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Value(0x3714, 3, 0)},
+                                                      Behind(BytesOf("nameless")))})));
   Recover();
   EXPECT_THAT(Trace("AddPicture"), IsEmpty());
   EXPECT_EQ(Trace("Save").size(), 3u) << "the contact twice, the mail once";

@@ -24,7 +24,7 @@ class EmbeddedMessagesTest : public RecoveryTest {
     block.bidData = AddBlock(NewBid(), HeapBlock({TextRecord(0x001A, messageClass), TextRecord(0x0037, subject)}));
     if (attachments.empty()) return block;
     attachments.insert(attachments.begin(), {0x671, 0, 0});
-    block.bidSub = AddBlock(NewBid(), SubNodeBlock(attachments));
+    block.bidSub = AddBlock(NewListBid(), SubNodeBlock(attachments));
     return block;
   }
 
@@ -34,7 +34,7 @@ class EmbeddedMessagesTest : public RecoveryTest {
     std::vector<RecordSpec> records = {TextRecord(0x3001, displayName), Value(0x3701, 0x000D, 0x803F)};
     if (fileName) records.push_back(TextRecord(0x3704, *fileName));
     return {nid, AddBlock(NewBid(), HeapBlock(records)),
-            AddBlock(NewBid(), SubNodeBlock({{0x8044, message.bidData, message.bidSub}}))};
+            AddBlock(NewListBid(), SubNodeBlock({{0x8044, message.bidData, message.bidSub}}))};
   }
 
   void AddNodeOf(Block message) { AddNode(0x200024, message.bidData, message.bidSub, kInbox); }
@@ -112,7 +112,7 @@ TEST_F(EmbeddedMessagesTest, WhereTheListGoesOnTheWayFromSlotToSlotOverwritesThe
   const Block second = Message(u"second");
   const SubNode attachment = {
       0x8025, AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"shown")})),
-      AddBlock(NewBid(), SubNodeBlock({{0x8044, first.bidData, 0}, {0x8064, second.bidData, 0}}))};
+      AddBlock(NewListBid(), SubNodeBlock({{0x8044, first.bidData, 0}, {0x8064, second.bidData, 0}}))};
   AddNodeOf(Message(u"outer", {attachment}));
   Recover();
   EXPECT_THAT(Trace("Put"), Contains(R"({"op":"Put","id":2,"field":"Subject","value":"second"})"));
@@ -123,7 +123,7 @@ TEST_F(EmbeddedMessagesTest, TheThirdEntryOfAListLiesBetweenTwoSlots) {
   const std::uint32_t bids[] = {Message(u"first").bidData, Message(u"second").bidData, Message(u"third").bidData};
   const SubNode attachment = {
       0x8025, AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"shown")})),
-      AddBlock(NewBid(), SubNodeBlock({{0x8044, bids[0], 0}, {0x8064, bids[1], 0}, {0x8084, bids[2], 0}}))};
+      AddBlock(NewListBid(), SubNodeBlock({{0x8044, bids[0], 0}, {0x8064, bids[1], 0}, {0x8084, bids[2], 0}}))};
   AddNodeOf(Message(u"outer", {attachment}));
   Recover();
   EXPECT_THAT(Trace("Put"), Contains(R"({"op":"Put","id":2,"field":"Subject","value":"second"})"));

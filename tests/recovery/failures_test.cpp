@@ -88,7 +88,9 @@ TEST_F(FailuresTest, AFailingBodyKeepsTheAttachmentsAwayAndTheMailIsSaved) {
   Recover();
   EXPECT_THAT(Trace("AddAttachment"), ElementsAre(testing::StartsWith(R"({"op":"AddAttachment","id":2)")));
   EXPECT_EQ(Trace("Save").size(), 2u);
-  EXPECT_EQ(state_.report.lost.size(), 1u);
+  ASSERT_EQ(state_.report.lost.size(), 2u);
+  EXPECT_EQ(state_.report.lost[0].kind, LossKind::kAttachment);
+  EXPECT_EQ(state_.report.lost[1].kind, LossKind::kBody);
 }
 
 TEST_F(FailuresTest, TheBodyOfAFailingMailDoesNotPassToTheNext) {

@@ -18,10 +18,10 @@ TEST_F(HostileStoresTest, MessagesThatHoldOneAnotherManyTimesOverComeToAnEnd) {
   std::uint32_t bidSub = 0;
   for (int level = 0; level < 10; ++level) {
     const std::uint32_t holder = AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"m")}));
-    const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x8044, bidData, bidSub}}));
+    const std::uint32_t list = AddBlock(NewListBid(), SubNodeBlock({{0x8044, bidData, bidSub}}));
     std::vector<SubNode> entries = {{0x671, 0, 0}};
     for (std::uint32_t i = 0; i < 40; ++i) entries.push_back({0x8025 + 32 * i, holder, list});
-    bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+    bidSub = AddBlock(NewListBid(), SubNodeBlock(entries));
     bidData = AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note")}));
   }
   AddNode(0x200024, bidData, bidSub, kInbox);
@@ -33,12 +33,12 @@ TEST_F(HostileStoresTest, MessagesThatHoldOneAnotherManyTimesOverComeToAnEnd) {
 
 TEST_F(HostileStoresTest, AListThatNamesOneBlockInEveryEntryDoesNotFillTheDisk) {
   const std::uint32_t piece = AddBlock(NewBid(), Bytes(60000));
-  const std::uint32_t chain = AddBlock(NewBid(), ChainBlock(std::vector<std::uint32_t>(8000, piece)));
-  const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x803F, chain, 0}}));
+  const std::uint32_t chain = AddBlock(NewListBid(), ChainBlock(std::vector<std::uint32_t>(8000, piece)));
+  const std::uint32_t list = AddBlock(NewListBid(), SubNodeBlock({{0x803F, chain, 0}}));
   const std::uint32_t file = AddBlock(NewBid(), HeapBlock({Value(0x3701, 0x102, 0x803F), Wide(0x3704, u"a")}));
   std::vector<SubNode> entries = {{0x671, 0, 0}};
   for (std::uint32_t i = 0; i < 500; ++i) entries.push_back({0x8025 + 32 * i, file, list});
-  const std::uint32_t bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+  const std::uint32_t bidSub = AddBlock(NewListBid(), SubNodeBlock(entries));
   AddMessage({Wide(0x001A, u"IPM.Note")}, bidSub);
   Recover();
   std::uint64_t total = 0;
@@ -50,7 +50,7 @@ TEST_F(HostileStoresTest, AListThatNamesOneBlockInEveryEntryDoesNotFillTheDisk) 
 TEST_F(HostileStoresTest, MessagesThatShareOneListOfLostAttachmentsAreNotListedWithoutEnd) {
   std::vector<SubNode> entries = {{0x671, 0, 0}};
   for (std::uint32_t i = 0; i < 500; ++i) entries.push_back({0x8025 + 32 * i, 0x7777, 0});
-  const std::uint32_t bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+  const std::uint32_t bidSub = AddBlock(NewListBid(), SubNodeBlock(entries));
   const std::uint32_t message = AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note")}));
   for (std::uint32_t i = 0; i < 300; ++i) AddNode(0x300004 + 32 * i, message, bidSub, kInbox);
   Recover();
@@ -115,7 +115,7 @@ TEST_F(HostileStoresTest, AMessageIsReadThoughItsListOfSubNodesIsLong) {
   AddMessage(records);  // takes all that is not each node's own
   std::vector<SubNode> entries = {{0x671, 0, 0}};
   for (std::uint32_t i = 0; i < 2000; ++i) entries.push_back({0x8025 + 32 * i, 0x7777, 0});
-  AddMessage({Wide(0x001A, u"IPM.Note")}, AddBlock(NewBid(), SubNodeBlock(entries)));
+  AddMessage({Wide(0x001A, u"IPM.Note")}, AddBlock(NewListBid(), SubNodeBlock(entries)));
   Recover();
   EXPECT_EQ(Trace("AddItem").size(), 2u);
   EXPECT_EQ(state_.report.lost.size(), 2000u);
@@ -135,10 +135,10 @@ TEST_F(HostileStoresTest, TheTextsOfMessagesInOneMessageStayInProportionToTheSto
   const std::uint32_t inner =
       AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note"), Wide(0x0037, std::u16string(25000, u's'))}));
   const std::uint32_t holder = AddBlock(NewBid(), HeapBlock({Wide(0x3001, std::u16string(25000, u'n'))}));
-  const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x8044, inner, 0}}));
+  const std::uint32_t list = AddBlock(NewListBid(), SubNodeBlock({{0x8044, inner, 0}}));
   std::vector<SubNode> entries = {{0x671, 0, 0}};
   for (std::uint32_t i = 0; i < 1000; ++i) entries.push_back({0x8025 + 32 * i, holder, list});
-  const std::uint32_t bidSub = AddBlock(NewBid(), SubNodeBlock(entries));
+  const std::uint32_t bidSub = AddBlock(NewListBid(), SubNodeBlock(entries));
   AddMessage({Wide(0x001A, u"IPM.Note")}, bidSub);
   Recover();
   std::size_t length = 0;
@@ -154,8 +154,8 @@ TEST_F(HostileStoresTest, MessagesThatHoldOneAnotherInALongChainEndWhereNobodyWo
   std::uint32_t bidSub = 0;
   const std::uint32_t holder = AddBlock(NewBid(), HeapBlock({Wide(0x3001, u"m")}));
   for (int level = 0; level < 200; ++level) {
-    const std::uint32_t list = AddBlock(NewBid(), SubNodeBlock({{0x8044, bidData, bidSub}}));
-    bidSub = AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0}, {0x8025, holder, list}}));
+    const std::uint32_t list = AddBlock(NewListBid(), SubNodeBlock({{0x8044, bidData, bidSub}}));
+    bidSub = AddBlock(NewListBid(), SubNodeBlock({{0x671, 0, 0}, {0x8025, holder, list}}));
   }
   AddNode(0x200024, bidData, bidSub, kInbox);
   Recover();

@@ -21,7 +21,7 @@ class MessageBodiesTest : public RecoveryTest {
   /// A mail with these records behind its class.
   void AddMail(std::vector<RecordSpec> bodies, const std::vector<SubNode>& subNodes = {}) {
     bodies.insert(bodies.begin(), TextRecord(0x001A, u"IPM.Note"));
-    const std::uint32_t bidSub = subNodes.empty() ? 0 : AddBlock(NewBid(), SubNodeBlock(subNodes));
+    const std::uint32_t bidSub = subNodes.empty() ? 0 : AddBlock(NewListBid(), SubNodeBlock(subNodes));
     AddMessage(std::move(bodies), bidSub);
   }
 
@@ -101,8 +101,9 @@ TEST_F(MessageBodiesTest, AnInLineBodyOutOfBoundsKeepsTheAttachmentsAway) {
   EXPECT_THAT(Bodies(), IsEmpty());
   EXPECT_THAT(Trace("AddAttachment"), IsEmpty());
   EXPECT_EQ(Trace("Save").size(), 1u);
-  ASSERT_EQ(state_.report.lost.size(), 1u);
+  ASSERT_EQ(state_.report.lost.size(), 2u);
   EXPECT_EQ(state_.report.lost[0].nid, 0x8025u);
+  EXPECT_EQ(state_.report.lost[1].reason, u"body: none is read of plain text of unknown size");
 }
 
 TEST_F(MessageBodiesTest, OutOfLineTheHtmlBodyIsTriedFirst) {
@@ -179,7 +180,7 @@ TEST_F(MessageBodiesTest, ABodyOfThePackedFormatThatIsNoStreamIsTakenAsItWasRead
 TEST_F(MessageBodiesTest, ABodyOfManyBlocksIsReadPieceByPiece) {
   const std::uint32_t one = AddBlock(NewBid(), BytesOf(u"one "));
   const std::uint32_t two = AddBlock(NewBid(), BytesOf(u"two"));
-  AddMail({Value(0x1000, 0x1F, kPlainNid)}, {{kPlainNid, AddBlock(NewBid(), ChainBlock({one, two})), 0}});
+  AddMail({Value(0x1000, 0x1F, kPlainNid)}, {{kPlainNid, AddBlock(NewListBid(), ChainBlock({one, two})), 0}});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("Body=one two"));
 }

@@ -44,6 +44,18 @@ class RecordingConverter : public ItemConverter {
     seen_.emplace_back(kind_, record.id);
     if (hook_) hook_(scope, record);
   }
+  std::optional<output::Field> FieldOf(const ConversionScope&, const PropertyRecord& record) const override {
+    switch (record.id) {
+      case 0x0042:
+        return output::Field::SenderName;
+      case 0x0E04:
+        return output::Field::To;
+      case 0x0E06:
+        return output::Field::ReceivedTime;
+      default:
+        return std::nullopt;
+    }
+  }
 
  private:
   ItemKind kind_;
@@ -95,6 +107,11 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
     return bid;
   }
 
+  /// Where AddBlock put a block, in digits.
+  std::string OffsetOf(std::uint32_t bid) const {
+    return std::to_string(std::ranges::find(index_, bid, &engine::BlockRecord::bid)->offset);
+  }
+
   static Bytes Packed(const Bytes& bytes) {
     uLongf size = compressBound(bytes.size());
     Bytes packed(size);
@@ -129,11 +146,18 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
     return block;
   }
 
-  Bytes ChainBlock(const std::vector<std::uint32_t>& pieces) const {
+  /// A list of blocks with the sum of their sizes, or with `total`. Lists have ids of their own: NewListBid.
+  Bytes ChainBlock(const std::vector<std::uint32_t>& pieces, std::optional<std::uint32_t> total = {},
+                   std::uint16_t signature = 0x0101) const {
+    std::uint32_t sum = 0;
+    for (const std::uint32_t bid : pieces) {
+      const auto piece = std::ranges::find(index_, bid, &engine::BlockRecord::bid);
+      if (piece != index_.end()) sum += piece->size;
+    }
     Bytes block;
-    AppendNumber<std::uint16_t>(block, 0x0101);
+    AppendNumber<std::uint16_t>(block, signature);
     AppendNumber(block, static_cast<std::uint16_t>(pieces.size()));
-    block.resize(8);
+    AppendNumber<std::uint32_t>(block, total.value_or(sum));
     for (const std::uint32_t bid : pieces) AppendId(block, bid);
     return block;
   }
@@ -144,6 +168,7 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
   }
 
   std::uint32_t NewBid() { return nextBid_ += 4; }
+  std::uint32_t NewListBid() { return NewBid() | 2; }
 
   /// A folder with its node. An empty class leaves the property out.
   void AddFolder(std::uint32_t nid, std::uint32_t nidParent, std::u16string_view name,

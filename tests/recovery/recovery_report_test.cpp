@@ -81,7 +81,7 @@ TEST_F(RecoveryReportTest, AnOrphanThatIsNoMessageIsCountedAndTheElementThatEnds
 
 TEST_F(RecoveryReportTest, AnAttachmentWhoseBlockIsGoneIsLost) {
   AddMessage({Wide(0x001A, u"IPM.Note")},
-             AddBlock(NewBid(), SubNodeBlock({{0x671, 0, 0}, {0x692, 0x7777, 0}, {0x8025, 0x7777, 0}})));
+             AddBlock(NewListBid(), SubNodeBlock({{0x671, 0, 0}, {0x692, 0x7777, 0}, {0x8025, 0x7777, 0}})));
   Recover();
   ASSERT_EQ(state_.report.lost.size(), 1u);
   EXPECT_EQ(state_.report.lost[0].nid, 0x8025u);

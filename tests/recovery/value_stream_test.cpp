@@ -20,7 +20,7 @@ class ValueStreamTest : public RecoveryTest {
     Settle();
     chain_ = {};
     const auto record = *engine::BlockReader(engine_).FindBlock(bid);
-    return BuildBlockChainAt(engine_, record.offset, record.size, allowance_, chain_);
+    return BuildBlockChainAt(engine_, record, allowance_, chain_);
   }
   text::Text ReadText(std::uint16_t kind) {
     return ReadStreamAsText(engine_, chain_, kind, *state_.codePage, allowance_);

@@ -57,6 +57,23 @@ void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recove
   }
 }
 
+std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionScope& scope,
+                                                    const recovery::PropertyRecord& record) const {
+  const std::uint32_t id = LongIdOf(scope, record.id);
+  switch (record.type) {
+    case kTypeBoolean:
+    case kTypeLong:
+    case kTypeShort:
+      return FindFlag(tables_, record.type, id);
+    default:
+      break;
+  }
+  const FieldRow* row = FindField(tables_, id);
+  const bool isTaken =
+      row != nullptr && (row->sort != FieldSort::kOstText || scope.storeKind == engine::StoreKind::kOst);
+  return isTaken ? std::optional(row->field) : std::nullopt;
+}
+
 void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,
                               const output::Ref<output::RDOMail>& item) const {
   const std::optional<output::Field> field = FindFlag(tables_, record.type, LongIdOf(scope, record.id));

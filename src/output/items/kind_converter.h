@@ -16,6 +16,8 @@ class KindConverter : public recovery::ItemConverter {
 
   void ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                      const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
+  std::optional<output::Field> FieldOf(const recovery::ConversionScope& scope,
+                                       const recovery::PropertyRecord& record) const override;
 
  private:
   void ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,

@@ -161,4 +161,20 @@ void MailConverter::ApplyProperty(recovery::ConversionScope& scope, const recove
   MailRecord(scope, block, record, item).Apply();
 }
 
+std::optional<Field> MailConverter::FieldOf(const recovery::ConversionScope& scope,
+                                            const recovery::PropertyRecord& record) const {
+  // clang-format off
+  switch (LongIdOf(scope, record.id)) {
+    case 0x0042: return Field::SenderName;
+    case 0x0E04: return Field::To;
+    case 0x0E03: return Field::CC;
+    case 0x0E06: return Field::ReceivedTime;
+    case 0x0039: return Field::SentOn;
+    case 0x8012: return Field::Categories;
+    case 0x8105: return Field::FlagDueBy;
+    default: return std::nullopt;
+  }
+  // clang-format on
+}
+
 }  // namespace velmora::items

@@ -1,0 +1,47 @@
+// Why a block gave nothing, told where it happens and carried to the report unchanged.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/block_index.h"
+#include "text/text.h"
+
+namespace velmora::recovery {
+
+/// Bit 1 of an id marks the blocks that name other blocks: lists of a value's pieces, lists of sub-nodes. It only
+/// serves the report: what a block is, its first bytes tell.
+constexpr bool IsInternalBid(std::uint32_t bid) { return (bid & 2) != 0; }
+
+struct BlockFault {
+  enum class Cause {
+    kNotFound,     ///< no record of that id
+    kNotRead,      ///< the system could not read it
+    kCutOff,       ///< it lies beyond the end of the source, or its end does
+    kNotInflated,  ///< stored as a packed stream, it seems, but it is none
+    kList,         ///< a list of blocks: of a heap in several blocks not even the first is read
+    kSignature,    ///< not the signature of what was looked for
+    kBrokenHeap,   ///< the signature is right; the heap or the tree in it is not
+    kTooMuch,      ///< not read: the store claims more than it can hold
+  };
+
+  Cause cause = Cause::kNotFound;
+  std::uint32_t bid = 0;
+  std::uint64_t offset = 0;     ///< in the source; means nothing of a block that was not found
+  std::uint16_t signature = 0;  ///< the word found where one was looked for
+
+  static BlockFault NotFound(std::uint32_t bid) { return {.cause = Cause::kNotFound, .bid = bid}; }
+  static BlockFault Of(Cause cause, const engine::BlockRecord& record, std::uint16_t signature = 0) {
+    return {cause, record.bid, record.offset, signature};
+  }
+
+  friend bool operator==(const BlockFault&, const BlockFault&) = default;
+};
+
+/// In plain words: "its data block 0x1184 at offset 24000 could not be read".
+text::Text TextOf(const BlockFault& fault);
+
+/// A number as people write it in this trade: "0x1184".
+text::Text HexOf(std::uint64_t number);
+text::Text DecimalOf(std::uint64_t number);
+
+}  // namespace velmora::recovery

@@ -1,0 +1,59 @@
+#include "recovery/folder_losses.h"
+
+#include "recovery/lost_items.h"
+#include "recovery/property_ids.h"
+
+namespace velmora::recovery {
+
+void UnreadFolders::Note(const engine::NodeRecord& node, const FolderFault& fault) {
+  const bool isFolder = (node.nid & kNidTypeMask) == kNidTypeFolder && node.nid != kRootFolderNid;
+  const bool hasPlace = node.nidParent != 0 && node.nidParent != kRootFolderNid && node.nidParent != node.nid;
+  if (isFolder && hasPlace && !node.upperPage) unread_.try_emplace(node.nid, Unread{node.bidData, fault});
+}
+
+void UnreadFolders::Report(RecoveryState& state, const FolderCollector& folders) const {
+  for (const auto& [nid, unread] : unread_) {
+    if (folders.Contains(nid)) continue;
+    const text::Text why = unread.fault.block ? TextOf(*unread.fault.block) : text::Text(unread.fault.reason);
+    ReportLoss(state, {LossKind::kFolder, nid, unread.bidData, {}, u"folder: " + why});
+  }
+}
+
+void FolderLosses::ReportMoved() {
+  for (const FolderRecord& folder : state_.folders.Records()) {
+    const bool atTopByRule = folder.parentNid == kRootFolderNid || folder.parentNid == state_.topFolderNid ||
+                             folder.nid == state_.topFolderNid || leftOut_.contains(folder.parentNid);
+    if (atTopByRule || state_.folders.Find(folder.parentNid) != nullptr) continue;
+    Tell(folder, u"its parent " + HexOf(folder.parentNid) + u" is no folder that could be read: it stands at the top");
+  }
+}
+
+void FolderLosses::NoteThere(const FolderRecord& folder, std::size_t pathKey) {
+  const auto [place, isFirst] = ofPath_.try_emplace(pathKey, First{folder.nid, folder.parentNid});
+  const First other = place->second;
+  const bool split = folder.name.find(u'\\') != text::Text::npos;
+  // Below two folders of the root: the subtrees of mailbox and public folders are one by rule.
+  const bool ofTwoRoots =
+      other.parentNid != folder.parentNid && leftOut_.contains(other.parentNid) && leftOut_.contains(folder.parentNid);
+  if (!isFirst && !ofTwoRoots) Tell(folder, u"merged with folder " + HexOf(other.nid) + u", which has the same path");
+  if (isFirst && split) Tell(folder, u"the backslash in its name put it below another folder");
+}
+
+void FolderLosses::ReportNotMade(const FolderRecord& folder) {
+  if (folder.nid == state_.topFolderNid) return;  // the new store has a top of its own
+  const bool split = folder.name.find(u'\\') != text::Text::npos;
+  Tell(folder, split ? u"not made: the backslash in its name leads to a folder that is not there"
+                     : u"not made: it has no parent in the new store, or no name that a folder can have");
+}
+
+/// Other nodes may have a name too, and become folders by it: nobody would miss those.
+void FolderLosses::Tell(const FolderRecord& folder, text::TextView reason) {
+  if ((folder.nid & kNidTypeMask) != kNidTypeFolder) return;
+  ReportLoss(state_, {LossKind::kFolder,
+                      folder.nid,
+                      0,
+                      {},
+                      u"folder \"" + ToldText(state_, folder.name) + u"\": " + text::Text(reason)});
+}
+
+}  // namespace velmora::recovery
