@@ -98,14 +98,14 @@ std::size_t ValueBytesOf(const PropertyBag& row) {
 }
 
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
-  constexpr std::uint64_t kObject = 1024;  // or a table without rows
+  constexpr std::uint64_t kObject = 512;  // or a table without rows
   if (part == &Folder::itemsChanged) {
     return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.rowBytes);
   }
   if (part == &Folder::childrenChanged) {
-    constexpr std::uint64_t kRow = 96;
-    return kObject + folder.children.size() * kRow + folder.childTextBytes + folder.childTextBytes / 8;
+    return kObject + folder.children.size() * ChildBytes(0) + ChildBytes(folder.childTextBytes);
   }
+  // The object goes with a table of hidden items when it is new.
   return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
 }
 

@@ -17,9 +17,10 @@ std::size_t ValueBytesOf(const PropertyBag& row);
 /// Bytes that the part of a folder behind one of its marks (propertiesChanged, ...) takes in the file at most.
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part);
 
-/// The same of the row of an item with so many bytes of values. A heap leaves the rest of a block empty that is too
-/// short for the next value.
+/// The same of the row of an item with so many bytes of values, and of that of a child folder with so many of texts.
+/// A heap leaves the rest of a block empty that is too short for the next value.
 constexpr std::uint64_t ItemBytes(std::uint64_t values) { return 160 + values + values / 8; }
+constexpr std::uint64_t ChildBytes(std::uint64_t texts) { return 96 + texts + texts / 8; }
 
 /// Nodes of a folder: its object and its tables.
 inline constexpr std::size_t kFolderNodes = 4;

@@ -30,7 +30,7 @@ constexpr std::uint64_t kSmallestGrowth = 32 << 20;
 constexpr std::uint64_t kOtherObjects = 4096;
 
 // A folder without items, and its row in its parent's table, with the longest name and class.
-constexpr std::uint64_t kNewFolderBytes = 8192;
+constexpr std::uint64_t kNewFolderBytes = 5120;
 
 bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode::STG_E_MEDIUMFULL; }
 
@@ -145,11 +145,16 @@ void StoreWriter::WriteChanges() {
 void StoreWriter::CommitNowAndThen() {
   ++changes_;
   if (changes_ < changesToCommit_ && ndb_->FileSize() < sizeToCommit_) return;
-  WriteChanges();
-  WrittenOrRaise(ndb_->Commit());
-  changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
-  sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
-  Reserve(0);
+  try {
+    WriteChanges();
+    WrittenOrRaise(ndb_->Commit());
+    changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
+    sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
+    Reserve(0);
+  } catch (const OutputFailure& failure) {
+    // The change itself is made, and Seal may still have its room; the next change meets the full disk.
+    if (!IsFull(failure)) throw;
+  }
 }
 
 Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
@@ -166,7 +171,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextVi
       MarkChanged(folder, what);
     }
     MarkChanged(parent, &Folder::propertiesChanged);
-    bytesToWrite_ += kNewFolderBytes;
+    bytesToWrite_ += ChildBytes((folder.name.size() + folder.containerClass.size()) * sizeof(char16_t));
     nodesToAdd_ += kFolderNodes;
     CommitNowAndThen();
     return folder;
