@@ -31,6 +31,7 @@ class ItemRecovery {
       if (CountsItems() || progress <= kLastPercent) Report(progress);
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
       ReportNode(state_, node.nid, node.bidData, outcome);
+      ++state_.report.nodesDone;
       ++counter_;
     }
   }
@@ -48,7 +49,10 @@ class ItemRecovery {
       const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
-      if (isElement) ReportNode(state_, 0, orphan.bidData, outcome);
+      if (isElement) {
+        ReportNode(state_, 0, orphan.bidData, outcome);
+        ++state_.report.nodesDone;
+      }
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;

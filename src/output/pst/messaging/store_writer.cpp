@@ -134,7 +134,7 @@ void StoreWriter::WriteChanges() {
   for (Folder* folder : changedFolders_) {
     PropertyBag extra;
     if (folder == root_) defaults_.PutIntoRoot(identity_.recordKey, extra);
-    WrittenOrRaise(WriteFolder(*ndb_, rows_, extra, *folder));
+    WrittenOrRaise(WriteFolder(*ndb_, rows_, extra, options_.maxTableBlocks, *folder));
     folder->isListed = false;
   }
   changedFolders_.clear();
@@ -265,6 +265,15 @@ Attachment StoreWriter::Attach(const ItemState& item, const std::vector<Attachme
     const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
     return AttachMessage(*ndb_, message.node, name);
   });
+}
+
+std::vector<output::FullTable> StoreWriter::FullTables() const {
+  std::vector<output::FullTable> full;
+  folders_.ForEach([&full](const Folder& folder) {
+    const std::size_t leftOut = folder.itemCellsLeftOut + folder.childCellsLeftOut;
+    if (leftOut != 0) full.push_back({folder.name, leftOut});
+  });
+  return full;
 }
 
 void StoreWriter::Seal() {
