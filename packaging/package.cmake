@@ -17,6 +17,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 
 set(CPACK_COMPONENTS_ALL convert)
 set(CPACK_DEBIAN_CONVERT_PACKAGE_NAME velmora-convert)
+set(CPACK_DEBIAN_CONVERT_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/scripts/postrm)
 set(CPACK_COMPONENT_CONVERT_DESCRIPTION "convert Outlook stores to new .pst files
 Reads an offline store (.ost) or a personal store (.pst) of Outlook, sound or
 damaged, and writes the folders and items that it finds to a new .pst.
@@ -26,6 +27,7 @@ This package holds the command line program velmora-convert.")
 if(VELMORA_WIZARD)
   list(APPEND CPACK_COMPONENTS_ALL wizard)
   set(CPACK_DEBIAN_WIZARD_PACKAGE_NAME velmora)
+  set(CPACK_DEBIAN_WIZARD_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/scripts/postrm)
   # Folders, the user guide and web pages are opened by what the desktop has for them.
   set(CPACK_DEBIAN_WIZARD_PACKAGE_DEPENDS xdg-utils)
   set(CPACK_DEBIAN_WIZARD_PACKAGE_RECOMMENDS velmora-convert)

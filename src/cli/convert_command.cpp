@@ -109,10 +109,12 @@ class Conversion {
       console_.Say(fmt::format("velmora-convert: {}: {}", failure.object, failure.message));
       written = false;
     };
-    if (console_.IsDone() && !options_.quiet) {
-      const std::string result =
-          ResultText(options_.dryRun ? text::Text() : state_.destinationPath, state_.convertedName, contents_) +
-          LossText(outLook_.Report().recovery, options_.report);
+    const auto& left = outLook_.Report().left;
+    if ((console_.IsDone() || left) && !options_.quiet) {
+      const std::string result = (left ? ContentsText(state_.convertedName, left->contents)
+                                       : ResultText(options_.dryRun ? text::Text() : state_.destinationPath,
+                                                    state_.convertedName, contents_)) +
+                                 LossText(outLook_.Report().recovery, options_.report);
       const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
       if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
     }
@@ -133,7 +135,7 @@ class Conversion {
 
   void CountFolders() {
     if (state_.run.runAborted || !outLook_.Session() || state_.logPath.empty()) return;
-    contents_ = CountStore(*outLook_.Session(), state_.convertedName, state_.logPath);
+    contents_ = conversion::CountStore(*outLook_.Session(), state_.convertedName, state_.logPath);
   }
 
   const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
@@ -144,7 +146,7 @@ class Conversion {
   conversion::RunState state_;
   conversion::COutLook outLook_;
   text::Text refusal_;
-  StoreContents contents_;
+  conversion::StoreContents contents_;
 };
 
 }  // namespace

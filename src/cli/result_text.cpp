@@ -32,17 +32,6 @@ constexpr LossName kLossNames[] = {
 
 }  // namespace
 
-StoreContents CountStore(output::RDOSession& session, text::TextView storeName, text::TextView logPath) {
-  StoreContents contents;
-  try {
-    contents.folders = conversion::FoldersOf(session, storeName);
-    contents.counts = conversion::WriteSummary(session, contents.folders, logPath, contents.totals);
-  } catch (const output::OutputFailure&) {
-    return {};
-  }
-  return contents;
-}
-
 std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath) {
   if (report.lost.empty() && report.lostUntold == 0) return {};
   std::map<LossKind, std::uint64_t> counts;
@@ -62,11 +51,8 @@ std::string LossText(const recovery::RecoveryReport& report, std::string_view re
   return fmt::format("\nLost or not whole: {}.\n{}\n", named, how);
 }
 
-std::string ResultText(text::TextView destination, text::TextView storeName, const StoreContents& contents) {
-  std::string text = "OST file conversion completed.\n";
-  text += destination.empty() ? std::string("Dry run: no store was written.")
-                              : "Recovered at: " + text::ToUtf8(destination);
-  text += "\n\n";
+std::string ContentsText(text::TextView storeName, const conversion::StoreContents& contents) {
+  std::string text;
   const std::size_t root = 2 + storeName.size() + 1;  // two backslashes, the store's name, a backslash
   for (std::size_t i = 0; i < contents.folders.size(); ++i) {
     text += fmt::format("{:>10}  {}\n", contents.counts[i].value_or(0),
@@ -74,6 +60,14 @@ std::string ResultText(text::TextView destination, text::TextView storeName, con
   }
   text += fmt::format("{:>10}  items in {} folders\n", contents.totals.total, contents.folders.size());
   return text;
+}
+
+std::string ResultText(text::TextView destination, text::TextView storeName,
+                       const conversion::StoreContents& contents) {
+  std::string text = "OST file conversion completed.\n";
+  text += destination.empty() ? std::string("Dry run: no store was written.")
+                              : "Recovered at: " + text::ToUtf8(destination);
+  return text + "\n\n" + ContentsText(storeName, contents);
 }
 
 }  // namespace velmora::cli

@@ -39,9 +39,10 @@ conversion::RunOutput RunTargets::MakeOutput() {
   options.codePage = codePage_;
   auto store = std::make_shared<messaging::PstLibrary>(std::move(options));
   const auto seal = [store] { return store->Seal(); };
-  if (trace_ == nullptr) return {store, seal};
+  const auto fullTables = [store] { return store->FullTables(); };
+  if (trace_ == nullptr) return {store, seal, fullTables};
   return {std::make_shared<output::Tee>(std::vector<std::shared_ptr<output::OutputLibrary>>{store, std::move(trace)}),
-          seal};
+          seal, fullTables};
 }
 
 text::Text RunTargets::TemporaryFolder() const {

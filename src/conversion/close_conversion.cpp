@@ -27,6 +27,12 @@ void DeleteIndexFile(const std::filesystem::path& outputFolder) {
   }
 }
 
+void ReportFullTable(recovery::RecoveryReport& report, const output::FullTable& table) {
+  report.lost.push_back({recovery::LossKind::kRow, 0, 0, {},
+                         u"the table of the folder \"" + table.folder + u"\" is full: values missing in the list of its items, " +
+                             u"though not in the items: " + text::FromUtf8(std::to_string(table.valuesLeftOut))});
+}
+
 }  // namespace
 
 void COutLook::CloseConversion() {
@@ -75,6 +81,21 @@ void COutLook::SealOutput() {
   const RunOutput output = std::exchange(output_, {});
   if (!output.seal) return;
   if (const auto sealed = output.seal(); !sealed) sealFailure_ = sealed.error();
+  if (output.fullTables) {
+    for (const output::FullTable& table : output.fullTables()) ReportFullTable(report_.recovery, table);
+  }
+  if (sealFailure_ || storeFailed_) LookAtWhatIsLeft(*output.library);
+}
+
+void COutLook::LookAtWhatIsLeft(output::OutputLibrary& library) {
+  report_.left = ReadLeftStore(library, state_.destinationPath, state_.convertedName, state_.logPath);
+  recovery::RecoveryReport& recovery = report_.recovery;
+  recovery.items = report_.left->items;
+  recovery.attachments = report_.left->attachments.files;
+  recovery.embedded = report_.left->attachments.messages;
+  recovery.lost.push_back({recovery::LossKind::kRun, 0, 0, {},
+                           u"the new store could not be written any further; nodes and orphaned blocks worked through: " +
+                               text::FromUtf8(std::to_string(recovery.nodesDone))});
 }
 
 void COutLook::DropRun() {

@@ -18,6 +18,7 @@ void COutLook::OpenSource(const text::Text& path) {
   report_ = {};
   recovery_ = {};
   sealFailure_.reset();
+  storeFailed_ = false;
   logText_ = path;
   CloseSourceAndLog();
   if (logEnabled) {
@@ -70,6 +71,7 @@ void COutLook::NoteEarlyEnd(const std::exception& failure) {
 
 void COutLook::ReportStoreFailure(bool full, const std::string& cause) {
   report_.failure = cause;
+  storeFailed_ = true;
   state_.run.ShowError(text::Text(full ? kDiskFull : kStoreNotWritten) + state_.destinationPath);
   state_.run.runAborted = true;
 }

@@ -81,6 +81,7 @@ class COutLook {
   void CloseSourceAndLog();
   void CompleteReport();
   void SealOutput();
+  void LookAtWhatIsLeft(output::OutputLibrary& library);
   void ReleaseSession();
   void ReleaseStore();
 
@@ -88,6 +89,7 @@ class COutLook {
   OutputFactory makeOutput_;
   RunOutput output_;
   std::optional<platform::Failure> sealFailure_;
+  bool storeFailed_ = false;  ///< in this run, before it was sealed
 
   output::Ref<output::MAPIUtils> utils_;
   output::Ref<output::ProfileList> profiles_;

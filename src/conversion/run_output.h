@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "output/operations.h"
 #include "platform/failure.h"
@@ -16,6 +17,9 @@ struct RunOutput {
   /// Completes on disk what the library's stores hold. Asked once, just before the session is released; its
   /// objects can only be read from then on. Empty where there is nothing to seal.
   std::function<platform::Result<void>()> seal;
+
+  /// The tables of what was sealed that have no room for all of their values. Empty where there is nothing to seal.
+  std::function<std::vector<output::FullTable>()> fullTables = {};
 };
 
 /// Gives the output library of the next run; the set-up of each run asks once.

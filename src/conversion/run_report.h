@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "conversion/left_store.h"
 #include "engine/engine_state.h"
 #include "recovery/recovery_report.h"
 
@@ -18,6 +19,8 @@ struct RunReport {
   std::uint32_t orphanBlockCount = 0;
   engine::BlockEncoding blockEncoding = engine::BlockEncoding::kNone;
   recovery::RecoveryReport recovery;
+  /// What the new store holds where it could not be written to the end; the counts of `recovery` are of it then.
+  std::optional<LeftStore> left;
   std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed
   std::string failure;                           ///< why the run failed, for people who look after it; may be empty
 };

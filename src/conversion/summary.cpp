@@ -117,4 +117,15 @@ std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& sessio
   return counts;
 }
 
+StoreContents CountStore(output::RDOSession& session, text::TextView storeName, text::TextView logPath) {
+  StoreContents contents;
+  try {
+    contents.folders = FoldersOf(session, storeName);
+    contents.counts = WriteSummary(session, contents.folders, logPath, contents.totals);
+  } catch (const output::OutputFailure&) {
+    return {};
+  }
+  return contents;
+}
+
 }  // namespace velmora::conversion

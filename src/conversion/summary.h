@@ -45,4 +45,14 @@ std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& sessio
                                                       const std::vector<SummaryFolder>& folders, text::TextView logPath,
                                                       FolderCounters& counters);
 
+struct StoreContents {
+  std::vector<SummaryFolder> folders;
+  std::vector<std::optional<std::int32_t>> counts;  ///< one a folder
+  FolderCounters totals;
+};
+
+/// Counts the folders of the session's store and appends the summary to the log at `logPath`, if that file
+/// exists. A store that does not answer holds nothing.
+StoreContents CountStore(output::RDOSession& session, text::TextView storeName, text::TextView logPath);
+
 }  // namespace velmora::conversion

@@ -344,6 +344,12 @@ class RDOMessageBase {
   virtual void Save() = 0;
 };
 
+/// Attachments of an item and of all messages within it.
+struct AttachmentTotals {
+  std::uint64_t files = 0;
+  std::uint64_t messages = 0;
+};
+
 class RDOMail : public RDOMessageBase {
  public:
   /// Writes a field. The value's alternative must be that of the field's type (E_INVALIDARG otherwise), and
@@ -372,6 +378,9 @@ class RDOMail : public RDOMessageBase {
   virtual text::Text MessageClass() const = 0;
   virtual std::int32_t Size() const = 0;             ///< message size in bytes
   virtual std::int32_t AttachmentCount() const = 0;
+
+  /// Of an item that is in its store; nothing where the library keeps no items.
+  virtual AttachmentTotals SavedAttachments() const { return {}; }
 };
 
 /// Interface query on an item: the item itself, or null where it does not answer to the interface.
@@ -474,6 +483,12 @@ class MAPIUtils {
  public:
   virtual ~MAPIUtils() = default;
   virtual text::Text CurrentProfileName() = 0;
+};
+
+/// A table of a folder that has no room for all of its values: rows are there, but some show less than the items hold.
+struct FullTable {
+  text::Text folder;  ///< name
+  std::uint64_t valuesLeftOut = 0;
 };
 
 /// Makes the three creatable classes. A class that is not available gives a null reference. Closing: when

@@ -38,6 +38,7 @@ class ItemRecovery {
         state_.report.lostUntold = untold;
       }
       ReportNode(state_, node, outcome);
+      ++state_.report.nodesDone;
       ++counter_;
     }
   }
@@ -55,7 +56,10 @@ class ItemRecovery {
       const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
-      if (isElement) ReportNode(state_, {.bidData = orphan.bidData, .bidSub = orphan.bidSub}, outcome);
+      if (isElement) {
+        ReportNode(state_, {.bidData = orphan.bidData, .bidSub = orphan.bidSub}, outcome);
+        ++state_.report.nodesDone;
+      }
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;

@@ -55,6 +55,7 @@ struct RecoveryReport {
   std::map<text::Text, std::uint64_t> items;  ///< created, by the class text handed to the output library
   std::uint64_t attachments = 0;              ///< contents attached
   std::uint64_t embedded = 0;                 ///< messages attached to their parents
+  std::uint64_t nodesDone = 0;                ///< nodes and orphaned blocks that were worked through
   std::map<SkipReason, std::uint64_t> skipped;
   std::vector<LostObject> lost;
   std::uint64_t lostUntold = 0;  ///< how many more are lost, where the list would grow out of proportion to the store

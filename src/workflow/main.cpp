@@ -1,7 +1,12 @@
-// velmora: the wizard. No command line is read.
+// velmora: the wizard. The command line says nothing about a conversion.
 #include <QApplication>
 
+#include <algorithm>
+#include <string>
+#include <string_view>
+
 #include "platform/file_version.h"
+#include "platform/terminal.h"
 #include "workflow/application.h"
 
 namespace {
@@ -11,9 +16,32 @@ namespace {
     .fileVersionHigh = VELMORA_VERSION_MAJOR << 16 | VELMORA_VERSION_MINOR,
     .fileVersionLow = VELMORA_VERSION_PATCH << 16};
 
+const std::string kVersionText = "velmora " + std::to_string(VELMORA_VERSION_MAJOR) + "." +
+                                 std::to_string(VELMORA_VERSION_MINOR) + "." +
+                                 std::to_string(VELMORA_VERSION_PATCH) + "\n";
+
+const std::string kHelpText =
+    "Usage: velmora [--help | --version]\n"
+    "\n"
+    "Opens the wizard that converts a store of Outlook (.ost or .pst), sound or damaged, to a new .pst. Its\n"
+    "steps ask for everything. velmora-convert does the same without windows.\n"
+    "\n"
+    "  --help     show this text\n"
+    "  --version  show the version\n";
+
+/// The answer to a question that needs no window; null where none was asked.
+const std::string* AnswerTo(int argc, char** argv) {
+  const auto asks = [&](std::string_view word) { return std::find(argv, argv + argc, word) != argv + argc; };
+  if (asks("--help")) return &kHelpText;
+  return asks("--version") ? &kVersionText : nullptr;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (const std::string* answer = AnswerTo(argc, argv)) {
+    return velmora::platform::WriteTo(velmora::platform::StandardStream::kOutput, *answer) ? 0 : 1;
+  }
   // Between whole factors of scale a display keeps its dots per inch, so the pages have the size of its class.
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
   // The first word is the program's name; the others are not for Qt either.

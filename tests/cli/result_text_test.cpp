@@ -9,6 +9,9 @@
 namespace velmora::cli {
 namespace {
 
+using conversion::CountStore;
+using conversion::StoreContents;
+
 TEST(ResultText, SaysWhereTheStoreIsAndWhatItHolds) {
   NoTrace sink;
   output::TraceLibrary library(sink);

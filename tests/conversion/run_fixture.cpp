@@ -112,10 +112,12 @@ std::vector<std::string> Recorder::Steps() const {
 
 RunTest::RunTest()
     : folder_(platform::TemporaryFolder::Create().value()), outLook_(state_, [this] {
-        return RunOutput{library_, [this] {
+        return RunOutput{library_,
+                         [this] {
                            ++seals_;
                            return sealResult_;
-                         }};
+                         },
+                         [this] { return fullTables_; }};
       }) {
   StartOver("out");
   state_.run.observer = &recorder_;

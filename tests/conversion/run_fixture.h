@@ -83,6 +83,7 @@ class RunTest : public testing::Test {
   std::shared_ptr<RiggedLibrary> library_ = std::make_shared<RiggedLibrary>(trace_);
   platform::Result<void> sealResult_;
   int seals_ = 0;
+  std::vector<output::FullTable> fullTables_;
   Recorder recorder_;
   RunState state_;
   COutLook outLook_;

@@ -210,6 +210,37 @@ TEST_F(WorkerTest, AStoreThatCanNoLongerBeWrittenEndsTheRunWithOneMessage) {
   EXPECT_EQ(seals_, 1);
 }
 
+TEST_F(WorkerTest, AfterAFullDiskTheReportCountsWhatTheStoreHolds) {
+  MakeSource();
+  int items = 0;
+  library_->onItem = [&] {
+    if (++items == 2) throw output::OutputFailure(output::ResultCode::STG_E_MEDIUMFULL, "no space left");
+  };
+  Run();
+  EXPECT_EQ(items, 2);
+  const RunReport& report = outLook_.Report();
+  ASSERT_TRUE(report.left);
+  EXPECT_THAT(report.recovery.items, IsEmpty()) << "one was made, but this library has no store to open";
+  ASSERT_EQ(report.recovery.lost.size(), 1u);
+  EXPECT_EQ(report.recovery.lost[0].kind, recovery::LossKind::kRun);
+  EXPECT_EQ(report.recovery.lost[0].reason,
+            u"the new store could not be written any further; nodes and orphaned blocks worked through: " +
+                text::FromUtf8(std::to_string(report.recovery.nodesDone)));
+  EXPECT_LT(report.recovery.nodesDone, report.nodeCount);
+}
+
+TEST_F(WorkerTest, ATableThatIsFullIsALoss) {
+  MakeSource();
+  fullTables_ = {{u"Inbox", 12}};
+  Run();
+  EXPECT_FALSE(outLook_.Report().left);
+  ASSERT_EQ(outLook_.Report().recovery.lost.size(), 1u);
+  EXPECT_EQ(outLook_.Report().recovery.lost[0].kind, recovery::LossKind::kRow);
+  EXPECT_EQ(outLook_.Report().recovery.lost[0].reason,
+            u"the table of the folder \"Inbox\" is full: values missing in the list of its items, though not in the "
+            u"items: 12");
+}
+
 TEST_F(WorkerTest, AFailingWriteIsToldFromAFullDisk) {
   MakeSource();
   library_->onItem = [] { throw output::OutputFailure(output::ResultCode::STG_E_WRITEFAULT); };

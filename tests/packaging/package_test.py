@@ -81,6 +81,25 @@ class Package(unittest.TestCase):
             self.assertIn(library, needed)
         self.assertNotIn("libqt6", field(self.packages["velmora-convert"], "Depends"))
 
+    def test_removing_them_takes_their_own_folder_and_leaves_the_system_s(self):
+        with tempfile.TemporaryDirectory() as root:
+            database = pathlib.Path(root, "var/lib/dpkg")
+            for folder in ("updates", "info"):
+                (database / folder).mkdir(parents=True)
+            (database / "status").touch()
+
+            def dpkg(*words):
+                subprocess.run(["dpkg", f"--root={root}", "--force-not-root", "--force-script-chrootless",
+                                "--force-depends", "--force-bad-path", "--log=/dev/null", *map(str, words)],
+                               check=True, capture_output=True)
+
+            dpkg("--install", *self.packages.values())
+            for name, left in (("velmora", True), ("velmora-convert", False)):
+                self.assertTrue(pathlib.Path(root, "opt/velmora/bin", name).is_file())
+                dpkg("--remove", name)
+                self.assertEqual(pathlib.Path(root, "opt/velmora").exists(), left)
+            self.assertTrue(pathlib.Path(root, "opt").is_dir())
+
     def test_lintian_finds_nothing(self):
         self.assertIsNotNone(shutil.which("lintian"), "lintian is needed")
         checked = subprocess.run(["lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values()],

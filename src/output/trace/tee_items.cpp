@@ -31,6 +31,7 @@ class TeeMail : public RDOMail {
   text::Text MessageClass() const override { return targets_.Primary().MessageClass(); }
   std::int32_t Size() const override { return targets_.Primary().Size(); }
   std::int32_t AttachmentCount() const override { return targets_.Primary().AttachmentCount(); }
+  AttachmentTotals SavedAttachments() const override { return targets_.Primary().SavedAttachments(); }
 
   const std::vector<Ref<RDOMail>>& Targets() const { return targets_.All(); }
 

@@ -95,6 +95,35 @@ std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContex
   return attachments;
 }
 
+output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const ltp::PropertyContext& message) {
+  constexpr std::size_t kDeepest = 64;
+  struct Level {
+    std::vector<ndb::SubnodeEntry> entries;
+    std::size_t next = 0;
+  };
+  output::AttachmentTotals totals;
+  std::vector<Level> levels{{message.Subnodes().value_or(std::vector<ndb::SubnodeEntry>())}};
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.next == level.entries.size()) {
+      levels.pop_back();
+      continue;
+    }
+    const ndb::SubnodeEntry entry = level.entries[level.next++];
+    if (ndb::TypeOf(entry.nid) != ndb::NidType::kAttachment) continue;
+    auto attachment = ltp::PropertyContext::Open(source, entry.trees);
+    if (!attachment) continue;
+    const auto object = attachment->ReadObject(tag::kAttachDataObject);
+    ++(object ? totals.messages : totals.files);
+    if (!object || levels.size() == kDeepest) continue;
+    const auto embedded = attachment->FindSubnode(object->nid);
+    if (!embedded || !*embedded) continue;
+    const auto within = ltp::PropertyContext::Open(source, (*embedded)->trees);
+    if (within) levels.push_back({within->Subnodes().value_or(std::vector<ndb::SubnodeEntry>())});
+  }
+  return totals;
+}
+
 text::Text ShortFileName(text::TextView name) {
   if (name.empty()) return {};
   const text::TextView extension = ExtensionOf(name);
@@ -131,7 +160,7 @@ ndb::Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, File
 
   if (attachment.IsMessage()) {
     node.AddObject(tag::kAttachDataObject, attachment.messageNid,
-                   static_cast<std::uint32_t>(attachment.message.dataSize));
+                   static_cast<std::uint32_t>(Size32(attachment.message.dataSize)));
     node.AddSubnode(attachment.messageNid, attachment.message);
   } else if (attachment.content.bid != 0) {
     node.AddTree(tag::kAttachDataBinary, attachment.content);
@@ -139,7 +168,7 @@ ndb::Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, File
     node.Add(tag::kAttachDataBinary, attachment.shortContent);
   }
   // The size counts all values, its own four bytes included.
-  const auto size = static_cast<std::int32_t>(static_cast<std::uint32_t>(node.ValueBytes() + sizeof(std::int32_t)));
+  const std::int32_t size = Size32(node.ValueBytes() + sizeof(std::int32_t));
   node.AddInteger32(tag::kAttachSize, size);
   bag.PutInteger32(tag::kAttachSize, size);
   row = std::move(bag);

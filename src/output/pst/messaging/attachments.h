@@ -52,6 +52,9 @@ Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, t
 /// The attachments of a saved message, their contents shared with it. Raises STG_E_READFAULT.
 std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message);
 
+/// Counts the attachments of a saved message and of those within it. What cannot be read is not counted.
+output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const ltp::PropertyContext& message);
+
 /// Name of 8 characters, dot and 3, as old readers want it ("LONGNA~1.TXT"); empty for an empty name.
 text::Text ShortFileName(text::TextView name);
 

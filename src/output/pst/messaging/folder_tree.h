@@ -62,6 +62,10 @@ struct Folder {
   std::uint64_t rowBytes = 0;        ///< sizes of the rows of all items
   std::uint64_t childTextBytes = 0;  ///< of the names and classes of all children
 
+  // Values that the tables have no room for, as last written.
+  std::size_t itemCellsLeftOut = 0;
+  std::size_t childCellsLeftOut = 0;
+
   // What differs from the store on disk.
   bool isListed = false;  ///< stands in the list of changed folders
   bool propertiesChanged = false;
@@ -76,6 +80,12 @@ class FolderTree {
   Folder& Add(Folder* parent, ndb::Nid nid, text::TextView name, text::TextView containerClass);
 
   Folder* OfNid(ndb::Nid nid) const;
+
+  /// Calls `visit(folder)` for each folder in order of creation.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    for (const auto& folder : folders_) visit(*folder);
+  }
 
  private:
   std::vector<std::unique_ptr<Folder>> folders_;

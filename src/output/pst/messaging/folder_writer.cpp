@@ -27,8 +27,8 @@ PropertyBag PropertiesOf(const Folder& folder) {
   return bag;
 }
 
-ndb::Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, const Folder& folder) {
-  ltp::TableContextWriter table(ndb, schema::kHierarchy);
+ndb::Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
+  ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
   for (const Folder* child : folder.children) {
     if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
       return tl::unexpected(added.error());
@@ -41,11 +41,13 @@ ndb::Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, const Folder& 
     row.Remove(tag::kPstHiddenUnread);
     if (auto added = table.AddRow(nid::kSpamSearchFolder, row.Views()); !added) return tl::unexpected(added.error());
   }
+  folder.childCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
 }
 
-ndb::Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, const Folder& folder) {
-  ltp::TableContextWriter table(ndb, schema::kContents);
+ndb::Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std::size_t maxHeapBlocks,
+                                            Folder& folder) {
+  ltp::TableContextWriter table(ndb, schema::kContents, maxHeapBlocks);
   ndb::Result<void> result;
   folder.items.ForEach([&](const ItemRow& item) {
     if (!result) return;
@@ -57,6 +59,7 @@ ndb::Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows,
     }
   });
   if (!result) return tl::unexpected(result.error());
+  folder.itemCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
 }
 
@@ -98,18 +101,19 @@ std::size_t ValueBytesOf(const PropertyBag& row) {
 }
 
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
-  constexpr std::uint64_t kObject = 1024;  // or a table without rows
+  constexpr std::uint64_t kObject = 512;  // or a table without rows
   if (part == &Folder::itemsChanged) {
     return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.rowBytes);
   }
   if (part == &Folder::childrenChanged) {
-    constexpr std::uint64_t kRow = 96;
-    return kObject + folder.children.size() * kRow + folder.childTextBytes + folder.childTextBytes / 8;
+    return kObject + folder.children.size() * ChildBytes(0) + ChildBytes(folder.childTextBytes);
   }
+  // The object goes with a table of hidden items when it is new.
   return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
 }
 
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, Folder& folder) {
+ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
+                              std::size_t maxHeapBlocks, Folder& folder) {
   const auto tableNid = [&](ndb::NidType type) { return ndb::Sibling(folder.nid, type); };
   const ndb::Nid hiddenItems = tableNid(ndb::NidType::kAssocContentsTable);
   if (!ndb.FindNode(hiddenItems)) {
@@ -117,11 +121,11 @@ ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const Propert
     if (auto set = Set(ndb, hiddenItems, table.Finish(), 0); !set) return set;
   }
   if (folder.childrenChanged) {
-    const auto table = HierarchyTable(ndb, folder);
+    const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
     if (auto set = Set(ndb, tableNid(ndb::NidType::kHierarchyTable), table, 0); !set) return set;
   }
   if (folder.itemsChanged) {
-    const auto table = ContentsTable(ndb, rows, folder);
+    const auto table = ContentsTable(ndb, rows, maxHeapBlocks, folder);
     if (auto set = Set(ndb, tableNid(ndb::NidType::kContentsTable), table, 0); !set) return set;
   }
   if (folder.propertiesChanged) {

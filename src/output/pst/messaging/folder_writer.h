@@ -17,15 +17,17 @@ std::size_t ValueBytesOf(const PropertyBag& row);
 /// Bytes that the part of a folder behind one of its marks (propertiesChanged, ...) takes in the file at most.
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part);
 
-/// The same of the row of an item with so many bytes of values. A heap leaves the rest of a block empty that is too
-/// short for the next value.
+/// The same of the row of an item with so many bytes of values, and of that of a child folder with so many of texts.
+/// A heap leaves the rest of a block empty that is too short for the next value.
 constexpr std::uint64_t ItemBytes(std::uint64_t values) { return 160 + values + values / 8; }
+constexpr std::uint64_t ChildBytes(std::uint64_t texts) { return 96 + texts + texts / 8; }
 
 /// Nodes of a folder: its object and its tables.
 inline constexpr std::size_t kFolderNodes = 4;
 
 /// Writes what changed of a folder, and notes that nothing is changed any more. `extra` are properties that
-/// this folder has beside those of all folders.
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, Folder& folder);
+/// this folder has beside those of all folders; `maxHeapBlocks` is what a table has for its values.
+ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
+                              std::size_t maxHeapBlocks, Folder& folder);
 
 }  // namespace velmora::messaging

@@ -236,4 +236,9 @@ std::int32_t MailItem::AttachmentCount() const {
   return rows ? static_cast<std::int32_t>(rows->RowCount()) : 0;
 }
 
+output::AttachmentTotals MailItem::SavedAttachments() const {
+  const ltp::PropertyContext* saved = Saved();
+  return saved != nullptr ? CountAttachments(store_->Source(), *saved) : output::AttachmentTotals();
+}
+
 }  // namespace velmora::messaging

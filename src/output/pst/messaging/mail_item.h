@@ -36,6 +36,7 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
   text::Text MessageClass() const override { return state_.messageClass; }
   std::int32_t Size() const override;
   std::int32_t AttachmentCount() const override;
+  output::AttachmentTotals SavedAttachments() const override;
 
   void Attach(const output::ContentSource& content, text::TextView name);
   void Attach(const output::Ref<output::RDOMail>& item, text::TextView name);

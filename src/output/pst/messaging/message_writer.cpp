@@ -81,8 +81,7 @@ ndb::Result<WrittenMessage> MessageWriter::Write(const ItemState& item, const st
     auto node = message_.Finish();
     if (!node) return tl::unexpected(node.error());
     message.node = *node;
-    message.properties.PutInteger32(tag::kMessageSize,
-                                    static_cast<std::int32_t>(static_cast<std::uint32_t>(node->dataSize)));
+    message.properties.PutInteger32(tag::kMessageSize, Size32(node->dataSize));
     return message;
   };
   auto message = write();

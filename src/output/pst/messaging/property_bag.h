@@ -1,7 +1,9 @@
 // The properties of one object on their way into its property context and into the rows that copy them.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -12,6 +14,11 @@
 #include "text/text.h"
 
 namespace velmora::messaging {
+
+/// A size for a property of 32 bits. Readers take its number for a signed one: of what is larger, the largest.
+constexpr std::int32_t Size32(std::uint64_t bytes) {
+  return static_cast<std::int32_t>(std::min<std::uint64_t>(bytes, std::numeric_limits<std::int32_t>::max()));
+}
 
 /// Holds each property once: putting one of an identifier that is there replaces it.
 class PropertyBag {

@@ -47,6 +47,17 @@ output::Ref<output::ProfileList> PstLibrary::CreateProfileList() {
 output::Ref<output::RDOSession> PstLibrary::CreateRDOSession() { return std::make_shared<Session>(state_); }
 output::Ref<output::MAPIUtils> PstLibrary::CreateMAPIUtils() { return std::make_shared<Utils>(state_); }
 
+std::vector<output::FullTable> PstLibrary::FullTables() const {
+  std::vector<output::FullTable> all;
+  for (const std::weak_ptr<StoreWriter>& writer : state_->writers) {
+    if (const std::shared_ptr<StoreWriter> store = writer.lock()) {
+      const auto full = store->FullTables();
+      all.insert(all.end(), full.begin(), full.end());
+    }
+  }
+  return all;
+}
+
 platform::Result<void> PstLibrary::Seal() {
   platform::Result<void> result;
   for (const std::weak_ptr<StoreWriter>& writer : state_->writers) {

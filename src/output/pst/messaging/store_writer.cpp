@@ -30,7 +30,7 @@ constexpr std::uint64_t kSmallestGrowth = 32 << 20;
 constexpr std::uint64_t kOtherObjects = 4096;
 
 // A folder without items, and its row in its parent's table, with the longest name and class.
-constexpr std::uint64_t kNewFolderBytes = 8192;
+constexpr std::uint64_t kNewFolderBytes = 5120;
 
 bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode::STG_E_MEDIUMFULL; }
 
@@ -134,7 +134,7 @@ void StoreWriter::WriteChanges() {
   for (Folder* folder : changedFolders_) {
     PropertyBag extra;
     if (folder == root_) defaults_.PutIntoRoot(identity_.recordKey, extra);
-    WrittenOrRaise(WriteFolder(*ndb_, rows_, extra, *folder));
+    WrittenOrRaise(WriteFolder(*ndb_, rows_, extra, options_.maxTableBlocks, *folder));
     folder->isListed = false;
   }
   changedFolders_.clear();
@@ -145,11 +145,16 @@ void StoreWriter::WriteChanges() {
 void StoreWriter::CommitNowAndThen() {
   ++changes_;
   if (changes_ < changesToCommit_ && ndb_->FileSize() < sizeToCommit_) return;
-  WriteChanges();
-  WrittenOrRaise(ndb_->Commit());
-  changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
-  sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
-  Reserve(0);
+  try {
+    WriteChanges();
+    WrittenOrRaise(ndb_->Commit());
+    changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
+    sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
+    Reserve(0);
+  } catch (const OutputFailure& failure) {
+    // The change itself is made, and Seal may still have its room; the next change meets the full disk.
+    if (!IsFull(failure)) throw;
+  }
 }
 
 Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
@@ -166,7 +171,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextVi
       MarkChanged(folder, what);
     }
     MarkChanged(parent, &Folder::propertiesChanged);
-    bytesToWrite_ += kNewFolderBytes;
+    bytesToWrite_ += ChildBytes((folder.name.size() + folder.containerClass.size()) * sizeof(char16_t));
     nodesToAdd_ += kFolderNodes;
     CommitNowAndThen();
     return folder;
@@ -260,6 +265,15 @@ Attachment StoreWriter::Attach(const ItemState& item, const std::vector<Attachme
     const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
     return AttachMessage(*ndb_, message.node, name);
   });
+}
+
+std::vector<output::FullTable> StoreWriter::FullTables() const {
+  std::vector<output::FullTable> full;
+  folders_.ForEach([&full](const Folder& folder) {
+    const std::size_t leftOut = folder.itemCellsLeftOut + folder.childCellsLeftOut;
+    if (leftOut != 0) full.push_back({folder.name, leftOut});
+  });
+  return full;
 }
 
 void StoreWriter::Seal() {

@@ -20,6 +20,7 @@ namespace velmora::messaging {
 struct StoreOptions {
   std::optional<std::int64_t> sourceDateEpoch;           ///< seconds since 1970: the store's only time, and its seed
   text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
+  std::size_t maxTableBlocks = ltp::kMaxHeapBlocks;      ///< for the texts and binary values of one table
 };
 
 /// An item whose last save is still to be written.
@@ -79,6 +80,9 @@ class StoreWriter : public Store {
   std::vector<Attachment> ReadAttachments(ltp::PropertyContext& message) {
     return messaging::ReadAttachments(*ndb_, message);
   }
+
+  /// The tables that had no room for all values when they were written last.
+  std::vector<output::FullTable> FullTables() const;
 
   /// Commits, and makes the store what a cleanly closed one is. Every later change raises E_FAIL; reading
   /// goes on. On a disk that is full all but the change that failed is sealed.

@@ -1,10 +1,14 @@
 // Attachments: files, messages within messages, contact pictures.
 #include "output/pst/messaging/attachments.h"
 
+#include "output/pst/messaging/folder_writer.h"
+#include "output/pst/messaging/message_writer.h"
 #include "output/pst/messaging/named_properties.h"
 #include "output/pst/messaging/property_tags.h"
 #include "output/pst/messaging/store_fixture.h"
 #include "output/pst/messaging/store_nodes.h"
+#include "output/pst/ndb/little_endian.h"
+#include "platform/memory_file.h"
 
 namespace velmora::messaging {
 namespace {
@@ -48,6 +52,50 @@ TEST_F(AttachmentsTest, KeepTheirBytesWhateverTheirSize) {
     EXPECT_EQ(table.Integer32(i, tag::kAttachSize), attachment.Integer32(tag::kAttachSize));
   }
   ExpectSound();
+}
+
+TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne) {
+  constexpr std::int32_t kLargest = 0x7FFFFFFF;
+  platform::MemoryFile file;
+  const auto ndb = ndb::NdbWriter::Create(file).value();
+  // What counts is the size that a tree is said to have; these bytes are few.
+  const auto large = [&](std::uint64_t size) {
+    Attachment attachment;
+    attachment.content = {ndb->WriteData(std::vector<std::byte>(2000)).value().bid, size};
+    return attachment;
+  };
+  const auto numberOf = [](const PropertyBag& row, ltp::PropTag tag) {
+    return static_cast<std::int32_t>(ndb::Load<std::uint32_t>(row.Value(tag), 0));
+  };
+  MessageWriter messages(*ndb);
+  ItemState item;
+  item.messageClass = u"IPM.Note";
+  const auto write = [&](const std::vector<Attachment>& attachments) {
+    return messages.Write(item, attachments, 0, text::CodePage::Lossless()).value();
+  };
+  for (const auto& sizes : {std::vector<std::uint64_t>{0x7FFFFFFF}, std::vector<std::uint64_t>{0xFFFFFFF0},
+                            std::vector<std::uint64_t>{0xFFFFFFF0, 0x80000000}}) {
+    std::vector<Attachment> attachments;
+    for (const std::uint64_t size : sizes) {
+      ltp::PropertyContextWriter node(*ndb);
+      PropertyBag row;
+      const auto written = WriteAttachment(large(size), 0, node, row).value();
+      EXPECT_EQ(numberOf(row, tag::kAttachSize), kLargest);
+      EXPECT_EQ(ltp::PropertyContext::Open(*ndb, written.trees)->Integer32(tag::kAttachSize), kLargest);
+      attachments.push_back(large(size));
+    }
+    const WrittenMessage inner = write(attachments);
+    EXPECT_GT(inner.node.dataSize, sizes.front());
+    EXPECT_EQ(numberOf(ContentsRow(inner.properties), tag::kMessageSize), kLargest);
+    EXPECT_EQ(ltp::PropertyContext::Open(*ndb, inner.node.trees)->Integer32(tag::kMessageSize), kLargest);
+
+    ltp::PropertyContextWriter node(*ndb);
+    PropertyBag row;
+    const auto outer = WriteAttachment(AttachMessage(*ndb, inner.node, u"inner"), 0, node, row).value();
+    auto embedded = ltp::PropertyContext::Open(*ndb, outer.trees).value();
+    EXPECT_EQ(embedded.ReadObject(tag::kAttachDataObject)->size, static_cast<std::uint32_t>(kLargest));
+    EXPECT_EQ(numberOf(row, tag::kAttachSize), kLargest);
+  }
 }
 
 TEST_F(AttachmentsTest, KeepTheirNameAndGetAShortOne) {

@@ -278,6 +278,51 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
   EXPECT_GT(opened, 8);
 }
 
+/// Cells of the table of the only folder's items that are there.
+std::size_t CellsOf(const platform::MemoryFile& file) {
+  const auto reader = ndb::StoreReader::Open(file).value();
+  std::size_t cells = 0;
+  for (const ndb::NodeEntry& node : reader->Nodes()) {
+    if (ndb::TypeOf(node.nid) != ndb::NidType::kContentsTable || node.trees.bidSub == 0) continue;
+    auto table = ltp::TableContext::Open(*reader, node.trees).value();
+    for (std::size_t row = 0; row < table.RowCount(); ++row) {
+      for (const ltp::PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
+        cells += static_cast<std::size_t>(table.Text(row, tag).has_value());
+      }
+    }
+  }
+  return cells;
+}
+
+TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
+  const auto write = [](std::size_t maxTableBlocks, std::vector<output::FullTable>& full) {
+    auto file = std::make_shared<platform::MemoryFile>();
+    const auto store = StoreWriter::Create(std::make_unique<SharedFile>(file), u"Test store",
+                                           {kTestEpoch, text::CodePage::Lossless(), maxTableBlocks});
+    Folder& folder = store->AddFolder(store->Top(), u"Inbox", u"IPF.Note");
+    ItemState item;
+    item.messageClass = u"IPM.Note";
+    for (int i = 0; i < 300; ++i) {
+      item.fields.Put(Field::Subject, text::FromUtf8(std::to_string(i)) + Text(200, u's'));
+      store->Identify(item);
+      store->Save(item, {}, folder, 0);
+    }
+    store->Seal();
+    full = store->FullTables();
+    return file;
+  };
+  std::vector<output::FullTable> none;
+  std::vector<output::FullTable> full;
+  const auto whole = write(ltp::kMaxHeapBlocks, none);
+  const auto limited = write(20, full);
+  EXPECT_TRUE(none.empty());
+  ASSERT_EQ(full.size(), 1u);
+  EXPECT_EQ(full[0].folder, u"Inbox");
+  EXPECT_GT(full[0].valuesLeftOut, 300u);
+  EXPECT_LT(CellsOf(*limited), CellsOf(*whole));
+  EXPECT_LE(CellsOf(*whole) - CellsOf(*limited), full[0].valuesLeftOut);
+}
+
 TEST(FailingStore, ThatCannotEvenBeMadeSaysSo) {
   const auto disk = std::make_shared<FullDisk>(1000, platform::FailureKind::kFull);
   EXPECT_EQ(CodeOf([&] {
