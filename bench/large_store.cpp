@@ -16,8 +16,6 @@ using forge::Nid;
 using forge::Recipient;
 using forge::RecipientKind;
 
-// A folder's tables stay of one level up to 447 rows.
-constexpr std::uint64_t kMessagesPerFolder = 400;
 constexpr std::uint64_t kFoldersPerYear = 52;
 constexpr std::size_t kPeople = 200;
 
@@ -35,7 +33,8 @@ Recipient Person(std::size_t index) {
 
 class MailMaker {
  public:
-  explicit MailMaker(bool small) : small_(small) {}
+  explicit MailMaker(const LargeStoreOptions& options)
+      : small_(options.small), attachmentSize_(options.attachmentSize) {}
 
   Message Next() {
     const Recipient sender = Person(dice_.Between(0, kPeople - 1));
@@ -53,7 +52,10 @@ class MailMaker {
     if (dice_.Chance(10)) mail.importance = 2;
     if (dice_.Chance(5)) mail.categories = {u"Follow up", text_.Line(dice_)};
     AddRecipients(mail);
-    if (small_) {
+    if (attachmentSize_ != 0) {
+      mail.plain = text_.Text(dice_, 400);
+      mail.attachments.push_back(File(attachmentSize_));
+    } else if (small_) {
       mail.plain = text_.Text(dice_, 400);
     } else {
       AddContent(mail);
@@ -82,9 +84,13 @@ class MailMaker {
     const std::size_t files = dice_.Between(1, 3);
     for (std::size_t i = 0; i < files; ++i) {
       const std::size_t size = dice_.Chance(50) ? dice_.Between(200, 6000) : dice_.Between(6000, 36000);
-      mail.attachments.push_back({.name = u"document " + ToText(++files_) + (dice_.Chance(50) ? u".pdf" : u".jpg"),
-                                  .data = text_.Binary(dice_, size)});
+      mail.attachments.push_back(File(size));
     }
+  }
+
+  forge::Attachment File(std::size_t size) {
+    return {.name = u"document " + ToText(++files_) + (dice_.Chance(50) ? u".pdf" : u".jpg"),
+            .data = text_.Binary(dice_, size)};
   }
 
   std::u16string Headers(const Message& mail) const {
@@ -98,6 +104,7 @@ class MailMaker {
   }
 
   bool small_;
+  std::uint64_t attachmentSize_;
   SampleText text_;
   Dice dice_{42};
   forge::FileTime time_ = forge::TimeOf(2010, 1, 4, 8);
@@ -108,7 +115,7 @@ class MailMaker {
 
 LargeStoreCounts MakeLargeStore(const std::filesystem::path& path, const LargeStoreOptions& options) {
   Mailbox box(path, {.fullLength = true}, {.tables = true, .namesAtLeast = 80});
-  MailMaker maker(options.small);
+  MailMaker maker(options);
   LargeStoreCounts counts;
   Nid year = 0;
   Nid folder = 0;
@@ -126,7 +133,7 @@ LargeStoreCounts MakeLargeStore(const std::filesystem::path& path, const LargeSt
     ++counts.folders;
   };
   while (!complete()) {
-    if (counts.messages == 0 || (!options.oneFolder && counts.messages % kMessagesPerFolder == 0)) openFolder();
+    if (counts.messages == 0 || (!options.oneFolder && counts.messages % options.perFolder == 0)) openFolder();
     const Message mail = maker.Next();
     box.AddMessage(folder, mail);
     ++counts.messages;

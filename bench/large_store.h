@@ -7,10 +7,12 @@
 namespace velmora::bench {
 
 struct LargeStoreOptions {
-  std::uint64_t bytes = 0;  ///< the store is complete when it has grown to this size,
-  std::uint64_t items = 0;  ///< or holds so many messages; 0 for no such limit
-  bool small = false;       ///< mails of about 2 KB in place of 2 to 200 KB
-  bool oneFolder = false;   ///< all in one folder, whose tables then have more levels than some readers follow
+  std::uint64_t bytes = 0;           ///< the store is complete when it has grown to this size,
+  std::uint64_t items = 0;           ///< or holds so many messages; 0 for no such limit
+  bool small = false;                ///< mails of about 2 KB in place of 2 to 200 KB
+  bool oneFolder = false;            ///< all in one folder, whose tables then have more levels than some readers follow
+  std::uint64_t perFolder = 400;     ///< messages; a folder's tables stay of one level up to 447 rows
+  std::uint64_t attachmentSize = 0;  ///< each mail carries one file of so many bytes; 0: as it comes
 };
 
 struct LargeStoreCounts {

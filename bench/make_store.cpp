@@ -14,7 +14,9 @@ constexpr const char* kUsage =
     "Usage: velmora-make-store [options] SIZE_MB OUT\n"
     "  --items N      stop at N messages; with SIZE_MB 0 that alone counts\n"
     "  --small        mails of about 2 KB in place of 2 to 200 KB\n"
-    "  --one-folder   all messages in one folder\n";
+    "  --one-folder   all messages in one folder\n"
+    "  --per-folder N N messages in each folder (default 400)\n"
+    "  --attachment N one file of N bytes in each mail\n";
 
 struct Arguments {
   velmora::bench::LargeStoreOptions options;
@@ -31,6 +33,10 @@ Arguments Parse(const std::vector<std::string>& words) {
       arguments.options.oneFolder = true;
     } else if (words[i] == "--items" && i + 1 < words.size()) {
       arguments.options.items = std::stoull(words[++i]);
+    } else if (words[i] == "--per-folder" && i + 1 < words.size()) {
+      arguments.options.perFolder = std::stoull(words[++i]);
+    } else if (words[i] == "--attachment" && i + 1 < words.size()) {
+      arguments.options.attachmentSize = std::stoull(words[++i]);
     } else {
       plain.push_back(words[i]);
     }
@@ -39,6 +45,7 @@ Arguments Parse(const std::vector<std::string>& words) {
   arguments.options.bytes = std::stoull(plain[0]) << 20;
   arguments.out = plain[1];
   if (arguments.options.bytes == 0 && arguments.options.items == 0) throw std::invalid_argument("no size");
+  if (arguments.options.perFolder == 0) throw std::invalid_argument("no messages");
   return arguments;
 }
 
