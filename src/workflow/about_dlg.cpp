@@ -62,7 +62,7 @@ CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
   ok->setGeometry(337, 150, 84, 28);
   connect(ok, &QAbstractButton::clicked, this, &QDialog::accept);
   ok->setFocus();
-  if (owner != nullptr) move(owner->geometry().center() - rect().center());
+  if (owner != nullptr) move(owner->mapToGlobal(owner->rect().center()) - rect().center());
 }
 
 void CAboutDlg::AddLinks() {

@@ -59,11 +59,7 @@ bool CMainFrame::Create() {
 
 void CMainFrame::ShowPage(Page* page) {
   page_ = page;
-  // All pages have one title; for rules of window managers they differ by their role.
-  page->setWindowRole(QString::fromLatin1(page->metaObject()->className()).section(QStringLiteral("::"), -1));
-  page->show();
-  page->raise();
-  page->activateWindow();
+  window_.Show(page);
 }
 
 void CMainFrame::ShowStartPage() {

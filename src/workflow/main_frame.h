@@ -14,6 +14,7 @@
 #include "workflow/page.h"
 #include "workflow/panes/result_panes.h"
 #include "workflow/services.h"
+#include "workflow/wizard_window.h"
 #include "workflow/worker.h"
 
 namespace velmora::workflow {
@@ -46,7 +47,7 @@ class CMainFrame : public QMainWindow {
   void OpenProfilePage();
   void OpenDestinationPage(resources::TemplateId previous);
 
-  /// The page on the screen, or null.
+  /// The page in the window, or null.
   Page* CurrentPage() const { return page_; }
 
   // The run.
@@ -101,6 +102,7 @@ class CMainFrame : public QMainWindow {
   std::vector<std::weak_ptr<Worker>> leftWorkers_;  ///< of runs whose page was left
   ResultPanes* panes_;
   QPointer<Page> page_;
+  WizardWindow window_;
 };
 
 }  // namespace velmora::workflow

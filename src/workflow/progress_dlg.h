@@ -16,12 +16,12 @@ class CProgressDlg : public Page {
   /// Stage, percentage and end of the run.
   void OnRunMessage(const engine::RunMessage& message);
 
+  void OnCloseBox() override;
+
  protected:
   /// Both leave the page at once; the run goes on without it.
   void OnOK() override { EndDialog(); }
   void OnCancel() override { EndDialog(); }
-
-  void OnCloseBox() override;
 
  private:
   void paintEvent(QPaintEvent* event) override;

@@ -71,9 +71,9 @@ TEST_F(AboutTest, OpensFromTheMenuOfAPageAndClosesByItsButton) {
 }
 
 TEST_F(AboutTest, StandsInTheMiddleOfItsPage) {
-  CurrentPage().move(40, 30);
+  CurrentPage().window()->move(40, 30);
   CAboutDlg about(*frame_, &CurrentPage());
-  EXPECT_EQ(about.geometry().center(), CurrentPage().geometry().center());
+  EXPECT_EQ(about.geometry().center(), CurrentPage().window()->geometry().center());
 }
 
 TEST_F(AboutTest, IsPaintedOnWhiteWithABorderAndTwoLines) {
@@ -106,7 +106,7 @@ TEST_F(AboutTest, IsWrittenInTheChosenLanguage) {
   UseLanguage(1);
   CAboutDlg about(*frame_, &CurrentPage());
   EXPECT_EQ(about.windowTitle(), "À propos de Velmora Convert OST to PST");
-  EXPECT_EQ(CurrentPage().windowTitle(), "Velmora Convert OST to PST")
+  EXPECT_EQ(CurrentPage().window()->windowTitle(), "Velmora Convert OST to PST")
       << "the wizard is in English whatever the language";
 }
 

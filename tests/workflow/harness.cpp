@@ -191,10 +191,12 @@ void WizardTest::OnEachPage(const std::function<void(Page&)>& look) {
     Settle();
     look(CurrentPage());
   }
-  CProgressDlg progress(*frame_);
-  progress.show();
+  LeavePage();
+  WizardWindow window;
+  auto* progress = new CProgressDlg(*frame_);
+  window.Show(progress);
   Settle();
-  look(progress);
+  look(*progress);
 }
 
 std::vector<QWidget*> WizardTest::Controls(Page& page) {
@@ -206,7 +208,7 @@ std::vector<QWidget*> WizardTest::Controls(Page& page) {
 }
 
 void WizardTest::CloseBox() {
-  CurrentPage().close();
+  CurrentPage().window()->close();
   Settle();
 }
 
