@@ -3,6 +3,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -68,8 +69,15 @@ class CMainFrame : public QMainWindow {
   /// A message to the frame; its answer is 1 for those that are taken and do nothing.
   int OnFrameMessage(std::uint32_t code, std::uint32_t number = 0);
 
-  /// Opens the help file; a box over `owner` tells when it cannot be found.
+  /// Opens the help file; a box over `owner` tells when it cannot be.
   void OpenHelp(QWidget* owner);
+
+  /// Hands a file, a folder or an address to the desktop. `onFailure` gets the code if nothing opens it, at once or a
+  /// little later.
+  void OpenWithShell(const std::string& target, std::function<void(int code)> onFailure);
+
+  /// A box over `owner` with the reason of a code, and what could not be opened.
+  void TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title);
 
   ResultPanes& Panes() { return *panes_; }
   conversion::RunState& State() { return state_; }
@@ -89,6 +97,7 @@ class CMainFrame : public QMainWindow {
   void BuildBars();
   void ShowPage(Page* page);
   void OnRunMessage(const engine::RunMessage& message);
+  void OnBox(engine::BoxKind kind, text::TextView title, text::TextView message);
   void OnProgressPageEnded();
   void OpenWebPage(const char* path);
   void StartUpdateHelper();

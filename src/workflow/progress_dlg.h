@@ -16,6 +16,9 @@ class CProgressDlg : public Page {
   /// Stage, percentage and end of the run.
   void OnRunMessage(const engine::RunMessage& message);
 
+  /// The run has told why it does not come to its end.
+  void OnFailure();
+
   void OnCloseBox() override;
 
  protected:
@@ -34,6 +37,7 @@ class CProgressDlg : public Page {
   void StopRule();
 
   std::uint32_t lastPercentage_ = 0;
+  text::Text store_;                             ///< path of the new store; empty until it is made
   controls::CGdiPlusBitmapResource endPicture_;  ///< empty until the end
 };
 

@@ -151,9 +151,19 @@ TEST_F(AboutTest, AFailureHasItsText) {
   Click(about, CAboutDlg::kMakerId);
   EXPECT_EQ(boxes_.Texts(), QStringList("Error: The operating system denied access to the specified file."));
   machine_.shellResult = 1;
+  boxes_.Answer(QMessageBox::Ok);
   Click(about, CAboutDlg::kMakerId);
-  EXPECT_EQ(boxes_.seen.size(), 1u) << "a code without a text shows nothing";
+  EXPECT_EQ(boxes_.Texts().last(), "Error: No program was found to open:\nhttps://www.velmora.example/en");
   EXPECT_THAT(machine_.Log("browse"), IsEmpty());
+}
+
+TEST_F(AboutTest, ALinkThatNotEvenABrowserOpensIsTold) {
+  CAboutDlg about(*frame_, nullptr);
+  machine_.shellResult = 31;
+  machine_.browserOpens = false;
+  boxes_.Answer(QMessageBox::Ok);
+  Click(about, CAboutDlg::kMakerId);
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: No program was found to open:\nhttps://www.velmora.example/en"));
 }
 
 TEST_F(AboutTest, ShowsTheVersionOfTheProgramFile) {

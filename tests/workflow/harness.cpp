@@ -48,13 +48,14 @@ Services Machine::Make() {
   services.registry = std::make_shared<platform::IniRegistry>(registryFile);
   services.runningPrograms = [this] { return programs; };
   services.programFilesFolder = [] { return std::filesystem::path("/programs"); };
-  services.openWithShell = [this](const std::string& target) {
+  services.openWithShell = [this](const std::string& target, std::function<void()> onRefusal) {
     log.push_back("open " + target);
+    refuse = std::move(onRefusal);
     return shellResult;
   };
   services.openInBrowser = [this](const std::string& address) {
     log.push_back("browse " + address);
-    return true;
+    return browserOpens;
   };
   services.startProgram = [this](const std::filesystem::path& file, const std::vector<std::string>& arguments) {
     std::string line = "start " + file.string();

@@ -178,7 +178,7 @@ until_so "the box of a second start" in_dialog '^Error$'
 box=$(xdotool getactivewindow)
 shot second-start
 [ "$(xwininfo -id "$box" | awk '/ Width:/ { print $NF }')" -ge 160 ] || fail "the box of a second start cuts its title"
-xprop -id "$box" _NET_WM_ICON | grep -q Icon || fail "the box of a second start has no icon"
+[[ $(xprop -id "$box" _NET_WM_ICON) == *Icon* ]] || fail "the box of a second start has no icon"
 by_key Return "the start page" on_page CCustomDlg
 code=0
 wait "$second" || code=$?
@@ -253,7 +253,9 @@ by_key alt+n "the progress page" on_page CProgressDlg
 shot progress
 until_so "the new store" test -s "$home/Documents/outlook Converted0/outlook Converted.pst"
 by_key alt+c "the stop question" in_dialog '^Confirmation$'
-by_key alt+y "the start page" on_page CCustomDlg
+by_key alt+y "the place of the store" in_dialog '^Information$'
+shot stopped
+by_key Return "the start page" on_page CCustomDlg
 stays "start page after a stop"
 [ ! -s "$work/opened" ] || fail "a stopped run opened $(cat "$work/opened")"
 
