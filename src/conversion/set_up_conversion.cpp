@@ -96,7 +96,8 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
 
   if (const auto made = platform::CreateFolder(engine_.outputFolder); !made) {
     CloseSourceAndLog();
-    report_.failure = made.error().object + ": " + made.error().message;
+    const bool isThere = made.error().kind == platform::FailureKind::kExists;
+    report_.failure = made.error().object + ": " + (isThere ? "the folder is there already" : made.error().message);
     state_.run.ShowError(kNoOutputFolder);
     state_.run.runAborted = true;
     return;

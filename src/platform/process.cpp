@@ -12,6 +12,7 @@
 #include <iterator>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 extern char** environ;
 
@@ -43,7 +44,8 @@ Result<std::filesystem::path> ProgramPath() {
   return path;
 }
 
-Result<void> StartProgram(const std::filesystem::path& file, const std::vector<std::string>& arguments) {
+Result<void> StartProgram(const std::filesystem::path& file, const std::vector<std::string>& arguments,
+                          std::function<void(bool well)> onEnd) {
   std::string name = file.string();
   std::vector<std::string> words = arguments;
   std::vector<char*> argv{name.data()};
@@ -54,8 +56,12 @@ Result<void> StartProgram(const std::filesystem::path& file, const std::vector<s
     return tl::unexpected(Failure{error == ENOENT ? FailureKind::kNotFound : FailureKind::kDenied, name, 0,
                                   std::generic_category().message(error)});
   }
-  // Nobody asks for its result; the thread takes it so that no dead process is left behind.
-  std::thread([pid] { ::waitpid(pid, nullptr, 0); }).detach();
+  // The thread takes its result even if nobody asks for it, so that no dead process is left behind.
+  std::thread([pid, onEnd = std::move(onEnd)] {
+    int status = 0;
+    const bool known = ::waitpid(pid, &status, 0) == pid;
+    if (onEnd) onEnd(known && WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }).detach();
   return {};
 }
 

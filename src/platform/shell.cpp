@@ -2,16 +2,20 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "platform/process.h"
 
 namespace velmora::platform {
 namespace {
+
+constexpr std::chrono::seconds kTimeToRefuse{5};
 
 std::optional<std::filesystem::path> FindProgram(std::string_view name) {
   const char* path = std::getenv("PATH");
@@ -36,10 +40,17 @@ std::optional<int> LocalFailure(const std::string& target) {
 
 }  // namespace
 
-int OpenWithShell(const std::string& target) {
+int OpenWithShell(const std::string& target, std::function<void()> onRefusal) {
   if (const std::optional<int> failure = LocalFailure(target)) return *failure;
   const std::optional<std::filesystem::path> opener = FindProgram("xdg-open");
-  return opener && StartProgram(*opener, {target}) ? kShellSuccess : kShellNoProgram;
+  if (!opener) return kShellNoProgram;
+  // On some desktops the opener lives as long as the program that it has started: an end that comes late is that of
+  // the program.
+  const auto begin = std::chrono::steady_clock::now();
+  const auto onEnd = [begin, onRefusal = std::move(onRefusal)](bool well) {
+    if (!well && onRefusal && std::chrono::steady_clock::now() - begin < kTimeToRefuse) onRefusal();
+  };
+  return StartProgram(*opener, {target}, onEnd) ? kShellSuccess : kShellNoProgram;
 }
 
 bool OpenInBrowser(const std::string& address) {

@@ -49,6 +49,8 @@ enum ControlId : std::uint16_t {
   kHeadlineId = 1098,
   kProgressBarId = 1099,
   kAdviceId = 1100,
+  kStoreLabelId = 1101,
+  kStorePathId = 1102,
   kMenuButtonId = 32826,
 };
 

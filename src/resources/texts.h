@@ -46,11 +46,15 @@ inline constexpr std::u16string_view kFolderDialogTitle = u"Select destination p
 inline constexpr std::u16string_view kStageOther = u"Processing Wait...";
 inline constexpr std::u16string_view kConversionCompleted = u"Conversion Completed.";
 inline constexpr std::u16string_view kFileConversionCompleted = u"OST file conversion completed.";
+inline constexpr std::u16string_view kConversionNotCompleted = u"OST file conversion not completed.";
 
 // About window.
 inline constexpr std::u16string_view kButtonCreationFailed = u"Failed to create OK button";
 inline constexpr std::u16string_view kLinkCreationFailed = u"Hyper-link creation fails";
 inline constexpr std::u16string_view kUnknownVersion = u"1.0.0.8";
+
+// The desktop.
+inline constexpr std::u16string_view kNothingOpens = u"No program was found to open:";
 
 /// Why a link could not be opened, by the code of the failure (below 33). Empty for 0, 2 and 31, for which
 /// the browser itself is started instead, and for any code that has no text.

@@ -1,6 +1,8 @@
 #include "workflow/about_dlg.h"
 
+#include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 
 #include "controls/hyper_link.h"
 #include "controls/x_cmd_btn.h"
@@ -62,7 +64,7 @@ CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
   ok->setGeometry(337, 150, 84, 28);
   connect(ok, &QAbstractButton::clicked, this, &QDialog::accept);
   ok->setFocus();
-  if (owner != nullptr) move(owner->geometry().center() - rect().center());
+  if (owner != nullptr) move(owner->mapToGlobal(owner->rect().center()) - rect().center());
 }
 
 void CAboutDlg::AddLinks() {
@@ -87,13 +89,14 @@ void CAboutDlg::OpenLink(int id) {
   const Link* link =
       std::find_if(std::begin(kLinks), std::end(kLinks), [id](const Link& each) { return each.id == id; });
   const std::string target = language_.Text(link->targetKey).toStdString();
-  const int code = frame_.Machine().openWithShell(target);
-  if (code >= platform::kShellSuccess) return;
-  if (code == 0 || code == platform::kShellFileNotFound || code == platform::kShellNoProgram) {
-    frame_.Machine().openInBrowser(target);
-  } else if (const text::TextView reason = resources::LinkFailureText(code); !reason.empty()) {
-    ShowBox(this, reason, FromQt(language_.Text("IDS_ERROR")), BoxIcon::Error);
-  }
+  frame_.OpenWithShell(target, [&frame = frame_, target, title = FromQt(language_.Text("IDS_ERROR")),
+                                self = QPointer<CAboutDlg>(this)](int code) {
+    const text::TextView reason = resources::LinkFailureText(code);
+    const bool isForBrowser = code == 0 || code == platform::kShellFileNotFound || code == platform::kShellNoProgram;
+    if (isForBrowser && frame.Machine().openInBrowser(target)) return;
+    if (reason.empty()) return frame.TellShellFailure(self, code, target, title);
+    ShowBox(self, reason, title, BoxIcon::Error);
+  });
 }
 
 void CAboutDlg::paintEvent(QPaintEvent*) {

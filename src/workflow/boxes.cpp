@@ -1,10 +1,13 @@
 #include "workflow/boxes.h"
 
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <algorithm>
 
 #include "controls/art.h"
+#include "workflow/program_icon.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -20,19 +23,34 @@ void ShowOwnPicture(QMessageBox& box, const char* name) {
   label->setPixmap(picture.ToPixmap(kPictureSize, box.devicePixelRatioF()));
 }
 
+/// What a title bar holds beside the title: the icon and the buttons, each about as wide as a line is high.
+int TitleBarWidth(const QMessageBox& box) {
+  const QFontMetrics letters(box.font());
+  return letters.horizontalAdvance(box.windowTitle()) + 8 * letters.height();
+}
+
 void Fill(QMessageBox& box, text::TextView message, text::TextView title) {
   box.setTextFormat(Qt::PlainText);
   box.setWindowTitle(ToQt(title));
+  box.setWindowIcon(ProgramIcon());
   box.setText(ToQt(message));
+  // Paths stand in some messages.
+  box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    label->setMinimumHeight(kPictureSize.height());
+    // As high as the picture beside it, for a single line, but never less than its text asks for: a minimum that is
+    // set takes the place of the label's own.
+    label->ensurePolished();
+    label->setMinimumHeight(std::max(kPictureSize.height(), label->sizeHint().height()));
   }
 }
 
-/// Without the pictures that some styles put on the buttons.
+/// Without the pictures that some styles put on the buttons, and no narrower than the title asks for.
 int Run(QMessageBox& box) {
   for (QAbstractButton* button : box.buttons()) button->setIcon({});
+  if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+    grid->addItem(new QSpacerItem(TitleBarWidth(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
+  }
   return box.exec();
 }
 

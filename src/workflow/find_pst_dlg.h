@@ -15,9 +15,10 @@ class CFindPstDlg : public Page {
   explicit CFindPstDlg(CMainFrame& frame);
   ~CFindPstDlg() override;
 
+  void OnCloseBox() override;
+
  protected:
   void showEvent(QShowEvent* event) override;
-  void OnCloseBox() override;
 
  private:
   void FillDrives();

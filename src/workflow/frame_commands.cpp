@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QMenuBar>
 #include <QPainter>
+#include <QPointer>
 #include <QSettings>
 #include <QStatusBar>
 #include <QToolBar>
@@ -156,13 +157,39 @@ void CMainFrame::OnCommand(std::uint16_t id) {
 }
 
 void CMainFrame::OpenHelp(QWidget* owner) {
-  const int result = services_.openWithShell(base_.Help().string());
-  if (result == platform::kShellFileNotFound || result == platform::kShellPathNotFound) {
-    ShowBox(owner->isVisible() ? owner : nullptr, kHelpFileMissing, kInformation, BoxIcon::Information);
-  }
+  const std::string help = base_.Help().string();
+  OpenWithShell(help, [this, help, near = QPointer<QWidget>(owner)](int code) {
+    QWidget* over = near != nullptr && near->isVisible() ? near.data() : nullptr;
+    if (code == platform::kShellFileNotFound || code == platform::kShellPathNotFound) {
+      ShowBox(over, kHelpFileMissing, kInformation, BoxIcon::Information);
+    } else if (code != platform::kShellNoProgram || !services_.openInBrowser(help)) {
+      TellShellFailure(over, code, help, kInformation);
+    }
+  });
 }
 
-void CMainFrame::OpenWebPage(const char* path) { services_.openWithShell(std::string(kMakersHost) + path); }
+void CMainFrame::OpenWebPage(const char* path) {
+  const std::string address = std::string(kMakersHost) + path;
+  OpenWithShell(address, [this, address](int code) { TellShellFailure(nullptr, code, address, kInformation); });
+}
+
+void CMainFrame::OpenWithShell(const std::string& target, std::function<void(int code)> onFailure) {
+  const auto onRefusal = [self = QPointer<CMainFrame>(this), onFailure] {
+    QMetaObject::invokeMethod(
+        qApp,
+        [self, onFailure] {
+          if (self != nullptr) onFailure(platform::kShellNoProgram);
+        },
+        Qt::QueuedConnection);
+  };
+  if (const int code = services_.openWithShell(target, onRefusal); code < platform::kShellSuccess) onFailure(code);
+}
+
+void CMainFrame::TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title) {
+  const text::TextView reason = LinkFailureText(code);
+  ShowBox(owner, text::Text(reason.empty() ? kNothingOpens : reason) + u"\n" + text::FromFileName(target), title,
+          BoxIcon::Error);
+}
 
 void CMainFrame::StartUpdateHelper() {
   services_.startProgram(base_.UpdateHelper(), {"/SilentCheck", "/NoIcon", "/NoUpdateSelf"});

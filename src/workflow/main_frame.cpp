@@ -5,6 +5,8 @@
 #include <QScreen>
 #include <QSettings>
 
+#include "conversion/messages.h"
+#include "platform/shell.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
@@ -24,11 +26,9 @@ CMainFrame::CMainFrame(Services services)
     : services_(std::move(services)),
       base_(services_.programFile),
       engine_(state_, services_.makeOutput),
-      link_([this](const engine::RunMessage& message) { OnRunMessage(message); },
-            [this](engine::BoxKind kind, text::TextView title, text::TextView message) {
-              ShowBox(progressDialog, message, title,
-                      kind == engine::BoxKind::kError ? BoxIcon::Error : BoxIcon::Information);
-            }) {
+      link_(
+          [this](const engine::RunMessage& message) { OnRunMessage(message); },
+          [this](engine::BoxKind kind, text::TextView title, text::TextView message) { OnBox(kind, title, message); }) {
   panes_ = new ResultPanes(this, state_, engine_, services_.makeOutput);
   setCentralWidget(panes_);
   state_.run.observer = &link_;
@@ -59,11 +59,7 @@ bool CMainFrame::Create() {
 
 void CMainFrame::ShowPage(Page* page) {
   page_ = page;
-  // All pages have one title; for rules of window managers they differ by their role.
-  page->setWindowRole(QString::fromLatin1(page->metaObject()->className()).section(QStringLiteral("::"), -1));
-  page->show();
-  page->raise();
-  page->activateWindow();
+  window_.Show(page);
 }
 
 void CMainFrame::ShowStartPage() {
@@ -119,6 +115,16 @@ void CMainFrame::OnRunMessage(const engine::RunMessage& message) {
     default:
       panes_->OnMessage(message);
   }
+}
+
+void CMainFrame::OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) {
+  text::Text whole(message);
+  // What it was that stood in the way of the folder; the worker waits, so its report can be read.
+  if (message == conversion::kNoOutputFolder && !engine_.Report().failure.empty()) {
+    whole += u"\n\n" + text::FromUtf8(engine_.Report().failure);
+  }
+  ShowBox(progressDialog, whole, title, kind == engine::BoxKind::kError ? BoxIcon::Error : BoxIcon::Information);
+  if (progressDialog != nullptr) progressDialog->OnFailure();
 }
 
 int CMainFrame::OnFrameMessage(std::uint32_t code, std::uint32_t number) {

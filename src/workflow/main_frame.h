@@ -3,6 +3,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "workflow/page.h"
 #include "workflow/panes/result_panes.h"
 #include "workflow/services.h"
+#include "workflow/wizard_window.h"
 #include "workflow/worker.h"
 
 namespace velmora::workflow {
@@ -46,7 +48,7 @@ class CMainFrame : public QMainWindow {
   void OpenProfilePage();
   void OpenDestinationPage(resources::TemplateId previous);
 
-  /// The page on the screen, or null.
+  /// The page in the window, or null.
   Page* CurrentPage() const { return page_; }
 
   // The run.
@@ -67,8 +69,15 @@ class CMainFrame : public QMainWindow {
   /// A message to the frame; its answer is 1 for those that are taken and do nothing.
   int OnFrameMessage(std::uint32_t code, std::uint32_t number = 0);
 
-  /// Opens the help file; a box over `owner` tells when it cannot be found.
+  /// Opens the help file; a box over `owner` tells when it cannot be.
   void OpenHelp(QWidget* owner);
+
+  /// Hands a file, a folder or an address to the desktop. `onFailure` gets the code if nothing opens it, at once or a
+  /// little later.
+  void OpenWithShell(const std::string& target, std::function<void(int code)> onFailure);
+
+  /// A box over `owner` with the reason of a code, and what could not be opened.
+  void TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title);
 
   ResultPanes& Panes() { return *panes_; }
   conversion::RunState& State() { return state_; }
@@ -88,6 +97,7 @@ class CMainFrame : public QMainWindow {
   void BuildBars();
   void ShowPage(Page* page);
   void OnRunMessage(const engine::RunMessage& message);
+  void OnBox(engine::BoxKind kind, text::TextView title, text::TextView message);
   void OnProgressPageEnded();
   void OpenWebPage(const char* path);
   void StartUpdateHelper();
@@ -101,6 +111,7 @@ class CMainFrame : public QMainWindow {
   std::vector<std::weak_ptr<Worker>> leftWorkers_;  ///< of runs whose page was left
   ResultPanes* panes_;
   QPointer<Page> page_;
+  WizardWindow window_;
 };
 
 }  // namespace velmora::workflow

@@ -30,7 +30,8 @@ bool IsOutlook2000InInternetMode(const platform::Registry& registry) {
 
 void ChangeOutlook2000Mode(const Services& services) {
   if (!IsOutlookRunning(services)) {
-    services.openWithShell((services.programFilesFolder() / "Microsoft Office" / "Office" / "OUTLOOK.EXE").string());
+    services.openWithShell((services.programFilesFolder() / "Microsoft Office" / "Office" / "OUTLOOK.EXE").string(),
+                           {});
   }
   if (!services.registry->Opens(kOutlook2000Key)) return;
   const auto mode = services.registry->Query(kOutlook2000Key, kMailSupport);

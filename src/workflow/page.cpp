@@ -1,6 +1,5 @@
 #include "workflow/page.h"
 
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -72,17 +71,9 @@ void GiveLook(QWidget& field, const QString& style) {
 
 }  // namespace
 
-Page::Page(CMainFrame& frame, TemplateId id, QSize client)
-    : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                           Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint),
-      frame_(frame),
-      display_(ClassOf(id, frame)) {
+Page::Page(CMainFrame& frame, TemplateId id, QSize client) : frame_(frame), display_(ClassOf(id, frame)) {
   const DialogTemplate& made = FindTemplate(id);
-  setAttribute(Qt::WA_DeleteOnClose, false);
-  setObjectName(QStringLiteral("VMREPAIR_OSTPST"));
-  setWindowTitle(ToQt(LoadString(kPageTitle)));
   icon_.Load(128, "ICON");
-  setWindowIcon(icon_.ToPixmap({64, 64}, 2));
   setFixedSize(client);
   setPalette(PagePalette());
   QFont letters = font();
@@ -215,11 +206,6 @@ void Page::OpenPageMenu() {
   menu->popup(button->mapToGlobal(button->rect().bottomLeft()));
 }
 
-void Page::closeEvent(QCloseEvent* event) {
-  event->ignore();
-  OnCloseBox();
-}
-
 void Page::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:
@@ -238,7 +224,7 @@ void Page::keyPressEvent(QKeyEvent* event) {
 void Page::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), Qt::white);
-  if (!isMinimized()) return art_.Draw(painter, rect());
+  if (!window()->isMinimized()) return art_.Draw(painter, rect());
   const int side = style()->pixelMetric(QStyle::PM_LargeIconSize);
   icon_.Draw(painter, QRect((width() - side) / 2, (height() - side) / 2, side, side));
 }

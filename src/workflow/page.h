@@ -1,7 +1,7 @@
 // What all pages of the wizard have in common.
 #pragma once
 
-#include <QDialog>
+#include <QWidget>
 
 #include "controls/art.h"
 #include "controls/display_class.h"
@@ -11,10 +11,10 @@ namespace velmora::workflow {
 
 class CMainFrame;
 
-/// A window made of a template's controls over the page's art. Each page is made anew on each visit and
-/// deletes itself when it has ended. Enter and Escape do nothing unless a page says so; the close box asks
-/// whether to exit.
-class Page : public QDialog {
+/// What the window of the wizard shows: a template's controls over the page's art. Each page is made anew on each
+/// visit and deletes itself when it has ended. Enter and Escape do nothing unless a page says so; the close box
+/// asks whether to exit.
+class Page : public QWidget {
   Q_OBJECT
 
  public:
@@ -24,8 +24,10 @@ class Page : public QDialog {
     return findChild<T*>(QString::number(id), Qt::FindDirectChildrenOnly);
   }
 
-  void accept() override { OnOK(); }
-  void reject() override { OnCancel(); }
+  /// The close box of the window.
+  virtual void OnCloseBox() { AskExit(); }
+
+  void keyPressEvent(QKeyEvent* event) override;
 
  signals:
   /// The page is off the screen for good.
@@ -37,7 +39,6 @@ class Page : public QDialog {
 
   virtual void OnOK() {}
   virtual void OnCancel() {}
-  virtual void OnCloseBox() { AskExit(); }
 
   /// Takes the page off the screen.
   void EndDialog();
@@ -48,8 +49,6 @@ class Page : public QDialog {
   /// The page's menu, at the left bottom corner of its button.
   void OpenPageMenu();
 
-  void closeEvent(QCloseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
   CMainFrame& frame_;

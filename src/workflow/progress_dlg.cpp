@@ -1,7 +1,9 @@
 #include "workflow/progress_dlg.h"
 
 #include <QAbstractButton>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPointer>
 #include <QProgressBar>
 #include <filesystem>
 
@@ -33,6 +35,8 @@ void CProgressDlg::OnRunMessage(const engine::RunMessage& message) {
       OnPercentage(message.number);
       break;
     case engine::MSG_STAGE:
+      // The set-up, the third stage, names the store. The worker waits here, so what it writes can be read.
+      if (message.number > 3) store_ = frame_.State().destinationPath;
       SetText(kStageCaptionId, ToQt(StageCaption(message.detail == 1 ? 9 : message.number)));
       break;
     case engine::MSG_DONE:
@@ -64,27 +68,44 @@ void CProgressDlg::OnRunEnd() {
   Control<QWidget>(kHeadlineId)->show();
   Control<QWidget>(kStageCaptionId)->hide();
   Control<QWidget>(kAdviceId)->hide();
+  Control<QWidget>(kStoreLabelId)->show();
+  auto* path = Control<QLineEdit>(kStorePathId);
+  path->setText(ToQt(frame_.State().destinationPath));
+  path->setCursorPosition(0);
+  path->show();
+  Control<QWidget>(kFinishId)->setFocus();
   endPicture_.Load(229, "BITMAP");
   update();
-  const std::filesystem::path store = text::ToFileName(frame_.State().destinationPath);
-  frame_.Machine().openWithShell(store.parent_path().string());
+  const std::string folder =
+      std::filesystem::path(text::ToFileName(frame_.State().destinationPath)).parent_path().string();
+  frame_.OpenWithShell(folder, [&frame = frame_, folder, self = QPointer<CProgressDlg>(this)](int code) {
+    frame.TellShellFailure(self, code, folder, LoadString(kInformationTitle));
+  });
 }
+
+void CProgressDlg::OnFailure() { SetText(kHeadlineId, ToQt(kConversionNotCompleted)); }
 
 void CProgressDlg::paintEvent(QPaintEvent* event) {
   Page::paintEvent(event);
-  // In the place of advice and bar, as large as the page's class makes it.
+  // In the place of the bar, as large as the page's class makes it.
   const qreal scale = qreal(height()) / 430;
   const QSizeF size = QSizeF(endPicture_.Size()) * scale;
   QPainter painter(this);
-  endPicture_.Draw(painter, {QPointF((width() - size.width()) / 2, 158 * scale), size});
+  endPicture_.Draw(painter, {QPointF((width() - size.width()) / 2, 187 * scale), size});
 }
 
 void CProgressDlg::StopRule() {
   const std::shared_ptr<Worker> worker = frame_.WorkerThread();
   worker->Hold();
   if (AskYesNo(this, LoadString(kStopQuestion), LoadString(kConfirmationTitle))) {
+    CMainFrame& frame = frame_;
+    const text::Text store = store_;
     worker->Stop();
     EndDialog();
+    if (!store.empty()) {
+      ShowBox(frame.CurrentPage(), text::Text(LoadString(kProcessAborted)) + store, LoadString(kInformationTitle),
+              BoxIcon::Information);
+    }
   } else {
     worker->Resume();
   }

@@ -16,12 +16,15 @@ class CProgressDlg : public Page {
   /// Stage, percentage and end of the run.
   void OnRunMessage(const engine::RunMessage& message);
 
+  /// The run has told why it does not come to its end.
+  void OnFailure();
+
+  void OnCloseBox() override;
+
  protected:
   /// Both leave the page at once; the run goes on without it.
   void OnOK() override { EndDialog(); }
   void OnCancel() override { EndDialog(); }
-
-  void OnCloseBox() override;
 
  private:
   void paintEvent(QPaintEvent* event) override;
@@ -34,6 +37,7 @@ class CProgressDlg : public Page {
   void StopRule();
 
   std::uint32_t lastPercentage_ = 0;
+  text::Text store_;                             ///< path of the new store; empty until it is made
   controls::CGdiPlusBitmapResource endPicture_;  ///< empty until the end
 };
 

@@ -28,7 +28,8 @@ struct Services {
   std::function<std::filesystem::path()> programFilesFolder;  ///< where Windows programs lie
 
   // Other programs.
-  std::function<int(const std::string&)> openWithShell;  ///< a code as platform::OpenWithShell gives it
+  /// A code as platform::OpenWithShell gives it. The second is called in some thread if the desktop refuses later.
+  std::function<int(const std::string&, std::function<void()> onRefusal)> openWithShell;
   std::function<bool(const std::string&)> openInBrowser;
   std::function<bool(const std::filesystem::path&, const std::vector<std::string>&)> startProgram;
 

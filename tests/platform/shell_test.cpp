@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <future>
 #include <iterator>
+#include <memory>
 #include <thread>
 
 #include "platform/user_folders.h"
@@ -25,6 +28,13 @@ class ShellTest : public testing::Test {
     std::ofstream(file) << "#!/bin/sh\nprintf %s \"$1\" > '" << (folder_->Path() / "called").string()
                         << ".new'\n/bin/mv '" << (folder_->Path() / "called").string() << ".new' '"
                         << (folder_->Path() / "called").string() << "'\n";
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+  }
+
+  /// One that has nothing to open anything with.
+  void MakeRefusal(const std::string& name) {
+    const std::filesystem::path file = folder_->Path() / name;
+    std::ofstream(file) << "#!/bin/sh\nexit 3\n";
     std::filesystem::permissions(file, std::filesystem::perms::owner_all);
   }
 
@@ -50,6 +60,22 @@ TEST_F(ShellTest, TellsAMissingFileFromAMissingFolder) {
   MakeProgram("xdg-open");
   EXPECT_EQ(OpenWithShell((folder_->Path() / "none").string()), kShellFileNotFound);
   EXPECT_EQ(OpenWithShell((folder_->Path() / "none" / "none").string()), kShellPathNotFound);
+}
+
+TEST_F(ShellTest, TellsThatTheDesktopHasNoProgramAfterAll) {
+  MakeRefusal("xdg-open");
+  const auto refused = std::make_shared<std::promise<void>>();
+  EXPECT_GE(OpenWithShell(folder_->Path().string(), [refused] { refused->set_value(); }), kShellSuccess);
+  EXPECT_EQ(refused->get_future().wait_for(std::chrono::seconds(5)), std::future_status::ready);
+}
+
+TEST_F(ShellTest, AnOpenerThatEndsWellHasNotRefused) {
+  MakeProgram("xdg-open");
+  const auto refused = std::make_shared<std::atomic<bool>>(false);
+  EXPECT_GE(OpenWithShell(folder_->Path().string(), [refused] { *refused = true; }), kShellSuccess);
+  EXPECT_EQ(Called(), folder_->Path().string());
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_FALSE(*refused);
 }
 
 TEST_F(ShellTest, TellsThatNothingOpensAnAddress) {

@@ -71,9 +71,9 @@ TEST_F(AboutTest, OpensFromTheMenuOfAPageAndClosesByItsButton) {
 }
 
 TEST_F(AboutTest, StandsInTheMiddleOfItsPage) {
-  CurrentPage().move(40, 30);
+  CurrentPage().window()->move(40, 30);
   CAboutDlg about(*frame_, &CurrentPage());
-  EXPECT_EQ(about.geometry().center(), CurrentPage().geometry().center());
+  EXPECT_EQ(about.geometry().center(), CurrentPage().window()->geometry().center());
 }
 
 TEST_F(AboutTest, IsPaintedOnWhiteWithABorderAndTwoLines) {
@@ -106,7 +106,7 @@ TEST_F(AboutTest, IsWrittenInTheChosenLanguage) {
   UseLanguage(1);
   CAboutDlg about(*frame_, &CurrentPage());
   EXPECT_EQ(about.windowTitle(), "À propos de Velmora Convert OST to PST");
-  EXPECT_EQ(CurrentPage().windowTitle(), "Velmora Convert OST to PST")
+  EXPECT_EQ(CurrentPage().window()->windowTitle(), "Velmora Convert OST to PST")
       << "the wizard is in English whatever the language";
 }
 
@@ -151,9 +151,19 @@ TEST_F(AboutTest, AFailureHasItsText) {
   Click(about, CAboutDlg::kMakerId);
   EXPECT_EQ(boxes_.Texts(), QStringList("Error: The operating system denied access to the specified file."));
   machine_.shellResult = 1;
+  boxes_.Answer(QMessageBox::Ok);
   Click(about, CAboutDlg::kMakerId);
-  EXPECT_EQ(boxes_.seen.size(), 1u) << "a code without a text shows nothing";
+  EXPECT_EQ(boxes_.Texts().last(), "Error: No program was found to open:\nhttps://www.velmora.example/en");
   EXPECT_THAT(machine_.Log("browse"), IsEmpty());
+}
+
+TEST_F(AboutTest, ALinkThatNotEvenABrowserOpensIsTold) {
+  CAboutDlg about(*frame_, nullptr);
+  machine_.shellResult = 31;
+  machine_.browserOpens = false;
+  boxes_.Answer(QMessageBox::Ok);
+  Click(about, CAboutDlg::kMakerId);
+  EXPECT_EQ(boxes_.Texts(), QStringList("Error: No program was found to open:\nhttps://www.velmora.example/en"));
 }
 
 TEST_F(AboutTest, ShowsTheVersionOfTheProgramFile) {

@@ -117,9 +117,43 @@ TEST_F(FrameTest, AMissingHelpFileIsTold) {
   }
   EXPECT_EQ(boxes_.Texts(),
             QStringList({"Information: Unable to locate Help File", "Information: Unable to locate Help File"}));
-  machine_.shellResult = 5;
+}
+
+TEST_F(FrameTest, HelpThatNothingOpensGoesToTheBrowserItselfOrIsTold) {
+  const std::string help = (machine_.base / "vm-oxp.html").string();
+  machine_.shellResult = 31;
   frame_->OnCommand(kHelpCommand);
-  EXPECT_EQ(boxes_.seen.size(), 2u) << "no other failure is told";
+  EXPECT_EQ(machine_.Log("browse "), std::vector<std::string>{"browse " + help});
+  EXPECT_TRUE(boxes_.seen.empty());
+  machine_.browserOpens = false;
+  boxes_.Answer(QMessageBox::Ok);
+  frame_->OnCommand(kHelpCommand);
+  machine_.shellResult = 5;
+  boxes_.Answer(QMessageBox::Ok);
+  frame_->OnCommand(kHelpCommand);
+  const QString path = QString::fromStdString(help);
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList({"Information: No program was found to open:\n" + path,
+                         "Information: The operating system denied access to the specified file.\n" + path}));
+}
+
+TEST_F(FrameTest, ADesktopThatRefusesLaterIsToldToo) {
+  machine_.browserOpens = false;
+  frame_->OnCommand(kHelpCommand);
+  EXPECT_TRUE(boxes_.seen.empty());
+  boxes_.Answer(QMessageBox::Ok);
+  std::async(std::launch::async, machine_.refuse).wait();
+  EXPECT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList("Information: No program was found to open:\n" + PathToQt(machine_.base / "vm-oxp.html")));
+}
+
+TEST_F(FrameTest, AWebPageThatNothingOpensIsTold) {
+  machine_.shellResult = 31;
+  boxes_.Answer(QMessageBox::Ok);
+  frame_->OnCommand(kHowToRepairCommand);
+  EXPECT_EQ(boxes_.Texts(), QStringList("Information: No program was found to open:\n"
+                                        "https://www.velmora.example/pst-recovery"));
 }
 
 TEST_F(FrameTest, TheConvertCommandNeedsASource) {

@@ -48,13 +48,14 @@ Services Machine::Make() {
   services.registry = std::make_shared<platform::IniRegistry>(registryFile);
   services.runningPrograms = [this] { return programs; };
   services.programFilesFolder = [] { return std::filesystem::path("/programs"); };
-  services.openWithShell = [this](const std::string& target) {
+  services.openWithShell = [this](const std::string& target, std::function<void()> onRefusal) {
     log.push_back("open " + target);
+    refuse = std::move(onRefusal);
     return shellResult;
   };
   services.openInBrowser = [this](const std::string& address) {
     log.push_back("browse " + address);
-    return true;
+    return browserOpens;
   };
   services.startProgram = [this](const std::filesystem::path& file, const std::vector<std::string>& arguments) {
     std::string line = "start " + file.string();
@@ -191,10 +192,12 @@ void WizardTest::OnEachPage(const std::function<void(Page&)>& look) {
     Settle();
     look(CurrentPage());
   }
-  CProgressDlg progress(*frame_);
-  progress.show();
+  LeavePage();
+  WizardWindow window;
+  auto* progress = new CProgressDlg(*frame_);
+  window.Show(progress);
   Settle();
-  look(progress);
+  look(*progress);
 }
 
 std::vector<QWidget*> WizardTest::Controls(Page& page) {
@@ -206,7 +209,7 @@ std::vector<QWidget*> WizardTest::Controls(Page& page) {
 }
 
 void WizardTest::CloseBox() {
-  CurrentPage().close();
+  CurrentPage().window()->close();
   Settle();
 }
 

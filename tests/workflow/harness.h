@@ -45,8 +45,11 @@ class Machine {
   std::vector<platform::Volume> volumes;
   std::vector<std::filesystem::path> profileFolders;
   int shellResult = 33;
+  bool browserOpens = true;
   conversion::OutputFactory makeOutput;
   std::function<conversion::RunEnd(conversion::COutLook&, conversion::RunState&)> run;
+
+  std::function<void()> refuse;  ///< the desktop finds nothing that opens what it was handed last
 
   // What happened, in order: "open X", "browse X", "start X a b", "sleep 100", "exit".
   std::vector<std::string> log;

@@ -32,7 +32,8 @@ void ExpectNames(QWidget& window) {
   int named = 0;
   for (QWidget* widget : window.findChildren<QWidget*>()) {
     const bool told = widget->focusPolicy() != Qt::NoFocus || widget->inherits("QLabel");
-    if (!told || !widget->isVisible() || widget->window() != &window || widget->inherits("QScrollBar")) continue;
+    if (!told || !widget->isVisible() || widget->window() != window.window() || widget->inherits("QScrollBar"))
+      continue;
     QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
     ASSERT_NE(interface, nullptr);
     const auto* label = qobject_cast<QLabel*>(widget);
@@ -76,16 +77,17 @@ TEST_F(KeyboardTest, EveryControlOfBoxesAndDialogsHasAnAccessibleName) {
 
 TEST_F(KeyboardTest, EveryPageHasTheTitleTheIconAndTheWindowClass) {
   OnEachPage([](Page& page) {
-    EXPECT_EQ(page.windowTitle(), "Velmora Convert OST to PST");
-    EXPECT_EQ(page.objectName(), "VMREPAIR_OSTPST");
-    EXPECT_FALSE(page.windowIcon().isNull());
+    const QWidget& window = *page.window();
+    EXPECT_EQ(window.windowTitle(), "Velmora Convert OST to PST");
+    EXPECT_EQ(window.objectName(), "VMREPAIR_OSTPST");
+    EXPECT_FALSE(window.windowIcon().isNull());
   });
 }
 
 TEST_F(KeyboardTest, APageIsKnownByItsRole) {
-  EXPECT_EQ(CurrentPage().windowRole(), "CCustomDlg");
+  EXPECT_EQ(CurrentPage().window()->windowRole(), "CCustomDlg");
   Press(kBrowseStartId);
-  EXPECT_EQ(CurrentPage().windowRole(), "CSelectPstDlg");
+  EXPECT_EQ(CurrentPage().window()->windowRole(), "CSelectPstDlg");
 }
 
 TEST_F(KeyboardTest, TabReachesEveryControlThatCanBeWorked) {

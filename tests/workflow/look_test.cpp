@@ -70,10 +70,11 @@ class LookTest : public WizardTest {
   /// What a text needs to be read.
   static void ExpectReadable(QWidget& window) {
     const QImage picture = window.grab().toImage();
+    int texts = 0;
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
       const bool hasText = widget->inherits("QLabel") || widget->inherits("QAbstractButton") ||
                            widget->inherits("QLineEdit") || widget->inherits("QTreeView");
-      if (!hasText || !widget->isVisible() || widget->window() != &window) continue;
+      if (!hasText || !widget->isVisible() || widget->window() != window.window()) continue;
       if (const auto* label = qobject_cast<const QLabel*>(widget); label != nullptr && label->text().isEmpty())
         continue;
       const QRect place(widget->mapTo(&window, QPoint(0, 0)), widget->size());
@@ -82,7 +83,9 @@ class LookTest : public WizardTest {
       const QRect pixels(place.topLeft() * scale, place.size() * scale);
       EXPECT_GE(ContrastIn(picture.copy(pixels)), widget->isEnabled() ? 4.5 : 3.0)
           << widget->metaObject()->className() << " " << widget->accessibleName().toStdString();
+      ++texts;
     }
+    EXPECT_GE(texts, 1);
   }
 
   QPalette colours_;
@@ -197,7 +200,7 @@ TEST_F(LookTest, ABoxHasItsOwnPictureAndNoneOnItsButtons) {
 
 TEST_F(LookTest, AMinimisedPageShowsItsIcon) {
   const QImage open = CurrentPage().grab().toImage();
-  CurrentPage().showMinimized();
+  CurrentPage().window()->showMinimized();
   const QImage icon = CurrentPage().grab().toImage();
   EXPECT_NE(icon, open);
   const qreal scale = icon.devicePixelRatio();

@@ -21,6 +21,8 @@ int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   qInstallMessageHandler(PassOn);
   testing::InitGoogleTest(&argc, argv);
+  // As the program itself does it: without this no display of a broken scale keeps its dots per inch.
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   // What the frame keeps of its bars is not to come from, or go to, the user's own settings.

@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 
 #include "workflow/custom_dlg.h"
@@ -134,6 +135,53 @@ TEST_F(ProgressPageTest, AtTheEndTheFolderOfTheNewStoreOpensAndFinishLeadsToTheS
   EXPECT_FALSE(State().run.runEnded) << "fit for the next run";
 }
 
+TEST_F(ProgressPageTest, AtTheEndThePathOfTheNewStoreCanBeSelectedAndFinishHasTheFocus) {
+  EXPECT_FALSE(IsShown(kStoreLabelId));
+  EXPECT_FALSE(IsShown(kStorePathId));
+  script_.Do([](conversion::RunState& state) { state.destinationPath = u"/out/mail Converted0/mail Converted.pst"; });
+  script_.Finish();
+  Done(2);
+  EXPECT_TRUE(IsShown(kStoreLabelId));
+  EXPECT_EQ(Text(kStoreLabelId), "The new store:");
+  auto& path = Control<QLineEdit>(kStorePathId);
+  EXPECT_TRUE(path.isVisible() && path.isReadOnly());
+  EXPECT_EQ(path.text(), "/out/mail Converted0/mail Converted.pst");
+  path.selectAll();
+  EXPECT_EQ(path.selectedText(), path.text());
+  EXPECT_EQ(CurrentPage().window()->focusWidget(), &Control<QWidget>(kFinishId));
+}
+
+TEST_F(ProgressPageTest, AFolderThatNothingOpensIsTold) {
+  machine_.shellResult = 31;
+  script_.Do([](conversion::RunState& state) { state.destinationPath = u"/out/mail Converted0/mail Converted.pst"; });
+  script_.Finish();
+  boxes_.Answer(QMessageBox::Ok);
+  Done(2);
+  EXPECT_EQ(boxes_.Texts(), QStringList("Information: No program was found to open:\n/out/mail Converted0"));
+  EXPECT_TRUE(IsShown(kStorePathId));
+}
+
+TEST_F(ProgressPageTest, AStopTellsWhereTheStoreIsOnceThereIsOne) {
+  script_.Do([](conversion::RunState& state) { state.destinationPath = u"/out/mail Converted0/mail Converted.pst"; });
+  script_.Send(engine::MSG_STAGE, 4);
+  Done(2);
+  boxes_.Answer(QMessageBox::Yes);
+  boxes_.Answer(QMessageBox::Ok, [this] { EXPECT_TRUE(IsPage<CCustomDlg>()) << "the start page is there already"; });
+  Press(kCancelId);
+  EXPECT_EQ(boxes_.Texts(), QStringList({kStopBox,
+                                         "Information: Recovery process aborted.\nRecovered at:"
+                                         "/out/mail Converted0/mail Converted.pst"}));
+  EXPECT_EQ(boxes_.seen.back().icon, QMessageBox::Information);
+}
+
+TEST_F(ProgressPageTest, AStopAheadOfTheStoreTellsNoPath) {
+  script_.Send(engine::MSG_STAGE, 3);
+  Done(1);
+  boxes_.Answer(QMessageBox::Yes);
+  Press(kCancelId);
+  EXPECT_EQ(boxes_.Texts(), QStringList(kStopBox));
+}
+
 TEST_F(ProgressPageTest, CancelHoldsTheRunAndNoLetsItGoOnWithoutAGap) {
   script_.Send(engine::MSG_PROGRESS, 10);
   Done(1);
@@ -193,7 +241,7 @@ TEST_F(ProgressPageTest, TheCloseBoxAsksToExitOnceTheRunHasEnded) {
   EXPECT_TRUE(IsNowhere());
 }
 
-TEST_F(ProgressPageTest, AfterAFailedStepThePageStaysAsItWas) {
+TEST_F(ProgressPageTest, AfterAFailedStepThePageStaysButAsksForNoPatience) {
   script_.Do([](conversion::RunState& state) {
     state.run.Send(engine::MSG_STAGE, 5);
     state.run.ShowError(u"Pst/Ost file is not valid.");
@@ -205,6 +253,7 @@ TEST_F(ProgressPageTest, AfterAFailedStepThePageStaysAsItWas) {
   EXPECT_EQ(boxes_.Texts(), QStringList("Error: Pst/Ost file is not valid."));
   EXPECT_EQ(boxes_.seen[0].icon, QMessageBox::Critical);
   EXPECT_EQ(Text(kStageCaptionId), "Validating Folder Structure...");
+  EXPECT_EQ(Text(kHeadlineId), "OST file conversion not completed.") << "there is nothing to wait for";
   EXPECT_FALSE(Control<QWidget>(kFinishId).isEnabled());
 
   boxes_.Answer(QMessageBox::No);

@@ -75,6 +75,16 @@ in_dialog() {
   window=$(xdotool getactivewindow 2>/dev/null) && [ -z "$(role_of "$window")" ] &&
     [[ $(xdotool getwindowname "$window") =~ $1 ]]
 }
+place_of() {
+  xwininfo -id "$1" | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { print x "," $NF }'
+}
+# The pages take turns in one window, and it stays where the user put it.
+stays() {
+  local now
+  now=$(xdotool getactivewindow)
+  [ "$now" = "$window" ] || fail "the $1 stands in a window of its own"
+  [ "$(place_of "$now")" = "$place" ] || fail "with the $1 the window jumped from $place to $(place_of "$now")"
+}
 left() { ! on_page "$1" && xdotool getactivewindow; }
 menu_is_open() { [ "$(xdotool search --onlyvisible --class velmora 2>/dev/null | wc -l)" -gt 1 ]; }
 
@@ -154,9 +164,31 @@ velmora_process=$!
 started+=($velmora_process)
 until_so "the start page" on_page CCustomDlg
 shot start
+window=$(xdotool getactivewindow)
+before=$(place_of "$window")
+xdotool windowmove "$window" 60 40
+moved() { place=$(place_of "$window") && [ "$place" != "$before" ]; }
+until_so "the window's new place" moved
+
+# A second start shows its box, which has the program's icon and room for its title, and ends; the first goes on.
+"$velmora" 2>>"$work/velmora.log" &
+second=$!
+started+=($second)
+until_so "the box of a second start" in_dialog '^Error$'
+box=$(xdotool getactivewindow)
+shot second-start
+[ "$(xwininfo -id "$box" | awk '/ Width:/ { print $NF }')" -ge 160 ] || fail "the box of a second start cuts its title"
+[[ $(xprop -id "$box" _NET_WM_ICON) == *Icon* ]] || fail "the box of a second start has no icon"
+by_key Return "the start page" on_page CCustomDlg
+code=0
+wait "$second" || code=$?
+[ "$code" -eq 0 ] || fail "the second start ended with $code"
+kill -0 "$velmora_process" || fail "the second start ended the first"
+stays "start page"
 
 # A search: the drive is typed over, the hit chosen by the keyboard, until the choice leads on.
 by_key alt+f "the find page" on_page CFindPstDlg
+stays "find page"
 xdotool key Tab key shift+Tab key ctrl+a
 xdotool type --delay 10 "$home/Mail"
 xdotool key alt+d
@@ -201,13 +233,16 @@ pick() {
 # From the start page to the run.
 convert() {
   by_key alt+s "the browse page" on_page CSelectPstDlg
+  stays "browse page"
   pick CSelectPstDlg '^Velmora' "$home/Mail/outlook.ost"
   shot browse
   by_key alt+n "the destination page" on_page CCustom2Dlg
+  stays "destination page"
   pick CCustom2Dlg '^Select destination path' "$home/Documents"
   shot destination
   by_key alt+c "the progress page" left CCustom2Dlg
   until_so "the progress page" on_page CProgressDlg
+  stays "progress page"
 }
 
 # Stop and go on, then stop for good.
@@ -218,7 +253,10 @@ by_key alt+n "the progress page" on_page CProgressDlg
 shot progress
 until_so "the new store" test -s "$home/Documents/outlook Converted0/outlook Converted.pst"
 by_key alt+c "the stop question" in_dialog '^Confirmation$'
-by_key alt+y "the start page" on_page CCustomDlg
+by_key alt+y "the place of the store" in_dialog '^Information$'
+shot stopped
+by_key Return "the start page" on_page CCustomDlg
+stays "start page after a stop"
 [ ! -s "$work/opened" ] || fail "a stopped run opened $(cat "$work/opened")"
 
 # Again from the start, to the end. The folder of the first run would be in the way.
@@ -231,6 +269,7 @@ folder=$(cat "$work/opened")
 [ -s "$folder/outlook Converted.pst" ] || fail "there is no store in $folder"
 [ ! -e "$folder/FirstTableItem.dat" ] || fail "the index was left behind"
 by_key alt+f "the start page" on_page CCustomDlg
+stays "start page after a run"
 
 # The close box asks, and Yes ends the process.
 by_key alt+F4 "the exit question" in_dialog '^Information$'

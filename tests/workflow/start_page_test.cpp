@@ -14,7 +14,7 @@ TEST_F(StartPageTest, IsTheFirstPageAndTheFrameStaysHidden) {
   Start();
   EXPECT_TRUE(IsPage<CCustomDlg>());
   EXPECT_FALSE(frame_->isVisible());
-  EXPECT_EQ(CurrentPage().windowTitle(), "Velmora Convert OST to PST");
+  EXPECT_EQ(CurrentPage().window()->windowTitle(), "Velmora Convert OST to PST");
   EXPECT_EQ(CurrentPage().size(), QSize(700, 430));
 }
 

@@ -210,12 +210,28 @@ TEST_F(WholeRunTest, ADestinationThatVanishedIsTold) {
   boxes_.Answer(QMessageBox::Ok);
   Press(kNextId);
   ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
-  EXPECT_EQ(boxes_.Texts(), QStringList("Error: Unable to create folder to save recovered .pst file.\n"
-                                        "Please select another location to save recovered .pst file."));
+  ASSERT_EQ(boxes_.seen.size(), 1u);
+  EXPECT_TRUE(
+      boxes_.Texts()[0].startsWith("Error: Unable to create folder to save recovered .pst file.\n"
+                                   "Please select another location to save recovered .pst file.\n\n" +
+                                   PathToQt(destination_ / "outlook Converted0") + ": "))
+      << boxes_.Texts()[0].toStdString();
   ASSERT_TRUE(Comes([this] { return State().run.runEnded.load(); }));
   boxes_.Answer(QMessageBox::No);
   CloseBox();
   EXPECT_EQ(boxes_.Texts().last(), "Information: Do you want to exit the application?");
+}
+
+TEST_F(WholeRunTest, ASecondRunIntoTheSameFolderSaysThatItIsThereAlready) {
+  const auto source = MakeSource(1);
+  std::filesystem::create_directory(destination_ / "outlook Converted0");
+  Convert(source);
+  boxes_.Answer(QMessageBox::Ok);
+  ASSERT_TRUE(Comes([this] { return boxes_.seen.size() == 1; }));
+  EXPECT_EQ(boxes_.Texts(),
+            QStringList("Error: Unable to create folder to save recovered .pst file.\n"
+                        "Please select another location to save recovered .pst file.\n\n" +
+                        PathToQt(destination_ / "outlook Converted0") + ": the folder is there already"));
 }
 
 TEST_F(WholeRunTest, ARunThatMeetsTheEndOfOneThatWasLeftIsTold) {
