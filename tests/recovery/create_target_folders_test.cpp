@@ -6,7 +6,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint32_t kRoot = 0x122;
 
 class CreateTargetFoldersTest : public RecoveryTest {
  protected:
@@ -19,7 +18,7 @@ class CreateTargetFoldersTest : public RecoveryTest {
 
 TEST_F(CreateTargetFoldersTest, ChildrenOfTheTopFolderGetAPathOfOneLevel) {
   state_.topFolderNid = 10;
-  Create({{10, kRoot, u"Top of Personal Folders", u"IPF.Note"},
+  Create({{10, kRootFolderNid, u"Top of Personal Folders", u"IPF.Note"},
           {20, 10, u"Inbox", u"IPF.Note"},
           {30, 20, u"Old", u"IPF.Task"}});
   EXPECT_THAT(Trace("AddFolder"),
@@ -27,7 +26,7 @@ TEST_F(CreateTargetFoldersTest, ChildrenOfTheTopFolderGetAPathOfOneLevel) {
 }
 
 TEST_F(CreateTargetFoldersTest, FoldersBelowTheRootNodeAreLeftOutAndTheirChildrenHangFromTheTop) {
-  Create({{10, kRoot, u"Search Root", u"IPF.Note"}, {20, 10, u"Results", u"IPF.Note"}});
+  Create({{10, kRootFolderNid, u"Search Root", u"IPF.Note"}, {20, 10, u"Results", u"IPF.Note"}});
   EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "Results", R"("IPF.Note")")));
   EXPECT_EQ(state_.folders.Records().size(), 1u);
 }
