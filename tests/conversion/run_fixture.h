@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "conversion/worker.h"
+#include "engine/bad_disk.h"
 #include "forge/mailbox.h"
 #include "output/trace/trace_library.h"
 #include "platform/user_folders.h"
@@ -84,6 +85,7 @@ class RunTest : public testing::Test {
   platform::Result<void> sealResult_;
   int seals_ = 0;
   Recorder recorder_;
+  std::vector<engine::BadPlace> badPlaces_;  ///< of the disk that the source lies on
   RunState state_;
   COutLook outLook_;
 };
