@@ -43,11 +43,12 @@ text::Text FullPath(const std::string& path) {
 /// Everything of one call of the program that the parts of its work share.
 class Conversion {
  public:
-  explicit Conversion(const Options& options)
+  Conversion(const Options& options, const platform::SourceOpener& openSource)
       : options_(options),
         progress_(StyleOfTerminal(), WriteError),
         console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError, [this] { CountFolders(); }),
-        outLook_(state_, [this] { return targets_.MakeOutput(); }) {
+        outLook_(
+            state_, [this] { return targets_.MakeOutput(); }, openSource) {
     state_.run.observer = &console_;
     state_.run.smartScan = options.smart;
     state_.codePage = options.codePage;
@@ -81,20 +82,26 @@ class Conversion {
     refusal_ = console_.LastError();
     if (!refusal_.empty()) {
       if (!outLook_.Report().failure.empty()) console_.Say("velmora-convert: " + outLook_.Report().failure);
-      return ExitCodeOfBox(refusal_);
+      const ExitCode code = ExitCodeOfBox(refusal_);
+      // Nobody knows whether a store is valid that could not be read.
+      return code == ExitCode::kNotValid && TellReadFailure() ? ExitCode::kInputOutput : code;
     }
     if (end == conversion::RunEnd::kStopped) {
       console_.Say(StopText());
       return ExitCode::kStopped;
     }
     if (!console_.IsDone()) return ExitCode::kAborted;
-    if (outLook_.Report().readFailure) {
-      const platform::Failure& failure = *outLook_.Report().readFailure;
-      console_.Say(fmt::format("velmora-convert: reading failed: {} at {}: {}", failure.object, failure.offset,
-                               failure.message));
-      return ExitCode::kInputOutput;
-    }
+    TellReadFailure();
     return outLook_.Report().recovery.lost.empty() ? ExitCode::kDone : ExitCode::kLosses;
+  }
+
+  /// Names the first read of the source that failed; false where none did.
+  bool TellReadFailure() {
+    if (!outLook_.Report().readFailure) return false;
+    const platform::Failure& failure = *outLook_.Report().readFailure;
+    console_.Say(
+        fmt::format("velmora-convert: reading failed: {} at {}: {}", failure.object, failure.offset, failure.message));
+    return true;
   }
 
   std::string StopText() const {
@@ -151,6 +158,8 @@ class Conversion {
 
 }  // namespace
 
-ExitCode Convert(const Options& options) { return Conversion(options).Run(); }
+ExitCode Convert(const Options& options, const platform::SourceOpener& openSource) {
+  return Conversion(options, openSource).Run();
+}
 
 }  // namespace velmora::cli

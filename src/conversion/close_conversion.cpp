@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "conversion/out_look.h"
+#include "conversion/unread_ranges.h"
 #include "platform/file.h"
 
 namespace velmora::conversion {
@@ -63,6 +64,7 @@ void COutLook::CompleteReport() {
   report_.blockEncoding = engine_.blockEncoding;
   report_.readFailure = engine_.readFailure;
   report_.recovery = recovery_.report;
+  TellUnreadRanges(engine_.badRanges, report_.recovery);
 }
 
 void COutLook::ReleaseSession() {

@@ -9,8 +9,11 @@
 
 namespace velmora::conversion {
 
-COutLook::COutLook(RunState& state, OutputFactory makeOutput)
-    : state_(state), makeOutput_(std::move(makeOutput)), converters_(items::MakeItemConverters()) {}
+COutLook::COutLook(RunState& state, OutputFactory makeOutput, platform::SourceOpener openSource)
+    : state_(state),
+      makeOutput_(std::move(makeOutput)),
+      openSource_(std::move(openSource)),
+      converters_(items::MakeItemConverters()) {}
 
 COutLook::~COutLook() = default;
 
@@ -25,7 +28,7 @@ void COutLook::OpenSource(const text::Text& path) {
     logHandle_ = std::make_unique<RunLogFile>();
     state_.run.log = logHandle_.get();
   }
-  engine::OpenSource(engine_, state_.run, text::ToFileName(path));
+  engine::OpenSource(engine_, state_.run, text::ToFileName(path), openSource_);
 }
 
 void COutLook::ProbeFormat() {

@@ -12,6 +12,7 @@
 #include "conversion/run_state.h"
 #include "engine/engine_state.h"
 #include "output/operations.h"
+#include "platform/file.h"
 #include "recovery/recovery_state.h"
 
 namespace velmora::conversion {
@@ -22,7 +23,7 @@ namespace velmora::conversion {
 class COutLook {
  public:
   /// `state` outlives this object.
-  COutLook(RunState& state, OutputFactory makeOutput);
+  COutLook(RunState& state, OutputFactory makeOutput, platform::SourceOpener openSource = platform::OpenForReading);
   ~COutLook();
   COutLook(const COutLook&) = delete;
   COutLook& operator=(const COutLook&) = delete;
@@ -87,6 +88,7 @@ class COutLook {
 
   RunState& state_;
   OutputFactory makeOutput_;
+  platform::SourceOpener openSource_;
   RunOutput output_;
   std::optional<platform::Failure> sealFailure_;
   bool storeFailed_ = false;  ///< in this run, before it was sealed

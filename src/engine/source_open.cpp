@@ -5,10 +5,11 @@
 
 namespace velmora::engine {
 
-void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path) {
+void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path,
+                const platform::SourceOpener& open) {
   state = EngineState{};
   run.Send(MSG_STAGE, 1);
-  auto source = platform::OpenForReading(path);
+  auto source = open(path);
   if (!source) {
     run.ShowError(kSourceNotOpened);
     throw WorkerEnded{};

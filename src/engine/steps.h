@@ -13,7 +13,8 @@ namespace velmora::engine {
 /// source_open.cpp. Makes the state new, so nothing of an earlier run stays; sends stage 1, opens the file
 /// with read sharing and sets `percentBase`. A source that cannot be opened shows its box and throws
 /// WorkerEnded; `source` is null then.
-void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path);
+void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path,
+                const platform::SourceOpener& open = platform::OpenForReading);
 
 enum class ProbeResult { kFound, kRefused };
 

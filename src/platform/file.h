@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -46,6 +47,9 @@ class ByteStore : public ByteSource {
 
 /// Opens an existing regular file for reading, leaving other readers alone. A folder gives kDenied.
 Result<std::unique_ptr<ByteSource>> OpenForReading(const std::filesystem::path& path);
+
+/// How a source is opened; tests hand in a device that fails.
+using SourceOpener = std::function<Result<std::unique_ptr<ByteSource>>(const std::filesystem::path&)>;
 
 /// Opens an existing regular file for reading and writing.
 Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path);

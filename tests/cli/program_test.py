@@ -68,6 +68,27 @@ class Program(unittest.TestCase):
         self.assertRegex(ended.stdout, r"\n +\d+  items in \d+ folders\n$")
         self.assertEqual(ended.stderr.splitlines(), STAGES)
 
+    def test_of_the_header_the_two_bytes_that_tell_the_kind_of_store_are_enough(self):
+        whole = self.demo.read_bytes()
+        first_data = 0x4800
+        for name, kept, code in (("kind", slice(8, 10), 0), ("nothing", slice(0, 0), 65)):
+            with self.subTest(kept=name):
+                damaged = bytearray(first_data) + whole[first_data:]
+                damaged[kept] = whole[kept]
+                source = self.work / f"{name}.ost"
+                source.write_bytes(damaged)
+                ended = self.run_program("--quiet", source, self.out)
+                self.assertEqual(ended.returncode, code, ended.stderr)
+        self.assertEqual(self.contents_of(self.work / "kind.ost"), self.contents_of(self.demo))
+
+    def contents_of(self, source):
+        """Folders and items as a dry run finds them, under the same name whatever the source's."""
+        report = self.work / "contents.json"
+        report.unlink(missing_ok=True)
+        self.run_program("--quiet", "--dry-run", "--report", report, source, self.out)
+        told = json.loads(report.read_text("utf-8"))
+        return told["folders"], told["items"], told["attachments"], told["embedded"]
+
     def test_quiet_says_nothing(self):
         ended = self.run_program("--quiet", self.demo, self.out)
         self.assertEqual((ended.returncode, ended.stdout, ended.stderr), (0, "", ""))

@@ -111,14 +111,18 @@ std::vector<std::string> Recorder::Steps() const {
 }
 
 RunTest::RunTest()
-    : folder_(platform::TemporaryFolder::Create().value()), outLook_(state_, [this] {
-        return RunOutput{library_,
-                         [this] {
-                           ++seals_;
-                           return sealResult_;
-                         },
-                         [this] { return fullTables_; }};
-      }) {
+    : folder_(platform::TemporaryFolder::Create().value()),
+      outLook_(
+          state_,
+          [this] {
+            return RunOutput{library_,
+                             [this] {
+                               ++seals_;
+                               return sealResult_;
+                             },
+                             [this] { return fullTables_; }};
+          },
+          engine::OpenBadDisk(badPlaces_)) {
   StartOver("out");
   state_.run.observer = &recorder_;
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "conversion/worker.h"
+#include "engine/bad_disk.h"
 #include "forge/mailbox.h"
 #include "output/trace/trace_library.h"
 #include "platform/user_folders.h"
@@ -85,6 +86,7 @@ class RunTest : public testing::Test {
   int seals_ = 0;
   std::vector<output::FullTable> fullTables_;
   Recorder recorder_;
+  std::vector<engine::BadPlace> badPlaces_;  ///< of the disk that the source lies on
   RunState state_;
   COutLook outLook_;
 };

@@ -40,4 +40,13 @@ class BadDisk : public platform::ByteSource {
   std::vector<BadPlace> bad_;
 };
 
+/// Opens files on a disk with these bad places, of which there may be more or fewer at the next opening.
+inline platform::SourceOpener OpenBadDisk(const std::vector<BadPlace>& bad) {
+  return [&bad](const std::filesystem::path& path) -> platform::Result<std::unique_ptr<platform::ByteSource>> {
+    auto file = platform::OpenForReading(path);
+    if (!file || bad.empty()) return file;
+    return std::make_unique<BadDisk>(std::move(*file), bad);
+  };
+}
+
 }  // namespace velmora::engine

@@ -6,7 +6,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-
 class CreateTargetFoldersTest : public RecoveryTest {
  protected:
   void Create(std::vector<FolderRecord> folders) { CreateTargetFolders(state_, std::move(folders), run_); }
