@@ -21,7 +21,8 @@ class ArtButton : public QAbstractButton {
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;
 
-  /// A line around `area` while the button has the focus, once the keyboard has moved it in this window.
+  /// A line around `area` while the button has the focus, once the keyboard has moved it in this window. Its colour
+  /// must stand out from what lies under it.
   void DrawFocus(QPainter& painter, const QRectF& area, const QColor& colour) const;
 
  private:

@@ -54,6 +54,14 @@ QSize CXCmdBtn::DrawnSize() const {
   return size();
 }
 
+QMarginsF CXCmdBtn::FocusMargins() const {
+  constexpr QSize kWithRim{218, 88};
+  if (Shown().art.Size() != kWithRim) return {3.5, 3.5, 3.5, 3.5};
+  const qreal across = qreal(DrawnSize().width()) / kWithRim.width();
+  const qreal down = qreal(DrawnSize().height()) / kWithRim.height();
+  return {8.5 * across, 8.5 * down, 8.5 * across, 12.5 * down};
+}
+
 QSize CXCmdBtn::sizeHint() const { return DrawnSize(); }
 
 void CXCmdBtn::paintEvent(QPaintEvent*) {
@@ -64,7 +72,7 @@ void CXCmdBtn::paintEvent(QPaintEvent*) {
     painter.setPen(Qt::white);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine | Qt::TextShowMnemonic, text());
   }
-  DrawFocus(painter, place.adjusted(3.5, 3.5, -3.5, -3.5), Qt::white);
+  DrawFocus(painter, place.marginsRemoved(FocusMargins()), Qt::white);
 }
 
 }  // namespace velmora::controls

@@ -38,6 +38,10 @@ class CXCmdBtn : public ArtButton {
   };
   const Image& Shown() const;
 
+  /// From the edges of the image to the line of the focus, which is white: well within the face. The large images
+  /// have a rim that is white while the mouse is over them, and their shadow below.
+  QMarginsF FocusMargins() const;
+
   Image normal_, hover_, pressed_;
   DisplayClass display_ = DisplayClass::Natural;
   bool imageOnly_ = false;

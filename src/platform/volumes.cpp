@@ -25,11 +25,19 @@ std::string Unescaped(std::string_view field) {
   return text;
 }
 
-bool IsSystemTree(std::string_view mountPoint) {
-  constexpr std::string_view kTrees[] = {"/proc", "/sys", "/dev", "/run"};
-  return std::any_of(std::begin(kTrees), std::end(kTrees), [&](std::string_view tree) {
-    return mountPoint == tree || (mountPoint.starts_with(tree) && mountPoint[tree.size()] == '/');
-  });
+/// What the kernel makes up, what lies in memory, images of packages, and what the firmware reads. The root is there
+/// for users whatever it is: of a system that was started from a medium it is an overlay.
+bool IsOfTheSystem(const std::filesystem::path& mountPoint, std::string_view type) {
+  constexpr std::string_view kTypes[] = {
+      "autofs",          "binfmt_misc",   "bpf",       "cgroup",     "cgroup2",    "configfs",
+      "debugfs",         "devpts",        "devtmpfs",  "efivarfs",   "erofs",      "fusectl",
+      "hugetlbfs",       "mqueue",        "nfsd",      "nsfs",       "overlay",    "proc",
+      "pstore",          "ramfs",         "rootfs",    "rpc_pipefs", "securityfs", "selinuxfs",
+      "squashfs",        "sysfs",         "tmpfs",     "tracefs",    "aufs",       "fuse.portal",
+      "fuse.gvfsd-fuse", "fuse.snapfuse", "fuse.lxcfs"};
+  if (mountPoint == "/") return false;
+  if (type == "vfat" && mountPoint.filename() == "efi") return true;
+  return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
 }
 
 /// A partition says nothing itself; its disk, the folder above it, does.
@@ -46,22 +54,36 @@ bool IsRemovableDevice(std::string_view device) {
 
 std::vector<Volume> ParseMountTable(std::string_view table, const std::function<bool(std::string_view)>& isRemovable,
                                     const std::function<bool(const std::filesystem::path&)>& isFolder) {
-  std::vector<Volume> volumes;
+  struct Mount {
+    Volume volume;
+    std::string type;
+  };
+  std::vector<Mount> mounts;
   std::istringstream lines{std::string(table)};
   for (std::string line; std::getline(lines, line);) {
     std::istringstream fields(line);
     std::string id, parent, device, root, mountPoint;
     if (!(fields >> id >> parent >> device >> root >> mountPoint)) continue;
+    // Options, then any number of fields, a hyphen, and the type.
+    std::string field, type;
+    while (fields >> field && field != "-") {
+    }
+    if (!(fields >> type)) continue;
     Volume volume{Unescaped(mountPoint), isRemovable(device)};
-    if (IsSystemTree(volume.mountPoint.native()) && !volume.removable) continue;
-    if (isFolder(volume.mountPoint)) volumes.push_back(std::move(volume));
+    mounts.push_back({std::move(volume), type});
   }
   // Of two volumes at one place the later one is seen.
-  std::reverse(volumes.begin(), volumes.end());
-  std::stable_sort(volumes.begin(), volumes.end(),
-                   [](const Volume& a, const Volume& b) { return a.mountPoint.native() < b.mountPoint.native(); });
-  const auto samePlace = [](const Volume& a, const Volume& b) { return a.mountPoint == b.mountPoint; };
-  volumes.erase(std::unique(volumes.begin(), volumes.end(), samePlace), volumes.end());
+  std::reverse(mounts.begin(), mounts.end());
+  const auto placeOf = [](const Mount& mount) -> const std::string& { return mount.volume.mountPoint.native(); };
+  std::stable_sort(mounts.begin(), mounts.end(),
+                   [&](const Mount& a, const Mount& b) { return placeOf(a) < placeOf(b); });
+  const auto samePlace = [&](const Mount& a, const Mount& b) { return placeOf(a) == placeOf(b); };
+  mounts.erase(std::unique(mounts.begin(), mounts.end(), samePlace), mounts.end());
+  std::vector<Volume> volumes;
+  for (Mount& mount : mounts) {
+    if (IsOfTheSystem(mount.volume.mountPoint, mount.type) || !isFolder(mount.volume.mountPoint)) continue;
+    volumes.push_back(std::move(mount.volume));
+  }
   return volumes;
 }
 

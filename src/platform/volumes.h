@@ -16,8 +16,9 @@ struct Volume {
   friend bool operator==(const Volume&, const Volume&) = default;
 };
 
-/// The volumes of this moment that hold users' files, sorted, each mount point once: none of the system's own
-/// trees (proc, sys, dev, run) but for removable volumes that are mounted there, and no single mounted files.
+/// The volumes of this moment that hold users' files, sorted, each mount point once: none of a type that the system
+/// has for itself (proc, sysfs, tmpfs, images of packages and the like), wherever it is mounted, and no single mounted
+/// files.
 /// Empty when the system does not tell.
 std::vector<Volume> MountedVolumes();
 

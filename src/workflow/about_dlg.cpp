@@ -38,14 +38,14 @@ constexpr Link kLinks[] = {
 }  // namespace
 
 CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
-    : QDialog(owner), frame_(frame), language_(frame.Base().LanguageFile()) {
+    : QDialog(owner), frame_(frame), scale_(frame.DpiX / 96.0), language_(frame.Base().LanguageFile()) {
   setWindowTitle(
       QStringLiteral("%1 %2").arg(language_.Text("IDS_ABOUT"), ToQt(resources::LoadString(resources::kProductTitle))));
-  setFixedSize(kSize);
+  setFixedSize(kSize * scale_);
   setPalette(PagePalette());
   QFont small = font();
   small.setFamilies({QStringLiteral("Trebuchet MS"), font().family()});
-  small.setPixelSize(11);
+  small.setPixelSize(Scaled(11));
   setFont(small);
   logo_.Load(QStringLiteral("about"));
   mark_.Load(128, "ICON");
@@ -61,14 +61,15 @@ CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
   }
   ok->setText(language_.Text("IDS_OK"));
   ok->setAccessibleName(ok->text());
-  ok->setGeometry(337, 150, 84, 28);
+  ok->SetDisplayClass(controls::DisplayClass::Large);  // it fills its place
+  ok->setGeometry(Scaled(337, 150, 84, 28));
   connect(ok, &QAbstractButton::clicked, this, &QDialog::accept);
   ok->setFocus();
   if (owner != nullptr) move(owner->mapToGlobal(owner->rect().center()) - rect().center());
 }
 
 void CAboutDlg::AddLinks() {
-  QPoint place(70, 124);
+  QPoint place(Scaled(70), Scaled(124));
   for (const Link& link : kLinks) {
     const QString caption = language_.Text(link.captionKey);
     if (caption.isEmpty()) {
@@ -78,9 +79,9 @@ void CAboutDlg::AddLinks() {
     auto* made = new controls::CHyperLink(link.id, caption, this);
     made->setObjectName(QString::number(link.id));
     made->setToolTip(language_.Text(link.targetKey));
-    if (link.id == kMakerId) place = QPoint(18, 156);
+    if (link.id == kMakerId) place = QPoint(Scaled(18), Scaled(156));
     made->setGeometry(QRect(place, made->sizeHint()).adjusted(0, 0, 0, 4));
-    place.rx() += made->width() + 18;
+    place.rx() += made->width() + Scaled(18);
     connect(made, &controls::CHyperLink::Clicked, this, &CAboutDlg::OpenLink);
   }
 }
@@ -99,19 +100,34 @@ void CAboutDlg::OpenLink(int id) {
   });
 }
 
+QFont CAboutDlg::HeadingFont() const {
+  QFont bold = font();
+  bold.setBold(true);
+  return bold;
+}
+
+void CAboutDlg::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    accept();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
+}
+
 void CAboutDlg::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   // Filled, not stroked: a stroke lies half a pixel aside where the display is scaled.
   painter.fillRect(rect(), kBorder);
   painter.fillRect(rect().adjusted(2, 2, -2, -2), Qt::white);
-  logo_.Draw(painter, QRectF(13, 13, 300, 44));
-  painter.fillRect(2, 70, width() - 4, 1, kLine);
-  for (int y = 127; y <= 145; y += 2) painter.fillRect(63, y, 1, 1, kLine);
-  mark_.Draw(painter, QRectF(26, 124, 24, 24));
+  logo_.Draw(painter, Scaled(13, 13, 300, 44));
+  painter.fillRect(2, Scaled(70), width() - 4, 1, kLine);
+  for (int y = Scaled(127); y <= Scaled(145); y += 2) painter.fillRect(Scaled(63), y, 1, 1, kLine);
+  mark_.Draw(painter, Scaled(26, 124, 24, 24));
   painter.setPen(kVersionColour);
-  const int line = fontMetrics().height();
-  painter.drawText(QRect(20, 77, 52, line), Qt::AlignLeft, language_.Text("IDS_VERSION_TEXT"));
-  painter.drawText(QRect(72, 77, 300, line), Qt::AlignLeft, version_);
+  painter.setFont(HeadingFont());
+  const int line = painter.fontMetrics().height();
+  painter.drawText(QRect(Scaled(20), Scaled(77), Scaled(52), line), Qt::AlignLeft, language_.Text("IDS_VERSION_TEXT"));
+  painter.drawText(QRect(Scaled(72), Scaled(77), Scaled(300), line), Qt::AlignLeft, version_);
 }
 
 }  // namespace velmora::workflow

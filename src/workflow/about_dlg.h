@@ -19,14 +19,25 @@ class CAboutDlg : public QDialog {
 
   CAboutDlg(CMainFrame& frame, QWidget* owner);
 
+  QFont HeadingFont() const;
+
  protected:
+  /// Enter is "OK", but on a link.
+  void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
   void AddLinks();
   void OpenLink(int id);
 
+  /// From pixels of a display of 96 dots per inch.
+  int Scaled(int pixels) const { return qRound(pixels * scale_); }
+  QRect Scaled(int x, int y, int width, int height) const {
+    return {Scaled(x), Scaled(y), Scaled(width), Scaled(height)};
+  }
+
   CMainFrame& frame_;
+  const qreal scale_;
   Language language_;
   QString version_;
   controls::CGdiPlusBitmapResource logo_, mark_;

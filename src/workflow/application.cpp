@@ -1,7 +1,5 @@
 #include "workflow/application.h"
 
-#include <QCoreApplication>
-
 #include "platform/file_version.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
@@ -38,8 +36,6 @@ bool CVMREPAIRMAILApp::InitInstance() {
     ShowBox(nullptr, LoadString(kOleFailure), LoadString(kProductTitle), BoxIcon::None);
     return false;
   }
-  QCoreApplication::setOrganizationName(QStringLiteral("Velmora Software"));
-
   if (const auto lock = services_.takeInstanceLock(); !lock) {
     if (lock.error().kind == platform::FailureKind::kExists) {
       Refuse(kSecondInstance, kErrorTitle, BoxIcon::Error);

@@ -41,6 +41,14 @@ void CCustom2Dlg::OnBrowse() {
   QFileDialog dialog(this, ToQt(kFolderDialogTitle));
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
+  // The present choice, else the folder of the source.
+  const QString present = Control<QLineEdit>(kDestinationEditId)->text();
+  const QString source = ToQt(frame_.State().sourcePath);
+  if (!present.isEmpty()) {
+    dialog.setDirectory(present);
+  } else if (!source.isEmpty()) {
+    dialog.setDirectory(QFileInfo(source).path());
+  }
   if (dialog.exec() == QDialog::Accepted && !dialog.selectedUrls().isEmpty())
     OnFolderPicked(dialog.selectedUrls().first());
 }

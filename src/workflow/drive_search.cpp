@@ -2,19 +2,19 @@
 
 #include <thread>
 
-#include "workflow/file_search.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
 
-std::shared_ptr<DriveSearch> DriveSearch::Start(std::filesystem::path drive, std::string mask) {
+std::shared_ptr<DriveSearch> DriveSearch::Start(std::filesystem::path drive, std::string mask, MountPoints drives) {
   // Whoever lets go last, the object ends in the thread of the windows.
   const std::shared_ptr<DriveSearch> search(new DriveSearch, [](DriveSearch* object) { object->deleteLater(); });
-  std::thread(&DriveSearch::Main, search, std::move(drive), std::move(mask)).detach();
+  std::thread(&DriveSearch::Main, search, std::move(drive), std::move(mask), std::move(drives)).detach();
   return search;
 }
 
-void DriveSearch::Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask) {
+void DriveSearch::Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask,
+                       MountPoints drives) {
   const SearchObserver observer{
       .onFile =
           [&](const std::filesystem::path& file) {
@@ -30,7 +30,7 @@ void DriveSearch::Main(std::shared_ptr<DriveSearch> search, std::filesystem::pat
           },
   };
   SearchFolder(drive, mask, observer);
-  if (!search->idle_) WalkFolder(drive, mask, search->idle_, observer);
+  if (!search->idle_) WalkFolder(drive, mask, drives, search->idle_, observer);
   DriveSearch* object = search.get();
   QMetaObject::invokeMethod(object, [search] {
     search->Tell();

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <string>
 
+#include "workflow/file_search.h"
+
 namespace velmora::workflow {
 
 /// One search of one drive. The page that began it may be gone before it ends, so it owns itself: nobody
@@ -17,8 +19,9 @@ class DriveSearch : public QObject {
   Q_OBJECT
 
  public:
-  /// Starts at once. To be called in the thread of the windows, in which all signals come.
-  static std::shared_ptr<DriveSearch> Start(std::filesystem::path drive, std::string mask);
+  /// Starts at once. To be called in the thread of the windows, in which all signals come. Of the volumes that are
+  /// mounted below the drive, `drives` are searched too.
+  static std::shared_ptr<DriveSearch> Start(std::filesystem::path drive, std::string mask, MountPoints drives);
 
   /// The search stops at the next folder. It still tells that it is over.
   void Stop() { idle_ = true; }
@@ -30,7 +33,8 @@ class DriveSearch : public QObject {
 
  private:
   DriveSearch() = default;
-  static void Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask);
+  static void Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask,
+                   MountPoints drives);
 
   /// Has the page told what has come up since it was told last.
   void Tell();

@@ -1,5 +1,6 @@
 #include "workflow/file_search.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/volumes.h"
@@ -15,6 +16,13 @@ bool Matches(const std::string& name, std::string_view mask) {
          text::EqualIgnoringCase(text::TextView(whole).substr(whole.size() - ending.size()), ending);
 }
 
+/// The folder may be named by a road of its own: through a link, or from above.
+bool IsOneOf(const MountPoints& drives, const std::filesystem::path& folder) {
+  std::error_code error;
+  const std::filesystem::path place = std::filesystem::canonical(folder, error);
+  return !error && std::find(drives.begin(), drives.end(), place) != drives.end();
+}
+
 }  // namespace
 
 void SearchFolder(const std::filesystem::path& folder, std::string_view mask, const SearchObserver& observer) {
@@ -23,15 +31,17 @@ void SearchFolder(const std::filesystem::path& folder, std::string_view mask, co
   }
 }
 
-void WalkFolder(const std::filesystem::path& folder, std::string_view mask, const std::atomic<bool>& idle,
-                const SearchObserver& observer) {
+void WalkFolder(const std::filesystem::path& folder, std::string_view mask, const MountPoints& drives,
+                const std::atomic<bool>& idle, const SearchObserver& observer) {
   // Folders that are still to be listed; the last one is next, so a folder's own folders come before its
   // neighbours, however deep the tree is.
   std::vector<std::filesystem::path> waiting;
   const auto enter = [&](const std::filesystem::path& next) {
     std::vector<platform::FolderEntry> entries = platform::ListFolder(next);
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-      if (entry->isFolder && !entry->isOtherVolume) waiting.push_back(next / entry->name);
+      if (entry->isFolder && (!entry->isOtherVolume || IsOneOf(drives, next / entry->name))) {
+        waiting.push_back(next / entry->name);
+      }
     }
   };
   if (!idle) enter(folder);

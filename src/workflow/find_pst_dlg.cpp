@@ -48,14 +48,19 @@ void CFindPstDlg::showEvent(QShowEvent* event) {
 }
 
 void CFindPstDlg::FillDrives() {
-  const std::vector<platform::Volume> volumes = frame_.Machine().volumes();
-  if (volumes.empty()) ShowBox(this, kDrivesFailed, kDrivesFailedTitle, BoxIcon::Error);
+  if (frame_.Machine().volumes().empty()) ShowBox(this, kDrivesFailed, kDrivesFailedTitle, BoxIcon::Error);
   auto* combo = Control<QComboBox>(kDriveComboId);
-  for (const platform::Volume& volume : volumes) {
-    if (!volume.removable) combo->addItem(PathToQt(volume.mountPoint));
-  }
+  for (const std::filesystem::path& drive : SearchedDrives()) combo->addItem(PathToQt(drive));
   combo->model()->sort(0);
   combo->setCurrentIndex(0);
+}
+
+std::vector<std::filesystem::path> CFindPstDlg::SearchedDrives() const {
+  std::vector<std::filesystem::path> drives;
+  for (const platform::Volume& volume : frame_.Machine().volumes()) {
+    if (!volume.removable) drives.push_back(volume.mountPoint);
+  }
+  return drives;
 }
 
 bool CFindPstDlg::IsRemovable(const std::filesystem::path& drive) const {
@@ -69,7 +74,7 @@ bool CFindPstDlg::IsRemovable(const std::filesystem::path& drive) const {
 void CFindPstDlg::ShowFindButton(bool searching) {
   auto* button = Control<controls::PictureButton>(kFindId);
   button->setText(ToQt(LoadString(searching ? kStopCaption : kFindCaption)));
-  button->setAccessibleName(button->text().remove(u'&'));
+  NameButton(*button, button->text().remove(u'&'));
   button->SetPicture(searching ? 221 : 131);
 }
 
@@ -96,13 +101,19 @@ void CFindPstDlg::OnFind() {
   ShowFindButton(true);
   combo->setEnabled(false);
   if (search_ != nullptr) search_->disconnect(this);
-  search_ = DriveSearch::Start(drive, text::ToUtf8(kSearchMask));
+  search_ = DriveSearch::Start(drive, text::ToUtf8(kSearchMask), SearchedDrives());
   connect(search_.get(), &DriveSearch::Found, this, [list](const QStringList& files) { list->Rows().PutOnTop(files); });
-  connect(search_.get(), &DriveSearch::Entered, this,
-          [this](const QString& folder) { Control<QLineEdit>(kSearchStatusId)->setText(folder); });
+  connect(search_.get(), &DriveSearch::Entered, this, [this](const QString& folder) { ShowFolder(folder); });
   connect(search_.get(), &DriveSearch::Over, this, &CFindPstDlg::OnSearchOver);
   list->setEnabled(false);
   Control<QWidget>(kNextId)->setEnabled(false);
+}
+
+void CFindPstDlg::ShowFolder(const QString& folder) {
+  auto* status = Control<QLineEdit>(kSearchStatusId);
+  // The field keeps a little room on both sides of its text.
+  const int room = status->width() - 2 * status->fontMetrics().averageCharWidth();
+  status->setText(status->fontMetrics().elidedText(folder, Qt::ElideRight, room));
 }
 
 void CFindPstDlg::OnSearchOver() {

@@ -1,7 +1,9 @@
 // The page on which a drive is searched for the source.
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <vector>
 
 #include "workflow/drive_search.h"
 #include "workflow/page.h"
@@ -26,6 +28,10 @@ class CFindPstDlg : public Page {
   void OnBack();
   void OnSearchOver();
   void ShowFindButton(bool searching);
+  void ShowFolder(const QString& folder);
+
+  /// Those that the page lists: a search from above goes into them as well.
+  std::vector<std::filesystem::path> SearchedDrives() const;
   bool IsRemovable(const std::filesystem::path& drive) const;
 
   // Set together. Searching also means: a search was refused because the drive is removable.

@@ -5,7 +5,6 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPointer>
-#include <QSettings>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -91,7 +90,13 @@ void CMainFrame::BuildBars() {
     action(id)->setIcon(IconOfStrip(large, picture++));
     bar->addAction(action(id));
   }
-  restoreState(QSettings().value(QStringLiteral("CommandBars")).toByteArray());
+  WithSavedBars([this](QSettings& bars) { restoreState(bars.value(QStringLiteral("CommandBars")).toByteArray()); });
+}
+
+void CMainFrame::WithSavedBars(const std::function<void(QSettings&)>& use) const {
+  QSettings bars(PathToQt(services_.settingsFolder / "bars.ini"), QSettings::IniFormat);
+  bars.beginGroup(QStringLiteral("Velmora Software"));
+  use(bars);
 }
 
 bool CMainFrame::IsCommandEnabled(std::uint16_t id) const {

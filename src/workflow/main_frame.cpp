@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QSettings>
 
 #include "conversion/messages.h"
 #include "platform/shell.h"
@@ -155,7 +154,7 @@ void CMainFrame::EndWorkers() {
 void CMainFrame::CloseRule() {
   services_.sleep(std::chrono::milliseconds(100));
   if (!state_.skipExitPrompt && !AskYesNo(page_, LoadString(kExitQuestion), LoadString(kProductTitle))) return;
-  QSettings().setValue(QStringLiteral("CommandBars"), saveState());
+  WithSavedBars([this](QSettings& bars) { bars.setValue(QStringLiteral("CommandBars"), saveState()); });
   EndWorkers();
   services_.hardExit();
 }

@@ -3,6 +3,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QSettings>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -101,6 +102,9 @@ class CMainFrame : public QMainWindow {
   void OnProgressPageEnded();
   void OpenWebPage(const char* path);
   void StartUpdateHelper();
+
+  /// Calls `use` with what is kept of the bars, beside the program's other settings.
+  void WithSavedBars(const std::function<void(QSettings&)>& use) const;
 
   Services services_;
   BaseFolder base_;

@@ -107,10 +107,7 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
   const auto finish = [&](QAbstractButton* button) {
     button->setText(text);
     if (control.key != 0) button->setShortcut(QKeySequence(Qt::ALT | Qt::Key(control.key)));
-    const QString name = ToQt(control.accessibleName.empty() ? control.text : control.accessibleName);
-    button->setToolTip(button->shortcut().isEmpty()
-                           ? QString()
-                           : QStringLiteral("%1 (%2)").arg(QString(name).remove(u'&'), button->shortcut().toString()));
+    NameButton(*button, ToQt(control.accessibleName.empty() ? control.text : control.accessibleName).remove(u'&'));
     return button;
   };
   const auto& art = control.art;
@@ -162,6 +159,12 @@ QWidget* Page::MakeControl(const ControlTemplate& control) {
       return new controls::ProgressBar(this);
   }
   return nullptr;
+}
+
+void Page::NameButton(QAbstractButton& button, const QString& name) {
+  button.setAccessibleName(name);
+  const QString key = button.shortcut().toString();
+  button.setToolTip(key.isEmpty() ? QString() : QStringLiteral("%1 (%2)").arg(name, key));
 }
 
 void Page::PlaceTopButtons() {

@@ -1,7 +1,7 @@
 // What all pages of the wizard have in common.
 #pragma once
 
-#include <QWidget>
+#include <QAbstractButton>
 
 #include "controls/art.h"
 #include "controls/display_class.h"
@@ -45,6 +45,9 @@ class Page : public QWidget {
 
   /// The exit question; on Yes the page ends, and the program with it.
   void AskExit();
+
+  /// A button's name, which is also its tip, with the key that works it.
+  static void NameButton(QAbstractButton& button, const QString& name);
 
   /// The page's menu, at the left bottom corner of its button.
   void OpenPageMenu();

@@ -36,6 +36,10 @@ void CSelectPstDlg::OnBrowse() {
   // The filter's text and its pattern stand in one text, with a bar between them.
   dialog.setNameFilter(ToQt(kOpenFilter).section(u'|', 0, 0).trimmed());
   dialog.setDefaultSuffix(ToQt(kOpenDefaultExtension));
+  // Where the present choice lies, else the last one.
+  const QString present = Control<QLineEdit>(kSourceEditId)->text();
+  const QString near = present.isEmpty() ? ToQt(frame_.State().sourcePath) : present;
+  if (!near.isEmpty()) dialog.setDirectory(QFileInfo(near).path());
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
 
   const QFileInfo chosen(dialog.selectedFiles().first());

@@ -49,7 +49,8 @@ Services RealServices() {
     return platform::InstanceLock::Take(platform::RuntimeFolder() / "VelmoraOXP.lock")
         .map([&](platform::InstanceLock taken) { lock->emplace(std::move(taken)); });
   };
-  services.registry = std::make_shared<platform::IniRegistry>(SettingsFolder() / "registry.ini");
+  services.settingsFolder = SettingsFolder();
+  services.registry = std::make_shared<platform::IniRegistry>(services.settingsFolder / "registry.ini");
   services.runningPrograms = platform::RunningPrograms;
   services.programFilesFolder = [] {
     return platform::WindowsDrive().value_or(std::filesystem::path()) / "Program Files";

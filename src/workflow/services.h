@@ -25,6 +25,7 @@ struct Services {
   std::function<platform::Result<void>()> takeInstanceLock;  ///< kExists: another copy runs; kept until the end
   std::shared_ptr<platform::Registry> registry;
   std::function<std::vector<std::string>()> runningPrograms;  ///< base names
+  std::filesystem::path settingsFolder;                       ///< all that the program keeps for this user
   std::function<std::filesystem::path()> programFilesFolder;  ///< where Windows programs lie
 
   // Other programs.

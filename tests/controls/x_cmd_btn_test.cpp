@@ -87,6 +87,41 @@ TEST_F(XCmdBtnTest, TheCaptionIsWhiteUnlessTheButtonIsImageOnly) {
   EXPECT_EQ(button_.grab().toImage(), bare);
 }
 
+TEST_F(XCmdBtnTest, TheLineOfTheFocusStandsOutFromTheFaceOnEveryDisplay) {
+  const auto lightness = [](QColor colour) { return colour.lightnessF(); };
+  for (const DisplayClass display : {DisplayClass::Natural, DisplayClass::Medium, DisplayClass::Large}) {
+    for (const int image : {136, 138}) {
+      button_.clearFocus();
+      button_.SetImages(image, image + 1, image + 1);
+      button_.SetDisplayClass(display);
+      button_.resize(button_.DrawnSize());
+      for (const bool hovered : {false, true}) {
+        hovered ? Enter() : Leave();
+        const QImage bare = button_.grab().toImage();
+        window_.activateWindow();
+        QTest::keyClick(&window_, Qt::Key_Tab);
+        button_.setFocus(Qt::TabFocusReason);
+        const QImage focused = button_.grab().toImage();
+        button_.clearFocus();
+        // Down the middle and across it: where the line is, it is white on a dark face, on all four sides.
+        const auto changes = [&](QPoint from, QPoint step, int count) {
+          int changed = 0;
+          for (int i = 0; i < count; ++i, from += step) {
+            const QColor now = focused.pixelColor(from), before = bare.pixelColor(from);
+            if (lightness(now) > 0.85 && lightness(now) - lightness(before) > 0.3) ++changed;
+          }
+          return changed;
+        };
+        const QSize size = focused.size();
+        EXPECT_GE(changes({size.width() / 2, 0}, {0, 1}, size.height() / 4), 1) << "above";
+        EXPECT_GE(changes({size.width() / 2, size.height() - 1}, {0, -1}, size.height() / 4), 1) << "below";
+        EXPECT_GE(changes({0, size.height() / 2}, {1, 0}, size.width() / 8), 1) << "left";
+        EXPECT_GE(changes({size.width() - 1, size.height() / 2}, {-1, 0}, size.width() / 8), 1) << "right";
+      }
+    }
+  }
+}
+
 TEST_F(XCmdBtnTest, SpaceWorksItAndEnterDoesNot) {
   QSignalSpy clicks(&button_, &QAbstractButton::clicked);
   button_.setFocus();

@@ -24,12 +24,21 @@ TEST(StringTableTest, TheTitleOfThePagesIsTheProductsTitle) {
   EXPECT_EQ(LoadString(kPageTitle), LoadString(kProductTitle));
 }
 
-TEST(StringTableTest, TheManualProcedureHasSevenSteps) {
-  const std::u16string_view text = LoadString(kModeNoticeManual);
-  for (char16_t step = u'1'; step <= u'7'; ++step) {
-    EXPECT_NE(text.find(std::u16string{step} + u". "), std::u16string_view::npos) << char(step);
-  }
-  EXPECT_EQ(text.find(u"8. "), std::u16string_view::npos);
+TEST(StringTableTest, TheNoticeOfTheInternetModeIsToTheLetter) {
+  EXPECT_TRUE(
+      LoadString(187) ==
+      u"Software can automatically change the mode of currently\r\ninstalled outlook 2000 to C/W mode, you need "
+      u"to provide \r\nOffice 2000 CD or the path from where you previously installed \r\nOffice 2000.");
+  EXPECT_TRUE(LoadString(188) ==
+              u"To proceed press \"Confirm\", else press \"Ignore\" to cancel this \r\noperation.\r\n\r\nYou also can "
+              u"perform this operation manually following the \r\nprocedure as mentioned below:\r\n\r\nManual Process");
+  EXPECT_TRUE(
+      LoadString(189) ==
+      u"1. Select \"Ignore\" to close this program.\r\n2. Start Outlook 2000.\r\n3. From the Tools menu choose "
+      u"Options and open the Mail Delivery tab.\r\n4. Select Reconfigure Mail Support.\r\n5. Choose the Corporate "
+      u"or Workgroup mail support option and select Next.\r\n6. Confirm the warning and let Outlook close.\r\n7. "
+      u"Start Outlook again, so that the Windows Installer completes the change with the Office 2000 CD or the "
+      u"path from which Office 2000 was installed.");
 }
 
 TEST(StageCaptionTest, TheFourthStageHasNoCaption) {

@@ -1,4 +1,5 @@
 #include <QMenu>
+#include <QPainter>
 
 #include "controls/hyper_link.h"
 #include "controls/x_cmd_btn.h"
@@ -74,6 +75,68 @@ TEST_F(AboutTest, StandsInTheMiddleOfItsPage) {
   CurrentPage().window()->move(40, 30);
   CAboutDlg about(*frame_, &CurrentPage());
   EXPECT_EQ(about.geometry().center(), CurrentPage().window()->geometry().center());
+}
+
+TEST_F(AboutTest, EnterIsOkButOnALink) {
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+    CAboutDlg about(*frame_, nullptr);
+    about.open();
+    auto* ok = about.findChild<controls::CXCmdBtn*>("2");
+    ok->setFocus();
+    QTest::keyClick(ok, key);
+    EXPECT_FALSE(about.isVisible());
+    EXPECT_EQ(about.result(), int(QDialog::Accepted));
+  }
+  CAboutDlg about(*frame_, nullptr);
+  about.open();
+  machine_.log.clear();
+  QTest::keyClick(about.findChild<controls::CHyperLink*>(QString::number(CAboutDlg::kMakerId)), Qt::Key_Return);
+  EXPECT_TRUE(about.isVisible());
+  EXPECT_THAT(machine_.log, ElementsAre("open https://www.velmora.example/en"));
+}
+
+TEST_F(AboutTest, GrowsWithTheDisplayAndItsLettersToo) {
+  for (const int dpi : {96, 120, 144, 192}) {
+    frame_->DpiX = frame_->DpiY = dpi;
+    CAboutDlg about(*frame_, nullptr);
+    EXPECT_EQ(about.size(), QSize(435 * dpi / 96, 190 * dpi / 96)) << dpi;
+    EXPECT_EQ(about.font().pixelSize(), qRound(11 * dpi / 96.0)) << dpi;
+    const auto* link = about.findChild<controls::CHyperLink*>(QString::number(CAboutDlg::kMakerId));
+    EXPECT_EQ(link->font().pixelSize(), about.font().pixelSize()) << dpi;
+  }
+}
+
+TEST_F(AboutTest, ItsHeadingIsBold) {
+  for (int language = 0; language < 5; ++language) {
+    UseLanguage(language);
+    CAboutDlg about(*frame_, nullptr);
+    const QFont heading = about.HeadingFont();
+    EXPECT_TRUE(heading.bold());
+    EXPECT_FALSE(about.font().bold());
+    const QString caption = about.accessibleDescription().section(u' ', 0, -2);
+    EXPECT_LE(QFontMetrics(heading).horizontalAdvance(caption), 52) << caption.toStdString();
+    // What is painted where the heading stands has the strokes of bold letters.
+    const qreal scale = about.devicePixelRatioF();
+    QImage drawn(QSize(372, 20) * scale, QImage::Format_RGB32);
+    drawn.setDevicePixelRatio(scale);
+    drawn.fill(Qt::white);
+    {
+      QPainter painter(&drawn);
+      painter.setPen(QColor(0x0C, 0x6F, 0xAD));
+      painter.setFont(heading);
+      painter.drawText(QRect(0, 0, 52, 20), Qt::AlignLeft, caption);
+    }
+    const QImage seen = about.grab().toImage();
+    const auto ink = [](const QImage& picture) {
+      int dark = 0;
+      for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) dark += 255 - qGray(picture.pixel(x, y));
+      }
+      return dark;
+    };
+    const QRect place(QPoint(20, 77) * scale, QSize(52, 14) * scale);
+    EXPECT_NEAR(ink(seen.copy(place)), ink(drawn.copy(QRect(QPoint(0, 0), place.size()))), 2000 * scale * scale);
+  }
 }
 
 TEST_F(AboutTest, IsPaintedOnWhiteWithABorderAndTwoLines) {

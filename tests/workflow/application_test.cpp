@@ -1,5 +1,7 @@
 #include "workflow/application.h"
 
+#include <QSettings>
+
 #include "platform/file_version.h"
 #include "workflow/custom_dlg.h"
 #include "workflow/harness.h"
@@ -72,9 +74,13 @@ TEST_F(ApplicationTest, TheChecksComeInTheirOrder) {
                                  "Warning: Velmora Conv", "Velmora Convert OST to PST: Currently se"}));
 }
 
-TEST_F(ApplicationTest, TheBarsAreKeptUnderTheMakersName) {
+TEST_F(ApplicationTest, TheBarsAreKeptUnderTheMakersNameBesideTheOtherSettings) {
   ASSERT_TRUE(Start());
-  EXPECT_EQ(QCoreApplication::organizationName(), "Velmora Software");
+  application_->MainFrame()->State().skipExitPrompt = true;
+  application_->MainFrame()->CloseRule();
+  const QSettings kept(PathToQt(machine_.Make().settingsFolder / "bars.ini"), QSettings::IniFormat);
+  EXPECT_EQ(kept.allKeys(), QStringList("Velmora Software/CommandBars"));
+  EXPECT_EQ(RealServices().settingsFolder, platform::ConfigFolder().value());
 }
 
 TEST_F(ApplicationTest, WithoutAWindowClassItSaysSo) {

@@ -44,6 +44,28 @@ TEST_F(BrowsePageTest, AFileThatIsPickedBecomesTheSource) {
   EXPECT_TRUE(IsPage<CSelectPstDlg>());
 }
 
+TEST_F(BrowsePageTest, TheDialogBeginsWhereTheChoiceLiesOrTheLastOne) {
+  const auto first = machine_.Write("one/mail.ost"), second = machine_.Write("two/mail.ost");
+  QStringList began;
+  const auto look = [&] {
+    InDialog<QFileDialog>([&](QFileDialog& dialog) {
+      began << dialog.directory().absolutePath();
+      dialog.reject();
+    });
+    Press(kBrowseId);
+  };
+  Browse(first);
+  look();
+  Browse(second);
+  look();
+  Press(kBackId);
+  Press(kBrowseStartId);
+  ASSERT_EQ(Shown(), "") << "the page is made anew";
+  look();
+  EXPECT_EQ(began, QStringList({PathToQt(first.parent_path()), PathToQt(second.parent_path()),
+                                PathToQt(second.parent_path())}));
+}
+
 TEST_F(BrowsePageTest, ATypedPstPasses) {
   Browse(machine_.Write("mail.pst"));
   EXPECT_TRUE(CanGoOn());

@@ -59,6 +59,24 @@ TEST_F(DestinationPageTest, TheFolderDialogAsksForFolders) {
   EXPECT_TRUE(State().destinationPath.empty());
 }
 
+TEST_F(DestinationPageTest, TheDialogBeginsBesideTheSourceThenWhereTheChoiceIs) {
+  const auto folder = MakeFolder("out");
+  machine_.Write("mail/outlook.ost");
+  Open();
+  State().sourcePath = FromQt(PathToQt(machine_.folder.Path() / "mail/outlook.ost"));
+  QStringList began;
+  const auto look = [&](QFileDialog& dialog) {
+    began << dialog.directory().absolutePath();
+    dialog.reject();
+  };
+  InDialog<QFileDialog>(look);
+  Press(kBrowseId);
+  Pick(folder);
+  InDialog<QFileDialog>(look);
+  Press(kBrowseId);
+  EXPECT_EQ(began, QStringList({PathToQt(machine_.folder.Path() / "mail"), PathToQt(folder)}));
+}
+
 TEST_F(DestinationPageTest, CancellingTheDialogKeepsWhatWasPicked) {
   Open();
   const auto folder = MakeFolder("out");

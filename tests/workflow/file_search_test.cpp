@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "platform/user_folders.h"
+#include "platform/volumes.h"
 
 namespace velmora::workflow {
 namespace {
@@ -16,7 +18,7 @@ class FileSearchTest : public testing::Test {
     std::ofstream(folder_->Path() / path) << "x";
   }
 
-  void Walk() { WalkFolder(folder_->Path(), "*.OST", idle_, observer_); }
+  void Walk() { WalkFolder(folder_->Path(), "*.OST", {}, idle_, observer_); }
 
   platform::Result<platform::TemporaryFolder> folder_ = platform::TemporaryFolder::Create();
   std::atomic<bool> idle_{false};
@@ -50,6 +52,27 @@ TEST_F(FileSearchTest, LinksToFoldersAreNotFollowed) {
   std::filesystem::create_directory_symlink(folder_->Path(), folder_->Path() / "sub" / "round");
   Walk();
   EXPECT_EQ(files_, std::vector<std::string>{"mail.ost"});
+}
+
+TEST_F(FileSearchTest, AnotherVolumeIsEnteredWhereItIsADriveAndNowhereElse) {
+  // The devices have volumes of the system's own mounted below them.
+  const auto devices = platform::ListFolder("/dev");
+  const auto other =
+      std::find_if(devices.begin(), devices.end(), [](const auto& entry) { return entry.isOtherVolume; });
+  if (other == devices.end()) GTEST_SKIP() << "nothing is mounted below /dev";
+  const std::filesystem::path mounted = std::filesystem::path("/dev") / other->name;
+  const auto enters = [&](const std::filesystem::path& from, const MountPoints& drives) {
+    bool entered = false;
+    observer_.onFolder = [&](const std::filesystem::path& folder) {
+      entered = entered || folder.filename() == other->name;
+    };
+    WalkFolder(from, "*.OST", drives, idle_, observer_);
+    return entered;
+  };
+  EXPECT_FALSE(enters("/dev", {}));
+  EXPECT_FALSE(enters("/dev", {"/", "/dev"}));
+  EXPECT_TRUE(enters("/dev", {"/", mounted}));
+  EXPECT_TRUE(enters("/dev/../dev/", {mounted})) << "by whatever name the search begins";
 }
 
 TEST_F(FileSearchTest, StopsAtTheNextFolder) {

@@ -249,6 +249,33 @@ TEST_F(FindPageTest, TheStatusShowsTheFolderAtHand) {
   EXPECT_TRUE(Comes([this] { return Control<QLineEdit>(kSearchStatusId).text().startsWith(PathToQt(LargeDrive())); }));
 }
 
+TEST_F(FindPageTest, TheTipOfTheButtonSaysWhatTheButtonDoes) {
+  OpenLargeDrive();
+  EXPECT_EQ(Control<QWidget>(kFindId).toolTip(), "Find (Alt+D)");
+  Press(kFindId);
+  EXPECT_EQ(Control<QWidget>(kFindId).toolTip(), "Stop (Alt+T)");
+  EXPECT_EQ(Control<QWidget>(kFindId).accessibleName(), "Stop");
+  Press(kFindId);
+  EXPECT_EQ(Control<QWidget>(kFindId).toolTip(), "Find (Alt+D)");
+}
+
+TEST_F(FindPageTest, ALongFolderInTheStatusEndsInAnEllipsis) {
+  const std::filesystem::path deep = Drive() / std::string(120, 'd') / std::string(120, 'e');
+  std::filesystem::create_directories(deep);
+  for (int i = 0; i < 3000; ++i) std::filesystem::create_directory(deep / std::to_string(i));
+  Open();
+  Press(kFindId);
+  QString seen;
+  ASSERT_TRUE(Comes([&] {
+    seen = Control<QLineEdit>(kSearchStatusId).text();
+    return seen.size() > 20;
+  }));
+  EXPECT_TRUE(seen.endsWith(u'\u2026')) << seen.toStdString();
+  EXPECT_TRUE(PathToQt(deep).startsWith(seen.chopped(1)));
+  const auto& status = Control<QLineEdit>(kSearchStatusId);
+  EXPECT_LE(status.fontMetrics().horizontalAdvance(seen), status.width());
+}
+
 TEST_F(FindPageTest, ARemovableDriveIsRefusedAndThePageCountsAsSearching) {
   machine_.volumes.push_back({"/media/stick", true});
   Open();

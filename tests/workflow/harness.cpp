@@ -45,6 +45,7 @@ Services Machine::Make() {
   services.registerWindowClass = [this] { return hasWindowClass; };
   services.startControls = [this] { return hasControls; };
   services.takeInstanceLock = [this] { return lock; };
+  services.settingsFolder = folder.Path() / "settings";
   services.registry = std::make_shared<platform::IniRegistry>(registryFile);
   services.runningPrograms = [this] { return programs; };
   services.programFilesFolder = [] { return std::filesystem::path("/programs"); };

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <cstdio>
 
 namespace {
@@ -25,8 +23,5 @@ int main(int argc, char** argv) {
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  // What the frame keeps of its bars is not to come from, or go to, the user's own settings.
-  const QTemporaryDir settings;
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
   return RUN_ALL_TESTS();
 }
