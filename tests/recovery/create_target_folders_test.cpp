@@ -1,3 +1,4 @@
+#include "recovery/property_ids.h"
 #include "recovery/recovery_fixture.h"
 
 namespace velmora::recovery {
