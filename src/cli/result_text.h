@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "conversion/run_report.h"
 #include "conversion/summary.h"
-#include "recovery/recovery_report.h"
 
 namespace velmora::cli {
 

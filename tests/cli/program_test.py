@@ -358,7 +358,7 @@ class Program(unittest.TestCase):
         self.assertNotIn("completed", ended.stdout)
         self.check_store(store)
         listed = int(re.search(r"^ +(\d+)  Inbox$", ended.stdout, re.M)[1])
-        self.assertRegex(ended.stdout, rf"\n +{listed}  items in \d+ folders\n$")
+        self.assertRegex(ended.stdout, rf"\n +{listed}  items in \d+ folders\n\nLost or not whole: 1 step of the run\.\n")
         report = json.loads((out / "report.json").read_text())
         self.assertEqual(report["items"], {"IPM.Note": listed} if listed else {})
         self.assertEqual(report["attachments"], listed)
