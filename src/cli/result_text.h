@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "conversion/run_report.h"
 #include "conversion/summary.h"
-#include "recovery/recovery_report.h"
 
 namespace velmora::cli {
 
