@@ -3,8 +3,6 @@
 #include <charconv>
 #include <string>
 
-#include "recovery/lost_items.h"
-
 namespace velmora::recovery {
 namespace {
 

@@ -8,6 +8,9 @@
 
 namespace velmora::recovery {
 
+/// The reason of what was not tried because the allowance was spent.
+inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it can hold";
+
 /// Bit 1 of an id marks the blocks that name other blocks: lists of a value's pieces, lists of sub-nodes. It only
 /// serves the report: what a block is, its first bytes tell.
 constexpr bool IsInternalBid(std::uint32_t bid) { return (bid & 2) != 0; }

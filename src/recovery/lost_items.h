@@ -9,9 +9,6 @@
 
 namespace velmora::recovery {
 
-/// The reason of what was not tried because the allowance was spent.
-inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it can hold";
-
 /// A text of the store as the report tells it. One that fills a block must not fill the report, node by node: it is
 /// cut once that would be out of proportion to the store.
 text::Text ToldText(RecoveryState& state, text::TextView text);

@@ -4,7 +4,6 @@
 
 #include "recovery/block_fault.h"
 #include "recovery/heap_text.h"
-#include "recovery/lost_items.h"
 #include "recovery/property_context.h"
 #include "recovery/property_ids.h"
 

@@ -113,6 +113,16 @@ TEST_F(Losses, ALongBodyAndALongFieldOfAContactAre) {
                                        "block is not read")));
 }
 
+TEST_F(Losses, ANumberThatIsNotTakenIsUnlessTheNewStoreFormsIt) {
+  Add({.messageClass = u"IPM.Activity",
+       .subject = u"Call",
+       .properties = {forge::Named(forge::PropertySet::kLog, 0x8707, forge::Int32(0, 0x1000000))}});
+  Add({.messageClass = u"IPM.Appointment",
+       .subject = u"Year",
+       .properties = {forge::Named(forge::PropertySet::kAppointment, 0x8213, forge::Int32(0, 0x1000000))}});
+  EXPECT_THAT(Lost(), ElementsAre(Pair(LossKind::kText, "Duration: its value 16777216 is not taken")));
+}
+
 TEST_F(Losses, AMailThatHasHtmlAloneHasNoBodyInAStoreOfThisKind) {
   Add({.html = forge::Bytes(500), .htmlPlace = Place::kBlock, .displayTo = u"Tom"});
   EXPECT_THAT(Lost(), ElementsAre(Pair(LossKind::kBody, "body: none is read of HTML of 500 bytes")));
