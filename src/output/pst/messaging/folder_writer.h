@@ -12,7 +12,7 @@ namespace velmora::messaging {
 PropertyBag ContentsRow(const PropertyBag& message);
 
 /// Bytes that the texts and binary values of such a row take in its table.
-std::size_t ValueBytesOf(const PropertyBag& row);
+std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row);
 
 /// Bytes that the part of a folder behind one of its marks (propertiesChanged, ...) takes in the file at most.
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part);
