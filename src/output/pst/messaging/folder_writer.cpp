@@ -112,8 +112,8 @@ std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
   return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
 }
 
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
-                              std::size_t maxHeapBlocks, Folder& folder) {
+ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                              Folder& folder) {
   const auto tableNid = [&](ndb::NidType type) { return ndb::Sibling(folder.nid, type); };
   const ndb::Nid hiddenItems = tableNid(ndb::NidType::kAssocContentsTable);
   if (!ndb.FindNode(hiddenItems)) {
