@@ -29,9 +29,13 @@ void DeleteIndexFile(const std::filesystem::path& outputFolder) {
 }
 
 void ReportFullTable(recovery::RecoveryReport& report, const output::FullTable& table) {
-  report.lost.push_back({recovery::LossKind::kRow, 0, 0, {},
-                         u"the table of the folder \"" + table.folder + u"\" is full: values missing in the list of its items, " +
-                             u"though not in the items: " + text::FromUtf8(std::to_string(table.valuesLeftOut))});
+  report.lost.push_back({recovery::LossKind::kRow,
+                         0,
+                         0,
+                         {},
+                         u"the table of the folder \"" + table.folder +
+                             u"\" is full: values missing in the list of its items, " + u"though not in the items: " +
+                             text::FromUtf8(std::to_string(table.valuesLeftOut))});
 }
 
 }  // namespace
@@ -95,9 +99,13 @@ void COutLook::LookAtWhatIsLeft(output::OutputLibrary& library) {
   recovery.items = report_.left->items;
   recovery.attachments = report_.left->attachments.files;
   recovery.embedded = report_.left->attachments.messages;
-  recovery.lost.push_back({recovery::LossKind::kRun, 0, 0, {},
-                           u"the new store could not be written any further; nodes and orphaned blocks worked through: " +
-                               text::FromUtf8(std::to_string(recovery.nodesDone))});
+  recovery.lost.push_back(
+      {recovery::LossKind::kRun,
+       0,
+       0,
+       {},
+       u"the new store could not be written any further; nodes and orphaned blocks worked through: " +
+           text::FromUtf8(std::to_string(recovery.nodesDone))});
 }
 
 void COutLook::DropRun() {

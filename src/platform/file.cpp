@@ -113,12 +113,10 @@ class SystemFile : public ByteStore {
 
  private:
   Result<void> AllocateTo(std::uint64_t size) {
-    int error = 0;
-    do {
-      error = ::fallocate(descriptor_.Get(), 0, static_cast<off_t>(size_), static_cast<off_t>(size - size_)) == 0 ? 0 : errno;
-    } while (error == EINTR);
-    if (error == EOPNOTSUPP || error == ENOSYS) return FillTo(size);
-    if (error != 0) return Fail(error, name_, size);
+    while (::fallocate(descriptor_.Get(), 0, static_cast<off_t>(size_), static_cast<off_t>(size - size_)) != 0) {
+      if (errno == EOPNOTSUPP || errno == ENOSYS) return FillTo(size);
+      if (errno != EINTR) return Fail(errno, name_, size);
+    }
     size_ = size;
     return {};
   }

@@ -1,6 +1,5 @@
 // velmora: the wizard. The command line says nothing about a conversion.
 #include <QApplication>
-
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -17,8 +16,8 @@ namespace {
     .fileVersionLow = VELMORA_VERSION_PATCH << 16};
 
 const std::string kVersionText = "velmora " + std::to_string(VELMORA_VERSION_MAJOR) + "." +
-                                 std::to_string(VELMORA_VERSION_MINOR) + "." +
-                                 std::to_string(VELMORA_VERSION_PATCH) + "\n";
+                                 std::to_string(VELMORA_VERSION_MINOR) + "." + std::to_string(VELMORA_VERSION_PATCH) +
+                                 "\n";
 
 const std::string kHelpText =
     "Usage: velmora [--help | --version]\n"

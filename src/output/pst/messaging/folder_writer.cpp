@@ -90,10 +90,10 @@ PropertyBag ContentsRow(const PropertyBag& message) {
   return row;
 }
 
-std::size_t ValueBytesOf(const PropertyBag& row) {
+std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
   constexpr std::size_t kAllocation = 4;  // the heap's word for the place of a value, and a byte for an odd end
   std::size_t bytes = 0;
-  for (const ltp::PropertyView& cell : row.Views()) {
+  for (const ltp::PropertyView& cell : row) {
     const auto fixed = ltp::FixedSize(ltp::TypeOf(cell.tag));
     if (!fixed || *fixed > 8) bytes += cell.value.size() + kAllocation;
   }
@@ -112,8 +112,8 @@ std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
   return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
 }
 
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
-                              std::size_t maxHeapBlocks, Folder& folder) {
+ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                              Folder& folder) {
   const auto tableNid = [&](ndb::NidType type) { return ndb::Sibling(folder.nid, type); };
   const ndb::Nid hiddenItems = tableNid(ndb::NidType::kAssocContentsTable);
   if (!ndb.FindNode(hiddenItems)) {

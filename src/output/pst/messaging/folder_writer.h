@@ -12,7 +12,7 @@ namespace velmora::messaging {
 PropertyBag ContentsRow(const PropertyBag& message);
 
 /// Bytes that the texts and binary values of such a row take in its table.
-std::size_t ValueBytesOf(const PropertyBag& row);
+std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row);
 
 /// Bytes that the part of a folder behind one of its marks (propertiesChanged, ...) takes in the file at most.
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part);
@@ -27,7 +27,7 @@ inline constexpr std::size_t kFolderNodes = 4;
 
 /// Writes what changed of a folder, and notes that nothing is changed any more. `extra` are properties that
 /// this folder has beside those of all folders; `maxHeapBlocks` is what a table has for its values.
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
-                              std::size_t maxHeapBlocks, Folder& folder);
+ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                              Folder& folder);
 
 }  // namespace velmora::messaging

@@ -203,11 +203,12 @@ ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>&
   return Change([&] {
     const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
     const PropertyBag row = ContentsRow(message.properties);
-    const std::uint64_t place = WrittenOrRaise(rows_.Append(row.Views()));
-    const auto size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(row), 0xFFFF));
-    Reserve(ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) +
-                BytesToMark(folder, &Folder::propertiesChanged),
-            1);
+    const std::vector<ltp::PropertyView> cells = row.Views();
+    const std::uint64_t place = WrittenOrRaise(rows_.Append(cells));
+    const auto size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(cells), 0xFFFF));
+    Reserve(
+        ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged),
+        1);
     const bool isNew = nid == 0;
     const ndb::Nid saved = isNew ? ndb_->NewNid(ndb::NidType::kNormalMessage) : nid;
     WrittenOrRaise(ndb_->SetNode(saved, message.node.trees, folder.nid));

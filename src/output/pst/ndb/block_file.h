@@ -118,8 +118,8 @@ class BlockFile {
   std::unordered_map<Bid, std::uint32_t> holds_;
   WriteWindow window_;
   Bid bidNextP_ = 1;
-  Bid firstUncommitted_ = 0;  ///< blocks from this id on are in no commit
-  std::uint32_t openAreas_ = 0;     ///< areas whose maps are written
+  Bid firstUncommitted_ = 0;     ///< blocks from this id on are in no commit
+  std::uint32_t openAreas_ = 0;  ///< areas whose maps are written
   std::uint64_t reservedBytes_ = 0;
   std::size_t reservedBlocks_ = 0;
   bool drawsOnReserve_ = true;

@@ -50,17 +50,15 @@ struct Mailbox {
   std::uint32_t attachment;
 };
 constexpr Mailbox kMailboxes[] = {
-    {"notes", 100000, 20, 100, 0},
-    {"long subjects", 100000, 250, 10, 0},
-    {"folders", 1, 20, 20, 0},
-    {"attachments", 300, 60, 3000, 60000},
-    {"one after another", 150, 100, 500, 0},
+    {"notes", 100000, 20, 100, 0},         {"long subjects", 100000, 250, 10, 0},   {"folders", 1, 20, 20, 0},
+    {"attachments", 300, 60, 3000, 60000}, {"one after another", 150, 100, 500, 0},
 };
 
 /// Fills a store until `steps` are done or the disk is full; `saved` is what it took.
 class Filler {
  public:
-  Filler(StoreWriter& store, const Mailbox& mailbox, Contents& saved) : store_(store), mailbox_(mailbox), saved_(saved) {}
+  Filler(StoreWriter& store, const Mailbox& mailbox, Contents& saved)
+      : store_(store), mailbox_(mailbox), saved_(saved) {}
 
   void Fill(int steps) {
     for (int step = 0; step < steps; ++step) {
@@ -161,8 +159,8 @@ struct Outcome {
 
 Outcome FillDisk(const std::shared_ptr<platform::ByteStore>& disk, const Mailbox& mailbox, int steps) {
   Outcome outcome;
-  const auto store = StoreWriter::Create(std::make_unique<SharedDisk>(disk), u"Test store",
-                                         {kTestEpoch, text::CodePage::Lossless()});
+  const auto store =
+      StoreWriter::Create(std::make_unique<SharedDisk>(disk), u"Test store", {kTestEpoch, text::CodePage::Lossless()});
   outcome.filling = CodeOf([&] { Filler(*store, mailbox, outcome.saved).Fill(steps); });
   outcome.sealing = CodeOf([&] { store->Seal(); });
   return outcome;

@@ -40,8 +40,8 @@ std::string PstCheck(std::span<const std::byte> store, Check check, const std::s
   const fs::path output = folder->Path() / "findings";
   const std::string command = "python3 '" + Checker().string() + "' --strict --max 50 --ignore '" + ignored + "," +
                               (check == Check::kProperties ? MailboxCodes() : std::string()) + "' " +
-                              (check == Check::kBlocks ? "--no-messaging '" : "'") +
-                              file.string() + "' > '" + output.string() + "' 2>&1";
+                              (check == Check::kBlocks ? "--no-messaging '" : "'") + file.string() + "' > '" +
+                              output.string() + "' 2>&1";
   if (std::system(command.c_str()) == 0) return {};
   std::ifstream in(output, std::ios::binary);
   std::string findings{std::istreambuf_iterator<char>(in), {}};
