@@ -54,7 +54,7 @@ constexpr ControlTemplate kBrowseControls[] = {
      .text = u"Click browse to locate the OST file that needs to be converted"},
     {.id = kStorePathTextId,
      .kind = kText,
-     .rect = {24, 122, 417, 82},
+     .rect = {24, 121, 417, 82},
      .text = u"Default Store Path for Outlook OST file\n\n"
              u"Windows XP or Windows Server 2003: %your drive%:\\Documents and Settings\\username\\Local Settings\\"
              u"Application Data\\Microsoft\\Outlook\n\n"
@@ -139,7 +139,7 @@ constexpr ControlTemplate kDestinationControls[] = {
     {.id = kHeadingId, .kind = kHeading, .rect = {24, 65, 417, 13}, .text = u"Path for storing converted file.\n\n"},
     {.id = kDestinationTextId,
      .kind = kText,
-     .rect = {24, 118, 417, 90},
+     .rect = {24, 121, 417, 86},
      .text = u"Click browse to select local destination path for storing converted OST file as PST\n\n\n"
              u"(This location can be a local drive or a network mapped folder and even it can be the same folder\n"
              u"where your OST file is stored).\n\n"
@@ -147,7 +147,7 @@ constexpr ControlTemplate kDestinationControls[] = {
              u"file."},
     {.id = kShortDestinationTextId,
      .kind = kText,
-     .rect = {24, 119, 417, 24},
+     .rect = {24, 121, 417, 24},
      .text = u"Click browse to select destination path, where new PST file will be created after conversion.",
      .visible = false},
     {.id = kNormalScanId,

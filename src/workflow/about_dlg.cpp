@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
+#include <algorithm>
 
 #include "controls/hyper_link.h"
 #include "controls/x_cmd_btn.h"
@@ -126,8 +127,11 @@ void CAboutDlg::paintEvent(QPaintEvent*) {
   painter.setPen(kVersionColour);
   painter.setFont(HeadingFont());
   const int line = painter.fontMetrics().height();
-  painter.drawText(QRect(Scaled(20), Scaled(77), Scaled(52), line), Qt::AlignLeft, language_.Text("IDS_VERSION_TEXT"));
-  painter.drawText(QRect(Scaled(72), Scaled(77), Scaled(300), line), Qt::AlignLeft, version_);
+  const QString caption = language_.Text("IDS_VERSION_TEXT");
+  const int width = painter.fontMetrics().horizontalAdvance(caption);
+  painter.drawText(QRect(Scaled(20), Scaled(77), width, line), Qt::AlignLeft, caption);
+  const int next = std::max(Scaled(72), Scaled(20) + width + Scaled(5));  // where a language says it longer
+  painter.drawText(QRect(next, Scaled(77), Scaled(300), line), Qt::AlignLeft, version_);
 }
 
 }  // namespace velmora::workflow

@@ -62,8 +62,12 @@ TEST_F(BrowsePageTest, TheDialogBeginsWhereTheChoiceLiesOrTheLastOne) {
   Press(kBrowseStartId);
   ASSERT_EQ(Shown(), "") << "the page is made anew";
   look();
+  // Found by a search, say: a folder in which no dialog was before.
+  const auto third = machine_.Write("three/mail.ost");
+  State().sourcePath = FromQt(PathToQt(third));
+  look();
   EXPECT_EQ(began, QStringList({PathToQt(first.parent_path()), PathToQt(second.parent_path()),
-                                PathToQt(second.parent_path())}));
+                                PathToQt(second.parent_path()), PathToQt(third.parent_path())}));
 }
 
 TEST_F(BrowsePageTest, ATypedPstPasses) {

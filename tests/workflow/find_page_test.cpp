@@ -1,5 +1,6 @@
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTemporaryDir>
 #include <fstream>
 
 #include "controls/file_rows.h"
@@ -274,6 +275,25 @@ TEST_F(FindPageTest, ALongFolderInTheStatusEndsInAnEllipsis) {
   EXPECT_TRUE(PathToQt(deep).startsWith(seen.chopped(1)));
   const auto& status = Control<QLineEdit>(kSearchStatusId);
   EXPECT_LE(status.fontMetrics().horizontalAdvance(seen), status.width());
+}
+
+TEST_F(FindPageTest, ADriveThatIsMountedBelowTheFolderIsSearchedWithIt) {
+  // Shared memory is a volume of its own below the devices; here it is a drive.
+  const auto devices = platform::ListFolder("/dev");
+  const auto memory = std::find_if(devices.begin(), devices.end(),
+                                   [](const auto& entry) { return entry.name == "shm" && entry.isOtherVolume; });
+  if (memory == devices.end()) GTEST_SKIP() << "no shared memory is mounted";
+  QTemporaryDir folder("/dev/shm/velmora-test-XXXXXX");
+  ASSERT_TRUE(folder.isValid());
+  ASSERT_TRUE(QFile(folder.filePath("mail.ost")).open(QIODevice::WriteOnly));
+  machine_.volumes = {{"/dev", false}, {"/dev/shm", false}};
+  Open();
+  ASSERT_EQ(Combo().currentText(), "/dev");
+  Search();
+  EXPECT_TRUE(Rows().contains(folder.filePath("mail.ost")));
+  machine_.volumes = {{"/dev", false}, {"/dev/shm", true}};
+  Search();
+  EXPECT_FALSE(Rows().contains(folder.filePath("mail.ost"))) << "a removable one is none of those listed";
 }
 
 TEST_F(FindPageTest, ARemovableDriveIsRefusedAndThePageCountsAsSearching) {
