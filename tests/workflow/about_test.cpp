@@ -58,6 +58,7 @@ TEST_F(AboutTest, OpensFromTheMenuOfAPageAndClosesByItsButton) {
   EXPECT_EQ(menu->actions()[0]->text(), "&Help");
   EXPECT_EQ(menu->actions()[1]->text(), "&About");
   bool opened = false;
+  frame_->DpiX = frame_->DpiY = 96;  // whose figures these are
   InDialog<CAboutDlg>([&](CAboutDlg& about) {
     opened = true;
     EXPECT_EQ(about.windowTitle(), "About Velmora Convert OST to PST");
@@ -107,6 +108,7 @@ TEST_F(AboutTest, GrowsWithTheDisplayAndItsLettersToo) {
 }
 
 TEST_F(AboutTest, ItsHeadingIsBold) {
+  frame_->DpiX = frame_->DpiY = 96;  // whose figures these are
   for (int language = 0; language < 5; ++language) {
     UseLanguage(language);
     CAboutDlg about(*frame_, nullptr);
@@ -140,6 +142,7 @@ TEST_F(AboutTest, ItsHeadingIsBold) {
 }
 
 TEST_F(AboutTest, IsPaintedOnWhiteWithABorderAndTwoLines) {
+  frame_->DpiX = frame_->DpiY = 96;  // whose figures these are
   CAboutDlg about(*frame_, nullptr);
   const QImage picture = about.grab().toImage();
   const qreal scale = picture.devicePixelRatio();

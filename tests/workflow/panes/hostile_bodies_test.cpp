@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QTest>
 #include <cstdio>
+#include <ctime>
 
 #include "output/pst/messaging/pst_library.h"
 #include "platform/user_folders.h"
@@ -18,7 +19,7 @@ constexpr qsizetype kLongest = 3 * 1024 * 1024 - 5;
 
 constexpr qsizetype kFiftyMegabytes = 50 * 1024 * 1024;
 
-constexpr int kBearable = 8000;  // milliseconds; a build without optimisation under load is slow
+constexpr int kBearable = 8000;  // milliseconds; a build without optimisation is slow
 
 QString Repeated(const QString& text, qsizetype length) { return text.repeated(length / text.size() + 1); }
 
@@ -32,17 +33,17 @@ class HostileBodyTest : public BodyFixture {
     AddMail({{Field::HTMLBody, text::Text(html)}});
     Show(selection_.rows - 1);
   }
-  /// Milliseconds until the body is on the screen. What it begins with must be there.
+  /// Milliseconds of processor time, which other work on the machine does not lengthen, until the body is on the
+  /// screen. What it begins with must be there.
   qint64 TimeToShow(const QString& html) {
     items_.clear();
     body_.ReleaseFolder();
     selection_.rows = 0;
     AddMail({{Field::Body, ("shown" + html).toStdU16String()}});  // both bodies take the same road
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock();
     Show(0);
     body_.grab();
-    const qint64 time = timer.elapsed();
+    const qint64 time = (std::clock() - start) * qint64{1000} / CLOCKS_PER_SEC;
     EXPECT_TRUE(Shown().startsWith("shown"));
     return time;
   }
