@@ -108,9 +108,9 @@ TEST_F(AboutTest, GrowsWithTheDisplayAndItsLettersToo) {
 }
 
 TEST_F(AboutTest, ItsHeadingIsBold) {
-  frame_->DpiX = frame_->DpiY = 96;  // whose figures these are
   for (int language = 0; language < 5; ++language) {
     UseLanguage(language);
+    frame_->DpiX = frame_->DpiY = 96;  // whose figures these are
     CAboutDlg about(*frame_, nullptr);
     const QFont heading = about.HeadingFont();
     EXPECT_TRUE(heading.bold());
