@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <array>
 
-#include "output/pst/ltp/property_context.h"
-#include "output/pst/ltp/property_context_writer.h"
-#include "output/pst/ltp/table_context_writer.h"
-#include "output/pst/ndb/ndb_writer.h"
-#include "output/pst/ndb/weak_crc.h"
 #include "platform/memory_file.h"
+#include "store/ltp/property_context.h"
+#include "store/ltp/property_context_writer.h"
+#include "store/ltp/table_context_writer.h"
+#include "store/ndb/ndb_writer.h"
+#include "store/ndb/weak_crc.h"
 
 namespace velmora {
 namespace {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "output/pst/messaging/pst_library.h"
+#include "store/messaging/pst_library.h"
 
 namespace velmora {
 namespace {

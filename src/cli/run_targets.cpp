@@ -1,9 +1,9 @@
 #include "cli/run_targets.h"
 
-#include "output/pst/messaging/pst_library.h"
 #include "output/trace/tee.h"
 #include "output/trace/trace_library.h"
 #include "platform/terminal.h"
+#include "store/messaging/pst_library.h"
 
 namespace velmora::cli {
 

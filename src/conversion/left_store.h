@@ -5,7 +5,7 @@
 #include <map>
 
 #include "conversion/summary.h"
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::conversion {
 

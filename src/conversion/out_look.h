@@ -11,9 +11,9 @@
 #include "conversion/run_report.h"
 #include "conversion/run_state.h"
 #include "engine/engine_state.h"
-#include "output/operations.h"
 #include "platform/file.h"
 #include "recovery/recovery_state.h"
+#include "store/operations.h"
 
 namespace velmora::conversion {
 

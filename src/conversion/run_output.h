@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "output/operations.h"
 #include "platform/failure.h"
+#include "store/operations.h"
 
 namespace velmora::conversion {
 

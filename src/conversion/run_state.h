@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "engine/run.h"
-#include "output/operations.h"
+#include "store/operations.h"
 #include "text/code_page.h"
 #include "text/text.h"
 

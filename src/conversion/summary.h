@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::conversion {
 

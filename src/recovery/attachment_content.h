@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/byte_view.h"
-#include "output/operations.h"
 #include "platform/spool_file.h"
+#include "store/operations.h"
 
 namespace velmora::recovery {
 

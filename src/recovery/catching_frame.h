@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::recovery {
 

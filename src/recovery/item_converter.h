@@ -11,8 +11,8 @@
 #include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
-#include "output/operations.h"
 #include "recovery/named_prop_map.h"
+#include "store/operations.h"
 #include "text/code_page.h"
 
 namespace velmora::recovery {

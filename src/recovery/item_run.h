@@ -11,13 +11,13 @@
 #include "engine/block_reader.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
-#include "output/operations.h"
 #include "recovery/block_fault.h"
 #include "recovery/item_converter.h"
 #include "recovery/property_ids.h"
 #include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "recovery/unread_sub_nodes.h"
+#include "store/operations.h"
 
 namespace velmora::recovery {
 

@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "output/operations.h"
 #include "recovery/item_converter.h"
+#include "store/operations.h"
 #include "text/text.h"
 
 namespace velmora::recovery {

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 
-#include "output/operations.h"
 #include "recovery/content_allowance.h"
 #include "recovery/folder_list.h"
 #include "recovery/item_converter.h"
 #include "recovery/named_prop_map.h"
 #include "recovery/recovery_report.h"
+#include "store/operations.h"
 #include "text/code_page.h"
 #include "text/text.h"
 

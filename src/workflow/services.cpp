@@ -6,11 +6,11 @@
 #include <thread>
 
 #include "conversion/free_space.h"
-#include "output/pst/messaging/pst_library.h"
 #include "platform/instance_lock.h"
 #include "platform/process.h"
 #include "platform/shell.h"
 #include "platform/user_folders.h"
+#include "store/messaging/pst_library.h"
 
 namespace velmora::workflow {
 namespace {

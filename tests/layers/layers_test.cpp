@@ -16,25 +16,25 @@ namespace fs = std::filesystem;
 
 const fs::path kSource = fs::path(VELMORA_SOURCE_DIR) / "src";
 
-/// Every layer with those that it may use beside itself. "operations" are the headers of src/output itself.
+/// Every layer with those that it may use beside itself. "operations" are the headers of src/store itself.
 const std::map<std::string, std::set<std::string>> kMayUse = {
     {"platform", {}},
     {"text", {}},
-    {"output/operations", {"text"}},
-    {"output/pst/ndb", {"platform", "text"}},
-    {"output/pst/ltp", {"platform", "text", "output/pst/ndb"}},
-    {"output/pst/messaging", {"platform", "text", "output/pst/ndb", "output/pst/ltp", "output/operations"}},
-    {"output/trace", {"text", "output/operations"}},
+    {"store/operations", {"text"}},
+    {"store/ndb", {"platform", "text"}},
+    {"store/ltp", {"platform", "text", "store/ndb"}},
+    {"store/messaging", {"platform", "text", "store/ndb", "store/ltp", "store/operations"}},
+    {"output/trace", {"text", "store/operations"}},
     {"engine", {"platform", "text"}},
-    {"recovery", {"platform", "text", "engine", "output/operations"}},
-    {"output/items", {"text", "recovery", "output/operations"}},
-    {"conversion", {"platform", "text", "engine", "recovery", "output/operations", "output/items"}},
-    {"cli", {"platform", "text", "conversion", "output/operations", "output/pst/messaging", "output/trace"}},
+    {"recovery", {"platform", "text", "engine", "store/operations"}},
+    {"output/items", {"text", "recovery", "store/operations"}},
+    {"conversion", {"platform", "text", "engine", "recovery", "store/operations", "output/items"}},
+    {"cli", {"platform", "text", "conversion", "store/operations", "store/messaging", "output/trace"}},
     {"resources", {}},
     {"controls", {}},
     {"workflow",
-     {"platform", "text", "engine", "recovery", "conversion", "resources", "controls", "output/operations",
-      "output/items", "output/pst/ndb", "output/pst/ltp", "output/pst/messaging", "output/trace"}},
+     {"platform", "text", "engine", "recovery", "conversion", "resources", "controls", "store/operations",
+      "output/items", "store/ndb", "store/ltp", "store/messaging", "output/trace"}},
 };
 
 /// Headers of the language and of the libraries that the project uses. Outside the platform layer nothing
@@ -60,7 +60,7 @@ std::string LayerOf(const std::string& path) {
   for (const auto& [layer, uses] : kMayUse) {
     if (path.starts_with(layer + "/") && layer.size() > best.size()) best = layer;
   }
-  if (best.empty() && fs::path(path).parent_path() == "output") return "output/operations";
+  if (best.empty() && fs::path(path).parent_path() == "store") return "store/operations";
   return best;
 }
 

@@ -3,7 +3,7 @@
 
 #include "conversion/worker.h"
 #include "forge/demo_store.h"
-#include "output/pst/messaging/pst_library.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/custom_dlg.h"
 #include "workflow/harness.h"
 #include "workflow/panes/grid_rows.h"

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "bench/large_store.h"
-#include "output/pst/messaging/pst_library.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/harness.h"
 #include "workflow/progress_dlg.h"
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "output/operations.h"
 #include "recovery/item_converter.h"
+#include "store/operations.h"
 
 namespace velmora::items {
 

@@ -7,8 +7,8 @@
 #include <span>
 
 #include "output/items/property_records.h"
-#include "output/operations.h"
 #include "recovery/item_converter.h"
+#include "store/operations.h"
 
 namespace velmora::items {
 

@@ -5,7 +5,7 @@
 
 #include "output/items/property_records.h"
 #include "output/items/value_readers.h"
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 
 namespace velmora::items {
 namespace {

@@ -1,8 +1,8 @@
 #include "output/items/value_readers.h"
 
 #include "output/items/property_records.h"
-#include "output/ole_date.h"
 #include "recovery/heap_text.h"
+#include "store/ole_date.h"
 
 namespace velmora::items {
 

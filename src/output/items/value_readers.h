@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-#include "output/operations.h"
 #include "recovery/item_converter.h"
+#include "store/operations.h"
 #include "text/code_page.h"
 #include "text/text.h"
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 
 namespace velmora::output {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 

@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "output/operations.h"
 #include "output/trace/trace_item.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <set>
 
-#include "output/operations.h"
 #include "output/trace/trace_sink.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 

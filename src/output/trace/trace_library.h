@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "output/operations.h"
 #include "output/trace/trace_sink.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 

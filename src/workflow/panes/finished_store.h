@@ -4,7 +4,7 @@
 #include <functional>
 #include <mutex>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::workflow {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "output/operations.h"
+#include "store/operations.h"
 #include "text/text.h"
 
 namespace velmora::workflow {

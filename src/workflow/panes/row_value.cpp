@@ -4,7 +4,7 @@
 #include <cmath>
 #include <span>
 
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "engine/run.h"
-#include "output/operations.h"
+#include "store/operations.h"
 #include "text/text.h"
 
 namespace velmora::items::testing {

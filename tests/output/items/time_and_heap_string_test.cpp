@@ -3,7 +3,7 @@
 
 #include "item_fixture.h"
 #include "output/items/value_readers.h"
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 
 namespace velmora::items {
 namespace {

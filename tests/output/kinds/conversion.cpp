@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "conversion/worker.h"
-#include "output/pst/messaging/pst_library.h"
+#include "store/messaging/pst_library.h"
 
 namespace velmora::kinds {
 namespace {

@@ -9,7 +9,7 @@
 #include "conversion/run_report.h"
 #include "forge/image.h"
 #include "forge_tests/peers.h"
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::kinds {
 

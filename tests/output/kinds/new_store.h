@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "output/kinds/row.h"
-#include "output/pst/ltp/property_context.h"
-#include "output/pst/ndb/store_reader.h"
+#include "store/ltp/property_context.h"
+#include "store/ndb/store_reader.h"
 
 namespace velmora::kinds {
 

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <span>
 
-#include "output/operations.h"
+#include "store/operations.h"
 #include "text/text.h"
 
 namespace velmora::kinds {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 
 namespace velmora::output {
 namespace {

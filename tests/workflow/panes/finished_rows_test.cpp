@@ -1,6 +1,6 @@
 // Every row of every kind, read back from a store on disk: fields that no source can bring across included.
-#include "output/pst/messaging/pst_library.h"
 #include "platform/user_folders.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/panes/grid_rows.h"
 #include "workflow/panes/grid_view.h"
 #include "workflow/panes/listed_samples.h"

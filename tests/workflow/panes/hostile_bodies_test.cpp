@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <ctime>
 
-#include "output/pst/messaging/pst_library.h"
 #include "platform/user_folders.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/panes/body_fixture.h"
 #include "workflow/panes/open_files.h"
 

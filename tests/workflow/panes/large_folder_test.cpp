@@ -4,9 +4,9 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "output/pst/messaging/pst_library.h"
 #include "platform/process.h"
 #include "platform/user_folders.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/panes/grid_rows.h"
 #include "workflow/panes/grid_view.h"
 #include "workflow/panes/list_view_right.h"

@@ -1,6 +1,6 @@
 #include "workflow/panes/listed_samples.h"
 
-#include "output/ole_date.h"
+#include "store/ole_date.h"
 
 namespace velmora::workflow {
 

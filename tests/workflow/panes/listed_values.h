@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "output/operations.h"
+#include "store/operations.h"
 #include "workflow/panes/listed_rows.h"
 #include "workflow/panes/written_items.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "output/operations.h"
+#include "store/operations.h"
 
 namespace velmora::workflow {
 

@@ -4,8 +4,8 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "output/pst/messaging/pst_library.h"
 #include "output/trace/tee.h"
+#include "store/messaging/pst_library.h"
 #include "workflow/panes/grid_rows.h"
 #include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"

@@ -1,0 +1,133 @@
+#include "store/ltp/bth.h"
+
+#include <algorithm>
+#include <array>
+
+#include "store/ndb/failures.h"
+#include "store/ndb/little_endian.h"
+
+namespace velmora::ltp {
+namespace {
+
+using ndb::Corrupt;
+using ndb::Load;
+using ndb::Result;
+using ndb::Store;
+
+constexpr std::size_t kMaxIndexLevels = 8;
+
+constexpr std::size_t MaxRecords(std::size_t recordSize) { return kMaxHeapItem / recordSize; }
+static_assert(MaxRecords(kPropertyLayout.LeafRecord()) == 447 && MaxRecords(kPropertyLayout.IndexRecord()) == 596);
+static_assert(MaxRecords(kRowIndexLayout.LeafRecord()) == 447 && MaxRecords(kRowIndexLayout.IndexRecord()) == 447);
+
+/// Writes one level: `count` records into as many items as they need, whose ids go to `items`.
+Result<void> WriteLevel(HeapWriter& heap, std::size_t recordSize, std::size_t count, const EncodeRecord& encode,
+                        std::vector<Hid>& items) {
+  std::array<std::byte, kMaxHeapItem> item;
+  for (std::size_t first = 0; first < count; first += MaxRecords(recordSize)) {
+    const std::size_t here = std::min(count - first, MaxRecords(recordSize));
+    for (std::size_t i = 0; i < here; ++i) {
+      encode(first + i, std::span(item).subspan(i * recordSize, recordSize));
+    }
+    const Result<Hid> hid = heap.Add(std::span(item).first(here * recordSize));
+    if (!hid) return tl::unexpected(hid.error());
+    items.push_back(*hid);
+  }
+  return {};
+}
+
+}  // namespace
+
+Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
+                      const EncodeRecord& encode) {
+  std::vector<Hid> items;
+  if (auto written = WriteLevel(heap, layout.LeafRecord(), count, encode, items); !written) return written;
+  // Record `r` of index level 1 begins with the key of leaf record r * span; of the next level, of
+  // r * span * (records of an index item), and so on.
+  std::size_t span = MaxRecords(layout.LeafRecord());
+  std::uint8_t bIdxLevels = 0;
+  std::array<std::byte, kMaxHeapItem> leafRecord;
+  while (items.size() > 1) {
+    const std::vector<Hid> children = std::exchange(items, {});
+    const auto encodeIndex = [&](std::size_t index, std::span<std::byte> out) {
+      const auto record = std::span(leafRecord).first(layout.LeafRecord());
+      encode(index * span, record);
+      std::copy_n(record.begin(), layout.cbKey, out.begin());
+      Store<std::uint32_t>(out, layout.cbKey, children[index]);
+    };
+    if (auto written = WriteLevel(heap, layout.IndexRecord(), children.size(), encodeIndex, items); !written) {
+      return written;
+    }
+    span *= MaxRecords(layout.IndexRecord());
+    ++bIdxLevels;
+  }
+  std::array<std::byte, kBthHeaderSize> header;
+  Store<std::uint8_t>(header, 0, static_cast<std::uint8_t>(ClientSig::kBTree));
+  Store<std::uint8_t>(header, 1, layout.cbKey);
+  Store<std::uint8_t>(header, 2, layout.cbEnt);
+  Store<std::uint8_t>(header, 3, bIdxLevels);
+  Store<std::uint32_t>(header, 4, items.empty() ? 0 : items[0]);
+  heap.Patch(hidHeader, header);
+  return {};
+}
+
+void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count) {
+  std::size_t recordSize = layout.LeafRecord();
+  while (count > 0) {
+    std::size_t items = 0;
+    for (std::size_t left = count; left > 0; ++items) {
+      const std::size_t here = std::min(left, MaxRecords(recordSize));
+      position.Advance(here * recordSize);
+      left -= here;
+    }
+    count = items > 1 ? items : 0;
+    recordSize = layout.IndexRecord();
+  }
+}
+
+Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords) {
+  const Result<std::span<const std::byte>> header = heap.Item(hidHeader);
+  if (!header) return tl::unexpected(header.error());
+  if (header->size() < kBthHeaderSize || (*header)[0] != static_cast<std::byte>(ClientSig::kBTree) ||
+      (*header)[1] != std::byte{layout.cbKey} || (*header)[2] != std::byte{layout.cbEnt}) {
+    return Corrupt(ndb::Named("heap item", hidHeader), hidHeader, "no header of a tree of that layout");
+  }
+  struct Node {
+    Hid hid;
+    std::size_t level;
+  };
+  std::vector<Node> pending{{Load<std::uint32_t>(*header, 4), Load<std::uint8_t>(*header, 3)}};
+  if (pending[0].level > kMaxIndexLevels) {
+    return Corrupt(ndb::Named("heap item", hidHeader), pending[0].level, "the tree has too many levels");
+  }
+  if (pending[0].hid == 0) pending.clear();
+
+  // No item of a sound tree is met twice, so more bytes than the heap has mean that one is.
+  std::uint64_t bytesLeft = heap.Size();
+  std::vector<std::byte> records;
+  while (!pending.empty()) {
+    const auto [hid, level] = pending.back();
+    pending.pop_back();
+    const Result<std::span<const std::byte>> item = heap.Item(hid);
+    if (!item) return tl::unexpected(item.error());
+    const std::size_t recordSize = level == 0 ? layout.LeafRecord() : layout.IndexRecord();
+    const std::size_t count = item->size() / recordSize;
+    if (count == 0 || count * recordSize > bytesLeft) {
+      return Corrupt(ndb::Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
+    }
+    bytesLeft -= count * recordSize;
+    if (level == 0) {
+      if (records.size() / recordSize + count > maxRecords) {
+        return Corrupt(ndb::Named("heap item", hid), maxRecords, "the tree has too many records");
+      }
+      records.insert(records.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(count * recordSize));
+      continue;
+    }
+    for (std::size_t i = count; i-- > 0;) {
+      pending.push_back({Load<std::uint32_t>(*item, i * recordSize + layout.cbKey), level - 1});
+    }
+  }
+  return records;
+}
+
+}  // namespace velmora::ltp

@@ -1,0 +1,17 @@
+// A value that lies in the heap or in a sub-node beside it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "store/ltp/heap.h"
+#include "store/ndb/block_source.h"
+
+namespace velmora::ltp {
+
+/// The bytes that `hnid` names in a node with that heap and those sub-nodes; none for 0. kNotSupported when
+/// there are more than `limit`.
+ndb::Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& heap, ndb::Bid bidSub, Hnid hnid,
+                                             std::uint64_t limit);
+
+}  // namespace velmora::ltp

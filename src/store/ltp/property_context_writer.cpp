@@ -1,0 +1,191 @@
+#include "store/ltp/property_context_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "store/ltp/bth.h"
+#include "store/ltp/property_value.h"
+#include "store/ndb/failures.h"
+#include "store/ndb/little_endian.h"
+
+namespace velmora::ltp {
+namespace {
+
+using ndb::Result;
+using ndb::Store;
+
+constexpr Hid kHeaderHid = MakeHid(0, 1);
+constexpr std::uint32_t kFirstSubnodeIndex = 0x401;
+constexpr std::uint64_t kMaxInteger32 = 0x7FFFFFFF;
+
+template <class T>
+std::array<std::byte, sizeof(T)> BytesOf(T value) {
+  std::array<std::byte, sizeof(T)> bytes;
+  Store<T>(bytes, 0, value);
+  return bytes;
+}
+
+}  // namespace
+
+PropertyContextWriter::PropertyContextWriter(ndb::NdbWriter& ndb)
+    : ndb_(ndb), heap_(ndb, ClientSig::kPropertyContext), subnodes_(ndb), nextSubnodeIndex_(kFirstSubnodeIndex) {}
+
+void PropertyContextWriter::Add(PropTag tag, std::span<const std::byte> value) {
+  if (auto fits = CheckValue(tag, value); !fits) return Fail(fits.error());
+  valueBytes_ += value.size();
+  if (IsInline(TypeOf(tag))) {
+    std::uint32_t number = 0;
+    for (std::size_t i = value.size(); i-- > 0;) number = number << 8 | std::to_integer<std::uint32_t>(value[i]);
+    return AddRecord(tag, number);
+  }
+  if (value.size() <= kHeapValueLimit) return AddHeapValue(tag, value);
+  const Result<ndb::DataTree> tree = ndb_.WriteData(value);
+  if (!tree) return Fail(tree.error());
+  AddSubnodeValue(tag, *tree);
+}
+
+void PropertyContextWriter::AddBoolean(PropTag tag, bool value) { Add(tag, BytesOf<std::uint8_t>(value ? 1 : 0)); }
+
+void PropertyContextWriter::AddInteger16(PropTag tag, std::int16_t value) {
+  Add(tag, BytesOf(static_cast<std::uint16_t>(value)));
+}
+
+void PropertyContextWriter::AddInteger32(PropTag tag, std::int32_t value) {
+  Add(tag, BytesOf(static_cast<std::uint32_t>(value)));
+}
+
+void PropertyContextWriter::AddInteger64(PropTag tag, std::int64_t value) {
+  Add(tag, BytesOf(static_cast<std::uint64_t>(value)));
+}
+
+void PropertyContextWriter::AddFloating64(PropTag tag, double value) {
+  Add(tag, BytesOf(std::bit_cast<std::uint64_t>(value)));
+}
+
+void PropertyContextWriter::AddText(PropTag tag, text::TextView value) {
+  Add(tag, std::as_bytes(std::span(value.data(), value.size())));
+}
+
+void PropertyContextWriter::AddStream(PropTag tag, ndb::DataTreeWriter& value) {
+  if (value.Size() <= kHeapValueLimit) {
+    Add(tag, value.Buffered());
+    value.Clear();
+    return;
+  }
+  const Result<ndb::DataTree> tree = value.Finish();
+  if (!tree) return Fail(tree.error());
+  AddTree(tag, *tree);
+}
+
+void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
+  if (FixedSize(TypeOf(tag))) {
+    return Fail({ndb::FailureKind::kCorrupt, ndb::Named("property", tag), tree.size, "the property has no tree"});
+  }
+  if (auto fits = CheckSize(tag, tree.size); !fits) return Fail(fits.error());
+  valueBytes_ += tree.size;
+  AddSubnodeValue(tag, tree);
+}
+
+void PropertyContextWriter::AddObject(PropTag tag, ndb::Nid nid, std::uint32_t size) {
+  if (TypeOf(tag) != PropType::kObject) {
+    return Fail({ndb::FailureKind::kCorrupt, ndb::Named("property", tag), nid, "the property is no object"});
+  }
+  valueBytes_ += size;
+  std::array<std::byte, 8> value;
+  Store<std::uint32_t>(value, 0, nid);
+  Store<std::uint32_t>(value, 4, size);
+  AddHeapValue(tag, value);
+}
+
+void PropertyContextWriter::AddDataSize(PropTag tag) {
+  dataSizeId_ = IdOf(tag);
+  AddInteger32(tag, 0);
+}
+
+void PropertyContextWriter::AddSubnode(ndb::Nid nid, const ndb::WrittenNode& node) { subnodes_.Add(nid, node); }
+
+ndb::Nid PropertyContextWriter::NewSubnodeNid() { return ndb::MakeNid(ndb::NidType::kLtp, nextSubnodeIndex_++); }
+
+bool PropertyContextWriter::Has(std::uint16_t id) const {
+  return std::any_of(records_.begin(), records_.end(), [id](const PropertyRecord& r) { return r.wPropId == id; });
+}
+
+Result<ndb::WrittenNode> PropertyContextWriter::Finish() {
+  Result<ndb::WrittenNode> node = WriteNode();
+  Clear();
+  return node;
+}
+
+Result<ndb::WrittenNode> PropertyContextWriter::WriteNode() {
+  OpenHeap();
+  if (failure_) return tl::unexpected(*failure_);
+  std::sort(records_.begin(), records_.end(), [](const auto& a, const auto& b) { return a.wPropId < b.wPropId; });
+  for (std::size_t i = 1; i < records_.size(); ++i) {
+    if (records_[i - 1].wPropId == records_[i].wPropId) {
+      return ndb::Corrupt(ndb::Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
+    }
+  }
+  const Result<ndb::SubnodeTree> subnodes = subnodes_.Finish();
+  if (!subnodes) return tl::unexpected(subnodes.error());
+  // The size does not depend on its own value, so it can stand in the tree that it counts.
+  HeapPosition end = heap_.Position();
+  AdvanceOverBth(end, kPropertyLayout, records_.size());
+  const std::uint64_t dataSize = end.HeapSize() + subnodes->dataSize;
+  for (PropertyRecord& record : records_) {
+    if (record.wPropId == dataSizeId_)
+      record.dwValueHnid = static_cast<std::uint32_t>(std::min(dataSize, kMaxInteger32));
+  }
+  const auto encode = [this](std::size_t index, std::span<std::byte> out) {
+    const PropertyRecord& record = records_[index];
+    Store<std::uint16_t>(out, 0, record.wPropId);
+    Store<std::uint16_t>(out, 2, static_cast<std::uint16_t>(record.wPropType));
+    Store<std::uint32_t>(out, 4, record.dwValueHnid);
+  };
+  if (auto written = WriteBth(heap_, kHeaderHid, kPropertyLayout, records_.size(), encode); !written) {
+    return tl::unexpected(written.error());
+  }
+  const Result<ndb::DataTree> data = heap_.Finish(kHeaderHid);
+  if (!data) return tl::unexpected(data.error());
+  return ndb::WrittenNode{{data->bid, subnodes->bid}, dataSize};
+}
+
+void PropertyContextWriter::Clear() {
+  heap_.Clear();
+  subnodes_.Clear();
+  records_.clear();
+  dataSizeId_.reset();
+  nextSubnodeIndex_ = kFirstSubnodeIndex;
+  valueBytes_ = 0;
+  failure_.reset();
+}
+
+void PropertyContextWriter::OpenHeap() {
+  if (failure_ || heap_.Position().itemCount > 0) return;
+  if (const Result<Hid> header = heap_.Add(std::array<std::byte, kBthHeaderSize>{}); !header) Fail(header.error());
+}
+
+void PropertyContextWriter::AddRecord(PropTag tag, std::uint32_t dwValueHnid) {
+  records_.push_back({IdOf(tag), TypeOf(tag), dwValueHnid});
+}
+
+void PropertyContextWriter::AddHeapValue(PropTag tag, std::span<const std::byte> value) {
+  if (value.empty()) return AddRecord(tag, 0);
+  OpenHeap();
+  if (failure_) return;
+  const Result<Hid> hid = heap_.Add(value);
+  if (!hid) return Fail(hid.error());
+  AddRecord(tag, *hid);
+}
+
+void PropertyContextWriter::AddSubnodeValue(PropTag tag, const ndb::DataTree& tree) {
+  const ndb::Nid nid = NewSubnodeNid();
+  subnodes_.Add(nid, {{tree.bid, 0}, tree.size});
+  AddRecord(tag, nid);
+}
+
+void PropertyContextWriter::Fail(const ndb::Failure& failure) {
+  if (!failure_) failure_ = failure;
+}
+
+}  // namespace velmora::ltp

@@ -1,0 +1,68 @@
+// Reads a table.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "store/ltp/heap.h"
+#include "store/ltp/table_schema.h"
+#include "store/ndb/block_source.h"
+#include "text/text.h"
+
+namespace velmora::ltp {
+
+/// A table opened for reading; its row index is read at opening (8 bytes a row), rows on demand.
+class TableContext {
+ public:
+  /// `source` must outlive the reader. kCorrupt when the node is no table context.
+  static ndb::Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
+
+  std::span<const Column> Columns() const { return columns_; }
+
+  std::size_t RowCount() const { return index_.size(); }
+
+  /// Row id of row `row` (< RowCount()); rows are numbered by ascending id.
+  std::uint32_t RowId(std::size_t row) const { return index_[row].rowId; }
+
+  /// The number of the row of that id.
+  std::optional<std::size_t> FindRow(std::uint32_t rowId) const;
+
+  /// The value bytes of a cell; nothing when the table has no such column or the cell is absent.
+  ndb::Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
+
+  /// The value of a cell; nothing when it is absent, of another type or cannot be read.
+  std::optional<bool> Boolean(std::size_t row, PropTag tag);
+  std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag);
+  std::optional<std::int64_t> Integer64(std::size_t row, PropTag tag);
+  std::optional<text::Text> Text(std::size_t row, PropTag tag);
+
+ private:
+  struct IndexEntry {
+    std::uint32_t rowId = 0;
+    std::uint32_t matrixRow = 0;
+  };
+
+  TableContext(const ndb::BlockSource& source, Heap heap, ndb::Bid bidSub)
+      : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
+
+  ndb::Result<std::size_t> OpenMatrix(Hnid hnidRows);
+  ndb::Result<std::span<const std::byte>> Row(std::size_t row);
+  std::size_t RowsPerBlock() const { return ndb::kMaxBlockData / rowSize_; }
+  const Column* FindColumn(PropTag tag) const;
+  template <class T>
+  std::optional<T> Number(std::size_t row, PropTag tag);
+
+  const ndb::BlockSource* source_;
+  Heap heap_;
+  ndb::Bid bidSub_;
+  std::vector<Column> columns_;
+  std::size_t cebOffset_ = 0;
+  std::size_t rowSize_ = 0;
+  std::vector<IndexEntry> index_;    ///< by ascending row id
+  std::vector<std::byte> heapRows_;  ///< the row matrix, when it lies in the heap
+  ndb::DataTreeReader matrix_;       ///< else
+};
+
+}  // namespace velmora::ltp

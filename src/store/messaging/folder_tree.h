@@ -1,0 +1,102 @@
+// The folders of a store, as they are held in memory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "store/ndb/ids.h"
+#include "text/text.h"
+
+namespace velmora::messaging {
+
+/// A saved item of a folder: 16 bytes.
+struct ItemRow {
+  ndb::Nid nid = 0;
+  bool unread = false;
+  bool deleted = false;
+  std::uint16_t size = 0;   ///< of its row's texts and binary values, as far as 16 bits tell
+  std::uint64_t place = 0;  ///< of its row in the spool
+};
+
+/// The items of a folder in the order of their first save, which is that of their ids.
+class ItemRows {
+ public:
+  /// Adds an item, whose id is above all others.
+  void Add(const ItemRow& row);
+
+  /// The item of that id, or null; valid until the next change.
+  ItemRow* Find(ndb::Nid nid);
+
+  void Delete(ndb::Nid nid);
+
+  /// The first item whose id is above `nid`, or null.
+  const ItemRow* After(ndb::Nid nid) const;
+
+  std::size_t Count() const { return rows_.size() - deleted_; }
+
+  /// Calls `visit(row)` for each item in order.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    for (const ItemRow& row : rows_) {
+      if (!row.deleted) visit(row);
+    }
+  }
+
+ private:
+  std::vector<ItemRow> rows_;  ///< deleted ones stay until they are half of all
+  std::size_t deleted_ = 0;
+};
+
+struct Folder {
+  ndb::Nid nid = 0;
+  Folder* parent = nullptr;
+  text::Text name;
+  text::Text containerClass;
+  std::vector<Folder*> children;  ///< in order of creation
+  std::unordered_map<text::Text, Folder*> childOfName;
+  ItemRows items;
+  std::size_t unreadCount = 0;
+  std::uint64_t rowBytes = 0;        ///< sizes of the rows of all items
+  std::uint64_t childTextBytes = 0;  ///< of the names and classes of all children
+
+  // Values that the tables have no room for, as last written.
+  std::size_t itemCellsLeftOut = 0;
+  std::size_t childCellsLeftOut = 0;
+
+  // What differs from the store on disk.
+  bool isListed = false;  ///< stands in the list of changed folders
+  bool propertiesChanged = false;
+  bool childrenChanged = false;
+  bool itemsChanged = false;
+};
+
+/// Owns the folders; they keep their addresses.
+class FolderTree {
+ public:
+  /// Adds a folder below `parent` (null for the root). `name` is taken as a name of a store: see NameOf.
+  Folder& Add(Folder* parent, ndb::Nid nid, text::TextView name, text::TextView containerClass);
+
+  Folder* OfNid(ndb::Nid nid) const;
+
+  /// Calls `visit(folder)` for each folder in order of creation.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    for (const auto& folder : folders_) visit(*folder);
+  }
+
+ private:
+  std::vector<std::unique_ptr<Folder>> folders_;
+  std::unordered_map<ndb::Nid, Folder*> folderOfNid_;
+};
+
+/// The child folder of that name, letter case ignored; null when there is none.
+Folder* ChildOf(const Folder& parent, text::TextView name);
+
+/// The folder at the end of a path of names, each behind a backslash, from `top` on; `top` itself for an
+/// empty path. Null where a name, an empty one included, is not there.
+Folder* FolderAt(Folder& top, text::TextView path);
+
+}  // namespace velmora::messaging

@@ -1,0 +1,101 @@
+#include "store/messaging/opened_store.h"
+
+#include <algorithm>
+
+#include "store/ltp/property_context.h"
+#include "store/ltp/table_context.h"
+#include "store/messaging/entry_id.h"
+#include "store/messaging/failures.h"
+#include "store/messaging/property_tags.h"
+#include "store/messaging/store_nodes.h"
+
+namespace velmora::messaging {
+namespace {
+
+[[noreturn]] void RaiseNoStore(const char* what) {
+  throw output::OutputFailure(output::ResultCode::STG_E_READFAULT, what);
+}
+
+std::optional<ltp::PropertyContext> PropertiesOf(const ndb::BlockSource& source, ndb::Nid nid) {
+  const auto node = source.FindNode(nid);
+  if (!node) return std::nullopt;
+  auto properties = ltp::PropertyContext::Open(source, node->trees);
+  if (!properties) return std::nullopt;
+  return std::move(*properties);
+}
+
+std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, ndb::Nid nid) {
+  const auto node = source.FindNode(nid);
+  if (!node) return std::nullopt;
+  auto table = ltp::TableContext::Open(source, node->trees);
+  if (!table) return std::nullopt;
+  return std::move(*table);
+}
+
+}  // namespace
+
+std::shared_ptr<OpenedStore> OpenedStore::Open(std::unique_ptr<platform::ByteSource> file) {
+  auto reader = ReadOrRaise(ndb::StoreReader::Open(*file));
+  std::shared_ptr<OpenedStore> store(new OpenedStore(std::move(file), std::move(reader)));
+  store->ReadMessageStore();
+  store->ReadFolders();
+  return store;
+}
+
+StoreWriter& OpenedStore::Writer() {
+  throw output::OutputFailure(output::ResultCode::E_FAIL, "The store is open for reading.");
+}
+
+void OpenedStore::ReadMessageStore() {
+  auto properties = PropertiesOf(*reader_, nid::kMessageStore);
+  if (!properties) RaiseNoStore("The store has no message store object.");
+  displayName_ = properties->Text(tag::kDisplayName).value_or(text::Text());
+  const Bytes recordKey = properties->Binary(tag::kRecordKey).value_or(Bytes());
+  std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
+
+  const auto folderOf = [&](ltp::PropTag tag) {
+    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(0);
+  };
+  const ndb::Nid top = folderOf(tag::kIpmSubTreeEntryId);
+  auto topProperties = PropertiesOf(*reader_, top);
+  if (!topProperties) RaiseNoStore("The store does not tell its top folder.");
+  top_ = &folders_.Add(nullptr, top, topProperties->Text(tag::kDisplayName).value_or(text::Text()),
+                       topProperties->Text(tag::kContainerClass).value_or(text::Text()));
+
+  if (auto names = PropertiesOf(*reader_, nid::kNameToIdMap)) names_ = NamedPropertyMap(*names);
+  if (auto root = PropertiesOf(*reader_, nid::kRootFolder)) defaults_.ReadFromRoot(recordKey_, *root);
+  defaults_.Set(output::DefaultFolder::kDeletedItems, folderOf(tag::kIpmWastebasketEntryId));
+}
+
+void OpenedStore::ReadFolders() {
+  std::vector<Folder*> unread{top_};
+  while (!unread.empty()) {
+    Folder& folder = *unread.back();
+    unread.pop_back();
+    ReadChildren(folder);
+    unread.insert(unread.end(), folder.children.begin(), folder.children.end());
+  }
+}
+
+void OpenedStore::ReadChildren(Folder& folder) {
+  auto table = TableOf(*reader_, ndb::Sibling(folder.nid, ndb::NidType::kHierarchyTable));
+  if (!table) return;
+  for (std::size_t row = 0; row < table->RowCount(); ++row) {
+    const ndb::Nid child = table->RowId(row);
+    // A folder that is met a second time would lead round in a circle.
+    if (ndb::TypeOf(child) != ndb::NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
+    if (!reader_->FindNode(child)) continue;
+    folders_.Add(&folder, child, table->Text(row, tag::kDisplayName).value_or(text::Text()),
+                 table->Text(row, tag::kContainerClass).value_or(text::Text()));
+  }
+}
+
+const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
+  if (listed_.insert(folder.nid).second) {
+    const auto table = TableOf(*reader_, ndb::Sibling(folder.nid, ndb::NidType::kContentsTable));
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Add({.nid = table->RowId(row)});
+  }
+  return folder.items;
+}
+
+}  // namespace velmora::messaging

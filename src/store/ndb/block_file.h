@@ -1,0 +1,130 @@
+// The blocks and pages of a store that is being written: their places in the file, their bytes on the way
+// there, and who refers to them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/file.h"
+#include "store/ndb/allocation_map.h"
+#include "store/ndb/block_source.h"
+#include "store/ndb/block_table.h"
+#include "store/ndb/encoding.h"
+#include "store/ndb/page.h"
+#include "store/ndb/write_window.h"
+
+namespace velmora::ndb {
+
+/// After a failing write every further write fails with the same failure. A disk that is full shows earlier, as the
+/// file is lengthened ahead of what is written: see Reserve.
+class BlockFile {
+ public:
+  BlockFile(platform::ByteStore& file, CryptMethod cryptMethod);
+
+  /// Leaves no room behind the end of the store.
+  ~BlockFile() { Trim(); }
+  BlockFile(const BlockFile&) = delete;
+  BlockFile& operator=(const BlockFile&) = delete;
+
+  /// Makes the file that of an empty store, but for the header.
+  Result<void> Start();
+
+  /// From now on the disk has, whatever else is written, room for `bytes` more of so many `blocks` and of pages, and
+  /// for the tree of all blocks with them. kFull when it has not: every change fails with that, until DrawOnReserve.
+  Result<void> Reserve(std::uint64_t bytes, std::size_t blocks);
+
+  /// What is written from now on may use up the reserve, until Reserve is called again. On a disk that turned out to
+  /// be full writing goes on; one that failed to write stays unusable.
+  void DrawOnReserve();
+
+  /// Gives the room behind the end of the store back to the disk.
+  void Trim();
+
+  /// Writes a data block, encoded, that nothing refers to yet.
+  Result<Bid> WriteData(std::span<const std::byte> data);
+
+  /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
+  Result<Bid> WriteInternal(std::span<const std::byte> content);
+
+  /// Replaces `out` by the content of a block.
+  Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
+
+  /// Counts one reference to each block, or to none when it fails. 0 names no block.
+  Result<void> Refer(std::span<const Bid> bids);
+
+  /// Takes one reference to a block back; one without any is freed and releases what it refers to.
+  Result<void> Release(Bid bid);
+
+  /// Frees a block that nothing refers to, and what only it refers to.
+  Result<void> Discard(Bid bid);
+
+  /// Keeps a block, though nothing refers to it, until it was let go as often as it was held. 0 names none.
+  void Hold(Bid bid);
+  Result<void> LetGo(Bid bid);
+
+  /// Discards every block that nothing refers to, held or not.
+  Result<void> DiscardUnreferenced();
+
+  /// Gives a new page its place and id and writes it.
+  Result<Bref> WritePage(PageType type, Page& page);
+
+  /// Frees a page that no commit refers to.
+  void FreePage(std::uint64_t ib) { map_.Free(ib, kPageSize / kSlotSize); }
+
+  /// Writes bytes at a fixed place: header and maps.
+  Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
+
+  /// Hands what was written to the disk.
+  Result<void> Flush();
+
+  /// Everything written so far, but the pages at `freedPages`, belongs to the commit at hand: places freed
+  /// since the last one may be taken again once this one is on disk.
+  void Settle(std::span<const std::uint64_t> freedPages);
+
+  const AllocationMap& Map() const { return map_; }
+  const BlockTable& Table() const { return table_; }
+  CryptMethod Method() const { return cryptMethod_; }
+
+  Bid NewPageBid() { return bidNextP_++; }
+  Bid BidNextP() const { return bidNextP_; }
+
+  /// The failure that stopped the writing, if one has.
+  Result<void> Usable() const;
+
+  /// Makes every further write fail with `failure`.
+  void Stop(const Failure& failure);
+
+ private:
+  Result<Bid> Write(bool internal, std::span<const std::byte> data);
+  Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
+  Result<void> KeepReserve();
+  Result<void> OpenAreas();
+  Result<void> Free(Bid bid);
+
+  /// Remembers the failure of a result, if it is one.
+  template <class T>
+  Result<T> Kept(Result<T> result) {
+    if (!result) Stop(result.error());
+    return result;
+  }
+
+  platform::ByteStore& file_;
+  CryptMethod cryptMethod_;
+  AllocationMap map_;
+  BlockTable table_;
+  std::unordered_map<Bid, std::uint32_t> holds_;
+  WriteWindow window_;
+  Bid bidNextP_ = 1;
+  Bid firstUncommitted_ = 0;     ///< blocks from this id on are in no commit
+  std::uint32_t openAreas_ = 0;  ///< areas whose maps are written
+  std::uint64_t reservedBytes_ = 0;
+  std::size_t reservedBlocks_ = 0;
+  bool drawsOnReserve_ = true;
+  std::optional<Failure> failure_;  ///< of a write
+  std::optional<Failure> full_;     ///< the disk had no room for the next area and the reserve
+};
+
+}  // namespace velmora::ndb

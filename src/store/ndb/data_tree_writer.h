@@ -1,0 +1,60 @@
+// The bytes of a node or of a value on their way to disk.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "store/ndb/block_buffer.h"
+#include "store/ndb/block_source.h"
+
+namespace velmora::ndb {
+
+class NdbWriter;
+
+/// A finished data tree: a data block, an XBLOCK over data blocks or an XXBLOCK over XBLOCKs. Every data
+/// block but the last holds 8176 bytes, so `size` is also the sum of the cb of its data blocks.
+struct DataTree {
+  Bid bid = 0;             ///< 0 for no bytes
+  std::uint64_t size = 0;  ///< bytes
+};
+
+/// Cuts appended bytes into full data blocks, which go to the store as they fill, and puts the blocks above
+/// over them. A tree that is given up before Finish leaves nothing in the store.
+class DataTreeWriter {
+ public:
+  /// Largest tree: its size is a 32-bit field.
+  static constexpr std::uint64_t kMaxSize = 0xFFFFFFFF;
+
+  explicit DataTreeWriter(NdbWriter& ndb);
+  ~DataTreeWriter();
+  DataTreeWriter(const DataTreeWriter&) = delete;
+  DataTreeWriter& operator=(const DataTreeWriter&) = delete;
+
+  /// Fails with kNotSupported when the tree would grow beyond kMaxSize; the tree is unchanged then.
+  Result<void> Append(std::span<const std::byte> bytes);
+
+  /// Bytes appended so far.
+  std::uint64_t Size() const { return size_; }
+
+  /// All bytes appended so far, as long as there are not more than one block of them; else empty.
+  std::span<const std::byte> Buffered() const;
+
+  /// Writes the rest and the blocks above. Nothing refers to the tree yet: it must be handed to a node, a
+  /// sub-node tree or NdbWriter::Discard. The writer is empty again afterwards and can take the next tree.
+  Result<DataTree> Finish();
+
+  /// Forgets what was appended and frees its blocks.
+  void Clear();
+
+ private:
+  Result<void> WriteBlock(std::span<const std::byte> bytes);
+
+  NdbWriter& ndb_;
+  BlockBuffer buffer_;
+  std::size_t used_ = 0;    ///< bytes in buffer_
+  std::uint64_t size_ = 0;  ///< bytes in all
+  std::vector<Bid> dataBids_;
+};
+
+}  // namespace velmora::ndb

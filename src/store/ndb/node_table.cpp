@@ -1,0 +1,67 @@
+#include "store/ndb/node_table.h"
+
+#include <algorithm>
+
+namespace velmora::ndb {
+namespace {
+
+std::size_t ListOf(Nid nid) { return static_cast<std::size_t>(TypeOf(nid)); }
+
+}  // namespace
+
+void NodeTable::Set(const NodeEntry& node) {
+  const Entry entry{node.nid, node.nidParent, static_cast<std::uint32_t>(node.trees.bidData >> 1),
+                    static_cast<std::uint32_t>(node.trees.bidSub >> 1)};
+  std::vector<Entry>& list = byType_[ListOf(node.nid)];
+  const auto place =
+      std::lower_bound(list.begin(), list.end(), node.nid, [](const Entry& a, Nid nid) { return a.nid < nid; });
+  if (place == list.end() || place->nid != node.nid) {
+    list.insert(place, entry);
+    ++count_;
+  } else {
+    if (place->data == kRemoved) ++count_;
+    *place = entry;
+  }
+}
+
+void NodeTable::Remove(Nid nid) {
+  if (const Entry* entry = EntryOf(nid)) {
+    const_cast<Entry*>(entry)->data = kRemoved;
+    --count_;
+  }
+}
+
+std::optional<NodeEntry> NodeTable::Find(Nid nid) const {
+  const Entry* entry = EntryOf(nid);
+  if (entry == nullptr) return std::nullopt;
+  return NodeOf(*entry);
+}
+
+void NodeTable::Compact() {
+  for (std::vector<Entry>& list : byType_) {
+    std::erase_if(list, [](const Entry& entry) { return entry.data == kRemoved; });
+  }
+}
+
+NodeEntry NodeTable::NodeOf(const Entry& entry) {
+  return {entry.nid, {Bid{entry.data} << 1, Bid{entry.sub} << 1}, entry.nidParent};
+}
+
+const NodeTable::Entry* NodeTable::NextOf(std::array<std::size_t, kNidTypeCount>& at) const {
+  const Entry* next = nullptr;
+  for (std::size_t type = 0; type < kNidTypeCount; ++type) {
+    if (at[type] == byType_[type].size()) continue;
+    const Entry& candidate = byType_[type][at[type]];
+    if (next == nullptr || candidate.nid < next->nid) next = &candidate;
+  }
+  if (next != nullptr) ++at[ListOf(next->nid)];
+  return next;
+}
+
+const NodeTable::Entry* NodeTable::EntryOf(Nid nid) const {
+  const std::vector<Entry>& list = byType_[ListOf(nid)];
+  const auto place = std::lower_bound(list.begin(), list.end(), nid, [](const Entry& a, Nid id) { return a.nid < id; });
+  return place != list.end() && place->nid == nid && place->data != kRemoved ? &*place : nullptr;
+}
+
+}  // namespace velmora::ndb

@@ -1,0 +1,56 @@
+// All nodes of a store that is being written, 16 bytes each: the node tree before it becomes pages.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "store/ndb/block_source.h"
+
+namespace velmora::ndb {
+
+/// One sorted list a type: ids of a type come from a counter, so a new node nearly always goes to the end.
+class NodeTable {
+ public:
+  /// Adds or replaces a node.
+  void Set(const NodeEntry& node);
+
+  /// Removes a node; the list closes up with the next Compact.
+  void Remove(Nid nid);
+
+  std::optional<NodeEntry> Find(Nid nid) const;
+
+  std::size_t Count() const { return count_; }
+
+  /// Forgets the places of removed nodes.
+  void Compact();
+
+  /// Calls `visit(node)` for each node by ascending id, as long as it returns true.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    std::array<std::size_t, kNidTypeCount> at{};
+    while (const Entry* next = NextOf(at)) {
+      if (next->data != kRemoved && !visit(NodeOf(*next))) return;
+    }
+  }
+
+ private:
+  struct Entry {
+    Nid nid;
+    Nid nidParent;
+    std::uint32_t data;  ///< a block id needs 33 bits, of which the lowest is 0; kRemoved
+    std::uint32_t sub;
+  };
+  static_assert(sizeof(Entry) == 16);
+  static constexpr std::uint32_t kRemoved = 0xFFFFFFFF;
+
+  static NodeEntry NodeOf(const Entry& entry);
+  const Entry* NextOf(std::array<std::size_t, kNidTypeCount>& at) const;
+  const Entry* EntryOf(Nid nid) const;
+
+  std::array<std::vector<Entry>, kNidTypeCount> byType_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace velmora::ndb

@@ -1,0 +1,135 @@
+#include "store/ndb/store_reader.h"
+
+#include <algorithm>
+#include <array>
+
+#include "store/ndb/block.h"
+#include "store/ndb/failures.h"
+#include "store/ndb/header.h"
+#include "store/ndb/weak_crc.h"
+
+namespace velmora::ndb {
+namespace {
+
+constexpr std::uint8_t kMaxLevel = 8;  // 20 entries a page: more blocks than a file can hold
+
+}  // namespace
+
+Result<std::unique_ptr<StoreReader>> StoreReader::Open(const platform::ByteSource& file) {
+  std::array<std::byte, Header::kSize> bytes;
+  const Result<std::size_t> read = file.ReadAt(0, bytes);
+  if (!read) return tl::unexpected(read.error());
+  if (*read != bytes.size()) return Corrupt("header", *read, "the file is shorter than a header");
+  const Result<Header> header = DecodeHeader(bytes);
+  if (!header) return tl::unexpected(header.error());
+  if (file.Size() >> kIbBits != 0)
+    return Fail(FailureKind::kNotSupported, "store", file.Size(), "the file is too large");
+
+  std::unique_ptr<StoreReader> store(new StoreReader(file));
+  store->cryptMethod_ = header->bCryptMethod;
+  store->ReadTree(PageType::kBbt, header->root.brefBbt);
+  store->ReadTree(PageType::kNbt, header->root.brefNbt);
+  const auto sortAndThin = [](auto& list, auto id) {
+    std::stable_sort(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) < id(b); });
+    list.erase(std::unique(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) == id(b); }),
+               list.end());
+    list.shrink_to_fit();
+  };
+  sortAndThin(store->blocks_, [](const Block& block) { return block.bid; });
+  sortAndThin(store->nodes_, [](const NodeEntry& node) { return node.nid; });
+  return store;
+}
+
+// A page is looked at once, so the walk ends whatever the references say.
+void StoreReader::ReadTree(PageType type, const Bref& root) {
+  struct Expected {
+    Bref ref;
+    int level;  ///< -1 for the root, whose level is not known
+  };
+  std::vector<bool> seen(file_.Size() / kPageSize + 1);
+  std::vector<Expected> pending{{root, -1}};
+  Page page;
+  while (!pending.empty()) {
+    const auto [ref, level] = pending.back();
+    pending.pop_back();
+    if (ref.ib % kPageSize != 0 || ref.ib >= file_.Size() || seen[ref.ib / kPageSize]) {
+      Note(ref, "a tree refers to a place that is no page, or to a page twice");
+      continue;
+    }
+    seen[ref.ib / kPageSize] = true;
+    const Result<std::size_t> read = file_.ReadAt(ref.ib, page);
+    if (!read || *read != kPageSize || !ProvesItself(page, type, ref)) {
+      Note(ref, "the trailer of a page does not fit");
+      continue;
+    }
+    const BtPageHead head = DecodeBtPageHead(page);
+    const std::size_t entrySize = head.cLevel == 0 && type == PageType::kNbt ? NbtEntry::kSize : BtEntry::kSize;
+    if (head.cbEnt != entrySize || head.cEnt > MaxEntries(entrySize) || head.cLevel > kMaxLevel ||
+        (level >= 0 && head.cLevel != level)) {
+      Note(ref, "the level or the entries of a page do not fit");
+      continue;
+    }
+    if (head.cLevel == 0) {
+      ReadLeaf(type, page, head.cEnt);
+      continue;
+    }
+    for (std::size_t i = head.cEnt; i-- > 0;) {
+      const auto entry = std::span<const std::byte>(page).subspan(i * entrySize, entrySize);
+      pending.push_back({DecodeBtEntry(entry).ref, head.cLevel - 1});
+    }
+  }
+}
+
+void StoreReader::ReadLeaf(PageType type, PageView page, std::size_t cEnt) {
+  for (std::size_t i = 0; i < cEnt; ++i) {
+    if (type == PageType::kNbt) {
+      const NbtEntry entry = DecodeNbtEntry(page.subspan(i * NbtEntry::kSize, NbtEntry::kSize));
+      nodes_.push_back({static_cast<Nid>(entry.nid), {entry.bidData, entry.bidSub}, entry.nidParent});
+      continue;
+    }
+    const BbtEntry entry = DecodeBbtEntry(page.subspan(i * BbtEntry::kSize, BbtEntry::kSize));
+    if (entry.cb == 0 || entry.cb > kMaxBlockData || entry.ref.ib >= file_.Size()) {
+      Note(entry.ref, "a block has an impossible size or place");
+      continue;
+    }
+    blocks_.push_back({entry.ref.bid & ~Bid{1}, entry.ref.ib | std::uint64_t{entry.cb} << kIbBits});
+  }
+}
+
+Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
+  bid &= ~Bid{1};
+  const auto block =
+      std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
+  if (block == blocks_.end() || block->bid != bid) {
+    return Fail(FailureKind::kNotFound, Named("block", bid), bid, "the store has no such block");
+  }
+  const std::uint64_t ib = block->ibAndCb & ((std::uint64_t{1} << kIbBits) - 1);
+  const std::size_t cb = block->ibAndCb >> kIbBits;
+  out.resize(BlockSizeOnDisk(cb));
+  const Result<std::size_t> read = file_.ReadAt(ib, out);
+  if (!read) return tl::unexpected(read.error());
+  if (*read != out.size()) return Corrupt(Named("block", bid), ib, "the file ends within the block");
+  const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(kBlockTrailerSize));
+  out.resize(cb);
+  if ((trailer.bid & ~Bid{1}) != bid || trailer.cb != cb || trailer.wSig != Signature(ib, trailer.bid)) {
+    return Corrupt(Named("block", bid), ib, "the trailer is another block's");
+  }
+  if (trailer.dwCRC != WeakCrc(out)) return Corrupt(Named("block", bid), ib, "the checksum does not fit");
+  if (!IsInternal(bid)) DecodeBlock(cryptMethod_, bid, out);
+  return {};
+}
+
+std::optional<NodeEntry> StoreReader::FindNode(Nid nid) const {
+  const auto node = std::lower_bound(nodes_.begin(), nodes_.end(), nid,
+                                     [](const NodeEntry& entry, Nid id) { return entry.nid < id; });
+  if (node == nodes_.end() || node->nid != nid) return std::nullopt;
+  return *node;
+}
+
+void StoreReader::Note(const Bref& ref, std::string_view why) {
+  if (damage_.size() < kMaxDamage) {
+    damage_.push_back({FailureKind::kCorrupt, Named("page or block", ref.bid), ref.ib, std::string(why)});
+  }
+}
+
+}  // namespace velmora::ndb

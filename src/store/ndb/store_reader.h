@@ -1,0 +1,55 @@
+// A store on disk, opened for reading.
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "platform/file.h"
+#include "store/ndb/block_source.h"
+#include "store/ndb/encoding.h"
+#include "store/ndb/page.h"
+
+namespace velmora::ndb {
+
+/// Reads the header and both trees at opening, and blocks on demand. Bytes of the file are never trusted: a
+/// page that does not prove itself is left out with all below it and listed in Damage(), a block that does
+/// not prove itself cannot be read. May be used by several threads at once.
+class StoreReader : public BlockSource {
+ public:
+  /// kCorrupt or kNotSupported when the header is no Unicode store's or cannot be used; `file` must outlive
+  /// the reader.
+  static Result<std::unique_ptr<StoreReader>> Open(const platform::ByteSource& file);
+
+  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  std::optional<NodeEntry> FindNode(Nid nid) const override;
+
+  /// All nodes by ascending id.
+  const std::vector<NodeEntry>& Nodes() const { return nodes_; }
+  std::size_t BlockCount() const { return blocks_.size(); }
+
+  /// What was left out at opening, at most kMaxDamage findings.
+  const std::vector<Failure>& Damage() const { return damage_; }
+  static constexpr std::size_t kMaxDamage = 100;
+
+ private:
+  struct Block {
+    Bid bid;
+    std::uint64_t ibAndCb;  ///< offset in the low 48 bits, bytes of data above
+  };
+  static_assert(sizeof(Block) == 16);
+  static constexpr int kIbBits = 48;
+
+  explicit StoreReader(const platform::ByteSource& file) : file_(file) {}
+  void ReadTree(PageType type, const Bref& root);
+  void ReadLeaf(PageType type, PageView page, std::size_t cEnt);
+  void Note(const Bref& ref, std::string_view why);
+
+  const platform::ByteSource& file_;
+  CryptMethod cryptMethod_ = CryptMethod::kNone;
+  std::vector<Block> blocks_;     ///< by ascending id
+  std::vector<NodeEntry> nodes_;  ///< by ascending id
+  std::vector<Failure> damage_;
+};
+
+}  // namespace velmora::ndb

@@ -1,0 +1,111 @@
+// Reading back stores, and the heaps, properties and tables in them, over whatever bytes: once as a file, and
+// once cut into blocks that need prove nothing, so that inputs reach what checksums would keep them from.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <vector>
+
+#include "platform/memory_file.h"
+#include "store/ltp/property_context.h"
+#include "store/ltp/table_context.h"
+#include "store/ndb/data_tree_reader.h"
+#include "store/ndb/little_endian.h"
+#include "store/ndb/store_reader.h"
+#include "store/ndb/subnode_tree.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::size_t kMostLooks = 100;
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+void ReadProperties(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
+  auto context = ltp::PropertyContext::Open(source, node);
+  if (!context) return;
+  std::size_t looks = 0;
+  for (const ltp::PropertyRecord& record : context->Records()) {
+    if (++looks > kMostLooks) break;
+    const auto value = context->Read(record.Tag());
+    const auto size = context->SizeOf(record.Tag());
+    static_cast<void>(context->TreeOf(record.Tag()));
+    static_cast<void>(context->ReadObject(record.Tag()));
+    Require(!value || *value);
+    if (value && size) Require((*value)->size() == **size);
+  }
+}
+
+void ReadRows(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
+  auto table = ltp::TableContext::Open(source, node);
+  if (!table) return;
+  const std::vector<ltp::Column> columns(table->Columns().begin(), table->Columns().end());
+  for (std::size_t row = 0; row < std::min<std::size_t>(table->RowCount(), 10); ++row) {
+    Require(table->RowId(*table->FindRow(table->RowId(row))) == table->RowId(row));
+    for (const ltp::Column& column : columns) static_cast<void>(table->Cell(row, column.tag));
+  }
+  Require(!table->Cell(table->RowCount(), columns.empty() ? 0 : columns[0].tag) || columns.empty());
+}
+
+void ReadNode(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
+  if (auto tree = ndb::DataTreeReader::Open(source, node.bidData)) {
+    const auto all = tree->ReadAll(1 << 20);
+    if (all) Require(all->size() == tree->Size());
+    std::vector<std::byte> piece(10000);
+    const auto read = tree->ReadAt(tree->Size() / 2, piece);
+    if (all && read) {
+      Require(std::equal(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(*read),
+                         all->begin() + static_cast<std::ptrdiff_t>(tree->Size() / 2)));
+    }
+  }
+  const auto subnodes = ndb::ListSubnodes(source, node.bidSub);
+  if (subnodes && !subnodes->empty()) static_cast<void>(ndb::FindSubnode(source, node.bidSub, subnodes->back().nid));
+  static_cast<void>(ndb::DataSizeOf(source, node));
+  ReadProperties(source, node);
+  ReadRows(source, node);
+}
+
+/// The input as blocks: a length in two bytes before each. A block id counts them, and begins anew at the end.
+class Blocks : public ndb::BlockSource {
+ public:
+  explicit Blocks(std::span<const std::byte> bytes) {
+    while (bytes.size() > 2) {
+      const std::size_t length = ndb::Load<std::uint16_t>(bytes, 0) % (ndb::kMaxBlockData + 1);
+      bytes = bytes.subspan(2);
+      blocks_.push_back(bytes.first(std::min(length, bytes.size())));
+      bytes = bytes.subspan(blocks_.back().size());
+    }
+  }
+
+  ndb::Result<void> ReadBlock(ndb::Bid bid, std::vector<std::byte>& out) const override {
+    if (blocks_.empty()) return tl::unexpected(ndb::Failure{ndb::FailureKind::kNotFound, "block", bid, "none"});
+    const auto block = blocks_[bid / ndb::kBidStep % blocks_.size()];
+    out.assign(block.begin(), block.end());
+    return {};
+  }
+  std::optional<ndb::NodeEntry> FindNode(ndb::Nid) const override { return std::nullopt; }
+
+ private:
+  std::vector<std::span<const std::byte>> blocks_;
+};
+
+}  // namespace
+}  // namespace velmora
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace velmora;
+  const std::span<const std::byte> bytes(reinterpret_cast<const std::byte*>(data), size);
+  const platform::MemoryFile file({bytes.begin(), bytes.end()});
+  if (const auto store = ndb::StoreReader::Open(file)) {
+    std::size_t looks = 0;
+    for (const ndb::NodeEntry& node : (*store)->Nodes()) {
+      if (++looks > kMostLooks) break;
+      ReadNode(**store, node.trees);
+    }
+  }
+  ReadNode(Blocks(bytes), {4, 4 | ndb::kBidInternal});
+  ReadNode(Blocks(bytes), {4 | ndb::kBidInternal, 8 | ndb::kBidInternal});
+  return 0;
+}

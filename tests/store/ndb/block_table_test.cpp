@@ -1,0 +1,67 @@
+#include "store/ndb/block_table.h"
+
+#include <gtest/gtest.h>
+
+namespace velmora::ndb {
+namespace {
+
+TEST(BlockTable, HandsOutIdsInStepsOfFourWithTheKindInBitOne) {
+  BlockTable table;
+  EXPECT_EQ(table.NextBid(false), 4u);
+  EXPECT_EQ(table.NextBid(true), 6u);
+  table.Append(true, 0x4800, 100);
+  EXPECT_EQ(table.NextBid(false), 8u);
+  EXPECT_EQ(table.BidNextB(), 8u);
+}
+
+TEST(BlockTable, KeepsPlaceSizeAndReferences) {
+  BlockTable table;
+  const std::uint64_t far = std::uint64_t{200} << 30;
+  table.Append(false, far, 8176);
+  EXPECT_TRUE(table.AddReference(4));
+  EXPECT_TRUE(table.AddReference(4));
+  EXPECT_EQ(table.DropReference(4), 1);
+  const auto block = table.Find(4);
+  ASSERT_TRUE(block);
+  EXPECT_EQ(block->ib, far);
+  EXPECT_EQ(block->cb, 8176);
+  EXPECT_EQ(block->references, 1);
+}
+
+TEST(BlockTable, FindsNoBlockOfAnotherKindOrThatIsGone) {
+  BlockTable table;
+  table.Append(false, 0x4800, 1);
+  EXPECT_FALSE(table.Find(0));
+  EXPECT_FALSE(table.Find(6)) << "an internal block of that number";
+  EXPECT_FALSE(table.Find(8));
+  EXPECT_FALSE(table.Find(~Bid{0} & ~Bid{3}));
+  table.Remove(4);
+  EXPECT_FALSE(table.Find(4));
+  EXPECT_EQ(table.Count(), 0u);
+  EXPECT_EQ(table.NextBid(false), 8u) << "the id is not used again";
+}
+
+TEST(BlockTable, CountsNoMoreReferencesThanTheFieldHolds) {
+  BlockTable table;
+  table.Append(false, 0x4800, 1);
+  for (int i = 0; i < BlockTable::kMaxReferences; ++i) ASSERT_TRUE(table.AddReference(4));
+  EXPECT_FALSE(table.AddReference(4));
+  EXPECT_EQ(table.Find(4)->references + 1, 0xFFFF);
+}
+
+TEST(BlockTable, ListsBlocksByAscendingId) {
+  BlockTable table;
+  table.Append(false, 0x4800, 1);
+  table.Append(true, 0x4840, 1);
+  table.Append(false, 0x4880, 1);
+  table.Remove(4);
+  std::vector<Bid> bids;
+  table.ForEach([&](Bid bid, const BlockTable::Block&) {
+    bids.push_back(bid);
+    return true;
+  });
+  EXPECT_EQ(bids, (std::vector<Bid>{10, 12}));
+}
+
+}  // namespace
+}  // namespace velmora::ndb

@@ -1,0 +1,226 @@
+// Data trees, written and read back.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "store/ndb/block.h"
+#include "store/ndb/data_tree_reader.h"
+#include "store/ndb/data_tree_writer.h"
+#include "store/ndb/little_endian.h"
+#include "store/ndb/ndb_writer.h"
+#include "store/support/test_files.h"
+
+namespace velmora::ndb {
+namespace {
+
+constexpr std::size_t kXBlockBytes = kMaxXEntries * kMaxBlockData;
+
+class DataTrees : public testing::Test {
+ protected:
+  DataTree Written(std::span<const std::byte> bytes, std::size_t piece) {
+    DataTreeWriter writer(*ndb_);
+    for (std::size_t at = 0; at < bytes.size(); at += piece) {
+      EXPECT_TRUE(writer.Append(bytes.subspan(at, std::min(piece, bytes.size() - at))));
+    }
+    EXPECT_EQ(writer.Size(), bytes.size());
+    const Result<DataTree> tree = writer.Finish();
+    EXPECT_TRUE(tree);
+    return tree.value_or(DataTree{});
+  }
+
+  std::vector<std::byte> Content(const DataTree& tree) {
+    Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, tree.bid);
+    EXPECT_TRUE(reader);
+    EXPECT_EQ(reader->Size(), tree.size);
+    return reader->ReadAll(tree.size).value();
+  }
+
+  InternalHead Head(Bid bid) {
+    std::vector<std::byte> block;
+    EXPECT_TRUE(ndb_->ReadBlock(bid, block));
+    return DecodeInternalHead(block);
+  }
+
+  platform::MemoryFile file_;
+  std::unique_ptr<NdbWriter> ndb_ = NdbWriter::Create(file_).value();
+};
+
+TEST_F(DataTrees, OfNoBytesHaveNoBlock) {
+  EXPECT_EQ(Written({}, 1).bid, 0u);
+  EXPECT_EQ(ndb_->WriteData({})->bid, 0u);
+  EXPECT_EQ(ndb_->BlockCount(), 0u);
+  Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, 0);
+  ASSERT_TRUE(reader);
+  EXPECT_EQ(reader->Size(), 0u);
+  EXPECT_TRUE(reader->ReadAll(0)->empty());
+}
+
+TEST_F(DataTrees, OfUpToABlockAreThatBlock) {
+  for (const std::size_t size : {1u, 48u, 49u, 8175u, 8176u}) {
+    const std::vector<std::byte> bytes = test::Noise(size);
+    const DataTree tree = Written(bytes, 1000);
+    EXPECT_FALSE(IsInternal(tree.bid));
+    EXPECT_EQ(tree.size, size);
+    EXPECT_EQ(Content(tree), bytes);
+    EXPECT_EQ(Content(*ndb_->WriteData(bytes)), bytes);
+  }
+}
+
+TEST_F(DataTrees, OfMoreThanABlockHaveAnXBlock) {
+  for (const std::size_t size : {8177ul, 2 * kMaxBlockData, kXBlockBytes}) {
+    const std::vector<std::byte> bytes = test::Noise(size);
+    const DataTree tree = Written(bytes, 100000);
+    const InternalHead head = Head(tree.bid);
+    EXPECT_EQ(head.btype, BlockType::kDataTree);
+    EXPECT_EQ(head.cLevel, 1);
+    EXPECT_EQ(head.cEnt, (size + kMaxBlockData - 1) / kMaxBlockData);
+    EXPECT_EQ(head.lcbTotal, size);
+    EXPECT_EQ(Content(tree), bytes);
+  }
+}
+
+TEST_F(DataTrees, OfMoreThanAFullXBlockHaveAnXXBlockOverFullXBlocks) {
+  const std::vector<std::byte> bytes = test::Noise(2 * kXBlockBytes + 3 * kMaxBlockData + 5);
+  const DataTree tree = Written(bytes, 1 << 20);
+  const InternalHead head = Head(tree.bid);
+  EXPECT_EQ(head.cLevel, 2);
+  EXPECT_EQ(head.cEnt, 3);
+  EXPECT_EQ(head.lcbTotal, bytes.size());
+  std::vector<std::byte> root;
+  ASSERT_TRUE(ndb_->ReadBlock(tree.bid, root));
+  EXPECT_EQ(Head(Load<std::uint64_t>(root, 8)).lcbTotal, kXBlockBytes);
+  EXPECT_EQ(Head(Load<std::uint64_t>(root, 24)).cEnt, 4);
+  EXPECT_EQ(Head(Load<std::uint64_t>(root, 24)).lcbTotal, 3 * kMaxBlockData + 5);
+  EXPECT_EQ(Content(tree), bytes);
+}
+
+TEST_F(DataTrees, AreTheSameWhateverThePieces) {
+  const std::vector<std::byte> bytes = test::Noise(5 * kMaxBlockData + 77);
+  for (const std::size_t piece : {1000ul, kMaxBlockData, kMaxBlockData + 1, 3 * kMaxBlockData, bytes.size()}) {
+    EXPECT_EQ(Content(Written(bytes, piece)), bytes) << piece;
+  }
+}
+
+TEST_F(DataTrees, AreReadFromAnyOffset) {
+  const std::vector<std::byte> bytes = test::Noise(3 * kMaxBlockData + 100);
+  const DataTree tree = Written(bytes, bytes.size());
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid).value();
+  for (const std::size_t offset : {0ul, 1ul, 8175ul, 8176ul, 16351ul, bytes.size() - 1}) {
+    for (const std::size_t size : {1ul, 8176ul, 20000ul, bytes.size()}) {
+      std::vector<std::byte> out(size);
+      const std::size_t read = reader.ReadAt(offset, out).value();
+      ASSERT_EQ(read, std::min(size, bytes.size() - offset));
+      ASSERT_TRUE(std::equal(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(read),
+                             bytes.begin() + static_cast<std::ptrdiff_t>(offset)));
+    }
+  }
+  std::byte byte;
+  EXPECT_EQ(reader.ReadAt(bytes.size(), std::span(&byte, 1)), 0u);
+  EXPECT_EQ(reader.ReadAt(~std::uint64_t{0}, std::span(&byte, 1)), 0u);
+}
+
+TEST_F(DataTrees, ShowTheirBytesWhileTheyAreOneBlock) {
+  const std::vector<std::byte> bytes = test::Noise(kMaxBlockData);
+  DataTreeWriter writer(*ndb_);
+  EXPECT_TRUE(writer.Buffered().empty());
+  ASSERT_TRUE(writer.Append(bytes));
+  EXPECT_TRUE(std::ranges::equal(writer.Buffered(), bytes));
+  EXPECT_EQ(ndb_->BlockCount(), 0u) << "a small value may still go to a heap";
+  ASSERT_TRUE(writer.Append(test::Bytes({1})));
+  EXPECT_TRUE(writer.Buffered().empty());
+}
+
+TEST_F(DataTrees, GivenUpLeaveNothing) {
+  {
+    DataTreeWriter writer(*ndb_);
+    ASSERT_TRUE(writer.Append(test::Noise(10 * kMaxBlockData)));
+    EXPECT_GT(ndb_->BlockCount(), 0u);
+  }
+  EXPECT_EQ(ndb_->BlockCount(), 0u);
+  const DataTree tree = Written(test::Noise(10 * kMaxBlockData), 5000);
+  EXPECT_EQ(ndb_->BlockCount(), 11u);
+  ASSERT_TRUE(ndb_->Discard({tree.bid, 0}));
+  EXPECT_EQ(ndb_->BlockCount(), 0u);
+}
+
+TEST_F(DataTrees, LargerThanTheir32BitSizeAreRefused) {
+  DataTreeWriter writer(*ndb_);
+  const std::vector<std::byte> bytes(1000);
+  ASSERT_TRUE(writer.Append(bytes));
+  const std::byte* anywhere = bytes.data();
+  const Result<void> appended = writer.Append(std::span(anywhere, DataTreeWriter::kMaxSize - 999));
+  ASSERT_FALSE(appended);
+  EXPECT_EQ(appended.error().kind, FailureKind::kNotSupported);
+  EXPECT_EQ(writer.Size(), 1000u);
+  EXPECT_EQ(ndb_->BlockCount(), 0u);
+}
+
+TEST_F(DataTrees, TooLargeForMemoryAreNotReadWhole) {
+  const DataTree tree = Written(test::Noise(20000), 20000);
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid).value();
+  const auto all = reader.ReadAll(19999);
+  ASSERT_FALSE(all);
+  EXPECT_EQ(all.error().kind, FailureKind::kNotSupported);
+}
+
+/// Blocks made up by a test.
+class MadeUpBlocks : public BlockSource {
+ public:
+  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
+    const auto block = blocks.find(bid);
+    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
+    out = block->second;
+    return {};
+  }
+  std::optional<NodeEntry> FindNode(Nid) const override { return std::nullopt; }
+
+  void AddXBlock(Bid bid, int level, std::uint32_t total, std::vector<Bid> children, std::size_t cEnt) {
+    std::vector<std::byte> block(8 + 8 * children.size());
+    Encode(
+        InternalHead{BlockType::kDataTree, static_cast<std::uint8_t>(level), static_cast<std::uint16_t>(cEnt), total},
+        block);
+    for (std::size_t i = 0; i < children.size(); ++i) Store<std::uint64_t>(block, 8 + 8 * i, children[i]);
+    blocks[bid] = block;
+  }
+
+  std::map<Bid, std::vector<std::byte>> blocks;
+};
+
+FailureKind OpeningFails(const BlockSource& source, Bid bid) {
+  const Result<DataTreeReader> reader = DataTreeReader::Open(source, bid);
+  return reader ? FailureKind::kExists : reader.error().kind;
+}
+
+TEST(DamagedDataTree, IsRefusedAtOpening) {
+  MadeUpBlocks source;
+  source.blocks[2] = {};
+  source.AddXBlock(6, 1, 100, {8}, 2);
+  source.AddXBlock(10, 1, 100, {10}, 1);
+  source.AddXBlock(14, 2, 100, {14}, 1);
+  source.AddXBlock(18, 2, 100, {8}, 1);
+  source.AddXBlock(22, 3, 100, {8}, 1);
+  source.AddXBlock(26, 2, 100, {30}, 1);
+  EXPECT_EQ(OpeningFails(source, 2), FailureKind::kCorrupt) << "empty block";
+  EXPECT_EQ(OpeningFails(source, 6), FailureKind::kCorrupt) << "more entries than room";
+  EXPECT_EQ(OpeningFails(source, 10), FailureKind::kCorrupt) << "an XBLOCK over an internal block";
+  EXPECT_EQ(OpeningFails(source, 14), FailureKind::kCorrupt) << "an XXBLOCK over itself";
+  EXPECT_EQ(OpeningFails(source, 18), FailureKind::kCorrupt) << "an XXBLOCK over data";
+  EXPECT_EQ(OpeningFails(source, 22), FailureKind::kCorrupt) << "no such level";
+  EXPECT_EQ(OpeningFails(source, 26), FailureKind::kNotFound) << "an XBLOCK that is not there";
+}
+
+TEST(DamagedDataTree, IsRefusedWhereItsBlocksDoNotAddUp) {
+  MadeUpBlocks source;
+  source.blocks[4] = std::vector<std::byte>(100);
+  source.AddXBlock(6, 1, 300, {4, 4}, 2);
+  source.AddXBlock(10, 1, 150, {4, 4}, 2);
+  DataTreeReader longer = DataTreeReader::Open(source, 6).value();
+  EXPECT_EQ(longer.ReadAll(1000).error().kind, FailureKind::kCorrupt);
+  std::byte byte;
+  EXPECT_EQ(longer.ReadAt(0, std::span(&byte, 1)).error().kind, FailureKind::kCorrupt) << "a short block within";
+  DataTreeReader shorter = DataTreeReader::Open(source, 10).value();
+  EXPECT_EQ(shorter.ReadAll(1000).error().kind, FailureKind::kCorrupt);
+}
+
+}  // namespace
+}  // namespace velmora::ndb
