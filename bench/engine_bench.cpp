@@ -7,12 +7,12 @@
 #include <random>
 #include <vector>
 
-#include "engine/block_encoding.h"
 #include "engine/block_index.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
 #include "engine/steps.h"
 #include "platform/memory_file.h"
+#include "store/format/encoding.h"
 
 namespace velmora::engine {
 namespace {
@@ -77,20 +77,16 @@ BENCHMARK_CAPTURE(BothScans, unicode_encoded_smart, FORMAT_UNICODE, kEncoded, tr
 BENCHMARK_CAPTURE(BothScans, unicode_text_smart, FORMAT_UNICODE, kText, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BothScans, unicode4k_encoded_smart, FORMAT_UNICODE_4K, kEncoded, true)->Unit(benchmark::kMillisecond);
 
-void Decode(benchmark::State& bench, bool cyclic) {
+void Decode(benchmark::State& bench, CryptMethod method) {
   std::vector<std::byte> block(8176, std::byte{0x5A});
   for (auto _ : bench) {
-    if (cyclic) {
-      DecodeCyclic(0x1234, block);
-    } else {
-      DecodePermute(block);
-    }
+    DecodeBlock(method, 0x1234, block);
     benchmark::DoNotOptimize(block.data());
   }
   bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * block.size()));
 }
-BENCHMARK_CAPTURE(Decode, permute, false);
-BENCHMARK_CAPTURE(Decode, cyclic, true);
+BENCHMARK_CAPTURE(Decode, permute, CryptMethod::kPermute);
+BENCHMARK_CAPTURE(Decode, cyclic, CryptMethod::kCyclic);
 
 void LookUp(benchmark::State& bench) {
   std::vector<BlockRecord> records;

@@ -5,16 +5,14 @@
 #include <array>
 
 #include "platform/memory_file.h"
+#include "store/format/checksum.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/ndb/ndb_writer.h"
-#include "store/ndb/weak_crc.h"
 
 namespace velmora {
 namespace {
-
-using ltp::PropType;
 
 /// Takes everything and keeps nothing: what is measured is the forming of the store.
 class NoFile : public platform::ByteStore {
@@ -42,8 +40,8 @@ std::vector<std::byte> Sample(std::size_t size) {
 }
 
 void Checksum(benchmark::State& state) {
-  const std::vector<std::byte> bytes = Sample(ndb::kMaxBlockData);
-  for (auto _ : state) benchmark::DoNotOptimize(ndb::WeakCrc(bytes));
+  const std::vector<std::byte> bytes = Sample(kMaxBlockData);
+  for (auto _ : state) benchmark::DoNotOptimize(WeakCrc(bytes));
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 BENCHMARK(Checksum);
@@ -64,15 +62,15 @@ void Data(benchmark::State& state) {
 BENCHMARK(Data)->Unit(benchmark::kMillisecond);
 
 /// A node as a short mail makes one: 32 properties, the body beside the heap.
-ndb::Nid WriteItem(ndb::NdbWriter& ndb, ltp::PropertyContextWriter& item) {
+Nid WriteItem(ndb::NdbWriter& ndb, ltp::PropertyContextWriter& item) {
   static const text::Text kText(40, u'x');
   static const text::Text kBody(1200, u'b');
-  for (std::uint16_t i = 0; i < 15; ++i) item.AddInteger32(ltp::MakeTag(0x3600 + i, PropType::kInteger32), i);
-  for (std::uint16_t i = 0; i < 12; ++i) item.AddText(ltp::MakeTag(0x0E00 + i, PropType::kString), kText);
-  for (std::uint16_t i = 0; i < 4; ++i) item.AddInteger64(ltp::MakeTag(0x3000 + i, PropType::kTime), i);
-  item.AddText(ltp::MakeTag(0x1000, PropType::kString), kBody);
+  for (std::uint16_t i = 0; i < 15; ++i) item.AddInteger32(MakeTag(0x3600 + i, PropType::kInteger32), i);
+  for (std::uint16_t i = 0; i < 12; ++i) item.AddText(MakeTag(0x0E00 + i, PropType::kString), kText);
+  for (std::uint16_t i = 0; i < 4; ++i) item.AddInteger64(MakeTag(0x3000 + i, PropType::kTime), i);
+  item.AddText(MakeTag(0x1000, PropType::kString), kBody);
   const ndb::WrittenNode node = item.Finish().value();
-  const ndb::Nid nid = ndb.NewNid(ndb::NidType::kNormalMessage);
+  const Nid nid = ndb.NewNid(NidType::kNormalMessage);
   return ndb.SetNode(nid, node.trees, 0x8022) ? nid : 0;
 }
 
@@ -89,10 +87,10 @@ void OpenItem(benchmark::State& state) {
   platform::MemoryFile file;
   const auto ndb = ndb::NdbWriter::Create(file).value();
   ltp::PropertyContextWriter item(*ndb);
-  const ndb::Nid nid = WriteItem(*ndb, item);
+  const Nid nid = WriteItem(*ndb, item);
   for (auto _ : state) {
     auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees).value();
-    benchmark::DoNotOptimize(context.Text(ltp::MakeTag(0x0E03, PropType::kString)));
+    benchmark::DoNotOptimize(context.Text(MakeTag(0x0E03, PropType::kString)));
   }
   state.SetItemsProcessed(state.iterations());
 }

@@ -4,7 +4,7 @@
 # To build the command line.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  zlib1g-dev libicu-dev libexpected-dev libfmt-dev nlohmann-json3-dev libcli11-dev libmd-dev
+  zlib1g-dev libdeflate-dev libicu-dev libexpected-dev libfmt-dev nlohmann-json3-dev libcli11-dev libmd-dev
 )
 
 # To build the wizard as well.

@@ -26,14 +26,14 @@ const char* NameOf(engine::StoreKind kind) {
   return "";
 }
 
-Json NameOf(const std::optional<engine::FormatId>& format) {
+Json NameOf(const std::optional<FormatId>& format) {
   if (!format) return nullptr;
   switch (*format) {
-    case engine::FORMAT_ANSI:
+    case FORMAT_ANSI:
       return "ansi";
-    case engine::FORMAT_UNICODE:
+    case FORMAT_UNICODE:
       return "unicode";
-    case engine::FORMAT_UNICODE_4K:
+    case FORMAT_UNICODE_4K:
       return "unicode4k";
   }
   return nullptr;

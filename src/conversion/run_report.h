@@ -12,12 +12,12 @@ namespace velmora::conversion {
 
 struct RunReport {
   engine::StoreKind storeKind = engine::StoreKind::kNone;
-  std::optional<engine::FormatId> format;  ///< nothing while no format was found
+  std::optional<FormatId> format;  ///< nothing while no format was found
   // As the scans left them.
   std::uint32_t nodeCount = 0;
   std::uint32_t blockRecordCount = 0;
   std::uint32_t orphanBlockCount = 0;
-  engine::BlockEncoding blockEncoding = engine::BlockEncoding::kNone;
+  CryptMethod blockEncoding = CryptMethod::kNone;
   recovery::RecoveryReport recovery;
   /// What the new store holds where it could not be written to the end; the counts of `recovery` are of it then.
   std::optional<LeftStore> left;

@@ -1,8 +1,8 @@
 #include "engine/block_collector.h"
 #include "engine/messages.h"
-#include "engine/signature.h"
 #include "engine/steps.h"
 #include "engine/trailer_scan.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {

@@ -1,15 +1,14 @@
 #include "engine/block_proof.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <tuple>
 
-#include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
-#include "engine/signature.h"
 #include "engine/source_window.h"
+#include "store/format/byte_view.h"
+#include "store/format/checksum.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {
@@ -41,12 +40,6 @@ TrailerPlace PlaceOf(const PageLayout& layout) {
 constexpr std::uint64_t kMostAtOnce = 1 << 20;
 constexpr std::uint64_t kGap = 16384;
 
-/// The checksum of the format: start value 0 and no final complement, where that of zlib has both.
-std::uint32_t Checksum(std::span<const std::byte> bytes) {
-  return ~static_cast<std::uint32_t>(
-      crc32(0xFFFFFFFF, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
-}
-
 class Prover {
  public:
   explicit Prover(const EngineState& state) : place_(PlaceOf(state.layout)), checksumsLeft_(state.source->Size()) {}
@@ -64,7 +57,7 @@ class Prover {
     if (trailer.U16(kOffSignature) != ComputeSig(record.offset, record.bid)) return Proof::kNone;
     if (trailer.U16(kOffSize) != record.size || record.size > checksumsLeft_) return Proof::kTrailer;
     checksumsLeft_ -= record.size;
-    const bool fits = trailer.U32(place_.offChecksum) == Checksum(block.Bytes().first(record.size));
+    const bool fits = trailer.U32(place_.offChecksum) == WeakCrc(block.Bytes().first(record.size));
     return fits ? Proof::kWhole : Proof::kTrailer;
   }
 

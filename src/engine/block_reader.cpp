@@ -6,7 +6,7 @@
 #include <array>
 #include <memory>
 
-#include "engine/block_encoding.h"
+
 #include "engine/engine_state.h"
 #include "engine/source_window.h"
 
@@ -49,28 +49,18 @@ bool BlockReader::DetectEncoding(std::uint32_t id, std::uint64_t offset, std::ui
   std::array<std::byte, 4> stored{};
   if (!ReadFromSource(state_, offset, std::span(stored).first(std::min<std::size_t>(size, stored.size()))))
     return false;
-  for (const BlockEncoding encoding : {BlockEncoding::kNone, BlockEncoding::kPermute, BlockEncoding::kCyclic}) {
+  for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
     std::array<std::byte, 4> head = stored;
-    if (encoding == BlockEncoding::kPermute) DecodePermute(head);
-    if (encoding == BlockEncoding::kCyclic) DecodeCyclic(id, head);
+    velmora::DecodeBlock(method, id, head);
     if (!AcceptsSignature(ByteView(head).U16(kSignatureOffset), false)) continue;
-    state_.blockEncoding = encoding;
+    state_.blockEncoding = method;
     return true;
   }
   return false;
 }
 
 void BlockReader::DecodeBlock(std::uint32_t id, std::span<std::byte> bytes) const {
-  switch (state_.blockEncoding) {
-    case BlockEncoding::kNone:
-      break;
-    case BlockEncoding::kPermute:
-      DecodePermute(bytes);
-      break;
-    case BlockEncoding::kCyclic:
-      DecodeCyclic(id, bytes);
-      break;
-  }
+  velmora::DecodeBlock(state_.blockEncoding, id, bytes);
 }
 
 std::uint32_t BlockReader::InflateBlock(Bytes& bytes) const {

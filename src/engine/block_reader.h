@@ -7,13 +7,11 @@
 #include <vector>
 
 #include "engine/block_index.h"
-#include "engine/byte_view.h"
+#include "store/format/byte_view.h"
 
 namespace velmora::engine {
 
 struct EngineState;
-
-using Bytes = std::vector<std::byte>;
 
 /// 0xBCEC property context, 0x7CEC table context, 0x8CEC and 0xECEC: the word at offset 2 of a heap.
 bool IsHeapSignature(std::uint16_t word);

@@ -1,7 +1,7 @@
 #include "engine/block_trailer.h"
 
-#include "engine/signature.h"
 #include "engine/zero_runs.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 

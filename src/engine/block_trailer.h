@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "engine/byte_view.h"
-#include "engine/page_layout.h"
 #include "engine/zero_runs.h"
+#include "store/format/byte_view.h"
+#include "store/format/page_layout.h"
 
 namespace velmora::engine {
 

@@ -10,9 +10,10 @@
 #include "engine/bad_ranges.h"
 #include "engine/block_index.h"
 #include "engine/node_list.h"
-#include "engine/page_layout.h"
 #include "engine/referenced_ids.h"
 #include "platform/file.h"
+#include "store/format/encoding.h"
+#include "store/format/page_layout.h"
 
 namespace velmora::engine {
 
@@ -24,8 +25,6 @@ struct OrphanBlock {
   std::uint32_t bidData = 0;  ///< a block with a heap signature
   std::uint32_t bidSub = 0;   ///< a sub-node block that begins with an attachment table
 };
-
-enum class BlockEncoding : std::uint8_t { kNone = 0, kPermute = 1, kCyclic = 2 };
 
 struct EngineState {
   // Opening and probe
@@ -51,7 +50,7 @@ struct EngineState {
   std::uint32_t orphanBlockCount = 0;
 
   // Block reader
-  BlockEncoding blockEncoding = BlockEncoding::kNone;
+  CryptMethod blockEncoding = CryptMethod::kNone;
   bool encodingUnknown = true;
 
   /// How far a scan has come at this offset of the source, in percent; above 100 behind the end. A source

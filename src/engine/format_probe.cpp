@@ -1,8 +1,8 @@
 #include <optional>
 
-#include "engine/signature.h"
 #include "engine/source_window.h"
 #include "engine/steps.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {

@@ -1,6 +1,6 @@
-#include "engine/signature.h"
 #include "engine/source_window.h"
 #include "engine/steps.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {

@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "engine/byte_view.h"
 #include "engine/engine_state.h"
+#include "store/format/byte_view.h"
 
 namespace velmora::engine {
 

@@ -5,8 +5,8 @@
 #include <bit>
 #include <cstring>
 
-#include "engine/signature.h"
 #include "engine/zero_runs.h"
+#include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {

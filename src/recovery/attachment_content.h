@@ -1,8 +1,8 @@
 // The content of an attachment on its way from the source to the new item.
 #pragma once
 
-#include "engine/byte_view.h"
 #include "platform/spool_file.h"
+#include "store/format/byte_view.h"
 #include "store/operations.h"
 
 namespace velmora::recovery {

@@ -9,7 +9,6 @@
 
 namespace velmora::recovery {
 
-using engine::ByteView;
 using text::Text;
 
 namespace {
@@ -88,7 +87,7 @@ AttachmentReader::Result AttachmentReader::ReadAttachment(const SubNodeEntry& en
 
 std::optional<AttachmentReader::Names> AttachmentReader::ReadNames(ByteView block, const PropertyContext& context) {
   const std::uint16_t ibHnpm = context.Header().ibHnpm;
-  const bool packed = items_.engine.layout.formatId == engine::FORMAT_UNICODE_4K;
+  const bool packed = items_.engine.layout.formatId == FORMAT_UNICODE_4K;
   Names names;
   std::uint16_t wantedId = kShortFileNameId;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {

@@ -38,20 +38,20 @@ class AttachmentReader {
     std::uint16_t lastId = 0;
   };
 
-  std::optional<Names> ReadNames(engine::ByteView block, const PropertyContext& context);
-  void TakeFileName(Names& names, engine::ByteView block, HeapRange range);
-  Result ReadContent(const SubNodeEntry& entry, engine::ByteView block, const PropertyContext& context,
-                     const Names& names, bool* lineWritten);
+  std::optional<Names> ReadNames(ByteView block, const PropertyContext& context);
+  void TakeFileName(Names& names, ByteView block, HeapRange range);
+  Result ReadContent(const SubNodeEntry& entry, ByteView block, const PropertyContext& context, const Names& names,
+                     bool* lineWritten);
   void NameLastRecord(bool lineWritten);
 
-  std::optional<Result> WriteAttachmentData(engine::ByteView block, const PropertyContext& context);
+  std::optional<Result> WriteAttachmentData(ByteView block, const PropertyContext& context);
   Result ReadAttachmentSubNode(const SubNodeEntry& entry, const std::optional<PropertyRecord>& data);
   Result AttachFile();
   void ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content);
   Result Lost(text::Text missing);
-  bool QueueEmbedded(const SubNodeEntry& entry, engine::ByteView block);
+  bool QueueEmbedded(const SubNodeEntry& entry, ByteView block);
 
-  text::Text ReadText(engine::ByteView block, HeapRange range) const;
+  text::Text ReadText(ByteView block, HeapRange range) const;
 
   ItemRun& items_;
   bool attachmentIsEmbedded_ = false;

@@ -6,8 +6,6 @@
 
 namespace velmora::recovery {
 
-using engine::ByteView;
-
 namespace {
 
 /// One identifier is looked for further on when it has no block: its block is that of the last id tried.
@@ -76,7 +74,7 @@ AttachmentReader::Result AttachmentReader::ReadAttachmentSubNode(const SubNodeEn
 
 void AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record, AttachmentContent& content) {
   const std::uint64_t before = content.Size();
-  const auto append = [&content](const engine::Bytes& piece) { content.Append(piece); };
+  const auto append = [&content](const Bytes& piece) { content.Append(piece); };
   BlockChain chain;
   if (BuildBlockChainAt(items_.engine, record, items_.state.allowance, chain)) {
     WriteStreamToFile(items_.engine, chain, items_.state.allowance, append);

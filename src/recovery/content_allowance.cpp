@@ -13,7 +13,7 @@ ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::
       losses_(kLeastLosses + sourceBytes / kBytesOfLoss) {}
 
 ContentAllowance ContentAllowance::Of(const engine::EngineState& engine) {
-  return {engine.source == nullptr ? 0 : engine.source->Size(), engine.layout.formatId == engine::FORMAT_UNICODE_4K,
+  return {engine.source == nullptr ? 0 : engine.source->Size(), engine.layout.formatId == FORMAT_UNICODE_4K,
           std::uint64_t{engine.nodeCount} + engine.blockRecordCount};
 }
 

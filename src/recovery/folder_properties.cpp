@@ -20,7 +20,7 @@ tl::expected<FolderProperties, FolderFault> ParseFolderProperties(engine::Engine
                                                                   ContentAllowance& allowance) {
   const auto bytes = ReadHeapBlock(engine, record, record.bid, kFolderRules, allowance);
   if (!bytes) return Fault(bytes.error());
-  const engine::ByteView block(*bytes);
+  const ByteView block(*bytes);
   const PropertyContext context(block, engine, kFolderRules);
   if (context.GetFault() != PropertyContext::Fault::kNone) {
     return Fault(context.BlockFaultOf(engine, record, kFolderRules));

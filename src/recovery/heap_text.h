@@ -1,19 +1,19 @@
 // Texts as a store holds them, in a heap or in a block of their own.
 #pragma once
 
-#include "engine/byte_view.h"
+#include "store/format/byte_view.h"
 #include "text/code_page.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
 
 /// UTF-16 up to the first NUL. The bytes are taken as if zeros followed them, so an odd last byte makes a unit.
-text::Text WideText(engine::ByteView bytes);
+text::Text WideText(ByteView bytes);
 
 /// 8-bit text up to the first NUL.
-text::Text NarrowText(engine::ByteView bytes, const text::CodePage& codePage);
+text::Text NarrowText(ByteView bytes, const text::CodePage& codePage);
 
 /// The one or the other, by the width of the store's texts.
-text::Text CopyHeapText(engine::ByteView bytes, bool wide, const text::CodePage& codePage);
+text::Text CopyHeapText(ByteView bytes, bool wide, const text::CodePage& codePage);
 
 }  // namespace velmora::recovery

@@ -8,10 +8,10 @@
 #include <optional>
 
 #include "engine/block_index.h"
-#include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "engine/run.h"
 #include "recovery/named_prop_map.h"
+#include "store/format/byte_view.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 
@@ -30,7 +30,7 @@ struct PropertyRecord {
 
 /// The decoded and inflated block of the message under work, and what stands around it.
 struct MessageBlock {
-  engine::ByteView bytes;      ///< readBuffer
+  ByteView bytes;              ///< readBuffer
   engine::BlockRecord record;  ///< its `size` is the size after inflation
   std::uint16_t heapPageMapOffset = 0;
 

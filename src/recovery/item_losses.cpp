@@ -69,7 +69,7 @@ class ItemLosses {
     }
     const auto data = ReadDataBlock(items_.engine, *block, block->bid, allowance);
     if (!data) return total;
-    if (head != nullptr) *head = engine::ByteView(data->bytes).U32(0);
+    if (head != nullptr) *head = ByteView(data->bytes).U32(0);
     return total.value_or(data->bytes.size());
   }
 

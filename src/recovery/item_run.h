@@ -89,7 +89,7 @@ struct MessageLosses {
 
 /// The message under work; made anew for each.
 struct MessageWork {
-  engine::Bytes readBuffer;
+  Bytes readBuffer;
   MessageBlock block;  ///< views readBuffer
 
   /// By kind: is it the kind of the item under work, and the item. One kind, unless the classes of a damaged

@@ -8,9 +8,6 @@
 
 namespace velmora::recovery {
 
-using engine::Bytes;
-using engine::ByteView;
-
 namespace {
 
 constexpr std::uint32_t kFewestRecords = 50;

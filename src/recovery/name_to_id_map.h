@@ -26,18 +26,18 @@ class NameMapReader {
   enum class NextStep { kEnd, kBlockWalks };
 
   /// The records of a heap that is the map itself.
-  NextStep ReadContext(engine::Bytes bytes, const engine::BlockRecord& record, const PropertyContext& context);
-  void ReadGuids(engine::ByteView block, HeapRange stream);
+  NextStep ReadContext(Bytes bytes, const engine::BlockRecord& record, const PropertyContext& context);
+  void ReadGuids(ByteView block, HeapRange stream);
   /// True when the entry is a numeric name with a long id that the converters may know.
-  bool ReadNameEntry(engine::ByteView block, std::uint64_t offset);
+  bool ReadNameEntry(ByteView block, std::uint64_t offset);
   /// Every 8 bytes of the block are tried as an entry; true when one was taken.
-  bool ReadNameEntries(engine::ByteView block, std::uint64_t size);
+  bool ReadNameEntries(ByteView block, std::uint64_t size);
 
   bool WalkNameBlocks(std::uint32_t bid, int depth = 1) { return WalkBlocks(Walk::kNameBlocks, bid, depth); }
   bool WalkNameBlocksDeep(std::uint32_t bid, int depth = 1) { return WalkBlocks(Walk::kNameBlocksDeep, bid, depth); }
   bool WalkBlocks(Walk walk, std::uint32_t bid, int depth);
   bool WalkListed(Walk walk, std::uint32_t bid, const engine::BlockRecord& outer, int depth);
-  bool StepThroughSlots(engine::ByteView block, std::uint32_t size, int depth);
+  bool StepThroughSlots(ByteView block, std::uint32_t size, int depth);
   void FallbackWalks(std::uint16_t word, std::uint32_t bidData, std::uint32_t bidSub);
 
   /// Bytes of a block that the walks may still look at; false when there are none left.
@@ -46,7 +46,7 @@ class NameMapReader {
   engine::EngineState& engine_;
   engine::BlockReader blocks_;
   NamedPropMap& map_;
-  std::set<std::tuple<std::uint32_t, std::uint32_t, engine::BlockEncoding>> read_;
+  std::set<std::tuple<std::uint32_t, std::uint32_t, CryptMethod>> read_;
   std::uint64_t left_ = std::uint64_t{128} << 20;
 };
 

@@ -27,7 +27,7 @@ text::Text ReadBody(ItemRun& items, const engine::BlockRecord& record, const Bod
   if (!block || !items.state.allowance.TakeHeld(block->bytes.size())) return {};
   missing = MissingOf(chain, block->bytes.size());
   const bool wide = slot.tag == kPlainBodyId && items.engine.layout.wideFormat;
-  return CopyHeapText(engine::ByteView(block->bytes), wide, BodyCodePage(slot.tag, codePage));
+  return CopyHeapText(ByteView(block->bytes), wide, BodyCodePage(slot.tag, codePage));
 }
 
 Field FieldOf(std::uint16_t tag) {
@@ -45,7 +45,7 @@ Field FieldOf(std::uint16_t tag) {
 
 void ReadOutOfLineBody(ItemRun& items) {
   const bool plainFirst =
-      items.engine.layout.formatId != engine::FORMAT_UNICODE_4K && items.message.messageSize > kPlainFirstAbove;
+      items.engine.layout.formatId != FORMAT_UNICODE_4K && items.message.messageSize > kPlainFirstAbove;
   for (std::size_t kind = plainFirst ? kPlainBody : kHtmlBody; kind <= kPlainBody; ++kind) {
     const BodySlot& slot = items.bodySlots[kind];
     const auto record = items.blocks.FindBlockOrLower(slot.bid);

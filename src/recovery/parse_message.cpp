@@ -230,7 +230,7 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
 
   MessageWork& message = items.message;
   message.readBuffer = std::move(*bytes);
-  message.block.bytes = engine::ByteView(message.readBuffer);
+  message.block.bytes = ByteView(message.readBuffer);
   message.block.record = *record;
   message.block.record.size = static_cast<std::uint32_t>(message.readBuffer.size());
   const PropertyContext context(message.block.bytes, items.engine, kMessageRules);

@@ -4,7 +4,6 @@
 
 namespace velmora::recovery {
 
-using engine::ByteView;
 using engine::StoreKind;
 using Cause = BlockFault::Cause;
 
@@ -38,17 +37,17 @@ std::optional<HeapRange> RangeOf(ByteView block, std::uint16_t ibHnpm, std::uint
   return range;
 }
 
-bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes) {
-  if (engine.layout.formatId != engine::FORMAT_UNICODE_4K) return false;
+bool InflateUnlessHeap(engine::EngineState& engine, Bytes& bytes) {
+  if (engine.layout.formatId != FORMAT_UNICODE_4K) return false;
   if (engine::IsHeapSignature(ByteView(bytes).U16(2))) return false;
-  engine::Bytes inflated = bytes;
+  Bytes inflated = bytes;
   if (engine::BlockReader(engine).InflateBlock(inflated) == 0) return false;
   bytes = std::move(inflated);
   return true;
 }
 
-tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      std::uint32_t id, const ContextRules& rules) {
+tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                              std::uint32_t id, const ContextRules& rules) {
   const engine::BlockReader blocks(engine);
   auto bytes = blocks.ReadChunk(record.offset, record.size);
   if (!bytes) return tl::unexpected(BlockFault::Of(Cause::kNotRead, record));
@@ -57,9 +56,9 @@ tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engin
   return std::move(*bytes);
 }
 
-tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      std::uint32_t id, const ContextRules& rules,
-                                                      ContentAllowance& allowance) {
+tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                              std::uint32_t id, const ContextRules& rules,
+                                              ContentAllowance& allowance) {
   const tl::unexpected<BlockFault> tooMuch(BlockFault::Of(Cause::kTooMuch, record));
   if (!allowance.TakeBytes(record.size)) return tooMuch;
   auto bytes = ReadHeapBlock(engine, record, id, rules);
@@ -74,7 +73,7 @@ BlockFault PropertyContext::BlockFaultOf(const engine::EngineState& engine, cons
   if (cutOff) return BlockFault::Of(Cause::kCutOff, record);
   if (fault_ != Fault::kSignature) return BlockFault::Of(Cause::kBrokenHeap, record);
   if (IsInternalBid(record.bid)) return BlockFault::Of(Cause::kList, record);
-  const bool stillPacked = Inflates(engine, rules) && engine.layout.formatId == engine::FORMAT_UNICODE_4K &&
+  const bool stillPacked = Inflates(engine, rules) && engine.layout.formatId == FORMAT_UNICODE_4K &&
                            !engine::IsHeapSignature(header_.signature) && block_.Size() == record.size;
   return BlockFault::Of(stillPacked ? Cause::kNotInflated : Cause::kSignature, record, header_.signature);
 }

@@ -14,11 +14,11 @@
 #include <tl/expected.hpp>
 
 #include "engine/block_reader.h"
-#include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "recovery/block_fault.h"
 #include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
+#include "store/format/byte_view.h"
 
 namespace velmora::recovery {
 
@@ -30,16 +30,16 @@ struct HeapHeader {
   std::uint16_t signature = 0;
   std::uint32_t hidUserRoot = 0;
 };
-HeapHeader ReadHeapHeader(engine::ByteView block);
+HeapHeader ReadHeapHeader(ByteView block);
 
-PropertyRecord ReadPropertyRecord(engine::ByteView block, std::uint64_t offset);
+PropertyRecord ReadPropertyRecord(ByteView block, std::uint64_t offset);
 
 /// Where an allocation lies in its block, in bytes.
 struct HeapRange {
   std::uint32_t start = 0;
   std::uint32_t end = 0;
 
-  engine::ByteView In(engine::ByteView block) const { return block.Range(start, end); }
+  ByteView In(ByteView block) const { return block.Range(start, end); }
 };
 
 /// The place of the page map at which start and end of the allocation that `hid` names stand. The block index
@@ -48,13 +48,13 @@ struct HeapRange {
 constexpr std::uint32_t HeapPosition(std::uint16_t ibHnpm, std::uint32_t hid) { return ibHnpm + 2u + (hid >> 4); }
 
 /// Start and end as they stand at `position`; nothing when they do not lie wholly in the block.
-std::optional<HeapRange> ReadHeapRange(engine::ByteView block, std::uint32_t position);
+std::optional<HeapRange> ReadHeapRange(ByteView block, std::uint32_t position);
 
 enum class EmptyEnd { kAllowed, kRefused };
 
 /// The allocation that `hid` names, wholly inside the block. An `end` of 0 is an allocation to some readers and
 /// none to others.
-std::optional<HeapRange> RangeOf(engine::ByteView block, std::uint16_t ibHnpm, std::uint32_t hid, EmptyEnd emptyEnd);
+std::optional<HeapRange> RangeOf(ByteView block, std::uint16_t ibHnpm, std::uint32_t hid, EmptyEnd emptyEnd);
 
 /// True of a value that lives in a sub-node: the value is the id of that sub-node then.
 constexpr bool IsSubNodeValue(std::uint32_t value) { return (value & 0xF) == 0xF; }
@@ -84,16 +84,15 @@ inline constexpr ContextRules kNameMapRules{.decodesOst = false, .acceptsOtherKi
 
 /// Inflates a block that shows no heap signature (4K format alone). A block that is no packed stream stays as
 /// it was read: it was stored uncompressed. True when it was inflated.
-bool InflateUnlessHeap(engine::EngineState& engine, engine::Bytes& bytes);
+bool InflateUnlessHeap(engine::EngineState& engine, Bytes& bytes);
 
 /// The bytes of a block as a walk with these rules looks at them: read, decoded with the key `id`, inflated.
-tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      std::uint32_t id, const ContextRules& rules);
+tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                              std::uint32_t id, const ContextRules& rules);
 
 /// The same for a block that any number of nodes may name. A fault as well when the allowance is spent.
-tl::expected<engine::Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                                      std::uint32_t id, const ContextRules& rules,
-                                                      ContentAllowance& allowance);
+tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+                                              std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
 class PropertyContext {
@@ -101,7 +100,7 @@ class PropertyContext {
   /// The test that the block failed, in the order in which they are made.
   enum class Fault { kNone, kSignature, kRootRange, kTreeHeader, kRecordRange };
 
-  PropertyContext(engine::ByteView block, engine::EngineState& engine, const ContextRules& rules);
+  PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules);
 
   Fault GetFault() const { return fault_; }
 
@@ -121,7 +120,7 @@ class PropertyContext {
  private:
   Fault Open(engine::EngineState& engine, const ContextRules& rules);
 
-  engine::ByteView block_;
+  ByteView block_;
   HeapHeader header_;
   HeapRange records_;
   Fault fault_ = Fault::kNone;

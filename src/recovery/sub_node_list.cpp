@@ -13,7 +13,7 @@ SubNodeList ReadSubNodeList(engine::EngineState& engine, std::uint32_t bidSub) {
   const auto bytes = blocks.ReadChunk(record->offset, record->size);  // stored plain, whatever the encoding
   if (!bytes) return emptyList;
 
-  const engine::ByteView block(*bytes);
+  const ByteView block(*bytes);
   const std::uint32_t width = engine.layout.Pitch();
   const std::uint32_t stride = 3 * width;
   const std::uint32_t count = block.U16(2);

@@ -32,8 +32,8 @@ text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t valu
   const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
   const auto block = ReadDataBlock(engine_, *record, record->bid, allowance_, inflates);
   if (!block || !allowance_.TakeHeld(block->bytes.size())) return {};
-  if (type == kTypeUnicode) return WithSinglePercents(WideText(engine::ByteView(block->bytes)));
-  if (type == kTypeString8) return NarrowText(engine::ByteView(block->bytes), codePage_);
+  if (type == kTypeUnicode) return WithSinglePercents(WideText(ByteView(block->bytes)));
+  if (type == kTypeString8) return NarrowText(ByteView(block->bytes), codePage_);
   return {};
 }
 

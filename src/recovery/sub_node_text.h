@@ -4,18 +4,18 @@
 #include <cstdint>
 #include <unordered_map>
 
-#include "engine/byte_view.h"
 #include "engine/engine_state.h"
 #include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
 #include "recovery/sub_node_list.h"
+#include "store/format/byte_view.h"
 
 namespace velmora::recovery {
 
 /// Answers for one message. All arguments outlive it.
 class SubNodeText : public SubNodeValues {
  public:
-  SubNodeText(engine::EngineState& engine, const SubNodeList& subNodes, engine::ByteView messageBlock,
+  SubNodeText(engine::EngineState& engine, const SubNodeList& subNodes, ByteView messageBlock,
               const text::CodePage& codePage, ContentAllowance& allowance)
       : engine_(engine), subNodes_(subNodes), messageBlock_(messageBlock), codePage_(codePage), allowance_(allowance) {}
 
@@ -26,7 +26,7 @@ class SubNodeText : public SubNodeValues {
  private:
   engine::EngineState& engine_;
   const SubNodeList& subNodes_;
-  engine::ByteView messageBlock_;
+  ByteView messageBlock_;
   const text::CodePage& codePage_;
   ContentAllowance& allowance_;
   std::unordered_map<std::uint32_t, std::uint32_t> blockOfNid_;  ///< made at the first question; the first of an id

@@ -6,8 +6,6 @@
 namespace velmora::recovery {
 namespace {
 
-using engine::ByteView;
-
 constexpr std::uint16_t kUpperLevel = 0x0102;  ///< block type 2, level 1: pairs of a sub-node id and a block of entries
 
 }  // namespace

@@ -9,8 +9,6 @@
 
 namespace velmora::recovery {
 
-using engine::Bytes;
-using engine::ByteView;
 using engine::EngineState;
 
 namespace {

@@ -45,7 +45,7 @@ bool BuildBlockChainAt(engine::EngineState& engine, const engine::BlockRecord& r
                        BlockChain& chain);
 
 struct DataBlock {
-  engine::Bytes bytes;
+  Bytes bytes;
   bool inflated = false;
 };
 
@@ -60,7 +60,7 @@ std::optional<DataBlock> ReadDataBlock(engine::EngineState& engine, const engine
 text::Text ReadStreamAsText(engine::EngineState& engine, BlockChain& chain, std::uint16_t kind,
                             const text::CodePage& codePage, ContentAllowance& allowance);
 
-using PieceWriter = std::function<void(const engine::Bytes&)>;
+using PieceWriter = std::function<void(const Bytes&)>;
 
 /// Gives each piece, in order, to `write`; a piece that is missing is left out.
 void WriteStreamToFile(engine::EngineState& engine, BlockChain& chain, ContentAllowance& allowance,

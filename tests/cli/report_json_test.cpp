@@ -27,9 +27,9 @@ TEST(ReportJson, HasAllFieldsInTheirOrder) {
 TEST(ReportJson, TellsWhatWasFound) {
   conversion::RunReport report;
   report.storeKind = engine::StoreKind::kOst;
-  report.format = engine::FORMAT_UNICODE_4K;
+  report.format = FORMAT_UNICODE_4K;
   report.nodeCount = 3;
-  report.blockEncoding = engine::BlockEncoding::kCyclic;
+  report.blockEncoding = CryptMethod::kCyclic;
   report.recovery.folders = {{0x8082, 0x8022, u"Gr\u00FC\u00DFe", u"IPF.Note"}};
   report.recovery.items = {{u"IPM.Note", 2}};
   report.recovery.skipped[recovery::SkipReason::kNoFolder] = 4;
@@ -45,7 +45,8 @@ TEST(ReportJson, TellsWhatWasFound) {
                                                "containerClass":"IPF.Note"}])")));
   EXPECT_EQ(json["items"], (Json{{"IPM.Note", 2}}));
   EXPECT_EQ(json["skipped"]["no folder"], 4);
-  EXPECT_EQ(json["lost"], (Json::parse(R"([{"kind":"message","nid":2097188,"bidData":4660,"class":"IPM.Note","reason":"why"}])")));
+  EXPECT_EQ(json["lost"],
+            (Json::parse(R"([{"kind":"message","nid":2097188,"bidData":4660,"class":"IPM.Note","reason":"why"}])")));
   EXPECT_EQ(json["refusal"], "Pst/Ost file is not valid.");
   EXPECT_EQ(json["seconds"], 1.5);
   EXPECT_EQ(json["peakRssKiB"], 77);

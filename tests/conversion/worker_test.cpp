@@ -178,7 +178,7 @@ TEST_F(WorkerTest, AStoreOfAnotherEncodingIsReadAfterTheFirst) {
   MakeSource("two.ost", forge::Encoding::kCyclic);
   StartOver("out");
   Run();
-  EXPECT_EQ(outLook_.Report().blockEncoding, engine::BlockEncoding::kCyclic);
+  EXPECT_EQ(outLook_.Report().blockEncoding, CryptMethod::kCyclic);
   EXPECT_EQ(outLook_.Report().recovery.items.at(u"IPM.Note"), 2u);
 }
 
@@ -187,8 +187,8 @@ TEST_F(WorkerTest, TheReportTellsWhatTheScansFound) {
   Run();
   const RunReport& report = outLook_.Report();
   EXPECT_EQ(report.storeKind, engine::StoreKind::kOst);
-  EXPECT_EQ(report.format, engine::FORMAT_UNICODE);
-  EXPECT_EQ(report.blockEncoding, engine::BlockEncoding::kPermute);
+  EXPECT_EQ(report.format, FORMAT_UNICODE);
+  EXPECT_EQ(report.blockEncoding, CryptMethod::kPermute);
   EXPECT_GT(report.nodeCount, 5u);
   EXPECT_GT(report.blockRecordCount, 5u);
   EXPECT_EQ(report.orphanBlockCount, 0u);

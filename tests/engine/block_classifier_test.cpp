@@ -57,7 +57,7 @@ TEST_F(BlockClassifierTest, TheFirstHeapTellsTheEncoding) {
   for (const auto encoding : {forge::Encoding::kNone, forge::Encoding::kPermute, forge::Encoding::kCyclic}) {
     for (const Format format : {Format::kAnsi, Format::kUnicode}) {
       state_.encodingUnknown = true;
-      state_.blockEncoding = BlockEncoding::kNone;
+      state_.blockEncoding = CryptMethod::kNone;
       EXPECT_TRUE(Classify(Heap(), {.format = format, .encoding = encoding}));
       EXPECT_FALSE(state_.encodingUnknown);
       EXPECT_EQ(static_cast<int>(state_.blockEncoding), static_cast<int>(encoding));
@@ -69,7 +69,7 @@ TEST_F(BlockClassifierTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotLis
   EXPECT_FALSE(Classify(Heap(), {}, {.trailerSignature = std::uint16_t{0x1234}}));
   EXPECT_TRUE(state_.encodingUnknown);
   state_.encodingUnknown = false;
-  state_.blockEncoding = BlockEncoding::kPermute;
+  state_.blockEncoding = CryptMethod::kPermute;
   EXPECT_TRUE(ClassifyAgain(4)) << "but listed where the encoding is known";
 }
 
@@ -106,7 +106,7 @@ TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncodin
 
 TEST_F(BlockClassifierTest, ATableIsListedInAnOfflineStoreAlone) {
   state_.encodingUnknown = false;
-  state_.blockEncoding = BlockEncoding::kPermute;
+  state_.blockEncoding = CryptMethod::kPermute;
   EXPECT_FALSE(Classify(Heap(0x7CEC)));
   state_.storeKind = StoreKind::kOst;
   EXPECT_TRUE(ClassifyAgain(4));

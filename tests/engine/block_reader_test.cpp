@@ -93,9 +93,9 @@ TEST_F(BlockReaderTest, EachEncodingIsDetectedByTheHeapSignature) {
 
 TEST_F(BlockReaderTest, ABlockThatShowsNoSignatureLeavesTheEncodingUnknown) {
   AttachHead(forge::Encoding::kCyclic, 0x1234);
-  state_.blockEncoding = BlockEncoding::kPermute;
+  state_.blockEncoding = CryptMethod::kPermute;
   EXPECT_FALSE(reader_.DetectEncoding(0x5678, 0, 64)) << "the wrong key";
-  EXPECT_EQ(state_.blockEncoding, BlockEncoding::kPermute);
+  EXPECT_EQ(state_.blockEncoding, CryptMethod::kPermute);
   EXPECT_TRUE(reader_.DetectEncoding(0x1234, 0, 64)) << "and the next block is tried";
 }
 
@@ -135,14 +135,14 @@ TEST_F(BlockReaderTest, BlocksAreDecodedByTheEncodingOfTheRun) {
   for (const auto encoding : {forge::Encoding::kNone, forge::Encoding::kPermute, forge::Encoding::kCyclic}) {
     forge::Bytes block = plain;
     forge::Encode(encoding, 0x98765432, block);
-    state_.blockEncoding = static_cast<BlockEncoding>(encoding);
+    state_.blockEncoding = static_cast<CryptMethod>(encoding);
     reader_.DecodeBlock(0x98765432, block);
     EXPECT_EQ(block, plain);
   }
 }
 
 TEST_F(BlockReaderTest, InACyclicStoreTheSameBytesDecodeDifferentlyForDifferentIds) {
-  state_.blockEncoding = BlockEncoding::kCyclic;
+  state_.blockEncoding = CryptMethod::kCyclic;
   forge::Bytes one(16), other(16);
   reader_.DecodeBlock(4, one);
   reader_.DecodeBlock(8, other);

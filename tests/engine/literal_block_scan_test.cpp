@@ -124,7 +124,7 @@ class LiteralBlockScanTest : public RunTest, public testing::WithParamInterface<
     state_.storeKind = kind;
     run_.smartScan = smart;
     run_.runAborted = false;
-    state_.blockEncoding = BlockEncoding::kNone;
+    state_.blockEncoding = CryptMethod::kNone;
     state_.encodingUnknown = true;
     NodeList nodes;
     nodes.Insert({0x21, 8, 12, 0});

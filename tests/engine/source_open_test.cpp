@@ -29,13 +29,13 @@ TEST_F(SourceOpenTest, AFolderIsNoSource) { EXPECT_THROW(OpenSource(state_, run_
 
 TEST_F(SourceOpenTest, NothingOfAnEarlierRunStays) {
   state_.nodeCount = 7;
-  state_.blockEncoding = BlockEncoding::kCyclic;
+  state_.blockEncoding = CryptMethod::kCyclic;
   state_.encodingUnknown = false;
   state_.storeKind = StoreKind::kOst;
   std::ofstream(folder_ / "a.pst") << "x";
   OpenSource(state_, run_, folder_ / "a.pst");
   EXPECT_EQ(state_.nodeCount, 0u);
-  EXPECT_EQ(state_.blockEncoding, BlockEncoding::kNone);
+  EXPECT_EQ(state_.blockEncoding, CryptMethod::kNone);
   EXPECT_TRUE(state_.encodingUnknown);
   EXPECT_EQ(state_.storeKind, StoreKind::kNone);
 }

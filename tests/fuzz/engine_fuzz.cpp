@@ -86,6 +86,7 @@ void RunScans(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool 
 }  // namespace velmora::engine
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace velmora;
   using namespace velmora::engine;
   const auto bytes = std::as_bytes(std::span(data, size));
   const std::vector<std::byte> whole(bytes.begin(), bytes.end());

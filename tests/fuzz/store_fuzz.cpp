@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/memory_file.h"
+#include "store/format/little_endian.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/store_reader.h"
 #include "store/ndb/subnode_tree.h"
 
@@ -27,7 +27,7 @@ void ReadProperties(const ndb::BlockSource& source, const ndb::NodeTrees& node) 
   auto context = ltp::PropertyContext::Open(source, node);
   if (!context) return;
   std::size_t looks = 0;
-  for (const ltp::PropertyRecord& record : context->Records()) {
+  for (const PropertyRecord& record : context->Records()) {
     if (++looks > kMostLooks) break;
     const auto value = context->Read(record.Tag());
     const auto size = context->SizeOf(record.Tag());
@@ -72,20 +72,20 @@ class Blocks : public ndb::BlockSource {
  public:
   explicit Blocks(std::span<const std::byte> bytes) {
     while (bytes.size() > 2) {
-      const std::size_t length = ndb::Load<std::uint16_t>(bytes, 0) % (ndb::kMaxBlockData + 1);
+      const std::size_t length = Load<std::uint16_t>(bytes, 0) % (kMaxBlockData + 1);
       bytes = bytes.subspan(2);
       blocks_.push_back(bytes.first(std::min(length, bytes.size())));
       bytes = bytes.subspan(blocks_.back().size());
     }
   }
 
-  ndb::Result<void> ReadBlock(ndb::Bid bid, std::vector<std::byte>& out) const override {
-    if (blocks_.empty()) return tl::unexpected(ndb::Failure{ndb::FailureKind::kNotFound, "block", bid, "none"});
-    const auto block = blocks_[bid / ndb::kBidStep % blocks_.size()];
+  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
+    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
+    const auto block = blocks_[bid / kBidStep % blocks_.size()];
     out.assign(block.begin(), block.end());
     return {};
   }
-  std::optional<ndb::NodeEntry> FindNode(ndb::Nid) const override { return std::nullopt; }
+  std::optional<ndb::NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
  private:
   std::vector<std::span<const std::byte>> blocks_;
@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       ReadNode(**store, node.trees);
     }
   }
-  ReadNode(Blocks(bytes), {4, 4 | ndb::kBidInternal});
-  ReadNode(Blocks(bytes), {4 | ndb::kBidInternal, 8 | ndb::kBidInternal});
+  ReadNode(Blocks(bytes), {4, 4 | kBidInternal});
+  ReadNode(Blocks(bytes), {4 | kBidInternal, 8 | kBidInternal});
   return 0;
 }

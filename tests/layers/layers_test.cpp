@@ -21,15 +21,16 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
     {"platform", {}},
     {"text", {}},
     {"store/operations", {"text"}},
-    {"store/ndb", {"platform", "text"}},
-    {"store/ltp", {"platform", "text", "store/ndb"}},
-    {"store/messaging", {"platform", "text", "store/ndb", "store/ltp", "store/operations"}},
+    {"store/format", {"platform", "text"}},
+    {"store/ndb", {"platform", "text", "store/format"}},
+    {"store/ltp", {"platform", "text", "store/format", "store/ndb"}},
+    {"store/messaging", {"platform", "text", "store/format", "store/ndb", "store/ltp", "store/operations"}},
     {"output/trace", {"text", "store/operations"}},
-    {"engine", {"platform", "text"}},
-    {"recovery", {"platform", "text", "engine", "store/operations"}},
-    {"output/items", {"text", "recovery", "store/operations"}},
-    {"conversion", {"platform", "text", "engine", "recovery", "store/operations", "output/items"}},
-    {"cli", {"platform", "text", "conversion", "store/operations", "store/messaging", "output/trace"}},
+    {"engine", {"platform", "text", "store/format"}},
+    {"recovery", {"platform", "text", "store/format", "engine", "store/operations"}},
+    {"output/items", {"text", "store/format", "recovery", "store/operations"}},
+    {"conversion", {"platform", "text", "store/format", "engine", "recovery", "store/operations", "output/items"}},
+    {"cli", {"platform", "text", "store/format", "conversion", "store/operations", "store/messaging", "output/trace"}},
     {"resources", {}},
     {"controls", {}},
     {"workflow",
@@ -40,7 +41,7 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
 /// Headers of the language and of the libraries that the project uses. Outside the platform layer nothing
 /// else in angle brackets may be included.
 bool IsPortable(std::string_view header) {
-  static const std::set<std::string_view> kLibraries = {"zlib.h", "sha2.h", "md5.h"};
+  static const std::set<std::string_view> kLibraries = {"zlib.h", "libdeflate.h", "sha2.h", "md5.h"};
   for (const std::string_view beginning : {"unicode/", "fmt/", "tl/", "nlohmann/", "CLI/", "Q"}) {
     if (header.starts_with(beginning)) return true;
   }

@@ -174,14 +174,14 @@ TEST_F(AttachmentsTest, AnOrdinaryDisplayNameDoesNotMakeAMessageOfAFile) {
 }
 
 TEST_F(AttachmentsTest, InAnOstTheDisplayNameIsTheNameOfTheFile) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   AddMail({Attachment(0x8025, {Wide(0x3001, u"sh:own"), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a.txt")})});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("sh own:1"));
 }
 
 TEST_F(AttachmentsTest, ANameThroughIdentifierZeroIsNoneWhateverThePageMapHoldsInItsPlace) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   const std::uint32_t bid = AddBlock(
       NewBid(),
       HeapBlock({Value(0x3001, 0x001F, 0), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a")}, {.freeCount = 4}));
@@ -191,7 +191,7 @@ TEST_F(AttachmentsTest, ANameThroughIdentifierZeroIsNoneWhateverThePageMapHoldsI
 }
 
 TEST_F(AttachmentsTest, InAnOstTheDisplayNamePassesToTheNextAttachmentWhetherTheLogIsOnOrNot) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   AddMail({Attachment(0x8025, {Wide(0x3001, u"first"), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a.txt")}),
            Small(0x8045, u"b.txt", "y")});
   Recover();
@@ -204,7 +204,7 @@ TEST_F(AttachmentsTest, InAnOstTheDisplayNamePassesToTheNextAttachmentWhetherThe
 }
 
 TEST_F(AttachmentsTest, ADisplayNameDoesNotPassToTheNextMessage) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   AddMail({Attachment(0x8025, {Wide(0x3001, u"first"), Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a.txt")})});
   AddMail({Small(0x8045, u"b.txt", "y")});
   Recover();
@@ -221,7 +221,7 @@ TEST_F(AttachmentsTest, DataIsWrittenOnlyIfANameOrTheMimeSequenceWasTheLastRecor
 }
 
 TEST_F(AttachmentsTest, InThePackedFormatTheWalkDoesNotStopAtTheLongName) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddMail({Attachment(0x8025, {Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"a"), Wide(0x3707, u"a"),
                                Value(0x3714, 3, 0)}),
            Attachment(0x8045, {Data(0x3701, 0x0102, BytesOf("x")), Wide(0x3704, u"b"), Wide(0x3707, u"b")}),

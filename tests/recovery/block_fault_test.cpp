@@ -63,7 +63,7 @@ TEST_F(BlockFaultTest, ABlockBehindTheEndOfTheSourceIsCutOff) {
 }
 
 TEST_F(BlockFaultTest, ABlockOfThePackedFormatThatIsNoStreamCouldNotBeInflated) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(0x40, BytesOf("neither a heap nor packed"));
   EXPECT_EQ(ReasonOf(0x40), "its data block 0x40 at offset " + OffsetOf(0x40) + " could not be inflated");
 }
@@ -75,7 +75,7 @@ TEST_F(BlockFaultTest, ABlockWithAnotherSignatureIsNoPropertyContext) {
 }
 
 TEST_F(BlockFaultTest, AnInflatedBlockWithAnotherSignatureIsNoPropertyContext) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(0x40, Packed(BytesOf("no heap, but well packed")));
   EXPECT_EQ(ReasonOf(0x40),
             "its data block 0x40 at offset " + OffsetOf(0x40) + " is no property context: its signature is 0x6820");

@@ -98,7 +98,7 @@ TEST_F(EmbeddedMessagesTest, AnyOtherFileNameMakesAFileOfIt) {
 }
 
 TEST_F(EmbeddedMessagesTest, AnsiEntriesAreReadAtTheirOwnPlaces) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddNodeOf(Message(u"outer", {Holding(0x8025, Message(u"inner"), u"shown")}));
   AddFolder(0x8062, kTop, u"Ansi");
   engine_.nodes.Records()[engine_.nodes.Records().size() - 2].nidParent = 0x8062;

@@ -13,8 +13,6 @@
 
 namespace velmora::recovery {
 
-using engine::Bytes;
-
 inline Bytes BytesOf(std::string_view chars) {
   Bytes bytes(chars.size());
   std::ranges::copy(chars, reinterpret_cast<char*>(bytes.data()));

@@ -167,7 +167,7 @@ TEST_F(HostileStoresTest, MessagesThatHoldOneAnotherInALongChainEndWhereNobodyWo
 TEST_F(HostileStoresTest, BytesOfAnyKindAreReadWithoutHarm) {
   std::mt19937 generator(11);
   const auto random = [&generator] { return static_cast<std::uint32_t>(generator()); };
-  for (const auto format : {engine::FORMAT_ANSI, engine::FORMAT_UNICODE, engine::FORMAT_UNICODE_4K}) {
+  for (const auto format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
     for (const auto kind : {engine::StoreKind::kOst, engine::StoreKind::kPst, engine::StoreKind::kPab}) {
       UseFormat(format, kind);
       const auto anyBid = [&] { return 0x40 + 4 * (random() % 300); };

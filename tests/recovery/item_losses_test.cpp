@@ -87,7 +87,7 @@ TEST_F(ItemLossesTest, TheContentOfAnotherSubNodeIsNotTheAttachments) {
 }
 
 TEST_F(ItemLossesTest, APackedContentThatIsTakenForAListOfBlocksIsLost) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddItem(u"IPM.Note", {}, {{0x671, 0, 0}, Outside(AddBlock(NewBid(), Packed(Bytes(1500))))});
   EXPECT_THAT(Lost(), ElementsAre(Is(LossKind::kAttachment,
                                      "attachment of message 0x200024: its 1500 bytes were taken for a list of "
@@ -187,7 +187,7 @@ TEST_F(ItemLossesTest, AMailOfWhichNoBodyIsReadSaysWhichItHas) {
 }
 
 TEST_F(ItemLossesTest, TheHtmlOfAMailAboveFourMebibytesIsLostOnlyWhereNoPlainBodyTakesItsPlace) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   const SubNode html = {0x803F, AddBlock(NewBid(), BytesOf("<p>Hi</p>")), 0};
   const SubNode plain = {0x805F, AddBlock(NewBid(), BytesOf(u"Hi")), 0};
   const auto size = Value(0x0E08, 3, (4u << 20) + 1);

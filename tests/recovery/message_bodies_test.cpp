@@ -52,7 +52,7 @@ TEST_F(MessageBodiesTest, AnRtfBodyInLineIsEightBitTextUpToItsFirstNul) {
 }
 
 TEST_F(MessageBodiesTest, APlainBodyGoesByTheCodePageAndAnRtfBodyDoesNot) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddFolder(0x8062, kTop, u"Ansi");
   const auto japanese = text::CodePage::Find("windows-932");
   state_.codePage = &*japanese;
@@ -82,7 +82,7 @@ TEST_F(MessageBodiesTest, AnHtmlBodyInLineCountsInAnOstAloneAndHasNoFieldOfItsOw
 
 TEST_F(MessageBodiesTest, ABodyThatEndsWithTheBlockIsNotTaken) {
   Bytes block = HeapBlock({Wide(0x001A, u"IPM.Note"), Wide(0x1000, u"Hello")});
-  const std::uint16_t ibHnpm = engine::ByteView(block).U16(0);
+  const std::uint16_t ibHnpm = ByteView(block).U16(0);
   const std::uint32_t place = ibHnpm + 2u + (HidOf(3) >> 4);
   PutNumber(block, place + 2, static_cast<std::uint16_t>(block.size()));
   AddNode(0x200024, AddBlock(0x40, block), 0, kInbox);
@@ -162,7 +162,7 @@ TEST_F(MessageBodiesTest, AMailAboveFourMebibytesOfAnOlderFormatIsDeliveredWithI
 }
 
 TEST_F(MessageBodiesTest, AMailOfThePackedFormatIsDeliveredWithItsHtmlWhateverItsSize) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddMail({Value(0x0E08, 3, 5u << 20), Value(0x1000, 0x1F, kPlainNid), Value(0x1013, 0x102, kHtmlNid)},
           {{kHtmlNid, AddBlock(NewBid(), Packed(BytesOf("<p>packed</p>"))), 0},
            {kPlainNid, AddBlock(NewBid(), BytesOf(u"Hi")), 0}});
@@ -171,7 +171,7 @@ TEST_F(MessageBodiesTest, AMailOfThePackedFormatIsDeliveredWithItsHtmlWhateverIt
 }
 
 TEST_F(MessageBodiesTest, ABodyOfThePackedFormatThatIsNoStreamIsTakenAsItWasRead) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddMail({Value(0x1013, 0x102, kHtmlNid)}, {{kHtmlNid, AddBlock(NewBid(), BytesOf("<p>plain</p>")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>plain</p>"));
@@ -187,7 +187,7 @@ TEST_F(MessageBodiesTest, ABodyOfManyBlocksIsReadPieceByPiece) {
 
 TEST_F(MessageBodiesTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   // Found through the next lower id; the key is the id that the list of sub-nodes gave.
-  engine_.blockEncoding = engine::BlockEncoding::kCyclic;
+  engine_.blockEncoding = CryptMethod::kCyclic;
   Settle();
   const Bytes stored = BytesOf("<html>");
   Bytes decoded = stored;
@@ -200,7 +200,7 @@ TEST_F(MessageBodiesTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   const auto mail = state_.targetStore->IPMRootFolder()->Items()->Add(u"IPM.Note");
   items.message.Item(ItemKind::kMail) = mail;
   ReadOutOfLineBody(items);
-  EXPECT_EQ(mail->Get(output::Field::HTMLBody).AsText(), NarrowText(engine::ByteView(decoded), *state_.codePage));
+  EXPECT_EQ(mail->Get(output::Field::HTMLBody).AsText(), NarrowText(ByteView(decoded), *state_.codePage));
 }
 
 TEST_F(MessageBodiesTest, TheSlotsAreClearedBetweenMessages) {

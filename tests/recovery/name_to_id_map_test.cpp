@@ -221,14 +221,14 @@ TEST_F(NameMapTest, AMapOfAnOstThatIsEncodedIsNotReadAsAHeap) {
   Read(8);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u);
   map_ = {};
-  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  engine_.blockEncoding = CryptMethod::kPermute;
   Read(8);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u) << "plain as it is stored, so no encoding is undone";
 }
 
 TEST_F(NameMapTest, ACopyOfTheNodeIsReadAgainOnceTheEncodingIsKnown) {
   const Bytes plain = MapBlock(Guid(kMapiTail), {Bucket(Entry(0x8503, 1))});
-  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  engine_.blockEncoding = CryptMethod::kPermute;
   Bytes decoded(256);
   for (std::size_t i = 0; i < decoded.size(); ++i) decoded[i] = static_cast<std::byte>(i);
   engine::BlockReader(engine_).DecodeBlock(8, decoded);
@@ -240,10 +240,10 @@ TEST_F(NameMapTest, ACopyOfTheNodeIsReadAgainOnceTheEncodingIsKnown) {
   Settle();
 
   NameMapReader reader(engine_, map_);
-  engine_.blockEncoding = engine::BlockEncoding::kNone;
+  engine_.blockEncoding = CryptMethod::kNone;
   reader.ReadNameToIdMap(8, 0);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8001u);
-  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  engine_.blockEncoding = CryptMethod::kPermute;
   reader.ReadNameToIdMap(8, 0);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u);
 }
@@ -252,9 +252,9 @@ TEST_F(NameMapTest, ABucketBehindTheBlockMakesALongerReadOfIt) {
   std::vector<RecordSpec> specs = {Data(0x0002, 0x0102, Guid(kMapiTail))};
   while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
   Bytes block = HeapBlock(specs);
-  const std::uint16_t ibHnpm = engine::ByteView(block).U16(0);
+  const std::uint16_t ibHnpm = ByteView(block).U16(0);
   const std::size_t position = block.size() + 200;
-  const auto records = PropertyContext(engine::ByteView(block), engine_, kNameMapRules).Records();
+  const auto records = PropertyContext(ByteView(block), engine_, kNameMapRules).Records();
   PutNumber<std::uint16_t>(block, records.start + 8 + 2, 0x0102);
   PutNumber(block, records.start + 8 + 4, static_cast<std::uint32_t>((position - ibHnpm - 2) << 4));
   AddBlock(8, block);
@@ -275,8 +275,8 @@ TEST_F(NameMapTest, EachBucketBehindTheBlockIsReadAnewAsFarAsItAsks) {
   std::vector<RecordSpec> specs = {Data(0x0002, 0x0102, Guid(kMapiTail))};
   while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
   Bytes block = HeapBlock(specs);
-  const std::uint16_t ibHnpm = engine::ByteView(block).U16(0);
-  const auto records = PropertyContext(engine::ByteView(block), engine_, kNameMapRules).Records();
+  const std::uint16_t ibHnpm = ByteView(block).U16(0);
+  const auto records = PropertyContext(ByteView(block), engine_, kNameMapRules).Records();
   const std::size_t near = block.size() + 100;
   const std::size_t far = block.size() + 1000;
   std::uint32_t record = records.start;

@@ -158,7 +158,7 @@ TEST_F(ParseMessageTest, AContactWithoutASubjectTakesItsFullName) {
 }
 
 TEST_F(ParseMessageTest, EightBitStoresGiveEightBitTexts) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddFolder(0x8062, kTop, u"Ansi");
   AddMessage({Narrow(0x001A, "IPM.Note"), Narrow(0x0037, "caf\xE9")}, 0, 0x8062);
   Recover();

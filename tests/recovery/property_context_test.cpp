@@ -5,7 +5,6 @@
 namespace velmora::recovery {
 namespace {
 
-using engine::ByteView;
 using engine::StoreKind;
 using Fault = PropertyContext::Fault;
 
@@ -137,7 +136,7 @@ TEST_F(PropertyContextTest, TheNameMapTakesTheAllocationBehindTheRootForItsRecor
 }
 
 TEST_F(PropertyContextTest, ATableContextOfAPstIsRefusedWithoutAnAttemptAtInflation) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kPst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kPst);
   const Bytes table = HeapBlock({}, {.signature = 0x7CEC});
   EXPECT_EQ(FaultOf(table, kMessageRules, StoreKind::kPst), Fault::kSignature);
   const Bytes packed = Packed(sound_);
@@ -145,12 +144,12 @@ TEST_F(PropertyContextTest, ATableContextOfAPstIsRefusedWithoutAnAttemptAtInflat
 }
 
 TEST_F(PropertyContextTest, ABlockOfAnOstWithoutASignatureIsInflatedOnceInThePackedFormat) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   EXPECT_EQ(Read(AddBlock(8, Packed(sound_)), kFolderRules), sound_);
 }
 
 TEST_F(PropertyContextTest, ABlockOfTheOlderFormatsIsNeverInflated) {
-  UseFormat(engine::FORMAT_UNICODE, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE, StoreKind::kOst);
   const Bytes packed = Packed(sound_);
   const Bytes read = Read(AddBlock(8, packed), kFolderRules);
   EXPECT_EQ(read, packed);
@@ -158,25 +157,25 @@ TEST_F(PropertyContextTest, ABlockOfTheOlderFormatsIsNeverInflated) {
 }
 
 TEST_F(PropertyContextTest, ABlockThatShowsASignatureIsTakenAsPlain) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   Bytes block = Packed(Bytes(400));
   PutNumber<std::uint16_t>(block, 2, 0x8CEC);
   EXPECT_EQ(Read(AddBlock(8, block), kMessageRules), block);
 }
 
 TEST_F(PropertyContextTest, AnAttachmentIsInflatedWhateverTheStore) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kPst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kPst);
   EXPECT_EQ(Read(AddBlock(8, Packed(sound_)), kAttachmentRules), sound_);
 }
 
 TEST_F(PropertyContextTest, ABlockThatIsNoPackedStreamStaysAsItWasRead) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   const Bytes plain = BytesOf("nothing that inflates");
   EXPECT_EQ(Read(AddBlock(8, plain), kMessageRules), plain);
 }
 
 TEST_F(PropertyContextTest, TheNameMapOfAnOstIsNotDecoded) {
-  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  engine_.blockEncoding = CryptMethod::kPermute;
   const std::uint32_t bid = AddBlock(8, sound_);
   engine_.storeKind = StoreKind::kOst;
   EXPECT_EQ(Read(bid, kNameMapRules), sound_);

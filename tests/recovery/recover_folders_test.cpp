@@ -103,7 +103,7 @@ TEST_F(RecoverFoldersTest, ANameThatDoesNotLookLikeTextIsEmpty) {
 }
 
 TEST_F(RecoverFoldersTest, AnEightBitNameAndAClassGetNoSuchTest) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddNode(0x21, 0, 0, 0x22);
   AddNode(0x8042, AddBlock(0x40, HeapBlock({Narrow(0x3001, "\x01\x02"), Narrow(0x3613, "\x03")})), 0, 0x122);
   Folders();

@@ -69,7 +69,7 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
   static constexpr std::uint32_t kInbox = 0x8042;  ///< below it
 
   RecoveryTest() : library_(trace_) {
-    UseFormat(engine::FORMAT_UNICODE, engine::StoreKind::kPst);
+    UseFormat(FORMAT_UNICODE, engine::StoreKind::kPst);
     engine_.encodingUnknown = false;
     run_.observer = this;
     for (std::size_t kind = 0; kind < kItemKinds; ++kind) {
@@ -94,8 +94,8 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
   void OnBox(engine::BoxKind, text::TextView, text::TextView) override { ADD_FAILURE() << "recovery shows no box"; }
   void Write(text::TextView text) override { log_ += text; }
 
-  void UseFormat(engine::FormatId format, engine::StoreKind kind) {
-    engine_.layout = engine::LayoutOf(format);
+  void UseFormat(FormatId format, engine::StoreKind kind) {
+    engine_.layout = LayoutOf(format);
     engine_.storeKind = kind;
   }
 

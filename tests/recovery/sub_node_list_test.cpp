@@ -22,7 +22,7 @@ TEST_F(SubNodeListTest, EntriesOfAWideStoreAreThreeFieldsOfEightBytes) {
 }
 
 TEST_F(SubNodeListTest, EntriesOfAnAnsiStoreAreThreeFieldsOfFourBytes) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddBlock(8, SubNodeBlock({{0x671, 12, 0}, {0x8025, 16, 22}}));
   EXPECT_THAT(Read(8), ElementsAre(SubNodeEntry{0x671, 12, 0}, SubNodeEntry{0x8025, 16, 22}));
 }
@@ -73,7 +73,7 @@ TEST_F(SubNodeListTest, TypeAndLevelOfTheBlockAreNotLookedAt) {
 }
 
 TEST_F(SubNodeListTest, NoEncodingIsUndone) {
-  engine_.blockEncoding = engine::BlockEncoding::kPermute;
+  engine_.blockEncoding = CryptMethod::kPermute;
   AddBlock(8, SubNodeBlock({{0x671, 12, 4}}));
   EXPECT_THAT(Read(8), ElementsAre(SubNodeEntry{0x671, 12, 4}));
 }

@@ -12,7 +12,7 @@ class SubNodeTextTest : public RecoveryTest {
  protected:
   text::Text Read(std::uint16_t type, std::uint32_t value) {
     Settle();
-    SubNodeText texts(engine_, subNodes_, engine::ByteView(messageBlock_), *state_.codePage, allowance_);
+    SubNodeText texts(engine_, subNodes_, ByteView(messageBlock_), *state_.codePage, allowance_);
     return texts.ReadSubnodeString(type, value);
   }
 
@@ -55,19 +55,19 @@ TEST_F(SubNodeTextTest, ItsBlockIsFoundThroughTheNextLowerIdToo) {
 
 TEST_F(SubNodeTextTest, ItIsDecodedByTheIdOfTheRecordThatWasFound) {
   subNodes_[1].bidData = 9;
-  engine_.blockEncoding = engine::BlockEncoding::kCyclic;
+  engine_.blockEncoding = CryptMethod::kCyclic;
   Bytes decoded = BytesOf(u"text");
   Settle();
   engine::BlockReader(engine_).DecodeBlock(8, decoded);
   AddBlock(8, BytesOf(u"text"));
-  EXPECT_EQ(Read(0x001F, 0x803F), CopyHeapText(engine::ByteView(decoded), true, *state_.codePage));
+  EXPECT_EQ(Read(0x001F, 0x803F), CopyHeapText(ByteView(decoded), true, *state_.codePage));
 }
 
 TEST_F(SubNodeTextTest, APackedTextIsNotInflatedBecauseTheMessagesOwnBlockIsLookedAt) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   const Bytes packed = Packed(BytesOf(u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"));
   AddBlock(8, packed);
-  EXPECT_EQ(Read(0x001F, 0x803F), WideText(engine::ByteView(packed)));
+  EXPECT_EQ(Read(0x001F, 0x803F), WideText(ByteView(packed)));
 
   messageBlock_ = HeapBlock({}, {.signature = 0x1234});
   EXPECT_EQ(Read(0x001F, 0x803F), u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa");

@@ -47,7 +47,7 @@ TEST_F(ValueStreamTest, AListOfPiecesIsTakenFromTheStoredSizeAndNotFromItsCount)
 }
 
 TEST_F(ValueStreamTest, IdsOfAnAnsiListAreFourBytesWide) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddBlock(8, ChainBlock({12, 16, 20}));
   EXPECT_TRUE(Build(8));
   EXPECT_THAT(chain_.pieces, ElementsAre(12, 16, 20));
@@ -110,7 +110,7 @@ TEST_F(ValueStreamTest, AnHtmlBodyIsEightBitTextInEveryStoreAndIgnoresTheCodePag
 }
 
 TEST_F(ValueStreamTest, ACharacterThatCrossesTwoPiecesIsNotPutTogether) {
-  UseFormat(engine::FORMAT_ANSI, StoreKind::kPst);
+  UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddBlock(12, BytesOf("\x93"));
   AddBlock(16, BytesOf("\xFA"));
   AddBlock(8, ChainBlock({12, 16}));
@@ -139,7 +139,7 @@ TEST_F(ValueStreamTest, ALostPieceLeavesTheOthersJoined) {
 }
 
 TEST_F(ValueStreamTest, TextPiecesAreDecodedByTheirRecordAndContentByTheIdAtHand) {
-  engine_.blockEncoding = engine::BlockEncoding::kCyclic;
+  engine_.blockEncoding = CryptMethod::kCyclic;
   Bytes byRecord = BytesOf("piece");
   Bytes byIdAtHand = byRecord;
   engine::BlockReader(engine_).DecodeBlock(12, byRecord);
@@ -147,9 +147,9 @@ TEST_F(ValueStreamTest, TextPiecesAreDecodedByTheirRecordAndContentByTheIdAtHand
   AddBlock(12, BytesOf("piece"));
   Settle();
   chain_ = {.hasList = true, .pieces = {13}};
-  EXPECT_EQ(WriteAll(), engine::ByteView(byIdAtHand).Chars());
+  EXPECT_EQ(WriteAll(), ByteView(byIdAtHand).Chars());
   chain_.pieces = {12};
-  EXPECT_EQ(ReadText(0x1013), text::CodePage::Lossless().Decode(engine::ByteView(byRecord).Chars()));
+  EXPECT_EQ(ReadText(0x1013), text::CodePage::Lossless().Decode(ByteView(byRecord).Chars()));
 }
 
 TEST_F(ValueStreamTest, TheSingleBlockOfAWideTextKeepsItsNulsAndLosesAnOddByte) {
@@ -169,7 +169,7 @@ TEST_F(ValueStreamTest, ASingleBlockIsWrittenAsItStands) {
 }
 
 TEST_F(ValueStreamTest, APackedSingleBlockBelowTheLimitIsTakenForAListOfBlockIds) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(20, BytesOf("one"));
   AddBlock(24, BytesOf("two"));
   Bytes list(8);
@@ -181,7 +181,7 @@ TEST_F(ValueStreamTest, APackedSingleBlockBelowTheLimitIsTakenForAListOfBlockIds
 }
 
 TEST_F(ValueStreamTest, ALargerPackedSingleBlockIsWrittenInflated) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   Bytes content;
   for (std::uint32_t i = 0; i < 2000; ++i) AppendNumber<std::uint32_t>(content, i * 2654435761u);
   const Bytes packed = Packed(content);
@@ -189,11 +189,11 @@ TEST_F(ValueStreamTest, ALargerPackedSingleBlockIsWrittenInflated) {
   AddBlock(12, packed);
   Settle();
   chain_ = {.singleDataBid = 12};
-  EXPECT_EQ(WriteAll(), engine::ByteView(content).Chars());
+  EXPECT_EQ(WriteAll(), ByteView(content).Chars());
 }
 
 TEST_F(ValueStreamTest, AnUnpackedSingleBlockOfThePackedFormatIsNoListOfIds) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(12, BytesOf("stored uncompressed"));
   Settle();
   chain_ = {.singleDataBid = 12};
@@ -201,7 +201,7 @@ TEST_F(ValueStreamTest, AnUnpackedSingleBlockOfThePackedFormatIsNoListOfIds) {
 }
 
 TEST_F(ValueStreamTest, PiecesOfThePackedFormatAreInflated) {
-  UseFormat(engine::FORMAT_UNICODE_4K, StoreKind::kOst);
+  UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(12, Packed(BytesOf("one")));
   AddBlock(16, BytesOf("two"));
   AddBlock(8, ChainBlock({12, 16}));

@@ -27,7 +27,7 @@ text::Text EightBitList(const recovery::MessageBlock& block, const text::CodePag
 /// Each value ends where the next begins; the last one at the byte behind the allocation, which makes no
 /// unit of its own.
 text::Text UnicodeList(const recovery::MessageBlock& block, std::uint32_t start, std::uint32_t length) {
-  const engine::ByteView list = block.bytes.Slice(start, length + 1);
+  const ByteView list = block.bytes.Slice(start, length + 1);
   const std::uint32_t count = list.U32(0);
   if (count > block.record.size) return {};
   // Values that overlap would let a small list grow without measure; a sound one holds each byte once.
@@ -37,7 +37,7 @@ text::Text UnicodeList(const recovery::MessageBlock& block, std::uint32_t start,
     const bool last = i + 1 == count;
     const std::uint64_t from = list.U32(OffsetOfValue(i));
     const std::uint64_t to = last ? length + 1 : list.U32(OffsetOfValue(i + 1));
-    const engine::ByteView value = list.Range(from, to);
+    const ByteView value = list.Range(from, to);
     joined += WideText(value.Slice(0, value.Size() / 2 * 2));
     if (!last) joined.push_back(u';');
   }

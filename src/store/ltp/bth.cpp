@@ -3,16 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ltp {
 namespace {
-
-using ndb::Corrupt;
-using ndb::Load;
-using ndb::Result;
-using ndb::Store;
 
 constexpr std::size_t kMaxIndexLevels = 8;
 
@@ -90,7 +85,7 @@ Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayou
   if (!header) return tl::unexpected(header.error());
   if (header->size() < kBthHeaderSize || (*header)[0] != static_cast<std::byte>(ClientSig::kBTree) ||
       (*header)[1] != std::byte{layout.cbKey} || (*header)[2] != std::byte{layout.cbEnt}) {
-    return Corrupt(ndb::Named("heap item", hidHeader), hidHeader, "no header of a tree of that layout");
+    return Corrupt(Named("heap item", hidHeader), hidHeader, "no header of a tree of that layout");
   }
   struct Node {
     Hid hid;
@@ -98,7 +93,7 @@ Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayou
   };
   std::vector<Node> pending{{Load<std::uint32_t>(*header, 4), Load<std::uint8_t>(*header, 3)}};
   if (pending[0].level > kMaxIndexLevels) {
-    return Corrupt(ndb::Named("heap item", hidHeader), pending[0].level, "the tree has too many levels");
+    return Corrupt(Named("heap item", hidHeader), pending[0].level, "the tree has too many levels");
   }
   if (pending[0].hid == 0) pending.clear();
 
@@ -113,12 +108,12 @@ Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayou
     const std::size_t recordSize = level == 0 ? layout.LeafRecord() : layout.IndexRecord();
     const std::size_t count = item->size() / recordSize;
     if (count == 0 || count * recordSize > bytesLeft) {
-      return Corrupt(ndb::Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
+      return Corrupt(Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
     }
     bytesLeft -= count * recordSize;
     if (level == 0) {
       if (records.size() / recordSize + count > maxRecords) {
-        return Corrupt(ndb::Named("heap item", hid), maxRecords, "the tree has too many records");
+        return Corrupt(Named("heap item", hid), maxRecords, "the tree has too many records");
       }
       records.insert(records.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(count * recordSize));
       continue;

@@ -11,8 +11,8 @@
 #include <span>
 #include <vector>
 
+#include "store/format/heap_format.h"
 #include "store/ltp/heap.h"
-#include "store/ltp/heap_format.h"
 #include "store/ltp/heap_writer.h"
 
 namespace velmora::ltp {
@@ -33,21 +33,21 @@ inline constexpr BthLayout kRowIndexLayout{4, 4};
 
 /// Keys are distinct, so there are no more properties than ids, and no more rows than a heap has room for.
 inline constexpr std::size_t kMaxProperties = 0x10000;
-inline constexpr std::size_t kMaxRows = kMaxHeapBlocks * ndb::kMaxBlockData / kRowIndexLayout.LeafRecord();
+inline constexpr std::size_t kMaxRows = kMaxHeapBlocks * kMaxBlockData / kRowIndexLayout.LeafRecord();
 
 /// Writes record `index` into `out`.
 using EncodeRecord = std::function<void(std::size_t index, std::span<std::byte> out)>;
 
 /// Writes `count` records by ascending key into a heap and then their tree's header over `hidHeader`, an item
 /// of kBthHeaderSize bytes in block 0.
-ndb::Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
-                           const EncodeRecord& encode);
+Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
+                      const EncodeRecord& encode);
 
 /// Moves `position` behind the items that WriteBth writes for `count` records.
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count);
 
 /// All records of a tree, back to back, as they stand. kCorrupt when the tree has another layout, does not fit
 /// into its heap or has more than `maxRecords`.
-ndb::Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords);
+Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords);
 
 }  // namespace velmora::ltp

@@ -1,15 +1,11 @@
 #include "store/ltp/heap.h"
 
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ltp {
 
-using ndb::Corrupt;
-using ndb::Load;
-using ndb::Result;
-
-Result<Heap> Heap::Open(const ndb::BlockSource& source, ndb::Bid bidData, ClientSig clientSig) {
+Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig) {
   Heap heap;
   Result<ndb::DataTreeReader> blocks = ndb::DataTreeReader::Open(source, bidData);
   if (!blocks) return tl::unexpected(blocks.error());
@@ -38,11 +34,11 @@ Result<std::span<const std::byte>> Heap::Item(Hid hid) {
   const std::size_t cAlloc = Load<std::uint16_t>(block, ibHnpm);
   const std::size_t item = ItemOf(hid);
   if (!IsHid(hid) || item == 0 || item > cAlloc || ibHnpm + 4 + 2 * (item + 1) > block.size()) {
-    return Corrupt(ndb::Named("heap item", hid), hid, "the heap has no such item");
+    return Corrupt(Named("heap item", hid), hid, "the heap has no such item");
   }
   const std::size_t start = Load<std::uint16_t>(block, ibHnpm + 4 + 2 * (item - 1));
   const std::size_t end = Load<std::uint16_t>(block, ibHnpm + 4 + 2 * item);
-  if (start > end || end > block.size()) return Corrupt(ndb::Named("heap item", hid), end, "the item leaves its block");
+  if (start > end || end > block.size()) return Corrupt(Named("heap item", hid), end, "the item leaves its block");
   return block.subspan(start, end - start);
 }
 

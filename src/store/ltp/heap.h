@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "store/ltp/heap_format.h"
+#include "store/format/heap_format.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/data_tree_reader.h"
 
@@ -16,15 +16,15 @@ namespace velmora::ltp {
 class Heap {
  public:
   /// kCorrupt when the tree is no heap of that kind.
-  static ndb::Result<Heap> Open(const ndb::BlockSource& source, ndb::Bid bidData, ClientSig clientSig);
+  static Result<Heap> Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig);
 
   Hid UserRoot() const { return hidUserRoot_; }
 
   /// Bytes of all blocks: no walk over items of a sound heap meets more.
-  std::uint64_t Size() const { return std::min(blocks_.BlockCount(), kMaxHeapBlocks) * ndb::kMaxBlockData; }
+  std::uint64_t Size() const { return std::min(blocks_.BlockCount(), kMaxHeapBlocks) * kMaxBlockData; }
 
   /// The bytes of an item, valid until the next call. kCorrupt when the id names no item.
-  ndb::Result<std::span<const std::byte>> Item(Hid hid);
+  Result<std::span<const std::byte>> Item(Hid hid);
 
  private:
   std::vector<std::byte> first_;

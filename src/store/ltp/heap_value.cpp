@@ -1,22 +1,22 @@
 #include "store/ltp/heap_value.h"
 
+#include "store/format/failures.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/failures.h"
 #include "store/ndb/subnode_tree.h"
 
 namespace velmora::ltp {
 
-ndb::Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& heap, ndb::Bid bidSub, Hnid hnid,
-                                             std::uint64_t limit) {
+Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid,
+                                        std::uint64_t limit) {
   if (hnid == 0) return std::vector<std::byte>{};
   if (IsHid(hnid)) {
-    const ndb::Result<std::span<const std::byte>> item = heap.Item(hnid);
+    const Result<std::span<const std::byte>> item = heap.Item(hnid);
     if (!item) return tl::unexpected(item.error());
     return std::vector<std::byte>(item->begin(), item->end());
   }
   const auto subnode = ndb::FindSubnode(source, bidSub, hnid);
   if (!subnode) return tl::unexpected(subnode.error());
-  if (!*subnode) return ndb::Corrupt(ndb::Named("sub-node", hnid), hnid, "the value's sub-node is not there");
+  if (!*subnode) return Corrupt(Named("sub-node", hnid), hnid, "the value's sub-node is not there");
   auto tree = ndb::DataTreeReader::Open(source, (*subnode)->trees.bidData);
   if (!tree) return tl::unexpected(tree.error());
   return tree->ReadAll(limit);

@@ -11,7 +11,7 @@ namespace velmora::ltp {
 
 /// The bytes that `hnid` names in a node with that heap and those sub-nodes; none for 0. kNotSupported when
 /// there are more than `limit`.
-ndb::Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& heap, ndb::Bid bidSub, Hnid hnid,
-                                             std::uint64_t limit);
+Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid,
+                                        std::uint64_t limit);
 
 }  // namespace velmora::ltp

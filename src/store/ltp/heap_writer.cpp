@@ -4,14 +4,10 @@
 #include <cassert>
 #include <cstring>
 
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ltp {
-
-using ndb::FailureKind;
-using ndb::Result;
-using ndb::Store;
 
 namespace {
 
@@ -24,7 +20,7 @@ static_assert(kFillLevelsInOthers + kFillLevelsInBitmapHdr / 2 == kHnBitmapHdrSi
 }  // namespace
 
 void HeapPosition::Advance(std::size_t size) {
-  if (itemCount == kMaxHeapItemsPerBlock || PageMapEnd(itemsEnd + size, itemCount + 1) > ndb::kMaxBlockData) {
+  if (itemCount == kMaxHeapItemsPerBlock || PageMapEnd(itemsEnd + size, itemCount + 1) > kMaxBlockData) {
     ++block;
     itemsEnd = HeadSize(block);
     itemCount = 0;
@@ -40,16 +36,16 @@ HeapWriter::~HeapWriter() { Clear(); }
 
 Result<Hid> HeapWriter::Add(std::span<const std::byte> item) {
   if (item.empty() || item.size() > kMaxHeapItem) {
-    return ndb::Corrupt("heap", item.size(), "a heap item has 1 to 3580 bytes");
+    return Corrupt("heap", item.size(), "a heap item has 1 to 3580 bytes");
   }
   HeapPosition next = position_;
   next.Advance(item.size());
-  if (next.block >= maxBlocks_) return ndb::Fail(FailureKind::kNotSupported, "heap", next.block, "the heap is full");
+  if (next.block >= maxBlocks_) return Fail(FailureKind::kNotSupported, "heap", next.block, "the heap is full");
   if (bids_.empty()) {
     if (auto opened = OpenBlock(0); !opened) return tl::unexpected(opened.error());
   }
   if (next.block != position_.block) {
-    if (auto closed = CloseBlock(ndb::kMaxBlockData); !closed) return tl::unexpected(closed.error());
+    if (auto closed = CloseBlock(kMaxBlockData); !closed) return tl::unexpected(closed.error());
     if (auto opened = OpenBlock(next.block); !opened) return tl::unexpected(opened.error());
   }
   position_ = next;
@@ -72,7 +68,7 @@ Result<ndb::DataTree> HeapWriter::Finish(Hid hidUserRoot) {
   const std::size_t last = position_.block;
   const std::uint64_t size = position_.HeapSize();
   const auto sizeOf = [&](std::size_t block) {
-    return block == last ? static_cast<std::size_t>(size - last * ndb::kMaxBlockData) : ndb::kMaxBlockData;
+    return block == last ? static_cast<std::size_t>(size - last * kMaxBlockData) : kMaxBlockData;
   };
   if (auto closed = CloseBlock(sizeOf(last)); !closed) return tl::unexpected(closed.error());
   if (last >= kFillLevelsInHnHdr) {
@@ -88,7 +84,7 @@ Result<ndb::DataTree> HeapWriter::Finish(Hid hidUserRoot) {
 }
 
 void HeapWriter::Clear() {
-  for (const ndb::Bid bid : bids_) static_cast<void>(ndb_.Discard({bid, 0}));
+  for (const Bid bid : bids_) static_cast<void>(ndb_.Discard({bid, 0}));
   bids_.clear();
   ends_.clear();
   position_ = {};
@@ -99,7 +95,7 @@ void HeapWriter::Clear() {
 
 Result<void> HeapWriter::OpenBlock(std::size_t block) {
   if (HasBitmapHdr(block) && block > kFillLevelsInHnHdr) {
-    if (auto written = WriteBlock(block - kFillLevelsInBitmapHdr, ndb::kMaxBlockData); !written) return written;
+    if (auto written = WriteBlock(block - kFillLevelsInBitmapHdr, kMaxBlockData); !written) return written;
   }
   ndb::BlockBuffer& buffer = BufferOf(block);
   if (!buffer) buffer = ndb_.TakeBuffer();
@@ -139,7 +135,7 @@ void HeapWriter::SetFillLevel(std::size_t block, std::uint8_t level) {
 }
 
 Result<void> HeapWriter::WriteBlock(std::size_t block, std::size_t size) {
-  const Result<ndb::Bid> bid = ndb_.WriteDataBlock(std::span(*BufferOf(block)).first(size));
+  const Result<Bid> bid = ndb_.WriteDataBlock(std::span(*BufferOf(block)).first(size));
   if (!bid) return tl::unexpected(bid.error());
   bids_[block] = *bid;
   return {};

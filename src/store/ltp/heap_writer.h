@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "store/ltp/heap_format.h"
+#include "store/format/heap_format.h"
 #include "store/ndb/block_buffer.h"
 #include "store/ndb/ndb_writer.h"
 
@@ -21,7 +21,7 @@ struct HeapPosition {
   void Advance(std::size_t size);
 
   /// Bytes of the whole heap if it ended here.
-  std::uint64_t HeapSize() const { return block * ndb::kMaxBlockData + PageMapEnd(itemsEnd, itemCount); }
+  std::uint64_t HeapSize() const { return block * kMaxBlockData + PageMapEnd(itemsEnd, itemCount); }
 };
 
 /// Items go to the block at hand; full blocks go to the store, but block 0 and the block with the fill
@@ -34,7 +34,7 @@ class HeapWriter {
   HeapWriter& operator=(const HeapWriter&) = delete;
 
   /// Adds an item of 1 to kMaxHeapItem bytes. kNotSupported when the heap has no block left.
-  ndb::Result<Hid> Add(std::span<const std::byte> item);
+  Result<Hid> Add(std::span<const std::byte> item);
 
   /// Overwrites the beginning of an item of block 0 that was added.
   void Patch(Hid hid, std::span<const std::byte> bytes);
@@ -43,7 +43,7 @@ class HeapWriter {
 
   /// Writes the rest; there must be an item. Nothing refers to the tree yet. The writer is ready for the next
   /// heap afterwards.
-  ndb::Result<ndb::DataTree> Finish(Hid hidUserRoot);
+  Result<ndb::DataTree> Finish(Hid hidUserRoot);
 
   /// Gives up the heap.
   void Clear();
@@ -53,10 +53,10 @@ class HeapWriter {
   ndb::BlockBuffer& BufferOf(std::size_t block) {
     return block == 0 ? first_ : HasBitmapHdr(block) ? levels_ : current_;
   }
-  ndb::Result<void> OpenBlock(std::size_t block);
-  ndb::Result<void> CloseBlock(std::size_t size);
+  Result<void> OpenBlock(std::size_t block);
+  Result<void> CloseBlock(std::size_t size);
   void SetFillLevel(std::size_t block, std::uint8_t level);
-  ndb::Result<void> WriteBlock(std::size_t block, std::size_t size);
+  Result<void> WriteBlock(std::size_t block, std::size_t size);
 
   ndb::NdbWriter& ndb_;
   ClientSig clientSig_;
@@ -67,7 +67,7 @@ class HeapWriter {
   ndb::BlockBuffer current_;              ///< the block at hand, when it is none of these
   std::vector<std::uint16_t> ends_;       ///< ends of the items of the block at hand
   std::vector<std::uint16_t> firstEnds_;  ///< those of block 0, once it is not at hand any more
-  std::vector<ndb::Bid> bids_;            ///< of blocks begun so far; 0 for those that are not written yet
+  std::vector<Bid> bids_;                 ///< of blocks begun so far; 0 for those that are not written yet
 };
 
 }  // namespace velmora::ltp

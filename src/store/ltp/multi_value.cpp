@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ltp {
 
@@ -13,10 +13,10 @@ std::vector<std::byte> EncodeMultiple(std::span<const std::span<const std::byte>
   std::size_t size = 4 + 4 * elements.size();
   for (const auto& element : elements) size += element.size();
   std::vector<std::byte> value(size);
-  ndb::Store<std::uint32_t>(value, 0, static_cast<std::uint32_t>(elements.size()));
+  Store<std::uint32_t>(value, 0, static_cast<std::uint32_t>(elements.size()));
   std::size_t offset = 4 + 4 * elements.size();
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    ndb::Store<std::uint32_t>(value, 4 + 4 * i, static_cast<std::uint32_t>(offset));
+    Store<std::uint32_t>(value, 4 + 4 * i, static_cast<std::uint32_t>(offset));
     if (!elements[i].empty()) std::memcpy(value.data() + offset, elements[i].data(), elements[i].size());
     offset += elements[i].size();
   }
@@ -32,14 +32,14 @@ std::vector<std::byte> EncodeMultiple(std::span<const text::Text> elements) {
 platform::Result<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<const std::byte> value) {
   std::vector<std::span<const std::byte>> elements;
   if (value.empty()) return elements;
-  const std::size_t count = ndb::Load<std::uint32_t>(value, 0);
+  const std::size_t count = Load<std::uint32_t>(value, 0);
   if (value.size() < 4 || count > (value.size() - 4) / 4) {
-    return ndb::Corrupt("multiple value", count, "more elements than room");
+    return Corrupt("multiple value", count, "more elements than room");
   }
   for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t start = ndb::Load<std::uint32_t>(value, 4 + 4 * i);
-    const std::size_t end = i + 1 < count ? ndb::Load<std::uint32_t>(value, 8 + 4 * i) : value.size();
-    if (start > end || end > value.size()) return ndb::Corrupt("multiple value", start, "an element leaves the value");
+    const std::size_t start = Load<std::uint32_t>(value, 4 + 4 * i);
+    const std::size_t end = i + 1 < count ? Load<std::uint32_t>(value, 8 + 4 * i) : value.size();
+    if (start > end || end > value.size()) return Corrupt("multiple value", start, "an element leaves the value");
     elements.push_back(value.subspan(start, end - start));
   }
   return elements;

@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <bit>
 
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
 #include "store/ltp/heap_value.h"
 #include "store/ltp/multi_value.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
 
 namespace velmora::ltp {
-
-using ndb::Load;
-using ndb::Result;
 
 Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   Result<Heap> heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext);
@@ -52,14 +49,14 @@ Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag)
   const std::optional<std::size_t> size = FixedSize(record->wPropType);
   if (size && *size <= sizeof(record->dwValueHnid)) {
     std::vector<std::byte> value(sizeof(record->dwValueHnid));
-    ndb::Store<std::uint32_t>(value, 0, record->dwValueHnid);
+    Store<std::uint32_t>(value, 0, record->dwValueHnid);
     value.resize(*size);
     return value;
   }
   Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, kMaxValue);
   if (!value) return tl::unexpected(value.error());
   if (size && value->size() != *size) {
-    return ndb::Corrupt(ndb::Named("property", tag), value->size(), "the value does not fit its type");
+    return Corrupt(Named("property", tag), value->size(), "the value does not fit its type");
   }
   return std::move(*value);
 }
@@ -127,15 +124,14 @@ Result<std::optional<ndb::DataTree>> PropertyContext::TreeOf(PropTag tag) {
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
   const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(record->dwValueHnid);
   if (!subnode) return tl::unexpected(subnode.error());
-  if (!*subnode)
-    return ndb::Corrupt(ndb::Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
-  const ndb::Bid bid = (*subnode)->trees.bidData;
+  if (!*subnode) return Corrupt(Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
+  const Bid bid = (*subnode)->trees.bidData;
   const Result<ndb::DataTreeReader> tree = ndb::DataTreeReader::Open(*source_, bid);
   if (!tree) return tl::unexpected(tree.error());
   return ndb::DataTree{bid, tree->Size()};
 }
 
-Result<std::optional<ndb::SubnodeEntry>> PropertyContext::FindSubnode(ndb::Nid nid) const {
+Result<std::optional<ndb::SubnodeEntry>> PropertyContext::FindSubnode(Nid nid) const {
   return ndb::FindSubnode(*source_, bidSub_, nid);
 }
 

@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
+#include "store/format/prop_tag.h"
+#include "store/format/property_record.h"
 #include "store/ltp/heap.h"
-#include "store/ltp/prop_tag.h"
-#include "store/ltp/property_record.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/data_tree_writer.h"
 #include "store/ndb/subnode_tree.h"
@@ -20,7 +20,7 @@ namespace velmora::ltp {
 class PropertyContext {
  public:
   /// `source` must outlive the reader. kCorrupt when the node is no property context.
-  static ndb::Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
+  static Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
 
   /// All records by ascending id, one for each.
   std::span<const PropertyRecord> Records() const { return records_; }
@@ -31,7 +31,7 @@ class PropertyContext {
   /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
   /// Values larger than kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
-  ndb::Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
+  Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
   std::optional<bool> Boolean(PropTag tag);
@@ -44,24 +44,24 @@ class PropertyContext {
 
   /// What a PtypObject property refers to.
   struct Object {
-    ndb::Nid nid = 0;
+    Nid nid = 0;
     std::uint32_t size = 0;
   };
   std::optional<Object> ReadObject(PropTag tag);
 
   /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type.
-  ndb::Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
+  Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
 
   /// The tree of a value that lies in a sub-node, e.g. to share it with another node; nothing when the value
   /// lies in the heap or is not there.
-  ndb::Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
+  Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
 
   /// A sub-node of the node.
-  ndb::Result<std::optional<ndb::SubnodeEntry>> FindSubnode(ndb::Nid nid) const;
-  ndb::Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
+  Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;
+  Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
 
  private:
-  PropertyContext(const ndb::BlockSource& source, Heap heap, ndb::Bid bidSub)
+  PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
 
   const PropertyRecord* FindTag(PropTag tag) const;
@@ -70,7 +70,7 @@ class PropertyContext {
 
   const ndb::BlockSource* source_;
   Heap heap_;
-  ndb::Bid bidSub_;
+  Bid bidSub_;
   std::vector<PropertyRecord> records_;
 };
 

@@ -4,16 +4,13 @@
 #include <array>
 #include <bit>
 
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
 #include "store/ltp/property_value.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
 
 namespace velmora::ltp {
 namespace {
-
-using ndb::Result;
-using ndb::Store;
 
 constexpr Hid kHeaderHid = MakeHid(0, 1);
 constexpr std::uint32_t kFirstSubnodeIndex = 0x401;
@@ -80,16 +77,16 @@ void PropertyContextWriter::AddStream(PropTag tag, ndb::DataTreeWriter& value) {
 
 void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
   if (FixedSize(TypeOf(tag))) {
-    return Fail({ndb::FailureKind::kCorrupt, ndb::Named("property", tag), tree.size, "the property has no tree"});
+    return Fail({FailureKind::kCorrupt, Named("property", tag), tree.size, "the property has no tree"});
   }
   if (auto fits = CheckSize(tag, tree.size); !fits) return Fail(fits.error());
   valueBytes_ += tree.size;
   AddSubnodeValue(tag, tree);
 }
 
-void PropertyContextWriter::AddObject(PropTag tag, ndb::Nid nid, std::uint32_t size) {
+void PropertyContextWriter::AddObject(PropTag tag, Nid nid, std::uint32_t size) {
   if (TypeOf(tag) != PropType::kObject) {
-    return Fail({ndb::FailureKind::kCorrupt, ndb::Named("property", tag), nid, "the property is no object"});
+    return Fail({FailureKind::kCorrupt, Named("property", tag), nid, "the property is no object"});
   }
   valueBytes_ += size;
   std::array<std::byte, 8> value;
@@ -103,9 +100,9 @@ void PropertyContextWriter::AddDataSize(PropTag tag) {
   AddInteger32(tag, 0);
 }
 
-void PropertyContextWriter::AddSubnode(ndb::Nid nid, const ndb::WrittenNode& node) { subnodes_.Add(nid, node); }
+void PropertyContextWriter::AddSubnode(Nid nid, const ndb::WrittenNode& node) { subnodes_.Add(nid, node); }
 
-ndb::Nid PropertyContextWriter::NewSubnodeNid() { return ndb::MakeNid(ndb::NidType::kLtp, nextSubnodeIndex_++); }
+Nid PropertyContextWriter::NewSubnodeNid() { return MakeNid(NidType::kLtp, nextSubnodeIndex_++); }
 
 bool PropertyContextWriter::Has(std::uint16_t id) const {
   return std::any_of(records_.begin(), records_.end(), [id](const PropertyRecord& r) { return r.wPropId == id; });
@@ -123,7 +120,7 @@ Result<ndb::WrittenNode> PropertyContextWriter::WriteNode() {
   std::sort(records_.begin(), records_.end(), [](const auto& a, const auto& b) { return a.wPropId < b.wPropId; });
   for (std::size_t i = 1; i < records_.size(); ++i) {
     if (records_[i - 1].wPropId == records_[i].wPropId) {
-      return ndb::Corrupt(ndb::Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
+      return Corrupt(Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
     }
   }
   const Result<ndb::SubnodeTree> subnodes = subnodes_.Finish();
@@ -179,12 +176,12 @@ void PropertyContextWriter::AddHeapValue(PropTag tag, std::span<const std::byte>
 }
 
 void PropertyContextWriter::AddSubnodeValue(PropTag tag, const ndb::DataTree& tree) {
-  const ndb::Nid nid = NewSubnodeNid();
+  const Nid nid = NewSubnodeNid();
   subnodes_.Add(nid, {{tree.bid, 0}, tree.size});
   AddRecord(tag, nid);
 }
 
-void PropertyContextWriter::Fail(const ndb::Failure& failure) {
+void PropertyContextWriter::Fail(const Failure& failure) {
   if (!failure_) failure_ = failure;
 }
 

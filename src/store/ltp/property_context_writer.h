@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
+#include "store/format/prop_tag.h"
+#include "store/format/property_record.h"
 #include "store/ltp/heap_writer.h"
-#include "store/ltp/prop_tag.h"
-#include "store/ltp/property_record.h"
 #include "store/ndb/ndb_writer.h"
 #include "text/text.h"
 
@@ -46,17 +46,17 @@ class PropertyContextWriter {
   void AddTree(PropTag tag, const ndb::DataTree& tree);
 
   /// A PtypObject property that refers to the sub-node `nid`, which is added with AddSubnode.
-  void AddObject(PropTag tag, ndb::Nid nid, std::uint32_t size);
+  void AddObject(PropTag tag, Nid nid, std::uint32_t size);
 
   /// A PtypInteger32 property whose value is the data size of the finished node, all sub-nodes included; of
   /// a larger node, the largest number. At most one.
   void AddDataSize(PropTag tag);
 
   /// A sub-node beside the heap: a table, an attachment, an embedded message, an object's data.
-  void AddSubnode(ndb::Nid nid, const ndb::WrittenNode& node);
+  void AddSubnode(Nid nid, const ndb::WrittenNode& node);
 
   /// A sub-node id of type kLtp that is free in this node: 0x803F, 0x805F, ...
-  ndb::Nid NewSubnodeNid();
+  Nid NewSubnodeNid();
 
   /// Sum of the sizes of the values so far: 1, 2, 4 or 8 bytes for numbers, all bytes of other values, for
   /// an object the size given with it.
@@ -65,7 +65,7 @@ class PropertyContextWriter {
   bool Has(std::uint16_t id) const;
 
   /// Writes the node; nothing refers to it yet.
-  ndb::Result<ndb::WrittenNode> Finish();
+  Result<ndb::WrittenNode> Finish();
 
   /// Gives up what was added.
   void Clear();
@@ -75,8 +75,8 @@ class PropertyContextWriter {
   void AddRecord(PropTag tag, std::uint32_t dwValueHnid);
   void AddHeapValue(PropTag tag, std::span<const std::byte> value);
   void AddSubnodeValue(PropTag tag, const ndb::DataTree& tree);
-  ndb::Result<ndb::WrittenNode> WriteNode();
-  void Fail(const ndb::Failure& failure);
+  Result<ndb::WrittenNode> WriteNode();
+  void Fail(const Failure& failure);
 
   ndb::NdbWriter& ndb_;
   HeapWriter heap_;
@@ -85,7 +85,7 @@ class PropertyContextWriter {
   std::optional<std::uint16_t> dataSizeId_;  ///< the property that AddDataSize named
   std::uint32_t nextSubnodeIndex_;
   std::uint64_t valueBytes_ = 0;
-  std::optional<ndb::Failure> failure_;
+  std::optional<Failure> failure_;
 };
 
 }  // namespace velmora::ltp

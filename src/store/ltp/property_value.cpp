@@ -1,7 +1,7 @@
 #include "store/ltp/property_value.h"
 
+#include "store/format/failures.h"
 #include "store/ltp/multi_value.h"
-#include "store/ndb/failures.h"
 
 namespace velmora::ltp {
 namespace {
@@ -39,14 +39,14 @@ std::size_t UnitOf(PropType type) {
 
 }  // namespace
 
-ndb::Result<void> CheckSize(PropTag tag, std::uint64_t size) {
+Result<void> CheckSize(PropTag tag, std::uint64_t size) {
   const std::optional<std::size_t> fixed = FixedSize(TypeOf(tag));
   const std::size_t unit = fixed ? *fixed : UnitOf(TypeOf(tag));
   if (unit != 0 && (fixed ? size == unit : size % unit == 0)) return {};
-  return ndb::Corrupt(ndb::Named("property", tag), size, "the value does not fit its type");
+  return Corrupt(Named("property", tag), size, "the value does not fit its type");
 }
 
-ndb::Result<void> CheckValue(PropTag tag, std::span<const std::byte> value) {
+Result<void> CheckValue(PropTag tag, std::span<const std::byte> value) {
   if (auto fits = CheckSize(tag, value.size()); !fits) return fits;
   const PropType type = TypeOf(tag);
   if (type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary) {

@@ -5,15 +5,15 @@
 #include <cstdint>
 #include <span>
 
-#include "store/ltp/prop_tag.h"
+#include "store/format/prop_tag.h"
 #include "store/ndb/block_source.h"
 
 namespace velmora::ltp {
 
 /// kCorrupt when the store has no such type, or when no value of it has `size` bytes. Objects are no values.
-ndb::Result<void> CheckSize(PropTag tag, std::uint64_t size);
+Result<void> CheckSize(PropTag tag, std::uint64_t size);
 
 /// CheckSize, and of multiple values of variable size: whether the table of offsets fits.
-ndb::Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
+Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
 
 }  // namespace velmora::ltp

@@ -2,19 +2,16 @@
 
 #include <algorithm>
 
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
 #include "store/ltp/heap_value.h"
 #include "store/ltp/multi_value.h"
 #include "store/ltp/table_info.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/subnode_tree.h"
 
 namespace velmora::ltp {
 namespace {
-
-using ndb::Load;
-using ndb::Result;
 
 constexpr std::uint64_t kMaxCell = std::uint64_t{64} << 20;
 
@@ -57,7 +54,7 @@ Result<std::size_t> TableContext::OpenMatrix(Hnid hnidRows) {
   }
   const auto subnode = ndb::FindSubnode(*source_, bidSub_, hnidRows);
   if (!subnode) return tl::unexpected(subnode.error());
-  if (!*subnode) return ndb::Corrupt(ndb::Named("sub-node", hnidRows), hnidRows, "the row matrix is not there");
+  if (!*subnode) return Corrupt(Named("sub-node", hnidRows), hnidRows, "the row matrix is not there");
   Result<ndb::DataTreeReader> matrix = ndb::DataTreeReader::Open(*source_, (*subnode)->trees.bidData);
   if (!matrix) return tl::unexpected(matrix.error());
   matrix_ = std::move(*matrix);
@@ -81,7 +78,7 @@ const Column* TableContext::FindColumn(PropTag tag) const {
 
 // The bytes of a row, valid until the next call.
 Result<std::span<const std::byte>> TableContext::Row(std::size_t row) {
-  if (row >= index_.size()) return ndb::Corrupt("table", row, "the table has no such row");
+  if (row >= index_.size()) return Corrupt("table", row, "the table has no such row");
   const std::size_t matrixRow = index_[row].matrixRow;
   std::span<const std::byte> rows = heapRows_;
   std::size_t within = matrixRow;
@@ -91,7 +88,7 @@ Result<std::span<const std::byte>> TableContext::Row(std::size_t row) {
     rows = *block;
     within = matrixRow % RowsPerBlock();
   }
-  if ((within + 1) * rowSize_ > rows.size()) return ndb::Corrupt("table", row, "a block of rows is not full");
+  if ((within + 1) * rowSize_ > rows.size()) return Corrupt("table", row, "a block of rows is not full");
   return rows.subspan(within * rowSize_, rowSize_);
 }
 

@@ -17,7 +17,7 @@ namespace velmora::ltp {
 class TableContext {
  public:
   /// `source` must outlive the reader. kCorrupt when the node is no table context.
-  static ndb::Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
+  static Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
 
   std::span<const Column> Columns() const { return columns_; }
 
@@ -30,7 +30,7 @@ class TableContext {
   std::optional<std::size_t> FindRow(std::uint32_t rowId) const;
 
   /// The value bytes of a cell; nothing when the table has no such column or the cell is absent.
-  ndb::Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
+  Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
 
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
   std::optional<bool> Boolean(std::size_t row, PropTag tag);
@@ -44,19 +44,19 @@ class TableContext {
     std::uint32_t matrixRow = 0;
   };
 
-  TableContext(const ndb::BlockSource& source, Heap heap, ndb::Bid bidSub)
+  TableContext(const ndb::BlockSource& source, Heap heap, Bid bidSub)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
 
-  ndb::Result<std::size_t> OpenMatrix(Hnid hnidRows);
-  ndb::Result<std::span<const std::byte>> Row(std::size_t row);
-  std::size_t RowsPerBlock() const { return ndb::kMaxBlockData / rowSize_; }
+  Result<std::size_t> OpenMatrix(Hnid hnidRows);
+  Result<std::span<const std::byte>> Row(std::size_t row);
+  std::size_t RowsPerBlock() const { return kMaxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;
   template <class T>
   std::optional<T> Number(std::size_t row, PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;
-  ndb::Bid bidSub_;
+  Bid bidSub_;
   std::vector<Column> columns_;
   std::size_t cebOffset_ = 0;
   std::size_t rowSize_ = 0;

@@ -6,21 +6,18 @@
 #include <cstring>
 #include <utility>
 
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
 #include "store/ltp/property_value.h"
 #include "store/ltp/table_info.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
 
 namespace velmora::ltp {
 namespace {
 
-using ndb::Result;
-using ndb::Store;
-
 constexpr Hid kRowIndexHid = MakeHid(0, 1);
 constexpr Hid kTableInfoHid = MakeHid(0, 2);
-constexpr ndb::Nid kMatrixNid = ndb::MakeNid(ndb::NidType::kLtp, 1);
+constexpr Nid kMatrixNid = MakeNid(NidType::kLtp, 1);
 constexpr std::uint32_t kFirstCellIndex = 0x401;
 
 /// Larger matrices go to a sub-node.
@@ -60,10 +57,10 @@ Result<void> TableContextWriter::AddRow(std::uint32_t rowId, std::span<const Pro
     if (auto set = SetCell(*column, cell.value); !set) return set;
   }
   // Rows do not cross blocks: the rest of a full block is filled before the next row.
-  const std::size_t rowsPerBlock = ndb::kMaxBlockData / row_.size();
+  const std::size_t rowsPerBlock = kMaxBlockData / row_.size();
   if (!rowIds_.empty() && rowIds_.size() % rowsPerBlock == 0) {
     static constexpr std::array<std::byte, 1024> kZeros{};
-    const std::size_t gap = ndb::kMaxBlockData - rowsPerBlock * row_.size();
+    const std::size_t gap = kMaxBlockData - rowsPerBlock * row_.size();
     if (auto filled = matrix_.Append(std::span(kZeros).first(gap)); !filled) return filled;
   }
   if (auto appended = matrix_.Append(row_); !appended) return appended;
@@ -75,7 +72,7 @@ Result<void> TableContextWriter::SetCell(const Column& column, std::span<const s
   if (auto fits = CheckValue(column.tag, value); !fits) return fits;
   const std::size_t cebOffset = schema_.rgib[2];
   if (HasCell(row_, cebOffset, column.iBit)) {
-    return ndb::Corrupt(ndb::Named("property", column.tag), column.tag, "a row has two cells of one column");
+    return Corrupt(Named("property", column.tag), column.tag, "a row has two cells of one column");
   }
   const std::optional<std::size_t> size = FixedSize(TypeOf(column.tag));
   if (size && *size == column.cbData) {
@@ -107,7 +104,7 @@ Result<Hnid> TableContextWriter::StoreValue(std::span<const std::byte> value) {
   if (subnodes_.Count() + 1 >= ndb::SubnodeTreeWriter::kMaxEntries) return Hnid{0};  // one is the matrix
   const Result<ndb::DataTree> tree = ndb_.WriteData(value);
   if (!tree) return tl::unexpected(tree.error());
-  const ndb::Nid nid = ndb::MakeNid(ndb::NidType::kLtp, nextSubnodeIndex_++);
+  const Nid nid = MakeNid(NidType::kLtp, nextSubnodeIndex_++);
   subnodes_.Add(nid, {{tree->bid, 0}, tree->size});
   return nid;
 }
@@ -131,7 +128,7 @@ Result<ndb::WrittenNode> TableContextWriter::Finish() {
   std::sort(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId < b.rowId; });
   const auto twin =
       std::adjacent_find(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId == b.rowId; });
-  if (twin != index.end()) return ndb::Corrupt(ndb::Named("row", twin->rowId), twin->rowId, "two rows share an id");
+  if (twin != index.end()) return Corrupt(Named("row", twin->rowId), twin->rowId, "two rows share an id");
   const auto encode = [&index](std::size_t i, std::span<std::byte> out) {
     Store<std::uint32_t>(out, 0, index[i].rowId);
     Store<std::uint32_t>(out, 4, index[i].matrixRow);

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "store/format/prop_tag.h"
 #include "store/ltp/heap_writer.h"
-#include "store/ltp/prop_tag.h"
 #include "store/ltp/table_info.h"
 #include "store/ltp/table_schema.h"
 #include "store/ndb/ndb_writer.h"
@@ -29,7 +29,7 @@ class TableContextWriter {
   /// Adds a row. `cells` may be in any order; a property that the table has no column for is left out, and
   /// so are the row id and version, which the writer sets. A cell that is not given is absent. kCorrupt when
   /// a value does not fit its type.
-  ndb::Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
+  Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
 
   std::size_t RowCount() const { return rowIds_.size(); }
 
@@ -38,14 +38,14 @@ class TableContextWriter {
   std::size_t CellsLeftOut() const { return cellsLeftOut_; }
 
   /// Writes the table; nothing refers to it yet. kCorrupt when two rows share an id. The writer is used up.
-  ndb::Result<ndb::WrittenNode> Finish();
+  Result<ndb::WrittenNode> Finish();
 
  private:
-  ndb::Result<void> OpenHeap();
-  ndb::Result<void> SetCell(const Column& column, std::span<const std::byte> value);
-  ndb::Result<Hnid> StoreValue(std::span<const std::byte> value);
+  Result<void> OpenHeap();
+  Result<void> SetCell(const Column& column, std::span<const std::byte> value);
+  Result<Hnid> StoreValue(std::span<const std::byte> value);
   void SetExists(std::uint8_t iBit);
-  ndb::Result<Hnid> FinishMatrix();
+  Result<Hnid> FinishMatrix();
   TableInfo Info(Hnid hnidRows) const;
 
   ndb::NdbWriter& ndb_;

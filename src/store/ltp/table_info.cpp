@@ -1,13 +1,10 @@
 #include "store/ltp/table_info.h"
 
+#include "store/format/failures.h"
+#include "store/format/little_endian.h"
 #include "store/ndb/block_buffer.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/little_endian.h"
 
 namespace velmora::ltp {
-
-using ndb::Load;
-using ndb::Store;
 
 std::vector<std::byte> Encode(const TableInfo& info) {
   std::vector<std::byte> out(TableInfo::kHeadSize + info.columns.size() * TableInfo::kColumnSize);
@@ -27,18 +24,18 @@ std::vector<std::byte> Encode(const TableInfo& info) {
   return out;
 }
 
-ndb::Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes) {
+Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes) {
   const std::size_t cCols = Load<std::uint8_t>(bytes, 1);
   if (Load<std::uint8_t>(bytes, 0) != static_cast<std::uint8_t>(ClientSig::kTableContext) ||
       bytes.size() < TableInfo::kHeadSize + cCols * TableInfo::kColumnSize) {
-    return ndb::Corrupt("table", bytes.size(), "no description of a table");
+    return Corrupt("table", bytes.size(), "no description of a table");
   }
   TableInfo info;
   for (std::size_t i = 0; i < info.rgib.size(); ++i) info.rgib[i] = Load<std::uint16_t>(bytes, 2 + 2 * i);
   const std::size_t cebOffset = info.rgib[2];
   const std::size_t rowSize = info.rgib[3];
-  if (rowSize == 0 || rowSize > ndb::kMaxBlockData || cebOffset > rowSize || rowSize - cebOffset < (cCols + 7) / 8) {
-    return ndb::Corrupt("table", rowSize, "the size of a row does not fit");
+  if (rowSize == 0 || rowSize > kMaxBlockData || cebOffset > rowSize || rowSize - cebOffset < (cCols + 7) / 8) {
+    return Corrupt("table", rowSize, "the size of a row does not fit");
   }
   info.hidRowIndex = Load<std::uint32_t>(bytes, 10);
   info.hnidRows = Load<std::uint32_t>(bytes, 14);

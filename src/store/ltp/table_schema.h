@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "store/ltp/prop_tag.h"
+#include "store/format/prop_tag.h"
 
 namespace velmora::ltp {
 

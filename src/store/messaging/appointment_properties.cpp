@@ -2,24 +2,23 @@
 #include <algorithm>
 #include <optional>
 
+#include "store/format/property_tags.h"
 #include "store/messaging/item_properties.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 
 namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kAppointmentStart = Named(kAppointment, 0x820D, PropType::kTime);
-constexpr ltp::PropTag kAppointmentEnd = Named(kAppointment, 0x820E, PropType::kTime);
-constexpr ltp::PropTag kDuration = Named(kAppointment, 0x8213, PropType::kInteger32);
-constexpr ltp::PropTag kMeetingStatus = Named(kAppointment, 0x8217, PropType::kInteger32);
-constexpr ltp::PropTag kResponseStatus = Named(kAppointment, 0x8218, PropType::kInteger32);
-constexpr ltp::PropTag kAppointmentRecurs = Named(kAppointment, 0x8223, PropType::kBoolean);
-constexpr ltp::PropTag kReminderMinutes = Named(kCommon, 0x8501, PropType::kInteger32);
+constexpr PropTag kAppointmentStart = Named(kAppointment, 0x820D, PropType::kTime);
+constexpr PropTag kAppointmentEnd = Named(kAppointment, 0x820E, PropType::kTime);
+constexpr PropTag kDuration = Named(kAppointment, 0x8213, PropType::kInteger32);
+constexpr PropTag kMeetingStatus = Named(kAppointment, 0x8217, PropType::kInteger32);
+constexpr PropTag kResponseStatus = Named(kAppointment, 0x8218, PropType::kInteger32);
+constexpr PropTag kAppointmentRecurs = Named(kAppointment, 0x8223, PropType::kBoolean);
+constexpr PropTag kReminderMinutes = Named(kCommon, 0x8501, PropType::kInteger32);
 
 constexpr std::int32_t kMinutesPerDay = 1440;
 constexpr std::int32_t kLongestDuration = 100 * 366 * kMinutesPerDay;  // a century; beyond lies damage
@@ -62,8 +61,8 @@ std::int32_t MinutesBetween(FileTime from, FileTime to) {
 void PutSpan(const ItemFields& fields, PropertyBag& bag) {
   const auto span = SpanOf(fields);
   if (!span) return;
-  for (const ltp::PropTag start : {kAppointmentStart, kCommonStart, tag::kStartDate}) bag.PutTime(start, span->start);
-  for (const ltp::PropTag end : {kAppointmentEnd, kCommonEnd, tag::kEndDate}) bag.PutTime(end, span->end);
+  for (const PropTag start : {kAppointmentStart, kCommonStart, tag::kStartDate}) bag.PutTime(start, span->start);
+  for (const PropTag end : {kAppointmentEnd, kCommonEnd, tag::kEndDate}) bag.PutTime(end, span->end);
   if (!bag.Has(kDuration)) bag.PutInteger32(kDuration, MinutesBetween(span->start, span->end));
   if (const auto signal = fields.Time(Field::ReminderSignalTime)) {
     bag.PutInteger32(kReminderMinutes, MinutesBetween(*signal, span->start));

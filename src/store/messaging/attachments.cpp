@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/stored_text.h"
 #include "store/ndb/data_tree_writer.h"
 
@@ -12,7 +12,7 @@ namespace velmora::messaging {
 namespace {
 
 constexpr std::size_t kShortContent = ltp::PropertyContextWriter::kHeapValueLimit;
-constexpr std::size_t kPieceSize = 8 * ndb::kMaxBlockData;
+constexpr std::size_t kPieceSize = 8 * kMaxBlockData;
 
 constexpr std::int32_t kByValue = 1;
 constexpr std::int32_t kEmbeddedMessage = 5;
@@ -67,7 +67,7 @@ Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, t
   Attachment attachment;
   attachment.name = NameOf(name);
   attachment.message = message;
-  attachment.messageNid = ndb.NewNid(ndb::NidType::kNormalMessage);
+  attachment.messageNid = ndb.NewNid(NidType::kNormalMessage);
   attachment.hold = std::make_shared<TreeHold>(ndb, message.trees);
   return attachment;
 }
@@ -75,7 +75,7 @@ Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, t
 std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
   std::vector<Attachment> attachments;
   for (const ndb::SubnodeEntry& entry : ReadOrRaise(message.Subnodes())) {
-    if (ndb::TypeOf(entry.nid) != ndb::NidType::kAttachment) continue;
+    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
     ltp::PropertyContext properties = ReadOrRaise(ltp::PropertyContext::Open(ndb, entry.trees));
     Attachment& attachment = attachments.emplace_back();
     attachment.name = properties.Text(tag::kDisplayName).value_or(text::Text());
@@ -110,7 +110,7 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
       continue;
     }
     const ndb::SubnodeEntry entry = level.entries[level.next++];
-    if (ndb::TypeOf(entry.nid) != ndb::NidType::kAttachment) continue;
+    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
     auto attachment = ltp::PropertyContext::Open(source, entry.trees);
     if (!attachment) continue;
     const auto object = attachment->ReadObject(tag::kAttachDataObject);
@@ -141,8 +141,8 @@ text::Text ShortFileName(text::TextView name) {
   return shortExtension.empty() ? shortBase : shortBase + u"." + shortExtension;
 }
 
-ndb::Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime now,
-                                              ltp::PropertyContextWriter& node, PropertyBag& row) {
+Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime now, ltp::PropertyContextWriter& node,
+                                         PropertyBag& row) {
   PropertyBag bag;
   bag.PutInteger32(tag::kAttachMethod, attachment.IsMessage() ? kEmbeddedMessage : kByValue);
   bag.PutInteger32(tag::kRenderingPosition, kNotInText);

@@ -37,7 +37,7 @@ struct Attachment {
   Bytes shortContent;
   ndb::DataTree content;     ///< of a long content
   ndb::WrittenNode message;  ///< of an embedded message
-  ndb::Nid messageNid = 0;   ///< its id, which no other message has: some readers look among all of the store
+  Nid messageNid = 0;        ///< its id, which no other message has: some readers look among all of the store
   std::shared_ptr<TreeHold> hold;
 
   bool IsMessage() const { return message.trees.bidData != 0; }
@@ -59,7 +59,7 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
 text::Text ShortFileName(text::TextView name);
 
 /// Writes the attachment's object. `row` receives the properties that the attachment table copies.
-ndb::Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime now,
-                                              ltp::PropertyContextWriter& node, PropertyBag& row);
+Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime now, ltp::PropertyContextWriter& node,
+                                         PropertyBag& row);
 
 }  // namespace velmora::messaging

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "store/ndb/weak_crc.h"
+#include "store/format/checksum.h"
 #include "text/code_page.h"
 
 namespace velmora::messaging {
@@ -47,7 +47,7 @@ std::optional<Head> HeadOf(std::string_view stream) {
   return head;
 }
 
-std::uint32_t CrcOf(std::string_view bytes) { return ndb::WeakCrc(std::as_bytes(std::span(bytes))); }
+std::uint32_t CrcOf(std::string_view bytes) { return WeakCrc(std::as_bytes(std::span(bytes))); }
 
 bool IsSound(std::string_view stream, const Head& head) {
   if (std::uint64_t{head.compSize} + kCompSizeField != stream.size()) return false;
@@ -217,7 +217,7 @@ Bytes CompressRtf(std::string_view rtf) {
   out.U32(static_cast<std::uint32_t>(tokens.size() + kHeadSize - kCompSizeField));
   out.U32(static_cast<std::uint32_t>(rtf.size()));
   out.U32(kCompressed);
-  out.U32(ndb::WeakCrc(tokens));
+  out.U32(WeakCrc(tokens));
   out.Raw(tokens);
   return out.Take();
 }

@@ -1,35 +1,34 @@
 // Contacts: the names by which they are filed and shown, e-mail addresses as complete sets, addresses.
 #include <vector>
 
+#include "store/format/property_tags.h"
 #include "store/messaging/item_properties.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/stored_text.h"
 
 namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kFileUnder = Named(kAddress, 0x8005, PropType::kString);
-constexpr ltp::PropTag kFileUnderId = Named(kAddress, 0x8006, PropType::kInteger32);
-constexpr ltp::PropTag kHasPicture = Named(kAddress, 0x8015, PropType::kBoolean);
-constexpr ltp::PropTag kPostalAddressId = Named(kAddress, 0x8022, PropType::kInteger32);
-constexpr ltp::PropTag kEmailList = Named(kAddress, 0x8028, PropType::kMultipleInteger32);
-constexpr ltp::PropTag kEmailMask = Named(kAddress, 0x8029, PropType::kInteger32);
-constexpr ltp::PropTag kWebPage = Named(kAddress, 0x802B, PropType::kString);
-constexpr ltp::PropTag kDistributionListName = Named(kAddress, 0x8053, PropType::kString);
-constexpr ltp::PropTag kBirthdayLocal = Named(kAddress, 0x80DE, PropType::kTime);
-constexpr ltp::PropTag kAnniversaryLocal = Named(kAddress, 0x80DF, PropType::kTime);
+constexpr PropTag kFileUnder = Named(kAddress, 0x8005, PropType::kString);
+constexpr PropTag kFileUnderId = Named(kAddress, 0x8006, PropType::kInteger32);
+constexpr PropTag kHasPicture = Named(kAddress, 0x8015, PropType::kBoolean);
+constexpr PropTag kPostalAddressId = Named(kAddress, 0x8022, PropType::kInteger32);
+constexpr PropTag kEmailList = Named(kAddress, 0x8028, PropType::kMultipleInteger32);
+constexpr PropTag kEmailMask = Named(kAddress, 0x8029, PropType::kInteger32);
+constexpr PropTag kWebPage = Named(kAddress, 0x802B, PropType::kString);
+constexpr PropTag kDistributionListName = Named(kAddress, 0x8053, PropType::kString);
+constexpr PropTag kBirthdayLocal = Named(kAddress, 0x80DE, PropType::kTime);
+constexpr PropTag kAnniversaryLocal = Named(kAddress, 0x80DF, PropType::kTime);
 
-constexpr ltp::PropTag kMailingCountry = 0x3A26001F;
-constexpr ltp::PropTag kMailingCity = 0x3A27001F;
-constexpr ltp::PropTag kMailingState = 0x3A28001F;
-constexpr ltp::PropTag kMailingStreet = 0x3A29001F;
-constexpr ltp::PropTag kMailingPostalCode = 0x3A2A001F;
-constexpr ltp::PropTag kMailingPostOfficeBox = 0x3A2B001F;
+constexpr PropTag kMailingCountry = 0x3A26001F;
+constexpr PropTag kMailingCity = 0x3A27001F;
+constexpr PropTag kMailingState = 0x3A28001F;
+constexpr PropTag kMailingStreet = 0x3A29001F;
+constexpr PropTag kMailingPostalCode = 0x3A2A001F;
+constexpr PropTag kMailingPostOfficeBox = 0x3A2B001F;
 
 constexpr std::int32_t kContactIcon = 0x200;
 constexpr std::int32_t kDistributionListIcon = 0x202;
@@ -80,7 +79,7 @@ void PutNames(const ItemFields& fields, PropertyBag& bag) {
 
 struct EmailSlot {
   Field name, type, address;
-  ltp::PropTag nameTag, typeTag, originalNameTag, entryIdTag;
+  PropTag nameTag, typeTag, originalNameTag, entryIdTag;
 };
 
 constexpr EmailSlot kEmailSlots[] = {
@@ -119,7 +118,7 @@ void PutEmailSets(const ItemFields& fields, PropertyBag& bag) {
 
 struct AddressParts {
   Field whole, street, city, state, postalCode, country, postOfficeBox;
-  ltp::PropTag wholeTag;
+  PropTag wholeTag;
   std::int32_t id;  ///< value of kPostalAddressId
 };
 

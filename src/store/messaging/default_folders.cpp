@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
-#include "store/messaging/property_tags.h"
 
 namespace velmora::messaging {
 namespace {
@@ -14,7 +14,7 @@ using output::DefaultFolder;
 struct KindRow {
   DefaultFolder kind;
   text::TextView containerClass;
-  ltp::PropTag entryId = 0;  ///< on the root folder; 0 where it has no such property
+  PropTag entryId = 0;  ///< on the root folder; 0 where it has no such property
 };
 
 // The last four stand in one property, in this order.
@@ -39,12 +39,12 @@ text::TextView ContainerClassOf(DefaultFolder kind) {
   return row != nullptr ? row->containerClass : kMailContainerClass;
 }
 
-ndb::Nid DefaultFolders::Of(DefaultFolder kind) const {
+Nid DefaultFolders::Of(DefaultFolder kind) const {
   const KindRow* row = RowOf(kind);
   return row != nullptr ? folders_[static_cast<std::size_t>(row - kKindRows)] : 0;
 }
 
-void DefaultFolders::Set(DefaultFolder kind, ndb::Nid folder) {
+void DefaultFolders::Set(DefaultFolder kind, Nid folder) {
   const KindRow* row = RowOf(kind);
   if (row != nullptr) folders_[static_cast<std::size_t>(row - kKindRows)] = folder;
 }

@@ -3,11 +3,11 @@
 
 #include <array>
 
-#include "store/ltp/prop_tag.h"
+#include "store/format/ids.h"
+#include "store/format/prop_tag.h"
 #include "store/ltp/property_context.h"
 #include "store/messaging/entry_id.h"
 #include "store/messaging/property_bag.h"
-#include "store/ndb/ids.h"
 #include "store/operations.h"
 
 namespace velmora::messaging {
@@ -22,8 +22,8 @@ text::TextView ContainerClassOf(output::DefaultFolder kind);
 /// ones is kept nowhere.
 class DefaultFolders {
  public:
-  ndb::Nid Of(output::DefaultFolder kind) const;
-  void Set(output::DefaultFolder kind, ndb::Nid folder);
+  Nid Of(output::DefaultFolder kind) const;
+  void Set(output::DefaultFolder kind, Nid folder);
 
   /// Puts the entry ids into the properties of the root folder, where Outlook looks for them. That of the
   /// deleted items is a property of the store instead.
@@ -34,7 +34,7 @@ class DefaultFolders {
 
  private:
   static constexpr std::size_t kKinds = 10;
-  std::array<ndb::Nid, kKinds> folders_{};
+  std::array<Nid, kKinds> folders_{};
 };
 
 }  // namespace velmora::messaging

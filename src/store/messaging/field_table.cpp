@@ -2,10 +2,10 @@
 
 #include <string_view>
 
+#include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
 #include "store/messaging/compressed_rtf.h"
 #include "store/messaging/html_body.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/stored_text.h"
 #include "store/messaging/subject.h"
 #include "store/messaging/text_list.h"
@@ -14,7 +14,6 @@ namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 using output::FieldRead;
 
@@ -33,7 +32,7 @@ enum class Coding {
 
 struct FieldRow {
   Field field;
-  ltp::PropTag tag;
+  PropTag tag;
   Coding coding = Coding::kByType;
 };
 
@@ -250,7 +249,7 @@ std::string_view CharsOf(std::span<const std::byte> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-FieldRead ReadTextField(const FieldRow& row, ltp::PropTag tag, ltp::PropertyContext& item) {
+FieldRead ReadTextField(const FieldRow& row, PropTag tag, ltp::PropertyContext& item) {
   const auto value = item.Read(tag);
   if (!value || !value->has_value()) return {text::Text(), false};
   const std::span<const std::byte> bytes = **value;
@@ -303,7 +302,7 @@ void PutField(const ItemFields::Entry& field, const text::CodePage& codePage, Pr
 FieldRead ReadField(Field field, ltp::PropertyContext& item, const NamedPropertyMap& names) {
   const FieldRow& row = RowOf(field);
   const output::FieldType type = output::InfoOf(field).type;
-  const ltp::PropTag tag = names.InStore(row.tag);
+  const PropTag tag = names.InStore(row.tag);
   switch (type) {
     case output::FieldType::Text:
       return ReadTextField(row, tag, item);

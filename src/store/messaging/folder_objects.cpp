@@ -33,7 +33,7 @@ class ItemsObject : public output::RDOItems {
  private:
   std::shared_ptr<Store> store_;
   Folder& folder_;
-  ndb::Nid last_ = 0;
+  Nid last_ = 0;
 };
 
 class FoldersObject : public output::RDOFolders {

@@ -8,12 +8,12 @@ namespace velmora::messaging {
 
 void ItemRows::Add(const ItemRow& row) { rows_.push_back(row); }
 
-ItemRow* ItemRows::Find(ndb::Nid nid) {
+ItemRow* ItemRows::Find(Nid nid) {
   const auto found = std::ranges::lower_bound(rows_, nid, {}, &ItemRow::nid);
   return found != rows_.end() && found->nid == nid && !found->deleted ? &*found : nullptr;
 }
 
-void ItemRows::Delete(ndb::Nid nid) {
+void ItemRows::Delete(Nid nid) {
   ItemRow* row = Find(nid);
   if (row == nullptr) return;
   row->deleted = true;
@@ -23,13 +23,13 @@ void ItemRows::Delete(ndb::Nid nid) {
   deleted_ = 0;
 }
 
-const ItemRow* ItemRows::After(ndb::Nid nid) const {
+const ItemRow* ItemRows::After(Nid nid) const {
   auto next = std::ranges::upper_bound(rows_, nid, {}, &ItemRow::nid);
   while (next != rows_.end() && next->deleted) ++next;
   return next != rows_.end() ? &*next : nullptr;
 }
 
-Folder& FolderTree::Add(Folder* parent, ndb::Nid nid, text::TextView name, text::TextView containerClass) {
+Folder& FolderTree::Add(Folder* parent, Nid nid, text::TextView name, text::TextView containerClass) {
   Folder& folder = *folders_.emplace_back(std::make_unique<Folder>());
   folder.nid = nid;
   folder.parent = parent;
@@ -44,7 +44,7 @@ Folder& FolderTree::Add(Folder* parent, ndb::Nid nid, text::TextView name, text:
   return folder;
 }
 
-Folder* FolderTree::OfNid(ndb::Nid nid) const {
+Folder* FolderTree::OfNid(Nid nid) const {
   const auto found = folderOfNid_.find(nid);
   return found != folderOfNid_.end() ? found->second : nullptr;
 }

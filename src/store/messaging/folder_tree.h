@@ -7,14 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include "store/ndb/ids.h"
+#include "store/format/ids.h"
 #include "text/text.h"
 
 namespace velmora::messaging {
 
 /// A saved item of a folder: 16 bytes.
 struct ItemRow {
-  ndb::Nid nid = 0;
+  Nid nid = 0;
   bool unread = false;
   bool deleted = false;
   std::uint16_t size = 0;   ///< of its row's texts and binary values, as far as 16 bits tell
@@ -28,12 +28,12 @@ class ItemRows {
   void Add(const ItemRow& row);
 
   /// The item of that id, or null; valid until the next change.
-  ItemRow* Find(ndb::Nid nid);
+  ItemRow* Find(Nid nid);
 
-  void Delete(ndb::Nid nid);
+  void Delete(Nid nid);
 
   /// The first item whose id is above `nid`, or null.
-  const ItemRow* After(ndb::Nid nid) const;
+  const ItemRow* After(Nid nid) const;
 
   std::size_t Count() const { return rows_.size() - deleted_; }
 
@@ -51,7 +51,7 @@ class ItemRows {
 };
 
 struct Folder {
-  ndb::Nid nid = 0;
+  Nid nid = 0;
   Folder* parent = nullptr;
   text::Text name;
   text::Text containerClass;
@@ -77,9 +77,9 @@ struct Folder {
 class FolderTree {
  public:
   /// Adds a folder below `parent` (null for the root). `name` is taken as a name of a store: see NameOf.
-  Folder& Add(Folder* parent, ndb::Nid nid, text::TextView name, text::TextView containerClass);
+  Folder& Add(Folder* parent, Nid nid, text::TextView name, text::TextView containerClass);
 
-  Folder* OfNid(ndb::Nid nid) const;
+  Folder* OfNid(Nid nid) const;
 
   /// Calls `visit(folder)` for each folder in order of creation.
   template <class Visit>
@@ -89,7 +89,7 @@ class FolderTree {
 
  private:
   std::vector<std::unique_ptr<Folder>> folders_;
-  std::unordered_map<ndb::Nid, Folder*> folderOfNid_;
+  std::unordered_map<Nid, Folder*> folderOfNid_;
 };
 
 /// The child folder of that name, letter case ignored; null when there is none.

@@ -1,11 +1,11 @@
 #include "store/messaging/folder_writer.h"
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/multi_value.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/messaging/conversation_id.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 #include "store/messaging/store_skeleton.h"
 #include "store/messaging/stored_text.h"
 #include "store/messaging/table_schemas.h"
@@ -27,7 +27,7 @@ PropertyBag PropertiesOf(const Folder& folder) {
   return bag;
 }
 
-ndb::Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
+Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
   for (const Folder* child : folder.children) {
     if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
@@ -45,10 +45,9 @@ ndb::Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t ma
   return table.Finish();
 }
 
-ndb::Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std::size_t maxHeapBlocks,
-                                            Folder& folder) {
+Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kContents, maxHeapBlocks);
-  ndb::Result<void> result;
+  Result<void> result;
   folder.items.ForEach([&](const ItemRow& item) {
     if (!result) return;
     const auto row = rows.Read(item.place);
@@ -63,7 +62,7 @@ ndb::Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows,
   return table.Finish();
 }
 
-ndb::Result<void> Set(ndb::NdbWriter& ndb, ndb::Nid nid, const ndb::Result<ndb::WrittenNode>& node, ndb::Nid parent) {
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
   if (!node) return tl::unexpected(node.error());
   return ndb.SetNode(nid, node->trees, parent);
 }
@@ -76,7 +75,7 @@ PropertyBag ContentsRow(const PropertyBag& message) {
     if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || !message.Has(column.tag)) continue;
     const auto value = message.Value(column.tag);
     // A subject is as long as the message's, whose limit leaves out the two characters before it.
-    const bool isCut = ltp::TypeOf(column.tag) == ltp::PropType::kString && column.tag != tag::kSubject;
+    const bool isCut = TypeOf(column.tag) == PropType::kString && column.tag != tag::kSubject;
     if (isCut && value.size() > kNameLimit * sizeof(char16_t)) {
       const text::Text text = ltp::DecodeText(value);
       row.PutText(column.tag, CutToCharacters(text, kNameLimit));
@@ -94,7 +93,7 @@ std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
   constexpr std::size_t kAllocation = 4;  // the heap's word for the place of a value, and a byte for an odd end
   std::size_t bytes = 0;
   for (const ltp::PropertyView& cell : row) {
-    const auto fixed = ltp::FixedSize(ltp::TypeOf(cell.tag));
+    const auto fixed = FixedSize(TypeOf(cell.tag));
     if (!fixed || *fixed > 8) bytes += cell.value.size() + kAllocation;
   }
   return bytes;
@@ -112,27 +111,27 @@ std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
   return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
 }
 
-ndb::Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
-                              Folder& folder) {
-  const auto tableNid = [&](ndb::NidType type) { return ndb::Sibling(folder.nid, type); };
-  const ndb::Nid hiddenItems = tableNid(ndb::NidType::kAssocContentsTable);
+Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                         Folder& folder) {
+  const auto tableNid = [&](NidType type) { return Sibling(folder.nid, type); };
+  const Nid hiddenItems = tableNid(NidType::kAssocContentsTable);
   if (!ndb.FindNode(hiddenItems)) {
     ltp::TableContextWriter table(ndb, schema::kAssocContents);
     if (auto set = Set(ndb, hiddenItems, table.Finish(), 0); !set) return set;
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(ndb::NidType::kHierarchyTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
   }
   if (folder.itemsChanged) {
     const auto table = ContentsTable(ndb, rows, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(ndb::NidType::kContentsTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);
     PropertiesOf(folder).AddTo(node);
     extra.AddTo(node);
-    const ndb::Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
+    const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
     if (auto set = Set(ndb, folder.nid, node.Finish(), parent); !set) return set;
   }
   folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = false;

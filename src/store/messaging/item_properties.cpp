@@ -1,8 +1,8 @@
 #include "store/messaging/item_properties.h"
 
+#include "store/format/property_tags.h"
 #include "store/messaging/field_table.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/stored_text.h"
 #include "store/messaging/subject.h"
 
@@ -10,14 +10,13 @@ namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 using output::ItemInterface;
 
-constexpr ltp::PropTag kPrivate = Named(kCommon, 0x8506, PropType::kBoolean);
-constexpr ltp::PropTag kReminderSignalTime = Named(kCommon, 0x8560, PropType::kTime);
-constexpr ltp::PropTag kTaskDueDate = Named(kTask, 0x8105, PropType::kTime);
-constexpr ltp::PropTag kToDoTitle = Named(kCommon, 0x85A4, PropType::kString);
+constexpr PropTag kPrivate = Named(kCommon, 0x8506, PropType::kBoolean);
+constexpr PropTag kReminderSignalTime = Named(kCommon, 0x8560, PropType::kTime);
+constexpr PropTag kTaskDueDate = Named(kTask, 0x8105, PropType::kTime);
+constexpr PropTag kToDoTitle = Named(kCommon, 0x85A4, PropType::kString);
 
 constexpr std::int32_t kSensitivityPrivate = 2;
 constexpr std::int32_t kFlagged = 2;
@@ -40,7 +39,7 @@ void PutBodyKind(PropertyBag& bag) {
 /// A person of the envelope whose address is known gets the identifiers that make it an address.
 struct EnvelopePerson {
   Field name, type, address;
-  ltp::PropTag typeTag, entryId, searchKey, smtpAddress;
+  PropTag typeTag, entryId, searchKey, smtpAddress;
 };
 
 constexpr EnvelopePerson kEnvelope[] = {

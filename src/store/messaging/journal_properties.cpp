@@ -1,20 +1,19 @@
 // Journal entries: the end that the timeline needs, and the name of their type.
 #include <algorithm>
 
+#include "store/format/property_tags.h"
 #include "store/messaging/item_properties.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 
 namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kLogEnd = Named(kLog, 0x8708, PropType::kTime);
-constexpr ltp::PropTag kLogFlags = Named(kLog, 0x870C, PropType::kInteger32);
-constexpr ltp::PropTag kTypeDescription = Named(kLog, 0x8712, PropType::kString);
+constexpr PropTag kLogEnd = Named(kLog, 0x8708, PropType::kTime);
+constexpr PropTag kLogFlags = Named(kLog, 0x870C, PropType::kInteger32);
+constexpr PropTag kTypeDescription = Named(kLog, 0x8712, PropType::kString);
 
 constexpr text::TextView kPhoneCall = u"Phone call";
 constexpr std::int32_t kPhoneCallIcon = 0x60A;

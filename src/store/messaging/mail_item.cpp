@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/table_context.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/field_table.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 #include "store/messaging/store_writer.h"
 #include "store/messaging/subject.h"
 
@@ -54,7 +54,7 @@ MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, text::TextView 
   store_->Writer().Identify(state_);
 }
 
-MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, ndb::Nid nid)
+MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, Nid nid)
     : store_(std::move(store)), folder_(folder), nid_(nid), loaded_(false) {
   ltp::PropertyContext* saved = Saved();
   if (saved == nullptr) throw OutputFailure(ResultCode::STG_E_READFAULT, "The item cannot be read.");

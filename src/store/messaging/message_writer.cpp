@@ -1,10 +1,10 @@
 #include "store/messaging/message_writer.h"
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/messaging/entry_id.h"
 #include "store/messaging/field_table.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 #include "store/messaging/table_schemas.h"
 
 namespace velmora::messaging {
@@ -36,7 +36,7 @@ PropertyBag RecipientRow(const Recipient& recipient) {
 
 }  // namespace
 
-ndb::Result<void> MessageWriter::AddRecipients(const std::vector<Recipient>& recipients) {
+Result<void> MessageWriter::AddRecipients(const std::vector<Recipient>& recipients) {
   if (recipients.empty()) return {};
   ltp::TableContextWriter table(ndb_, schema::kRecipients);
   for (std::size_t i = 0; i < recipients.size(); ++i) {
@@ -49,11 +49,11 @@ ndb::Result<void> MessageWriter::AddRecipients(const std::vector<Recipient>& rec
   return {};
 }
 
-ndb::Result<void> MessageWriter::AddAttachments(const std::vector<Attachment>& attachments, FileTime now) {
+Result<void> MessageWriter::AddAttachments(const std::vector<Attachment>& attachments, FileTime now) {
   if (attachments.empty()) return {};
   ltp::TableContextWriter table(ndb_, schema::kAttachments);
   for (std::size_t i = 0; i < attachments.size(); ++i) {
-    const ndb::Nid nid = ndb::MakeNid(ndb::NidType::kAttachment, kFirstAttachmentIndex + static_cast<std::uint32_t>(i));
+    const Nid nid = MakeNid(NidType::kAttachment, kFirstAttachmentIndex + static_cast<std::uint32_t>(i));
     PropertyBag row;
     const auto written = WriteAttachment(attachments[i], now, attachment_, row);
     if (!written) return tl::unexpected(written.error());
@@ -66,9 +66,9 @@ ndb::Result<void> MessageWriter::AddAttachments(const std::vector<Attachment>& a
   return {};
 }
 
-ndb::Result<WrittenMessage> MessageWriter::Write(const ItemState& item, const std::vector<Attachment>& attachments,
-                                                 FileTime now, const text::CodePage& codePage) {
-  const auto write = [&]() -> ndb::Result<WrittenMessage> {
+Result<WrittenMessage> MessageWriter::Write(const ItemState& item, const std::vector<Attachment>& attachments,
+                                            FileTime now, const text::CodePage& codePage) {
+  const auto write = [&]() -> Result<WrittenMessage> {
     bool hasPicture = false;
     for (const Attachment& attachment : attachments) hasPicture = hasPicture || attachment.isContactPhoto;
     WrittenMessage message;

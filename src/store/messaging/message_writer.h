@@ -22,12 +22,12 @@ class MessageWriter {
  public:
   explicit MessageWriter(ndb::NdbWriter& ndb) : ndb_(ndb), message_(ndb), attachment_(ndb) {}
 
-  ndb::Result<WrittenMessage> Write(const ItemState& item, const std::vector<Attachment>& attachments, FileTime now,
-                                    const text::CodePage& codePage);
+  Result<WrittenMessage> Write(const ItemState& item, const std::vector<Attachment>& attachments, FileTime now,
+                               const text::CodePage& codePage);
 
  private:
-  ndb::Result<void> AddRecipients(const std::vector<Recipient>& recipients);
-  ndb::Result<void> AddAttachments(const std::vector<Attachment>& attachments, FileTime now);
+  Result<void> AddRecipients(const std::vector<Recipient>& recipients);
+  Result<void> AddAttachments(const std::vector<Attachment>& attachments, FileTime now);
 
   ndb::NdbWriter& ndb_;
   ltp::PropertyContextWriter message_;

@@ -4,8 +4,8 @@
 #include <map>
 #include <vector>
 
+#include "store/format/checksum.h"
 #include "store/messaging/byte_writer.h"
-#include "store/ndb/weak_crc.h"
 
 namespace velmora::messaging {
 namespace {
@@ -48,10 +48,10 @@ constexpr SetRow kSets[] = {
 constexpr std::uint16_t kPublicStringsGuid = 2;
 constexpr std::uint16_t kFirstGuid = 3;
 
-constexpr ltp::PropTag kBucketCount = 0x00010003;
-constexpr ltp::PropTag kGuidStream = 0x00020102;
-constexpr ltp::PropTag kEntryStream = 0x00030102;
-constexpr ltp::PropTag kStringStream = 0x00040102;
+constexpr PropTag kBucketCount = 0x00010003;
+constexpr PropTag kGuidStream = 0x00020102;
+constexpr PropTag kEntryStream = 0x00030102;
+constexpr PropTag kStringStream = 0x00040102;
 constexpr std::uint16_t kFirstBucket = 0x1000;
 constexpr std::uint32_t kBuckets = 251;
 constexpr std::size_t kEntrySize = 8;
@@ -63,7 +63,7 @@ std::uint16_t GuidNumberOf(PropertySet set) {
                                     1);  // kSets stands in order of PropertySet
 }
 
-std::uint32_t HashOf(text::TextView name) { return ndb::WeakCrc(std::as_bytes(std::span(name))); }
+std::uint32_t HashOf(text::TextView name) { return WeakCrc(std::as_bytes(std::span(name))); }
 
 void AppendEntry(ByteWriter& out, std::uint32_t number, std::uint16_t guidAndKind, std::size_t index) {
   out.U32(number);
@@ -110,7 +110,7 @@ void AddNameMap(ltp::PropertyContextWriter& node) {
   node.Add(kGuidStream, guids.Take());
   node.Add(kEntryStream, entries.Take());
   node.Add(kStringStream, strings.Take());
-  for (auto& [bucket, bytes] : buckets) node.Add(ltp::MakeTag(bucket, ltp::PropType::kBinary), bytes.Take());
+  for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes.Take());
 }
 
 NamedPropertyMap::NamedPropertyMap() {
@@ -149,12 +149,12 @@ NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
   }
 }
 
-ltp::PropTag NamedPropertyMap::InStore(ltp::PropTag tag) const {
-  const std::uint16_t id = ltp::IdOf(tag);
+PropTag NamedPropertyMap::InStore(PropTag tag) const {
+  const std::uint16_t id = IdOf(tag);
   if (id < kFirstNamedId) return tag;
   const std::size_t index = id - kFirstNamedId;
   if (index >= ids_.size() || ids_[index] == 0) return 0;
-  return ltp::MakeTag(ids_[index], ltp::TypeOf(tag));
+  return MakeTag(ids_[index], TypeOf(tag));
 }
 
 }  // namespace velmora::messaging

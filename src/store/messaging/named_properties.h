@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "store/ltp/prop_tag.h"
+#include "store/format/prop_tag.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
 
@@ -69,19 +69,19 @@ inline constexpr std::size_t kPropertyNameCount = std::size(kPropertyNames);
 inline constexpr std::uint16_t kFirstNamedId = 0x8000;
 
 /// Tag of a named property in the stores that this layer writes. A name that the table lacks does not compile.
-consteval ltp::PropTag Named(PropertySet set, std::uint16_t id, ltp::PropType type) {
+consteval PropTag Named(PropertySet set, std::uint16_t id, PropType type) {
   for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
     if (kPropertyNames[i].set == set && kPropertyNames[i].id == id) {
-      return ltp::MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), type);
+      return MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), type);
     }
   }
   throw "no such name in kPropertyNames";
 }
 
 // Those that items of several kinds have.
-inline constexpr ltp::PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, ltp::PropType::kInteger32);
-inline constexpr ltp::PropTag kCommonStart = Named(PropertySet::kCommon, 0x8516, ltp::PropType::kTime);
-inline constexpr ltp::PropTag kCommonEnd = Named(PropertySet::kCommon, 0x8517, ltp::PropType::kTime);
+inline constexpr PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, PropType::kInteger32);
+inline constexpr PropTag kCommonStart = Named(PropertySet::kCommon, 0x8516, PropType::kTime);
+inline constexpr PropTag kCommonEnd = Named(PropertySet::kCommon, 0x8517, PropType::kTime);
 
 /// Adds the properties of node 0x61: the sets, the names in order, and the names again by 251 hash buckets.
 void AddNameMap(ltp::PropertyContextWriter& node);
@@ -97,7 +97,7 @@ class NamedPropertyMap {
 
   /// The store's tag for a tag as Named gives it, or one without a name, which is the same in every store;
   /// 0 when the store has no such name.
-  ltp::PropTag InStore(ltp::PropTag tag) const;
+  PropTag InStore(PropTag tag) const;
 
  private:
   std::array<std::uint16_t, kPropertyNameCount> ids_{};  ///< 0 for none

@@ -1,7 +1,7 @@
 // Sticky notes: their colour, and the first line of the text as their title.
+#include "store/format/property_tags.h"
 #include "store/messaging/item_properties.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/stored_text.h"
 #include "store/messaging/subject.h"
 

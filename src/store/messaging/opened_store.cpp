@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
 #include "store/messaging/entry_id.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 
 namespace velmora::messaging {
 namespace {
@@ -16,7 +16,7 @@ namespace {
   throw output::OutputFailure(output::ResultCode::STG_E_READFAULT, what);
 }
 
-std::optional<ltp::PropertyContext> PropertiesOf(const ndb::BlockSource& source, ndb::Nid nid) {
+std::optional<ltp::PropertyContext> PropertiesOf(const ndb::BlockSource& source, Nid nid) {
   const auto node = source.FindNode(nid);
   if (!node) return std::nullopt;
   auto properties = ltp::PropertyContext::Open(source, node->trees);
@@ -24,7 +24,7 @@ std::optional<ltp::PropertyContext> PropertiesOf(const ndb::BlockSource& source,
   return std::move(*properties);
 }
 
-std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, ndb::Nid nid) {
+std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, Nid nid) {
   const auto node = source.FindNode(nid);
   if (!node) return std::nullopt;
   auto table = ltp::TableContext::Open(source, node->trees);
@@ -53,10 +53,10 @@ void OpenedStore::ReadMessageStore() {
   const Bytes recordKey = properties->Binary(tag::kRecordKey).value_or(Bytes());
   std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
 
-  const auto folderOf = [&](ltp::PropTag tag) {
+  const auto folderOf = [&](PropTag tag) {
     return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(0);
   };
-  const ndb::Nid top = folderOf(tag::kIpmSubTreeEntryId);
+  const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
   if (!topProperties) RaiseNoStore("The store does not tell its top folder.");
   top_ = &folders_.Add(nullptr, top, topProperties->Text(tag::kDisplayName).value_or(text::Text()),
@@ -78,12 +78,12 @@ void OpenedStore::ReadFolders() {
 }
 
 void OpenedStore::ReadChildren(Folder& folder) {
-  auto table = TableOf(*reader_, ndb::Sibling(folder.nid, ndb::NidType::kHierarchyTable));
+  auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kHierarchyTable));
   if (!table) return;
   for (std::size_t row = 0; row < table->RowCount(); ++row) {
-    const ndb::Nid child = table->RowId(row);
+    const Nid child = table->RowId(row);
     // A folder that is met a second time would lead round in a circle.
-    if (ndb::TypeOf(child) != ndb::NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
+    if (NidTypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
     if (!reader_->FindNode(child)) continue;
     folders_.Add(&folder, child, table->Text(row, tag::kDisplayName).value_or(text::Text()),
                  table->Text(row, tag::kContainerClass).value_or(text::Text()));
@@ -92,7 +92,7 @@ void OpenedStore::ReadChildren(Folder& folder) {
 
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
-    const auto table = TableOf(*reader_, ndb::Sibling(folder.nid, ndb::NidType::kContentsTable));
+    const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
     for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Add({.nid = table->RowId(row)});
   }
   return folder.items;

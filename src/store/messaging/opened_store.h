@@ -30,7 +30,7 @@ class OpenedStore : public Store {
 
   std::unique_ptr<platform::ByteSource> file_;
   std::unique_ptr<ndb::StoreReader> reader_;
-  std::unordered_set<ndb::Nid> listed_;  ///< folders whose items were read
+  std::unordered_set<Nid> listed_;  ///< folders whose items were read
   Uid recordKey_{};
 };
 

@@ -8,33 +8,32 @@
 
 namespace velmora::messaging {
 
-const PropertyBag::Entry* PropertyBag::Find(ltp::PropTag tag) const {
-  const auto found =
-      std::ranges::find_if(entries_, [&](const Entry& entry) { return ltp::IdOf(entry.tag) == ltp::IdOf(tag); });
+const PropertyBag::Entry* PropertyBag::Find(PropTag tag) const {
+  const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) { return IdOf(entry.tag) == IdOf(tag); });
   return found != entries_.end() ? &*found : nullptr;
 }
 
-void PropertyBag::Remove(ltp::PropTag tag) {
-  std::erase_if(entries_, [&](const Entry& entry) { return ltp::IdOf(entry.tag) == ltp::IdOf(tag); });
+void PropertyBag::Remove(PropTag tag) {
+  std::erase_if(entries_, [&](const Entry& entry) { return IdOf(entry.tag) == IdOf(tag); });
 }
 
-void PropertyBag::PutBytes(ltp::PropTag tag, std::span<const std::byte> bytes) {
+void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
   Remove(tag);
   entries_.push_back({tag, values_.size(), bytes.size()});
   values_.insert(values_.end(), bytes.begin(), bytes.end());
 }
 
-void PropertyBag::PutNumber(ltp::PropTag tag, std::uint64_t value, std::size_t size) {
+void PropertyBag::PutNumber(PropTag tag, std::uint64_t value, std::size_t size) {
   std::byte bytes[sizeof value];
   for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::byte>(value >> (8 * i));
   PutBytes(tag, std::span(bytes, size));
 }
 
-void PropertyBag::PutFloating64(ltp::PropTag tag, double value) {
+void PropertyBag::PutFloating64(PropTag tag, double value) {
   PutNumber(tag, std::bit_cast<std::uint64_t>(value), sizeof value);
 }
 
-void PropertyBag::PutText(ltp::PropTag tag, text::TextView text) {
+void PropertyBag::PutText(PropTag tag, text::TextView text) {
   const text::Text storable = Storable(text);
   if (storable.empty()) {
     Remove(tag);
@@ -43,9 +42,9 @@ void PropertyBag::PutText(ltp::PropTag tag, text::TextView text) {
   }
 }
 
-void PropertyBag::PutName(ltp::PropTag tag, text::TextView text) { PutText(tag, NameOf(text)); }
+void PropertyBag::PutName(PropTag tag, text::TextView text) { PutText(tag, NameOf(text)); }
 
-void PropertyBag::PutTexts(ltp::PropTag tag, const std::vector<text::Text>& texts) {
+void PropertyBag::PutTexts(PropTag tag, const std::vector<text::Text>& texts) {
   std::vector<text::Text> storable;
   for (const text::Text& text : texts) storable.push_back(Storable(text));
   std::erase(storable, text::Text());
@@ -56,7 +55,7 @@ void PropertyBag::PutTexts(ltp::PropTag tag, const std::vector<text::Text>& text
   }
 }
 
-std::span<const std::byte> PropertyBag::Value(ltp::PropTag tag) const {
+std::span<const std::byte> PropertyBag::Value(PropTag tag) const {
   const Entry* entry = Find(tag);
   return entry != nullptr ? std::span(values_).subspan(entry->offset, entry->size) : std::span<const std::byte>();
 }

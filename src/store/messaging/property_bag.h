@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "store/ltp/prop_tag.h"
+#include "store/format/prop_tag.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/messaging/file_time.h"
@@ -24,27 +24,27 @@ constexpr std::int32_t Size32(std::uint64_t bytes) {
 class PropertyBag {
  public:
   /// Puts a text in its storable form; an empty one is not put, and takes away what was there.
-  void PutText(ltp::PropTag tag, text::TextView text);
+  void PutText(PropTag tag, text::TextView text);
 
   /// The same, cut to 255 UTF-16 units and with blanks in place of control characters, as names are.
-  void PutName(ltp::PropTag tag, text::TextView text);
+  void PutName(PropTag tag, text::TextView text);
 
   /// Texts as a multiple value; none are not put.
-  void PutTexts(ltp::PropTag tag, const std::vector<text::Text>& texts);
+  void PutTexts(PropTag tag, const std::vector<text::Text>& texts);
 
-  void PutInteger16(ltp::PropTag tag, std::int16_t value) { PutNumber(tag, static_cast<std::uint16_t>(value), 2); }
-  void PutInteger32(ltp::PropTag tag, std::int32_t value) { PutNumber(tag, static_cast<std::uint32_t>(value), 4); }
-  void PutBoolean(ltp::PropTag tag, bool value) { PutNumber(tag, value ? 1 : 0, 1); }
-  void PutTime(ltp::PropTag tag, FileTime value) { PutNumber(tag, value, 8); }
-  void PutFloating64(ltp::PropTag tag, double value);
-  void PutBytes(ltp::PropTag tag, std::span<const std::byte> bytes);
-  void PutIntegers32(ltp::PropTag tag, std::span<const std::int32_t> values) { PutBytes(tag, std::as_bytes(values)); }
+  void PutInteger16(PropTag tag, std::int16_t value) { PutNumber(tag, static_cast<std::uint16_t>(value), 2); }
+  void PutInteger32(PropTag tag, std::int32_t value) { PutNumber(tag, static_cast<std::uint32_t>(value), 4); }
+  void PutBoolean(PropTag tag, bool value) { PutNumber(tag, value ? 1 : 0, 1); }
+  void PutTime(PropTag tag, FileTime value) { PutNumber(tag, value, 8); }
+  void PutFloating64(PropTag tag, double value);
+  void PutBytes(PropTag tag, std::span<const std::byte> bytes);
+  void PutIntegers32(PropTag tag, std::span<const std::int32_t> values) { PutBytes(tag, std::as_bytes(values)); }
 
-  void Remove(ltp::PropTag tag);
-  bool Has(ltp::PropTag tag) const { return Find(tag) != nullptr; }
+  void Remove(PropTag tag);
+  bool Has(PropTag tag) const { return Find(tag) != nullptr; }
 
   /// The value of a property, valid until the next change; empty when it is not there.
-  std::span<const std::byte> Value(ltp::PropTag tag) const;
+  std::span<const std::byte> Value(PropTag tag) const;
 
   /// All properties in order of putting, valid until the next change.
   std::vector<ltp::PropertyView> Views() const;
@@ -54,13 +54,13 @@ class PropertyBag {
 
  private:
   struct Entry {
-    ltp::PropTag tag;
+    PropTag tag;
     std::size_t offset;
     std::size_t size;
   };
 
-  void PutNumber(ltp::PropTag tag, std::uint64_t value, std::size_t size);
-  const Entry* Find(ltp::PropTag tag) const;
+  void PutNumber(PropTag tag, std::uint64_t value, std::size_t size);
+  const Entry* Find(PropTag tag) const;
 
   std::vector<Entry> entries_;
   std::vector<std::byte> values_;  ///< of replaced properties too

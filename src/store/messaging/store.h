@@ -31,7 +31,7 @@ class Store {
   const text::Text& DisplayName() const { return displayName_; }
   const DefaultFolders& Defaults() const { return defaults_; }
   Folder& Top() const { return *top_; }
-  Folder* OfNid(ndb::Nid nid) const { return folders_.OfNid(nid); }
+  Folder* OfNid(Nid nid) const { return folders_.OfNid(nid); }
 
  protected:
   FolderTree folders_;

@@ -2,13 +2,13 @@
 
 #include <span>
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/messaging/byte_writer.h"
 #include "store/messaging/named_properties.h"
 #include "store/messaging/property_bag.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 #include "store/messaging/stored_text.h"
 #include "store/messaging/table_schemas.h"
 
@@ -16,7 +16,7 @@ namespace velmora::messaging {
 namespace {
 
 struct EmptyTable {
-  ndb::Nid nid;
+  Nid nid;
   const ltp::TableSchema& schema;
 };
 
@@ -31,13 +31,13 @@ constexpr EmptyTable kEmptyTables[] = {
     {nid::kBookkeeping6B6, schema::kBookkeeping6B6},
     {nid::kBookkeeping6D7, schema::kBookkeeping6D7},
     {nid::kBookkeeping6F8, schema::kBookkeeping6F8},
-    {ndb::Sibling(nid::kSpamSearchFolder, ndb::NidType::kSearchContentsTable), schema::kSearchContents},
+    {Sibling(nid::kSpamSearchFolder, NidType::kSearchContentsTable), schema::kSearchContents},
 };
 
-constexpr ndb::Nid kEmptyNodes[] = {
+constexpr Nid kEmptyNodes[] = {
     nid::kSearchManagementQueue,
     nid::kSearchDomainObject,
-    ndb::Sibling(nid::kSpamSearchFolder, ndb::NidType::kSearchUpdateQueue),
+    Sibling(nid::kSpamSearchFolder, NidType::kSearchUpdateQueue),
 };
 
 // Bits of PidTagValidFolderMask: the folders that the store names.
@@ -49,14 +49,13 @@ constexpr std::int32_t kFinderIsThere = 0x80;
 constexpr std::int32_t kPstVersion = 0x000E000D;
 
 /// Sets a node from what was written for it.
-ndb::Result<void> Set(ndb::NdbWriter& ndb, ndb::Nid nid, const ndb::Result<ndb::WrittenNode>& node,
-                      ndb::Nid parent = 0) {
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = 0) {
   if (!node) return tl::unexpected(node.error());
   return ndb.SetNode(nid, node->trees, parent);
 }
 
 /// Every class of message is received in the root folder: an archive receives nothing.
-ndb::Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
+Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
   ltp::TableContextWriter table(ndb, schema::kReceiveFolders);
   PropertyBag row;
   row.PutBytes(tag::kMessageClass, {});
@@ -65,7 +64,7 @@ ndb::Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
   return table.Finish();
 }
 
-ndb::Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
+Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
   ltp::PropertyContextWriter node(ndb);
   node.AddText(tag::kDisplayName, kSpamSearchFolderName);
   node.AddInteger32(tag::kContentCount, 0);
@@ -73,17 +72,17 @@ ndb::Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
   node.AddBoolean(tag::kSubfolders, false);
   if (auto set = Set(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder); !set) return set;
   node.AddInteger32(tag::kSearchFlags, 0);
-  return Set(ndb, ndb::Sibling(nid::kSpamSearchFolder, ndb::NidType::kSearchCriteriaObject), node.Finish());
+  return Set(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
 }
 
 }  // namespace
 
-ndb::Result<void> WriteSkeleton(ndb::NdbWriter& ndb) {
+Result<void> WriteSkeleton(ndb::NdbWriter& ndb) {
   for (const EmptyTable& row : kEmptyTables) {
     ltp::TableContextWriter table(ndb, row.schema);
     if (auto set = Set(ndb, row.nid, table.Finish()); !set) return set;
   }
-  for (const ndb::Nid nid : kEmptyNodes) {
+  for (const Nid nid : kEmptyNodes) {
     if (auto set = ndb.SetNode(nid, {}, 0); !set) return set;
   }
   if (auto set = Set(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
@@ -100,8 +99,8 @@ ndb::Result<void> WriteSkeleton(ndb::NdbWriter& ndb) {
   return WriteSearchFolder(ndb);
 }
 
-ndb::Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, ndb::Nid top,
-                                    ndb::Nid searchRoot, ndb::Nid deletedItems) {
+Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
+                               Nid deletedItems) {
   ByteWriter history;
   history.U32(1);
   history.Raw(identity.replicaId);

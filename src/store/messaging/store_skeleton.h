@@ -8,7 +8,7 @@
 namespace velmora::messaging {
 
 /// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
-ndb::Result<void> WriteSkeleton(ndb::NdbWriter& ndb);
+Result<void> WriteSkeleton(ndb::NdbWriter& ndb);
 
 inline constexpr text::TextView kSpamSearchFolderName = u"SPAM Search Folder 2";
 
@@ -19,7 +19,7 @@ struct StoreIdentity {
 };
 
 /// Writes the message store object, which names the folders of the store.
-ndb::Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, ndb::Nid top,
-                                    ndb::Nid searchRoot, ndb::Nid deletedItems);
+Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
+                               Nid deletedItems);
 
 }  // namespace velmora::messaging

@@ -5,10 +5,10 @@
 #include <exception>
 #include <utility>
 
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/folder_writer.h"
-#include "store/messaging/property_tags.h"
-#include "store/messaging/store_nodes.h"
 #include "store/messaging/stored_text.h"
 
 namespace velmora::messaging {
@@ -65,14 +65,14 @@ std::shared_ptr<StoreWriter> StoreWriter::Create(std::unique_ptr<platform::ByteS
   store->identity_ = {store->uids_.Next(), store->uids_.Next(), store->displayName_};
   store->Change([&] {
     WrittenOrRaise(WriteSkeleton(*store->ndb_));
-    const auto add = [&](Folder* parent, ndb::Nid nid, text::TextView name, text::TextView containerClass) -> Folder& {
+    const auto add = [&](Folder* parent, Nid nid, text::TextView name, text::TextView containerClass) -> Folder& {
       Folder& folder = store->folders_.Add(parent, nid, name, containerClass);
       store->MarkChanged(folder, &Folder::propertiesChanged);
       store->MarkChanged(folder, &Folder::childrenChanged);
       store->MarkChanged(folder, &Folder::itemsChanged);
       return folder;
     };
-    const auto newNid = [&] { return store->ndb_->NewNid(ndb::NidType::kNormalFolder); };
+    const auto newNid = [&] { return store->ndb_->NewNid(NidType::kNormalFolder); };
     store->root_ = &add(nullptr, nid::kRootFolder, {}, {});
     store->top_ = &add(store->root_, newNid(), kTopFolderName, {});
     store->searchRoot_ = &add(store->root_, newNid(), kSearchRootName, {});
@@ -127,7 +127,7 @@ void StoreWriter::MarkChanged(Folder& folder, bool Folder::*what) {
 void StoreWriter::WriteChanges() {
   ndb_->DrawOnReserve();
   if (messageStoreChanged_) {
-    const ndb::Nid deletedItems = defaults_.Of(output::DefaultFolder::kDeletedItems);
+    const Nid deletedItems = defaults_.Of(output::DefaultFolder::kDeletedItems);
     WrittenOrRaise(WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems));
     messageStoreChanged_ = false;
   }
@@ -166,7 +166,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextVi
     Reserve(kNewFolderBytes + BytesToMark(parent, &Folder::propertiesChanged) +
                 BytesToMark(parent, &Folder::childrenChanged),
             kFolderNodes);
-    Folder& folder = folders_.Add(&parent, ndb_->NewNid(ndb::NidType::kNormalFolder), name, containerClass);
+    Folder& folder = folders_.Add(&parent, ndb_->NewNid(NidType::kNormalFolder), name, containerClass);
     for (bool Folder::*what : {&Folder::propertiesChanged, &Folder::childrenChanged, &Folder::itemsChanged}) {
       MarkChanged(folder, what);
     }
@@ -198,8 +198,7 @@ void StoreWriter::Identify(ItemState& item) {
   item.created = Now();
 }
 
-ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder,
-                           ndb::Nid nid) {
+Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, Nid nid) {
   return Change([&] {
     const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
     const PropertyBag row = ContentsRow(message.properties);
@@ -210,7 +209,7 @@ ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>&
         ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged),
         1);
     const bool isNew = nid == 0;
-    const ndb::Nid saved = isNew ? ndb_->NewNid(ndb::NidType::kNormalMessage) : nid;
+    const Nid saved = isNew ? ndb_->NewNid(NidType::kNormalMessage) : nid;
     WrittenOrRaise(ndb_->SetNode(saved, message.node.trees, folder.nid));
     if (isNew) folder.items.Add({.nid = saved});
     ItemRow& entry = *folder.items.Find(saved);
@@ -228,7 +227,7 @@ ndb::Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>&
   });
 }
 
-void StoreWriter::Delete(Folder& folder, ndb::Nid nid) {
+void StoreWriter::Delete(Folder& folder, Nid nid) {
   Change([&] {
     const ItemRow* row = folder.items.Find(nid);
     if (row == nullptr) return;

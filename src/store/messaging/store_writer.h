@@ -20,7 +20,7 @@ namespace velmora::messaging {
 struct StoreOptions {
   std::optional<std::int64_t> sourceDateEpoch;           ///< seconds since 1970: the store's only time, and its seed
   text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
-  std::size_t maxTableBlocks = ltp::kMaxHeapBlocks;      ///< for the texts and binary values of one table
+  std::size_t maxTableBlocks = kMaxHeapBlocks;           ///< for the texts and binary values of one table
 };
 
 /// An item whose last save is still to be written.
@@ -61,9 +61,9 @@ class StoreWriter : public Store {
 
   /// Writes an item into its folder: as a new one when `nid` is 0, else in place of the one of that id.
   /// Returns its id.
-  ndb::Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, ndb::Nid nid);
+  Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, Nid nid);
 
-  void Delete(Folder& folder, ndb::Nid nid);
+  void Delete(Folder& folder, Nid nid);
 
   /// An item that is in the store was saved once more. A mail is saved with each message that is attached to it, so
   /// writing it waits for whatever could tell the difference: the same of another item, a look at the items of a

@@ -1,23 +1,22 @@
 // Tasks: status, percentage and the completed flag agree, and dates stand where views look for them.
+#include "store/format/property_tags.h"
 #include "store/messaging/item_properties.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 
 namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 
-constexpr ltp::PropTag kStatus = Named(kTask, 0x8101, PropType::kInteger32);
-constexpr ltp::PropTag kPercentComplete = Named(kTask, 0x8102, PropType::kFloating64);
-constexpr ltp::PropTag kTeamTask = Named(kTask, 0x8103, PropType::kBoolean);
-constexpr ltp::PropTag kState = Named(kTask, 0x8113, PropType::kInteger32);
-constexpr ltp::PropTag kComplete = Named(kTask, 0x811C, PropType::kBoolean);
-constexpr ltp::PropTag kTaskRecurs = Named(kTask, 0x8126, PropType::kBoolean);
-constexpr ltp::PropTag kOwnership = Named(kTask, 0x8129, PropType::kInteger32);
-constexpr ltp::PropTag kTaskMode = Named(kCommon, 0x8518, PropType::kInteger32);
+constexpr PropTag kStatus = Named(kTask, 0x8101, PropType::kInteger32);
+constexpr PropTag kPercentComplete = Named(kTask, 0x8102, PropType::kFloating64);
+constexpr PropTag kTeamTask = Named(kTask, 0x8103, PropType::kBoolean);
+constexpr PropTag kState = Named(kTask, 0x8113, PropType::kInteger32);
+constexpr PropTag kComplete = Named(kTask, 0x811C, PropType::kBoolean);
+constexpr PropTag kTaskRecurs = Named(kTask, 0x8126, PropType::kBoolean);
+constexpr PropTag kOwnership = Named(kTask, 0x8129, PropType::kInteger32);
+constexpr PropTag kTaskMode = Named(kCommon, 0x8518, PropType::kInteger32);
 
 constexpr std::int32_t kNotStarted = 0;
 constexpr std::int32_t kInProgress = 1;

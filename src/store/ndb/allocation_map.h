@@ -14,8 +14,8 @@
 #include <span>
 #include <vector>
 
-#include "store/ndb/block.h"
-#include "store/ndb/page.h"
+#include "store/format/block.h"
+#include "store/format/page.h"
 
 namespace velmora::ndb {
 

@@ -6,10 +6,9 @@
 #include <memory>
 #include <vector>
 
-namespace velmora::ndb {
+#include "store/format/block.h"
 
-/// Most bytes of data in a block; a block on disk takes up to 8192 with its trailer.
-inline constexpr std::size_t kMaxBlockData = 8176;
+namespace velmora::ndb {
 
 class BlockBufferPool;
 

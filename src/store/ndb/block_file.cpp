@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cassert>
 
-#include "store/ndb/failures.h"
+#include "store/format/checksum.h"
+#include "store/format/failures.h"
 #include "store/ndb/map_pages.h"
-#include "store/ndb/weak_crc.h"
 
 namespace velmora::ndb {
 
@@ -57,7 +57,7 @@ Result<Bid> BlockFile::Write(bool internal, std::span<const std::byte> data) {
   EncodeBlock(internal ? CryptMethod::kNone : cryptMethod_, *bid, data, stored);
   std::fill(padding.begin(), padding.end(), std::byte{0});
   const auto cb = static_cast<std::uint16_t>(data.size());
-  Encode(BlockTrailer{cb, Signature(*ib, *bid), WeakCrc(stored), *bid}, place->last(kBlockTrailerSize));
+  Encode(BlockTrailer{cb, ComputeSig(*ib, *bid), WeakCrc(stored), *bid}, place->last(kBlockTrailerSize));
   table_.Append(internal, *ib, cb);
   return *bid;
 }

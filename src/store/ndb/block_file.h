@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "platform/file.h"
+#include "store/format/encoding.h"
+#include "store/format/page.h"
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/block_table.h"
-#include "store/ndb/encoding.h"
-#include "store/ndb/page.h"
 #include "store/ndb/write_window.h"
 
 namespace velmora::ndb {

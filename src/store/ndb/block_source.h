@@ -6,14 +6,10 @@
 #include <optional>
 #include <vector>
 
-#include "platform/failure.h"
-#include "store/ndb/ids.h"
+#include "store/format/failures.h"
+#include "store/format/ids.h"
 
 namespace velmora::ndb {
-
-using platform::Failure;
-using platform::FailureKind;
-using platform::Result;
 
 /// The two trees of a node or sub-node; 0 where there is none.
 struct NodeTrees {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "store/ndb/block.h"
-#include "store/ndb/ids.h"
+#include "store/format/block.h"
+#include "store/format/ids.h"
 
 namespace velmora::ndb {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "store/ndb/block.h"
-#include "store/ndb/failures.h"
+#include "store/format/block.h"
+#include "store/format/failures.h"
 
 namespace velmora::ndb {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "store/ndb/failures.h"
+#include "store/format/failures.h"
 #include "store/ndb/ndb_writer.h"
 
 namespace velmora::ndb {

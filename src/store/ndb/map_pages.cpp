@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "store/ndb/little_endian.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ndb {
 namespace {

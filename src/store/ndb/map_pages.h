@@ -1,8 +1,8 @@
 // The map pages of a store and the density list, formed from an allocation map.
 #pragma once
 
+#include "store/format/page.h"
 #include "store/ndb/allocation_map.h"
-#include "store/ndb/page.h"
 
 namespace velmora::ndb {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
-#include "store/ndb/failures.h"
+#include "store/format/failures.h"
 #include "store/ndb/map_pages.h"
 
 namespace velmora::ndb {
@@ -52,7 +52,7 @@ void NdbWriter::NoteNid(Nid nid) {
     std::uint32_t& counter = rgnid_[static_cast<std::size_t>(type)];
     counter = std::max(counter, IndexOf(nid));
   };
-  const NidType type = TypeOf(nid);
+  const NidType type = NidTypeOf(nid);
   raise(type);
   for (const std::span<const NidType, 4> group : {std::span(kFolderTypes), std::span(kSearchFolderTypes)}) {
     if (std::find(group.begin(), group.end(), type) != group.end()) std::for_each(group.begin(), group.end(), raise);

@@ -22,12 +22,12 @@
 #include <span>
 
 #include "platform/file.h"
+#include "store/format/encoding.h"
+#include "store/format/header.h"
 #include "store/ndb/block_buffer.h"
 #include "store/ndb/block_file.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/data_tree_writer.h"
-#include "store/ndb/encoding.h"
-#include "store/ndb/header.h"
 #include "store/ndb/node_table.h"
 #include "store/ndb/subnode_tree.h"
 #include "store/ndb/tree_pages.h"

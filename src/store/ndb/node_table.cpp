@@ -5,7 +5,7 @@
 namespace velmora::ndb {
 namespace {
 
-std::size_t ListOf(Nid nid) { return static_cast<std::size_t>(TypeOf(nid)); }
+std::size_t ListOf(Nid nid) { return static_cast<std::size_t>(NidTypeOf(nid)); }
 
 }  // namespace
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "store/ndb/block.h"
-#include "store/ndb/failures.h"
-#include "store/ndb/header.h"
-#include "store/ndb/weak_crc.h"
+#include "store/format/block.h"
+#include "store/format/checksum.h"
+#include "store/format/failures.h"
+#include "store/format/header.h"
 
 namespace velmora::ndb {
 namespace {
@@ -111,7 +111,7 @@ Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const 
   if (*read != out.size()) return Corrupt(Named("block", bid), ib, "the file ends within the block");
   const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(kBlockTrailerSize));
   out.resize(cb);
-  if ((trailer.bid & ~Bid{1}) != bid || trailer.cb != cb || trailer.wSig != Signature(ib, trailer.bid)) {
+  if ((trailer.bid & ~Bid{1}) != bid || trailer.cb != cb || trailer.wSig != ComputeSig(ib, trailer.bid)) {
     return Corrupt(Named("block", bid), ib, "the trailer is another block's");
   }
   if (trailer.dwCRC != WeakCrc(out)) return Corrupt(Named("block", bid), ib, "the checksum does not fit");

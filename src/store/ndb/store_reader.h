@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "platform/file.h"
+#include "store/format/encoding.h"
+#include "store/format/page.h"
 #include "store/ndb/block_source.h"
-#include "store/ndb/encoding.h"
-#include "store/ndb/page.h"
 
 namespace velmora::ndb {
 

@@ -5,8 +5,8 @@
 #include <span>
 #include <utility>
 
-#include "store/ndb/block.h"
-#include "store/ndb/failures.h"
+#include "store/format/block.h"
+#include "store/format/failures.h"
 #include "store/ndb/ndb_writer.h"
 
 namespace velmora::ndb {

@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "store/format/page.h"
 #include "store/ndb/block_file.h"
 #include "store/ndb/node_table.h"
-#include "store/ndb/page.h"
 
 namespace velmora::ndb {
 

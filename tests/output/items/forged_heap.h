@@ -90,7 +90,7 @@ class ForgedHeap {
     }
     if (size != 0) block_.resize(size);
     recovery::MessageBlock block;
-    block.bytes = engine::ByteView(block_);
+    block.bytes = ByteView(block_);
     block.record = {.bid = 4, .size = static_cast<std::uint32_t>(block_.size()), .offset = 0x4000};
     block.heapPageMapOffset = static_cast<std::uint16_t>(map);
     return block;

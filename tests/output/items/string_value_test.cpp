@@ -78,7 +78,7 @@ TEST(StringValue, ATextThatRunsOverTheEndOfTheBlockIsCutThere) {
   recovery::MessageBlock block = heap.Block(44);
   Bytes bytes(block.bytes.Bytes().begin(), block.bytes.Bytes().end());
   AppendBytes(bytes, "abcdef");
-  block.bytes = engine::ByteView(bytes);
+  block.bytes = ByteView(bytes);
   block.record.size = 50;
   EXPECT_EQ(ReadStringValue(block, text::CodePage::Lossless(), kTypeString8, block.Position(value)), u"abcdef");
   EXPECT_EQ(ReadStringValue(block, text::CodePage::Lossless(), kTypeUnicode, block.Position(value)),

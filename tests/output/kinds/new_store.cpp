@@ -6,7 +6,7 @@
 namespace velmora::kinds {
 namespace {
 
-constexpr ndb::Nid kNameMap = 0x61;
+constexpr Nid kNameMap = 0x61;
 constexpr std::size_t kNameSize = 8;
 constexpr std::size_t kGuidSize = 16;
 constexpr std::uint32_t kFirstGuid = 3;  ///< the first of the stream; 2 stands for the set of the text names
@@ -71,7 +71,7 @@ void NewStore::ReadNames() {
   }
 }
 
-ltp::PropertyContext NewStore::Node(ndb::Nid nid) const {
+ltp::PropertyContext NewStore::Node(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
   return std::move(ltp::PropertyContext::Open(*reader_, node->trees)).value();
@@ -80,7 +80,7 @@ ltp::PropertyContext NewStore::Node(ndb::Nid nid) const {
 std::vector<ltp::PropertyContext> NewStore::Messages() const {
   std::vector<ltp::PropertyContext> messages;
   for (const ndb::NodeEntry& node : reader_->Nodes()) {
-    if (ndb::TypeOf(node.nid) == ndb::NidType::kNormalMessage) messages.push_back(Node(node.nid));
+    if (NidTypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(Node(node.nid));
   }
   return messages;
 }
@@ -93,7 +93,7 @@ std::optional<std::string> NewStore::Value(ltp::PropertyContext& message, const 
     if (found == ids_.end()) return std::nullopt;
     id = found->second;
   }
-  const auto value = message.Read(static_cast<ltp::PropTag>(id) << 16 | type).value();
+  const auto value = message.Read(static_cast<PropTag>(id) << 16 | type).value();
   if (!value) return std::nullopt;
   return StringOf(*value);
 }

@@ -27,7 +27,7 @@ class NewStore {
   std::optional<std::string> Value(ltp::PropertyContext& message, const Where& where, std::uint16_t type) const;
 
   /// The properties of a node.
-  ltp::PropertyContext Node(ndb::Nid nid) const;
+  ltp::PropertyContext Node(Nid nid) const;
 
  private:
   void ReadNames();

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr forge::Nid kUnknownFolder = 0x99992;
-constexpr ndb::Nid kRootFolder = 0x122;
+constexpr Nid kRootFolder = 0x122;
 constexpr std::size_t kEntryIdSize = 24;
 
 struct Home {
@@ -22,7 +22,7 @@ struct Home {
   text::TextView name;
   text::TextView containerClass;
   text::TextView messageClass;  ///< of an item that belongs there
-  ltp::PropTag pointer;         ///< on the root folder, where Outlook looks for it
+  PropTag pointer;              ///< on the root folder, where Outlook looks for it
 };
 
 constexpr Home kHomes[] = {
@@ -52,9 +52,8 @@ TEST(Placement, EachKindHasItsDefaultFolderInTheNewStore) {
   for (const Home& home : kHomes) {
     const auto entryId = root.Binary(home.pointer);
     ASSERT_TRUE(entryId && entryId->size() == kEntryIdSize) << text::ToUtf8(home.name);
-    ndb::Nid nid = 0;  // its last four bytes
-    for (std::size_t at = kEntryIdSize; at-- > kEntryIdSize - 4;)
-      nid = nid << 8 | std::to_integer<ndb::Nid>((*entryId)[at]);
+    Nid nid = 0;  // its last four bytes
+    for (std::size_t at = kEntryIdSize; at-- > kEntryIdSize - 4;) nid = nid << 8 | std::to_integer<Nid>((*entryId)[at]);
     auto pointedAt = store.Node(nid);
     EXPECT_EQ(pointedAt.Text(0x3001001F), home.name);
     EXPECT_EQ(pointedAt.Text(0x3613001F), home.containerClass);

@@ -2,16 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "store/ndb/little_endian.h"
+#include "store/format/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ltp {
 namespace {
-
-using ndb::FailureKind;
-using ndb::Load;
-using ndb::Store;
 
 class Bths : public testing::Test {
  protected:

@@ -3,17 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/little_endian.h"
 #include "store/ltp/heap_writer.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ltp {
 namespace {
-
-using ndb::FailureKind;
-using ndb::Load;
 
 class Heaps : public testing::Test {
  protected:
@@ -51,7 +48,7 @@ TEST_F(Heaps, TellHowFullTheyAre) {
                                                {128, 10}, {127, 11}, {64, 11},  {32, 12},  {31, 13},  {16, 13},
                                                {15, 14},  {8, 14},   {7, 14},   {4, 14},   {3, 15},   {0, 15}};
   for (const auto& [free, level] : cases) {
-    EXPECT_EQ(FillLevel(ndb::kMaxBlockData - free - 4 - 2 * 2, 1), level) << free;
+    EXPECT_EQ(FillLevel(kMaxBlockData - free - 4 - 2 * 2, 1), level) << free;
   }
 }
 
@@ -160,7 +157,7 @@ TEST_F(Heaps, OfAnotherKindAreRefused) {
   const ndb::DataTree tree = writer_.Finish(0x20).value();
   EXPECT_TRUE(Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext));
   EXPECT_EQ(Heap::Open(*ndb_, tree.bid, ClientSig::kTableContext).error().kind, FailureKind::kCorrupt);
-  const ndb::Bid noHeap = ndb_->WriteData(test::Noise(100))->bid;
+  const Bid noHeap = ndb_->WriteData(test::Noise(100))->bid;
   EXPECT_EQ(Heap::Open(*ndb_, noHeap, ClientSig::kPropertyContext).error().kind, FailureKind::kCorrupt);
   EXPECT_FALSE(Heap::Open(*ndb_, 0, ClientSig::kPropertyContext));
 }

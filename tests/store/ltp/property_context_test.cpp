@@ -14,9 +14,7 @@
 namespace velmora::ltp {
 namespace {
 
-using ndb::FailureKind;
-
-constexpr ndb::Nid kNode = 0x1001;  // an internal node that no rule knows
+constexpr Nid kNode = 0x1001;  // an internal node that no rule knows
 
 class PropertyContexts : public testing::Test {
  protected:
@@ -179,7 +177,7 @@ TEST_F(PropertyContexts, ReferToObjectsInSubnodes) {
   writer_.AddText(0x0037001F, u"inner");
   writer_.AddDataSize(0x0E080003);
   const ndb::WrittenNode inner = writer_.Finish().value();
-  const ndb::Nid nid = ndb::MakeNid(ndb::NidType::kNormalMessage, 0x10001);
+  const Nid nid = MakeNid(NidType::kNormalMessage, 0x10001);
   writer_.AddInteger32(0x37050003, 5);
   writer_.AddObject(0x3701000D, nid, static_cast<std::uint32_t>(inner.dataSize));
   writer_.AddSubnode(nid, inner);
@@ -203,7 +201,7 @@ TEST_F(PropertyContexts, GrowAnIndexLevelAbove447Properties) {
       writer_.AddInteger32(MakeTag(static_cast<std::uint16_t>(0x1000 + i), PropType::kInteger32), i);
     writer_.AddText(0x7000001F, u"last");
     const ndb::WrittenNode node = writer_.Finish().value();
-    ASSERT_TRUE(ndb_->SetNode(kNode + 0x20 * static_cast<ndb::Nid>(count), node.trees, 0));
+    ASSERT_TRUE(ndb_->SetNode(kNode + 0x20 * static_cast<Nid>(count), node.trees, 0));
     PropertyContext pc = PropertyContext::Open(*ndb_, node.trees).value();
     ASSERT_EQ(pc.Records().size(), static_cast<std::size_t>(count) + 1);
     for (int i = 0; i < count; ++i)

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/little_endian.h"
 #include "store/ltp/multi_value.h"
 #include "store/ltp/table_context_writer.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
 #include "store/ndb/subnode_tree.h"
@@ -15,10 +15,7 @@
 namespace velmora::ltp {
 namespace {
 
-using ndb::FailureKind;
-using ndb::Load;
-
-constexpr ndb::Nid kTableNode = 0x1001;  // an internal node that no rule knows
+constexpr Nid kTableNode = 0x1001;  // an internal node that no rule knows
 
 constexpr PropTag kFlags = 0x0E070003;
 constexpr PropTag kTime = 0x0E060040;
@@ -45,7 +42,7 @@ static_assert(IsSound(kSchema));
 template <class T>
 std::vector<std::byte> Number(T value) {
   std::vector<std::byte> bytes(sizeof(T));
-  ndb::Store<T>(bytes, 0, value);
+  Store<T>(bytes, 0, value);
   return bytes;
 }
 
@@ -160,7 +157,7 @@ TEST_F(Tables, KeepSmallMatricesInTheHeapAndLargeOnesBesideIt) {
     AddRows(writer, count);
     TableContext table = Reopened(writer);
     ExpectRows(table, count);
-    const ndb::Bid bidSub = ndb_->FindNode(kTableNode)->trees.bidSub;
+    const Bid bidSub = ndb_->FindNode(kTableNode)->trees.bidSub;
     EXPECT_EQ(bidSub != 0, count > most) << count;
     if (bidSub != 0) {
       EXPECT_EQ(ndb::ListSubnodes(*ndb_, bidSub)->at(0).nid, 0x3Fu);

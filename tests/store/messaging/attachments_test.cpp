@@ -2,13 +2,13 @@
 #include "store/messaging/attachments.h"
 
 #include "platform/memory_file.h"
+#include "store/format/little_endian.h"
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/messaging/folder_writer.h"
 #include "store/messaging/message_writer.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/store_fixture.h"
-#include "store/messaging/store_nodes.h"
-#include "store/ndb/little_endian.h"
 
 namespace velmora::messaging {
 namespace {
@@ -19,7 +19,7 @@ using output::Ref;
 using output::ResultCode;
 using text::Text;
 
-constexpr ndb::Nid kFirstAttachment = 0x8025;
+constexpr Nid kFirstAttachment = 0x8025;
 
 class AttachmentsTest : public StoreTest {
  protected:
@@ -46,7 +46,7 @@ TEST_F(AttachmentsTest, KeepTheirBytesWhateverTheirSize) {
   auto table = raw.SubTable(message, nid::kAttachmentTable);
   ASSERT_EQ(table.RowCount(), std::size(sizes));
   for (std::size_t i = 0; i < std::size(sizes); ++i) {
-    auto attachment = raw.SubNode(message, kFirstAttachment + 32 * static_cast<ndb::Nid>(i));
+    auto attachment = raw.SubNode(message, kFirstAttachment + 32 * static_cast<Nid>(i));
     EXPECT_TRUE(ContentOf(attachment) == PatternOf(sizes[i])) << sizes[i];
     EXPECT_EQ(attachment.Integer32(tag::kAttachMethod), 1);
     EXPECT_EQ(table.Integer32(i, tag::kAttachSize), attachment.Integer32(tag::kAttachSize));
@@ -64,8 +64,8 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
     attachment.content = {ndb->WriteData(std::vector<std::byte>(2000)).value().bid, size};
     return attachment;
   };
-  const auto numberOf = [](const PropertyBag& row, ltp::PropTag tag) {
-    return static_cast<std::int32_t>(ndb::Load<std::uint32_t>(row.Value(tag), 0));
+  const auto numberOf = [](const PropertyBag& row, PropTag tag) {
+    return static_cast<std::int32_t>(Load<std::uint32_t>(row.Value(tag), 0));
   };
   MessageWriter messages(*ndb);
   ItemState item;
@@ -265,7 +265,7 @@ TEST_F(AttachmentsTest, StayWithAParentThatIsDeletedOnceItIsEmbedded) {
   later->Save();
   const RawStore raw = Raw();
   ASSERT_EQ(raw.Messages().size(), 2u);
-  for (const ndb::Nid nid : raw.Messages()) {
+  for (const Nid nid : raw.Messages()) {
     auto message = raw.Node(nid);
     auto attachment = raw.SubNode(message, kFirstAttachment);
     auto embedded = Embedded(raw, attachment);
@@ -320,7 +320,7 @@ TEST_F(AttachmentsTest, OfAContactCanBeItsPicture) {
   EXPECT_EQ(contact->AttachmentCount(), 1);
   const RawStore raw = Raw();
   auto message = raw.Message();
-  EXPECT_EQ(message.Boolean(Named(PropertySet::kAddress, 0x8015, ltp::PropType::kBoolean)), true);
+  EXPECT_EQ(message.Boolean(Named(PropertySet::kAddress, 0x8015, PropType::kBoolean)), true);
   auto picture = raw.SubNode(message, kFirstAttachment);
   EXPECT_EQ(ContentOf(picture), "second");
   EXPECT_EQ(picture.Text(tag::kAttachLongFilename), u"ContactPicture.jpg");

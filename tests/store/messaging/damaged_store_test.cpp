@@ -2,8 +2,8 @@
 #include <fstream>
 #include <random>
 
+#include "store/format/checksum.h"
 #include "store/messaging/store_fixture.h"
-#include "store/ndb/weak_crc.h"
 
 namespace velmora::messaging {
 namespace {
@@ -25,7 +25,7 @@ std::uint32_t U32(const std::string& bytes, std::size_t at) {
 }
 
 std::uint32_t CrcOf(const std::string& bytes, std::size_t start, std::size_t size) {
-  return ndb::WeakCrc(std::as_bytes(std::span(bytes)).subspan(start, size));
+  return WeakCrc(std::as_bytes(std::span(bytes)).subspan(start, size));
 }
 
 struct Block {

@@ -5,9 +5,9 @@
 #include <map>
 #include <set>
 
+#include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/opened_store.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/store_fixture.h"
 #include "store/messaging/store_writer.h"
 #include "store/support/pst_check.h"
@@ -98,7 +98,7 @@ class Filler {
     if (mailbox_.attachment != 0) {
       attachments.push_back(store_.Attach(TextContent(PatternOf(random_() % mailbox_.attachment)), u"a.bin"));
     }
-    const ndb::Nid nid = store_.Save(item, attachments, *folder_, 0);
+    const Nid nid = store_.Save(item, attachments, *folder_, 0);
     saved_[folder_->name].insert(subject);
     nids_.push_back(nid);
     items_.push_back(std::move(item));
@@ -127,7 +127,7 @@ class Filler {
   Contents& saved_;
   test::Random random_{7};
   Folder* folder_ = nullptr;
-  std::vector<ndb::Nid> nids_;
+  std::vector<Nid> nids_;
   std::vector<ItemState> items_;
 };
 

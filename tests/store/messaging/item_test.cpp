@@ -1,6 +1,6 @@
 // Items as the operations promise them: reading and writing fields, saving, deleting, walking.
+#include "store/format/property_tags.h"
 #include "store/messaging/file_time.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/store_fixture.h"
 
 namespace velmora::messaging {

@@ -1,17 +1,16 @@
 // What makes an item of each kind what Outlook takes it for.
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/multi_value.h"
 #include "store/messaging/entry_id.h"
 #include "store/messaging/file_time.h"
 #include "store/messaging/named_properties.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/store_fixture.h"
-#include "store/messaging/store_nodes.h"
 
 namespace velmora::messaging {
 namespace {
 
 using enum PropertySet;
-using ltp::PropType;
 using output::Field;
 using output::OleDate;
 using output::RDOMail;
@@ -165,8 +164,8 @@ TEST_F(KindsTest, MailRowsAreCopiesOfTheMessage) {
   Put(item, Field::To, names);
   Put(item, Field::Importance, std::int32_t{2});
   auto message = Saved(item);
-  const ndb::Nid folder = raw_->Reader().FindNode(raw_->Messages()[0])->nidParent;
-  auto table = raw_->Table(ndb::Sibling(folder, ndb::NidType::kContentsTable));
+  const Nid folder = raw_->Reader().FindNode(raw_->Messages()[0])->nidParent;
+  auto table = raw_->Table(Sibling(folder, NidType::kContentsTable));
   ASSERT_EQ(table.RowCount(), 1u);
   EXPECT_EQ(table.Text(0, tag::kSubject), message.Text(tag::kSubject));
   EXPECT_EQ(message.Text(tag::kSubject)->size(), 257u);
@@ -356,11 +355,11 @@ TEST_F(KindsTest, AppointmentHasItsStartAndEndWhereCalendarsLookForThem) {
   Put(item, Field::End, kNextDay);
   Put(item, Field::ReminderSignalTime, OleDate{kDay.days - 0.25});
   auto message = Saved(item);
-  for (const ltp::PropTag start :
+  for (const PropTag start :
        {Named(kAppointment, 0x820D, PropType::kTime), Named(kCommon, 0x8516, PropType::kTime), tag::kStartDate}) {
     EXPECT_EQ(message.Integer64(start), Ticks(kDay));
   }
-  for (const ltp::PropTag end :
+  for (const PropTag end :
        {Named(kAppointment, 0x820E, PropType::kTime), Named(kCommon, 0x8517, PropType::kTime), tag::kEndDate}) {
     EXPECT_EQ(message.Integer64(end), Ticks(kNextDay));
   }
@@ -469,7 +468,7 @@ TEST_F(KindsTest, NamedPropertiesAreFoundInAStoreThatNumbersThemOtherwise) {
   const NamedPropertyMap own(node);
   const NamedPropertyMap fixed;
   for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
-    const ltp::PropTag tag = ltp::MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), PropType::kString);
+    const PropTag tag = MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), PropType::kString);
     EXPECT_EQ(own.InStore(tag), tag);
     EXPECT_EQ(fixed.InStore(tag), tag);
   }

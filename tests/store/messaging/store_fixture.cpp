@@ -68,22 +68,22 @@ RawStore::RawStore(const std::filesystem::path& path) {
   reader_ = std::move(*reader);
 }
 
-ltp::PropertyContext RawStore::Node(ndb::Nid nid) const {
+ltp::PropertyContext RawStore::Node(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
   return std::move(ltp::PropertyContext::Open(*reader_, node->trees)).value();
 }
 
-ltp::TableContext RawStore::Table(ndb::Nid nid) const {
+ltp::TableContext RawStore::Table(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
   return std::move(ltp::TableContext::Open(*reader_, node->trees)).value();
 }
 
-std::vector<ndb::Nid> RawStore::Messages() const {
-  std::vector<ndb::Nid> messages;
+std::vector<Nid> RawStore::Messages() const {
+  std::vector<Nid> messages;
   for (const ndb::NodeEntry& node : reader_->Nodes()) {
-    if (ndb::TypeOf(node.nid) == ndb::NidType::kNormalMessage) messages.push_back(node.nid);
+    if (NidTypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(node.nid);
   }
   return messages;
 }
@@ -94,13 +94,13 @@ ltp::PropertyContext RawStore::Message() const {
   return Node(messages[0]);
 }
 
-ltp::TableContext RawStore::SubTable(ltp::PropertyContext& message, ndb::Nid nid) const {
+ltp::TableContext RawStore::SubTable(ltp::PropertyContext& message, Nid nid) const {
   const auto entry = message.FindSubnode(nid).value();
   if (!entry) throw std::runtime_error("no such sub-node");
   return std::move(ltp::TableContext::Open(*reader_, entry->trees)).value();
 }
 
-ltp::PropertyContext RawStore::SubNode(ltp::PropertyContext& message, ndb::Nid nid) const {
+ltp::PropertyContext RawStore::SubNode(ltp::PropertyContext& message, Nid nid) const {
   const auto entry = message.FindSubnode(nid).value();
   if (!entry) throw std::runtime_error("no such sub-node");
   return std::move(ltp::PropertyContext::Open(*reader_, entry->trees)).value();

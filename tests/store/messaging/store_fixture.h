@@ -43,20 +43,20 @@ class RawStore {
   explicit RawStore(const std::filesystem::path& path);
 
   const ndb::StoreReader& Reader() const { return *reader_; }
-  ltp::PropertyContext Node(ndb::Nid nid) const;
-  ltp::TableContext Table(ndb::Nid nid) const;
+  ltp::PropertyContext Node(Nid nid) const;
+  ltp::TableContext Table(Nid nid) const;
 
   /// The messages of the whole store by ascending id.
-  std::vector<ndb::Nid> Messages() const;
+  std::vector<Nid> Messages() const;
 
   /// The only message of the store.
   ltp::PropertyContext Message() const;
 
   /// A table among the sub-nodes of a message.
-  ltp::TableContext SubTable(ltp::PropertyContext& message, ndb::Nid nid) const;
+  ltp::TableContext SubTable(ltp::PropertyContext& message, Nid nid) const;
 
   /// A PC among them.
-  ltp::PropertyContext SubNode(ltp::PropertyContext& message, ndb::Nid nid) const;
+  ltp::PropertyContext SubNode(ltp::PropertyContext& message, Nid nid) const;
 
  private:
   std::unique_ptr<platform::ByteSource> file_;

@@ -7,8 +7,8 @@
 #include <random>
 
 #include "platform/memory_file.h"
+#include "store/format/property_tags.h"
 #include "store/messaging/opened_store.h"
-#include "store/messaging/property_tags.h"
 #include "store/messaging/store_fixture.h"
 #include "store/messaging/store_writer.h"
 
@@ -102,8 +102,8 @@ TEST_F(WholeStore, OfManyItemsInOneFolderHoldsThemAllInOrder) {
   EXPECT_EQ(i, kItems);
   Close();
   const RawStore raw(path_);
-  const ndb::Nid folder = raw.Reader().FindNode(raw.Messages()[0])->nidParent;
-  auto table = raw.Table(ndb::Sibling(folder, ndb::NidType::kContentsTable));
+  const Nid folder = raw.Reader().FindNode(raw.Messages()[0])->nidParent;
+  auto table = raw.Table(Sibling(folder, NidType::kContentsTable));
   ASSERT_EQ(table.RowCount(), static_cast<std::size_t>(kItems));
   for (const std::size_t row : {std::size_t{0}, std::size_t{446}, std::size_t{447}, std::size_t{19999}}) {
     EXPECT_EQ(table.Text(row, tag::kConversationTopic), text::FromUtf8("Mail " + std::to_string(row)));
@@ -283,10 +283,10 @@ std::size_t CellsOf(const platform::MemoryFile& file) {
   const auto reader = ndb::StoreReader::Open(file).value();
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
-    if (ndb::TypeOf(node.nid) != ndb::NidType::kContentsTable || node.trees.bidSub == 0) continue;
+    if (NidTypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == 0) continue;
     auto table = ltp::TableContext::Open(*reader, node.trees).value();
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
-      for (const ltp::PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
+      for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
         cells += static_cast<std::size_t>(table.Text(row, tag).has_value());
       }
     }
@@ -313,7 +313,7 @@ TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
   };
   std::vector<output::FullTable> none;
   std::vector<output::FullTable> full;
-  const auto whole = write(ltp::kMaxHeapBlocks, none);
+  const auto whole = write(kMaxHeapBlocks, none);
   const auto limited = write(20, full);
   EXPECT_TRUE(none.empty());
   ASSERT_EQ(full.size(), 1u);

@@ -3,10 +3,10 @@
 
 #include <map>
 
-#include "store/ndb/block.h"
+#include "store/format/block.h"
+#include "store/format/little_endian.h"
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/data_tree_writer.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/support/test_files.h"
 

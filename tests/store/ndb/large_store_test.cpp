@@ -1,9 +1,9 @@
 // A store beyond the limits of 31 and 32 bits.
 #include <gtest/gtest.h>
 
+#include "store/format/little_endian.h"
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
 #include "store/support/test_files.h"

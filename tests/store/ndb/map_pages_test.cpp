@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "store/ndb/little_endian.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::ndb {
 namespace {

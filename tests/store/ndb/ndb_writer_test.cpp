@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/header.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/header.h"
 #include "store/ndb/store_reader.h"
 #include "store/support/pst_check.h"
 #include "store/support/test_files.h"

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/checksum.h"
+#include "store/format/header.h"
+#include "store/format/little_endian.h"
 #include "store/ndb/data_tree_reader.h"
-#include "store/ndb/header.h"
-#include "store/ndb/little_endian.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/subnode_tree.h"
-#include "store/ndb/weak_crc.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ndb {

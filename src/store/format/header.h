@@ -1,0 +1,49 @@
+// The header of a Unicode store: 564 bytes at offset 0. The area up to the density list at 0x4200 is zero.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "store/format/encoding.h"
+#include "store/format/failures.h"
+#include "store/format/page.h"
+
+namespace velmora {
+
+/// What the header says of the maps.
+enum class AMapValid : std::uint8_t {
+  kInvalid = 0,  ///< whoever writes has to rebuild them first
+  kValid1 = 1,   ///< what old versions write
+  kValid2 = 2,
+};
+
+struct Root {
+  std::uint64_t ibFileEof = 0;
+  std::uint64_t ibAMapLast = 0;
+  std::uint64_t cbAMapFree = 0;
+  Bref brefNbt;
+  Bref brefBbt;
+  AMapValid fAMapValid = AMapValid::kInvalid;
+};
+
+/// The fields of the header that differ between stores.
+struct Header {
+  static constexpr std::size_t kSize = 564;
+
+  Bid bidNextP = 0;
+  Bid bidNextB = 0;
+  std::uint32_t dwUnique = 0;
+  std::array<std::uint32_t, kNidTypeCount> rgnid{};
+  Root root;
+  CryptMethod bCryptMethod = CryptMethod::kPermute;
+};
+
+std::array<std::byte, Header::kSize> Encode(const Header& header);
+
+/// kCorrupt when the magic, the sentinel or the checksum of the first sector does not fit, kNotSupported for ANSI and
+/// 4K stores and for encodings that have no published key.
+Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
+
+}  // namespace velmora

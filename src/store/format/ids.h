@@ -1,0 +1,54 @@
+// Identifiers of the store: node ids (what a node is) and block ids (what a block is).
+#pragma once
+
+#include <cstdint>
+
+namespace velmora {
+
+/// Node id: type in the low 5 bits, index in the high 27.
+using Nid = std::uint32_t;
+
+/// Block id: bit 0 is always 0 on disk, bit 1 marks an internal block (XBLOCK, XXBLOCK, SLBLOCK, SIBLOCK).
+/// Page ids count apart and use all bits. 0 names no block.
+using Bid = std::uint64_t;
+
+enum class NidType : std::uint8_t {
+  kHid = 0x00,  ///< a heap item, never a node
+  kInternal = 0x01,
+  kNormalFolder = 0x02,
+  kSearchFolder = 0x03,
+  kNormalMessage = 0x04,
+  kAttachment = 0x05,
+  kSearchUpdateQueue = 0x06,
+  kSearchCriteriaObject = 0x07,
+  kAssocMessage = 0x08,
+  kReceiveFolderTable = 0x0B,
+  kOutgoingQueueTable = 0x0C,
+  kHierarchyTable = 0x0D,
+  kContentsTable = 0x0E,
+  kAssocContentsTable = 0x0F,
+  kSearchContentsTable = 0x10,
+  kAttachmentTable = 0x11,
+  kRecipientTable = 0x12,
+  kLtp = 0x1F,  ///< a value or a row matrix beside the heap that refers to it
+};
+
+inline constexpr std::uint32_t kNidTypeBits = 5;
+inline constexpr std::uint32_t kNidTypeCount = 1u << kNidTypeBits;
+inline constexpr std::uint32_t kMaxNidIndex = (1u << (32 - kNidTypeBits)) - 1;
+
+constexpr Nid MakeNid(NidType type, std::uint32_t index) {
+  return index << kNidTypeBits | static_cast<std::uint32_t>(type);
+}
+constexpr NidType NidTypeOf(Nid nid) { return static_cast<NidType>(nid & (kNidTypeCount - 1)); }
+constexpr std::uint32_t IndexOf(Nid nid) { return nid >> kNidTypeBits; }
+
+/// The node of another type that belongs to the same folder, e.g. its contents table.
+constexpr Nid Sibling(Nid nid, NidType type) { return MakeNid(type, IndexOf(nid)); }
+
+inline constexpr Bid kBidInternal = 2;
+inline constexpr Bid kBidStep = 4;
+
+constexpr bool IsInternal(Bid bid) { return (bid & kBidInternal) != 0; }
+
+}  // namespace velmora

@@ -1,0 +1,113 @@
+// Pages: 512 bytes at offsets that are multiples of 512. The last 16 bytes are the trailer:
+//
+//   496 ptype u8 | 497 ptypeRepeat u8 | 498 wSig u16 | 500 dwCRC u32 (bytes 0 to 495) | 504 bid u64
+//
+// A page of the block or node tree (BTPAGE) holds entries from 0, then
+//
+//   488 cEnt u8 | 489 cEntMax u8 | 490 cbEnt u8 | 491 cLevel u8 | 492 dwPadding u32
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "store/format/ids.h"
+#include "store/format/signature.h"
+
+namespace velmora {
+
+inline constexpr std::size_t kPageSize = 512;
+inline constexpr std::size_t kPageTrailerSize = 16;
+inline constexpr std::size_t kPageContent = kPageSize - kPageTrailerSize;
+
+using Page = std::array<std::byte, kPageSize>;
+using PageView = std::span<const std::byte, kPageSize>;
+
+enum class PageType : std::uint8_t {
+  kBbt = 0x80,
+  kNbt = 0x81,
+  kFMap = 0x82,
+  kPMap = 0x83,
+  kAMap = 0x84,
+  kFPMap = 0x85,
+  kDList = 0x86,
+};
+
+/// Whether a page is one of the maps that stand at fixed places: their wSig is 0 and their bid their offset.
+constexpr bool IsMap(PageType type) { return type >= PageType::kFMap && type <= PageType::kFPMap; }
+
+/// Where a page or block stands, and its id.
+struct Bref {
+  Bid bid = 0;
+  std::uint64_t ib = 0;
+};
+
+/// Writes the trailer of a page that will stand at `ref`.
+void SealPage(Page& page, PageType type, const Bref& ref);
+
+/// Whether the trailer proves that this page is of that type and stands at `ref`.
+bool ProvesItself(PageView page, PageType type, const Bref& ref);
+
+// ---- pages of the two trees
+
+inline constexpr std::size_t kBtPageEntries = 488;  ///< bytes of entries, and offset of cEnt
+static_assert(kBtPageEntries + 8 + kPageTrailerSize == kPageSize);
+
+struct BtPageHead {
+  std::uint8_t cEnt = 0;
+  std::uint8_t cEntMax = 0;
+  std::uint8_t cbEnt = 0;
+  std::uint8_t cLevel = 0;  ///< 0 for a leaf
+};
+
+void Encode(const BtPageHead& head, Page& page);
+BtPageHead DecodeBtPageHead(PageView page);
+
+/// An entry above the leaves: the first key of a child page and where it stands.
+struct BtEntry {
+  static constexpr std::size_t kSize = 24;
+  std::uint64_t btkey = 0;
+  Bref ref;
+};
+
+/// A leaf entry of the block tree.
+struct BbtEntry {
+  static constexpr std::size_t kSize = 24;
+  Bref ref;
+  std::uint16_t cb = 0;    ///< bytes of data
+  std::uint16_t cRef = 0;  ///< 1 + number of references to the block
+};
+
+/// A leaf entry of the node tree.
+struct NbtEntry {
+  static constexpr std::size_t kSize = 32;
+  std::uint64_t nid = 0;
+  Bid bidData = 0;
+  Bid bidSub = 0;
+  std::uint32_t nidParent = 0;
+};
+
+void Encode(const BtEntry& entry, std::span<std::byte> out);
+void Encode(const BbtEntry& entry, std::span<std::byte> out);
+void Encode(const NbtEntry& entry, std::span<std::byte> out);
+BtEntry DecodeBtEntry(std::span<const std::byte> in);
+BbtEntry DecodeBbtEntry(std::span<const std::byte> in);
+NbtEntry DecodeNbtEntry(std::span<const std::byte> in);
+
+/// Most entries of that size in a page.
+constexpr std::uint8_t MaxEntries(std::size_t cbEnt) { return static_cast<std::uint8_t>(kBtPageEntries / cbEnt); }
+
+/// Bytes that the pages of a tree of so many entries take at most.
+constexpr std::uint64_t TreeBytes(std::uint64_t entries, std::size_t cbEnt) {
+  std::uint64_t pages = 0;
+  for (std::uint64_t level = entries / MaxEntries(cbEnt) + 1;; level = level / MaxEntries(BtEntry::kSize) + 1) {
+    pages += level;
+    if (level == 1) return pages * kPageSize;
+  }
+}
+
+static_assert(MaxEntries(BtEntry::kSize) == 20 && MaxEntries(BbtEntry::kSize) == 20);
+static_assert(MaxEntries(NbtEntry::kSize) == 15);
+
+}  // namespace velmora

@@ -1,0 +1,44 @@
+#include "store/format/page_layout.h"
+
+#include <gtest/gtest.h>
+
+#include "store/format/signature.h"
+
+namespace velmora {
+namespace {
+
+TEST(PageLayoutTest, AnUnknownFormatGivesTheAnsiValues) {
+  EXPECT_EQ(LayoutOf(0), LayoutOf(FORMAT_ANSI));
+  EXPECT_EQ(LayoutOf(1), LayoutOf(FORMAT_ANSI));
+  EXPECT_EQ(LayoutOf(77), LayoutOf(FORMAT_ANSI));
+  EXPECT_EQ(LayoutOf(77).formatId, FORMAT_ANSI);
+}
+
+TEST(PageLayoutTest, TheFieldPitchIsFourInAnsiAndEightInTheWideFormats) {
+  EXPECT_EQ(LayoutOf(FORMAT_ANSI).Pitch(), 4u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE).Pitch(), 8u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).Pitch(), 8u);
+}
+
+TEST(PageLayoutTest, ANodeEntryIsFourFieldsOfTheFieldPitch) {
+  for (const FormatId format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
+    EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).Pitch());
+    EXPECT_EQ(LayoutOf(format).idWidth, LayoutOf(format).Pitch());
+    EXPECT_EQ(LayoutOf(format).wideFormat, format != FORMAT_ANSI);
+  }
+}
+
+TEST(SignatureTest, FoldsOffsetAndId) {
+  EXPECT_EQ(ComputeSig(0, 0), 0);
+  EXPECT_EQ(ComputeSig(0x00012345, 0), 0x2344);
+  EXPECT_EQ(ComputeSig(0x4800, 0x31), 0x4831);
+  EXPECT_EQ(ComputeSig(0x4800, 0x4800), 0);
+}
+
+TEST(SignatureTest, OnlyTheLow32BitsOfOffsetAndIdCount) {
+  EXPECT_EQ(ComputeSig(0x7'0000'4800, 0x31), ComputeSig(0x4800, 0x31));
+  EXPECT_EQ(ComputeSig(0x4800, 0x5'0000'0031), ComputeSig(0x4800, 0x31));
+}
+
+}  // namespace
+}  // namespace velmora
