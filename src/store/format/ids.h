@@ -37,6 +37,10 @@ inline constexpr std::uint32_t kNidTypeBits = 5;
 inline constexpr std::uint32_t kNidTypeCount = 1u << kNidTypeBits;
 inline constexpr std::uint32_t kMaxNidIndex = (1u << (32 - kNidTypeBits)) - 1;
 
+/// An id as the number that stands in the file.
+constexpr std::uint32_t Value(Nid nid) { return nid; }
+constexpr std::uint64_t Value(Bid bid) { return bid; }
+
 constexpr Nid MakeNid(NidType type, std::uint32_t index) {
   return index << kNidTypeBits | static_cast<std::uint32_t>(type);
 }
