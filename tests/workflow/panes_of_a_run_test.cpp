@@ -45,6 +45,8 @@ class PanesOfARunTest : public WizardTest {
     ASSERT_TRUE(Comes([this] {
       return frame_->progressDialog != nullptr && frame_->progressDialog->Control<QWidget>(kFinishId)->isEnabled();
     }));
+    // The worker says so a moment after the page has heard that all is done.
+    ASSERT_TRUE(Comes([this] { return State().treeFilling.load(); }));
   }
 
   ResultPanes& Panes() { return frame_->Panes(); }
