@@ -1,5 +1,6 @@
 #include "workflow/about_dlg.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
@@ -10,7 +11,6 @@
 #include "platform/shell.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
-#include "workflow/application.h"
 #include "workflow/boxes.h"
 #include "workflow/main_frame.h"
 #include "workflow/page_palette.h"
@@ -50,7 +50,7 @@ CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
   setFont(small);
   logo_.Load(QStringLiteral("about"));
   mark_.Load(128, "ICON");
-  version_ = VersionText(frame.Machine().programFile);
+  version_ = QCoreApplication::applicationVersion();
   if (version_.isEmpty()) version_ = ToQt(resources::kUnknownVersion);
   setAccessibleDescription(language_.Text("IDS_VERSION_TEXT") + u' ' + version_);
   AddLinks();
