@@ -12,9 +12,10 @@
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
-#include "workflow/main_frame.h"
 #include "workflow/page_palette.h"
 #include "workflow/qt_text.h"
+#include "workflow/services.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 namespace {
@@ -38,8 +39,8 @@ constexpr Link kLinks[] = {
 
 }  // namespace
 
-CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
-    : QDialog(owner), frame_(frame), scale_(frame.DpiX / 96.0), language_(frame.Base().LanguageFile()) {
+CAboutDlg::CAboutDlg(WizardFrame& frame, QWidget* owner)
+    : QDialog(owner), frame_(frame), scale_(frame.Dpi().x() / 96.0), language_(frame.Base().LanguageFile()) {
   setWindowTitle(
       QStringLiteral("%1 %2").arg(language_.Text("IDS_ABOUT"), ToQt(resources::LoadString(resources::kProductTitle))));
   setFixedSize(kSize * scale_);
