@@ -16,26 +16,26 @@ class MemoryFile : public ByteStore {
 
   std::uint64_t Size() const override { return bytes_.size(); }
 
-  [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
     if (offset >= bytes_.size()) return std::size_t{0};
     const std::size_t length = std::min<std::uint64_t>(out.size(), bytes_.size() - offset);
     if (length != 0) std::memcpy(out.data(), bytes_.data() + offset, length);
     return length;
   }
 
-  [[nodiscard]] Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
     if (bytes.empty()) return {};
     if (offset + bytes.size() > bytes_.size()) bytes_.resize(offset + bytes.size());
     std::memcpy(bytes_.data() + offset, bytes.data(), bytes.size());
     return {};
   }
 
-  [[nodiscard]] Result<void> Resize(std::uint64_t size) override {
+  Result<void> Resize(std::uint64_t size) override {
     bytes_.resize(size);
     return {};
   }
 
-  [[nodiscard]] Result<void> Flush() override { return {}; }
+  Result<void> Flush() override { return {}; }
 
   const std::vector<std::byte>& Bytes() const { return bytes_; }
 
