@@ -6,7 +6,6 @@ namespace velmora::controls {
 namespace {
 
 constexpr int kTextStart = 25;
-constexpr int kWideTextStart = 60;
 constexpr int kFocusMargin = 2;
 
 /// Black becomes opaque, white transparent.
@@ -37,21 +36,6 @@ void CxSkinButton::SetSkin(int normal, int down, int over, int disabled, int mas
   update();
 }
 
-void CxSkinButton::SetDrawMode(DrawMode mode) {
-  mode_ = mode;
-  update();
-}
-
-void CxSkinButton::SetTextColour(const QColor& colour) {
-  textColour_ = colour;
-  update();
-}
-
-void CxSkinButton::SetWideMargin(bool wide) {
-  wideMargin_ = wide;
-  update();
-}
-
 const CxSkinButton::Picture& CxSkinButton::Shown() const {
   if (!isEnabled()) return disabled_;
   if (isDown() || isChecked()) return down_;
@@ -61,20 +45,7 @@ const CxSkinButton::Picture& CxSkinButton::Shown() const {
 int CxSkinButton::ShownPicture() const { return Shown().id; }
 
 QRect CxSkinButton::TextRect() const {
-  const int left = (wideMargin_ ? kWideTextStart : kTextStart) + kFocusMargin;
-  return rect().adjusted(left, 0, -2 - kFocusMargin, 0);
-}
-
-void CxSkinButton::DrawInMode(QPainter& painter, const Picture& picture) const {
-  const QSize own = picture.art.Size();
-  if (mode_ == DrawMode::Stretch || own.isEmpty()) {
-    picture.art.Draw(painter, rect());
-    return;
-  }
-  const QSize end = mode_ == DrawMode::Tile ? size() : QSize(1, 1);
-  for (int y = 0; y < end.height(); y += own.height()) {
-    for (int x = 0; x < end.width(); x += own.width()) picture.art.Draw(painter, QRectF(QPointF(x, y), own));
-  }
+  return rect().adjusted(kTextStart + kFocusMargin, 0, -2 - kFocusMargin, 0);
 }
 
 void CxSkinButton::paintEvent(QPaintEvent*) {
@@ -83,7 +54,7 @@ void CxSkinButton::paintEvent(QPaintEvent*) {
     image.setDevicePixelRatio(devicePixelRatioF());
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    DrawInMode(painter, picture);
+    picture.art.Draw(painter, rect());
     return image;
   };
   QImage face = layer(Shown());

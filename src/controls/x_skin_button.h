@@ -13,16 +13,10 @@ class CxSkinButton : public ArtButton {
   Q_OBJECT
 
  public:
-  /// How a picture fills the button.
-  enum class DrawMode { OneToOne, Stretch, Tile };
-
   explicit CxSkinButton(QWidget* parent);
 
   /// Numbers of the pictures. In the mask black is kept and white shows what is behind the button.
   void SetSkin(int normal, int down, int over, int disabled, int mask);
-  void SetDrawMode(DrawMode mode);
-  void SetTextColour(const QColor& colour);
-  void SetWideMargin(bool wide);
 
   /// Number of the picture that is shown now.
   int ShownPicture() const;
@@ -39,12 +33,9 @@ class CxSkinButton : public ArtButton {
     CGdiPlusBitmapResource art;
   };
   const Picture& Shown() const;
-  void DrawInMode(QPainter& painter, const Picture& picture) const;
 
   Picture normal_, down_, over_, disabled_, mask_;
-  DrawMode mode_ = DrawMode::Stretch;
-  QColor textColour_;
-  bool wideMargin_ = false;
+  const QColor textColour_;
 };
 
 }  // namespace velmora::controls

@@ -93,12 +93,6 @@ std::vector<SummaryFolder> FoldersOf(output::RDOSession& session, text::TextView
   return found;
 }
 
-std::optional<std::int32_t> CountFolder(output::RDOSession& session, text::TextView path, text::TextView logPath,
-                                        FolderCounters& counters) {
-  LogEnd log(logPath);
-  return CountInto(log, session, path, counters);
-}
-
 std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& session,
                                                       const std::vector<SummaryFolder>& folders, text::TextView logPath,
                                                       FolderCounters& counters) {

@@ -34,11 +34,6 @@ struct SummaryFolder {
 /// name that their paths begin with.
 std::vector<SummaryFolder> FoldersOf(output::RDOSession& session, text::TextView storeName);
 
-/// Number of items of the folder at `path`, added to the counters and written at the end of the log at `logPath`,
-/// if that file exists; nothing when there is no such folder.
-std::optional<std::int32_t> CountFolder(output::RDOSession& session, text::TextView path, text::TextView logPath,
-                                        FolderCounters& counters);
-
 /// Counts the folders in order and writes the block at the end of the log at `logPath`, if that file exists.
 /// The result has one element a folder, without a value for those left out.
 std::vector<std::optional<std::int32_t>> WriteSummary(output::RDOSession& session,

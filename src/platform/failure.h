@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include <tl/expected.hpp>
 
@@ -25,7 +26,14 @@ struct Failure {
   std::string message;       ///< the cause in plain words
 };
 
+/// What was asked for, or the failure. A class of its own for the sake of the warning when one is dropped: that of a
+/// function does not reach its virtual calls.
 template <class T>
-using Result = tl::expected<T, Failure>;
+class [[nodiscard]] Result : public tl::expected<T, Failure> {
+ public:
+  using tl::expected<T, Failure>::expected;
+  Result() = default;
+  Result(tl::expected<T, Failure> made) : tl::expected<T, Failure>(std::move(made)) {}  // as map() gives it
+};
 
 }  // namespace velmora::platform

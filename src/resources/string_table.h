@@ -51,7 +51,6 @@ enum StringId : std::uint16_t {
   kWarningTitle = 195,
   kOutlookMissing = 200,
   kSearchingStores = 202,
-  kOutputFolderFailed = 209,
   kColumnFileName = 210,
 };
 

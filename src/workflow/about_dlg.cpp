@@ -1,5 +1,6 @@
 #include "workflow/about_dlg.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
@@ -10,11 +11,11 @@
 #include "platform/shell.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
-#include "workflow/application.h"
 #include "workflow/boxes.h"
-#include "workflow/main_frame.h"
 #include "workflow/page_palette.h"
 #include "workflow/qt_text.h"
+#include "workflow/services.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 namespace {
@@ -38,8 +39,8 @@ constexpr Link kLinks[] = {
 
 }  // namespace
 
-CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
-    : QDialog(owner), frame_(frame), scale_(frame.DpiX / 96.0), language_(frame.Base().LanguageFile()) {
+CAboutDlg::CAboutDlg(WizardFrame& frame, QWidget* owner)
+    : QDialog(owner), frame_(frame), scale_(frame.Dpi().x() / 96.0), language_(frame.Base().LanguageFile()) {
   setWindowTitle(
       QStringLiteral("%1 %2").arg(language_.Text("IDS_ABOUT"), ToQt(resources::LoadString(resources::kProductTitle))));
   setFixedSize(kSize * scale_);
@@ -50,7 +51,7 @@ CAboutDlg::CAboutDlg(CMainFrame& frame, QWidget* owner)
   setFont(small);
   logo_.Load(QStringLiteral("about"));
   mark_.Load(128, "ICON");
-  version_ = VersionText(frame.Machine().programFile);
+  version_ = QCoreApplication::applicationVersion();
   if (version_.isEmpty()) version_ = ToQt(resources::kUnknownVersion);
   setAccessibleDescription(language_.Text("IDS_VERSION_TEXT") + u' ' + version_);
   AddLinks();

@@ -8,7 +8,7 @@
 
 namespace velmora::workflow {
 
-class CMainFrame;
+class WizardFrame;
 
 class CAboutDlg : public QDialog {
   Q_OBJECT
@@ -17,7 +17,7 @@ class CAboutDlg : public QDialog {
   /// Numbers of the controls.
   enum ControlId { kOkId = 2, kMakerId = 50051, kUninstallId = 50052, kPolicyId = 50057 };
 
-  CAboutDlg(CMainFrame& frame, QWidget* owner);
+  CAboutDlg(WizardFrame& frame, QWidget* owner);
 
   QFont HeadingFont() const;
 
@@ -36,7 +36,7 @@ class CAboutDlg : public QDialog {
     return {Scaled(x), Scaled(y), Scaled(width), Scaled(height)};
   }
 
-  CMainFrame& frame_;
+  WizardFrame& frame_;
   const qreal scale_;
   Language language_;
   QString version_;

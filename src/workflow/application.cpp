@@ -1,6 +1,5 @@
 #include "workflow/application.h"
 
-#include "platform/file_version.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
@@ -18,12 +17,6 @@ void Refuse(StringId message, StringId title, BoxIcon icon) {
 }
 
 }  // namespace
-
-QString VersionText(const std::filesystem::path& file) {
-  const auto version = platform::ReadFileVersion(file);
-  if (!version) return {};
-  return QStringLiteral("%1.%2.%3.%4").arg((*version)[0]).arg((*version)[1]).arg((*version)[2]).arg((*version)[3]);
-}
 
 CVMREPAIRMAILApp::CVMREPAIRMAILApp(Services services) : services_(std::move(services)) {}
 
@@ -45,8 +38,6 @@ bool CVMREPAIRMAILApp::InitInstance() {
     Refuse(kLaunchFailed, kErrorTitle, BoxIcon::Error);
     return false;
   }
-  companionVersion_ = VersionText(BaseFolder(services_.programFile).CompanionProgram());
-
   if (!IsOutlookInstalled(*services_.registry)) {
     Refuse(kOutlookMissing, kErrorTitle, BoxIcon::Error);
     return false;

@@ -26,19 +26,12 @@ class CVMREPAIRMAILApp {
   /// Whether Outlook 2000 is in internet mode; with `showNotice` the user may change that first.
   bool CheckOutlook2000Mode(bool showNotice);
 
-  /// Version of the companion program, or the empty text.
-  const QString& CompanionVersion() const { return companionVersion_; }
-
   /// Null until InitInstance has made it.
   CMainFrame* MainFrame() { return frame_.get(); }
 
  private:
   Services services_;
-  QString companionVersion_;
   std::unique_ptr<CMainFrame> frame_;
 };
-
-/// The form of a version that is shown: four numbers with points between them; empty where a file has none.
-QString VersionText(const std::filesystem::path& file);
 
 }  // namespace velmora::workflow

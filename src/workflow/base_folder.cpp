@@ -26,7 +26,6 @@ std::string ChosenLanguage(const std::filesystem::path& settingsFile) {
 
 BaseFolder::BaseFolder(const std::filesystem::path& programFile)
     : path_(programFile.parent_path().parent_path()),
-      programFolder_(programFile.parent_path()),
       languageFile_(path_ / "Lang" / (ChosenLanguage(Settings()) + ".INI")) {}
 
 std::filesystem::path BaseFolder::Help() const {

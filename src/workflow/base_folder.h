@@ -16,7 +16,6 @@ class BaseFolder {
 
   std::filesystem::path Settings() const { return path_ / "settings.ini"; }
   std::filesystem::path UpdateHelper() const { return path_ / "vmupdate.EXE"; }
-  std::filesystem::path CompanionProgram() const { return programFolder_ / "vm-oxp32.exe"; }
 
   /// The help file; the page for browsers where the other form is not there. It may be missing as well.
   std::filesystem::path Help() const;
@@ -25,7 +24,7 @@ class BaseFolder {
   const std::filesystem::path& LanguageFile() const { return languageFile_; }
 
  private:
-  std::filesystem::path path_, programFolder_, languageFile_;
+  std::filesystem::path path_, languageFile_;
 };
 
 /// The texts of the about window in the chosen language.

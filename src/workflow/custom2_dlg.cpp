@@ -7,26 +7,23 @@
 
 #include "controls/display_class.h"
 #include "resources/texts.h"
-#include "workflow/main_frame.h"
 #include "workflow/qt_text.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 
 using namespace resources;
 
-CCustom2Dlg::CCustom2Dlg(CMainFrame& frame, TemplateId previous)
+CCustom2Dlg::CCustom2Dlg(WizardFrame& frame, TemplateId previous)
     : Page(frame, kDestinationTemplate, controls::PageArtSize(frame.Display())), previous_(previous) {
   frame_.State().run.smartScan = false;
-  const auto onClick = [this](std::uint16_t id, auto action) {
-    connect(Control<QAbstractButton>(id), &QAbstractButton::clicked, this, action);
-  };
   Control<QAbstractButton>(kNormalScanId)->setChecked(true);
-  onClick(kNormalScanId, [this] { frame_.State().run.smartScan = false; });
-  onClick(kSmartScanId, [this] { frame_.State().run.smartScan = true; });
-  onClick(kBrowseId, [this] { OnBrowse(); });
-  onClick(kBackId, [this] { OnBack(); });
-  onClick(kNextId, [this] { OnConvert(); });
-  onClick(kMainId, [this] {
+  OnClick(kNormalScanId, [this] { frame_.State().run.smartScan = false; });
+  OnClick(kSmartScanId, [this] { frame_.State().run.smartScan = true; });
+  OnClick(kBrowseId, [this] { OnBrowse(); });
+  OnClick(kBackId, [this] { OnBack(); });
+  OnClick(kNextId, [this] { OnConvert(); });
+  OnClick(kMainId, [this] {
     EndDialog();
     frame_.OpenStartPage();
   });

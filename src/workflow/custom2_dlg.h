@@ -12,7 +12,7 @@ class CCustom2Dlg : public Page {
 
  public:
   /// `previous` is the page that "Back" leads to.
-  CCustom2Dlg(CMainFrame& frame, resources::TemplateId previous);
+  CCustom2Dlg(WizardFrame& frame, resources::TemplateId previous);
 
   /// A folder was picked in the dialog. One that is no folder of this machine has no path, and empties the
   /// edit.

@@ -1,22 +1,20 @@
 #include "workflow/custom_dlg.h"
 
-#include <QAbstractButton>
-
 #include "controls/display_class.h"
-#include "workflow/main_frame.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 
 using namespace resources;
 
-CCustomDlg::CCustomDlg(CMainFrame& frame) : Page(frame, kStartTemplate, controls::PageArtSize(frame.Display())) {
+CCustomDlg::CCustomDlg(WizardFrame& frame) : Page(frame, kStartTemplate, controls::PageArtSize(frame.Display())) {
   // The list of the profile's files has no way in.
   delete Control<QWidget>(kHiddenStartButtonId);
-  connect(Control<QAbstractButton>(kBrowseStartId), &QAbstractButton::clicked, this, [this] {
+  OnClick(kBrowseStartId, [this] {
     EndDialog();
     frame_.OpenBrowsePage();
   });
-  connect(Control<QAbstractButton>(kSearchStartId), &QAbstractButton::clicked, this, [this] {
+  OnClick(kSearchStartId, [this] {
     EndDialog();
     frame_.OpenFindPage();
   });

@@ -9,7 +9,7 @@ class CCustomDlg : public Page {
   Q_OBJECT
 
  public:
-  explicit CCustomDlg(CMainFrame& frame);
+  explicit CCustomDlg(WizardFrame& frame);
 };
 
 }  // namespace velmora::workflow

@@ -11,27 +11,23 @@
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
-#include "workflow/chosen_source.h"
-#include "workflow/main_frame.h"
 #include "workflow/qt_text.h"
+#include "workflow/services.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 
 using namespace resources;
 using controls::CTXListCtrl;
 
-CFindPstDlg::CFindPstDlg(CMainFrame& frame) : Page(frame, kFindTemplate, controls::PageArtSize(frame.Display())) {
-  const auto onClick = [this](std::uint16_t id, auto action) {
-    connect(Control<QAbstractButton>(id), &QAbstractButton::clicked, this, action);
-  };
+CFindPstDlg::CFindPstDlg(WizardFrame& frame) : Page(frame, kFindTemplate, controls::PageArtSize(frame.Display())) {
   auto* list = Control<CTXListCtrl>(kFileListId);
   list->SetHint(ToQt(kSearchListHint));
-  connect(list, &CTXListCtrl::RowChosen, this,
-          [this, list](int row) { ChooseSource(frame_, row, list->Rows().TextAt(row), *Control<QWidget>(kNextId)); });
-  onClick(kFindId, [this] { OnFind(); });
-  onClick(kBackId, [this] { OnBack(); });
-  onClick(kMainId, [this] { OnBack(); });
-  onClick(kNextId, [this] {
+  connect(list, &CTXListCtrl::RowChosen, this, [this, list](int row) { ChooseSource(row, list->Rows().TextAt(row)); });
+  OnClick(kFindId, [this] { OnFind(); });
+  OnClick(kBackId, [this] { OnBack(); });
+  OnClick(kMainId, [this] { OnBack(); });
+  OnClick(kNextId, [this] {
     EndDialog();
     frame_.OpenDestinationPage(kFindTemplate);
   });

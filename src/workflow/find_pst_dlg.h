@@ -14,7 +14,7 @@ class CFindPstDlg : public Page {
   Q_OBJECT
 
  public:
-  explicit CFindPstDlg(CMainFrame& frame);
+  explicit CFindPstDlg(WizardFrame& frame);
   ~CFindPstDlg() override;
 
   void OnCloseBox() override;

@@ -1,14 +1,11 @@
 // Menus, toolbar, keys and the command table of the frame.
 #include <QAction>
 #include <QApplication>
-#include <QIcon>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPointer>
 #include <QStatusBar>
 #include <QToolBar>
 
-#include "controls/art.h"
 #include "platform/shell.h"
 #include "resources/menus.h"
 #include "resources/string_table.h"
@@ -16,6 +13,7 @@
 #include "workflow/boxes.h"
 #include "workflow/customize_sheet.h"
 #include "workflow/main_frame.h"
+#include "workflow/panes/image_list.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -24,12 +22,6 @@ namespace {
 using namespace resources;
 
 constexpr const char* kMakersHost = "https://www.velmora.example/";
-
-/// Picture number `index` of a strip of square pictures.
-QIcon IconOfStrip(const controls::CGdiPlusBitmap& strip, int index) {
-  const int side = strip.Size().height();
-  return QIcon(strip.ToPixmap(strip.Size(), 2).copy(index * side * 2, 0, side * 2, side * 2));
-}
 
 /// Prompt and tip of a command stand in one text, with a line end between them.
 void SetPrompts(QAction& action, const QString& prompts) {
@@ -67,10 +59,8 @@ void CMainFrame::BuildBars() {
     made->setShortcuts(
         made->shortcuts() << QKeySequence(QString::fromUtf8(key.keys.data(), qsizetype(key.keys.size()))));
   }
-  controls::CGdiPlusBitmapResource strip, large;
-  strip.Load(204, "BITMAP");
-  large.Load(128, "BITMAP");
-  for (int i = 0; i < int(IconStrip().size()); ++i) action(IconStrip()[std::size_t(i)])->setIcon(IconOfStrip(strip, i));
+  const std::vector<QIcon> icons = LoadImageList(204), large = LoadImageList(128);
+  for (std::size_t i = 0; i < IconStrip().size(); ++i) action(IconStrip()[i])->setIcon(icons.at(i));
   for (const std::uint16_t id : {kToolbarCommand, kCustomizeCommand}) action(id);
 
   statusBar()->setObjectName(QStringLiteral("59393"));
@@ -81,13 +71,13 @@ void CMainFrame::BuildBars() {
   QToolBar* bar = addToolBar(QStringLiteral("Standard ToolBar"));
   bar->setObjectName(QStringLiteral("Standard ToolBar"));
   bar->setIconSize({48, 48});
-  int picture = 0;
+  std::size_t picture = 0;
   for (const std::uint16_t id : FrameToolbar()) {
     if (id == 0) {
       bar->addSeparator();
       continue;
     }
-    action(id)->setIcon(IconOfStrip(large, picture++));
+    action(id)->setIcon(large.at(picture++));
     bar->addAction(action(id));
   }
   WithSavedBars([this](QSettings& bars) { restoreState(bars.value(QStringLiteral("CommandBars")).toByteArray()); });

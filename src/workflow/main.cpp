@@ -4,20 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "platform/file_version.h"
 #include "platform/terminal.h"
 #include "workflow/application.h"
 
 namespace {
 
-/// The program's own version, as its file carries it.
-[[gnu::used]] const velmora::platform::FileVersionBlock kVersion{
-    .fileVersionHigh = VELMORA_VERSION_MAJOR << 16 | VELMORA_VERSION_MINOR,
-    .fileVersionLow = VELMORA_VERSION_PATCH << 16};
-
-const std::string kVersionText = "velmora " + std::to_string(VELMORA_VERSION_MAJOR) + "." +
-                                 std::to_string(VELMORA_VERSION_MINOR) + "." + std::to_string(VELMORA_VERSION_PATCH) +
-                                 "\n";
+const std::string kVersionText = "velmora " VELMORA_VERSION "\n";
 
 const std::string kHelpText =
     "Usage: velmora [--help | --version]\n"
@@ -47,6 +39,7 @@ int main(int argc, char** argv) {
   argc = 1;
   QApplication qt(argc, argv);
   QApplication::setApplicationName(QStringLiteral("velmora"));
+  QApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION ".0"));  // the windows show four numbers
   QApplication::setDesktopFileName(QStringLiteral("example.velmora.convert"));
   QApplication::setQuitOnLastWindowClosed(false);  // the program does not end with its last window
 

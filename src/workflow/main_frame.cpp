@@ -73,12 +73,8 @@ void CMainFrame::OpenFindPage() { ShowPage(new CFindPstDlg(*this)); }
 void CMainFrame::OpenProfilePage() { ShowPage(new CRepairProfileDlg(*this)); }
 void CMainFrame::OpenDestinationPage(TemplateId previous) { ShowPage(new CCustom2Dlg(*this, previous)); }
 
-bool CMainFrame::HasEnoughFreeSpace(text::TextView destination) const {
-  return services_.hasEnoughFreeSpace(destination, state_.sourcePath);
-}
-
 void CMainFrame::StartConversion() {
-  if (!HasEnoughFreeSpace(state_.destinationPath)) {
+  if (!services_.hasEnoughFreeSpace(state_.destinationPath, state_.sourcePath)) {
     // No page opens again: the message asks the user to start anew.
     ShowBox(nullptr, LoadString(kNotEnoughSpace), LoadString(kInformationTitle), BoxIcon::Information);
     return;

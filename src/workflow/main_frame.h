@@ -8,14 +8,13 @@
 #include <memory>
 #include <vector>
 
-#include "controls/display_class.h"
 #include "conversion/out_look.h"
 #include "conversion/run_state.h"
-#include "resources/dialog_templates.h"
 #include "workflow/base_folder.h"
 #include "workflow/page.h"
 #include "workflow/panes/result_panes.h"
 #include "workflow/services.h"
+#include "workflow/wizard_frame.h"
 #include "workflow/wizard_window.h"
 #include "workflow/worker.h"
 
@@ -31,7 +30,7 @@ enum FrameMessage : std::uint32_t {
 
 /// Never shown: it exists hidden from the first to the last moment of the process. The user works in the
 /// pages; the panes inside the frame get their messages all the same.
-class CMainFrame : public QMainWindow {
+class CMainFrame : public QMainWindow, public WizardFrame {
   Q_OBJECT
 
  public:
@@ -43,25 +42,21 @@ class CMainFrame : public QMainWindow {
 
   // Pages.
   void ShowStartPage();
-  void OpenStartPage();
-  void OpenBrowsePage();
-  void OpenFindPage();
-  void OpenProfilePage();
-  void OpenDestinationPage(resources::TemplateId previous);
-
-  /// The page in the window, or null.
-  Page* CurrentPage() const { return page_; }
+  void OpenStartPage() override;
+  void OpenBrowsePage() override;
+  void OpenFindPage() override;
+  void OpenProfilePage() override;
+  void OpenDestinationPage(resources::TemplateId previous) override;
+  Page* CurrentPage() const override { return page_; }
 
   // The run.
-  void StartConversion();
-  bool HasEnoughFreeSpace(text::TextView destination) const;
-  const std::shared_ptr<Worker>& WorkerThread() const { return workerThread_; }
+  void StartConversion() override;
+  const std::shared_ptr<Worker>& WorkerThread() const override { return workerThread_; }
 
   /// Stops every worker that is left and waits for it, so that every store is sealed.
   void EndWorkers();
 
-  /// What is behind the close box of the frame: asks unless `skipExitPrompt` is set, then ends the process.
-  void CloseRule();
+  void CloseRule() override;
 
   // Commands.
   void OnCommand(std::uint16_t id);
@@ -70,24 +65,17 @@ class CMainFrame : public QMainWindow {
   /// A message to the frame; its answer is 1 for those that are taken and do nothing.
   int OnFrameMessage(std::uint32_t code, std::uint32_t number = 0);
 
-  /// Opens the help file; a box over `owner` tells when it cannot be.
-  void OpenHelp(QWidget* owner);
-
-  /// Hands a file, a folder or an address to the desktop. `onFailure` gets the code if nothing opens it, at once or a
-  /// little later.
-  void OpenWithShell(const std::string& target, std::function<void(int code)> onFailure);
-
-  /// A box over `owner` with the reason of a code, and what could not be opened.
-  void TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title);
+  void OpenHelp(QWidget* owner) override;
+  void OpenWithShell(const std::string& target, std::function<void(int code)> onFailure) override;
+  void TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title) override;
 
   ResultPanes& Panes() { return *panes_; }
-  conversion::RunState& State() { return state_; }
-  const Services& Machine() const { return services_; }
-  const BaseFolder& Base() const { return base_; }
-  controls::DisplayClass Display() const { return controls::DisplayClassOf(DpiX, DpiY); }
+  conversion::RunState& State() override { return state_; }
+  const Services& Machine() const override { return services_; }
+  const BaseFolder& Base() const override { return base_; }
+  QPoint Dpi() const override { return {DpiX, DpiY}; }
 
-  text::Text SourceExtension;  ///< of the file that was browsed for, in lower case
-  int DpiX = 96, DpiY = 96;    ///< of the display; read once, when the frame is made
+  int DpiX = 96, DpiY = 96;  ///< of the display; read once, when the frame is made
 
   CProgressDlg* progressDialog = nullptr;  ///< set during a run, unless its page was left
 

@@ -5,6 +5,7 @@
 namespace velmora::workflow {
 namespace {
 
+constexpr std::string_view kOutlookProgram = "OUTLOOK.EXE";
 constexpr std::size_t kMostProcesses = 1024;
 constexpr std::string_view kMailSupport = "MailSupport";
 constexpr std::uint32_t kInternetOnly = 0;

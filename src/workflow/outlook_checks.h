@@ -5,7 +5,6 @@
 
 namespace velmora::workflow {
 
-inline constexpr std::string_view kOutlookProgram = "OUTLOOK.EXE";
 inline constexpr std::string_view kOutlook2000Key = R"(SOFTWARE\Microsoft\Office\9.0\Outlook\Setup)";
 
 /// Whether one of the two install keys opens for query and set.

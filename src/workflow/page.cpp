@@ -18,9 +18,9 @@
 #include "resources/string_table.h"
 #include "workflow/about_dlg.h"
 #include "workflow/boxes.h"
-#include "workflow/main_frame.h"
 #include "workflow/page_palette.h"
 #include "workflow/qt_text.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 namespace {
@@ -35,7 +35,7 @@ struct TopButtons {
 };
 
 /// The profile page has one size on every display, that of the Medium class.
-DisplayClass ClassOf(TemplateId id, const CMainFrame& frame) {
+DisplayClass ClassOf(TemplateId id, const WizardFrame& frame) {
   return id == kProfileTemplate ? DisplayClass::Medium : frame.Display();
 }
 
@@ -71,7 +71,7 @@ void GiveLook(QWidget& field, const QString& style) {
 
 }  // namespace
 
-Page::Page(CMainFrame& frame, TemplateId id, QSize client) : frame_(frame), display_(ClassOf(id, frame)) {
+Page::Page(WizardFrame& frame, TemplateId id, QSize client) : frame_(frame), display_(ClassOf(id, frame)) {
   const DialogTemplate& made = FindTemplate(id);
   icon_.Load(128, "ICON");
   setFixedSize(client);
@@ -190,6 +190,14 @@ void Page::AskExit() {
   frame_.State().skipExitPrompt = true;
   EndDialog();
   frame_.CloseRule();
+}
+
+void Page::ChooseSource(int row, const QString& file) {
+  auto* next = Control<QWidget>(kNextId);
+  if (row < 0) return next->setEnabled(false);
+  frame_.State().sourcePath = FromQt(file);
+  frame_.State().sourceFileName = FromQt(file.section(u'/', -1));
+  if (!frame_.State().sourceFileName.empty()) next->setEnabled(true);
 }
 
 void Page::OpenPageMenu() {

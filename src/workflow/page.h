@@ -9,7 +9,7 @@
 
 namespace velmora::workflow {
 
-class CMainFrame;
+class WizardFrame;
 
 /// What the window of the wizard shows: a template's controls over the page's art. Each page is made anew on each
 /// visit and deletes itself when it has ended. Enter and Escape do nothing unless a page says so; the close box
@@ -35,7 +35,12 @@ class Page : public QWidget {
 
  protected:
   /// `client` is the size of the page, over which the art is stretched.
-  Page(CMainFrame& frame, resources::TemplateId id, QSize client);
+  Page(WizardFrame& frame, resources::TemplateId id, QSize client);
+
+  template <class Action>
+  void OnClick(std::uint16_t id, Action action) {
+    connect(Control<QAbstractButton>(id), &QAbstractButton::clicked, this, action);
+  }
 
   virtual void OnOK() {}
   virtual void OnCancel() {}
@@ -49,12 +54,15 @@ class Page : public QWidget {
   /// A button's name, which is also its tip, with the key that works it.
   static void NameButton(QAbstractButton& button, const QString& name);
 
+  /// A row of a page's list of files becomes the source. Row -1 disables "Next" and leaves the source as it was.
+  void ChooseSource(int row, const QString& file);
+
   /// The page's menu, at the left bottom corner of its button.
   void OpenPageMenu();
 
   void paintEvent(QPaintEvent* event) override;
 
-  CMainFrame& frame_;
+  WizardFrame& frame_;
 
  private:
   QWidget* MakeControl(const resources::ControlTemplate& control);

@@ -1,6 +1,5 @@
 #include "workflow/progress_dlg.h"
 
-#include <QAbstractButton>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPointer>
@@ -12,17 +11,18 @@
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
-#include "workflow/main_frame.h"
 #include "workflow/qt_text.h"
+#include "workflow/wizard_frame.h"
+#include "workflow/worker.h"
 
 namespace velmora::workflow {
 
 using namespace resources;
 
-CProgressDlg::CProgressDlg(CMainFrame& frame)
-    : Page(frame, kProgressTemplate, controls::ProgressArtSize(frame.DpiX, frame.DpiY)) {
-  connect(Control<QAbstractButton>(kCancelId), &QAbstractButton::clicked, this, &CProgressDlg::StopRule);
-  connect(Control<QAbstractButton>(kFinishId), &QAbstractButton::clicked, this, [this] { EndDialog(); });
+CProgressDlg::CProgressDlg(WizardFrame& frame)
+    : Page(frame, kProgressTemplate, controls::ProgressArtSize(frame.Dpi().x(), frame.Dpi().y())) {
+  OnClick(kCancelId, [this] { StopRule(); });
+  OnClick(kFinishId, [this] { EndDialog(); });
 }
 
 void CProgressDlg::SetText(std::uint16_t id, const QString& text) {
@@ -98,7 +98,7 @@ void CProgressDlg::StopRule() {
   const std::shared_ptr<Worker> worker = frame_.WorkerThread();
   worker->Hold();
   if (AskYesNo(this, LoadString(kStopQuestion), LoadString(kConfirmationTitle))) {
-    CMainFrame& frame = frame_;
+    WizardFrame& frame = frame_;
     const text::Text store = store_;
     worker->Stop();
     EndDialog();

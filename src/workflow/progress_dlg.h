@@ -11,7 +11,7 @@ class CProgressDlg : public Page {
   Q_OBJECT
 
  public:
-  explicit CProgressDlg(CMainFrame& frame);
+  explicit CProgressDlg(WizardFrame& frame);
 
   /// Stage, percentage and end of the run.
   void OnRunMessage(const engine::RunMessage& message);

@@ -9,7 +9,7 @@ class CRepairProfileDlg : public Page {
   Q_OBJECT
 
  public:
-  explicit CRepairProfileDlg(CMainFrame& frame);
+  explicit CRepairProfileDlg(WizardFrame& frame);
 };
 
 }  // namespace velmora::workflow

@@ -1,6 +1,5 @@
 #include "workflow/select_pst_dlg.h"
 
-#include <QAbstractButton>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <filesystem>
@@ -8,23 +7,24 @@
 #include "controls/display_class.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
-#include "workflow/main_frame.h"
 #include "workflow/qt_text.h"
+#include "workflow/wizard_frame.h"
 
 namespace velmora::workflow {
 
 using namespace resources;
 
-CSelectPstDlg::CSelectPstDlg(CMainFrame& frame) : Page(frame, kBrowseTemplate, controls::PageArtSize(frame.Display())) {
-  connect(Control<QAbstractButton>(kBrowseId), &QAbstractButton::clicked, this, &CSelectPstDlg::OnBrowse);
+CSelectPstDlg::CSelectPstDlg(WizardFrame& frame)
+    : Page(frame, kBrowseTemplate, controls::PageArtSize(frame.Display())) {
+  OnClick(kBrowseId, [this] { OnBrowse(); });
   connect(Control<QLineEdit>(kSourceEditId), &QLineEdit::textChanged, this, &CSelectPstDlg::OnSourceChanged);
   for (const std::uint16_t id : {kBackId, kMainId}) {
-    connect(Control<QAbstractButton>(id), &QAbstractButton::clicked, this, [this] {
+    OnClick(id, [this] {
       EndDialog();
       frame_.OpenStartPage();
     });
   }
-  connect(Control<QAbstractButton>(kNextId), &QAbstractButton::clicked, this, [this] {
+  OnClick(kNextId, [this] {
     EndDialog();
     frame_.OpenDestinationPage(kBrowseTemplate);
   });
@@ -46,10 +46,8 @@ void CSelectPstDlg::OnBrowse() {
   frame_.State().sourceFileName = FromQt(chosen.fileName());
   frame_.State().sourcePath = FromQt(chosen.filePath());
   Control<QLineEdit>(kSourceEditId)->setText(chosen.filePath());
-  frame_.SourceExtension = FromQt(chosen.suffix().toLower());
-  if (frame_.SourceExtension != u"pst" && frame_.SourceExtension != u"ost") {
-    Control<QWidget>(kNextId)->setEnabled(false);
-  }
+  const QString extension = chosen.suffix().toLower();
+  if (extension != u"pst" && extension != u"ost") Control<QWidget>(kNextId)->setEnabled(false);
 }
 
 void CSelectPstDlg::OnSourceChanged(const QString& text) {

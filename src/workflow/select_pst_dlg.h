@@ -9,7 +9,7 @@ class CSelectPstDlg : public Page {
   Q_OBJECT
 
  public:
-  explicit CSelectPstDlg(CMainFrame& frame);
+  explicit CSelectPstDlg(WizardFrame& frame);
 
  private:
   void OnBrowse();

@@ -89,20 +89,6 @@ TEST_F(XSkinButtonTest, TheMaskCutsTheCornersOut) {
 TEST_F(XSkinButtonTest, TheTextLeavesRoomForThePicture) {
   EXPECT_EQ(normal_.TextRect().left(), 27);
   EXPECT_EQ(normal_.TextRect().right(), 391 - 4);
-  normal_.SetWideMargin(true);
-  EXPECT_EQ(normal_.TextRect().left(), 62);
-}
-
-TEST_F(XSkinButtonTest, APictureIsStretchedTiledOrShownOnce) {
-  normal_.resize(392, 60);
-  const QImage stretched = normal_.grab().toImage();
-  normal_.SetDrawMode(CxSkinButton::DrawMode::OneToOne);
-  const QImage once = normal_.grab().toImage();
-  normal_.SetDrawMode(CxSkinButton::DrawMode::Tile);
-  const QImage tiled = normal_.grab().toImage();
-  EXPECT_NE(stretched, once);
-  EXPECT_NE(once, tiled);
-  EXPECT_NE(stretched, tiled);
 }
 
 }  // namespace

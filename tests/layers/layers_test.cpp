@@ -38,6 +38,17 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
       "output/items", "store/ndb", "store/ltp", "store/messaging", "output/trace"}},
 };
 
+/// A source and its header are one unit, named by their path without the ending.
+using Cycle = std::set<std::string>;
+
+/// Units that include each other and are still to be taken apart. A line goes with its cycle.
+const std::set<Cycle> kKnownCycles = {
+    {"engine/block_index", "engine/block_proof", "engine/engine_state", "engine/source_window"},
+    {"output/trace/tee", "output/trace/tee_objects"},
+    {"output/trace/trace_folder", "output/trace/trace_item"},
+    {"store/ndb/data_tree_writer", "store/ndb/ndb_writer", "store/ndb/subnode_tree"},
+};
+
 /// Headers of the language and of the libraries that the project uses. Outside the platform layer nothing
 /// else in angle brackets may be included.
 bool IsPortable(std::string_view header) {
@@ -85,6 +96,55 @@ std::vector<Include> AllIncludes() {
   return found;
 }
 
+using Graph = std::map<std::string, std::set<std::string>>;
+
+std::string UnitOf(const fs::path& path) { return (path.parent_path() / path.stem()).string(); }
+
+/// Which units each unit includes.
+Graph IncludedUnits() {
+  Graph graph;
+  for (const Include& include : AllIncludes()) {
+    if (!include.angle) graph[UnitOf(include.file)].insert(UnitOf(include.header));
+  }
+  return graph;
+}
+
+void Reach(const Graph& graph, const std::string& unit, std::set<std::string>& reached) {
+  const auto found = graph.find(unit);
+  if (found == graph.end()) return;
+  for (const std::string& next : found->second) {
+    if (reached.insert(next).second) Reach(graph, next, reached);
+  }
+}
+
+/// The largest sets of units of which each leads to each other one.
+std::set<Cycle> CyclesOf(const Graph& graph) {
+  std::map<std::string, std::set<std::string>> reached;
+  for (const auto& [unit, included] : graph) Reach(graph, unit, reached[unit]);
+  std::set<Cycle> cycles;
+  for (const auto& [unit, from] : reached) {
+    Cycle cycle = {unit};
+    for (const std::string& other : from) {
+      if (reached.contains(other) && reached.at(other).contains(unit)) cycle.insert(other);
+    }
+    if (cycle.size() > 1) cycles.insert(cycle);
+  }
+  return cycles;
+}
+
+/// A line for each include that a cycle is made of.
+std::string Told(const Cycle& cycle, const Graph& graph) {
+  std::string told;
+  for (const std::string& unit : cycle) {
+    const auto found = graph.find(unit);
+    if (found == graph.end()) continue;
+    for (const std::string& included : found->second) {
+      if (included != unit && cycle.contains(included)) told += "  " + unit + " includes " + included + "\n";
+    }
+  }
+  return told;
+}
+
 TEST(Layers, EveryFileBelongsToALayer) {
   const auto includes = AllIncludes();
   ASSERT_GT(includes.size(), 100u) << "the sources were not found under " << kSource;
@@ -98,9 +158,8 @@ TEST(Layers, IncludesGoDownwardAlone) {
     if (include.angle) continue;
     const std::string from = LayerOf(include.file);
     const std::string to = LayerOf(include.header);
-    if (to.empty()) {
-      EXPECT_TRUE(fs::exists((kSource / include.file).parent_path() / include.header))
-          << include.file << ":" << include.line << " includes " << include.header << ", which is in no layer";
+    if (to.empty() || include.header.find("../") != std::string::npos) {
+      ADD_FAILURE() << include.file << ":" << include.line << " includes " << include.header << ", not from the top";
       continue;
     }
     EXPECT_TRUE(to == from || kMayUse.at(from).contains(to))
@@ -113,6 +172,26 @@ TEST(Layers, OnlyThePlatformKnowsTheSystem) {
     if (!include.angle || include.file.starts_with("platform/")) continue;
     EXPECT_TRUE(IsPortable(include.header)) << include.file << ":" << include.line << " includes " << include.header;
   }
+}
+
+TEST(Layers, FilesOfALayerDoNotIncludeEachOtherInACircle) {
+  const Graph graph = IncludedUnits();
+  const std::set<Cycle> cycles = CyclesOf(graph);
+  for (const Cycle& cycle : cycles) {
+    EXPECT_TRUE(kKnownCycles.contains(cycle)) << "a cycle of " << cycle.size() << ":\n" << Told(cycle, graph);
+  }
+  for (const Cycle& known : kKnownCycles) {
+    EXPECT_TRUE(cycles.contains(known)) << *known.begin() << " is in no cycle of " << known.size()
+                                        << " any more; what is left of it:\n"
+                                        << Told(known, graph);
+  }
+}
+
+TEST(Layers, ACircleIsFoundWhoeverBeginsIt) {
+  const Graph graph = {{"in", {"a"}}, {"a", {"b"}}, {"b", {"b", "c", "out"}}, {"c", {"a"}}, {"out", {}}, {"d", {"d"}}};
+  EXPECT_EQ(CyclesOf(graph), std::set<Cycle>({{"a", "b", "c"}}));
+  EXPECT_EQ(Told({"a", "b", "c"}, graph), "  a includes b\n  b includes c\n  c includes a\n");
+  EXPECT_EQ(UnitOf("store/ndb/crc.cpp"), UnitOf("store/ndb/crc.h")) << "a source is one with its header";
 }
 
 TEST(Layers, TheTableItselfGoesDownwardAlone) {

@@ -2,7 +2,6 @@
 
 #include <QSettings>
 
-#include "platform/file_version.h"
 #include "workflow/custom_dlg.h"
 #include "workflow/harness.h"
 #include "workflow/mode_notice.h"
@@ -199,15 +198,6 @@ TEST_F(ApplicationTest, TheEndWaitsAndIsHard) {
   machine_.log.clear();
   application_->ExitInstance();
   EXPECT_THAT(machine_.log, ElementsAre("sleep 300", "exit"));
-}
-
-TEST_F(ApplicationTest, TheVersionOfTheCompanionProgramIsReadWhereThereIsOne) {
-  EXPECT_TRUE(Start());
-  EXPECT_EQ(application_->CompanionVersion(), "");
-  const platform::FileVersionBlock block{.fileVersionHigh = 0x0002'0001, .fileVersionLow = 0x0000'0007};
-  machine_.Write("prefix/bin/vm-oxp32.exe", {reinterpret_cast<const char*>(&block), sizeof block});
-  EXPECT_TRUE(Start());
-  EXPECT_EQ(application_->CompanionVersion(), "2.1.0.7");
 }
 
 }  // namespace

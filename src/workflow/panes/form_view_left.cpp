@@ -87,9 +87,6 @@ void CFormViewLeft::OnMessage(const engine::RunMessage& message) {
     case kRenewSelectionMessage:
       RenewSelection();
       break;
-    case kCountFolderMessage:
-      CountFolder(message.number);
-      break;
     default:
       break;
   }
@@ -175,19 +172,6 @@ void CFormViewLeft::RenewSelection() {
   tree_->setCurrentItem(nullptr);
   tree_->setCurrentItem(current);
   surroundings_.state.treeFilling = filling;
-}
-
-void CFormViewLeft::CountFolder(std::uint32_t id) {
-  const TreeFolderRecord* folder = folders_.OfId(id);
-  if (folder == nullptr) return;
-  try {
-    const auto count = surroundings_.store->Read([&](output::RDOSession& session) {
-      return conversion::CountFolder(session, PathOf(*folder), surroundings_.state.logPath, counters_);
-    });
-    if (count) ShowCount(*folder, *count);
-  } catch (const std::exception&) {
-    // A store that cannot be read has no number to show.
-  }
 }
 
 void CFormViewLeft::WriteSummary(output::RDOSession& session) {

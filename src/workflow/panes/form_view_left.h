@@ -34,7 +34,7 @@ class CFormViewLeft : public QWidget {
 
   CFormViewLeft(QWidget* parent, Surroundings surroundings);
 
-  /// MSG_ADD_FOLDER, kRenewSelectionMessage and kCountFolderMessage.
+  /// MSG_ADD_FOLDER and kRenewSelectionMessage.
   void OnMessage(const engine::RunMessage& message);
 
   /// Forgets all folders, ahead of a run.
@@ -51,7 +51,6 @@ class CFormViewLeft : public QWidget {
   void AddMarker(std::uint32_t id, text::TextView name, std::size_t icon, bool& made);
   const TreeFolderRecord& Insert(const TreeFolderRecord& parent, std::uint32_t id, std::uint32_t parentId,
                                  text::TextView name, text::TextView containerClass, std::size_t icon);
-  void CountFolder(std::uint32_t id);
   void ShowCount(const TreeFolderRecord& folder, std::int32_t count);
   void OnSelectionChanged(QTreeWidgetItem* item);
   void RenewSelection();

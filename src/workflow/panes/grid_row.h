@@ -1,9 +1,6 @@
 // A row of the grid, as the tables of the kinds name it.
 #pragma once
 
-#include <algorithm>
-#include <iterator>
-
 #include "store/operations.h"
 #include "text/text.h"
 
@@ -40,15 +37,6 @@ constexpr output::FieldType FieldTypeOf(RowForm form) {
     default:
       return output::FieldType::Number;
   }
-}
-
-/// Every field of the table can be read, and has the type that its form takes.
-template <class Rows>
-constexpr bool AreWellFormed(const Rows& rows) {
-  return std::all_of(std::begin(rows), std::end(rows), [](const GridRow& row) {
-    const output::FieldInfo& info = output::InfoOf(row.field);
-    return info.readable && info.type == FieldTypeOf(row.form);
-  });
 }
 
 }  // namespace velmora::workflow

@@ -7,7 +7,7 @@
 
 namespace velmora::workflow {
 
-/// The pictures of 16 by 16 in the bitmap of that number, in their order.
+/// The square pictures in the bitmap of that number, in their order.
 std::vector<QIcon> LoadImageList(int bitmap);
 
 }  // namespace velmora::workflow

@@ -9,7 +9,6 @@ namespace velmora::workflow {
 
 enum PaneMessage : std::uint32_t {
   kSwapPaneMessage = 32786,        ///< number: 0 the grid, 1 the list
-  kCountFolderMessage = 32817,     ///< number: folder id; text: its name
   kRenewSelectionMessage = 32818,  ///< selects the current folder anew, without listing it
   kWriteSummaryMessage = 32819,    ///< during a run, while its session is open
   kListFolderMessage = 32834,      ///< text: path of the folder

@@ -84,7 +84,6 @@ void ResultPanes::OnMessage(const engine::RunMessage& message) {
       if (outLook_.Session()) folders_->WriteSummary(*outLook_.Session());
       break;
     case engine::MSG_ADD_FOLDER:
-    case kCountFolderMessage:
     case kRenewSelectionMessage:
       folders_->OnMessage(message);
       break;

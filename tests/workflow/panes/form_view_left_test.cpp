@@ -325,29 +325,11 @@ class FolderCountTest : public FolderTreeTest {
   std::filesystem::path log_ = logFolder_.Path() / "LogInformation.log";
 };
 
-TEST_F(FolderCountTest, TheNumberStandsBehindTheNameWithoutABlank) {
-  state_.treeFilling = true;
-  pane_.OnMessage({.code = 32817, .number = 0x8082, .text = u"Inbox"});
-  EXPECT_EQ(Names(Root()), QStringList({"Inbox(3)", "Tasks", "Orphaned Mails"}));
-  pane_.OnMessage({.code = 32817, .number = 0x8082, .text = u"Inbox"});
-  EXPECT_EQ(Names(Root())[0], "Inbox(3)");
-}
-
 TEST_F(FolderCountTest, AFolderThatTheStoreDoesNotHaveKeepsItsName) {
-  state_.treeFilling = true;
   Recover({{0x80C2, kTop, u"Gone", u"IPF.Note"}});
   Add(0x80C2);
-  pane_.OnMessage({.code = 32817, .number = 0x80C2});
-  pane_.OnMessage({.code = 32817, .number = 0x9999});
-  EXPECT_EQ(Names(Root())[3], "Gone");
-}
-
-TEST_F(FolderCountTest, ANumberGoesToTheLog) {
-  state_.treeFilling = true;
-  pane_.OnMessage({.code = 32817, .number = 0x8082, .text = u"Inbox"});
-  pane_.OnMessage({.code = 32817, .number = 0x9999, .text = u"Nowhere"});
-  pane_.OnMessage({.code = 32817, .number = 0x80A2, .text = u"Tasks"});
-  EXPECT_EQ(Written(), "\r\n\r\n\\\\Test Converted\\Inbox: 3\r\n\r\n\\\\Test Converted\\Tasks: 1");
+  pane_.WriteSummary(*session_);
+  EXPECT_EQ(Names(Root()), QStringList({"Inbox(3)", "Tasks(1)", "Orphaned Mails(1)", "Gone"}));
 }
 
 TEST_F(FolderCountTest, ARunOutlivesASummaryThatFails) {

@@ -116,7 +116,6 @@ int ResultFixture::ExpectShown(const TreeFolderRecord& folder) {
   const std::vector<WrittenItem> items = Written(path);
   const ListedKind* kind = ListedKindOfClass(ToQt(folder.containerClass));
   EXPECT_EQ(panes_.ShowsGrid(), kind != nullptr);
-  ExpectCounted(folder, items.size());
   return kind != nullptr ? ExpectFilled(items, *kind) : ExpectListed(folder, items);
 }
 
@@ -124,13 +123,6 @@ int ResultFixture::ExpectAllFoldersShown() {
   int rows = 0;
   for (const TreeFolderRecord& folder : panes_.FolderPane().Folders().Records()) rows += ExpectShown(folder);
   return rows;
-}
-
-void ResultFixture::ExpectCounted(const TreeFolderRecord& folder, std::size_t items) {
-  panes_.OnMessage({.code = 32817, .number = folder.id, .text = folder.name});
-  if (panes_.FolderPane().Folders().OfId(folder.id) != &folder) return;  // another one of the same number counts
-  const QString count = OpenFolder(ToQt(PathOf(folder))) ? QString("(%1)").arg(items) : QString();
-  EXPECT_EQ(folder.item->text(0), ToQt(folder.name) + count);
 }
 
 int ResultFixture::ExpectListed(const TreeFolderRecord& folder, const std::vector<WrittenItem>& items) {

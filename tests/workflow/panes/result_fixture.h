@@ -58,7 +58,6 @@ class ResultFixture : public testing::Test, public engine::RunObserver {
   conversion::RunOutput MakeOutput();
   /// By the operations that read, past the panes; null where the store has no such folder.
   output::Ref<output::RDOFolder> OpenFolder(const QString& path);
-  void ExpectCounted(const TreeFolderRecord& folder, std::size_t items);
   int ExpectListed(const TreeFolderRecord& folder, const std::vector<WrittenItem>& items);
   int ExpectFilled(const std::vector<WrittenItem>& items, const ListedKind& kind);
 

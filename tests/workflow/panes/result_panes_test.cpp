@@ -290,7 +290,6 @@ class PanesDuringARunTest : public ResultPanesTest {
     ++asked_;
     panes_.ListPane().selectRow(0);
     panes_.OnMessage({.code = 32848, .text = u"\\\\demo Converted\\Inbox"});
-    panes_.OnMessage({.code = 32817, .number = panes_.FolderPane().Folders().Root().id});
     Tree().setCurrentItem(Tree().topLevelItem(0));
     EXPECT_FALSE(state_.previewSession) << "the store is not finished";
     EXPECT_EQ(Body(), "");
@@ -302,7 +301,6 @@ class PanesDuringARunTest : public ResultPanesTest {
 TEST_F(PanesDuringARunTest, NothingIsReadFromAStoreThatIsBeingWritten) {
   Run(Demo());
   EXPECT_GT(asked_, 0);
-  EXPECT_EQ(Tree().topLevelItem(0)->text(0), "demo Converted") << "not counted either";
   EXPECT_GT(ExpectAllFoldersShown(), 50) << "and all of it afterwards";
 }
 
