@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "conversion/notices.h"
+
 namespace velmora::cli {
 namespace {
 
@@ -9,28 +11,19 @@ constexpr std::uint32_t kClosing = 9;
 
 }  // namespace
 
-void Console::OnMessage(const engine::RunMessage& message) {
-  switch (message.code) {
-    case engine::MSG_STAGE: {
-      const std::uint32_t stage = message.detail == 1 ? kClosing : message.number;
-      if (stage == kClosing) beforeClose_();
-      if (progress_ != nullptr) progress_->OnStage(stage);
-      break;
-    }
-    case engine::MSG_PROGRESS:
-      if (progress_ != nullptr) progress_->OnPercentage(message.number);
-      break;
-    case engine::MSG_DONE:
-      done_ = true;
-      break;
-    default:
-      break;
+void Console::OnEvent(const engine::Event& event) {
+  if (const auto* begun = std::get_if<engine::StageBegun>(&event)) {
+    if (begun->stage == kClosing) beforeClose_();
+    if (progress_ != nullptr) progress_->OnStage(begun->stage);
+  } else if (const auto* progress = std::get_if<engine::Progress>(&event)) {
+    if (progress_ != nullptr) progress_->OnPercentage(progress->percentage);
+  } else if (const auto* notice = std::get_if<engine::Notice>(&event)) {
+    const conversion::NoticeText text = conversion::TextOf(*notice);
+    if (text.isError) lastError_ = *notice;
+    Say(fmt::format("{}: {}", text::ToUtf8(text.title), text::ToUtf8(text.text)));
+  } else if (std::holds_alternative<engine::Done>(event)) {
+    done_ = true;
   }
-}
-
-void Console::OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) {
-  if (kind == engine::BoxKind::kError) lastError_ = message;
-  Say(fmt::format("{}: {}", text::ToUtf8(title), text::ToUtf8(message)));
 }
 
 void Console::Say(std::string_view line) {

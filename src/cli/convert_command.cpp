@@ -12,6 +12,7 @@
 #include "cli/result_text.h"
 #include "cli/run_targets.h"
 #include "conversion/free_space.h"
+#include "conversion/notices.h"
 #include "conversion/worker.h"
 #include "platform/process.h"
 #include "platform/stop_signals.h"
@@ -59,7 +60,7 @@ class Conversion {
 
   ExitCode Run() {
     if (const auto opened = targets_.Open(options_); !opened) {
-      console_.Say(fmt::format("velmora-convert: {}: {}", opened.error().object, opened.error().message));
+      console_.Say("velmora-convert: " + conversion::CauseOf(opened.error()));
       return ExitCode::kNoOutput;
     }
     const ExitCode code = RunSteps();
@@ -72,17 +73,17 @@ class Conversion {
     const text::Text destination = FullPath(options_.destination);
     state_.destinationPath = options_.dryRun ? targets_.TemporaryFolder() : destination;
     if (!options_.dryRun && !conversion::HasEnoughFreeSpace(destination, state_.sourcePath)) {
-      refusal_ = conversion::kNotEnoughSpace;
-      state_.run.ShowInformation(refusal_);
-      return ExitCodeOfBox(refusal_);
+      ended_ = engine::Notice{engine::NoticeKind::kNotEnoughSpace, {}, {}};
+      state_.run.Say(*ended_);
+      return ExitCodeOf(ended_->kind);
     }
     const platform::StopSignals signals([](void* control) { static_cast<engine::RunControl*>(control)->RequestStop(); },
                                         &state_.run.control);
     const conversion::RunEnd end = conversion::RunConversion(outLook_, state_);
-    refusal_ = console_.LastError();
-    if (!refusal_.empty()) {
-      if (!outLook_.Report().failure.empty()) console_.Say("velmora-convert: " + outLook_.Report().failure);
-      const ExitCode code = ExitCodeOfBox(refusal_);
+    ended_ = console_.LastError();
+    if (ended_) {
+      if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + conversion::CauseOf(ended_->cause));
+      const ExitCode code = ExitCodeOf(ended_->kind);
       // Nobody knows whether a store is valid that could not be read.
       return code == ExitCode::kNotValid && TellReadFailure() ? ExitCode::kInputOutput : code;
     }
@@ -113,7 +114,7 @@ class Conversion {
   ExitCode Finish(ExitCode code) {
     bool written = true;
     const auto note = [&](const platform::Failure& failure) {
-      console_.Say(fmt::format("velmora-convert: {}: {}", failure.object, failure.message));
+      console_.Say("velmora-convert: " + conversion::CauseOf(failure));
       written = false;
     };
     const auto& left = outLook_.Report().left;
@@ -134,7 +135,7 @@ class Conversion {
     ReportFrame frame;
     frame.source = state_.sourcePath;
     frame.destination = targets_.Shown(state_.destinationPath, FullPath(options_.destination));
-    frame.refusal = refusal_;
+    if (ended_) frame.refusal = conversion::TextOf(*ended_).text;
     frame.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
     frame.peakRssKiB = platform::PeakRssKiB();
     return ReportJson(frame, outLook_.Report());
@@ -152,7 +153,7 @@ class Conversion {
   Console console_;
   conversion::RunState state_;
   conversion::COutLook outLook_;
-  text::Text refusal_;
+  std::optional<engine::Notice> ended_;  ///< what the run ended with before it was done
   conversion::StoreContents contents_;
 };
 

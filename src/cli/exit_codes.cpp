@@ -1,31 +1,31 @@
 #include "cli/exit_codes.h"
 
-#include "conversion/free_space.h"
-#include "conversion/messages.h"
+#include <algorithm>
+#include <iterator>
 
 namespace velmora::cli {
 namespace {
 
-struct BoxRow {
-  text::TextView beginning;
+using conversion::NoticeKind;
+
+struct NoticeRow {
+  NoticeKind kind;
   ExitCode code;
 };
 
-constexpr BoxRow kBoxes[] = {
-    {engine::kSourceNotOpened, ExitCode::kNoSource},    {engine::kNotValid, ExitCode::kNotValid},
-    {engine::kNoIndexFile, ExitCode::kNoOutput},        {conversion::kComponentMissing, ExitCode::kNoOutput},
-    {conversion::kNoOutputFolder, ExitCode::kNoOutput}, {conversion::kStoreNotMade, ExitCode::kNoOutput},
-    {conversion::kNotEnoughSpace, ExitCode::kNoOutput}, {conversion::kStoreNotWritten, ExitCode::kInputOutput},
-    {conversion::kDiskFull, ExitCode::kInputOutput},
+constexpr NoticeRow kNotices[] = {
+    {NoticeKind::kSourceNotOpened, ExitCode::kNoSource},    {NoticeKind::kNotValid, ExitCode::kNotValid},
+    {NoticeKind::kNoIndexFile, ExitCode::kNoOutput},        {NoticeKind::kComponentMissing, ExitCode::kNoOutput},
+    {NoticeKind::kComponentFailed, ExitCode::kNoOutput},    {NoticeKind::kNoOutputFolder, ExitCode::kNoOutput},
+    {NoticeKind::kNotEnoughSpace, ExitCode::kNoOutput},     {NoticeKind::kStoreNotMade, ExitCode::kNoOutput},
+    {NoticeKind::kStoreNotWritten, ExitCode::kInputOutput}, {NoticeKind::kDiskFull, ExitCode::kInputOutput},
 };
 
 }  // namespace
 
-ExitCode ExitCodeOfBox(text::TextView message) {
-  for (const BoxRow& row : kBoxes) {
-    if (message.starts_with(row.beginning)) return row.code;
-  }
-  return ExitCode::kAborted;
+ExitCode ExitCodeOf(NoticeKind kind) {
+  const auto row = std::ranges::find(kNotices, kind, &NoticeRow::kind);
+  return row == std::end(kNotices) ? ExitCode::kAborted : row->code;
 }
 
 }  // namespace velmora::cli

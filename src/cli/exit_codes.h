@@ -1,9 +1,9 @@
-// How the program ends: the one table of its exit codes, and which of them a message of the run leads to.
+// How the program ends: the one table of its exit codes, and which of them a notice of the run leads to.
 #pragma once
 
 #include <string_view>
 
-#include "text/text.h"
+#include "conversion/notices.h"
 
 namespace velmora::cli {
 
@@ -37,7 +37,7 @@ inline constexpr ExitCodeRow kExitCodes[] = {
     {ExitCode::kStopped, "stopped by Ctrl-C"},
 };
 
-/// The exit code for the text of a box that ended the run.
-ExitCode ExitCodeOfBox(text::TextView message);
+/// The exit code of a run that ended with this notice.
+ExitCode ExitCodeOf(conversion::NoticeKind kind);
 
 }  // namespace velmora::cli

@@ -68,7 +68,7 @@ Json SkippedOf(const recovery::RecoveryReport& report) {
   return skipped;
 }
 
-Json FolderOf(const recovery::RecoveredFolder& folder) {
+Json FolderOf(const engine::FolderRecord& folder) {
   return {{"nid", folder.nid},
           {"parentNid", folder.parentNid},
           {"name", text::ToUtf8(folder.name)},

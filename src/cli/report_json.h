@@ -12,7 +12,7 @@ namespace velmora::cli {
 struct ReportFrame {
   text::Text source;
   text::Text destination;  ///< path of the new store, or the folder that was to hold it where it was not named yet
-  text::Text refusal;      ///< text of the box that ended the run; empty: none
+  text::Text refusal;      ///< text of the notice that ended the run; empty: none
   double seconds = 0.0;
   std::uint64_t peakRssKiB = 0;
 };

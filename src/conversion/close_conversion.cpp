@@ -42,7 +42,7 @@ void ReportFullTable(recovery::RecoveryReport& report, const output::FullTable& 
 
 void COutLook::CloseConversion() {
   CompleteReport();
-  state_.run.Send(engine::MSG_STAGE, 9, 1);
+  state_.run.BeginStage(9);
   Protected([&] {
     engine_.index.Clear();
     DeleteIndexFile(engine_.outputFolder);

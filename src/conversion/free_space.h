@@ -14,9 +14,4 @@ bool IsEnoughSpace(std::uint64_t sourceBytes, std::uint64_t freeBytes);
 /// source. A source that cannot be opened counts as size 0; a file system that does not answer has no room.
 bool HasEnoughFreeSpace(text::TextView destination, text::TextView sourcePath);
 
-/// Shown under "Information" when there is not.
-inline constexpr text::TextView kNotEnoughSpace =
-    u"Not enough free disk space available to save converted .pst file.\n"
-    u"Please start the process again by selecting another destination path.";
-
 }  // namespace velmora::conversion

@@ -2,7 +2,6 @@
 
 #include <exception>
 
-#include "conversion/messages.h"
 #include "engine/steps.h"
 #include "output/items/item_converters.h"
 #include "recovery/steps.h"
@@ -40,7 +39,7 @@ void COutLook::ProbeFormat() {
     return;
   }
   CloseSourceAndLog();
-  state_.run.ShowError(engine::kNotValid);
+  state_.run.Say(engine::Notice{engine::NoticeKind::kNotValid, {}, {}});
   CloseConversion();
   throw engine::WorkerEnded{};
 }
@@ -72,11 +71,20 @@ void COutLook::NoteEarlyEnd(const std::exception& failure) {
       {recovery::LossKind::kRun, 0, 0, {}, u"a step of the run ended early: " + text::FromUtf8(failure.what())});
 }
 
-void COutLook::ReportStoreFailure(bool full, const std::string& cause) {
-  report_.failure = cause;
+void COutLook::ReportStoreFailure(const platform::Failure& cause) {
   storeFailed_ = true;
-  state_.run.ShowError(text::Text(full ? kDiskFull : kStoreNotWritten) + state_.destinationPath);
-  state_.run.runAborted = true;
+  const bool isFull = cause.kind == platform::FailureKind::kFull;
+  state_.run.Abort(
+      {isFull ? engine::NoticeKind::kDiskFull : engine::NoticeKind::kStoreNotWritten, state_.destinationPath, cause});
+}
+
+platform::Failure FailureOf(const std::exception& failure) {
+  const auto* output = dynamic_cast<const output::OutputFailure*>(&failure);
+  const bool isFull = output != nullptr && output->Code() == output::ResultCode::STG_E_MEDIUMFULL;
+  return {.kind = isFull ? platform::FailureKind::kFull : platform::FailureKind::kInputOutput,
+          .object = {},
+          .offset = 0,
+          .message = failure.what()};
 }
 
 }  // namespace velmora::conversion

@@ -4,7 +4,6 @@
 #include <exception>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include "conversion/run_log.h"
 #include "conversion/run_output.h"
@@ -53,8 +52,8 @@ class COutLook {
   /// Forgets the map of named properties, as the worker does behind the last step.
   void FreeNamedPropMap() { recovery_.namedProps.Clear(); }
 
-  /// Shows the one message about a store that can no longer be written, and raises `runAborted`.
-  void ReportStoreFailure(bool full, const std::string& cause);
+  /// Says the one notice about a store that can no longer be written, and raises `runAborted`.
+  void ReportStoreFailure(const platform::Failure& cause);
 
   /// Keeps for the report that a step left its work by a failure. The run goes on with the next step.
   void NoteEarlyEnd(const std::exception& failure);
@@ -106,5 +105,8 @@ class COutLook {
   std::unique_ptr<RunLogFile> logHandle_;
   text::Text logText_;  ///< the source's path, for the log
 };
+
+/// What an exception tells, as the one value that failures are.
+platform::Failure FailureOf(const std::exception& failure);
 
 }  // namespace velmora::conversion

@@ -22,7 +22,6 @@ struct RunReport {
   /// What the new store holds where it could not be written to the end; the counts of `recovery` are of it then.
   std::optional<LeftStore> left;
   std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed
-  std::string failure;                           ///< why the run failed, for people who look after it; may be empty
 };
 
 }  // namespace velmora::conversion

@@ -1,10 +1,11 @@
-#include "conversion/messages.h"
 #include "conversion/out_look.h"
 #include "platform/file.h"
 #include "platform/process.h"
 
 namespace velmora::conversion {
 namespace {
+
+using engine::NoticeKind;
 
 constexpr text::TextView kProfile = u"VelmoraRepairOutlook";
 
@@ -39,15 +40,13 @@ text::Text BaseFolderOf(text::Text destination) {
 
 void COutLook::SetUpConversion(text::Text destination, const text::Text& name) {
   if (state_.run.runEnded) return;
-  state_.run.Send(engine::MSG_STAGE, 3);
+  state_.run.BeginStage(3);
   try {
     CreateOutput(std::move(destination), name);
   } catch (const std::exception& failure) {
     // What was made stays: the profile, the folder, the store.
     CloseSourceAndLog();
-    report_.failure = failure.what();
-    state_.run.ShowError(kComponentFailed);
-    state_.run.runAborted = true;
+    state_.run.Abort({NoticeKind::kComponentFailed, {}, FailureOf(failure)});
   }
 }
 
@@ -69,12 +68,7 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
   session_ = output_.library->CreateRDOSession();
   if (!profiles_ || !session_) {
     CloseSourceAndLog();
-    state_.run.Send(engine::MSG_ERROR_NOTICE);
-    if (!StartComponentSetup()) {
-      if (state_.run.observer != nullptr) {
-        state_.run.observer->OnBox(engine::BoxKind::kError, u"Error", kComponentMissing);
-      }
-    }
+    if (!StartComponentSetup()) state_.run.Say(engine::Notice{NoticeKind::kComponentMissing, {}, {}});
     CloseConversion();
     throw engine::WorkerEnded{};
   }
@@ -96,11 +90,9 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
 
   if (const auto made = platform::CreateFolder(engine_.outputFolder); !made) {
     CloseSourceAndLog();
-    const bool isThere = made.error().kind == platform::FailureKind::kExists;
-    report_.failure = made.error().object + ": " + (isThere ? "the folder is there already" : made.error().message);
-    state_.run.ShowError(kNoOutputFolder);
-    state_.run.runAborted = true;
-    return;
+    platform::Failure cause = made.error();
+    if (cause.kind == platform::FailureKind::kExists) cause.message = "the folder is there already";
+    return state_.run.Abort({NoticeKind::kNoOutputFolder, {}, std::move(cause)});
   }
   try {
     targetStore_ = session_->Stores()->AddPSTStore(state_.destinationPath, state_.convertedName);
@@ -108,10 +100,7 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
   } catch (const output::OutputFailure& failure) {
     if (!output::IsStoreFailure(failure)) throw;
     CloseSourceAndLog();
-    report_.failure = failure.what();
-    state_.run.ShowError(kStoreNotMade);
-    state_.run.runAborted = true;
-    return;
+    return state_.run.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
   }
   state_.logPath = text::FromFileName((engine_.outputFolder / "LogInformation.log").string());
   if (logHandle_ != nullptr) WriteLogHeader();
@@ -140,7 +129,7 @@ void COutLook::WriteLogHeader() {
 bool COutLook::StartComponentSetup() {
   const auto program = platform::ProgramPath();
   if (!program || !platform::StartProgram(program->parent_path() / "Reg.exe")) return false;
-  state_.run.ShowInformation(kRegistering);
+  state_.run.Say(engine::Notice{NoticeKind::kRegistering, {}, {}});
   if (state_.closeWindow) {
     state_.skipExitPrompt = true;
     state_.closeWindow();

@@ -1,6 +1,6 @@
 #include "conversion/worker.h"
 
-#include "conversion/messages.h"
+#include "conversion/notices.h"
 
 namespace velmora::conversion {
 namespace {
@@ -11,7 +11,7 @@ void RunStep(COutLook& outLook, void (COutLook::*step)()) {
     (outLook.*step)();
   } catch (const output::OutputFailure& failure) {
     if (!output::IsStoreFailure(failure)) return outLook.NoteEarlyEnd(failure);
-    outLook.ReportStoreFailure(failure.Code() == output::ResultCode::STG_E_MEDIUMFULL, failure.what());
+    outLook.ReportStoreFailure(FailureOf(failure));
   } catch (const std::exception& failure) {
     outLook.NoteEarlyEnd(failure);
   }
@@ -19,8 +19,7 @@ void RunStep(COutLook& outLook, void (COutLook::*step)()) {
 
 void TellSealFailure(COutLook& outLook, const RunState& state) {
   if (!outLook.SealFailure() || state.run.runAborted) return;
-  const platform::Failure& failure = *outLook.SealFailure();
-  outLook.ReportStoreFailure(failure.kind == platform::FailureKind::kFull, failure.message);
+  outLook.ReportStoreFailure(*outLook.SealFailure());
 }
 
 }  // namespace
@@ -48,12 +47,12 @@ RunEnd RunConversion(COutLook& outLook, RunState& state) {
     return RunEnd::kStopped;
   }
   outLook.FreeNamedPropMap();
-  run.Send(engine::MSG_CLEAR_LIST);
+  run.Say(engine::ListCleared{});
   if (!run.runAborted) {
     if (run.runEnded) {
-      run.ShowInformation(text::Text(kAborted) + state.destinationPath);
+      run.Say(engine::Notice{engine::NoticeKind::kAborted, state.destinationPath, {}});
     } else {
-      run.Send(engine::MSG_DONE);
+      run.Say(engine::Done{});
     }
   }
   run.runEnded = true;

@@ -1,5 +1,4 @@
 #include "engine/block_collector.h"
-#include "engine/messages.h"
 #include "engine/steps.h"
 #include "engine/trailer_scan.h"
 #include "store/format/signature.h"
@@ -75,34 +74,29 @@ void ScanSource(EngineState& state, RunContext& run, IndexFile& file) {
       }
     }
     offset += kScanStep;
-    run.Send(MSG_PROGRESS, state.PercentOfSource(offset), 2);
+    run.SayProgress(state.PercentOfSource(offset), Phase::kBlockScan);
   }
-}
-
-void RefuseRun(RunContext& run, text::TextView message) {
-  run.ShowError(message);
-  run.runAborted = true;
 }
 
 }  // namespace
 
 void ScanBlockPages(EngineState& state, RunContext& run) {
   if (run.runEnded || run.runAborted) return;
-  run.Send(MSG_STAGE, 5);
+  run.BeginStage(5);
 
   state.blockRecordCount = 0;
   state.orphanBlockCount = 0;
   state.indexFileName = "FirstTableItem.dat";
   auto file = IndexFile::Create(state.outputFolder / state.indexFileName, state);
-  if (!file) return RefuseRun(run, kNoIndexFile);
+  if (!file) return run.Abort({NoticeKind::kNoIndexFile, {}, file.error()});
 
   ScanSource(state, run, *file);
   if (run.runEnded) return;
   if (run.smartScan) state.referencedIds.Clear();
 
   const auto records = file->Finish(run);
-  if (!records) return RefuseRun(run, kNoIndexFile);
-  if (*records < kLeastRecords) RefuseRun(run, kNotValid);
+  if (!records) return run.Abort({NoticeKind::kNoIndexFile, {}, records.error()});
+  if (*records < kLeastRecords) run.Abort({NoticeKind::kNotValid, {}, {}});
   run.Log(u"\r\n");
   run.Log(u"Collecting BBT Entries");
   state.percentBase = state.nodeCount / 100;

@@ -69,7 +69,7 @@ std::optional<FormatId> FormatOfHeader(ByteView header) {
 
 ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
   if (run.runEnded) return ProbeResult::kFound;
-  run.Send(MSG_STAGE, 2);
+  run.BeginStage(2);
 
   SourceWindow window(state);
   state.storeKind = KindOf(window.Peek(0, 512).U16(8));
@@ -84,7 +84,7 @@ ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
     format = FormatOfWindow(offset, bytes);
     if (format) break;
     offset += kProbeStep;
-    run.Send(MSG_PROGRESS, state.PercentOfSource(offset), 1);
+    run.SayProgress(state.PercentOfSource(offset), Phase::kProbe);
     more = !bytes.Empty();
   }
 

@@ -52,7 +52,7 @@ void ReadNodePage(const PageLayout& layout, ByteView page, NodeList& nodes) {
 
 void ScanNodePages(EngineState& state, RunContext& run) {
   if (run.runEnded || run.runAborted) return;
-  run.Send(MSG_STAGE, 4);
+  run.BeginStage(4);
 
   const PageLayout& layout = state.layout;
   const Walk walk = WalkOf(layout);
@@ -66,7 +66,7 @@ void ScanNodePages(EngineState& state, RunContext& run) {
       if (IsNodePage(layout, offset + p, page)) ReadNodePage(layout, page, state.nodes);
     }
     offset += walk.length;
-    run.Send(MSG_PROGRESS, state.PercentOfSource(offset), 3);
+    run.SayProgress(state.PercentOfSource(offset), Phase::kNodeScan);
     if (run.runEnded) return;
   }
 

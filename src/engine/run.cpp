@@ -28,13 +28,21 @@ void RunControl::Reset() {
   Resume();
 }
 
-void RunContext::ShowError(text::TextView message) const {
-  Send(MSG_ERROR_NOTICE);
-  if (observer != nullptr) observer->OnBox(BoxKind::kError, u"Error", message);
+void RunContext::BeginStage(std::uint32_t stage) {
+  said_.reset();
+  Say(StageBegun{stage});
 }
 
-void RunContext::ShowInformation(text::TextView message) const {
-  if (observer != nullptr) observer->OnBox(BoxKind::kInformation, u"Information", message);
+void RunContext::SayProgress(std::uint64_t percentage, Phase phase) {
+  const Progress progress{static_cast<std::uint32_t>(percentage), phase};
+  if (said_ == progress) return;
+  said_ = progress;
+  Say(progress);
+}
+
+void RunContext::Abort(Notice notice) {
+  Say(notice);
+  runAborted = true;
 }
 
 }  // namespace velmora::engine

@@ -3,47 +3,13 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <cstdint>
 #include <mutex>
+#include <optional>
 
+#include "engine/event.h"
 #include "text/text.h"
 
 namespace velmora::engine {
-
-/// Codes of the messages of a run. Those of the panes are sent by the recovery and the converters.
-enum MessageCode : std::uint32_t {
-  MSG_ERROR_NOTICE = 32785,  ///< to the main window, just before every error box
-  MSG_PROGRESS = 32804,  ///< number: percentage; detail: phase (1 probe, 2 block scan, 3 node scan, 4 folders, 0 later)
-  MSG_DONE = 32805,      ///< the conversion is complete
-  MSG_STAGE = 32806,     ///< number: stage; detail: 0, or 1 to force stage 9
-  MSG_ADD_FOLDER = 32816,       ///< number: folder id or marker; text: name of a marker
-  MSG_LIST_FIELD = 32832,       ///< number: 1 from, 2 to, 3 subject, 4 date; text: the field
-  MSG_CLEAR_LIST = 32833,       ///< deletes all rows of the item list
-  MSG_LIST_ATTACHMENT = 32835,  ///< the current row has attachments
-  MSG_CLEAR_BODY = 32849,       ///< blanks the body pane
-};
-
-struct RunMessage {
-  std::uint32_t code = 0;
-  std::uint32_t number = 0;
-  std::uint32_t detail = 0;
-  text::Text text = {};
-
-  friend bool operator==(const RunMessage&, const RunMessage&) = default;
-};
-
-enum class BoxKind { kError, kInformation };
-
-/// Everything that a run says, in order and synchronously: the worker waits for the observer. Command
-/// line, pages, panes and tests are observers.
-class RunObserver {
- public:
-  virtual ~RunObserver() = default;
-  virtual void OnMessage(const RunMessage& message) = 0;
-
-  /// A message box with one OK button. The title is "Error" or "Information".
-  virtual void OnBox(BoxKind kind, text::TextView title, text::TextView message) = 0;
-};
 
 /// The text log of a run, LogInformation.log. It only tells; nothing of a run depends on it.
 class RunLog {
@@ -57,7 +23,7 @@ class RunLog {
 /// does not derive from std::exception.
 struct RunStopped {};
 
-/// Thrown by a step that ends the worker after its box and its clean-up; caught by the worker alone.
+/// Thrown by a step that ends the worker after its notice and its clean-up; caught by the worker alone.
 struct WorkerEnded {};
 
 /// Holds and stops a run from another thread (or, RequestStop alone, from a signal handler).
@@ -84,12 +50,12 @@ class RunControl {
 };
 
 /// The flags and partners of a run. `runEnded` is raised by the worker as its last action and cleared by
-/// the frame; `runAborted` says that a step failed after showing its message.
+/// the frame; `runAborted` says that a step failed and said so.
 struct RunContext {
   std::atomic<bool> runEnded{false};
   std::atomic<bool> runAborted{false};
   std::atomic<bool> smartScan{false};
-  RunObserver* observer = nullptr;  ///< not owned; null: messages are lost
+  RunObserver* observer = nullptr;  ///< not owned; null: nobody listens
   RunLog* log = nullptr;            ///< not owned; null while the log switch is off
   RunControl control;
 
@@ -98,15 +64,18 @@ struct RunContext {
     if (log != nullptr) log->Write(piece);
   }
 
-  void Send(std::uint32_t code, std::uint32_t number = 0, std::uint32_t detail = 0, text::TextView text = {}) const {
-    if (observer != nullptr) observer->OnMessage({code, number, detail, text::Text(text)});
+  void Say(const Event& event) const {
+    if (observer != nullptr) observer->OnEvent(event);
   }
+  void BeginStage(std::uint32_t stage);
+  /// Says the number when it is another one than before.
+  void SayProgress(std::uint64_t percentage, Phase phase = Phase::kLater);
 
-  /// MSG_ERROR_NOTICE, then the box under the title "Error".
-  void ShowError(text::TextView message) const;
+  /// Says why the run cannot go on, and raises `runAborted`.
+  void Abort(Notice notice);
 
-  /// A box under the title "Information", with no notice before it.
-  void ShowInformation(text::TextView message) const;
+ private:
+  std::optional<Progress> said_;  ///< in this stage
 };
 
 }  // namespace velmora::engine

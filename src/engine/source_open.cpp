@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "engine/messages.h"
 #include "engine/steps.h"
 
 namespace velmora::engine {
@@ -8,10 +7,10 @@ namespace velmora::engine {
 void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path,
                 const platform::SourceOpener& open) {
   state = EngineState{};
-  run.Send(MSG_STAGE, 1);
+  run.BeginStage(1);
   auto source = open(path);
   if (!source) {
-    run.ShowError(kSourceNotOpened);
+    run.Say(Notice{NoticeKind::kSourceNotOpened, {}, source.error()});
     throw WorkerEnded{};
   }
   state.source = std::move(*source);

@@ -1,5 +1,9 @@
 #include "platform/file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -9,10 +13,6 @@
 #include <string>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 static_assert(std::endian::native == std::endian::little, "numbers of a store are read as the host holds them");
 static_assert(sizeof(off_t) == 8, "stores above 2 GB");
@@ -70,7 +70,8 @@ class SystemFile : public ByteStore {
   Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
     std::size_t done = 0;
     while (done < out.size()) {
-      const ssize_t n = ::pread(descriptor_.Get(), out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+      const ssize_t n =
+          ::pread(descriptor_.Get(), out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
       if (n < 0 && errno == EINTR) continue;
       if (n < 0) return Fail(errno, name_, offset + done);
       if (n == 0) break;
@@ -142,7 +143,9 @@ Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int 
   if (descriptor.Get() < 0) return Fail(errno, path.string());
   struct stat status {};
   if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path.string());
-  if (!S_ISREG(status.st_mode)) return Fail(S_ISDIR(status.st_mode) ? EISDIR : EACCES, path.string());
+  if (S_ISDIR(status.st_mode)) return Fail(EISDIR, path.string());
+  if (!S_ISREG(status.st_mode))
+    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), 0, "no regular file"});
   return std::make_unique<SystemFile>(std::move(descriptor), path.string(), static_cast<std::uint64_t>(status.st_size));
 }
 

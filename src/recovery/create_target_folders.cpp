@@ -109,7 +109,7 @@ class FolderMaker {
 }  // namespace
 
 void CreateTargetFolders(RecoveryState& state, std::vector<FolderRecord> recovered, engine::RunContext& run) {
-  run.Send(engine::MSG_STAGE, kTargetFolderStage);
+  run.BeginStage(kTargetFolderStage);
 
   // The folders directly below the store's root never become target folders; their children hang from the top.
   std::vector<FolderRecord> ordered = OrderFolders(std::move(recovered));
@@ -120,6 +120,7 @@ void CreateTargetFolders(RecoveryState& state, std::vector<FolderRecord> recover
     return isLeftOut;
   });
   state.folders = FolderList(std::move(ordered));
+  run.Say(engine::FoldersKnown{state.folders.Records(), state.topFolderNid});
 
   FolderLosses losses(state, std::move(leftOut));
   losses.ReportMoved();

@@ -7,18 +7,12 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engine/event.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
 
-struct FolderRecord {
-  std::uint32_t nid = 0;
-  std::uint32_t parentNid = 0;  ///< nidParent of its node record
-  text::Text name;
-  text::Text containerClass;  ///< "IPF.Note" when the folder's block has none
-
-  friend bool operator==(const FolderRecord&, const FolderRecord&) = default;
-};
+using engine::FolderRecord;
 
 /// Rewrites "IPF.Imap", letter case ignored, as "IPF.Note".
 void NormaliseClass(FolderRecord& folder);

@@ -37,7 +37,7 @@ void HandleAttachments(ItemRun& items) {
     ++items.subNodesHandled;
     if (isAttachment && !reader.Missing().empty()) ReportAttachment(items, entry, reader.Missing());
   }
-  if (reader.AttachmentAdded()) items.run.Send(engine::MSG_LIST_ATTACHMENT);
+  if (reader.AttachmentAdded()) items.run.Say(engine::AttachmentsListed{});
 }
 
 }  // namespace velmora::recovery

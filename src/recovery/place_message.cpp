@@ -48,7 +48,7 @@ bool PlaceMessage(ItemRun& items, text::TextView messageClass, std::uint32_t fol
     state.targetFolder = OpenFolder(state, path);
   }
   state.currentFolderName = split.leaf;
-  items.run.Send(engine::MSG_ADD_FOLDER, folderNid);
+  items.run.Say(engine::FolderReached{folderNid, {}});
   return true;
 }
 

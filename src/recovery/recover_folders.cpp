@@ -19,7 +19,6 @@ using engine::RunContext;
 namespace {
 
 constexpr std::uint32_t kFolderStage = 6;
-constexpr std::uint32_t kFolderPhase = 4;
 
 /// The walk over the node list.
 class FolderRecovery {
@@ -66,7 +65,7 @@ class FolderRecovery {
     ++counter_;
     const std::uint64_t progress =
         engine_.nodeCount < 101 ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
-    run_.Send(engine::MSG_PROGRESS, static_cast<std::uint32_t>(progress), kFolderPhase);
+    run_.SayProgress(progress, engine::Phase::kFolders);
   }
 
   bool TryFolder(const NodeRecord& node) {
@@ -117,16 +116,14 @@ class FolderRecovery {
 
 void RecoverFolders(RecoveryState& state, EngineState& engine, RunContext& run) {
   if (run.runEnded || run.runAborted) return;
-  run.Send(engine::MSG_STAGE, kFolderStage);
+  run.BeginStage(kFolderStage);
 
   state.allowance = ContentAllowance::Of(engine);
   state.reportAllowance = ContentAllowance::ForReport(engine);
   FolderRecovery recovery(state, engine, run);
   WithinFrame([&recovery] { recovery.WalkNodes(); });
   std::vector<FolderRecord> recovered = recovery.Finish();
-  for (const FolderRecord& folder : recovered) {
-    state.report.folders.push_back({folder.nid, folder.parentNid, folder.name, folder.containerClass});
-  }
+  state.report.folders = recovered;
 
   run.Log(u"\r\n\r\n");
   run.Log(u"---------Recovering name of folders and mail items---------");

@@ -28,7 +28,7 @@ class ItemRecovery {
       if (run_.runEnded) return;
       run_.control.PausePoint();
       const std::uint64_t progress = Progress();
-      if (CountsItems() || progress <= kLastPercent) Report(progress);
+      if (CountsItems() || progress <= kLastPercent) run_.SayProgress(progress);
       const std::size_t listed = state_.report.lost.size();
       const std::uint64_t untold = state_.report.lostUntold;
       const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
@@ -63,7 +63,7 @@ class ItemRecovery {
       if (i + 1 == orphans.size()) break;
       const std::uint64_t progress = Progress();
       if (!CountsItems()) lastPercentage_ = progress;
-      Report(progress);
+      run_.SayProgress(progress);
       ++counter_;
     }
     return true;
@@ -72,12 +72,12 @@ class ItemRecovery {
   void FillProgressUp() {
     if (run_.runEnded) return;
     for (std::uint64_t value = CountsItems() ? counter_ : lastPercentage_; value <= kLastPercent; ++value) {
-      Report(value);
+      run_.SayProgress(value);
     }
   }
 
   void AnnounceFolders() {
-    for (const FolderRecord& folder : state_.folders.Records()) run_.Send(engine::MSG_ADD_FOLDER, folder.nid);
+    for (const FolderRecord& folder : state_.folders.Records()) run_.Say(engine::FolderReached{folder.nid, {}});
   }
 
  private:
@@ -86,7 +86,6 @@ class ItemRecovery {
   std::uint64_t Progress() const {
     return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
   }
-  void Report(std::uint64_t progress) { run_.Send(engine::MSG_PROGRESS, static_cast<std::uint32_t>(progress)); }
 
   /// What is placed nowhere else goes into one folder, whatever its kind.
   void OpenOrphanFolder(bool& first) {
@@ -95,7 +94,7 @@ class ItemRecovery {
     if (state_.targetFolder || !first) return;
     state_.targetFolder = folders->Add(kOrphanFolderName, {});
     if (!state_.targetFolder) throw output::OutputFailure(output::ResultCode::E_POINTER);
-    run_.Send(engine::MSG_ADD_FOLDER, kOrphanedMailsMarker, 0, kOrphanFolderName);
+    run_.Say(engine::FolderReached{kOrphanedMailsMarker, text::Text(kOrphanFolderName)});
     first = false;
     run_.Log(u"\r\n");
     run_.Log(u"Recovering Orphaned Mails \r\n");
@@ -115,7 +114,7 @@ void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) 
   if (run.runEnded || run.runAborted) return;
   engine.percentBase =
       static_cast<std::uint64_t>((std::uint64_t{engine.nodeCount} + engine.orphanBlockCount) / 100.0 + 0.5);
-  run.Send(engine::MSG_STAGE, kItemStage);
+  run.BeginStage(kItemStage);
 
   state.allowance = ContentAllowance::Of(engine);
   state.reportAllowance = ContentAllowance::ForReport(engine);

@@ -5,6 +5,7 @@
 #include <map>
 #include <vector>
 
+#include "engine/event.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
@@ -42,16 +43,8 @@ struct LostObject {
   text::Text reason = {};        ///< in plain words
 };
 
-/// A folder as recovered, before the list is ordered and thinned.
-struct RecoveredFolder {
-  std::uint32_t nid = 0;
-  std::uint32_t parentNid = 0;
-  text::Text name;
-  text::Text containerClass;
-};
-
 struct RecoveryReport {
-  std::vector<RecoveredFolder> folders;       ///< by ascending nid
+  std::vector<engine::FolderRecord> folders;  ///< as recovered, by ascending nid, before the list is thinned
   std::map<text::Text, std::uint64_t> items;  ///< created, by the class text handed to the output library
   std::uint64_t attachments = 0;              ///< contents attached
   std::uint64_t embedded = 0;                 ///< messages attached to their parents

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include "conversion/messages.h"
+#include "conversion/notices.h"
 #include "platform/shell.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
@@ -25,9 +25,7 @@ CMainFrame::CMainFrame(Services services)
     : services_(std::move(services)),
       base_(services_.programFile),
       engine_(state_, services_.makeOutput),
-      link_(
-          [this](const engine::RunMessage& message) { OnRunMessage(message); },
-          [this](engine::BoxKind kind, text::TextView title, text::TextView message) { OnBox(kind, title, message); }) {
+      link_([this](const engine::Event& event) { OnEvent(event); }) {
   panes_ = new ResultPanes(this, state_, engine_, services_.makeOutput);
   setCentralWidget(panes_);
   state_.run.observer = &link_;
@@ -96,14 +94,20 @@ void CMainFrame::OnProgressPageEnded() {
   if (!state_.skipExitPrompt) ShowStartPage();
 }
 
-void CMainFrame::OnRunMessage(const engine::RunMessage& message) {
+void CMainFrame::OnEvent(const engine::Event& event) {
+  if (const auto* notice = std::get_if<engine::Notice>(&event)) OnNotice(*notice);
+  if (const auto* known = std::get_if<engine::FoldersKnown>(&event)) panes_->OnFoldersKnown(*known);
+  if (const auto message = MessageOf(event)) OnRunMessage(*message);
+}
+
+void CMainFrame::OnRunMessage(const RunMessage& message) {
   switch (message.code) {
-    case engine::MSG_ERROR_NOTICE:
+    case MSG_ERROR_NOTICE:
       OnFrameMessage(message.code);
       break;
-    case engine::MSG_PROGRESS:
-    case engine::MSG_STAGE:
-    case engine::MSG_DONE:
+    case MSG_PROGRESS:
+    case MSG_STAGE:
+    case MSG_DONE:
       // Without a page there is no window to tell.
       if (progressDialog != nullptr) progressDialog->OnRunMessage(message);
       [[fallthrough]];
@@ -112,13 +116,15 @@ void CMainFrame::OnRunMessage(const engine::RunMessage& message) {
   }
 }
 
-void CMainFrame::OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) {
-  text::Text whole(message);
-  // What it was that stood in the way of the folder; the worker waits, so its report can be read.
-  if (message == conversion::kNoOutputFolder && !engine_.Report().failure.empty()) {
-    whole += u"\n\n" + text::FromUtf8(engine_.Report().failure);
+void CMainFrame::OnNotice(const engine::Notice& notice) {
+  const conversion::NoticeText said = conversion::TextOf(notice);
+  if (said.isError || notice.kind == engine::NoticeKind::kRegistering) OnRunMessage({.code = MSG_ERROR_NOTICE});
+  text::Text whole = said.text;
+  // What it was that stood in the way of the folder.
+  if (notice.kind == engine::NoticeKind::kNoOutputFolder) {
+    whole += u"\n\n" + text::FromUtf8(conversion::CauseOf(notice.cause));
   }
-  ShowBox(progressDialog, whole, title, kind == engine::BoxKind::kError ? BoxIcon::Error : BoxIcon::Information);
+  ShowBox(progressDialog, whole, said.title, said.isError ? BoxIcon::Error : BoxIcon::Information);
   if (progressDialog != nullptr) progressDialog->OnFailure();
 }
 
@@ -134,7 +140,7 @@ int CMainFrame::OnFrameMessage(std::uint32_t code, std::uint32_t number) {
       ShowStartPage();
       return 0;
     default:
-      return code == engine::MSG_ERROR_NOTICE ? 1 : 0;
+      return code == MSG_ERROR_NOTICE ? 1 : 0;
   }
 }
 

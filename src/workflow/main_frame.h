@@ -85,8 +85,9 @@ class CMainFrame : public QMainWindow, public WizardFrame {
  private:
   void BuildBars();
   void ShowPage(Page* page);
-  void OnRunMessage(const engine::RunMessage& message);
-  void OnBox(engine::BoxKind kind, text::TextView title, text::TextView message);
+  void OnEvent(const engine::Event& event);
+  void OnRunMessage(const RunMessage& message);
+  void OnNotice(const engine::Notice& notice);
   void OnProgressPageEnded();
   void OpenWebPage(const char* path);
   void StartUpdateHelper();

@@ -29,17 +29,17 @@ void CProgressDlg::SetText(std::uint16_t id, const QString& text) {
   Control<controls::CTransparentStatic>(id)->SetText(text);
 }
 
-void CProgressDlg::OnRunMessage(const engine::RunMessage& message) {
+void CProgressDlg::OnRunMessage(const RunMessage& message) {
   switch (message.code) {
-    case engine::MSG_PROGRESS:
+    case MSG_PROGRESS:
       OnPercentage(message.number);
       break;
-    case engine::MSG_STAGE:
+    case MSG_STAGE:
       // The set-up, the third stage, names the store. The worker waits here, so what it writes can be read.
       if (message.number > 3) store_ = frame_.State().destinationPath;
       SetText(kStageCaptionId, ToQt(StageCaption(message.detail == 1 ? 9 : message.number)));
       break;
-    case engine::MSG_DONE:
+    case MSG_DONE:
       OnRunEnd();
       break;
     default:

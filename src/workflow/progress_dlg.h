@@ -1,8 +1,8 @@
 // The page of a run.
 #pragma once
 
-#include "engine/run.h"
 #include "workflow/page.h"
+#include "workflow/panes/run_message.h"
 
 namespace velmora::workflow {
 
@@ -14,7 +14,7 @@ class CProgressDlg : public Page {
   explicit CProgressDlg(WizardFrame& frame);
 
   /// Stage, percentage and end of the run.
-  void OnRunMessage(const engine::RunMessage& message);
+  void OnRunMessage(const RunMessage& message);
 
   /// The run has told why it does not come to its end.
   void OnFailure();

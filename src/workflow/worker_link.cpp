@@ -1,49 +1,92 @@
 #include "workflow/worker_link.h"
 
 #include <QThread>
+#include <chrono>
+#include <utility>
+#include <vector>
 
 namespace velmora::workflow {
+namespace {
 
-WorkerLink::WorkerLink(MessageHandler onMessage, BoxHandler onBox)
-    : onMessage_(std::move(onMessage)), onBox_(std::move(onBox)) {}
+using Clock = std::chrono::steady_clock;
 
-void WorkerLink::OnMessage(const engine::RunMessage& message) {
-  CallAndWait([this, message] { onMessage_(message); });
+/// A worker that is this far ahead of the windows waits for them.
+constexpr std::size_t kMostWaiting = 1000;
+
+/// Between two turns the windows do what their user asks for.
+constexpr auto kTurn = std::chrono::milliseconds(20);
+
+constexpr std::uint32_t kClosingStage = 9;
+
+/// What follows in the worker's thread counts on the windows having dealt with it: the session is closed behind the
+/// closing stage, and folders of the new store can be opened behind the end.
+bool WaitsForTheWindows(const engine::Event& event) {
+  const auto* begun = std::get_if<engine::StageBegun>(&event);
+  return (begun != nullptr && begun->stage == kClosingStage) || std::holds_alternative<engine::Notice>(event) ||
+         std::holds_alternative<engine::ListCleared>(event) || std::holds_alternative<engine::Done>(event);
 }
 
-void WorkerLink::OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) {
-  CallAndWait([this, kind, title = text::Text(title), message = text::Text(message)] { onBox_(kind, title, message); });
+}  // namespace
+
+WorkerLink::WorkerLink(EventHandler onEvent) : onEvent_(std::move(onEvent)) {}
+
+void WorkerLink::OnEvent(const engine::Event& event) {
+  if (QThread::currentThread() == thread()) return onEvent_(event);
+  std::function<void()> call = [this, event] { onEvent_(event); };
+  if (const auto* known = std::get_if<engine::FoldersKnown>(&event)) {
+    call = [this, top = known->topFolderNid,
+            folders = std::vector<engine::FolderRecord>(known->folders.begin(), known->folders.end())] {
+      onEvent_(engine::FoldersKnown{folders, top});
+    };
+  }
+  if (WaitsForTheWindows(event)) return CallAndWait(std::move(call));
+  std::unique_lock lock(mutex_);
+  Enqueue(lock, {std::move(call), std::holds_alternative<engine::Progress>(event)});
 }
 
 void WorkerLink::CallAndWait(std::function<void()> call) {
   if (QThread::currentThread() == thread()) return call();
   std::unique_lock lock(mutex_);
+  Enqueue(lock, {std::move(call)});
+  changed_.wait(lock, [this, number = asked_] { return answered_ >= number || abandoned_; });
   if (abandoned_) throw engine::RunStopped{};
-  pending_ = std::move(call);
-  const std::uint64_t number = ++asked_;
+}
+
+void WorkerLink::Enqueue(std::unique_lock<std::mutex>& lock, Said said) {
+  changed_.wait(lock, [this] { return waiting_.size() < kMostWaiting || abandoned_; });
+  if (abandoned_) throw engine::RunStopped{};
+  if (said.isProgress && !waiting_.empty() && waiting_.back().isProgress) {
+    waiting_.back() = std::move(said);
+    return;
+  }
+  waiting_.push_back(std::move(said));
+  ++asked_;
   Summon();
-  changed_.wait(lock, [&] { return answered_ == number || abandoned_; });
-  if (!abandoned_) return;
-  pending_.reset();
-  throw engine::RunStopped{};
 }
 
 void WorkerLink::Summon() {
+  if (std::exchange(summoned_, true)) return;
   QMetaObject::invokeMethod(
       this, [this] { Serve(); }, Qt::QueuedConnection);
 }
 
 void WorkerLink::Serve() {
+  const Clock::time_point end = Clock::now() + kTurn;
   std::unique_lock lock(mutex_);
-  if (!pending_ || held_) return;
-  const std::function<void()> call = std::move(*pending_);
-  const std::uint64_t number = asked_;
-  pending_.reset();
-  lock.unlock();
-  call();
-  lock.lock();
-  answered_ = number;
-  changed_.notify_all();
+  summoned_ = false;
+  while (!waiting_.empty() && !held_) {
+    if (Clock::now() >= end) return Summon();
+    const Said said = std::move(waiting_.front());
+    const std::uint64_t number = asked_ - waiting_.size() + 1;
+    waiting_.pop_front();
+    // Whoever waits in a window of the call may serve what comes behind it.
+    if (!waiting_.empty()) Summon();
+    lock.unlock();
+    said.call();
+    lock.lock();
+    answered_ = std::max(answered_, number);
+    changed_.notify_all();
+  }
 }
 
 void WorkerLink::Hold() {
@@ -54,19 +97,20 @@ void WorkerLink::Hold() {
 void WorkerLink::Resume() {
   const std::lock_guard lock(mutex_);
   held_ = false;
-  if (pending_) Summon();
+  if (!waiting_.empty()) Summon();
 }
 
 void WorkerLink::Abandon() {
   const std::lock_guard lock(mutex_);
   held_ = false;
   abandoned_ = true;
+  waiting_.clear();
   changed_.notify_all();
 }
 
 void WorkerLink::Reset() {
   const std::lock_guard lock(mutex_);
-  pending_.reset();
+  waiting_.clear();
   held_ = abandoned_ = false;
 }
 

@@ -4,34 +4,36 @@
 #include <QObject>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <mutex>
-#include <optional>
 
 #include "engine/run.h"
 
 namespace velmora::workflow {
 
-/// Hands everything that a worker says to the thread of the windows and makes the worker wait until it is
-/// dealt with. While the link is held nothing is handed over, so that a window's question stands over a
-/// page that does not change. A worker that is abandoned leaves its call by engine::RunStopped, so nobody
-/// ever waits for a thread that waits for him.
+/// Queues what a worker says for the thread of the windows, which takes it in order; the worker goes on meanwhile.
+/// It waits where it must find the windows up to date: behind a notice, at the closing stage and at the end of the
+/// list; and while they are far behind. Of two percentages in a row that nobody has taken, the newer one counts.
+///
+/// While the link is held nothing is handed over, so that a window's question stands over a page that does not
+/// change. A worker that is abandoned leaves its call by engine::RunStopped, so nobody ever waits for a thread that
+/// waits for him.
 class WorkerLink : public QObject, public engine::RunObserver {
   Q_OBJECT
 
  public:
-  using MessageHandler = std::function<void(const engine::RunMessage&)>;
-  using BoxHandler = std::function<void(engine::BoxKind, text::TextView title, text::TextView message)>;
+  using EventHandler = std::function<void(const engine::Event&)>;
 
-  /// To be made in the thread of the windows, in which both handlers are called.
-  WorkerLink(MessageHandler onMessage, BoxHandler onBox);
+  /// To be made in the thread of the windows, in which the handler is called.
+  explicit WorkerLink(EventHandler onEvent);
 
   // Called by the worker.
-  void OnMessage(const engine::RunMessage& message) override;
-  void OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) override;
+  void OnEvent(const engine::Event& event) override;
 
-  /// Calls something in the thread of the windows and waits for it. Throws engine::RunStopped when the
-  /// worker is abandoned meanwhile; the call may still be under way then, so it owns what it needs.
+  /// Calls something in the thread of the windows, behind all that was said before, and waits for it. Throws
+  /// engine::RunStopped when the worker is abandoned meanwhile; the call may still be under way then, so it owns
+  /// what it needs.
   void CallAndWait(std::function<void()> call);
 
   // Called in the thread of the windows.
@@ -43,17 +45,23 @@ class WorkerLink : public QObject, public engine::RunObserver {
   void Reset();
 
  private:
+  struct Said {
+    std::function<void()> call;
+    bool isProgress = false;
+  };
+
+  void Enqueue(std::unique_lock<std::mutex>& lock, Said said);
   void Serve();
   void Summon();
 
-  MessageHandler onMessage_;
-  BoxHandler onBox_;
+  EventHandler onEvent_;
 
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::optional<std::function<void()>> pending_;
-  std::uint64_t asked_ = 0;     ///< number of the last call
+  std::deque<Said> waiting_;
+  std::uint64_t asked_ = 0;     ///< number of the last call that was queued
   std::uint64_t answered_ = 0;  ///< number of the last call that was dealt with
+  bool summoned_ = false;       ///< the windows have been asked to take what waits
   bool held_ = false;
   bool abandoned_ = false;
 };

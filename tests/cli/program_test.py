@@ -206,10 +206,10 @@ class Program(unittest.TestCase):
 
     # ---------------------------------------------------------------- refusals
 
-    def refused(self, source, code, message):
+    def refused(self, source, code, message, cause=""):
         ended = self.run_program("--no-progress", "--report", "-", source, self.out)
         self.assertEqual(ended.returncode, code, source)
-        self.assertEqual(ended.stderr, message)
+        self.assertEqual(ended.stderr, message + (cause and f"velmora-convert: {source}: {cause}\n"))
         self.assertEqual(json.loads(ended.stdout)["refusal"], message[len("Error: "):-1])
         self.assertEqual(self.produced(), [])
 
@@ -219,13 +219,14 @@ class Program(unittest.TestCase):
         return path
 
     def test_sources_that_cannot_be_opened(self):
-        self.refused(self.work / "none.ost", 66, NOT_OPENED)
-        self.refused(self.work, 66, NOT_OPENED)
-        self.refused(str(self.work) + "/", 66, NOT_OPENED)
-        self.refused(self.demo / "below", 66, NOT_OPENED)
-        self.refused("/dev/null", 66, NOT_OPENED)
         os.mkfifo(self.work / "pipe.ost")
-        self.refused(self.work / "pipe.ost", 66, NOT_OPENED)
+        for source, cause in ((self.work / "none.ost", "No such file or directory"),
+                              (self.work, "Is a directory"),
+                              (str(self.work) + "/", "Is a directory"),
+                              (self.demo / "below", "Not a directory"),
+                              ("/dev/null", "no regular file"),
+                              (self.work / "pipe.ost", "no regular file")):
+            self.refused(source, 66, NOT_OPENED, cause)
 
     def test_a_source_without_permission(self):
         path = self.write("secret.ost", self.demo.read_bytes())
@@ -237,7 +238,8 @@ class Program(unittest.TestCase):
                 folder.chmod(0o777)
             as_other = {"user": 65534, "executable": program}
         ended = self.run_program("--no-progress", path, self.out, **as_other)
-        self.assertEqual((ended.returncode, ended.stderr), (66, NOT_OPENED))
+        self.assertEqual((ended.returncode, ended.stderr),
+                         (66, NOT_OPENED + f"velmora-convert: {path}: Permission denied\n"))
 
     def test_sources_that_are_no_store(self):
         self.refused(self.write("empty.ost", b""), 65, NOT_VALID)

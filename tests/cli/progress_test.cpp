@@ -82,35 +82,36 @@ TEST(Progress, TheBarNeverFillsTheLastColumn) {
   }
 }
 
-TEST(Console, ShowsBoxesWithTheirTitleInPlaceOfTheBar) {
+TEST(Console, ShowsNoticesWithTheirTitleInPlaceOfTheBar) {
   Screen screen;
   Progress progress({.bar = true}, screen.Writer());
   Console console(&progress, screen.Writer(), [] {});
   progress.OnPercentage(1);
   screen.text.clear();
-  console.OnBox(engine::BoxKind::kError, u"Error", u"Pst/Ost file is not valid.");
+  console.OnEvent(engine::Notice{engine::NoticeKind::kNotValid, {}, {}});
   EXPECT_EQ(screen.text, "\r\033[KError: Pst/Ost file is not valid.\n");
-  EXPECT_EQ(console.LastError(), u"Pst/Ost file is not valid.");
+  ASSERT_TRUE(console.LastError());
+  EXPECT_EQ(console.LastError()->kind, engine::NoticeKind::kNotValid);
 }
 
 TEST(Console, AnInformationIsNoError) {
   Screen screen;
   Console console(nullptr, screen.Writer(), [] {});
-  console.OnBox(engine::BoxKind::kInformation, u"Information", u"Recovery process aborted.");
-  EXPECT_EQ(screen.text, "Information: Recovery process aborted.\n");
-  EXPECT_EQ(console.LastError(), u"");
+  console.OnEvent(engine::Notice{engine::NoticeKind::kAborted, u"/out/x.pst", {}});
+  EXPECT_EQ(screen.text, "Information: Recovery process aborted.\nRecovered at:/out/x.pst\n");
+  EXPECT_FALSE(console.LastError());
 }
 
 TEST(Console, CountsBeforeTheRunCloses) {
   int counted = 0;
   Screen screen;
   Console console(nullptr, screen.Writer(), [&] { ++counted; });
-  console.OnMessage({engine::MSG_STAGE, 8, 0, {}});
+  console.OnEvent(engine::StageBegun{8});
   EXPECT_EQ(counted, 0);
-  console.OnMessage({engine::MSG_STAGE, 9, 1, {}});
+  console.OnEvent(engine::StageBegun{9});
   EXPECT_EQ(counted, 1);
   EXPECT_FALSE(console.IsDone());
-  console.OnMessage({engine::MSG_DONE, 0, 0, {}});
+  console.OnEvent(engine::Done{});
   EXPECT_TRUE(console.IsDone());
 }
 

@@ -11,8 +11,8 @@ class CloseConversionTest : public RunTest {
 
   /// Calls `action` when the run announces its last stage.
   void BeforeClosing(std::function<void()> action) {
-    recorder_.onMessage = [action = std::move(action)](const engine::RunMessage& message) {
-      if (message.code == engine::MSG_STAGE && message.number == 9) action();
+    recorder_.onEvent = [action = std::move(action)](const engine::Event& event) {
+      if (IsStage(event, 9)) action();
     };
   }
 };
@@ -20,7 +20,7 @@ class CloseConversionTest : public RunTest {
 TEST_F(CloseConversionTest, RunsWithNothingOpen) {
   outLook_.CloseConversion();
   outLook_.CloseConversion();
-  EXPECT_THAT(recorder_.said, ElementsAre("32806 9 1", "32806 9 1"));
+  EXPECT_THAT(recorder_.said, ElementsAre("stage 9", "stage 9"));
 }
 
 TEST_F(CloseConversionTest, DeletesTheIndexFileAndLeavesWhatWasMade) {
@@ -41,14 +41,14 @@ TEST_F(CloseConversionTest, AnIndexFileThatCannotBeDeletedStays) {
   });
   Run();
   EXPECT_TRUE(std::filesystem::exists(IndexFile()));
-  EXPECT_EQ(recorder_.said.back(), "32805") << "nobody is told";
+  EXPECT_EQ(recorder_.said.back(), "done") << "nobody is told";
 }
 
 TEST_F(CloseConversionTest, AnIndexFileThatIsGoneIsNoFailure) {
   MakeSource();
   BeforeClosing([&] { std::filesystem::remove(IndexFile()); });
   Run();
-  EXPECT_EQ(recorder_.said.back(), "32805");
+  EXPECT_EQ(recorder_.said.back(), "done");
 }
 
 TEST_F(CloseConversionTest, ARefusalInTheProbeTouchesNoFileInTheCurrentFolder) {

@@ -36,11 +36,5 @@ TEST(FreeSpace, ADestinationThatDoesNotExistIsMeasuredAtItsNearestFolder) {
   EXPECT_TRUE(HasEnoughFreeSpace(text::FromFileName(path.string()), u"/no such file"));
 }
 
-TEST(FreeSpace, TheMessage) {
-  EXPECT_EQ(kNotEnoughSpace,
-            u"Not enough free disk space available to save converted .pst file.\nPlease start the process again by "
-            u"selecting another destination path.");
-}
-
 }  // namespace
 }  // namespace velmora::conversion

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "conversion/notices.h"
+
 namespace velmora::conversion {
 namespace {
 
@@ -88,24 +90,27 @@ Ref<output::RDOSession> RiggedLibrary::CreateRDOSession() {
   return std::make_shared<RiggedSession>(trace_.CreateRDOSession(), *this);
 }
 
-void Recorder::OnMessage(const engine::RunMessage& message) {
-  std::string line = std::to_string(message.code);
-  if (message.code == engine::MSG_STAGE || message.code == engine::MSG_PROGRESS) {
-    line += " " + std::to_string(message.number) + " " + std::to_string(message.detail);
+void Recorder::OnEvent(const engine::Event& event) {
+  if (const auto* begun = std::get_if<engine::StageBegun>(&event)) {
+    said.push_back("stage " + std::to_string(begun->stage));
+  } else if (const auto* progress = std::get_if<engine::Progress>(&event)) {
+    said.push_back("progress " + std::to_string(progress->percentage));
+  } else if (const auto* notice = std::get_if<engine::Notice>(&event)) {
+    const NoticeText text = TextOf(*notice);
+    said.push_back(text::ToUtf8(text.title) + ": " + text::ToUtf8(text.text));
+    causes.push_back(CauseOf(notice->cause));
+  } else if (std::holds_alternative<engine::ListCleared>(event)) {
+    said.push_back("list cleared");
+  } else if (std::holds_alternative<engine::Done>(event)) {
+    said.push_back("done");
   }
-  said.push_back(line);
-  if (onMessage) onMessage(message);
-}
-
-void Recorder::OnBox(engine::BoxKind, text::TextView title, text::TextView message) {
-  said.push_back(text::ToUtf8(title) + ": " + text::ToUtf8(message));
+  if (onEvent) onEvent(event);
 }
 
 std::vector<std::string> Recorder::Steps() const {
   std::vector<std::string> steps;
   for (const std::string& line : said) {
-    const bool isPane = line == "32816" || line == "32832" || line == "32835";
-    if (!line.starts_with("32804") && !isPane) steps.push_back(line);
+    if (!line.starts_with("progress")) steps.push_back(line);
   }
   return steps;
 }

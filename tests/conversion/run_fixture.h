@@ -47,18 +47,22 @@ class RiggedLibrary : public output::OutputLibrary {
   output::TraceLibrary trace_;
 };
 
-/// Everything that a run said: "32806 4 0" for a message that carries numbers, "32833" for one that carries
-/// none, boxes as "Error: text".
+inline bool IsStage(const engine::Event& event, std::uint32_t stage) {
+  const auto* begun = std::get_if<engine::StageBegun>(&event);
+  return begun != nullptr && begun->stage == stage;
+}
+
+/// Everything that a run said: "stage 4", "progress 37", "list cleared", "done"; notices as "Error: text".
 class Recorder : public engine::RunObserver {
  public:
-  void OnMessage(const engine::RunMessage& message) override;
-  void OnBox(engine::BoxKind kind, text::TextView title, text::TextView message) override;
+  void OnEvent(const engine::Event& event) override;
 
-  /// Without percentages and without the messages of the panes.
+  /// Without percentages and without what a run says of single folders and mails.
   std::vector<std::string> Steps() const;
 
   std::vector<std::string> said;
-  std::function<void(const engine::RunMessage&)> onMessage;
+  std::vector<std::string> causes;  ///< of the notices
+  std::function<void(const engine::Event&)> onEvent;
 };
 
 class RunTest : public testing::Test {

@@ -17,8 +17,8 @@ class StopTest : public RunTest {
  protected:
   /// Calls `action` when that stage begins.
   void AtStage(std::uint32_t stage, std::function<void()> action) {
-    recorder_.onMessage = [stage, action = std::move(action)](const engine::RunMessage& message) {
-      if (message.code == engine::MSG_STAGE && message.number == stage) action();
+    recorder_.onEvent = [stage, action = std::move(action)](const engine::Event& event) {
+      if (IsStage(event, stage)) action();
     };
   }
   void StopAtStage(std::uint32_t stage) {
@@ -31,7 +31,7 @@ TEST_F(StopTest, AStoppedRunSaysNothingDeletesNothingAndRaisesNoFlag) {
   state_.run.smartScan = true;
   StopAtStage(8);
   EXPECT_EQ(Run(), RunEnd::kStopped);
-  EXPECT_EQ(recorder_.Steps().back(), "32806 8 0");
+  EXPECT_EQ(recorder_.Steps().back(), "stage 8");
   EXPECT_THAT(Output(), ElementsAre("outlook Converted0", "outlook Converted0/FirstTableItem.dat"));
   EXPECT_FALSE(state_.run.runEnded);
   EXPECT_FALSE(state_.run.runAborted);
@@ -83,7 +83,7 @@ TEST_F(StopTest, AStopThatComesAfterTheEndDisturbsNothing) {
   MakeSource();
   StartOver("next");
   Run();
-  EXPECT_EQ(recorder_.said.back(), "32805");
+  EXPECT_EQ(recorder_.said.back(), "done");
 }
 
 TEST_F(StopTest, AStoreThatCannotBeSealedIsToldEvenThen) {

@@ -75,7 +75,7 @@ TEST_F(BadDiskRunTest, ARunGoesOnPastBadPlacesAndNamesEachOfThem) {
   const std::uint64_t file = MakeSourceWithFile();
   badPlaces_ = {{file, file + 1}, {file + 20'000, file + 20'100}};
   EXPECT_EQ(Run(), RunEnd::kFinished);
-  EXPECT_EQ(recorder_.said.back(), "32805") << "done";
+  EXPECT_EQ(recorder_.said.back(), "done") << "done";
   EXPECT_THAT(Lost(), ElementsAre(PieceAt(file), PieceAt(file + 20'000)));
   EXPECT_EQ(outLook_.Report().recovery.items.at(u"IPM.Note"), 2u);
   ASSERT_TRUE(outLook_.Report().readFailure);
@@ -96,8 +96,8 @@ TEST_F(BadDiskRunTest, TheNextRunFromAGoodDiskTellsOfNoBadPlace) {
 TEST_F(BadDiskRunTest, AStoppedRunNamesTheBadPlacesThatItMet) {
   const std::uint64_t file = MakeSourceWithFile();
   badPlaces_ = {{file, file + 1}};
-  recorder_.onMessage = [&](const engine::RunMessage& message) {
-    if (message.code == engine::MSG_STAGE && message.number == 6) state_.run.control.RequestStop();
+  recorder_.onEvent = [&](const engine::Event& event) {
+    if (IsStage(event, 6)) state_.run.control.RequestStop();
   };
   EXPECT_EQ(Run(), RunEnd::kStopped);
   EXPECT_THAT(Lost(), ElementsAre(PieceAt(file)));

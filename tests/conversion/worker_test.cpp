@@ -23,8 +23,8 @@ class WorkerTest : public RunTest {
 TEST_F(WorkerTest, AnnouncesItsStagesInOrderAndTheEnd) {
   MakeSource();
   EXPECT_EQ(Run(), RunEnd::kFinished);
-  EXPECT_THAT(recorder_.Steps(), ElementsAre("32806 1 0", "32806 2 0", "32806 3 0", "32806 4 0", "32806 5 0",
-                                             "32806 6 0", "32806 7 0", "32806 8 0", "32806 9 1", "32833", "32805"));
+  EXPECT_THAT(recorder_.Steps(), ElementsAre("stage 1", "stage 2", "stage 3", "stage 4", "stage 5", "stage 6",
+                                             "stage 7", "stage 8", "stage 9", "list cleared", "done"));
   EXPECT_TRUE(state_.run.runEnded);
   EXPECT_TRUE(state_.treeFilling);
   EXPECT_FALSE(state_.run.runAborted);
@@ -35,9 +35,9 @@ TEST_F(WorkerTest, ReportsProgressUpToAHundred) {
   Run();
   std::string last;
   for (const std::string& line : recorder_.said) {
-    if (line.starts_with("32804")) last = line;
+    if (line.starts_with("progress")) last = line;
   }
-  EXPECT_EQ(last, "32804 100 0");
+  EXPECT_EQ(last, "progress 100");
 }
 
 TEST_F(WorkerTest, ASmartScanDoesNotSurviveTheRun) {
@@ -53,7 +53,7 @@ TEST_F(WorkerTest, ClearsTheAbortOfTheRunBefore) {
   state_.run.runAborted = true;
   Run();
   EXPECT_FALSE(state_.run.runAborted);
-  EXPECT_EQ(recorder_.said.back(), "32805");
+  EXPECT_EQ(recorder_.said.back(), "done");
 }
 
 TEST_F(WorkerTest, ReleasesThePreviewOfTheRunBefore) {
@@ -67,9 +67,9 @@ TEST_F(WorkerTest, ASourceThatCannotBeOpenedEndsTheWorkerAtOnce) {
   UseSource(folder_.Path() / "none.ost");
   state_.run.smartScan = true;
   EXPECT_EQ(Run(), RunEnd::kEndedEarly);
-  EXPECT_THAT(recorder_.said,
-              ElementsAre("32806 1 0", "32785",
-                          "Error: Source file could not open.Make sure that another application is not using. "));
+  EXPECT_THAT(
+      recorder_.said,
+      ElementsAre("stage 1", "Error: Source file could not open.Make sure that another application is not using. "));
   EXPECT_FALSE(state_.run.runEnded);
   EXPECT_FALSE(state_.run.runAborted);
   EXPECT_TRUE(state_.run.smartScan) << "nothing behind the failing step happens";
@@ -89,8 +89,7 @@ TEST_F(WorkerTest, FilesThatAreNoStoreAreRefused) {
     recorder_.said.clear();
     UseSource(WriteFile("odd.ost", bytes));
     EXPECT_EQ(Run(), RunEnd::kEndedEarly);
-    EXPECT_THAT(recorder_.Steps(),
-                ElementsAre("32806 1 0", "32806 2 0", "32785", "Error: Pst/Ost file is not valid.", "32806 9 1"));
+    EXPECT_THAT(recorder_.Steps(), ElementsAre("stage 1", "stage 2", "Error: Pst/Ost file is not valid.", "stage 9"));
     EXPECT_FALSE(state_.run.runEnded);
     EXPECT_THAT(Output(), IsEmpty());
     EXPECT_EQ(outLook_.Report().format, std::nullopt);
@@ -103,8 +102,8 @@ TEST_F(WorkerTest, AStoreOfFewerThanTwoBlocksIsRefusedInTheSameWords) {
   store.Finish().Save(folder_.Path() / "empty.pst");
   UseSource(folder_.Path() / "empty.pst");
   EXPECT_EQ(Run(), RunEnd::kFinished);
-  EXPECT_THAT(recorder_.Steps(), ElementsAre("32806 1 0", "32806 2 0", "32806 3 0", "32806 4 0", "32806 5 0", "32785",
-                                             "Error: Pst/Ost file is not valid.", "32806 9 1", "32833"));
+  EXPECT_THAT(recorder_.Steps(), ElementsAre("stage 1", "stage 2", "stage 3", "stage 4", "stage 5",
+                                             "Error: Pst/Ost file is not valid.", "stage 9", "list cleared"));
   EXPECT_TRUE(state_.run.runAborted);
   EXPECT_TRUE(state_.run.runEnded);
   EXPECT_THAT(Output(), ElementsAre("empty Converted0")) << "the index file is gone";
@@ -112,8 +111,8 @@ TEST_F(WorkerTest, AStoreOfFewerThanTwoBlocksIsRefusedInTheSameWords) {
 
 TEST_F(WorkerTest, WithoutItsIndexFileARunIsAborted) {
   MakeSource();
-  recorder_.onMessage = [&](const engine::RunMessage& message) {
-    if (message.code == engine::MSG_STAGE && message.number == 5) {
+  recorder_.onEvent = [&](const engine::Event& event) {
+    if (IsStage(event, 5)) {
       std::filesystem::create_directory(destination_ / "outlook Converted0" / "FirstTableItem.dat");
     }
   };
@@ -126,8 +125,8 @@ TEST_F(WorkerTest, ASetUpThatAbortsIsClosedOnce) {
   MakeSource();
   library_->storeFailure = output::ResultCode::E_FAIL;
   Run();
-  EXPECT_EQ(HowOften("32806 9 1"), 1);
-  EXPECT_EQ(recorder_.said.back(), "32833");
+  EXPECT_EQ(HowOften("stage 9"), 1);
+  EXPECT_EQ(recorder_.said.back(), "list cleared");
 }
 
 TEST_F(WorkerTest, TheMapOfNamedPropertiesLivesAsLongAsTheRun) {
@@ -143,8 +142,8 @@ TEST_F(WorkerTest, TheMapOfNamedPropertiesLivesAsLongAsTheRun) {
     return true;
   };
   bool wasEmpty = true;
-  recorder_.onMessage = [&](const engine::RunMessage& message) {
-    if (message.code == engine::MSG_STAGE && message.number == 9) wasEmpty = isEmpty();
+  recorder_.onEvent = [&](const engine::Event& event) {
+    if (IsStage(event, 9)) wasEmpty = isEmpty();
   };
   Run();
   EXPECT_FALSE(wasEmpty);
@@ -155,7 +154,7 @@ TEST_F(WorkerTest, ARunThatBeginsWithRunEndedRaisedStopsAtItsFirstCheck) {
   MakeSource();
   state_.run.runEnded = true;
   EXPECT_EQ(Run(), RunEnd::kFinished);
-  EXPECT_THAT(recorder_.said, ElementsAre("32806 1 0", "32806 9 1", "32833",
+  EXPECT_THAT(recorder_.said, ElementsAre("stage 1", "stage 9", "list cleared",
                                           "Information: Recovery process aborted.\nRecovered at:" + Destination()));
   EXPECT_TRUE(state_.run.runEnded);
 }
@@ -200,13 +199,12 @@ TEST_F(WorkerTest, AStoreThatCanNoLongerBeWrittenEndsTheRunWithOneMessage) {
   library_->onItem = [] { throw output::OutputFailure(output::ResultCode::STG_E_MEDIUMFULL, "no space left"); };
   EXPECT_EQ(Run(), RunEnd::kFinished);
   EXPECT_THAT(recorder_.Steps(),
-              ElementsAre("32806 1 0", "32806 2 0", "32806 3 0", "32806 4 0", "32806 5 0", "32806 6 0", "32806 7 0",
-                          "32806 8 0", "32785",
+              ElementsAre("stage 1", "stage 2", "stage 3", "stage 4", "stage 5", "stage 6", "stage 7", "stage 8",
                           "Error: Not enough free disk space available to save converted .pst file.\nRecovered at:" +
                               Destination(),
-                          "32806 9 1", "32833"));
+                          "stage 9", "list cleared"));
   EXPECT_TRUE(state_.run.runAborted);
-  EXPECT_EQ(outLook_.Report().failure, "no space left");
+  EXPECT_EQ(recorder_.causes, (std::vector<std::string>{"no space left"}));
   EXPECT_EQ(seals_, 1);
 }
 
@@ -247,7 +245,7 @@ TEST_F(WorkerTest, AFailingWriteIsToldFromAFullDisk) {
   sealResult_ = tl::unexpected(platform::Failure{});
   Run();
   EXPECT_EQ(HowOften("Error: Unable to write converted .pst file.\nRecovered at:" + Destination()), 1);
-  EXPECT_EQ(HowOften("32785"), 1) << "one message, not one a failure";
+  EXPECT_EQ(recorder_.causes.size(), 1u) << "one notice, not one a failure";
 }
 
 TEST_F(WorkerTest, AStoreThatCannotBeSealedIsNoSuccess) {
@@ -255,7 +253,7 @@ TEST_F(WorkerTest, AStoreThatCannotBeSealedIsNoSuccess) {
   sealResult_ = tl::unexpected(platform::Failure{platform::FailureKind::kFull, "x.pst", 0, "no space left"});
   Run();
   EXPECT_THAT(recorder_.said, Contains(HasSubstr("Not enough free disk space available to save converted .pst file.")));
-  EXPECT_EQ(HowOften("32805"), 0);
+  EXPECT_EQ(HowOften("done"), 0);
 }
 
 TEST_F(WorkerTest, TheStoreIsSealedOnceAndAfterTheSessionIsReleased) {
@@ -272,7 +270,7 @@ TEST_F(WorkerTest, AnItemThatCannotBeMadeIsLeftOutAndTheRunGoesOn) {
     if (++items == 1) throw output::OutputFailure(output::ResultCode::E_FAIL);
   };
   Run();
-  EXPECT_EQ(recorder_.said.back(), "32805");
+  EXPECT_EQ(recorder_.said.back(), "done");
   EXPECT_EQ(items, 2);
   EXPECT_EQ(outLook_.Report().recovery.lost.size(), 1u);
 }

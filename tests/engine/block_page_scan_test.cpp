@@ -129,8 +129,7 @@ TEST_P(EveryFormatBlockScanTest, TwoCopiesOfABlockGiveTwoRecordsOfWhichALookUpFi
 TEST_P(EveryFormatBlockScanTest, FewerThanTwoRecordsAreRefused) {
   ScanPage(forge::BlockPage(GetParam(), {{.bid = 4, .offset = 64, .size = 1}}));
   EXPECT_TRUE(run_.runAborted);
-  EXPECT_EQ(recorder_.Said()[recorder_.Said().size() - 2], "32785");
-  EXPECT_EQ(recorder_.Said().back(), "Error: Pst/Ost file is not valid.");
+  EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNotValid);
 }
 
 TEST_P(EveryFormatBlockScanTest, ZerosHoldNothing) {
@@ -344,14 +343,14 @@ TEST_F(BlockPageScanTest, APercentIsThatOfTheNodesFromTheEndOfTheScanOn) {
 TEST_F(BlockPageScanTest, EachStepIsReportedBehindTheStage) {
   canvas_.Number(18432 + 2 * 4096 - 1, 0, 1);
   Scan();
-  EXPECT_EQ(recorder_.Percentages(2), (std::vector<std::uint32_t>{22528 / 266, 26624 / 266}));
-  EXPECT_EQ(recorder_.Messages().front(), (RunMessage{MSG_STAGE, 5, 0, u""}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kBlockScan), (std::vector<std::uint32_t>{22528 / 266, 26624 / 266}));
+  EXPECT_EQ(recorder_.Stages(), (std::vector<std::uint32_t>{5}));
 }
 
 TEST_F(BlockPageScanTest, A4kStoreAdvancesBy4096TooButBeginsLater) {
   canvas_.Number(147456 + 4096, 0, 1);
   Scan(Format::kUnicode4k);
-  EXPECT_EQ(recorder_.Percentages(2), (std::vector<std::uint32_t>{151552 / 1515, 155648 / 1515}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kBlockScan), (std::vector<std::uint32_t>{151552 / 1515, 155648 / 1515}));
 }
 
 TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeMadeEndsTheRun) {
@@ -360,8 +359,7 @@ TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeMadeEndsTheRun) {
   canvas_.Number(40000, 0, 1);
   Scan();
   EXPECT_TRUE(run_.runAborted);
-  EXPECT_EQ(recorder_.Said(), (std::vector<std::string>{
-                                  "32806", "32785", "Error: Some problem is encounterd to create temporary file."}));
+  EXPECT_EQ(recorder_.Notices(), (std::vector<NoticeKind>{NoticeKind::kNoIndexFile}));
   EXPECT_EQ(state_.percentBase, 400u) << "still that of the file";
 }
 
@@ -393,7 +391,7 @@ TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeWrittenEndsTheRun) {
     ScanBlockPages(state_, run_);
   }
   EXPECT_TRUE(run_.runAborted);
-  EXPECT_EQ(recorder_.Said().back(), "Error: Some problem is encounterd to create temporary file.");
+  EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNoIndexFile);
 }
 
 TEST_F(BlockPageScanTest, AnOldIndexFileIsReplaced) {
@@ -443,15 +441,15 @@ TEST_F(BlockPageScanTest, AHeldScanThatIsResumedTellsTheSameAndFindsTheSame) {
         forge::BlockPage(Format::kUnicode, {{.bid = 4u + 4u * static_cast<unsigned>(p), .offset = 64, .size = 1}}));
   }
   const auto undisturbed = Scan();
-  const auto percentages = recorder_.Percentages(2);
+  const auto percentages = recorder_.Percentages(Phase::kBlockScan);
 
   /// Holds the run from inside one of its messages and lets it go a little later.
   class Holder : public Recorder {
    public:
     explicit Holder(RunControl& control) : control_(control) {}
-    void OnMessage(const RunMessage& message) override {
-      Recorder::OnMessage(message);
-      if (message.code != MSG_PROGRESS) return;
+    void OnEvent(const Event& event) override {
+      Recorder::OnEvent(event);
+      if (!std::holds_alternative<Progress>(event)) return;
       ++reports_;
       if (helper_.joinable()) return;
       control_.Hold();
@@ -476,7 +474,7 @@ TEST_F(BlockPageScanTest, AHeldScanThatIsResumedTellsTheSameAndFindsTheSame) {
   run_.observer = &holder;
   EXPECT_EQ(Scan(), undisturbed);
   EXPECT_EQ(holder.Join(), 1u) << "it stood still meanwhile";
-  EXPECT_EQ(holder.Percentages(2), percentages);
+  EXPECT_EQ(holder.Percentages(Phase::kBlockScan), percentages);
 }
 
 TEST_F(BlockPageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
@@ -486,7 +484,7 @@ TEST_F(BlockPageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
   run_.runAborted = false;
   run_.runEnded = true;
   ScanBlockPages(state_, run_);
-  EXPECT_TRUE(recorder_.Said().empty());
+  EXPECT_TRUE(recorder_.Stages().empty());
   EXPECT_FALSE(std::filesystem::exists(folder_ / "FirstTableItem.dat"));
 }
 

@@ -119,7 +119,7 @@ TEST_F(FormatProbeTest, AStoreOfWhichOnlyTheHeaderIsIntactEndsInTheRefusalForToo
   ScanNodePages(state_, run_);
   ScanBlockPages(state_, run_);
   EXPECT_TRUE(run_.runAborted);
-  EXPECT_EQ(recorder_.Said().back(), "Error: Pst/Ost file is not valid.");
+  EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNotValid);
   EXPECT_EQ(state_.nodeCount, 1u);
   EXPECT_EQ(state_.blockRecordCount, 0u);
 }
@@ -140,20 +140,20 @@ TEST_F(FormatProbeTest, AnOfflineStoreIsTakenAndAnAddressBookRefused) {
 TEST_F(FormatProbeTest, ARefusalShowsNothingItself) {
   canvas_.Number(8, 0x1234, 2);
   Probe();
-  EXPECT_EQ(recorder_.Messages(), (std::vector<RunMessage>{{MSG_STAGE, 2, 0, u""}}));
+  EXPECT_EQ(recorder_.Stages(), (std::vector<std::uint32_t>{2}));
   EXPECT_FALSE(run_.runAborted);
 }
 
 TEST_F(FormatProbeTest, AFileShorterThanTheFirstWindowIsLookedAtOnce) {
   canvas_.Number(999, 0, 1);
   EXPECT_EQ(Probe(), ProbeResult::kRefused);
-  EXPECT_EQ(recorder_.Percentages(1), (std::vector<std::uint32_t>{2252}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe), (std::vector<std::uint32_t>{2252}));
 }
 
 TEST_F(FormatProbeTest, ASourceOfLessThanAHundredBytesIsAllDone) {
   canvas_.Number(90, 0, 1);
   EXPECT_EQ(Probe(), ProbeResult::kRefused);
-  EXPECT_EQ(recorder_.Percentages(1), (std::vector<std::uint32_t>{100}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe), (std::vector<std::uint32_t>{100}));
 }
 
 TEST_F(FormatProbeTest, AnEmptySourceIsRefused) {
@@ -164,20 +164,20 @@ TEST_F(FormatProbeTest, AnEmptySourceIsRefused) {
 TEST_F(FormatProbeTest, EachWindowWithoutAPageIsReported) {
   canvas_.Number(kFirst + 2 * 4096 - 1, 0, 1);  // 26624 bytes, so a percent is 266
   EXPECT_EQ(Probe(), ProbeResult::kRefused);
-  EXPECT_EQ(recorder_.Percentages(1), (std::vector<std::uint32_t>{22528 / 266, 26624 / 266, 30720 / 266}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe), (std::vector<std::uint32_t>{22528 / 266, 26624 / 266, 30720 / 266}));
 }
 
 TEST_F(FormatProbeTest, TheWindowThatHoldsThePageIsNotReported) {
   canvas_.Number(kFirst + 4 * 4096, 0, 1);
   Proven(kFirst + 4096, forge::Format::kUnicode);
   Probe();
-  EXPECT_EQ(recorder_.Percentages(1).size(), 1u);
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe).size(), 1u);
 }
 
 TEST_F(FormatProbeTest, ARunThatHasEndedIsLeftAlone) {
   run_.runEnded = true;
   Probe();
-  EXPECT_TRUE(recorder_.Said().empty());
+  EXPECT_TRUE(recorder_.Stages().empty());
 }
 
 }  // namespace

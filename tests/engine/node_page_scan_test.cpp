@@ -180,15 +180,14 @@ TEST_F(NodePageScanTest, AFileWithoutANodePageCountsOneNode) {
 TEST_F(NodePageScanTest, EachReadIsReportedBehindItsStage) {
   canvas_.Number(18432 + 2 * 4096 - 1, 1, 1);
   Scan();
-  EXPECT_EQ(recorder_.Messages(),
-            (std::vector<RunMessage>{
-                {MSG_STAGE, 4, 0, u""}, {MSG_PROGRESS, 22528 / 266, 3, u""}, {MSG_PROGRESS, 26624 / 266, 3, u""}}));
+  EXPECT_EQ(recorder_.Stages(), (std::vector<std::uint32_t>{4}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kNodeScan), (std::vector<std::uint32_t>{22528 / 266, 26624 / 266}));
 }
 
 TEST_F(NodePageScanTest, A4kStoreIsReadIn65536Bytes) {
   canvas_.Number(147456 + 65536, 1, 1);
   Scan(Format::kUnicode4k);
-  EXPECT_EQ(recorder_.Percentages(3), (std::vector<std::uint32_t>{212992 / 2129, 278528 / 2129}));
+  EXPECT_EQ(recorder_.Percentages(Phase::kNodeScan), (std::vector<std::uint32_t>{212992 / 2129, 278528 / 2129}));
 }
 
 TEST_F(NodePageScanTest, OnlyASmartScanListsReferencesAndStartsTheOrphans) {
@@ -211,7 +210,7 @@ TEST_F(NodePageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
   run_.runAborted = false;
   run_.runEnded = true;
   EXPECT_TRUE(Scan().empty());
-  EXPECT_TRUE(recorder_.Said().empty());
+  EXPECT_TRUE(recorder_.Stages().empty());
   EXPECT_EQ(state_.nodeCount, 0u);
 }
 

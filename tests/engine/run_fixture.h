@@ -26,30 +26,28 @@ namespace velmora::engine {
 /// Everything that a run said, in order.
 class Recorder : public RunObserver {
  public:
-  void OnMessage(const RunMessage& message) override {
-    said_.push_back(std::to_string(message.code));
-    messages_.push_back(message);
-  }
-  void OnBox(BoxKind, text::TextView title, text::TextView message) override {
-    said_.push_back(text::ToUtf8(title) + ": " + text::ToUtf8(message));
+  void OnEvent(const Event& event) override {
+    if (const auto* begun = std::get_if<StageBegun>(&event)) stages_.push_back(begun->stage);
+    if (const auto* progress = std::get_if<Progress>(&event)) progress_.push_back(*progress);
+    if (const auto* notice = std::get_if<Notice>(&event)) notices_.push_back(notice->kind);
   }
 
-  /// Codes of messages, and boxes as "title: text".
-  const std::vector<std::string>& Said() const { return said_; }
-  const std::vector<RunMessage>& Messages() const { return messages_; }
+  const std::vector<std::uint32_t>& Stages() const { return stages_; }
+  const std::vector<NoticeKind>& Notices() const { return notices_; }
 
   /// The percentages of one phase.
-  std::vector<std::uint32_t> Percentages(std::uint32_t phase) const {
+  std::vector<std::uint32_t> Percentages(Phase phase) const {
     std::vector<std::uint32_t> numbers;
-    for (const RunMessage& message : messages_) {
-      if (message.code == MSG_PROGRESS && message.detail == phase) numbers.push_back(message.number);
+    for (const Progress& progress : progress_) {
+      if (progress.phase == phase) numbers.push_back(progress.percentage);
     }
     return numbers;
   }
 
  private:
-  std::vector<std::string> said_;
-  std::vector<RunMessage> messages_;
+  std::vector<std::uint32_t> stages_;
+  std::vector<Progress> progress_;
+  std::vector<NoticeKind> notices_;
 };
 
 /// Bytes of a source, put in by hand; what is not put in is zero.

@@ -56,27 +56,30 @@ TEST(RunControlTest, AResetRunIsNeitherHeldNorStopped) {
   EXPECT_NO_THROW(control.PausePoint());
 }
 
-TEST(RunContextTest, ANoticeGoesBeforeEveryErrorBox) {
+TEST(RunContextTest, APercentageIsSaidWhenItChangesAndAnewInEachStage) {
   Recorder recorder;
   RunContext run;
   run.observer = &recorder;
-  run.ShowError(u"It broke.");
-  EXPECT_EQ(recorder.Said(), (std::vector<std::string>{"32785", "Error: It broke."}));
+  for (const std::uint64_t percentage : {0, 0, 1, 1, 2}) run.SayProgress(percentage, Phase::kProbe);
+  run.BeginStage(4);
+  for (const std::uint64_t percentage : {2, 2}) run.SayProgress(percentage, Phase::kProbe);
+  EXPECT_EQ(recorder.Percentages(Phase::kProbe), (std::vector<std::uint32_t>{0, 1, 2, 2}));
 }
 
-TEST(RunContextTest, NoNoticeGoesBeforeAnInformation) {
+TEST(RunContextTest, AnAbortedRunSaysWhy) {
   Recorder recorder;
   RunContext run;
   run.observer = &recorder;
-  run.ShowInformation(u"It is done.");
-  EXPECT_EQ(recorder.Said(), (std::vector<std::string>{"Information: It is done."}));
+  run.Abort({NoticeKind::kNoIndexFile, {}, {}});
+  EXPECT_TRUE(run.runAborted);
+  EXPECT_EQ(recorder.Notices(), (std::vector<NoticeKind>{NoticeKind::kNoIndexFile}));
 }
 
-TEST(RunContextTest, WithoutAnObserverMessagesAreLost) {
-  const RunContext run;
-  EXPECT_NO_THROW(run.Send(MSG_STAGE, 1));
-  EXPECT_NO_THROW(run.ShowError(u"nobody hears it"));
-  EXPECT_NO_THROW(run.ShowInformation(u"nor this"));
+TEST(RunContextTest, WithoutAnObserverNobodyListens) {
+  RunContext run;
+  EXPECT_NO_THROW(run.BeginStage(1));
+  EXPECT_NO_THROW(run.SayProgress(1));
+  EXPECT_NO_THROW(run.Abort({NoticeKind::kNotValid, {}, {}}));
 }
 
 }  // namespace

@@ -12,15 +12,12 @@ TEST_F(SourceOpenTest, APercentIsAHundredthOfTheFileRoundedDown) {
   std::ofstream(folder_ / "a.pst") << std::string(1299, 'x');
   OpenSource(state_, run_, folder_ / "a.pst");
   EXPECT_EQ(state_.percentBase, 12u);
-  EXPECT_EQ(recorder_.Messages(), (std::vector<RunMessage>{{MSG_STAGE, 1, 0, u""}}));
+  EXPECT_EQ(recorder_.Stages(), (std::vector<std::uint32_t>{1}));
 }
 
-TEST_F(SourceOpenTest, ASourceThatCannotBeOpenedEndsTheWorkerAfterItsBox) {
+TEST_F(SourceOpenTest, ASourceThatCannotBeOpenedEndsTheWorkerAfterItsNotice) {
   EXPECT_THROW(OpenSource(state_, run_, folder_ / "missing.pst"), WorkerEnded);
-  EXPECT_EQ(
-      recorder_.Said(),
-      (std::vector<std::string>{
-          "32806", "32785", "Error: Source file could not open.Make sure that another application is not using. "}));
+  EXPECT_EQ(recorder_.Notices(), (std::vector<NoticeKind>{NoticeKind::kSourceNotOpened}));
   EXPECT_EQ(state_.source, nullptr);
   EXPECT_FALSE(run_.runAborted);
 }

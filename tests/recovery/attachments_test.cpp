@@ -48,7 +48,7 @@ TEST_F(AttachmentsTest, AContentInTheAttachmentsOwnBlockIsAttachedBeforeTheMailI
   EXPECT_THAT(Attached(), ElementsAre("a.txt:5"));
   EXPECT_EQ(Trace().back(), R"({"op":"Save","id":1})");
   EXPECT_EQ(state_.report.attachments, 1u);
-  EXPECT_THAT(Numbers(engine::MSG_LIST_ATTACHMENT), IsEmpty());
+  EXPECT_THAT(Numbers<engine::AttachmentsListed>(), IsEmpty());
 }
 
 TEST_F(AttachmentsTest, ALongNameReplacesTheShortOne) {
@@ -144,7 +144,7 @@ TEST_F(AttachmentsTest, AContentInSubNodesIsAttachedAndToldToTheList) {
   AddMail({Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"big")}, Behind(Bytes(3000)))});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("big:3000"));
-  EXPECT_EQ(Numbers(engine::MSG_LIST_ATTACHMENT).size(), 1u);
+  EXPECT_EQ(Numbers<engine::AttachmentsListed>().size(), 1u);
 }
 
 TEST_F(AttachmentsTest, AContentOfManyPiecesIsJoinedAndALostPieceMakesItShorter) {
@@ -304,7 +304,7 @@ TEST_F(AttachmentsTest, WithoutANameNothingIsAttachedThoughTheContentIsThere) {
   Recover();
   EXPECT_THAT(Attached(), IsEmpty());
   EXPECT_EQ(Trace("Save").size(), 1u) << "and that is no failure";
-  EXPECT_EQ(Numbers(engine::MSG_LIST_ATTACHMENT).size(), 1u);
+  EXPECT_EQ(Numbers<engine::AttachmentsListed>().size(), 1u);
 }
 
 TEST_F(AttachmentsTest, AnAttachmentIsFoundThroughTheNextLowerIdToo) {

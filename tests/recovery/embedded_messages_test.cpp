@@ -63,7 +63,7 @@ TEST_F(EmbeddedMessagesTest, AnEmbeddedMessageIsBuiltInTheFolderAttachedToItsPar
                                    R"({"op":"Save","id":1})", R"({"op":"Save","id":1})"));
   EXPECT_EQ(state_.report.embedded, 1u);
   EXPECT_EQ(state_.report.attachments, 0u);
-  EXPECT_EQ(Numbers(engine::MSG_LIST_ATTACHMENT).size(), 1u);
+  EXPECT_EQ(Numbers<engine::AttachmentsListed>().size(), 1u);
 }
 
 TEST_F(EmbeddedMessagesTest, TwoMessagesOfOneParentAreBothAttachedTheLastFirstAndTheParentStays) {

@@ -143,13 +143,16 @@ TEST_F(FailuresTest, AStopPassesEveryFrameWhereverItIsAskedFor) {
   AddTwoMails();
   Settle();
   RecoverFolders(state_, engine_, run_);
-  for (const auto code : {engine::MSG_STAGE, engine::MSG_PROGRESS, engine::MSG_ADD_FOLDER}) {
-    onMessage_ = [this, code](const engine::RunMessage& message) {
-      if (message.code == code) run_.control.RequestStop();
+  const auto expectStop = [this]<class T>(T) {
+    onEvent_ = [this](const engine::Event& event) {
+      if (std::holds_alternative<T>(event)) run_.control.RequestStop();
     };
-    EXPECT_THROW(RecoverOrphans(state_, engine_, run_), engine::RunStopped) << code;
+    EXPECT_THROW(RecoverOrphans(state_, engine_, run_), engine::RunStopped) << typeid(T).name();
     run_.control.Reset();
-  }
+  };
+  expectStop(engine::StageBegun{});
+  expectStop(engine::Progress{});
+  expectStop(engine::FolderReached{});
 }
 
 TEST_F(FailuresTest, AStopWithinAConverterPassesTheFramesOfTheWalk) {

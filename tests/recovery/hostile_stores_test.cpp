@@ -73,7 +73,7 @@ TEST_F(HostileStoresTest, FoldersThatShareOneLongNameStayInProportionToTheStore)
   for (std::uint32_t i = 0; i < 1000; ++i) AddNode(0x9002 + 32 * i, bid, 0, kTop);
   Recover();
   std::size_t length = 0;
-  for (const RecoveredFolder& folder : state_.report.folders) length += folder.name.size();
+  for (const FolderRecord& folder : state_.report.folders) length += folder.name.size();
   EXPECT_GT(length, 20u * 30000);
   EXPECT_LT(length, 100u * 30000);
 }

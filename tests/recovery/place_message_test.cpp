@@ -43,7 +43,7 @@ TEST_F(PlaceMessageTest, AMailOfAnUnknownFolderIsDropped) {
   AddOfClass(u"IPM.Note", 0x9999);
   Recover();
   EXPECT_THAT(Trace(), IsEmpty());
-  EXPECT_THAT(Numbers(engine::MSG_ADD_FOLDER), ElementsAre(kInbox));
+  EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(kInbox));
 }
 
 TEST_F(PlaceMessageTest, AFolderCalledLostAndFoundTakesItsMail) {
@@ -134,7 +134,7 @@ TEST_F(PlaceMessageTest, EachPlacedMessageTellsItsFolderToTheTree) {
   AddOfClass(u"IPM.Contact", 0x9999);
   AddOfClass(u"IPM.Note", 0x9999);
   Recover();
-  EXPECT_THAT(Numbers(engine::MSG_ADD_FOLDER), ElementsAre(kInbox, 0x9999, kInbox)) << "the last is the closing one";
+  EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(kInbox, 0x9999, kInbox)) << "the last is the closing one";
 }
 
 }  // namespace

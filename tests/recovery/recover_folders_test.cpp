@@ -17,7 +17,7 @@ class RecoverFoldersTest : public RecoveryTest {
   /// Name and class of each folder as recovered.
   std::vector<std::pair<text::Text, text::Text>> Recovered() const {
     std::vector<std::pair<text::Text, text::Text>> folders;
-    for (const RecoveredFolder& folder : state_.report.folders) {
+    for (const FolderRecord& folder : state_.report.folders) {
       folders.emplace_back(folder.name, folder.containerClass);
     }
     return folders;
@@ -46,7 +46,7 @@ TEST_F(RecoverFoldersTest, NothingIsDoneOnceTheRunHasEndedOrWasAborted) {
   run_.runAborted = false;
   run_.runEnded = true;
   Folders();
-  EXPECT_THAT(messages_, IsEmpty());
+  EXPECT_THAT(events_, IsEmpty());
   EXPECT_EQ(NodesLeft().size(), 3u);
 }
 
@@ -158,7 +158,7 @@ TEST_F(RecoverFoldersTest, TheFirstBlockOfAFolderWinsAndASecondNodeStaysInTheLis
   Folders();
   EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"new", u"IPF.Note")));
   EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
-  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1, 2));
+  EXPECT_THAT(Numbers<engine::Progress>(), ElementsAre(1, 2));
 }
 
 TEST_F(RecoverFoldersTest, ASecondNodeWithoutAParentIsNoSecondFolderAndIsTakenOut) {
@@ -222,22 +222,21 @@ TEST_F(RecoverFoldersTest, WhileTheEncodingIsUnknownNoBlockIsReadAsAFolder) {
 TEST_F(RecoverFoldersTest, StageSixThenProgressThenStageSeven) {
   AddTopAndInbox();
   Folders();
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> said;
-  for (const auto& message : messages_) said.emplace_back(message.code, message.number);
-  EXPECT_THAT(said, ElementsAre(std::pair(engine::MSG_STAGE, 6), std::pair(engine::MSG_PROGRESS, 1),
-                                std::pair(engine::MSG_PROGRESS, 2), std::pair(engine::MSG_PROGRESS, 3),
-                                std::pair(engine::MSG_STAGE, 7)));
-  EXPECT_EQ(messages_[1].detail, 4u);
+  ASSERT_EQ(events_.size(), 6u);
+  EXPECT_EQ(std::get<engine::StageBegun>(events_[0]).stage, 6u);
+  for (std::uint32_t i = 1; i <= 3; ++i) {
+    EXPECT_EQ(std::get<engine::Progress>(events_[i]), (engine::Progress{i, engine::Phase::kFolders}));
+  }
+  EXPECT_EQ(std::get<engine::StageBegun>(events_[4]).stage, 7u);
+  EXPECT_TRUE(std::holds_alternative<engine::FoldersKnown>(events_[5]));
 }
 
 TEST_F(RecoverFoldersTest, ManyNodesAreReportedInPercent) {
   for (std::uint32_t i = 0; i < 300; ++i) AddNode(0x200000 + 4 * i, 0, 0, 0x22);
   Folders();
-  const auto progress = Numbers(engine::MSG_PROGRESS);
-  ASSERT_EQ(progress.size(), 300u);
-  EXPECT_EQ(progress[0], 0u);
-  EXPECT_EQ(progress[2], 1u);
-  EXPECT_EQ(progress[299], 100u);
+  const auto progress = Numbers<engine::Progress>();
+  ASSERT_EQ(progress.size(), 101u) << "each number once";
+  for (std::uint32_t i = 0; i <= 100; ++i) EXPECT_EQ(progress[i], i);
 }
 
 TEST_F(RecoverFoldersTest, TheLogTellsWhatComesNext) {
@@ -249,22 +248,22 @@ TEST_F(RecoverFoldersTest, TheLogTellsWhatComesNext) {
 
 TEST_F(RecoverFoldersTest, AStopLeavesTheWalkAtOnce) {
   AddTopAndInbox();
-  onMessage_ = [this](const engine::RunMessage& message) {
-    if (message.code == engine::MSG_PROGRESS) run_.control.RequestStop();
+  onEvent_ = [this](const engine::Event& event) {
+    if (std::holds_alternative<engine::Progress>(event)) run_.control.RequestStop();
   };
   Settle();
   EXPECT_THROW(RecoverFolders(state_, engine_, run_), engine::RunStopped);
-  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1));
-  EXPECT_THAT(Numbers(engine::MSG_STAGE), ElementsAre(6));
+  EXPECT_THAT(Numbers<engine::Progress>(), ElementsAre(1));
+  EXPECT_THAT(Numbers<engine::StageBegun>(), ElementsAre(6));
 }
 
 TEST_F(RecoverFoldersTest, AnEndOfTheRunEndsTheWalk) {
   AddTopAndInbox();
-  onMessage_ = [this](const engine::RunMessage& message) {
-    if (message.code == engine::MSG_PROGRESS) run_.runEnded = true;
+  onEvent_ = [this](const engine::Event& event) {
+    if (std::holds_alternative<engine::Progress>(event)) run_.runEnded = true;
   };
   Folders();
-  EXPECT_THAT(Numbers(engine::MSG_PROGRESS), ElementsAre(1));
+  EXPECT_THAT(Numbers<engine::Progress>(), ElementsAre(1));
   EXPECT_THAT(Trace("AddFolder"), IsEmpty());
 }
 

@@ -6,6 +6,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+bool IsFolder(const engine::Event& event, std::uint32_t nid) {
+  const auto* reached = std::get_if<engine::FolderReached>(&event);
+  return reached != nullptr && reached->nid == nid;
+}
+
 class RecoverOrphansTest : public RecoveryTest {
  protected:
   RecoverOrphansTest() { AddTopAndInbox(); }
@@ -49,15 +54,15 @@ TEST_F(RecoverOrphansTest, EveryOrphanGoesToTheOneFolderWhateverItsKind) {
               ElementsAre(R"({"op":"AddItem","id":1,"folder":"\\\\out\\Orphaned Mails","class":"IPM.Contact"})",
                           R"({"op":"AddItem","id":2,"folder":"\\\\out\\Orphaned Mails","class":"IPM.Note"})"));
   EXPECT_EQ(Trace("Save").size(), 2u);
-  EXPECT_EQ(std::ranges::count(Numbers(engine::MSG_ADD_FOLDER), 0x1122u), 1);
+  EXPECT_EQ(std::ranges::count(Numbers<engine::FolderReached>(), 0x1122u), 1);
 }
 
 TEST_F(RecoverOrphansTest, TheMarkerCarriesTheNameOfTheFolder) {
   Orphans({});
   Recover();
-  const auto marker = std::ranges::find(messages_, 0x1122u, &engine::RunMessage::number);
-  ASSERT_NE(marker, messages_.end());
-  EXPECT_EQ(marker->text, u"Orphaned Mails");
+  const auto marker = std::ranges::find_if(events_, [](const engine::Event& event) { return IsFolder(event, 0x1122); });
+  ASSERT_NE(marker, events_.end());
+  EXPECT_EQ(std::get<engine::FolderReached>(*marker).markerName, u"Orphaned Mails");
 }
 
 TEST_F(RecoverOrphansTest, AnOrphanOfTheSubNodeKindGivesNothing) {
@@ -88,7 +93,7 @@ TEST_F(RecoverOrphansTest, NothingIsDoneOnceTheRunHasEndedOrWasAborted) {
   Settle();
   run_.runAborted = true;
   RecoverOrphans(state_, engine_, run_);
-  EXPECT_THAT(messages_, IsEmpty());
+  EXPECT_THAT(events_, IsEmpty());
 }
 
 TEST_F(RecoverOrphansTest, FewNodesAreCountedAndTheCountIsFilledUpToOneHundred) {
@@ -96,21 +101,21 @@ TEST_F(RecoverOrphansTest, FewNodesAreCountedAndTheCountIsFilledUpToOneHundred) 
   AddMessage({Wide(0x001A, u"IPM.Note")});
   Settle();
   RecoverOrphans(state_, engine_, run_);  // five nodes, none taken out as a folder
-  const auto progress = Numbers(engine::MSG_PROGRESS);
-  ASSERT_EQ(progress.size(), 5u + 96);
-  EXPECT_EQ(progress[4], 4u);
-  EXPECT_EQ(progress[5], 5u) << "the fill begins with the count";
-  EXPECT_EQ(progress.back(), 100u);
+  const auto progress = Numbers<engine::Progress>();
+  ASSERT_EQ(progress.size(), 101u) << "the fill begins with the count";
+  for (std::uint32_t i = 0; i <= 100; ++i) EXPECT_EQ(progress[i], i);
 }
 
 TEST_F(RecoverOrphansTest, ManyNodesAreReportedInPercentAndTheFillBeginsAtZeroWithoutOrphans) {
   for (std::uint32_t i = 0; i < 300; ++i) AddNode(0x21, 0, 0, 0x22);
   Settle();
   RecoverOrphans(state_, engine_, run_);
-  const auto progress = Numbers(engine::MSG_PROGRESS);
-  ASSERT_EQ(progress.size(), 303u + 101);
-  EXPECT_EQ(progress[302], 100u);
-  EXPECT_EQ(progress[303], 0u);
+  const auto progress = Numbers<engine::Progress>();
+  ASSERT_EQ(progress.size(), 101u + 101);
+  for (std::uint32_t i = 0; i <= 100; ++i) {
+    EXPECT_EQ(progress[i], i);
+    EXPECT_EQ(progress[101 + i], i) << "the fill";
+  }
 }
 
 TEST_F(RecoverOrphansTest, WithOrphansTheFillBeginsAtTheirLastPercentage) {
@@ -119,9 +124,9 @@ TEST_F(RecoverOrphansTest, WithOrphansTheFillBeginsAtTheirLastPercentage) {
   Settle();
   RecoverOrphans(state_, engine_, run_);
   // 403 units, 4 to a percent: the last of the hundred orphans' reports is that of unit 402.
-  const auto progress = Numbers(engine::MSG_PROGRESS);
+  const auto progress = Numbers<engine::Progress>();
   ASSERT_EQ(engine_.percentBase, 4u);
-  EXPECT_EQ(progress.size(), 303u + 100 + 1);
+  EXPECT_EQ(progress.size(), 101u) << "nothing is said anew";
   EXPECT_EQ(progress.back(), 100u);
 }
 
@@ -132,7 +137,7 @@ TEST_F(RecoverOrphansTest, PercentagesAboveOneHundredAreNotReportedForNodes) {
   engine_.nodeCount = 149;  // folders were taken off the count, a first node that stays was not off the list
   RecoverOrphans(state_, engine_, run_);
   ASSERT_EQ(engine_.percentBase, 1u);
-  const auto progress = Numbers(engine::MSG_PROGRESS);
+  const auto progress = Numbers<engine::Progress>();
   EXPECT_EQ(progress[100], 100u);
   EXPECT_EQ(progress[101], 0u) << "the fill follows at once";
 }
@@ -140,24 +145,23 @@ TEST_F(RecoverOrphansTest, PercentagesAboveOneHundredAreNotReportedForNodes) {
 TEST_F(RecoverOrphansTest, TheFoldersAreAnnouncedAtTheEnd) {
   AddFolder(0x8062, kInbox, u"Old");
   Recover();
-  EXPECT_THAT(Numbers(engine::MSG_ADD_FOLDER), ElementsAre(kInbox, 0x8062));
-  EXPECT_EQ(messages_.back().code, engine::MSG_ADD_FOLDER);
+  EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(kInbox, 0x8062));
+  EXPECT_TRUE(std::holds_alternative<engine::FolderReached>(events_.back()));
 }
 
 TEST_F(RecoverOrphansTest, TheStageComesFirst) {
   Settle();
   RecoverOrphans(state_, engine_, run_);
-  EXPECT_EQ(messages_.front().code, engine::MSG_STAGE);
-  EXPECT_EQ(messages_.front().number, 8u);
+  EXPECT_EQ(std::get<engine::StageBegun>(events_.front()).stage, 8u);
 }
 
 TEST_F(RecoverOrphansTest, AnEndOfTheRunAmongTheOrphansLeavesOutFillAndAnnouncement) {
   Orphans({{0x7777, 0}, {0x7777, 0}});
-  onMessage_ = [this](const engine::RunMessage& message) {
-    if (message.number == 0x1122) run_.runEnded = true;
+  onEvent_ = [this](const engine::Event& event) {
+    if (IsFolder(event, 0x1122)) run_.runEnded = true;
   };
   Recover();
-  EXPECT_THAT(Numbers(engine::MSG_ADD_FOLDER), ElementsAre(0x1122));
+  EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(0x1122));
 }
 
 TEST_F(RecoverOrphansTest, TheLogTellsTheFolder) {

@@ -87,11 +87,11 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
     trace_.lines.clear();
   }
 
-  void OnMessage(const engine::RunMessage& message) override {
-    messages_.push_back(message);
-    if (onMessage_) onMessage_(message);
+  void OnEvent(const engine::Event& event) override {
+    EXPECT_FALSE(std::holds_alternative<engine::Notice>(event)) << "recovery has nothing that ends a run";
+    events_.push_back(event);
+    if (onEvent_) onEvent_(event);
   }
-  void OnBox(engine::BoxKind, text::TextView, text::TextView) override { ADD_FAILURE() << "recovery shows no box"; }
   void Write(text::TextView text) override { log_ += text; }
 
   void UseFormat(FormatId format, engine::StoreKind kind) {
@@ -220,18 +220,23 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
     return chosen;
   }
 
-  std::vector<std::uint32_t> Numbers(std::uint32_t code) const {
+  template <class T>
+  std::vector<std::uint32_t> Numbers() const {
     std::vector<std::uint32_t> numbers;
-    for (const auto& message : messages_) {
-      if (message.code == code) numbers.push_back(message.number);
+    for (const engine::Event& event : events_) {
+      if (const auto* said = std::get_if<T>(&event)) numbers.push_back(NumberOf(*said));
     }
     return numbers;
   }
+  static std::uint32_t NumberOf(const engine::StageBegun& begun) { return begun.stage; }
+  static std::uint32_t NumberOf(const engine::Progress& progress) { return progress.percentage; }
+  static std::uint32_t NumberOf(const engine::FolderReached& reached) { return reached.nid; }
+  static std::uint32_t NumberOf(const engine::AttachmentsListed&) { return 0; }
 
   engine::EngineState engine_;
   engine::RunContext run_;
-  std::vector<engine::RunMessage> messages_;
-  std::function<void(const engine::RunMessage&)> onMessage_;
+  std::vector<engine::Event> events_;
+  std::function<void(const engine::Event&)> onEvent_;
   text::Text log_;
   TraceLines trace_;
   output::TraceLibrary library_;

@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QScreen>
 
-#include "conversion/messages.h"
+#include "conversion/notices.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/harness.h"
@@ -27,17 +27,11 @@ class BoxesTest : public testing::Test {
         text::Text(kDrivesFailed),
         text::Text(kButtonCreationFailed),
         text::Text(kLinkCreationFailed),
-        text::Text(engine::kNotValid),
-        text::Text(engine::kSourceNotOpened),
-        text::Text(conversion::kComponentMissing),
-        text::Text(conversion::kRegistering),
-        text::Text(conversion::kNoOutputFolder),
-        text::Text(conversion::kStoreNotMade),
     };
     const text::Text path = text::Text(u"/srv/archive/mail of the office/2019/") + text::Text(40, u'n') +
                             u" Converted0/" + text::Text(40, u'n') + u" Converted.pst";
-    for (const text::TextView beginning : {conversion::kAborted, conversion::kStoreNotWritten, conversion::kDiskFull}) {
-      texts.push_back(text::Text(beginning) + path);
+    for (int kind = 0; kind <= static_cast<int>(engine::NoticeKind::kAborted); ++kind) {
+      texts.push_back(conversion::TextOf({static_cast<engine::NoticeKind>(kind), path, {}}).text);
     }
     for (const StringId id : {kStopQuestion, kExitQuestion, kNotEnoughSpace, kRemovableDrive, kOutlookRunning,
                               kLaunchFailed, kInternetModeRefused, kOutlookMissing}) {

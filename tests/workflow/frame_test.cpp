@@ -241,7 +241,7 @@ TEST_F(FrameTest, TheToolbarCanBeCustomized) {
 }
 
 TEST_F(FrameTest, AnErrorNoticeIsTakenAndDoesNothing) {
-  EXPECT_EQ(frame_->OnFrameMessage(engine::MSG_ERROR_NOTICE), 1);
+  EXPECT_EQ(frame_->OnFrameMessage(MSG_ERROR_NOTICE), 1);
   EXPECT_TRUE(IsPage<CCustomDlg>());
 }
 
@@ -259,14 +259,12 @@ TEST_F(FrameTest, ARunFillsThePanesAndTheNextOneForgetsThem) {
   EXPECT_FALSE(State().treeFilling);
   EXPECT_TRUE(frame_->Panes().ListPane().HasColumns());
   script_.Do([](conversion::RunState& state) {
-    state.run.Send(engine::MSG_ADD_FOLDER, 4369, 0, u"Lost & Found");
-    state.run.Send(engine::MSG_LIST_FIELD, 1, 0, u"somebody");
-    state.run.Send(engine::MSG_LIST_FIELD, 3, 0, u"something");
-    state.run.Send(engine::MSG_LIST_ATTACHMENT);
-    state.run.Send(engine::MSG_ERROR_NOTICE);
+    state.run.Say(engine::FolderReached{4369, u"Lost & Found"});
+    state.run.Say(engine::FieldListed{engine::ListField::kFrom, u"somebody"});
+    state.run.Say(engine::FieldListed{engine::ListField::kSubject, u"something"});
+    state.run.Say(engine::AttachmentsListed{});
   });
-  ASSERT_TRUE(Comes([this] { return script_.done == 1; }));
-  EXPECT_EQ(frame_->Panes().ListPane().RowCount(), 1);
+  ASSERT_TRUE(Comes([this] { return frame_->Panes().ListPane().RowCount() == 1; }));
   EXPECT_EQ(Tree().topLevelItemCount(), 1);
 
   Key(Qt::Key_Escape);
@@ -304,7 +302,7 @@ TEST_F(FrameTest, ClosingTheFrameAsksAndNoChangesNothing) {
 
 TEST_F(FrameTest, ClosingTheFrameStopsTheWorkerAndEndsTheProcess) {
   Convert();
-  script_.Send(engine::MSG_PROGRESS, 5);
+  script_.Say(engine::Progress{5});
   ASSERT_TRUE(Comes([this] { return script_.done == 1; }));
   boxes_.Answer(QMessageBox::Yes);
   frame_->OnCommand(kExitCommand);

@@ -211,7 +211,7 @@ TEST_F(LookTest, AMinimisedPageShowsItsIcon) {
 TEST_F(LookTest, ThePictureOfTheEndIsPaintedOnceTheRunIsDone) {
   CProgressDlg page(*frame_);
   const QImage before = page.grab().toImage();
-  page.OnRunMessage({engine::MSG_DONE, 0, 0, {}});
+  page.OnRunMessage({MSG_DONE, 0, 0, {}});
   const QImage after = page.grab().toImage();
   const QPoint middle = before.rect().center();
   EXPECT_EQ(before.pixelColor(middle), QColor(Qt::white));

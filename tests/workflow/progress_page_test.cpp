@@ -63,26 +63,26 @@ TEST_F(ProgressPageTest, TheHeadlineIsBoldAndFifteenPixelsHigh) {
 }
 
 TEST_F(ProgressPageTest, ShowsThePercentageAndDropsWhatIsAboveAHundred) {
-  script_.Send(engine::MSG_PROGRESS, 37, 2);
+  script_.Say(engine::Progress{37, engine::Phase::kBlockScan});
   Done(1);
   EXPECT_EQ(Bar(), 37);
   EXPECT_EQ(Text(kPercentageId), "37%");
   EXPECT_EQ(Control<QProgressBar>(kProgressBarId).windowTitle(), "37%");
-  script_.Send(engine::MSG_PROGRESS, 101);
-  script_.Send(engine::MSG_PROGRESS, 4000000000u);
+  script_.Say(engine::Progress{101});
+  script_.Say(engine::Progress{4000000000u});
   Done(3);
   EXPECT_EQ(Bar(), 37);
   EXPECT_EQ(Text(kPercentageId), "37%");
-  script_.Send(engine::MSG_PROGRESS, 100);
+  script_.Say(engine::Progress{100});
   Done(4);
   EXPECT_EQ(Text(kPercentageId), "100%");
 }
 
 TEST_F(ProgressPageTest, TheSamePercentageTwiceSetsItsTextOnce) {
-  script_.Send(engine::MSG_PROGRESS, 5);
+  script_.Say(engine::Progress{5});
   Done(1);
   Control<QLabel>(kPercentageId).setText("untouched");
-  script_.Send(engine::MSG_PROGRESS, 5);
+  script_.Say(engine::Progress{5});
   Done(2);
   EXPECT_EQ(Text(kPercentageId), "untouched");
 }
@@ -99,18 +99,18 @@ TEST_F(ProgressPageTest, ShowsEachStageAndNothingDuringTheFourth) {
                                   "Closing file...",
                                   "Processing Wait..."};
   for (std::uint32_t stage = 1; stage <= 10; ++stage) {
-    script_.Send(engine::MSG_STAGE, stage);
+    script_.Say(engine::StageBegun{stage});
     Done(int(stage));
     EXPECT_EQ(Text(kStageCaptionId), captions[stage - 1]);
   }
-  script_.Send(engine::MSG_STAGE, 2, 1);
-  Done(11);
+  frame_->progressDialog->OnRunMessage({MSG_STAGE, 2, 1, {}});
   EXPECT_EQ(Text(kStageCaptionId), "Closing file...") << "the ninth stage is forced";
 }
 
-TEST_F(ProgressPageTest, TheWorkerWaitsForThePage) {
+TEST_F(ProgressPageTest, AtTheClosingStageThePageIsUpToDate) {
   script_.Do([this](conversion::RunState& state) {
-    state.run.Send(engine::MSG_PROGRESS, 12);
+    state.run.Say(engine::Progress{12});
+    state.run.Say(engine::StageBegun{9});
     ASSERT_NE(frame_->progressDialog, nullptr);
     EXPECT_EQ(frame_->progressDialog->Control<QProgressBar>(kProgressBarId)->value(), 12);
   });
@@ -163,7 +163,7 @@ TEST_F(ProgressPageTest, AFolderThatNothingOpensIsTold) {
 
 TEST_F(ProgressPageTest, AStopTellsWhereTheStoreIsOnceThereIsOne) {
   script_.Do([](conversion::RunState& state) { state.destinationPath = u"/out/mail Converted0/mail Converted.pst"; });
-  script_.Send(engine::MSG_STAGE, 4);
+  script_.Say(engine::StageBegun{4});
   Done(2);
   boxes_.Answer(QMessageBox::Yes);
   boxes_.Answer(QMessageBox::Ok, [this] { EXPECT_TRUE(IsPage<CCustomDlg>()) << "the start page is there already"; });
@@ -175,7 +175,7 @@ TEST_F(ProgressPageTest, AStopTellsWhereTheStoreIsOnceThereIsOne) {
 }
 
 TEST_F(ProgressPageTest, AStopAheadOfTheStoreTellsNoPath) {
-  script_.Send(engine::MSG_STAGE, 3);
+  script_.Say(engine::StageBegun{3});
   Done(1);
   boxes_.Answer(QMessageBox::Yes);
   Press(kCancelId);
@@ -183,10 +183,10 @@ TEST_F(ProgressPageTest, AStopAheadOfTheStoreTellsNoPath) {
 }
 
 TEST_F(ProgressPageTest, CancelHoldsTheRunAndNoLetsItGoOnWithoutAGap) {
-  script_.Send(engine::MSG_PROGRESS, 10);
+  script_.Say(engine::Progress{10});
   Done(1);
   boxes_.Answer(QMessageBox::No, [this] {
-    for (std::uint32_t percent = 11; percent <= 13; ++percent) script_.Send(engine::MSG_PROGRESS, percent);
+    for (std::uint32_t percent = 11; percent <= 13; ++percent) script_.Say(engine::Progress{percent});
     QTest::qWait(150);
     EXPECT_LE(script_.done, 2) << "at most the piece of work at hand ends";
     EXPECT_EQ(Bar(), 10) << "the page does not change under the question";
@@ -200,7 +200,7 @@ TEST_F(ProgressPageTest, CancelHoldsTheRunAndNoLetsItGoOnWithoutAGap) {
 }
 
 TEST_F(ProgressPageTest, CancelAndYesLeavesForGood) {
-  script_.Send(engine::MSG_PROGRESS, 10);
+  script_.Say(engine::Progress{10});
   Done(1);
   boxes_.Answer(QMessageBox::Yes);
   Press(kCancelId);
@@ -214,7 +214,7 @@ TEST_F(ProgressPageTest, AWorkerThatWaitsForThePageCanBeStopped) {
   ASSERT_TRUE(Comes([this] { return script_.begun == 1; }));
   // It says something just while the question is open.
   boxes_.Answer(QMessageBox::Yes, [this] {
-    script_.Send(engine::MSG_PROGRESS, 50);
+    script_.Say(engine::Progress{50});
     QTest::qWait(50);
   });
   Press(kCancelId);
@@ -243,9 +243,8 @@ TEST_F(ProgressPageTest, TheCloseBoxAsksToExitOnceTheRunHasEnded) {
 
 TEST_F(ProgressPageTest, AfterAFailedStepThePageStaysButAsksForNoPatience) {
   script_.Do([](conversion::RunState& state) {
-    state.run.Send(engine::MSG_STAGE, 5);
-    state.run.ShowError(u"Pst/Ost file is not valid.");
-    state.run.runAborted = true;
+    state.run.Say(engine::StageBegun{5});
+    state.run.Abort({engine::NoticeKind::kNotValid, {}, {}});
   });
   boxes_.Answer(QMessageBox::Ok);
   script_.Finish();
@@ -269,7 +268,7 @@ TEST_F(ProgressPageTest, AfterAFailedStepThePageStaysButAsksForNoPatience) {
 }
 
 TEST_F(ProgressPageTest, AfterAFailureThatEndedTheWorkerBothWaysAskToStop) {
-  script_.Do([](conversion::RunState& state) { state.run.ShowError(u"No."); });
+  script_.Say(engine::Notice{engine::NoticeKind::kNotValid, {}, {}});
   script_.EndEarly();
   boxes_.Answer(QMessageBox::Ok);
   Done(2);
@@ -277,7 +276,7 @@ TEST_F(ProgressPageTest, AfterAFailureThatEndedTheWorkerBothWaysAskToStop) {
   CloseBox();
   boxes_.Answer(QMessageBox::Yes);
   Press(kCancelId);
-  EXPECT_EQ(boxes_.Texts(), QStringList({"Error: No.", kStopBox, kStopBox}));
+  EXPECT_EQ(boxes_.Texts(), QStringList({"Error: Pst/Ost file is not valid.", kStopBox, kStopBox}));
   EXPECT_TRUE(IsPage<CCustomDlg>());
 }
 
@@ -287,7 +286,7 @@ TEST_P(LeftPageTest, LeavesAtOnceWithoutAQuestionAndTheRunGoesOn) {
   Key(GetParam());
   EXPECT_TRUE(boxes_.seen.empty());
   EXPECT_TRUE(IsPage<CCustomDlg>());
-  script_.Send(engine::MSG_PROGRESS, 60);
+  script_.Say(engine::Progress{60});
   script_.Finish();
   Done(2);
   EXPECT_TRUE(State().run.runEnded);
@@ -321,7 +320,7 @@ TEST_F(ProgressPageTest, AWaitingRunThatIsStoppedNeverBeginsAndTheOtherGoesOn) {
   LeavePage();
   Convert();
   boxes_.Answer(QMessageBox::Yes, [this] {
-    script_.Send(engine::MSG_PROGRESS, 5);
+    script_.Say(engine::Progress{5});
     EXPECT_TRUE(Comes([this] { return script_.done == 1; })) << "the question holds its own run alone";
   });
   Press(kCancelId);
@@ -339,7 +338,7 @@ TEST_F(ProgressPageTest, AfterAStopTheNextRunIsANewOne) {
   Press(kCancelId);
   LeavePage();
   Convert();
-  script_.Send(engine::MSG_PROGRESS, 44);
+  script_.Say(engine::Progress{44});
   Done(1);
   EXPECT_EQ(script_.begun, 2);
   EXPECT_EQ(Text(kPercentageId), "44%");

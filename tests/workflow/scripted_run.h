@@ -20,15 +20,14 @@ class ScriptedRun {
 
   void Do(Work work) { Push(std::move(work)); }
 
-  /// A stage, percentage or other message.
-  void Send(std::uint32_t code, std::uint32_t number = 0, std::uint32_t detail = 0) {
-    Do([=](conversion::RunState& state) { state.run.Send(code, number, detail); });
+  void Say(engine::Event event) {
+    Do([event = std::move(event)](conversion::RunState& state) { state.run.Say(event); });
   }
 
-  /// The end of a whole run: MSG_DONE unless the run was aborted, then `runEnded`.
+  /// The end of a whole run: Done unless the run was aborted, then `runEnded`.
   void Finish() {
     Do([this](conversion::RunState& state) {
-      if (!state.run.runAborted) state.run.Send(engine::MSG_DONE);
+      if (!state.run.runAborted) state.run.Say(engine::Done{});
       state.run.runEnded = true;
       leave_ = true;
     });

@@ -15,39 +15,112 @@ class WorkerTest : public testing::Test {
   }
 
   engine::RunControl control_;
-  std::vector<engine::RunMessage> messages_;
-  std::vector<text::Text> boxes_;
-  WorkerLink link_{[this](const engine::RunMessage& message) {
-                     EXPECT_EQ(QThread::currentThread(), qApp->thread());
-                     messages_.push_back(message);
-                   },
-                   [this](engine::BoxKind, text::TextView, text::TextView message) { boxes_.emplace_back(message); }};
+  std::vector<engine::Event> events_;
+  WorkerLink link_{[this](const engine::Event& event) {
+    EXPECT_EQ(QThread::currentThread(), qApp->thread());
+    events_.push_back(event);
+  }};
 };
 
-TEST_F(WorkerTest, EverythingArrivesInOrderAndTheWorkerWaitsForIt) {
+engine::FolderReached Folder(std::uint32_t nid) { return {nid, {}}; }
+
+TEST_F(WorkerTest, EverythingArrivesInOrderAndTheWorkerGoesOnMeanwhile) {
   std::atomic<bool> ended{false};
   const auto worker = Run([&] {
-    for (std::uint32_t i = 0; i < 100; ++i) {
-      link_.OnMessage({engine::MSG_PROGRESS, i, 0, {}});
-      EXPECT_EQ(messages_.size(), i + 1);
+    for (std::uint32_t i = 0; i < 100; ++i) link_.OnEvent(Folder(i));
+    ended = true;
+  });
+  while (!ended) QThread::msleep(1);  // nothing is taken meanwhile
+  EXPECT_TRUE(events_.empty());
+  ASSERT_TRUE(Comes([&] { return events_.size() == 100; }));
+  for (std::uint32_t i = 0; i < 100; ++i) EXPECT_EQ(std::get<engine::FolderReached>(events_[i]).nid, i);
+}
+
+TEST_F(WorkerTest, TheWorkerWaitsUntilANoticeTheClosingAndTheEndAreDealtWith) {
+  const std::vector<engine::Event> waited = {engine::Notice{engine::NoticeKind::kAborted, {}, {}},
+                                             engine::StageBegun{9}, engine::ListCleared{}, engine::Done{}};
+  std::atomic<bool> ended{false};
+  const auto worker = Run([&] {
+    std::size_t said = 0;
+    for (const engine::Event& event : waited) {
+      link_.OnEvent(Folder(1));
+      link_.OnEvent(event);
+      EXPECT_EQ(events_.size(), said += 2);
     }
-    link_.OnBox(engine::BoxKind::kError, u"Error", u"text");
     ended = true;
   });
   EXPECT_TRUE(Comes([&] { return ended.load(); }));
-  for (std::uint32_t i = 0; i < 100; ++i) EXPECT_EQ(messages_[i].number, i);
-  EXPECT_EQ(boxes_, std::vector<text::Text>{u"text"});
+}
+
+TEST_F(WorkerTest, OfPercentagesThatNobodyHasTakenTheNewestCounts) {
+  std::atomic<bool> ended{false};
+  const auto worker = Run([&] {
+    for (const std::uint32_t percentage : {1, 2, 3}) link_.OnEvent(engine::Progress{percentage});
+    link_.OnEvent(Folder(7));
+    for (const std::uint32_t percentage : {4, 5}) link_.OnEvent(engine::Progress{percentage});
+    ended = true;
+  });
+  while (!ended) QThread::msleep(1);
+  ASSERT_TRUE(Comes([&] { return events_.size() == 3; }));
+  EXPECT_EQ(std::get<engine::Progress>(events_[0]).percentage, 3u);
+  EXPECT_EQ(std::get<engine::FolderReached>(events_[1]).nid, 7u);
+  EXPECT_EQ(std::get<engine::Progress>(events_[2]).percentage, 5u);
+}
+
+TEST_F(WorkerTest, AWorkerThatIsFarAheadWaits) {
+  std::atomic<std::uint32_t> said{0};
+  const auto worker = Run([&] {
+    for (std::uint32_t i = 0; i < 5000; ++i) {
+      link_.OnEvent(Folder(i));
+      ++said;
+    }
+  });
+  QThread::msleep(200);
+  EXPECT_EQ(said, 1000u);
+  ASSERT_TRUE(Comes([&] { return events_.size() == 5000; }));
+  EXPECT_EQ(std::get<engine::FolderReached>(events_.back()).nid, 4999u);
+}
+
+TEST_F(WorkerTest, WhatAWindowOfACallWaitsForComesWhileItWaits) {
+  std::vector<std::uint32_t> numbers;
+  WorkerLink link([&](const engine::Event& event) {
+    const std::uint32_t nid = std::get<engine::FolderReached>(event).nid;
+    if (nid == 1) EXPECT_TRUE(Comes([&] { return numbers.size() == 2; }));
+    numbers.push_back(nid);
+  });
+  std::atomic<bool> ended{false};
+  const auto worker = Run([&] {
+    for (const std::uint32_t nid : {1, 2, 3}) link.OnEvent(Folder(nid));
+    link.CallAndWait([] {});
+    ended = true;
+  });
+  EXPECT_TRUE(Comes([&] { return ended.load(); }));
+  EXPECT_EQ(numbers, (std::vector<std::uint32_t>{2, 3, 1}));
+}
+
+TEST_F(WorkerTest, KnownFoldersAreTheLinksOwn) {
+  std::vector<text::Text> names;
+  WorkerLink link([&](const engine::Event& event) {
+    for (const auto& folder : std::get<engine::FoldersKnown>(event).folders) names.push_back(folder.name);
+  });
+  const auto worker = Run([&] {
+    const std::vector<engine::FolderRecord> folders = {{1, 2, u"Inbox", {}}, {3, 2, u"Sent", {}}};
+    link.OnEvent(engine::FoldersKnown{folders, 2});
+  });
+  worker->Join();
+  EXPECT_TRUE(Comes([&] { return names.size() == 2; }));
+  EXPECT_EQ(names, (std::vector<text::Text>{u"Inbox", u"Sent"}));
 }
 
 TEST_F(WorkerTest, AHeldLinkHandsNothingOver) {
   std::atomic<bool> said{false};
   const auto worker = Run([&] {
-    link_.OnMessage({engine::MSG_STAGE, 1, 0, {}});
+    link_.OnEvent(engine::Done{});
     said = true;
   });
   worker->Hold();
   QTest::qWait(60);
-  EXPECT_TRUE(messages_.empty());
+  EXPECT_TRUE(events_.empty());
   worker->Resume();
   EXPECT_TRUE(Comes([&] { return said.load(); }));
 }
@@ -56,7 +129,7 @@ TEST_F(WorkerTest, AWorkerThatWaitsForTheWindowsIsJoinedByThem) {
   bool left = false;
   const auto worker = Run([&] {
     try {
-      link_.OnMessage({engine::MSG_STAGE, 1, 0, {}});
+      link_.OnEvent(engine::Done{});
     } catch (const engine::RunStopped&) {
       left = true;
       throw;
@@ -67,7 +140,7 @@ TEST_F(WorkerTest, AWorkerThatWaitsForTheWindowsIsJoinedByThem) {
   worker->Join();
   EXPECT_TRUE(left);
   QTest::qWait(20);
-  EXPECT_TRUE(messages_.empty()) << "what it had to say is lost";
+  EXPECT_TRUE(events_.empty()) << "what it had to say is lost";
 }
 
 TEST_F(WorkerTest, AnAbandonedWorkerSaysNothingMore) {
@@ -82,7 +155,7 @@ TEST_F(WorkerTest, AnAbandonedWorkerSaysNothingMore) {
       } catch (const engine::RunStopped&) {
       }
       try {
-        link_.OnMessage({engine::MSG_STAGE, 9, 0, {}});
+        link_.OnEvent(engine::StageBegun{1});
       } catch (const engine::RunStopped&) {
         ++refused;
       }
@@ -92,7 +165,7 @@ TEST_F(WorkerTest, AnAbandonedWorkerSaysNothingMore) {
   worker->Stop();
   worker->Join();
   EXPECT_EQ(refused, 2);
-  EXPECT_TRUE(messages_.empty());
+  EXPECT_TRUE(events_.empty());
 }
 
 TEST_F(WorkerTest, TheNextRunBeginsWhenTheOneBeforeHasEnded) {
@@ -123,12 +196,12 @@ TEST_F(WorkerTest, ARunAfterAStoppedOneIsNotStopped) {
   const auto second = Run(
       [&] {
         control_.PausePoint();
-        link_.OnMessage({engine::MSG_DONE, 0, 0, {}});
+        link_.OnEvent(engine::Done{});
         ended = true;
       },
       first);
   EXPECT_TRUE(Comes([&] { return ended.load(); }));
-  EXPECT_EQ(messages_.size(), 1u);
+  EXPECT_EQ(events_.size(), 1u);
 }
 
 }  // namespace

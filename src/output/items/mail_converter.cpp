@@ -10,9 +10,8 @@
 namespace velmora::items {
 namespace {
 
+using engine::ListField;
 using output::Field;
-
-enum class ListField : std::uint32_t { kFrom = 1, kTo = 2, kSubject = 3, kDate = 4 };
 
 /// "month /day /year", without leading zeros.
 text::Text ListDate(output::OleDate date) {
@@ -49,7 +48,7 @@ class MailRecord {
   bool Flag() const { return FlagOf(record_.value); }
   std::int32_t Number() const { return static_cast<std::int32_t>(record_.value); }
   void Show(ListField field, text::TextView text) const {
-    scope_.run->Send(engine::MSG_LIST_FIELD, static_cast<std::uint32_t>(field), 0, text);
+    scope_.run->Say(engine::FieldListed{field, text::Text(text)});
   }
   void ShowSubject() const { Show(ListField::kSubject, item_->Get(Field::Subject).AsText()); }
 

@@ -46,8 +46,8 @@ CDisplayBody::CDisplayBody(QWidget* parent, std::shared_ptr<FinishedStore> store
   document()->setDefaultStyleSheet(QStringLiteral("a[href] { color: #0b57d0; }"));
 }
 
-void CDisplayBody::OnMessage(const engine::RunMessage& message) {
-  if (message.code == engine::MSG_CLEAR_BODY) clear();
+void CDisplayBody::OnMessage(const RunMessage& message) {
+  if (message.code == MSG_CLEAR_BODY) clear();
   if (message.code == kShowBodyMessage) Show(message.number, message.text);
 }
 

@@ -20,7 +20,7 @@ class CDisplayBody : public QTextBrowser {
   CDisplayBody(QWidget* parent, std::shared_ptr<FinishedStore> store, const ItemSelection& selection);
 
   /// kShowBodyMessage and MSG_CLEAR_BODY.
-  void OnMessage(const engine::RunMessage& message);
+  void OnMessage(const RunMessage& message);
 
   /// Lets the folder go that is kept open from one item to the next.
   void ReleaseFolder();

@@ -17,7 +17,7 @@
 namespace velmora::workflow {
 namespace {
 
-using recovery::FolderRecord;
+using engine::FolderRecord;
 
 constexpr int kFolderIcons = 141;
 
@@ -79,9 +79,9 @@ CFormViewLeft::CFormViewLeft(QWidget* parent, Surroundings surroundings)
   connect(tree_, &QTreeWidget::currentItemChanged, this, &CFormViewLeft::OnSelectionChanged);
 }
 
-void CFormViewLeft::OnMessage(const engine::RunMessage& message) {
+void CFormViewLeft::OnMessage(const RunMessage& message) {
   switch (message.code) {
-    case engine::MSG_ADD_FOLDER:
+    case MSG_ADD_FOLDER:
       AddFolder(message.number, message.text);
       break;
     case kRenewSelectionMessage:
@@ -92,7 +92,14 @@ void CFormViewLeft::OnMessage(const engine::RunMessage& message) {
   }
 }
 
+void CFormViewLeft::OnFoldersKnown(const engine::FoldersKnown& known) {
+  known_.clear();
+  for (const FolderRecord& folder : known.folders) known_.emplace(folder.nid, folder);
+  topFolderNid_ = known.topFolderNid;
+}
+
 void CFormViewLeft::Clear() {
+  known_.clear();
   folders_.Clear();
   tree_->clear();
   lostAndFoundMade_ = orphansMade_ = false;
@@ -100,11 +107,10 @@ void CFormViewLeft::Clear() {
 }
 
 void CFormViewLeft::AddFolder(std::uint32_t id, text::TextView markerName) {
-  const recovery::RecoveryState& recovery = surroundings_.recovery;
   if (folders_.IsEmpty()) {
     surroundings_.store->Use(surroundings_.state.destinationPath);
-    auto* root = MakeItem(*tree_->invisibleRootItem(), recovery.convertedName, icons_.at(kPlainIcon));
-    folders_.Add({.id = recovery.topFolderNid, .item = root, .name = recovery.convertedName});
+    auto* root = MakeItem(*tree_->invisibleRootItem(), surroundings_.state.convertedName, icons_.at(kPlainIcon));
+    folders_.Add({.id = topFolderNid_, .item = root, .name = surroundings_.state.convertedName});
   }
 
   // From the folder upwards to the first one that stands in the tree; its own chain stands there too.
@@ -113,10 +119,10 @@ void CFormViewLeft::AddFolder(std::uint32_t id, text::TextView markerName) {
   const TreeFolderRecord* above = nullptr;
   for (std::uint32_t current = id; above == nullptr && current != kRootFolderId && seen.insert(current).second;) {
     above = folders_.OfId(current);
-    const FolderRecord* folder = recovery.folders.Find(current);
-    if (above != nullptr || folder == nullptr) break;
-    chain.push_back(folder);
-    current = folder->parentNid;
+    const auto folder = known_.find(current);
+    if (above != nullptr || folder == known_.end()) break;
+    chain.push_back(&folder->second);
+    current = folder->second.parentNid;
   }
   if (above == nullptr) above = &folders_.Root();
   // Whoever closed one of the folders above it sees it all the same.
@@ -161,7 +167,7 @@ void CFormViewLeft::OnSelectionChanged(QTreeWidgetItem* item) {
     send({.code = kind->message, .text = path});
   } else {
     send({.code = kSwapPaneMessage, .number = 1});
-    send({.code = engine::MSG_CLEAR_LIST});
+    send({.code = MSG_CLEAR_LIST});
     send({.code = kListFolderMessage, .text = path});
   }
 }

@@ -4,10 +4,10 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <unordered_map>
 
 #include "conversion/run_state.h"
 #include "conversion/summary.h"
-#include "recovery/recovery_state.h"
 #include "workflow/panes/finished_store.h"
 #include "workflow/panes/pane_messages.h"
 #include "workflow/panes/tree_folders.h"
@@ -26,7 +26,6 @@ class CFormViewLeft : public QWidget {
   /// What the pane works with; all of it outlives the pane.
   struct Surroundings {
     conversion::RunState& state;
-    const recovery::RecoveryState& recovery;  ///< its folders are climbed while a run is under way
     std::shared_ptr<FinishedStore> store;
     SendToPane send;
     std::function<bool()> listBusy;
@@ -34,8 +33,11 @@ class CFormViewLeft : public QWidget {
 
   CFormViewLeft(QWidget* parent, Surroundings surroundings);
 
+  /// The folders that a run is going to fill; to be called before the first of them is added.
+  void OnFoldersKnown(const engine::FoldersKnown& known);
+
   /// MSG_ADD_FOLDER and kRenewSelectionMessage.
-  void OnMessage(const engine::RunMessage& message);
+  void OnMessage(const RunMessage& message);
 
   /// Forgets all folders, ahead of a run.
   void Clear();
@@ -59,6 +61,8 @@ class CFormViewLeft : public QWidget {
   QTreeWidget* tree_;
   std::vector<QIcon> icons_;
   TreeFolders folders_;
+  std::unordered_map<std::uint32_t, engine::FolderRecord> known_;  ///< by nid; climbed while folders are added
+  std::uint32_t topFolderNid_ = 0;
   bool lostAndFoundMade_ = false;
   bool orphansMade_ = false;
   conversion::FolderCounters counters_;

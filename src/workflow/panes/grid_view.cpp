@@ -113,7 +113,7 @@ CGridView::CGridView(QWidget* parent, std::shared_ptr<FinishedStore> store)
   layout->addWidget(grid_);
 }
 
-void CGridView::OnMessage(const engine::RunMessage& message) {
+void CGridView::OnMessage(const RunMessage& message) {
   if (message.code == kClearGridMessage) rows_->Clear();
   const FillKind* kind = FillKindOf(message.code);
   if (kind == nullptr) return;

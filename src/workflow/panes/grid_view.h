@@ -22,7 +22,7 @@ class CGridView : public QWidget {
   CGridView(QWidget* parent, std::shared_ptr<FinishedStore> store);
 
   /// kClearGridMessage and the five fills; any other message is none of the grid's.
-  void OnMessage(const engine::RunMessage& message);
+  void OnMessage(const RunMessage& message);
 
   const GridRows& Rows() const { return *rows_; }
 

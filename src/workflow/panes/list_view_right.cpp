@@ -91,15 +91,15 @@ void CListViewRight::BuildColumns() {
   for (auto*& placeholder : placeholders_) delete std::exchange(placeholder, nullptr);
 }
 
-void CListViewRight::OnMessage(const engine::RunMessage& message) {
+void CListViewRight::OnMessage(const RunMessage& message) {
   switch (message.code) {
-    case engine::MSG_LIST_FIELD:
+    case MSG_LIST_FIELD:
       SetField(message.number, message.text);
       break;
-    case engine::MSG_LIST_ATTACHMENT:
+    case MSG_LIST_ATTACHMENT:
       rows_->MarkAttachments(currentRow_);
       break;
-    case engine::MSG_CLEAR_LIST:
+    case MSG_CLEAR_LIST:
       rows_->Clear();
       currentRow_ = -1;
       break;
@@ -126,7 +126,7 @@ void CListViewRight::ListFolder(text::TextView path) {
   StopListing();
   folderPath_ = path;
   loading_->show();
-  send_({.code = engine::MSG_CLEAR_BODY});
+  send_({.code = MSG_CLEAR_BODY});
   // What the thread says is dealt with in this one, unless another listing has begun meanwhile.
   const auto later = [this, number = ++listingNumber_](auto call) {
     const auto unlessReplaced = [this, number, call] {

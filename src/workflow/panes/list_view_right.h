@@ -35,7 +35,7 @@ class CListViewRight : public QTableView, public ItemSelection {
   bool HasColumns() const { return rows_->columnCount() > 0; }
 
   /// MSG_LIST_FIELD, MSG_LIST_ATTACHMENT, MSG_CLEAR_LIST and kListFolderMessage.
-  void OnMessage(const engine::RunMessage& message);
+  void OnMessage(const RunMessage& message);
 
   /// True from the start of a listing until its last row is shown.
   bool ListBusy() const { return listing_ != nullptr; }

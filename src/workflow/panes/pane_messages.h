@@ -1,9 +1,9 @@
-// What the panes tell each other, and what the frame tells them. The messages of a run are in engine/run.h.
+// What the panes tell each other, and what the frame tells them. Those of a run are in run_message.h.
 #pragma once
 
 #include <functional>
 
-#include "engine/run.h"
+#include "workflow/panes/run_message.h"
 
 namespace velmora::workflow {
 
@@ -22,6 +22,6 @@ enum PaneMessage : std::uint32_t {
 };
 
 /// Brings a message to the pane that it is meant for. Called in the thread of the windows.
-using SendToPane = std::function<void(const engine::RunMessage&)>;
+using SendToPane = std::function<void(const RunMessage&)>;
 
 }  // namespace velmora::workflow

@@ -27,9 +27,9 @@ ResultPanes::ResultPanes(QWidget* parent, conversion::RunState& state, const con
       state_(state),
       outLook_(outLook),
       store_(std::make_shared<FinishedStore>(state.previewSession, OpenerOf(state, std::move(makeOutput)))) {
-  const SendToPane send = [this](const engine::RunMessage& message) { OnMessage(message); };
+  const SendToPane send = [this](const RunMessage& message) { OnMessage(message); };
   setObjectName(QStringLiteral("59648"));
-  folders_ = new CFormViewLeft(this, {state, outLook.Recovery(), store_, send, [this] { return ListBusy(); }});
+  folders_ = new CFormViewLeft(this, {state, store_, send, [this] { return ListBusy(); }});
   inner_ = new QSplitter(Qt::Vertical, this);
   upper_ = new QStackedWidget(inner_);
   list_ = new CListViewRight(upper_, store_, send);
@@ -59,8 +59,8 @@ void ResultPanes::BeginRun() {
   folders_->Clear();
   OnMessage({.code = kClearGridMessage});
   OnMessage({.code = kSwapPaneMessage, .number = 1});
-  OnMessage({.code = engine::MSG_CLEAR_LIST});
-  OnMessage({.code = engine::MSG_CLEAR_BODY});
+  OnMessage({.code = MSG_CLEAR_LIST});
+  OnMessage({.code = MSG_CLEAR_BODY});
   body_->ReleaseFolder();
   store_->Close();
 }
@@ -70,9 +70,11 @@ void ResultPanes::EndRun() {
   store_->LetGo();
 }
 
-void ResultPanes::OnMessage(const engine::RunMessage& message) {
+void ResultPanes::OnFoldersKnown(const engine::FoldersKnown& known) { folders_->OnFoldersKnown(known); }
+
+void ResultPanes::OnMessage(const RunMessage& message) {
   switch (message.code) {
-    case engine::MSG_STAGE:
+    case MSG_STAGE:
       if (message.number == kClosingStage && outLook_.logEnabled && outLook_.Session()) {
         OnMessage({.code = kWriteSummaryMessage});
       }
@@ -83,17 +85,17 @@ void ResultPanes::OnMessage(const engine::RunMessage& message) {
     case kWriteSummaryMessage:
       if (outLook_.Session()) folders_->WriteSummary(*outLook_.Session());
       break;
-    case engine::MSG_ADD_FOLDER:
+    case MSG_ADD_FOLDER:
     case kRenewSelectionMessage:
       folders_->OnMessage(message);
       break;
-    case engine::MSG_LIST_FIELD:
-    case engine::MSG_LIST_ATTACHMENT:
-    case engine::MSG_CLEAR_LIST:
+    case MSG_LIST_FIELD:
+    case MSG_LIST_ATTACHMENT:
+    case MSG_CLEAR_LIST:
     case kListFolderMessage:
       list_->OnMessage(message);
       break;
-    case engine::MSG_CLEAR_BODY:
+    case MSG_CLEAR_BODY:
     case kShowBodyMessage:
       body_->OnMessage(message);
       break;
@@ -114,8 +116,8 @@ void ResultPanes::SwapPane(bool toList) {
     upper_->setCurrentWidget(list_);
   } else {
     list_->StopListing();
-    list_->OnMessage({.code = engine::MSG_CLEAR_LIST});
-    body_->OnMessage({.code = engine::MSG_CLEAR_BODY});
+    list_->OnMessage({.code = MSG_CLEAR_LIST});
+    body_->OnMessage({.code = MSG_CLEAR_BODY});
     upper_->setCurrentWidget(grid_);
   }
 }

@@ -35,7 +35,8 @@ class ResultPanes : public QSplitter {
 
   /// Every message of a run and every message of the panes, in the thread of the windows; those that are
   /// meant for nobody here are passed over. During a run the worker waits meanwhile.
-  void OnMessage(const engine::RunMessage& message);
+  void OnFoldersKnown(const engine::FoldersKnown& known);
+  void OnMessage(const RunMessage& message);
 
   /// While true, the frame opens no start page.
   bool ListBusy() const { return list_->ListBusy(); }

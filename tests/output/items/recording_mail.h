@@ -88,14 +88,15 @@ class RowObserver : public engine::RunObserver {
  public:
   explicit RowObserver(Log& log) : log_(log) {}
 
-  void OnMessage(const engine::RunMessage& message) override {
-    static const std::map<std::uint32_t, std::string> kColumns = {{1, "from"}, {2, "to"}, {3, "subject"}, {4, "date"}};
-    const auto column = kColumns.find(message.number);
-    const bool isRow = message.code == engine::MSG_LIST_FIELD && message.detail == 0 && column != kColumns.end();
-    log_.push_back((isRow ? column->second : "message " + std::to_string(message.code)) + " '" +
-                   text::ToUtf8(message.text) + "'");
+  void OnEvent(const engine::Event& event) override {
+    static const std::map<engine::ListField, std::string> kColumns = {{engine::ListField::kFrom, "from"},
+                                                                      {engine::ListField::kTo, "to"},
+                                                                      {engine::ListField::kSubject, "subject"},
+                                                                      {engine::ListField::kDate, "date"}};
+    const auto* listed = std::get_if<engine::FieldListed>(&event);
+    log_.push_back(listed == nullptr ? "event " + std::to_string(event.index())
+                                     : kColumns.at(listed->field) + " '" + text::ToUtf8(listed->text) + "'");
   }
-  void OnBox(engine::BoxKind, text::TextView, text::TextView) override { log_.push_back("box"); }
 
  private:
   Log& log_;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "conversion/notices.h"
 #include "conversion/worker.h"
 #include "store/messaging/pst_library.h"
 
@@ -12,8 +13,10 @@ using output::Ref;
 
 class BoxesOf : public engine::RunObserver {
  public:
-  void OnMessage(const engine::RunMessage&) override {}
-  void OnBox(engine::BoxKind, text::TextView, text::TextView message) override { said += text::ToUtf8(message); }
+  void OnEvent(const engine::Event& event) override {
+    if (const auto* notice = std::get_if<engine::Notice>(&event))
+      said += text::ToUtf8(conversion::TextOf(*notice).text);
+  }
   std::string said;
 };
 

@@ -17,7 +17,6 @@
 namespace velmora::workflow {
 namespace {
 
-using engine::RunMessage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -26,13 +25,11 @@ constexpr std::uint32_t kTop = 0x8022;
 class FolderTreeTest : public StoreFixture {
  protected:
   FolderTreeTest() {
-    recovery_.convertedName = u"Test Converted";
-    recovery_.topFolderNid = kTop;
+    state_.convertedName = u"Test Converted";
+    pane_.OnFoldersKnown({{}, kTop});
   }
 
-  void Recover(std::vector<recovery::FolderRecord> folders) {
-    recovery_.folders = recovery::FolderList(std::move(folders));
-  }
+  void Recover(const std::vector<engine::FolderRecord>& folders) { pane_.OnFoldersKnown({folders, kTop}); }
   void Add(std::uint32_t id, text::TextView name = {}) {
     pane_.OnMessage({.code = 32816, .number = id, .text = text::Text(name)});
   }
@@ -53,11 +50,10 @@ class FolderTreeTest : public StoreFixture {
   }
 
   conversion::RunState state_;
-  recovery::RecoveryState recovery_;
   std::vector<RunMessage> sent_;
   bool listBusy_ = false;
   CFormViewLeft pane_{nullptr,
-                      {state_, recovery_, finished_, [this](const RunMessage& message) { sent_.push_back(message); },
+                      {state_, finished_, [this](const RunMessage& message) { sent_.push_back(message); },
                        [this] { return listBusy_; }}};
 };
 
@@ -173,7 +169,7 @@ TEST_F(FolderTreeTest, BesideAFolderNamedLikeTheStoreNothingNewIsInserted) {
 TEST_F(FolderTreeTest, FoldersHaveIconsByTheirNames) {
   const char16_t* names[] = {u"Other",    u"Inbox", u"Deleted Items", u"Drafts",  u"Contacts",
                              u"Calendar", u"Notes", u"Tasks",         u"Journals"};
-  std::vector<recovery::FolderRecord> folders;
+  std::vector<engine::FolderRecord> folders;
   std::uint32_t id = 0x8082;
   for (const char16_t* name : names) folders.push_back({id += 0x20, kTop, name, u"IPF.Note"});
   Recover(folders);
@@ -207,7 +203,7 @@ TEST_F(FolderTreeTest, ANewRunBeginsWithAnEmptyTree) {
   Add(4386, u"Orphaned Mails");
   pane_.Clear();
   EXPECT_EQ(Tree().topLevelItemCount(), 0);
-  recovery_.convertedName = u"Other Converted";
+  state_.convertedName = u"Other Converted";
   Recover({});
   Add(4386, u"Orphaned Mails");
   EXPECT_EQ(Root().text(0), "Other Converted");
@@ -215,7 +211,7 @@ TEST_F(FolderTreeTest, ANewRunBeginsWithAnEmptyTree) {
 }
 
 TEST_F(FolderTreeTest, AChainOfAnyLengthIsTaken) {
-  std::vector<recovery::FolderRecord> folders;
+  std::vector<engine::FolderRecord> folders;
   constexpr std::uint32_t kDepth = 20000;
   const auto idAt = [](std::uint32_t level) { return 0x100002 + (level << 5); };
   for (std::uint32_t i = 1; i <= kDepth; ++i) folders.push_back({idAt(i), idAt(i - 1), u"f", u"IPF.Note"});
@@ -227,7 +223,7 @@ TEST_F(FolderTreeTest, AChainOfAnyLengthIsTaken) {
 }
 
 TEST_F(FolderTreeTest, FoldersDeeperThan200LevelsStandSideBySide) {
-  std::vector<recovery::FolderRecord> folders;
+  std::vector<engine::FolderRecord> folders;
   for (std::uint32_t i = 1; i <= 203; ++i) folders.push_back({0x8022 + i * 32, 0x8002 + i * 32, u"f", u"IPF.Note"});
   Recover(folders);
   Add(folders.back().nid);

@@ -17,7 +17,6 @@
 namespace velmora::workflow {
 namespace {
 
-using engine::RunMessage;
 using output::Field;
 using output::OleDate;
 using testing::ElementsAre;

@@ -35,7 +35,7 @@ class KnownStoresTest : public ResultFixture {
       const std::string name = entry.path().filename().string();
       SCOPED_TRACE(name);
       if (Convert(entry.path()) != conversion::RunEnd::kFinished) {
-        EXPECT_FALSE(boxes_.empty()) << "a store that is refused is told";
+        EXPECT_FALSE(notices_.empty()) << "a store that is refused is told";
         continue;
       }
       written_ = WrittenItems(Split(ContentOf(expected / (name + ".normal.jsonl"))));

@@ -86,7 +86,7 @@ class LargeFolderTest : public testing::Test {
 };
 
 TEST_F(LargeFolderTest, TheListStaysAliveWhileItFills) {
-  CListViewRight list(nullptr, finished_, [](const engine::RunMessage&) {});
+  CListViewRight list(nullptr, finished_, [](const RunMessage&) {});
   list.BuildColumns();
   list.resize(800, 400);
   list.show();
@@ -121,7 +121,7 @@ TEST_F(LargeFolderTest, TheGridStaysAliveWhileItFills) {
 }
 
 TEST_F(LargeFolderTest, TheRowsOfARunCostNoMoreTheMoreThereAre) {
-  CListViewRight list(nullptr, finished_, [](const engine::RunMessage&) {});
+  CListViewRight list(nullptr, finished_, [](const RunMessage&) {});
   list.BuildColumns();
   QElapsedTimer clock;
   const auto addHalf = [&] {

@@ -65,7 +65,11 @@ conversion::RunEnd ResultFixture::Convert(const std::filesystem::path& source) {
   return end;
 }
 
-void ResultFixture::OnMessage(const engine::RunMessage& message) { panes_.OnMessage(message); }
+void ResultFixture::OnEvent(const engine::Event& event) {
+  if (const auto* notice = std::get_if<engine::Notice>(&event)) notices_.push_back(notice->kind);
+  if (const auto* known = std::get_if<engine::FoldersKnown>(&event)) panes_.OnFoldersKnown(*known);
+  if (const auto message = MessageOf(event)) panes_.OnMessage(*message);
+}
 
 output::Ref<output::RDOFolder> ResultFixture::OpenFolder(const QString& path) {
   if (!reader_) {

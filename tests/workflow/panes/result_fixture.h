@@ -38,8 +38,7 @@ class ResultFixture : public testing::Test, public engine::RunObserver {
   int ExpectShown(const TreeFolderRecord& folder);
   int ExpectAllFoldersShown();
 
-  void OnMessage(const engine::RunMessage& message) override;
-  void OnBox(engine::BoxKind, text::TextView, text::TextView message) override { boxes_.emplace_back(message); }
+  void OnEvent(const engine::Event& event) override;
 
   struct Lines : output::TraceSink {
     void WriteLine(std::string_view line) override { lines.push_back(QByteArray(line.data(), qsizetype(line.size()))); }
@@ -49,7 +48,7 @@ class ResultFixture : public testing::Test, public engine::RunObserver {
   platform::TemporaryFolder folder_ = platform::TemporaryFolder::Create().value();
   Lines trace_;
   WrittenItems written_;  ///< of the last run
-  std::vector<text::Text> boxes_;
+  std::vector<engine::NoticeKind> notices_;
   conversion::RunState state_;
   conversion::COutLook outLook_;
   ResultPanes panes_;

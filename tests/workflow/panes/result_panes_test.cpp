@@ -284,9 +284,9 @@ TEST_F(PanesOfAFinishedRunTest, OnceThePageIsLeftTheStoreIsInUseNoLonger) {
 class PanesDuringARunTest : public ResultPanesTest {
  protected:
   /// Asks for all that can be asked for, as somebody would who saw the panes while the run goes on.
-  void OnMessage(const engine::RunMessage& message) override {
-    ResultPanesTest::OnMessage(message);
-    if (message.code != engine::MSG_LIST_ATTACHMENT) return;
+  void OnEvent(const engine::Event& event) override {
+    ResultPanesTest::OnEvent(event);
+    if (!std::holds_alternative<engine::AttachmentsListed>(event)) return;
     ++asked_;
     panes_.ListPane().selectRow(0);
     panes_.OnMessage({.code = 32848, .text = u"\\\\demo Converted\\Inbox"});

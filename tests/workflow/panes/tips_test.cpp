@@ -35,7 +35,7 @@ class TipsTest : public StoreFixture {
 };
 
 TEST_F(TipsTest, OfTheListDuringARun) {
-  CListViewRight list(nullptr, finished_, [](const engine::RunMessage&) {});
+  CListViewRight list(nullptr, finished_, [](const RunMessage&) {});
   list.BuildColumns();
   Show(list);
   for (const QString& text : texts_) {
@@ -51,7 +51,7 @@ TEST_F(TipsTest, OfTheListOfAFolder) {
     const text::Text value = FromQt(text);
     AddItem(folder, u"IPM.Note", {{Field::SenderName, value}, {Field::To, value}, {Field::Subject, value}});
   }
-  CListViewRight list(nullptr, finished_, [](const engine::RunMessage&) {});
+  CListViewRight list(nullptr, finished_, [](const RunMessage&) {});
   list.BuildColumns();
   Show(list);
   list.OnMessage({.code = 32834, .text = PathOf(u"Inbox")});
@@ -78,16 +78,14 @@ TEST_F(TipsTest, OfTheGrid) {
 
 TEST_F(TipsTest, OfTheFolders) {
   conversion::RunState state;
-  recovery::RecoveryState recovery;
-  recovery.convertedName = FromQt(texts_[0] + " Converted");
-  recovery.topFolderNid = 0x8022;
-  std::vector<recovery::FolderRecord> folders;
+  state.convertedName = FromQt(texts_[0] + " Converted");
+  std::vector<engine::FolderRecord> folders;
   for (const QString& text : texts_) {
     const auto id = static_cast<std::uint32_t>(0x8082 + 0x20 * folders.size());
     folders.push_back({id, id - 0x20, FromQt(text), u"IPF.Note"});
   }
-  recovery.folders = recovery::FolderList(folders);
-  CFormViewLeft pane(nullptr, {state, recovery, finished_, [](const auto&) {}, [] { return false; }});
+  CFormViewLeft pane(nullptr, {state, finished_, [](const auto&) {}, [] { return false; }});
+  pane.OnFoldersKnown({folders, 0x8022});
   Show(pane);
   pane.OnMessage({.code = 32816, .number = folders.back().nid});
   pane.OnMessage({.code = 32816, .number = 4386, .text = FromQt(texts_[1])});
