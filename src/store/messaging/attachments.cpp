@@ -5,7 +5,7 @@
 
 #include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/stored_text.h"
+#include "store/messaging/values/stored_text.h"
 #include "store/ndb/data_tree_writer.h"
 
 namespace velmora::messaging {

@@ -7,9 +7,9 @@
 
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
-#include "store/messaging/byte_writer.h"
-#include "store/messaging/file_time.h"
-#include "store/messaging/property_bag.h"
+#include "store/messaging/values/byte_writer.h"
+#include "store/messaging/values/file_time.h"
+#include "store/messaging/values/property_bag.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/operations.h"
 

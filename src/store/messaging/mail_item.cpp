@@ -6,9 +6,9 @@
 #include "store/format/store_nodes.h"
 #include "store/ltp/table_context.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/field_table.h"
+#include "store/messaging/items/field_table.h"
 #include "store/messaging/store_writer.h"
-#include "store/messaging/subject.h"
+#include "store/messaging/values/subject.h"
 
 namespace velmora::messaging {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "store/ltp/property_context.h"
 #include "store/messaging/attachments.h"
-#include "store/messaging/item_properties.h"
+#include "store/messaging/items/item_properties.h"
 #include "store/messaging/store_writer.h"
 #include "store/operations.h"
 

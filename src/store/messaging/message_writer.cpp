@@ -3,9 +3,9 @@
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 #include "store/ltp/table_context_writer.h"
-#include "store/messaging/entry_id.h"
-#include "store/messaging/field_table.h"
-#include "store/messaging/table_schemas.h"
+#include "store/messaging/items/field_table.h"
+#include "store/messaging/tables/table_schemas.h"
+#include "store/messaging/values/identity.h"
 
 namespace velmora::messaging {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "store/ltp/property_context_writer.h"
 #include "store/messaging/attachments.h"
-#include "store/messaging/item_properties.h"
+#include "store/messaging/items/item_properties.h"
 #include "store/ndb/ndb_writer.h"
 
 namespace velmora::messaging {

@@ -6,8 +6,8 @@
 #include "store/format/store_nodes.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
-#include "store/messaging/entry_id.h"
 #include "store/messaging/failures.h"
+#include "store/messaging/values/identity.h"
 
 namespace velmora::messaging {
 namespace {

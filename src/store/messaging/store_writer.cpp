@@ -8,8 +8,8 @@
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/folder_writer.h"
-#include "store/messaging/stored_text.h"
+#include "store/messaging/folders/folder_writer.h"
+#include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
 namespace {

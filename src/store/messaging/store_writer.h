@@ -8,11 +8,11 @@
 
 #include "platform/file.h"
 #include "store/messaging/attachments.h"
+#include "store/messaging/folders/row_spool.h"
 #include "store/messaging/message_writer.h"
-#include "store/messaging/row_spool.h"
 #include "store/messaging/store.h"
-#include "store/messaging/store_skeleton.h"
-#include "store/messaging/uid_source.h"
+#include "store/messaging/tables/store_skeleton.h"
+#include "store/messaging/values/identity.h"
 #include "text/code_page.h"
 
 namespace velmora::messaging {

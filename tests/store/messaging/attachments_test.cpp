@@ -5,10 +5,10 @@
 #include "store/format/little_endian.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
-#include "store/messaging/folder_writer.h"
+#include "store/messaging/folders/folder_writer.h"
 #include "store/messaging/message_writer.h"
-#include "store/messaging/named_properties.h"
 #include "store/messaging/store_fixture.h"
+#include "store/messaging/tables/named_properties.h"
 
 namespace velmora::messaging {
 namespace {
