@@ -93,7 +93,7 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Add({.nid = table->RowId(row)});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = table->RowId(row)});
   }
   return folder.items;
 }

@@ -6,8 +6,8 @@
 #include "store/format/ids.h"
 #include "store/format/prop_tag.h"
 #include "store/ltp/property_context.h"
+#include "store/messaging/objects/property_bag.h"
 #include "store/messaging/values/identity.h"
-#include "store/messaging/values/property_bag.h"
 #include "store/operations.h"
 
 namespace velmora::messaging {

@@ -5,19 +5,42 @@
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
+namespace {
 
-void ItemRows::Add(const ItemRow& row) { rows_.push_back(row); }
+std::uint64_t TextBytes(const Folder& folder) {
+  return (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
+}
 
-ItemRow* ItemRows::Find(Nid nid) {
+}  // namespace
+
+void ItemRows::Put(const ItemRow& row) {
+  const auto place = std::ranges::lower_bound(rows_, row.nid, {}, &ItemRow::nid);
+  const bool isKnown = place != rows_.end() && place->nid == row.nid;
+  if (isKnown && place->deleted) --deleted_;
+  if (isKnown && !place->deleted) {
+    unread_ -= static_cast<std::size_t>(place->unread);
+    rowBytes_ -= place->size;
+  }
+  unread_ += static_cast<std::size_t>(row.unread);
+  rowBytes_ += row.size;
+  if (isKnown) {
+    *place = row;
+  } else {
+    rows_.insert(place, row);
+  }
+}
+
+const ItemRow* ItemRows::Find(Nid nid) const {
   const auto found = std::ranges::lower_bound(rows_, nid, {}, &ItemRow::nid);
   return found != rows_.end() && found->nid == nid && !found->deleted ? &*found : nullptr;
 }
 
 void ItemRows::Delete(Nid nid) {
-  ItemRow* row = Find(nid);
-  if (row == nullptr) return;
-  row->deleted = true;
+  ItemRow& row = *std::ranges::lower_bound(rows_, nid, {}, &ItemRow::nid);
+  row.deleted = true;
   ++deleted_;
+  unread_ -= static_cast<std::size_t>(row.unread);
+  rowBytes_ -= row.size;
   if (deleted_ * 2 <= rows_.size()) return;
   std::erase_if(rows_, [](const ItemRow& each) { return each.deleted; });
   deleted_ = 0;
@@ -38,10 +61,21 @@ Folder& FolderTree::Add(Folder* parent, Nid nid, text::TextView name, text::Text
   folderOfNid_.emplace(nid, &folder);
   if (parent != nullptr) {
     parent->children.push_back(&folder);
-    parent->childTextBytes += (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
+    parent->childTextBytes += TextBytes(folder);
     parent->childOfName.try_emplace(text::CaseFolded(folder.name), &folder);
   }
   return folder;
+}
+
+void FolderTree::Rename(Folder& folder, text::TextView name, text::TextView containerClass) {
+  Folder& parent = *folder.parent;
+  const auto forget = parent.childOfName.find(text::CaseFolded(folder.name));
+  if (forget != parent.childOfName.end() && forget->second == &folder) parent.childOfName.erase(forget);
+  parent.childTextBytes -= TextBytes(folder);
+  folder.name = NameOf(name);
+  folder.containerClass = NameOf(containerClass);
+  parent.childTextBytes += TextBytes(folder);
+  parent.childOfName.try_emplace(text::CaseFolded(folder.name), &folder);
 }
 
 Folder* FolderTree::OfNid(Nid nid) const {

@@ -8,34 +8,40 @@
 #include <vector>
 
 #include "store/format/ids.h"
+#include "store/messaging/objects/property_bag.h"
 #include "text/text.h"
 
 namespace velmora::messaging {
 
 /// A saved item of a folder: 16 bytes.
 struct ItemRow {
-  Nid nid = 0;
+  Nid nid{};
   bool unread = false;
   bool deleted = false;
   std::uint16_t size = 0;   ///< of its row's texts and binary values, as far as 16 bits tell
   std::uint64_t place = 0;  ///< of its row in the spool
 };
 
-/// The items of a folder in the order of their first save, which is that of their ids.
+/// The items of a folder by ascending id; without given ids that is the order of their first save.
 class ItemRows {
  public:
-  /// Adds an item, whose id is above all others.
-  void Add(const ItemRow& row);
+  /// Adds an item, or changes the one of that id. Cheap for one whose id is above all others.
+  void Put(const ItemRow& row);
 
   /// The item of that id, or null; valid until the next change.
-  ItemRow* Find(Nid nid);
+  const ItemRow* Find(Nid nid) const;
 
+  /// Deletes an item that is there.
   void Delete(Nid nid);
 
   /// The first item whose id is above `nid`, or null.
   const ItemRow* After(Nid nid) const;
 
   std::size_t Count() const { return rows_.size() - deleted_; }
+  std::size_t UnreadCount() const { return unread_; }
+
+  /// Sizes of the rows of all items.
+  std::uint64_t RowBytes() const { return rowBytes_; }
 
   /// Calls `visit(row)` for each item in order.
   template <class Visit>
@@ -48,22 +54,25 @@ class ItemRows {
  private:
   std::vector<ItemRow> rows_;  ///< deleted ones stay until they are half of all
   std::size_t deleted_ = 0;
+  std::size_t unread_ = 0;
+  std::uint64_t rowBytes_ = 0;
 };
 
 struct Folder {
-  Nid nid = 0;
+  Nid nid{};
   Folder* parent = nullptr;
   text::Text name;
   text::Text containerClass;
+  PropertyBag others;             ///< properties beside those that every folder has
   std::vector<Folder*> children;  ///< in order of creation
   std::unordered_map<text::Text, Folder*> childOfName;
   ItemRows items;
-  std::size_t unreadCount = 0;
-  std::uint64_t rowBytes = 0;        ///< sizes of the rows of all items
+  ItemRows hiddenItems;              ///< associated messages
   std::uint64_t childTextBytes = 0;  ///< of the names and classes of all children
 
   // Values that the tables have no room for, as last written.
   std::size_t itemCellsLeftOut = 0;
+  std::size_t hiddenCellsLeftOut = 0;
   std::size_t childCellsLeftOut = 0;
 
   // What differs from the store on disk.
@@ -71,6 +80,7 @@ struct Folder {
   bool propertiesChanged = false;
   bool childrenChanged = false;
   bool itemsChanged = false;
+  bool hiddenItemsChanged = false;
 };
 
 /// Owns the folders; they keep their addresses.
@@ -78,6 +88,9 @@ class FolderTree {
  public:
   /// Adds a folder below `parent` (null for the root). `name` is taken as a name of a store: see NameOf.
   Folder& Add(Folder* parent, Nid nid, text::TextView name, text::TextView containerClass);
+
+  /// Gives a folder that has a parent another name and class.
+  void Rename(Folder& folder, text::TextView name, text::TextView containerClass);
 
   Folder* OfNid(Nid nid) const;
 

@@ -2,12 +2,10 @@
 
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
-#include "store/ltp/multi_value.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
 #include "store/messaging/tables/store_skeleton.h"
 #include "store/messaging/tables/table_schemas.h"
-#include "store/messaging/values/identity.h"
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
@@ -19,11 +17,11 @@ PropertyBag PropertiesOf(const Folder& folder) {
   // The root has no name: the property is there and empty.
   bag.PutBytes(tag::kDisplayName, std::as_bytes(std::span(folder.name)));
   bag.PutInteger32(tag::kContentCount, static_cast<std::int32_t>(folder.items.Count()));
-  bag.PutInteger32(tag::kContentUnreadCount, static_cast<std::int32_t>(folder.unreadCount));
+  bag.PutInteger32(tag::kContentUnreadCount, static_cast<std::int32_t>(folder.items.UnreadCount()));
   bag.PutBoolean(tag::kSubfolders, !folder.children.empty());
   bag.PutText(tag::kContainerClass, folder.containerClass);
-  bag.PutInteger32(tag::kPstHiddenCount, 0);
-  bag.PutInteger32(tag::kPstHiddenUnread, 0);
+  bag.PutInteger32(tag::kPstHiddenCount, static_cast<std::int32_t>(folder.hiddenItems.Count()));
+  bag.PutInteger32(tag::kPstHiddenUnread, static_cast<std::int32_t>(folder.hiddenItems.UnreadCount()));
   return bag;
 }
 
@@ -45,20 +43,21 @@ Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeap
   return table.Finish();
 }
 
-Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std::size_t maxHeapBlocks, Folder& folder) {
-  ltp::TableContextWriter table(ndb, schema::kContents, maxHeapBlocks);
+Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& schema, const ItemRows& items,
+                                   RowSpool& rows, std::size_t maxHeapBlocks, std::size_t& cellsLeftOut) {
+  ltp::TableContextWriter table(ndb, schema, maxHeapBlocks);
   Result<void> result;
-  folder.items.ForEach([&](const ItemRow& item) {
+  items.ForEach([&](const ItemRow& item) {
     if (!result) return;
     const auto row = rows.Read(item.place);
     if (!row) {
       result = tl::unexpected(row.error());
     } else {
-      result = table.AddRow(item.nid, *row);
+      result = table.AddRow(Value(item.nid), *row);
     }
   });
   if (!result) return tl::unexpected(result.error());
-  folder.itemCellsLeftOut = table.CellsLeftOut();
+  cellsLeftOut = table.CellsLeftOut();
   return table.Finish();
 }
 
@@ -68,26 +67,6 @@ Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& n
 }
 
 }  // namespace
-
-PropertyBag ContentsRow(const PropertyBag& message) {
-  PropertyBag row;
-  for (const ltp::Column& column : schema::kContents.columns) {
-    if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || !message.Has(column.tag)) continue;
-    const auto value = message.Value(column.tag);
-    // A subject is as long as the message's, whose limit leaves out the two characters before it.
-    const bool isCut = TypeOf(column.tag) == PropType::kString && column.tag != tag::kSubject;
-    if (isCut && value.size() > kNameLimit * sizeof(char16_t)) {
-      const text::Text text = ltp::DecodeText(value);
-      row.PutText(column.tag, CutToCharacters(text, kNameLimit));
-    } else {
-      row.PutBytes(column.tag, value);
-    }
-  }
-  row.PutInteger32(tag::kMessageStatus, 0);
-  const text::Text topic = ltp::DecodeText(message.Value(tag::kConversationTopic));
-  if (const auto id = ConversationIdOf(topic)) row.PutBytes(tag::kConversationId, *id);
-  return row;
-}
 
 std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
   constexpr std::size_t kAllocation = 4;  // the heap's word for the place of a value, and a byte for an odd end
@@ -99,42 +78,52 @@ std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
   return bytes;
 }
 
+std::uint64_t MostBytesOf(const PropertyBag& others) {
+  return others.Count() * ItemBytes(0) + 2 * others.ValueBytes();  // a long value takes whole blocks
+}
+
 std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
   constexpr std::uint64_t kObject = 512;  // or a table without rows
   if (part == &Folder::itemsChanged) {
-    return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.rowBytes);
+    return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.items.RowBytes());
+  }
+  if (part == &Folder::hiddenItemsChanged) {
+    return kObject + folder.hiddenItems.Count() * ItemBytes(0) + ItemBytes(folder.hiddenItems.RowBytes());
   }
   if (part == &Folder::childrenChanged) {
     return kObject + folder.children.size() * ChildBytes(0) + ChildBytes(folder.childTextBytes);
   }
   // The object goes with a table of hidden items when it is new.
-  return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t);
+  return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t) +
+         MostBytesOf(folder.others);
 }
 
 Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
                          Folder& folder) {
   const auto tableNid = [&](NidType type) { return Sibling(folder.nid, type); };
   const Nid hiddenItems = tableNid(NidType::kAssocContentsTable);
-  if (!ndb.FindNode(hiddenItems)) {
-    ltp::TableContextWriter table(ndb, schema::kAssocContents);
-    if (auto set = Set(ndb, hiddenItems, table.Finish(), 0); !set) return set;
+  if (folder.hiddenItemsChanged || !ndb.FindNode(hiddenItems)) {
+    const auto table =
+        ItemTable(ndb, schema::kAssocContents, folder.hiddenItems, rows, maxHeapBlocks, folder.hiddenCellsLeftOut);
+    if (auto set = Set(ndb, hiddenItems, table, Nid{}); !set) return set;
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
     if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
   }
   if (folder.itemsChanged) {
-    const auto table = ContentsTable(ndb, rows, maxHeapBlocks, folder);
+    const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
     if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);
     PropertiesOf(folder).AddTo(node);
+    folder.others.AddTo(node);
     extra.AddTo(node);
     const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
     if (auto set = Set(ndb, folder.nid, node.Finish(), parent); !set) return set;
   }
-  folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = false;
+  folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = folder.hiddenItemsChanged = false;
   return {};
 }
 

@@ -4,6 +4,7 @@
 
 #include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
+#include "store/messaging/objects/message_writer.h"
 #include "store/messaging/values/compressed_rtf.h"
 #include "store/messaging/values/html_body.h"
 #include "store/messaging/values/stored_text.h"

@@ -3,8 +3,8 @@
 
 #include "store/ltp/property_context.h"
 #include "store/messaging/items/item_fields.h"
+#include "store/messaging/objects/property_bag.h"
 #include "store/messaging/tables/named_properties.h"
-#include "store/messaging/values/property_bag.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 
@@ -15,10 +15,5 @@ void PutField(const ItemFields::Entry& field, const text::CodePage& codePage, Pr
 
 /// Reads a field of a saved item; `written` tells whether the property is there.
 output::FieldRead ReadField(output::Field field, ltp::PropertyContext& item, const NamedPropertyMap& names);
-
-// Bits of PidTagMessageFlags.
-inline constexpr std::int32_t kMessageRead = 0x0001;
-inline constexpr std::int32_t kMessageUnsent = 0x0008;
-inline constexpr std::int32_t kMessageHasAttachments = 0x0010;
 
 }  // namespace velmora::messaging

@@ -1,7 +1,10 @@
 #include "store/messaging/items/item_properties.h"
 
+#include <algorithm>
+
 #include "store/format/property_tags.h"
 #include "store/messaging/items/field_table.h"
+#include "store/messaging/items/recipients.h"
 #include "store/messaging/tables/named_properties.h"
 #include "store/messaging/values/stored_text.h"
 #include "store/messaging/values/subject.h"
@@ -67,10 +70,10 @@ void PutEnvelope(const ItemFields& fields, PropertyBag& bag) {
 
 /// A message is one whose sending or arrival counts; the other kinds are never drafts and never unread
 /// unless somebody says so.
-std::int32_t FlagsOf(const ItemState& item, bool isMail, bool hasAttachments) {
+std::int32_t FlagsOf(const ItemState& item, bool isMail) {
   const bool read = !item.fields.Flag(Field::UnRead).value_or(isMail);
   const bool sent = item.fields.Flag(Field::Sent).value_or(!isMail);
-  return (read ? kMessageRead : 0) | (sent ? 0 : kMessageUnsent) | (hasAttachments ? kMessageHasAttachments : 0);
+  return (read ? kMessageRead : 0) | (sent ? 0 : kMessageUnsent);
 }
 
 void PutTimes(const ItemState& item, FileTime now, PropertyBag& bag) {
@@ -98,20 +101,18 @@ void PutVerb(Verb verb, PropertyBag& bag) {
   bag.PutInteger32(tag::kLastVerbExecuted, static_cast<std::int32_t>(verb));
 }
 
-}  // namespace
-
-PropertyBag ComposeItem(const ItemState& item, const ComposeContext& context) {
+PropertyBag ComposeProperties(const ItemState& item, bool hasPicture, FileTime now, const text::CodePage& codePage) {
   PropertyBag bag;
   const ItemInterface kind = output::TypedInterfaceOf(item.messageClass);
   const bool isMail = kind == ItemInterface::RDOMail;
   bag.PutText(tag::kMessageClass, item.messageClass);
-  for (const ItemFields::Entry& field : item.fields.Entries()) PutField(field, *context.codePage, bag);
+  for (const ItemFields::Entry& field : item.fields.Entries()) PutField(field, codePage, bag);
 
   switch (kind) {
     case ItemInterface::RDOMail:
       break;
     case ItemInterface::RDOContactItem:
-      CompleteContact(item, context.hasPicture, bag);
+      CompleteContact(item, hasPicture, bag);
       break;
     case ItemInterface::RDOTaskItem:
       CompleteTask(item.fields, bag);
@@ -140,20 +141,30 @@ PropertyBag ComposeItem(const ItemState& item, const ComposeContext& context) {
   }
   PutBodyKind(bag);
   PutEnvelope(item.fields, bag);
-  PutTimes(item, context.now, bag);
+  PutTimes(item, now, bag);
   if (isMail) PutFollowUp(item.fields, bag);
   PutVerb(item.verb, bag);
-  bag.PutInteger32(tag::kMessageFlags, FlagsOf(item, isMail, context.hasAttachments));
+  bag.PutInteger32(tag::kMessageFlags, FlagsOf(item, isMail));
   bag.PutBytes(tag::kSearchKey, item.searchKey);
   return bag;
 }
 
-std::vector<Recipient> RecipientsOf(const ItemFields& fields) {
+}  // namespace
+
+Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, FileTime now,
+                       const text::CodePage& codePage) {
+  Message message;
+  const bool hasPicture = std::ranges::any_of(attachments, &ItemAttachment::isContactPhoto);
+  message.properties = ComposeProperties(item, hasPicture, now, codePage);
   std::vector<Recipient> recipients;
-  AppendRecipients(fields.Text(Field::To), RecipientType::kTo, recipients);
-  AppendRecipients(fields.Text(Field::CC), RecipientType::kCc, recipients);
-  AppendRecipients(fields.Text(Field::BCC), RecipientType::kBcc, recipients);
-  return recipients;
+  AppendRecipients(item.fields.Text(Field::To), RecipientType::kTo, recipients);
+  AppendRecipients(item.fields.Text(Field::CC), RecipientType::kCc, recipients);
+  AppendRecipients(item.fields.Text(Field::BCC), RecipientType::kBcc, recipients);
+  for (const Recipient& recipient : recipients) message.recipients.push_back(RecipientRow(recipient));
+  for (const ItemAttachment& attachment : attachments) {
+    message.attachments.push_back(ComposeAttachment(attachment, now));
+  }
+  return message;
 }
 
 }  // namespace velmora::messaging

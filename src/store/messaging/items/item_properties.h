@@ -1,12 +1,13 @@
 // From the fields of an item to the properties of its message object.
 #pragma once
 
-#include <vector>
+#include <span>
 
+#include "store/messaging/items/item_attachments.h"
 #include "store/messaging/items/item_fields.h"
-#include "store/messaging/items/recipients.h"
+#include "store/messaging/objects/message_writer.h"
+#include "store/messaging/objects/property_bag.h"
 #include "store/messaging/values/identity.h"
-#include "store/messaging/values/property_bag.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 
@@ -24,19 +25,10 @@ struct ItemState {
   FileTime created = 0;
 };
 
-/// What the properties depend on beside the item.
-struct ComposeContext {
-  FileTime now = 0;
-  const text::CodePage* codePage = nullptr;  ///< of HTML bodies that do not tell their own
-  bool hasAttachments = false;
-  bool hasPicture = false;
-};
-
-/// All properties of the message object but its size.
-PropertyBag ComposeItem(const ItemState& item, const ComposeContext& context);
-
-/// The recipients that the display lists of the item name: To, then CC, then BCC.
-std::vector<Recipient> RecipientsOf(const ItemFields& fields);
+/// The message that an item is: the properties of its fields, recipients from its display lists, attachments.
+/// `codePage` is that of HTML bodies that do not tell their own.
+Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, FileTime now,
+                       const text::CodePage& codePage);
 
 // What each kind adds to the properties of its fields, so that Outlook shows the item as what it is.
 void CompleteContact(const ItemState& item, bool hasPicture, PropertyBag& bag);

@@ -1,5 +1,7 @@
 #include "store/messaging/items/recipients.h"
 
+#include "store/format/property_tags.h"
+#include "store/messaging/values/identity.h"
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
@@ -42,6 +44,28 @@ bool IsEmailAddress(text::TextView text) {
 
 void AppendRecipients(text::TextView displayList, RecipientType type, std::vector<Recipient>& recipients) {
   for (const text::Text& part : SplitList(Storable(displayList), u";")) recipients.push_back(RecipientOf(part, type));
+}
+
+PropertyBag RecipientRow(const Recipient& recipient) {
+  constexpr std::int32_t kMailUser = 6;
+  constexpr text::TextView kSmtp = u"SMTP";
+  PropertyBag row;
+  row.PutInteger32(tag::kRecipientType, static_cast<std::int32_t>(recipient.type));
+  row.PutBoolean(tag::kResponsibility, true);
+  row.PutInteger32(tag::kObjectType, kMailUser);
+  row.PutInteger32(tag::kDisplayType, 0);
+  row.PutBoolean(tag::kSendRichInfo, false);
+  row.PutText(tag::kDisplayName, recipient.displayName);
+  row.PutText(tag::k7BitDisplayName, recipient.displayName);
+  if (!recipient.address.empty()) {
+    const Bytes entryId = OneOffEntryId(recipient.displayName, kSmtp, recipient.address);
+    row.PutBytes(tag::kEntryId, entryId);
+    row.PutBytes(tag::kRecordKey, entryId);
+    row.PutText(tag::kAddressType, kSmtp);
+    row.PutText(tag::kEmailAddress, recipient.address);
+    row.PutBytes(tag::kSearchKey, AddressSearchKey(kSmtp, recipient.address));
+  }
+  return row;
 }
 
 }  // namespace velmora::messaging

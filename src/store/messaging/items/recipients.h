@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "store/messaging/objects/property_bag.h"
 #include "text/text.h"
 
 namespace velmora::messaging {
@@ -21,5 +22,8 @@ bool IsEmailAddress(text::TextView text);
 
 /// Appends the recipients that a display list ("Name; name@host; Name <name@host>") names.
 void AppendRecipients(text::TextView displayList, RecipientType type, std::vector<Recipient>& recipients);
+
+/// A recipient's row in the message's table.
+PropertyBag RecipientRow(const Recipient& recipient);
 
 }  // namespace velmora::messaging

@@ -10,43 +10,33 @@
 namespace velmora::messaging {
 namespace {
 
-using Guid = std::array<std::uint8_t, 16>;
-
 /// The sets of the published kind {0006wxyz-0000-0000-C000-000000000046}, and those of the same tail.
-constexpr Guid GuidOf(std::uint32_t data1) {
-  return {static_cast<std::uint8_t>(data1),
-          static_cast<std::uint8_t>(data1 >> 8),
-          static_cast<std::uint8_t>(data1 >> 16),
-          static_cast<std::uint8_t>(data1 >> 24),
-          0,
-          0,
-          0,
-          0,
-          0xC0,
-          0,
-          0,
-          0,
-          0,
-          0,
-          0,
-          0x46};
+constexpr Uid SetOf(std::uint32_t data1) {
+  Uid set{};
+  for (std::size_t i = 0; i < sizeof data1; ++i) set[i] = static_cast<std::byte>(data1 >> (8 * i));
+  set[8] = std::byte{0xC0};
+  set[15] = std::byte{0x46};
+  return set;
 }
 
 struct SetRow {
   PropertySet set;
-  Guid guid;
+  Uid guid;
 };
 
 constexpr SetRow kSets[] = {
-    {PropertySet::kPublicStrings, GuidOf(0x00020329)}, {PropertySet::kCommon, GuidOf(0x00062008)},
-    {PropertySet::kAddress, GuidOf(0x00062004)},       {PropertySet::kAppointment, GuidOf(0x00062002)},
-    {PropertySet::kTask, GuidOf(0x00062003)},          {PropertySet::kLog, GuidOf(0x0006200A)},
-    {PropertySet::kNote, GuidOf(0x0006200E)},
+    {PropertySet::kPublicStrings, SetOf(0x00020329)}, {PropertySet::kCommon, SetOf(0x00062008)},
+    {PropertySet::kAddress, SetOf(0x00062004)},       {PropertySet::kAppointment, SetOf(0x00062002)},
+    {PropertySet::kTask, SetOf(0x00062003)},          {PropertySet::kLog, SetOf(0x0006200A)},
+    {PropertySet::kNote, SetOf(0x0006200E)},
 };
 
-// The map names two sets by fixed numbers; the GUID stream counts on from kFirstGuid.
-constexpr std::uint16_t kPublicStringsGuid = 2;
-constexpr std::uint16_t kFirstGuid = 3;
+// The map names three sets by fixed numbers, no set at all among them; the stream of sets counts on from kFirstSet.
+constexpr Uid kNoSet{};
+constexpr Uid kMapiSet = SetOf(0x00020328);
+constexpr std::uint16_t kPublicStringsNumber = 2;
+constexpr std::uint16_t kFirstSet = 3;
+constexpr std::size_t kMostNames = 0x7FFE;
 
 constexpr PropTag kBucketCount = 0x00010003;
 constexpr PropTag kGuidStream = 0x00020102;
@@ -57,17 +47,14 @@ constexpr std::uint32_t kBuckets = 251;
 constexpr std::size_t kEntrySize = 8;
 constexpr std::size_t kGuidSize = 16;
 
-std::uint16_t GuidNumberOf(PropertySet set) {
-  if (set == PropertySet::kPublicStrings) return kPublicStringsGuid;
-  return static_cast<std::uint16_t>(kFirstGuid + static_cast<std::uint16_t>(set) -
-                                    1);  // kSets stands in order of PropertySet
+AnyPropertyName FullName(const PropertyName& name) {
+  const Uid& set = kSets[static_cast<std::size_t>(name.set)].guid;  // kSets stands in order of PropertySet
+  return name.id == 0 ? AnyPropertyName{set, 0, kKeywordsName} : AnyPropertyName{set, name.id, {}};
 }
 
-std::uint32_t HashOf(text::TextView name) { return WeakCrc(std::as_bytes(std::span(name))); }
-
-void AppendEntry(ByteWriter& out, std::uint32_t number, std::uint16_t guidAndKind, std::size_t index) {
+void AppendEntry(ByteWriter& out, std::uint32_t number, std::uint16_t setAndKind, std::size_t index) {
   out.U32(number);
-  out.U16(guidAndKind);
+  out.U16(setAndKind);
   out.U16(static_cast<std::uint16_t>(index));
 }
 
@@ -82,32 +69,56 @@ std::uint32_t NumberAt(std::span<const std::byte> bytes, std::size_t at, std::si
 
 }  // namespace
 
-void AddNameMap(ltp::PropertyContextWriter& node) {
-  ByteWriter guids;
-  for (const SetRow& row : kSets) {
-    if (row.set != PropertySet::kPublicStrings) guids.Raw(std::as_bytes(std::span(row.guid)));
-  }
-  const text::TextView keywords = kKeywordsName;
-  ByteWriter strings;
-  strings.U32(static_cast<std::uint32_t>(keywords.size() * sizeof(char16_t)));
-  strings.Units(keywords);
-  while (strings.Size() % 4 != 0) strings.U8(0);
+NewNameMap::NewNameMap() {
+  for (const SetRow& row : kSets) NumberOf(row.guid);
+  for (const PropertyName& name : kPropertyNames) IdOf(FullName(name));
+}
 
+std::uint16_t NewNameMap::NumberOf(const Uid& set) {
+  if (set == kNoSet) return 0;
+  if (set == kMapiSet) return 1;
+  if (set == kSets[0].guid) return kPublicStringsNumber;
+  const auto found = std::ranges::find(sets_, set);
+  const auto number = static_cast<std::uint16_t>(kFirstSet + (found - sets_.begin()));
+  if (found == sets_.end()) sets_.push_back(set);
+  return number;
+}
+
+std::optional<std::uint16_t> NewNameMap::IdOf(const AnyPropertyName& name) {
+  if (const auto found = ids_.find(name); found != ids_.end()) return found->second;
+  if (names_.size() == kMostNames) return std::nullopt;
+  const auto id = static_cast<std::uint16_t>(kFirstNamedId + names_.size());
+  names_.emplace_back(NumberOf(name.set), name);
+  ids_.emplace(name, id);
+  textBytes_ += name.text.size() * sizeof(char16_t);
+  return id;
+}
+
+void NewNameMap::AddTo(ltp::PropertyContextWriter& node) const {
+  ByteWriter sets;
+  for (const Uid& set : sets_) sets.Raw(set);
+  ByteWriter strings;
   ByteWriter entries;
   std::map<std::uint16_t, ByteWriter> buckets;
-  for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
-    const PropertyName& name = kPropertyNames[i];
-    const bool byText = name.id == 0;
-    const auto guidAndKind = static_cast<std::uint16_t>(GuidNumberOf(name.set) << 1 | (byText ? 1 : 0));
-    // The stream holds the place of a text name, the bucket its hash; there is one text, at place 0.
-    AppendEntry(entries, name.id, guidAndKind, i);
-    const std::uint32_t hash = byText ? HashOf(keywords) : name.id;
-    const auto bucket = static_cast<std::uint16_t>(kFirstBucket + (hash ^ guidAndKind) % kBuckets);
-    AppendEntry(buckets[bucket], hash, guidAndKind, i);
+  for (std::size_t i = 0; i < names_.size(); ++i) {
+    const auto& [set, name] = names_[i];
+    const bool byText = !name.text.empty();
+    const auto setAndKind = static_cast<std::uint16_t>(set << 1 | (byText ? 1 : 0));
+    // The stream holds the place of a text name, the bucket its hash.
+    std::uint32_t hash = name.number;
+    AppendEntry(entries, byText ? static_cast<std::uint32_t>(strings.Size()) : name.number, setAndKind, i);
+    if (byText) {
+      hash = WeakCrc(std::as_bytes(std::span(name.text)));
+      strings.U32(static_cast<std::uint32_t>(name.text.size() * sizeof(char16_t)));
+      strings.Units(name.text);
+      while (strings.Size() % 4 != 0) strings.U8(0);
+    }
+    const auto bucket = static_cast<std::uint16_t>(kFirstBucket + (hash ^ setAndKind) % kBuckets);
+    AppendEntry(buckets[bucket], hash, setAndKind, i);
   }
 
   node.AddInteger32(kBucketCount, kBuckets);
-  node.Add(kGuidStream, guids.Take());
+  node.Add(kGuidStream, sets.Take());
   node.Add(kEntryStream, entries.Take());
   node.Add(kStringStream, strings.Take());
   for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes.Take());
@@ -122,12 +133,12 @@ NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
   const Bytes entries = node.Binary(kEntryStream).value_or(Bytes());
   const Bytes strings = node.Binary(kStringStream).value_or(Bytes());
   const auto setOf = [&](std::uint32_t number) -> const SetRow* {
-    if (number == kPublicStringsGuid) return &kSets[0];
-    const std::size_t at = (number - kFirstGuid) * kGuidSize;
-    if (number < kFirstGuid || at + kGuidSize > guids.size()) return nullptr;
+    if (number == kPublicStringsNumber) return &kSets[0];
+    const std::size_t at = (number - kFirstSet) * kGuidSize;
+    if (number < kFirstSet || at + kGuidSize > guids.size()) return nullptr;
     const auto guid = std::span(guids).subspan(at, kGuidSize);
-    const auto* const found = std::ranges::find_if(
-        kSets, [&](const SetRow& row) { return std::ranges::equal(guid, std::as_bytes(std::span(row.guid))); });
+    const auto* const found =
+        std::ranges::find_if(kSets, [&](const SetRow& row) { return std::ranges::equal(guid, row.guid); });
     return found != std::end(kSets) ? found : nullptr;
   };
   const auto isKeywords = [&](std::uint32_t at) {

@@ -8,10 +8,16 @@
 #include <array>
 #include <cstdint>
 #include <iterator>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "store/format/prop_tag.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
+#include "store/messaging/values/identity.h"
+#include "text/text.h"
 
 namespace velmora::messaging {
 
@@ -83,8 +89,39 @@ inline constexpr PropTag kSideEffects = Named(PropertySet::kCommon, 0x8510, Prop
 inline constexpr PropTag kCommonStart = Named(PropertySet::kCommon, 0x8516, PropType::kTime);
 inline constexpr PropTag kCommonEnd = Named(PropertySet::kCommon, 0x8517, PropType::kTime);
 
-/// Adds the properties of node 0x61: the sets, the names in order, and the names again by 251 hash buckets.
-void AddNameMap(ltp::PropertyContextWriter& node);
+/// A name in any set, as another store may have it.
+struct AnyPropertyName {
+  Uid set{};
+  std::uint32_t number = 0;
+  text::Text text;  ///< of a name that is a text; empty for one that is a number
+  auto operator<=>(const AnyPropertyName&) const = default;
+};
+
+/// The map of a store that is written: the names of the table and behind them those that were asked for.
+class NewNameMap {
+ public:
+  NewNameMap();
+
+  /// The identifier of a name, from kFirstNamedId up; a name that has none gets the next one. Nothing when all
+  /// 32766 are used up.
+  std::optional<std::uint16_t> IdOf(const AnyPropertyName& name);
+
+  std::size_t Count() const { return names_.size(); }
+
+  /// Bytes that the node takes in the file at most.
+  std::uint64_t MostBytes() const { return 8192 + names_.size() * 48 + 2 * textBytes_; }
+
+  /// Adds the properties of node 0x61: the sets, the names in order, and the names again by 251 hash buckets.
+  void AddTo(ltp::PropertyContextWriter& node) const;
+
+ private:
+  std::uint16_t NumberOf(const Uid& set);
+
+  std::vector<Uid> sets_;
+  std::vector<std::pair<std::uint16_t, AnyPropertyName>> names_;  ///< each with the number of its set
+  std::map<AnyPropertyName, std::uint16_t> ids_;
+  std::uint64_t textBytes_ = 0;
+};
 
 /// Which identifiers a store that is read gives to the names of the table.
 class NamedPropertyMap {

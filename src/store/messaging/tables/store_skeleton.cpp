@@ -6,10 +6,10 @@
 #include "store/format/store_nodes.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
+#include "store/messaging/objects/property_bag.h"
 #include "store/messaging/tables/named_properties.h"
 #include "store/messaging/tables/table_schemas.h"
 #include "store/messaging/values/byte_writer.h"
-#include "store/messaging/values/property_bag.h"
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
@@ -77,7 +77,7 @@ Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
 
 }  // namespace
 
-Result<void> WriteSkeleton(ndb::NdbWriter& ndb) {
+Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
   for (const EmptyTable& row : kEmptyTables) {
     ltp::TableContextWriter table(ndb, row.schema);
     if (auto set = Set(ndb, row.nid, table.Finish()); !set) return set;
@@ -93,10 +93,14 @@ Result<void> WriteSkeleton(ndb::NdbWriter& ndb) {
   if (!list) return tl::unexpected(list.error());
   if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, 0}, 0); !set) return set;
 
-  ltp::PropertyContextWriter names(ndb);
-  AddNameMap(names);
-  if (auto set = Set(ndb, nid::kNameToIdMap, names.Finish()); !set) return set;
+  if (auto set = WriteNameMap(ndb, names); !set) return set;
   return WriteSearchFolder(ndb);
+}
+
+Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
+  ltp::PropertyContextWriter node(ndb);
+  names.AddTo(node);
+  return Set(ndb, nid::kNameToIdMap, node.Finish());
 }
 
 Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,

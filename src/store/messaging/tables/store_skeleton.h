@@ -1,6 +1,7 @@
 // What a store has before its first folder: templates, queues, the search folder, the map of names.
 #pragma once
 
+#include "store/messaging/tables/named_properties.h"
 #include "store/messaging/values/identity.h"
 #include "store/ndb/ndb_writer.h"
 #include "text/text.h"
@@ -8,7 +9,7 @@
 namespace velmora::messaging {
 
 /// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
-Result<void> WriteSkeleton(ndb::NdbWriter& ndb);
+Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 inline constexpr text::TextView kSpamSearchFolderName = u"SPAM Search Folder 2";
 
@@ -17,6 +18,9 @@ struct StoreIdentity {
   Uid replicaId{};
   text::Text displayName;
 };
+
+/// Writes the node that tells which properties the names are.
+Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 /// Writes the message store object, which names the folders of the store.
 Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,

@@ -1,18 +1,13 @@
-#include "store/messaging/attachments.h"
+#include "store/messaging/items/item_attachments.h"
 
 #include <algorithm>
-#include <array>
 
 #include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/values/stored_text.h"
-#include "store/ndb/data_tree_writer.h"
 
 namespace velmora::messaging {
 namespace {
-
-constexpr std::size_t kShortContent = ltp::PropertyContextWriter::kHeapValueLimit;
-constexpr std::size_t kPieceSize = 8 * kMaxBlockData;
 
 constexpr std::int32_t kByValue = 1;
 constexpr std::int32_t kEmbeddedMessage = 5;
@@ -43,53 +38,28 @@ text::TextView ExtensionOf(text::TextView name) {
 
 }  // namespace
 
-Attachment WriteContent(ndb::NdbWriter& ndb, const output::ContentSource& content, text::TextView name) {
-  Attachment attachment;
-  attachment.name = NameOf(name);
-  ndb::DataTreeWriter tree(ndb);
-  Bytes piece(static_cast<std::size_t>(std::min<std::uint64_t>(content.Size(), kPieceSize)));
-  std::uint64_t offset = 0;
-  while (const std::size_t length = content.ReadAt(offset, piece)) {
-    WrittenOrRaise(tree.Append(std::span(piece).first(length)));
-    offset += length;
-  }
-  if (tree.Size() <= kShortContent) {
-    const auto bytes = tree.Buffered();
-    attachment.shortContent.assign(bytes.begin(), bytes.end());
-    return attachment;
-  }
-  attachment.content = WrittenOrRaise(tree.Finish());
-  attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{attachment.content.bid, 0});
-  return attachment;
-}
+bool ItemAttachment::IsMessage() const { return content.TagOf(tag::kAttachDataObject) == tag::kAttachDataObject; }
 
-Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, text::TextView name) {
-  Attachment attachment;
-  attachment.name = NameOf(name);
-  attachment.message = message;
-  attachment.messageNid = ndb.NewNid(NidType::kNormalMessage);
-  attachment.hold = std::make_shared<TreeHold>(ndb, message.trees);
-  return attachment;
-}
-
-std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
-  std::vector<Attachment> attachments;
+std::vector<ItemAttachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
+  std::vector<ItemAttachment> attachments;
   for (const ndb::SubnodeEntry& entry : ReadOrRaise(message.Subnodes())) {
     if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
     ltp::PropertyContext properties = ReadOrRaise(ltp::PropertyContext::Open(ndb, entry.trees));
-    Attachment& attachment = attachments.emplace_back();
+    ItemAttachment& attachment = attachments.emplace_back();
     attachment.name = properties.Text(tag::kDisplayName).value_or(text::Text());
     attachment.isContactPhoto = properties.Boolean(tag::kAttachmentContactPhoto).value_or(false);
+    PropertyBag& content = attachment.content;
     if (const auto object = properties.ReadObject(tag::kAttachDataObject)) {
       const auto embedded = ReadOrRaise(properties.FindSubnode(object->nid));
-      if (embedded) attachment.message = {embedded->trees, object->size};
-      attachment.messageNid = object->nid;
-      attachment.hold = std::make_shared<TreeHold>(ndb, attachment.message.trees);
+      content.PutBytes(tag::kAttachDataBinary, {});  // should there be no message
+      if (!embedded) continue;
+      const ndb::WrittenNode node{embedded->trees, object->size};
+      content.PutStored(tag::kAttachDataObject, std::make_shared<StoredValue>(ndb, node, object->nid));
     } else if (const auto tree = ReadOrRaise(properties.TreeOf(tag::kAttachDataBinary))) {
-      attachment.content = *tree;
-      attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{tree->bid, 0});
+      const ndb::WrittenNode node{{tree->bid, {}}, tree->size};
+      content.PutStored(tag::kAttachDataBinary, std::make_shared<StoredValue>(ndb, node));
     } else {
-      attachment.shortContent = properties.Binary(tag::kAttachDataBinary).value_or(Bytes());
+      content.PutBytes(tag::kAttachDataBinary, properties.Binary(tag::kAttachDataBinary).value_or(Bytes()));
     }
   }
   return attachments;
@@ -141,8 +111,7 @@ text::Text ShortFileName(text::TextView name) {
   return shortExtension.empty() ? shortBase : shortBase + u"." + shortExtension;
 }
 
-Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime now, ltp::PropertyContextWriter& node,
-                                         PropertyBag& row) {
+PropertyBag ComposeAttachment(const ItemAttachment& attachment, FileTime now) {
   PropertyBag bag;
   bag.PutInteger32(tag::kAttachMethod, attachment.IsMessage() ? kEmbeddedMessage : kByValue);
   bag.PutInteger32(tag::kRenderingPosition, kNotInText);
@@ -156,23 +125,8 @@ Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime 
     bag.PutText(tag::kAttachExtension, ExtensionOf(attachment.name));
   }
   if (attachment.isContactPhoto) bag.PutBoolean(tag::kAttachmentContactPhoto, true);
-  bag.AddTo(node);
-
-  if (attachment.IsMessage()) {
-    node.AddObject(tag::kAttachDataObject, attachment.messageNid,
-                   static_cast<std::uint32_t>(Size32(attachment.message.dataSize)));
-    node.AddSubnode(attachment.messageNid, attachment.message);
-  } else if (attachment.content.bid != 0) {
-    node.AddTree(tag::kAttachDataBinary, attachment.content);
-  } else {
-    node.Add(tag::kAttachDataBinary, attachment.shortContent);
-  }
-  // The size counts all values, its own four bytes included.
-  const std::int32_t size = Size32(node.ValueBytes() + sizeof(std::int32_t));
-  node.AddInteger32(tag::kAttachSize, size);
-  bag.PutInteger32(tag::kAttachSize, size);
-  row = std::move(bag);
-  return node.Finish();
+  bag.Put(attachment.content);
+  return bag;
 }
 
 }  // namespace velmora::messaging

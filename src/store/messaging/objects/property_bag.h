@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -20,7 +22,30 @@ constexpr std::int32_t Size32(std::uint64_t bytes) {
   return static_cast<std::int32_t>(std::min<std::uint64_t>(bytes, std::numeric_limits<std::int32_t>::max()));
 }
 
-/// Holds each property once: putting one of an identifier that is there replaces it.
+/// A value that the store holds already: a data tree, or the node of an object. Properties share it, it is not copied;
+/// though nothing in the store refers to it, it is kept as long as this lives, which must go before the store does.
+class StoredValue {
+ public:
+  /// `nid` is the id of an object's node; without one the object that refers to it gives it a free one.
+  StoredValue(ndb::NdbWriter& ndb, const ndb::WrittenNode& node, std::optional<Nid> nid = {})
+      : ndb_(ndb), node_(node), nid_(nid) {
+    ndb_.Hold(node_.trees);
+  }
+  ~StoredValue() { ndb_.LetGo(node_.trees); }
+  StoredValue(const StoredValue&) = delete;
+  StoredValue& operator=(const StoredValue&) = delete;
+
+  const ndb::WrittenNode& Node() const { return node_; }
+  std::optional<Nid> Id() const { return nid_; }
+
+ private:
+  ndb::NdbWriter& ndb_;
+  ndb::WrittenNode node_;
+  std::optional<Nid> nid_;
+};
+
+/// Holds each property once: putting one of an identifier that is there replaces it. Values are bytes as the store
+/// holds them (PropertyContextWriter says how), but for those that are stored already.
 class PropertyBag {
  public:
   /// Puts a text in its storable form; an empty one is not put, and takes away what was there.
@@ -40,13 +65,28 @@ class PropertyBag {
   void PutBytes(PropTag tag, std::span<const std::byte> bytes);
   void PutIntegers32(PropTag tag, std::span<const std::int32_t> values) { PutBytes(tag, std::as_bytes(values)); }
 
+  /// A large value, or the node of a property of type kObject; never null.
+  void PutStored(PropTag tag, std::shared_ptr<const StoredValue> value);
+
+  /// Puts all properties of another bag.
+  void Put(const PropertyBag& other);
+
   void Remove(PropTag tag);
   bool Has(PropTag tag) const { return Find(tag) != nullptr; }
 
-  /// The value of a property, valid until the next change; empty when it is not there.
-  std::span<const std::byte> Value(PropTag tag) const;
+  /// The tag under which a property of the same identifier is there.
+  std::optional<PropTag> TagOf(PropTag tag) const;
 
-  /// All properties in order of putting, valid until the next change.
+  /// The value of a property, valid until the next change; empty when it is not there or stored already.
+  std::span<const std::byte> Value(PropTag tag) const;
+  std::int32_t Integer32(PropTag tag) const;
+
+  std::size_t Count() const { return entries_.size(); }
+
+  /// Bytes of all values that are not stored already.
+  std::size_t ValueBytes() const;
+
+  /// All properties in order of putting but for values stored already, valid until the next change.
   std::vector<ltp::PropertyView> Views() const;
 
   /// Adds all of them to a property context.
@@ -57,6 +97,7 @@ class PropertyBag {
     PropTag tag;
     std::size_t offset;
     std::size_t size;
+    std::shared_ptr<const StoredValue> stored;  ///< in place of bytes
   };
 
   void PutNumber(PropTag tag, std::uint64_t value, std::size_t size);

@@ -1,8 +1,9 @@
-#include "store/messaging/values/property_bag.h"
+#include "store/messaging/objects/property_bag.h"
 
 #include <algorithm>
 #include <bit>
 
+#include "store/format/little_endian.h"
 #include "store/ltp/multi_value.h"
 #include "store/messaging/values/stored_text.h"
 
@@ -19,7 +20,7 @@ void PropertyBag::Remove(PropTag tag) {
 
 void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
   Remove(tag);
-  entries_.push_back({tag, values_.size(), bytes.size()});
+  entries_.push_back({tag, values_.size(), bytes.size(), nullptr});
   values_.insert(values_.end(), bytes.begin(), bytes.end());
 }
 
@@ -55,6 +56,36 @@ void PropertyBag::PutTexts(PropTag tag, const std::vector<text::Text>& texts) {
   }
 }
 
+void PropertyBag::PutStored(PropTag tag, std::shared_ptr<const StoredValue> value) {
+  Remove(tag);
+  entries_.push_back({tag, 0, 0, std::move(value)});
+}
+
+void PropertyBag::Put(const PropertyBag& other) {
+  for (const Entry& entry : other.entries_) {
+    if (entry.stored != nullptr) {
+      PutStored(entry.tag, entry.stored);
+    } else {
+      PutBytes(entry.tag, std::span(other.values_).subspan(entry.offset, entry.size));
+    }
+  }
+}
+
+std::optional<PropTag> PropertyBag::TagOf(PropTag tag) const {
+  const Entry* entry = Find(tag);
+  return entry != nullptr ? std::optional(entry->tag) : std::nullopt;
+}
+
+std::int32_t PropertyBag::Integer32(PropTag tag) const {
+  return static_cast<std::int32_t>(Load<std::uint32_t>(Value(tag), 0));
+}
+
+std::size_t PropertyBag::ValueBytes() const {
+  std::size_t bytes = 0;
+  for (const Entry& entry : entries_) bytes += entry.size;
+  return bytes;
+}
+
 std::span<const std::byte> PropertyBag::Value(PropTag tag) const {
   const Entry* entry = Find(tag);
   return entry != nullptr ? std::span(values_).subspan(entry->offset, entry->size) : std::span<const std::byte>();
@@ -63,13 +94,27 @@ std::span<const std::byte> PropertyBag::Value(PropTag tag) const {
 std::vector<ltp::PropertyView> PropertyBag::Views() const {
   std::vector<ltp::PropertyView> views;
   views.reserve(entries_.size());
-  for (const Entry& entry : entries_)
-    views.push_back({entry.tag, std::span(values_).subspan(entry.offset, entry.size)});
+  for (const Entry& entry : entries_) {
+    if (entry.stored == nullptr) views.push_back({entry.tag, std::span(values_).subspan(entry.offset, entry.size)});
+  }
   return views;
 }
 
 void PropertyBag::AddTo(ltp::PropertyContextWriter& node) const {
-  for (const ltp::PropertyView& view : Views()) node.Add(view.tag, view.value);
+  for (const Entry& entry : entries_) {
+    if (entry.stored == nullptr) {
+      node.Add(entry.tag, std::span(values_).subspan(entry.offset, entry.size));
+      continue;
+    }
+    const ndb::WrittenNode& value = entry.stored->Node();
+    if (TypeOf(entry.tag) == PropType::kObject) {
+      const Nid nid = entry.stored->Id() ? *entry.stored->Id() : node.NewSubnodeNid();
+      node.AddObject(entry.tag, nid, static_cast<std::uint32_t>(Size32(value.dataSize)));
+      node.AddSubnode(nid, value);
+    } else {
+      node.AddTree(entry.tag, {value.trees.bidData, value.dataSize});
+    }
+  }
 }
 
 }  // namespace velmora::messaging
