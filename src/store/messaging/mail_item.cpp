@@ -22,7 +22,6 @@ using output::RDOMail;
 using output::Ref;
 using output::ResultCode;
 
-constexpr text::TextView kMailClass = u"IPM.Note";
 constexpr text::TextView kPictureName = u"ContactPicture.jpg";
 constexpr std::size_t kLongestClass = 255;
 
@@ -45,7 +44,7 @@ text::Text MessageClassOf(text::TextView messageClass) {
   const bool printable = std::ranges::all_of(messageClass, [](char16_t unit) { return unit >= 0x20 && unit < 0x7F; });
   const bool usable =
       printable && !messageClass.empty() && messageClass.size() <= kLongestClass && messageClass.back() != u'.';
-  return text::Text(usable ? messageClass : kMailClass);
+  return text::Text(usable ? messageClass : kMailMessageClass);
 }
 
 MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, text::TextView messageClass)
@@ -219,7 +218,7 @@ Ref<RDOMail> MailItem::Answer(Verb verb, text::TextView prefix, text::TextView t
   WritePostponed();
   Load();
   state_.verb = verb;
-  auto answer = std::make_shared<MailItem>(store_, folder_, kMailClass);
+  auto answer = std::make_shared<MailItem>(store_, folder_, kMailMessageClass);
   const text::Text subject = std::get<text::Text>(Get(Field::Subject).value);
   answer->Put(Field::Subject, text::Text(prefix) + StoreSubject(subject).normalized);
   if (!to.empty()) answer->Put(Field::To, text::Text(to));

@@ -9,21 +9,23 @@
 namespace velmora::messaging {
 namespace {
 
-using output::DefaultFolder;
-
 struct KindRow {
   DefaultFolder kind;
-  text::TextView containerClass;
   PropTag entryId = 0;  ///< on the root folder; 0 where it has no such property
 };
 
 // The last four stand in one property, in this order.
 constexpr KindRow kKindRows[] = {
-    {DefaultFolder::kDeletedItems, kMailContainerClass},    {DefaultFolder::kCalendar, u"IPF.Appointment", 0x36D00102},
-    {DefaultFolder::kContacts, u"IPF.Contact", 0x36D10102}, {DefaultFolder::kJournal, u"IPF.Journal", 0x36D20102},
-    {DefaultFolder::kNotes, u"IPF.StickyNote", 0x36D30102}, {DefaultFolder::kTasks, u"IPF.Task", 0x36D40102},
-    {DefaultFolder::kConflicts, kMailContainerClass},       {DefaultFolder::kSyncIssues, kMailContainerClass},
-    {DefaultFolder::kLocalFailures, kMailContainerClass},   {DefaultFolder::kServerFailures, kMailContainerClass},
+    {DefaultFolder::kDeletedItems},
+    {DefaultFolder::kCalendar, 0x36D00102},
+    {DefaultFolder::kContacts, 0x36D10102},
+    {DefaultFolder::kJournal, 0x36D20102},
+    {DefaultFolder::kNotes, 0x36D30102},
+    {DefaultFolder::kTasks, 0x36D40102},
+    {DefaultFolder::kConflicts},
+    {DefaultFolder::kSyncIssues},
+    {DefaultFolder::kLocalFailures},
+    {DefaultFolder::kServerFailures},
 };
 constexpr std::size_t kFirstOfArray = 6;
 
@@ -33,11 +35,6 @@ const KindRow* RowOf(DefaultFolder kind) {
 }
 
 }  // namespace
-
-text::TextView ContainerClassOf(DefaultFolder kind) {
-  const KindRow* row = RowOf(kind);
-  return row != nullptr ? row->containerClass : kMailContainerClass;
-}
 
 Nid DefaultFolders::Of(DefaultFolder kind) const {
   const KindRow* row = RowOf(kind);
