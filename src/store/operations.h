@@ -22,6 +22,7 @@
 #include <variant>
 
 #include "store/format/classes.h"
+#include "text/calendar.h"
 #include "text/text.h"
 
 namespace velmora::output {
@@ -92,11 +93,8 @@ class Ref {
 
 // ---------------------------------------------------------------------------------------- values
 
-/// Days since 30 December 1899 in the integer part, the time of day in the fraction; UTC, whole seconds.
-struct OleDate {
-  double days = 0.0;
-  friend bool operator==(const OleDate&, const OleDate&) = default;
-};
+/// UTC, in whole seconds.
+using text::OleDate;
 
 enum class FieldType { Text, Date, Flag, Number, Number16 };
 

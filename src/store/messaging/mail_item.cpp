@@ -135,7 +135,7 @@ void MailItem::Load() {
     if (read.written) state_.fields.Put(info.field, std::move(read.value));
   }
   state_.verb = static_cast<Verb>(saved->Integer32(tag::kLastVerbExecuted).value_or(0));
-  state_.created = static_cast<FileTime>(saved->Integer64(tag::kCreationTime).value_or(0));
+  state_.created = static_cast<text::FileTime>(saved->Integer64(tag::kCreationTime).value_or(0));
   const Bytes searchKey = saved->Binary(tag::kSearchKey).value_or(Bytes());
   std::copy_n(searchKey.begin(), std::min(searchKey.size(), state_.searchKey.size()), state_.searchKey.begin());
   attachments_ = ReadAttachments(store_->Writer().Ndb(), *saved);

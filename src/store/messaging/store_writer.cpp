@@ -120,10 +120,10 @@ StoreWriter::~StoreWriter() {
   }
 }
 
-FileTime StoreWriter::Now() const {
-  if (options_.sourceDateEpoch) return FileTimeOfUnixSeconds(*options_.sourceDateEpoch);
+text::FileTime StoreWriter::Now() const {
+  if (options_.sourceDateEpoch) return text::FileTimeOfUnixSeconds(*options_.sourceDateEpoch);
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return FileTimeOfUnixSeconds(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+  return text::FileTimeOfUnixSeconds(std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
 /// What marking adds to the bytes to write.

@@ -89,7 +89,7 @@ class StoreWriter : public Store {
   // -- for the items of the operations
 
   Uid NewUid() { return uids_.Next(); }
-  FileTime Now() const;
+  text::FileTime Now() const;
   const text::CodePage& CodePage() const { return options_.codePage; }
 
   /// An item that is in the store was saved once more. A mail is saved with each message that is attached to it, so

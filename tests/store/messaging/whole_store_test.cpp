@@ -47,8 +47,8 @@ TEST_F(WholeStore, IsListedByOtherReadersAsItWasWritten) {
     const auto item = sub->Items()->Add(other);
     Put(item, Field::Subject, Text(u"One of each"));
     if (item->Answers(output::ItemInterface::RDOAppointmentItem))
-      Put(item, Field::AppointmentStart, output::OleDate{45000.5});
-    if (item->Answers(output::ItemInterface::RDOJournalItem)) Put(item, Field::JournalStart, output::OleDate{45000.5});
+      Put(item, Field::AppointmentStart, text::OleDate{45000.5});
+    if (item->Answers(output::ItemInterface::RDOJournalItem)) Put(item, Field::JournalStart, text::OleDate{45000.5});
     item->Save();
   }
   Close();

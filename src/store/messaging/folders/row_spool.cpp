@@ -1,24 +1,17 @@
 #include "store/messaging/folders/row_spool.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "store/format/little_endian.h"
 
 namespace velmora::messaging {
 namespace {
 
 constexpr std::size_t kPieceSize = 64 * 1024;
 
-template <class Number>
-void AppendNumber(Bytes& out, Number number) {
-  const auto bytes = std::as_bytes(std::span(&number, 1));
-  out.insert(out.end(), bytes.begin(), bytes.end());
-}
-
 /// Takes a number from the front. The bytes are this program's own, written in the same run.
-template <class Number>
-Number TakeNumber(std::span<const std::byte>& bytes) {
-  Number number;
-  std::memcpy(&number, bytes.data(), sizeof number);
+std::uint32_t TakeNumber(std::span<const std::byte>& bytes) {
+  const auto number = Load<std::uint32_t>(bytes, 0);
   bytes = bytes.subspan(sizeof number);
   return number;
 }
@@ -29,11 +22,11 @@ platform::Result<std::uint64_t> RowSpool::Append(std::span<const ltp::PropertyVi
   const std::uint64_t place = file_.Size() + pending_.size();
   std::size_t size = 0;
   for (const ltp::PropertyView& cell : cells) size += 2 * sizeof(std::uint32_t) + cell.value.size();
-  AppendNumber(pending_, static_cast<std::uint32_t>(size));
+  ::velmora::Append(pending_, static_cast<std::uint32_t>(size));
   for (const ltp::PropertyView& cell : cells) {
-    AppendNumber(pending_, cell.tag);
-    AppendNumber(pending_, static_cast<std::uint32_t>(cell.value.size()));
-    pending_.insert(pending_.end(), cell.value.begin(), cell.value.end());
+    ::velmora::Append(pending_, cell.tag);
+    ::velmora::Append(pending_, static_cast<std::uint32_t>(cell.value.size()));
+    ::velmora::Append(pending_, cell.value);
   }
   if (pending_.size() >= kPieceSize) {
     if (auto appended = file_.Append(pending_); !appended) return tl::unexpected(appended.error());
@@ -61,13 +54,13 @@ platform::Result<std::span<const std::byte>> RowSpool::BytesAt(std::uint64_t pla
 platform::Result<std::span<const ltp::PropertyView>> RowSpool::Read(std::uint64_t place) {
   auto head = BytesAt(place, sizeof(std::uint32_t));
   if (!head) return tl::unexpected(head.error());
-  const auto size = TakeNumber<std::uint32_t>(*head);
+  const auto size = TakeNumber(*head);
   auto row = BytesAt(place + sizeof size, size);
   if (!row) return tl::unexpected(row.error());
   cells_.clear();
   while (!row->empty()) {
-    const auto tag = TakeNumber<std::uint32_t>(*row);
-    const auto length = TakeNumber<std::uint32_t>(*row);
+    const auto tag = TakeNumber(*row);
+    const auto length = TakeNumber(*row);
     cells_.push_back({tag, row->first(length)});
     *row = row->subspan(length);
   }

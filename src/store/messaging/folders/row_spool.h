@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "platform/spool_file.h"
+#include "store/format/byte_view.h"
 #include "store/ltp/table_context_writer.h"
-#include "store/messaging/values/byte_writer.h"
 
 namespace velmora::messaging {
 

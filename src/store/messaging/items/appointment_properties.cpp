@@ -35,8 +35,8 @@ constexpr IconRow kIcons[] = {
 };
 
 struct Span {
-  FileTime start = 0;
-  FileTime end = 0;
+  text::FileTime start = 0;
+  text::FileTime end = 0;
 };
 
 /// Start and end, the missing one taken from the duration; nothing when neither is known.
@@ -47,15 +47,15 @@ std::optional<Span> SpanOf(const ItemFields& fields) {
   if (start && end) return Span{*start, *end};
   const bool allDay = fields.Flag(Field::AllDayEvent).value_or(false);
   const std::int32_t minutes = fields.Number(Field::AppointmentDuration).value_or(allDay ? kMinutesPerDay : 0);
-  const FileTime length =
-      minutes > 0 && minutes <= kLongestDuration ? static_cast<FileTime>(minutes) * kTicksPerMinute : 0;
-  if (start) return Span{*start, std::min(*start + length, kNoDate)};
+  const text::FileTime length =
+      minutes > 0 && minutes <= kLongestDuration ? static_cast<text::FileTime>(minutes) * text::kTicksPerMinute : 0;
+  if (start) return Span{*start, std::min(*start + length, text::kNoDate)};
   return Span{*end > length ? *end - length : *end, *end};
 }
 
-std::int32_t MinutesBetween(FileTime from, FileTime to) {
-  const FileTime minutes = to > from ? (to - from) / kTicksPerMinute : 0;
-  return minutes <= static_cast<FileTime>(kLongestDuration) ? static_cast<std::int32_t>(minutes) : 0;
+std::int32_t MinutesBetween(text::FileTime from, text::FileTime to) {
+  const text::FileTime minutes = to > from ? (to - from) / text::kTicksPerMinute : 0;
+  return minutes <= static_cast<text::FileTime>(kLongestDuration) ? static_cast<std::int32_t>(minutes) : 0;
 }
 
 void PutSpan(const ItemFields& fields, PropertyBag& bag) {

@@ -285,7 +285,7 @@ void PutField(const ItemFields::Entry& field, const text::CodePage& codePage, Pr
       PutTextField(row, std::get<text::Text>(field.value), codePage, bag);
       break;
     case output::FieldType::Date:
-      if (const auto time = FileTimeOf(std::get<output::OleDate>(field.value))) bag.PutTime(row.tag, *time);
+      if (const auto time = text::FileTimeOf(std::get<text::OleDate>(field.value))) bag.PutTime(row.tag, *time);
       break;
     case output::FieldType::Flag:
       bag.PutBoolean(row.tag, std::get<bool>(field.value));
@@ -308,7 +308,7 @@ FieldRead ReadField(Field field, ltp::PropertyContext& item, const NamedProperty
       return ReadTextField(row, tag, item);
     case output::FieldType::Date:
       return ReadNumberField(type, item.Integer64(tag),
-                             [](std::int64_t time) { return DateOf(static_cast<FileTime>(time)); });
+                             [](std::int64_t time) { return text::DateOf(static_cast<text::FileTime>(time)); });
     case output::FieldType::Flag:
       if (row.coding == Coding::kByType)
         return ReadNumberField(type, item.Boolean(tag), [](bool flag) { return flag; });

@@ -111,7 +111,7 @@ text::Text ShortFileName(text::TextView name) {
   return shortExtension.empty() ? shortBase : shortBase + u"." + shortExtension;
 }
 
-PropertyBag ComposeAttachment(const ItemAttachment& attachment, FileTime now) {
+PropertyBag ComposeAttachment(const ItemAttachment& attachment, text::FileTime now) {
   PropertyBag bag;
   bag.PutInteger32(tag::kAttachMethod, attachment.IsMessage() ? kEmbeddedMessage : kByValue);
   bag.PutInteger32(tag::kRenderingPosition, kNotInText);

@@ -30,6 +30,6 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
 text::Text ShortFileName(text::TextView name);
 
 /// All properties of the attachment's object but its size.
-PropertyBag ComposeAttachment(const ItemAttachment& attachment, FileTime now);
+PropertyBag ComposeAttachment(const ItemAttachment& attachment, text::FileTime now);
 
 }  // namespace velmora::messaging

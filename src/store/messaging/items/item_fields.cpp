@@ -12,7 +12,7 @@ FieldValue EmptyValue(output::FieldType type) {
     case output::FieldType::Text:
       return text::Text();
     case output::FieldType::Date:
-      return output::OleDate{};
+      return text::OleDate{};
     case output::FieldType::Flag:
       return false;
     case output::FieldType::Number:
@@ -41,10 +41,10 @@ text::TextView ItemFields::Text(Field field) const {
   return value != nullptr ? text::TextView(std::get<text::Text>(*value)) : text::TextView();
 }
 
-std::optional<FileTime> ItemFields::Time(Field field) const {
+std::optional<text::FileTime> ItemFields::Time(Field field) const {
   const FieldValue* value = Find(field);
   if (value == nullptr) return std::nullopt;
-  return FileTimeOf(std::get<output::OleDate>(*value));
+  return text::FileTimeOf(std::get<text::OleDate>(*value));
 }
 
 std::optional<bool> ItemFields::Flag(Field field) const {

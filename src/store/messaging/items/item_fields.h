@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "store/messaging/values/file_time.h"
 #include "store/operations.h"
+#include "text/calendar.h"
 
 namespace velmora::messaging {
 
@@ -28,7 +28,7 @@ class ItemFields {
   /// Typed reads; a text that was never written is empty, other fields are nothing then, and so is a date
   /// that a store cannot hold.
   text::TextView Text(output::Field field) const;
-  std::optional<FileTime> Time(output::Field field) const;
+  std::optional<text::FileTime> Time(output::Field field) const;
   std::optional<bool> Flag(output::Field field) const;
   std::optional<std::int32_t> Number(output::Field field) const;
 

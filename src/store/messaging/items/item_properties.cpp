@@ -76,7 +76,7 @@ std::int32_t FlagsOf(const ItemState& item, bool isMail) {
   return (read ? kMessageRead : 0) | (sent ? 0 : kMessageUnsent);
 }
 
-void PutTimes(const ItemState& item, FileTime now, PropertyBag& bag) {
+void PutTimes(const ItemState& item, text::FileTime now, PropertyBag& bag) {
   bag.PutTime(tag::kCreationTime, item.created);
   bag.PutTime(tag::kLastModificationTime, now);
   // Folders sort by it, so every message has one.
@@ -101,7 +101,8 @@ void PutVerb(Verb verb, PropertyBag& bag) {
   bag.PutInteger32(tag::kLastVerbExecuted, static_cast<std::int32_t>(verb));
 }
 
-PropertyBag ComposeProperties(const ItemState& item, bool hasPicture, FileTime now, const text::CodePage& codePage) {
+PropertyBag ComposeProperties(const ItemState& item, bool hasPicture, text::FileTime now,
+                              const text::CodePage& codePage) {
   PropertyBag bag;
   const ItemInterface kind = output::TypedInterfaceOf(item.messageClass);
   const bool isMail = kind == ItemInterface::RDOMail;
@@ -151,7 +152,7 @@ PropertyBag ComposeProperties(const ItemState& item, bool hasPicture, FileTime n
 
 }  // namespace
 
-Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, FileTime now,
+Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, text::FileTime now,
                        const text::CodePage& codePage) {
   Message message;
   const bool hasPicture = std::ranges::any_of(attachments, &ItemAttachment::isContactPhoto);

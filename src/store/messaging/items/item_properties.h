@@ -22,12 +22,12 @@ struct ItemState {
   ItemFields fields;
   Verb verb = Verb::kNone;
   Uid searchKey{};
-  FileTime created = 0;
+  text::FileTime created = 0;
 };
 
 /// The message that an item is: the properties of its fields, recipients from its display lists, attachments.
 /// `codePage` is that of HTML bodies that do not tell their own.
-Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, FileTime now,
+Message ComposeMessage(const ItemState& item, std::span<const ItemAttachment> attachments, text::FileTime now,
                        const text::CodePage& codePage);
 
 // What each kind adds to the properties of its fields, so that Outlook shows the item as what it is.

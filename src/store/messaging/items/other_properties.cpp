@@ -71,7 +71,8 @@ void CompleteTask(const ItemFields& fields, PropertyBag& bag) {
 void CompleteJournalEntry(const ItemFields& fields, PropertyBag& bag) {
   if (const auto start = fields.Time(Field::JournalStart)) {
     const std::int32_t minutes = std::max(fields.Number(Field::JournalDuration).value_or(0), 0);
-    const FileTime end = std::min(*start + static_cast<FileTime>(minutes) * kTicksPerMinute, kNoDate);
+    const text::FileTime end =
+        std::min(*start + static_cast<text::FileTime>(minutes) * text::kTicksPerMinute, text::kNoDate);
     bag.PutTime(kLogEnd, end);
     bag.PutTime(kCommonStart, *start);
     bag.PutTime(kCommonEnd, end);

@@ -1,6 +1,7 @@
 #include "store/messaging/objects/property_bag.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 #include "store/format/little_endian.h"
@@ -25,9 +26,9 @@ void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
 }
 
 void PropertyBag::PutNumber(PropTag tag, std::uint64_t value, std::size_t size) {
-  std::byte bytes[sizeof value];
-  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::byte>(value >> (8 * i));
-  PutBytes(tag, std::span(bytes, size));
+  std::array<std::byte, sizeof value> bytes;
+  Store(std::span<std::byte>(bytes), 0, value);
+  PutBytes(tag, std::span(bytes).first(size));
 }
 
 void PropertyBag::PutFloating64(PropTag tag, double value) {

@@ -12,7 +12,7 @@
 #include "store/format/prop_tag.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
-#include "store/messaging/values/file_time.h"
+#include "text/calendar.h"
 #include "text/text.h"
 
 namespace velmora::messaging {
@@ -60,7 +60,7 @@ class PropertyBag {
   void PutInteger16(PropTag tag, std::int16_t value) { PutNumber(tag, static_cast<std::uint16_t>(value), 2); }
   void PutInteger32(PropTag tag, std::int32_t value) { PutNumber(tag, static_cast<std::uint32_t>(value), 4); }
   void PutBoolean(PropTag tag, bool value) { PutNumber(tag, value ? 1 : 0, 1); }
-  void PutTime(PropTag tag, FileTime value) { PutNumber(tag, value, 8); }
+  void PutTime(PropTag tag, text::FileTime value) { PutNumber(tag, value, 8); }
   void PutFloating64(PropTag tag, double value);
   void PutBytes(PropTag tag, std::span<const std::byte> bytes);
   void PutIntegers32(PropTag tag, std::span<const std::int32_t> values) { PutBytes(tag, std::as_bytes(values)); }

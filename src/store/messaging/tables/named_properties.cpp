@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "store/format/checksum.h"
-#include "store/messaging/values/byte_writer.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::messaging {
 namespace {
@@ -52,19 +52,10 @@ AnyPropertyName FullName(const PropertyName& name) {
   return name.id == 0 ? AnyPropertyName{set, 0, kKeywordsName} : AnyPropertyName{set, name.id, {}};
 }
 
-void AppendEntry(ByteWriter& out, std::uint32_t number, std::uint16_t setAndKind, std::size_t index) {
-  out.U32(number);
-  out.U16(setAndKind);
-  out.U16(static_cast<std::uint16_t>(index));
-}
-
-/// Bounded little-endian reading; beyond the end there are zeros.
-std::uint32_t NumberAt(std::span<const std::byte> bytes, std::size_t at, std::size_t size) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < size && at + i < bytes.size(); ++i) {
-    value |= std::to_integer<std::uint32_t>(bytes[at + i]) << (8 * i);
-  }
-  return value;
+void AppendEntry(Bytes& out, std::uint32_t number, std::uint16_t setAndKind, std::size_t index) {
+  Append(out, number);
+  Append(out, setAndKind);
+  Append(out, static_cast<std::uint16_t>(index));
 }
 
 }  // namespace
@@ -95,33 +86,33 @@ std::optional<std::uint16_t> NewNameMap::IdOf(const AnyPropertyName& name) {
 }
 
 void NewNameMap::AddTo(ltp::PropertyContextWriter& node) const {
-  ByteWriter sets;
-  for (const Uid& set : sets_) sets.Raw(set);
-  ByteWriter strings;
-  ByteWriter entries;
-  std::map<std::uint16_t, ByteWriter> buckets;
+  Bytes sets;
+  for (const Uid& set : sets_) Append(sets, set);
+  Bytes strings;
+  Bytes entries;
+  std::map<std::uint16_t, Bytes> buckets;
   for (std::size_t i = 0; i < names_.size(); ++i) {
     const auto& [set, name] = names_[i];
     const bool byText = !name.text.empty();
     const auto setAndKind = static_cast<std::uint16_t>(set << 1 | (byText ? 1 : 0));
     // The stream holds the place of a text name, the bucket its hash.
     std::uint32_t hash = name.number;
-    AppendEntry(entries, byText ? static_cast<std::uint32_t>(strings.Size()) : name.number, setAndKind, i);
+    AppendEntry(entries, byText ? static_cast<std::uint32_t>(strings.size()) : name.number, setAndKind, i);
     if (byText) {
       hash = WeakCrc(std::as_bytes(std::span(name.text)));
-      strings.U32(static_cast<std::uint32_t>(name.text.size() * sizeof(char16_t)));
-      strings.Units(name.text);
-      while (strings.Size() % 4 != 0) strings.U8(0);
+      Append(strings, static_cast<std::uint32_t>(name.text.size() * sizeof(char16_t)));
+      Append(strings, std::as_bytes(std::span(name.text)));
+      strings.resize((strings.size() + 3) / 4 * 4);
     }
     const auto bucket = static_cast<std::uint16_t>(kFirstBucket + (hash ^ setAndKind) % kBuckets);
     AppendEntry(buckets[bucket], hash, setAndKind, i);
   }
 
   node.AddInteger32(kBucketCount, kBuckets);
-  node.Add(kGuidStream, sets.Take());
-  node.Add(kEntryStream, entries.Take());
-  node.Add(kStringStream, strings.Take());
-  for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes.Take());
+  node.Add(kGuidStream, sets);
+  node.Add(kEntryStream, entries);
+  node.Add(kStringStream, strings);
+  for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes);
 }
 
 NamedPropertyMap::NamedPropertyMap() {
@@ -143,13 +134,13 @@ NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
   };
   const auto isKeywords = [&](std::uint32_t at) {
     const auto name = std::as_bytes(std::span(text::TextView(kKeywordsName)));
-    return NumberAt(strings, at, 4) == name.size() && at + 4 + name.size() <= strings.size() &&
+    return Load<std::uint32_t>(strings, at) == name.size() && at + 4 + name.size() <= strings.size() &&
            std::ranges::equal(std::span(strings).subspan(at + 4, name.size()), name);
   };
   for (std::size_t at = 0; at + kEntrySize <= entries.size(); at += kEntrySize) {
-    const std::uint32_t number = NumberAt(entries, at, 4);
-    const std::uint32_t guidAndKind = NumberAt(entries, at + 4, 2);
-    const auto id = static_cast<std::uint16_t>(kFirstNamedId + NumberAt(entries, at + 6, 2));
+    const std::uint32_t number = Load<std::uint32_t>(entries, at);
+    const std::uint32_t guidAndKind = Load<std::uint16_t>(entries, at + 4);
+    const auto id = static_cast<std::uint16_t>(kFirstNamedId + Load<std::uint16_t>(entries, at + 6));
     const SetRow* set = setOf(guidAndKind >> 1);
     if (set == nullptr || id < kFirstNamedId) continue;
     const bool byText = (guidAndKind & 1) != 0;

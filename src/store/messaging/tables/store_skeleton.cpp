@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "store/format/little_endian.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 #include "store/ltp/property_context_writer.h"
@@ -9,7 +10,6 @@
 #include "store/messaging/objects/property_bag.h"
 #include "store/messaging/tables/named_properties.h"
 #include "store/messaging/tables/table_schemas.h"
-#include "store/messaging/values/byte_writer.h"
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
@@ -87,9 +87,9 @@ Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
   }
   if (auto set = Set(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
 
-  ByteWriter searches;
-  searches.U32(nid::kSpamSearchFolder);
-  const auto list = ndb.WriteData(searches.Take());
+  Bytes searches;
+  Append(searches, Value(nid::kSpamSearchFolder));
+  const auto list = ndb.WriteData(searches);
   if (!list) return tl::unexpected(list.error());
   if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, 0}, 0); !set) return set;
 
@@ -105,10 +105,10 @@ Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
 
 Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
                                Nid deletedItems) {
-  ByteWriter history;
-  history.U32(1);
-  history.Raw(identity.replicaId);
-  history.U32(1);
+  Bytes history;
+  Append(history, std::uint32_t{1});
+  Append(history, identity.replicaId);
+  Append(history, std::uint32_t{1});
 
   ltp::PropertyContextWriter node(ndb);
   node.Add(tag::kRecordKey, identity.recordKey);
@@ -119,7 +119,7 @@ Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identit
   node.AddInteger32(tag::kValidFolderMask, kTopIsThere | kDeletedItemsIsThere | kFinderIsThere);
   node.AddInteger32(tag::kPstPassword, 0);
   node.AddBoolean(tag::kPstLrNoRestrictions, true);
-  node.Add(tag::kReplVersionHistory, history.Take());
+  node.Add(tag::kReplVersionHistory, history);
   node.AddInteger32(tag::kReplFlags, 0);
   node.AddInteger32(tag::kLatestPstEnsure, kPstVersion);
   return Set(ndb, nid::kMessageStore, node.Finish());

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "store/format/checksum.h"
+#include "store/format/little_endian.h"
 #include "text/code_page.h"
 
 namespace velmora::messaging {
@@ -28,11 +29,7 @@ constexpr std::string_view kPreload =
     "\\pard\\plain\\f0\\fs20\\b\\i\\u\\tab\\tx";
 static_assert(kPreload.size() == 207);
 
-std::uint32_t U32At(std::string_view bytes, std::size_t at) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < 4; ++i) value |= std::uint32_t{static_cast<unsigned char>(bytes[at + i])} << (8 * i);
-  return value;
-}
+std::span<const std::byte> ViewOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 struct Head {
   std::uint32_t compSize = 0;
@@ -42,16 +39,15 @@ struct Head {
 
 std::optional<Head> HeadOf(std::string_view stream) {
   if (stream.size() < kHeadSize) return std::nullopt;
-  const Head head{U32At(stream, 0), U32At(stream, 8), U32At(stream, 12)};
+  const std::span<const std::byte> bytes = ViewOf(stream);
+  const Head head{Load<std::uint32_t>(bytes, 0), Load<std::uint32_t>(bytes, 8), Load<std::uint32_t>(bytes, 12)};
   if (head.magic != kCompressed && head.magic != kPlain) return std::nullopt;
   return head;
 }
 
-std::uint32_t CrcOf(std::string_view bytes) { return WeakCrc(std::as_bytes(std::span(bytes))); }
-
 bool IsSound(std::string_view stream, const Head& head) {
   if (std::uint64_t{head.compSize} + kCompSizeField != stream.size()) return false;
-  return head.magic == kPlain || CrcOf(stream.substr(kHeadSize)) == head.crc;
+  return head.magic == kPlain || WeakCrc(ViewOf(stream.substr(kHeadSize))) == head.crc;
 }
 
 /// Finds earlier occurrences of the bytes at a place. The text that can be referred to is the preload with
@@ -204,22 +200,17 @@ std::string RtfBytes(text::TextView body) {
   return out;
 }
 
-Bytes BytesOf(std::string_view bytes) {
-  const auto view = std::as_bytes(std::span(bytes));
-  return {view.begin(), view.end()};
-}
-
 }  // namespace
 
 Bytes CompressRtf(std::string_view rtf) {
   const Bytes tokens = Encode(rtf);
-  ByteWriter out;
-  out.U32(static_cast<std::uint32_t>(tokens.size() + kHeadSize - kCompSizeField));
-  out.U32(static_cast<std::uint32_t>(rtf.size()));
-  out.U32(kCompressed);
-  out.U32(WeakCrc(tokens));
-  out.Raw(tokens);
-  return out.Take();
+  Bytes out;
+  Append(out, static_cast<std::uint32_t>(tokens.size() + kHeadSize - kCompSizeField));
+  Append(out, static_cast<std::uint32_t>(rtf.size()));
+  Append(out, kCompressed);
+  Append(out, WeakCrc(tokens));
+  Append(out, tokens);
+  return out;
 }
 
 std::optional<std::string> DecompressRtf(std::string_view stream) {
@@ -238,7 +229,7 @@ Bytes StoreRtf(text::TextView body) {
   for (const std::string_view stream : {std::string_view(narrow), wide}) {
     const auto head = HeadOf(stream);
     if (!head) continue;
-    if (IsSound(stream, *head)) return BytesOf(stream);
+    if (IsSound(stream, *head)) return {ViewOf(stream).begin(), ViewOf(stream).end()};
     const std::string rtf = DecompressRtf(stream).value_or(std::string());
     return rtf.empty() ? Bytes() : CompressRtf(rtf);
   }

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/messaging/values/byte_writer.h"
+#include "store/format/byte_view.h"
 #include "text/text.h"
 
 namespace velmora::messaging {

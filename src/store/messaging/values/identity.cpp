@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "store/format/little_endian.h"
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
@@ -32,32 +33,28 @@ std::uint64_t Mix(std::uint64_t value) {
 }  // namespace
 
 Bytes NodeEntryId(const Uid& recordKey, std::uint32_t nid) {
-  ByteWriter out;
-  out.U32(0);
-  out.Raw(recordKey);
-  out.U32(nid);
-  return out.Take();
+  Bytes out(kRecordKeyAt);
+  Append(out, recordKey);
+  Append(out, nid);
+  return out;
 }
 
 std::optional<std::uint32_t> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey) {
   if (entryId.size() != kNodeEntryIdSize) return std::nullopt;
   if (!std::ranges::equal(entryId.subspan(kRecordKeyAt, recordKey.size()), recordKey)) return std::nullopt;
-  std::uint32_t nid = 0;
-  for (std::size_t i = 0; i < sizeof nid; ++i) nid |= std::to_integer<std::uint32_t>(entryId[kNidAt + i]) << (8 * i);
-  return nid;
+  return Load<std::uint32_t>(entryId, kNidAt);
 }
 
 Bytes OneOffEntryId(text::TextView name, text::TextView type, text::TextView address) {
-  ByteWriter out;
-  out.U32(0);
-  out.Raw(std::as_bytes(std::span(kOneOffProvider)));
-  out.U16(0);
-  out.U16(kUnicodeWithoutRichInfo);
+  Bytes out(sizeof(std::uint32_t));
+  Append(out, std::as_bytes(std::span(kOneOffProvider)));
+  Append(out, std::uint16_t{0});
+  Append(out, kUnicodeWithoutRichInfo);
   for (const text::TextView part : {name, type, address}) {
-    out.Units(part);
-    out.U16(0);
+    Append(out, std::as_bytes(std::span(part)));
+    Append(out, std::uint16_t{0});
   }
-  return out.Take();
+  return out;
 }
 
 Bytes AddressSearchKey(text::TextView type, text::TextView address) {
@@ -100,8 +97,7 @@ std::uint64_t UidSource::NextNumber() {
 Uid UidSource::Next() {
   Uid uid;
   for (std::size_t i = 0; i < uid.size(); i += 8) {
-    const std::uint64_t number = NextNumber();
-    for (std::size_t b = 0; b < 8; ++b) uid[i + b] = static_cast<std::byte>(number >> (8 * b));
+    Store(std::span<std::byte>(uid), i, NextNumber());
   }
   // The form of a random GUID (version 4) on disk, where the third group is little-endian.
   uid[7] = (uid[7] & std::byte{0x0F}) | std::byte{0x40};

@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-#include "store/messaging/values/byte_writer.h"
+#include "store/format/byte_view.h"
 #include "text/text.h"
 
 namespace velmora::messaging {

@@ -1,7 +1,6 @@
 // Items as the operations promise them: reading and writing fields, saving, deleting, walking.
 #include "store/format/property_tags.h"
 #include "store/messaging/store_fixture.h"
-#include "store/messaging/values/file_time.h"
 
 namespace velmora::messaging {
 namespace {
@@ -9,10 +8,10 @@ namespace {
 using output::Field;
 using output::FieldRead;
 using output::ItemInterface;
-using output::OleDate;
 using output::RDOMail;
 using output::Ref;
 using output::ResultCode;
+using text::OleDate;
 using text::Text;
 
 class ItemTest : public StoreTest {};
@@ -280,10 +279,10 @@ TEST_F(ItemTest, HasTimesAndASearchKeyOfItsOwn) {
   const RawStore raw = Raw();
   auto first = raw.Node(raw.Messages()[0]);
   auto second = raw.Node(raw.Messages()[1]);
-  const auto epoch = static_cast<std::int64_t>(FileTimeOfUnixSeconds(kTestEpoch));
+  const auto epoch = static_cast<std::int64_t>(text::FileTimeOfUnixSeconds(kTestEpoch));
   EXPECT_EQ(first.Integer64(tag::kCreationTime), epoch);
   EXPECT_EQ(first.Integer64(tag::kLastModificationTime), epoch);
-  EXPECT_EQ(first.Integer64(tag::kMessageDeliveryTime), static_cast<std::int64_t>(*FileTimeOf(OleDate{45000.5})));
+  EXPECT_EQ(first.Integer64(tag::kMessageDeliveryTime), static_cast<std::int64_t>(*text::FileTimeOf(OleDate{45000.5})));
   EXPECT_EQ(second.Integer64(tag::kMessageDeliveryTime), epoch) << "folders sort by it, so each message has one";
   EXPECT_EQ(first.Binary(tag::kSearchKey)->size(), 16u);
   EXPECT_NE(first.Binary(tag::kSearchKey), second.Binary(tag::kSearchKey));

@@ -4,7 +4,6 @@
 #include "store/ltp/multi_value.h"
 #include "store/messaging/store_fixture.h"
 #include "store/messaging/tables/named_properties.h"
-#include "store/messaging/values/file_time.h"
 #include "store/messaging/values/identity.h"
 
 namespace velmora::messaging {
@@ -12,15 +11,15 @@ namespace {
 
 using enum PropertySet;
 using output::Field;
-using output::OleDate;
 using output::RDOMail;
 using output::Ref;
+using text::OleDate;
 using text::Text;
 
 constexpr OleDate kDay{45000.0};
 constexpr OleDate kNextDay{45001.0};
 
-std::int64_t Ticks(OleDate date) { return static_cast<std::int64_t>(*FileTimeOf(date)); }
+std::int64_t Ticks(OleDate date) { return static_cast<std::int64_t>(*text::FileTimeOf(date)); }
 
 class KindsTest : public StoreTest {
  protected:
@@ -393,9 +392,9 @@ TEST_F(KindsTest, AppointmentTakesTheEndThatItLacksFromItsDuration) {
     return message.Integer64(id == 0x820D ? Named(kAppointment, 0x820D, PropType::kTime)
                                           : Named(kAppointment, 0x820E, PropType::kTime));
   };
-  EXPECT_EQ(of(0, 0x820E), Ticks(kDay) + 90 * static_cast<std::int64_t>(kTicksPerMinute));
+  EXPECT_EQ(of(0, 0x820E), Ticks(kDay) + 90 * static_cast<std::int64_t>(text::kTicksPerMinute));
   EXPECT_EQ(of(1, 0x820E), Ticks(kNextDay));
-  EXPECT_EQ(of(2, 0x820D), Ticks(kDay) - 60 * static_cast<std::int64_t>(kTicksPerMinute));
+  EXPECT_EQ(of(2, 0x820D), Ticks(kDay) - 60 * static_cast<std::int64_t>(text::kTicksPerMinute));
   EXPECT_EQ(of(3, 0x820E), Ticks(kDay));
   ExpectSound();
 }
@@ -430,7 +429,7 @@ TEST_F(KindsTest, JournalEntryHasAnEnd) {
   Put(item, Field::JournalType, Text(u"Phone call"));
   auto message = Saved(item);
   EXPECT_EQ(message.Integer64(Named(kLog, 0x8708, PropType::kTime)),
-            Ticks(kDay) + 30 * static_cast<std::int64_t>(kTicksPerMinute));
+            Ticks(kDay) + 30 * static_cast<std::int64_t>(text::kTicksPerMinute));
   EXPECT_EQ(message.Integer64(Named(kCommon, 0x8516, PropType::kTime)), Ticks(kDay));
   EXPECT_EQ(message.Text(Named(kLog, 0x8712, PropType::kString)), u"Phone call");
   EXPECT_EQ(message.Integer32(tag::kIconIndex), 0x60A);

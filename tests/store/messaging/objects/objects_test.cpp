@@ -17,7 +17,7 @@ using output::ResultCode;
 using ::testing::ElementsAre;
 
 constexpr Nid kFirstAttachment = MakeNid(NidType::kAttachment, 0x401);
-constexpr FileTime kSomeTime = 133'444'736'001'234'567;  // with a fraction of a second
+constexpr text::FileTime kSomeTime = 133'444'736'001'234'567;  // with a fraction of a second
 
 Bytes BytesOf(std::string_view text) {
   const auto bytes = std::as_bytes(std::span(text));

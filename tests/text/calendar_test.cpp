@@ -1,13 +1,12 @@
-#include "store/messaging/values/file_time.h"
+#include "text/calendar.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
-namespace velmora::messaging {
+namespace velmora::text {
 namespace {
-
-using output::OleDate;
 
 TEST(FileTime, OfTheOleEpochIsADate) {
   EXPECT_EQ(FileTimeOf(OleDate{0.0}), FileTime{109205} * 86400 * kTicksPerSecond);
@@ -45,5 +44,28 @@ TEST(FileTime, BeyondAllCalendarsReadsAsTheOleEpoch) {
   EXPECT_EQ(DateOf(std::numeric_limits<FileTime>::max()), OleDate{0.0});
 }
 
+TEST(OleDate, SecondsGoToADateAndBack) {
+  for (const std::int64_t seconds :
+       {-109205 * kSecondsPerDay + 1, -kSecondsPerDay, -kSecondsPerDay + 1, std::int64_t{-1}, std::int64_t{0},
+        std::int64_t{1}, 36000 * kSecondsPerDay + 86399}) {
+    EXPECT_EQ(SecondsOf(OleDateOf(seconds)), seconds);
+  }
+}
+
+TEST(OleDate, AValueOutsideTheCalendarReadsAsTheEpoch) {
+  EXPECT_EQ(SecondsOf({std::nan("")}), 0);
+  EXPECT_EQ(SecondsOf({1e300}), 0);
+}
+
+TEST(OleDate, HasTheDayAndTimeThatPeopleRead) {
+  const DateParts parts = PartsOf(OleDateOf(-kSecondsPerDay - 1));
+  EXPECT_EQ(parts.year, 1899);
+  EXPECT_EQ(parts.month, 12);
+  EXPECT_EQ(parts.day, 28);
+  EXPECT_EQ(parts.hour, 23);
+  EXPECT_EQ(parts.minute, 59);
+  EXPECT_EQ(parts.second, 59);
+}
+
 }  // namespace
-}  // namespace velmora::messaging
+}  // namespace velmora::text
