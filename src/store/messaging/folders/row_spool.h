@@ -15,14 +15,14 @@ namespace velmora::messaging {
 class RowSpool {
  public:
   /// Keeps a row and gives its place.
-  platform::Result<std::uint64_t> Append(std::span<const ltp::PropertyView> cells);
+  [[nodiscard]] platform::Result<std::uint64_t> Append(std::span<const ltp::PropertyView> cells);
 
   /// The row at a place that Append gave, valid until the next call. Rows read in the order of their places
   /// are read in large pieces.
-  platform::Result<std::span<const ltp::PropertyView>> Read(std::uint64_t place);
+  [[nodiscard]] platform::Result<std::span<const ltp::PropertyView>> Read(std::uint64_t place);
 
  private:
-  platform::Result<std::span<const std::byte>> BytesAt(std::uint64_t place, std::size_t size);
+  [[nodiscard]] platform::Result<std::span<const std::byte>> BytesAt(std::uint64_t place, std::size_t size);
 
   platform::SpoolFile file_;
   Bytes pending_;  ///< rows behind the end of the file

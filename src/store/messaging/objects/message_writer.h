@@ -41,8 +41,8 @@ class MessageWriter {
   [[nodiscard]] Result<WrittenMessage> Write(Message message);
 
  private:
-  Result<void> AddRecipients(const std::vector<PropertyBag>& recipients);
-  Result<void> AddAttachments(std::vector<PropertyBag>& attachments);
+  [[nodiscard]] Result<void> AddRecipients(const std::vector<PropertyBag>& recipients);
+  [[nodiscard]] Result<void> AddAttachments(std::vector<PropertyBag>& attachments);
 
   ndb::NdbWriter& ndb_;
   ltp::PropertyContextWriter message_;

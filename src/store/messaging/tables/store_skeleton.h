@@ -9,7 +9,7 @@
 namespace velmora::messaging {
 
 /// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
-Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
+[[nodiscard]] Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 inline constexpr text::TextView kSpamSearchFolderName = u"SPAM Search Folder 2";
 
@@ -20,10 +20,10 @@ struct StoreIdentity {
 };
 
 /// Writes the node that tells which properties the names are.
-Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
+[[nodiscard]] Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 /// Writes the message store object, which names the folders of the store.
-Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
-                               Nid deletedItems);
+[[nodiscard]] Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top,
+                                             Nid searchRoot, Nid deletedItems);
 
 }  // namespace velmora::messaging
