@@ -2,43 +2,27 @@
 
 #include "conversion/run_log.h"
 #include "platform/file.h"
+#include "store/format/classes.h"
 
 namespace velmora::conversion {
 namespace {
 
-struct KindRow {
-  text::TextView containerClass;
-  std::int64_t FolderCounters::*counter;
-};
-
-constexpr KindRow kKinds[] = {
-    {u"IPF.Contact", &FolderCounters::contacts},
-    {u"IPM.Contact", &FolderCounters::contacts},
-    {u"IPF.DistList", &FolderCounters::contacts},
-    {u"IPM.DistList", &FolderCounters::contacts},
-    {u"IPF.Journal", &FolderCounters::journals},
-    {u"IPM.Journal", &FolderCounters::journals},
-    {u"IPF.Activity", &FolderCounters::journals},
-    {u"IPM.Activity", &FolderCounters::journals},
-    {u"IPM.Task", &FolderCounters::tasks},
-    {u"IPF.Task", &FolderCounters::tasks},
-    {u"IPM.TaskRequest.Decline", &FolderCounters::tasks},
-    {u"IPF.TaskRequest.Decline", &FolderCounters::tasks},
-    {u"IPM.TaskRequest.Update", &FolderCounters::tasks},
-    {u"IPM.TaskRequest", &FolderCounters::tasks},
-    {u"IPF.TaskRequest.Update", &FolderCounters::tasks},
-    {u"IPF.TaskRequest", &FolderCounters::tasks},
-    {u"IPM.StickyNote", &FolderCounters::notes},
-    {u"IPF.StickyNote", &FolderCounters::notes},
-    {u"IPF.Appointment", &FolderCounters::calendar},
-    {u"IPM.Appointment", &FolderCounters::calendar},
-};
-
+/// A folder of meetings counts as one of mail.
 std::int64_t FolderCounters::*CounterOf(text::TextView containerClass) {
-  for (const KindRow& row : kKinds) {
-    if (row.containerClass == containerClass) return row.counter;
+  switch (KindOfClass(containerClass).value_or(ItemKind::kMail)) {
+    case ItemKind::kContact:
+      return &FolderCounters::contacts;
+    case ItemKind::kJournal:
+      return &FolderCounters::journals;
+    case ItemKind::kTask:
+      return &FolderCounters::tasks;
+    case ItemKind::kNote:
+      return &FolderCounters::notes;
+    case ItemKind::kAppointment:
+      return &FolderCounters::calendar;
+    default:
+      return &FolderCounters::mail;
   }
-  return &FolderCounters::mail;
 }
 
 /// The end of the log of a run. Where the run keeps none there is nothing to write to.

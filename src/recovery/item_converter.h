@@ -17,8 +17,7 @@
 
 namespace velmora::recovery {
 
-/// The kinds in the order in which a record is offered to them.
-enum class ItemKind { kMail, kContact, kTask, kAppointment, kMeeting, kJournal, kNote };
+using velmora::ItemKind;
 inline constexpr std::size_t kItemKinds = 7;
 
 /// A record of a property context (published structure: 8 bytes in the record array).

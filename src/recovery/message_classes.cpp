@@ -9,60 +9,25 @@ using text::TextView;
 
 namespace {
 
-/// Classes that are placed in a special way and become an item of a special kind.
-struct SpecialClass {
-  TextView name;
-  ItemKind kind;
-};
-constexpr SpecialClass kSpecialClasses[] = {
-    {u"IPF.Contact", ItemKind::kContact},
-    {u"IPM.Contact", ItemKind::kContact},
-    {u"IPF.DistList", ItemKind::kContact},
-    {u"IPM.DistList", ItemKind::kContact},
-    {u"IPF.Journal", ItemKind::kJournal},
-    {u"IPM.Journal", ItemKind::kJournal},
-    {u"IPF.Activity", ItemKind::kJournal},
-    {u"IPM.Activity", ItemKind::kJournal},
-    {u"IPM.Task", ItemKind::kTask},
-    {u"IPF.Task", ItemKind::kTask},
-    {u"IPM.TaskRequest.Decline", ItemKind::kTask},
-    {u"IPF.TaskRequest.Decline", ItemKind::kTask},
-    {u"IPM.TaskRequest.Update", ItemKind::kTask},
-    {u"IPM.TaskRequest", ItemKind::kTask},
-    {u"IPF.TaskRequest.Update", ItemKind::kTask},
-    {u"IPF.TaskRequest", ItemKind::kTask},
-    {u"IPM.StickyNote", ItemKind::kNote},
-    {u"IPF.StickyNote", ItemKind::kNote},
-    {u"IPF.Appointment", ItemKind::kAppointment},
-    {u"IPM.Appointment", ItemKind::kAppointment},
-    {u"IPM.Schedule.Meeting.Canceled", ItemKind::kMeeting},
-    {u"IPM.Schedule.Meeting.Request", ItemKind::kMeeting},
-    {u"IPM.Schedule.Meeting.Resp.Neg", ItemKind::kMeeting},
-    {u"IPM.Schedule.Meeting.Resp.Pos", ItemKind::kMeeting},
-    {u"IPM.Schedule.Meeting.Resp.Tent", ItemKind::kMeeting},
-    {u"IPF.Schedule.Meeting.Canceled", ItemKind::kMeeting},
-    {u"IPF.Schedule.Meeting.Request", ItemKind::kMeeting},
-    {u"IPF.Schedule.Meeting.Resp.Neg", ItemKind::kMeeting},
-    {u"IPF.Schedule.Meeting.Resp.Pos", ItemKind::kMeeting},
-    {u"IPF.Schedule.Meeting.Resp.Tent", ItemKind::kMeeting},
-};
-
-struct KindRow {
-  ItemKind kind;
-  output::ItemInterface interface;
-  std::optional<DefaultFolder> defaultFolder;
-};
-constexpr KindRow kKinds[kItemKinds] = {
-    {ItemKind::kMail, output::ItemInterface::RDOMail, std::nullopt},
-    {ItemKind::kContact, output::ItemInterface::RDOContactItem, DefaultFolder::kContacts},
-    {ItemKind::kTask, output::ItemInterface::RDOTaskItem, DefaultFolder::kTasks},
-    {ItemKind::kAppointment, output::ItemInterface::RDOAppointmentItem, DefaultFolder::kCalendar},
-    {ItemKind::kMeeting, output::ItemInterface::RDOAppointmentItem, DefaultFolder::kCalendar},
-    {ItemKind::kJournal, output::ItemInterface::RDOJournalItem, DefaultFolder::kJournal},
-    {ItemKind::kNote, output::ItemInterface::RDONoteItem, DefaultFolder::kNotes},
-};
-
-constexpr const KindRow& RowOf(ItemKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
+/// Where items of a kind lie; nothing for mail.
+std::optional<DefaultFolder> DefaultFolderOf(ItemKind kind) {
+  switch (kind) {
+    case ItemKind::kContact:
+      return DefaultFolder::kContacts;
+    case ItemKind::kTask:
+      return DefaultFolder::kTasks;
+    case ItemKind::kAppointment:
+    case ItemKind::kMeeting:
+      return DefaultFolder::kCalendar;
+    case ItemKind::kJournal:
+      return DefaultFolder::kJournal;
+    case ItemKind::kNote:
+      return DefaultFolder::kNotes;
+    case ItemKind::kMail:
+      break;
+  }
+  return std::nullopt;
+}
 
 /// Classes that are placed in a special way and become no item of a special kind.
 constexpr TextView kCalendarClasses[] = {u"IPM.Configuration.HomeTimeZone", u"IPM.Configuration.Calendar",
@@ -73,8 +38,8 @@ constexpr TextView kClassesWithoutDefault[] = {u"IPM.ExtendedRule.Message", u"IP
 
 /// Compared without their letter case, unlike all others.
 constexpr TextView kMailClasses[] = {
-    u"IPM.Note",
-    u"IPF.Note",
+    kMailMessageClass,
+    kMailContainerClass,
     u"NOTE",
     u"Report.IPM.Note.IPNRN",
     u"Report.IPM.Note.IPNNRN",
@@ -92,24 +57,17 @@ constexpr TextView kMailClasses[] = {
     u"IPM.MessageManager",
 };
 
-const SpecialClass* FindSpecial(TextView messageClass) {
-  const auto found = std::ranges::find(kSpecialClasses, messageClass, &SpecialClass::name);
-  return found == std::end(kSpecialClasses) ? nullptr : found;
-}
-
 }  // namespace
 
 std::optional<SpecialPlacement> SpecialPlacementOf(TextView messageClass) {
-  if (const SpecialClass* special = FindSpecial(messageClass)) {
-    return SpecialPlacement{RowOf(special->kind).defaultFolder};
-  }
+  if (const auto kind = KindOfClass(messageClass)) return SpecialPlacement{DefaultFolderOf(*kind)};
   if (std::ranges::count(kCalendarClasses, messageClass) != 0) return SpecialPlacement{DefaultFolder::kCalendar};
   if (std::ranges::count(kClassesWithoutDefault, messageClass) != 0) return SpecialPlacement{};
   return std::nullopt;
 }
 
 ItemClass Classify(TextView messageClass) {
-  if (const SpecialClass* special = FindSpecial(messageClass)) return {ClassVerdict::kItem, special->kind};
+  if (const auto kind = KindOfClass(messageClass)) return {ClassVerdict::kItem, *kind};
   for (const TextView mailClass : kMailClasses) {
     if (text::EqualIgnoringCase(mailClass, messageClass)) return {ClassVerdict::kItem, ItemKind::kMail};
   }
@@ -125,7 +83,5 @@ ItemClass Classify(TextView messageClass) {
 bool IsDistributionList(TextView messageClass) {
   return messageClass == u"IPM.DistList" || messageClass == u"IPF.DistList";
 }
-
-output::ItemInterface InterfaceOf(ItemKind kind) { return RowOf(kind).interface; }
 
 }  // namespace velmora::recovery

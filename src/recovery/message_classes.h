@@ -31,7 +31,6 @@ ItemClass Classify(text::TextView messageClass);
 
 bool IsDistributionList(text::TextView messageClass);
 
-/// The interface through which items of a kind are written.
-output::ItemInterface InterfaceOf(ItemKind kind);
+using output::InterfaceOf;
 
 }  // namespace velmora::recovery

@@ -21,6 +21,8 @@
 #include <utility>
 #include <variant>
 
+#include "store/format/classes.h"
+#include "text/calendar.h"
 #include "text/text.h"
 
 namespace velmora::output {
@@ -91,11 +93,8 @@ class Ref {
 
 // ---------------------------------------------------------------------------------------- values
 
-/// Days since 30 December 1899 in the integer part, the time of day in the fraction; UTC, whole seconds.
-struct OleDate {
-  double days = 0.0;
-  friend bool operator==(const OleDate&, const OleDate&) = default;
-};
+/// UTC, in whole seconds.
+using text::OleDate;
 
 enum class FieldType { Text, Date, Flag, Number, Number16 };
 
@@ -297,17 +296,35 @@ inline constexpr std::size_t kFieldCount = std::size(kFields);
 
 constexpr const FieldInfo& InfoOf(Field field) { return kFields[static_cast<std::size_t>(field)]; }
 
+/// The interface through which items of a kind are written.
+constexpr ItemInterface InterfaceOf(ItemKind kind) {
+  switch (kind) {
+    case ItemKind::kContact:
+      return ItemInterface::RDOContactItem;
+    case ItemKind::kTask:
+      return ItemInterface::RDOTaskItem;
+    case ItemKind::kAppointment:
+    case ItemKind::kMeeting:
+      return ItemInterface::RDOAppointmentItem;
+    case ItemKind::kJournal:
+      return ItemInterface::RDOJournalItem;
+    case ItemKind::kNote:
+      return ItemInterface::RDONoteItem;
+    case ItemKind::kMail:
+      break;
+  }
+  return ItemInterface::RDOMail;
+}
+
 /// The typed interface that an item of this message class answers to; RDOMail when it has none of its own.
-inline ItemInterface TypedInterfaceOf(text::TextView messageClass);
+constexpr ItemInterface TypedInterfaceOf(text::TextView messageClass) {
+  return InterfaceOf(KindOfClass(messageClass).value_or(ItemKind::kMail));
+}
 
 /// Of a longer subject a store keeps so many UTF-16 units.
 inline constexpr std::size_t kLongestSubject = 255;
 
-/// Default folder kinds (the values of Outlook's enumeration).
-enum class DefaultFolder : std::int32_t {
-  kDeletedItems = 3, kCalendar = 9, kContacts = 10, kJournal = 11, kNotes = 12, kTasks = 13,
-  kConflicts = 19, kSyncIssues = 20, kLocalFailures = 21, kServerFailures = 22,
-};
+using velmora::DefaultFolder;
 
 /// The kind argument of RDOFolders::Add: not given, a container class, or a default folder kind.
 using FolderType = std::variant<std::monostate, text::Text, std::int32_t>;
@@ -376,7 +393,7 @@ class RDOMail : public RDOMessageBase {
 
   // What the panes read.
   virtual text::Text MessageClass() const = 0;
-  virtual std::int32_t Size() const = 0;             ///< message size in bytes
+  virtual std::int32_t Size() const = 0;  ///< message size in bytes
   virtual std::int32_t AttachmentCount() const = 0;
 
   /// Of an item that is in its store; nothing where the library keeps no items.
@@ -500,47 +517,5 @@ class OutputLibrary {
   virtual Ref<RDOSession> CreateRDOSession() = 0;
   virtual Ref<MAPIUtils> CreateMAPIUtils() = 0;
 };
-
-// ---------------------------------------------------------------------------------------- rules
-
-inline ItemInterface TypedInterfaceOf(text::TextView messageClass) {
-  struct Row { text::TextView messageClass; ItemInterface interface; };
-  static constexpr Row kRows[] = {
-      {u"IPM.Contact", ItemInterface::RDOContactItem},
-      {u"IPF.Contact", ItemInterface::RDOContactItem},
-      {u"IPM.DistList", ItemInterface::RDOContactItem},
-      {u"IPF.DistList", ItemInterface::RDOContactItem},
-      {u"IPF.Journal", ItemInterface::RDOJournalItem},
-      {u"IPM.Journal", ItemInterface::RDOJournalItem},
-      {u"IPF.Activity", ItemInterface::RDOJournalItem},
-      {u"IPM.Activity", ItemInterface::RDOJournalItem},
-      {u"IPM.Task", ItemInterface::RDOTaskItem},
-      {u"IPF.Task", ItemInterface::RDOTaskItem},
-      {u"IPM.TaskRequest", ItemInterface::RDOTaskItem},
-      {u"IPF.TaskRequest", ItemInterface::RDOTaskItem},
-      {u"IPM.TaskRequest.Update", ItemInterface::RDOTaskItem},
-      {u"IPF.TaskRequest.Update", ItemInterface::RDOTaskItem},
-      {u"IPM.TaskRequest.Decline", ItemInterface::RDOTaskItem},
-      {u"IPF.TaskRequest.Decline", ItemInterface::RDOTaskItem},
-      {u"IPM.StickyNote", ItemInterface::RDONoteItem},
-      {u"IPF.StickyNote", ItemInterface::RDONoteItem},
-      {u"IPF.Appointment", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Appointment", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Schedule.Meeting.Canceled", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Schedule.Meeting.Request", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Schedule.Meeting.Resp.Neg", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Schedule.Meeting.Resp.Pos", ItemInterface::RDOAppointmentItem},
-      {u"IPM.Schedule.Meeting.Resp.Tent", ItemInterface::RDOAppointmentItem},
-      {u"IPF.Schedule.Meeting.Canceled", ItemInterface::RDOAppointmentItem},
-      {u"IPF.Schedule.Meeting.Request", ItemInterface::RDOAppointmentItem},
-      {u"IPF.Schedule.Meeting.Resp.Neg", ItemInterface::RDOAppointmentItem},
-      {u"IPF.Schedule.Meeting.Resp.Pos", ItemInterface::RDOAppointmentItem},
-      {u"IPF.Schedule.Meeting.Resp.Tent", ItemInterface::RDOAppointmentItem},
-  };
-  for (const Row& row : kRows) {
-    if (row.messageClass == messageClass) return row.interface;
-  }
-  return ItemInterface::RDOMail;
-}
 
 }  // namespace velmora::output

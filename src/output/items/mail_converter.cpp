@@ -1,11 +1,7 @@
 #include "output/items/mail_converter.h"
 
-#include <chrono>
-#include <string>
-
 #include "output/items/property_records.h"
 #include "output/items/value_readers.h"
-#include "store/ole_date.h"
 
 namespace velmora::items {
 namespace {
@@ -15,12 +11,8 @@ using output::Field;
 
 /// "month /day /year", without leading zeros.
 text::Text ListDate(output::OleDate date) {
-  constexpr std::chrono::sys_days kFirstDay{std::chrono::year{1899} / 12 / 30};
-  const auto day = std::chrono::floor<std::chrono::days>(kFirstDay + std::chrono::seconds(output::SecondsOf(date)));
-  const std::chrono::year_month_day calendar(day);
-  return text::FromUtf8(std::to_string(static_cast<unsigned>(calendar.month())) + " /" +
-                        std::to_string(static_cast<unsigned>(calendar.day())) + " /" +
-                        std::to_string(static_cast<int>(calendar.year())));
+  const text::DateParts parts = PartsOf(date);
+  return text::Decimal(parts.month) + u" /" + text::Decimal(parts.day) + u" /" + text::Decimal(parts.year);
 }
 
 /// One record on its way into one mail.

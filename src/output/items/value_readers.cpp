@@ -2,7 +2,7 @@
 
 #include "output/items/property_records.h"
 #include "recovery/heap_text.h"
-#include "store/ole_date.h"
+#include "text/calendar.h"
 
 namespace velmora::items {
 
@@ -92,10 +92,6 @@ text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery
   }
 }
 
-output::OleDate DateOfFileTime(std::uint64_t fileTime) {
-  constexpr std::int64_t kFirstRefusedSecond = 2958466 * output::kSecondsPerDay;  // 1 January 10000
-  const std::int64_t seconds = static_cast<std::int64_t>(fileTime / 10'000'000) - output::kOleEpochInFileTimeSeconds;
-  return seconds < kFirstRefusedSecond ? output::OleDateOf(seconds) : output::OleDate{};
-}
+output::OleDate DateOfFileTime(std::uint64_t fileTime) { return text::DateOf(fileTime); }
 
 }  // namespace velmora::items

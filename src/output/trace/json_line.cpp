@@ -1,9 +1,6 @@
 #include "output/trace/json_line.h"
 
-#include <chrono>
 #include <cstdio>
-
-#include "store/ole_date.h"
 
 namespace velmora::output {
 namespace {
@@ -87,18 +84,11 @@ std::string JsonLine::End() {
 }
 
 std::string IsoDateTime(OleDate date) {
-  namespace chrono = std::chrono;
-  static constexpr chrono::sys_days kEpoch = chrono::sys_days{chrono::year{1899} / 12 / 30};
-  const chrono::sys_seconds time = kEpoch + chrono::seconds(SecondsOf(date));
-  const auto day = chrono::floor<chrono::days>(time);
-  const chrono::year_month_day calendar{day};
-  const chrono::hh_mm_ss clock{time - day};
-  char text[32];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d", static_cast<int>(calendar.year()),
-                static_cast<unsigned>(calendar.month()), static_cast<unsigned>(calendar.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
-  return text;
+  const text::DateParts parts = PartsOf(date);
+  char line[32];
+  std::snprintf(line, sizeof line, "%04d-%02d-%02dT%02d:%02d:%02d", parts.year, parts.month, parts.day, parts.hour,
+                parts.minute, parts.second);
+  return line;
 }
 
 }  // namespace velmora::output

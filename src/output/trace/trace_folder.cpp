@@ -3,28 +3,10 @@
 #include <ranges>
 
 #include "output/trace/json_line.h"
+#include "store/format/classes.h"
 
 namespace velmora::output {
 namespace {
-
-constexpr text::TextView kMailClass = u"IPF.Note";
-
-text::TextView ContainerClassOf(DefaultFolder kind) {
-  switch (kind) {
-    case DefaultFolder::kCalendar:
-      return u"IPF.Appointment";
-    case DefaultFolder::kContacts:
-      return u"IPF.Contact";
-    case DefaultFolder::kJournal:
-      return u"IPF.Journal";
-    case DefaultFolder::kNotes:
-      return u"IPF.StickyNote";
-    case DefaultFolder::kTasks:
-      return u"IPF.Task";
-    default:
-      return kMailClass;
-  }
-}
 
 class TraceItems : public RDOItems {
  public:
@@ -108,7 +90,7 @@ std::shared_ptr<TraceFolder> TraceFolder::MakeChild(text::TextView name, text::T
 std::shared_ptr<TraceFolder> TraceFolder::AddChild(text::TextView name, const FolderType& type) {
   const auto* containerClass = std::get_if<text::Text>(&type);
   const auto* kind = std::get_if<std::int32_t>(&type);
-  auto child = MakeChild(name, containerClass != nullptr ? text::TextView(*containerClass) : kMailClass);
+  auto child = MakeChild(name, containerClass != nullptr ? text::TextView(*containerClass) : kMailContainerClass);
   JsonLine line("AddFolder");
   line.Text("parent", Path()).Text("name", name);
   if (containerClass != nullptr) {
@@ -167,8 +149,8 @@ std::shared_ptr<TraceItem> TraceFolder::NextItem(std::uint64_t& place) const {
 std::shared_ptr<TraceStore> TraceStore::Create(std::shared_ptr<TraceState> state, text::TextView displayName) {
   std::shared_ptr<TraceStore> store(new TraceStore(displayName));
   store->top_ = std::make_shared<TraceFolder>(std::move(state), store, std::weak_ptr<TraceFolder>(),
-                                              u"Top of Personal Folders", kMailClass);
-  store->SetDefault(DefaultFolder::kDeletedItems, store->top_->MakeChild(u"Deleted Items", kMailClass));
+                                              u"Top of Personal Folders", kMailContainerClass);
+  store->SetDefault(DefaultFolder::kDeletedItems, store->top_->MakeChild(u"Deleted Items", kMailContainerClass));
   return store;
 }
 

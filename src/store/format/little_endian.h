@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <vector>
 
 namespace velmora {
 
@@ -30,6 +31,16 @@ template <std::unsigned_integral T>
 void Store(std::span<std::byte> bytes, std::size_t offset, T value) {
   assert(offset <= bytes.size() && bytes.size() - offset >= sizeof(T));
   std::memcpy(bytes.data() + offset, &value, sizeof(T));
+}
+
+/// Appends a number, or bytes as they are.
+template <std::unsigned_integral T>
+void Append(std::vector<std::byte>& out, T value) {
+  out.resize(out.size() + sizeof(T));
+  Store(std::span<std::byte>(out), out.size() - sizeof(T), value);
+}
+inline void Append(std::vector<std::byte>& out, std::span<const std::byte> bytes) {
+  out.insert(out.end(), bytes.begin(), bytes.end());
 }
 
 }  // namespace velmora

@@ -26,6 +26,9 @@ constexpr std::uint8_t CellSize(PropType type) {
   return size.has_value() && *size <= 8 ? static_cast<std::uint8_t>(*size) : 4;
 }
 
+inline constexpr std::size_t kMaxColumns = 255;
+inline constexpr std::size_t kMaxRowSize = 1024;
+
 /// Columns by ascending tag, and the ends of the groups of a row: cells of 8 and 4 bytes, of 2, of 1, and
 /// the cell-existence bytes, whose end is the size of the row.
 struct TableSchema {
@@ -40,10 +43,10 @@ struct TableSchema {
 constexpr bool IsSound(const TableSchema& schema) {
   const auto& [cells4, cells2, cells1, rowSize] = schema.rgib;
   const std::size_t count = schema.columns.size();
-  if (count < 2 || count > 255 || rowSize > 1024) return false;
+  if (count < 2 || count > kMaxColumns || rowSize > kMaxRowSize) return false;
   if (cells4 > cells2 || cells2 > cells1 || cells4 % 4 != 0 || (cells2 - cells4) % 2 != 0) return false;
   if (rowSize != cells1 + (count + 7) / 8) return false;
-  std::array<bool, 1024> taken{};
+  std::array<bool, kMaxRowSize> taken{};
   std::array<bool, 256> bits{};
   bool hasId = false;
   bool hasVersion = false;

@@ -6,9 +6,10 @@
 #include "store/format/store_nodes.h"
 #include "store/ltp/table_context.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/field_table.h"
+#include "store/messaging/items/field_table.h"
 #include "store/messaging/store_writer.h"
-#include "store/messaging/subject.h"
+#include "store/messaging/values/stored_text.h"
+#include "store/messaging/values/subject.h"
 
 namespace velmora::messaging {
 namespace {
@@ -21,7 +22,6 @@ using output::RDOMail;
 using output::Ref;
 using output::ResultCode;
 
-constexpr text::TextView kMailClass = u"IPM.Note";
 constexpr text::TextView kPictureName = u"ContactPicture.jpg";
 constexpr std::size_t kLongestClass = 255;
 
@@ -44,14 +44,15 @@ text::Text MessageClassOf(text::TextView messageClass) {
   const bool printable = std::ranges::all_of(messageClass, [](char16_t unit) { return unit >= 0x20 && unit < 0x7F; });
   const bool usable =
       printable && !messageClass.empty() && messageClass.size() <= kLongestClass && messageClass.back() != u'.';
-  return text::Text(usable ? messageClass : kMailClass);
+  return text::Text(usable ? messageClass : kMailMessageClass);
 }
 
 MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, text::TextView messageClass)
     : store_(std::move(store)), folder_(folder) {
   state_.messageClass = MessageClassOf(messageClass);
   interface_ = output::TypedInterfaceOf(state_.messageClass);
-  store_->Writer().Identify(state_);
+  state_.searchKey = store_->Writer().NewUid();
+  state_.created = store_->Writer().Now();
 }
 
 MailItem::MailItem(std::shared_ptr<Store> store, Folder& folder, Nid nid)
@@ -72,10 +73,10 @@ MailItem::~MailItem() {
 
 /// The saved item's properties; null when it is not in the store.
 ltp::PropertyContext* MailItem::Saved() const {
-  if (nid_ == 0) return nullptr;
+  if (!nid_) return nullptr;
   WritePostponed();
   if (!saved_) {
-    const auto node = store_->Source().FindNode(nid_);
+    const auto node = store_->Source().FindNode(*nid_);
     if (!node) return nullptr;
     auto properties = ltp::PropertyContext::Open(store_->Source(), node->trees);
     if (!properties) return nullptr;
@@ -106,7 +107,7 @@ void MailItem::Put(Field field, const FieldValue& value) {
   const bool narrow = type == output::FieldType::Number16;
   state_.fields.Put(
       field, narrow ? FieldValue(std::int32_t{static_cast<std::int16_t>(std::get<std::int32_t>(value))}) : value);
-  if (nid_ != 0 && std::ranges::find(changed_, field) == changed_.end()) changed_.push_back(field);
+  if (nid_ && std::ranges::find(changed_, field) == changed_.end()) changed_.push_back(field);
 }
 
 FieldRead MailItem::Get(Field field) const {
@@ -134,10 +135,10 @@ void MailItem::Load() {
     if (read.written) state_.fields.Put(info.field, std::move(read.value));
   }
   state_.verb = static_cast<Verb>(saved->Integer32(tag::kLastVerbExecuted).value_or(0));
-  state_.created = static_cast<FileTime>(saved->Integer64(tag::kCreationTime).value_or(0));
+  state_.created = static_cast<text::FileTime>(saved->Integer64(tag::kCreationTime).value_or(0));
   const Bytes searchKey = saved->Binary(tag::kSearchKey).value_or(Bytes());
   std::copy_n(searchKey.begin(), std::min(searchKey.size(), state_.searchKey.size()), state_.searchKey.begin());
-  attachments_ = store_->Writer().ReadAttachments(*saved);
+  attachments_ = ReadAttachments(store_->Writer().Ndb(), *saved);
   loaded_ = true;
 }
 
@@ -148,15 +149,20 @@ void MailItem::Save() {
   saved_.reset();
   changed_.clear();
   savedAttachments_ = attachments_.size();
-  if (nid_ == 0) return WriteSave();
+  if (!nid_) return WriteSave();
   writer.Postpone(*this);
   unwritten_ = true;
 }
 
 void MailItem::WriteSave() {
   unwritten_ = false;
-  const std::vector<Attachment> saved(attachments_.begin(), attachments_.begin() + savedAttachments_);
-  nid_ = store_->Writer().Save(state_, saved, folder_, nid_);
+  nid_ = store_->Writer().Save(MessageWith(savedAttachments_), folder_, nid_);
+}
+
+/// The item as a message, with so many of its attachments.
+Message MailItem::MessageWith(std::size_t attachments) const {
+  const StoreWriter& writer = store_->Writer();
+  return ComposeMessage(state_, std::span(attachments_).first(attachments), writer.Now(), writer.CodePage());
 }
 
 void MailItem::Delete() {
@@ -164,8 +170,8 @@ void MailItem::Delete() {
   Load();
   writer.Forget(*this);
   unwritten_ = false;
-  if (nid_ != 0) writer.Delete(folder_, nid_);
-  nid_ = 0;
+  if (nid_) writer.Delete(folder_, *nid_);
+  nid_.reset();
   saved_.reset();
   changed_.clear();
   deleted_ = true;
@@ -176,7 +182,9 @@ Ref<output::RDOAttachments> MailItem::Attachments() { return std::make_shared<It
 void MailItem::Attach(const output::ContentSource& content, text::TextView name) {
   StoreWriter& writer = store_->Writer();
   Load();
-  attachments_.push_back(writer.Attach(content, name));
+  ItemAttachment attachment{NameOf(name), false, {}};
+  writer.PutStream(attachment.content, tag::kAttachDataBinary, content);
+  attachments_.push_back(std::move(attachment));
 }
 
 void MailItem::Attach(const Ref<RDOMail>& item, text::TextView name) {
@@ -187,7 +195,9 @@ void MailItem::Attach(const Ref<RDOMail>& item, text::TextView name) {
   }
   Load();
   embedded->Load();
-  attachments_.push_back(writer.Attach(embedded->state_, embedded->attachments_, name));
+  ItemAttachment attachment{NameOf(name), false, {}};
+  writer.PutMessage(attachment.content, embedded->MessageWith(embedded->attachments_.size()));
+  attachments_.push_back(std::move(attachment));
 }
 
 void MailItem::AddPicture(const output::ContentSource& content) {
@@ -197,9 +207,9 @@ void MailItem::AddPicture(const output::ContentSource& content) {
   StoreWriter& writer = store_->Writer();
   WritePostponed();
   Load();
-  Attachment picture = writer.Attach(content, kPictureName);
-  picture.isContactPhoto = true;
-  std::erase_if(attachments_, [](const Attachment& attachment) { return attachment.isContactPhoto; });
+  ItemAttachment picture{text::Text(kPictureName), true, {}};
+  writer.PutStream(picture.content, tag::kAttachDataBinary, content);
+  std::erase_if(attachments_, [](const ItemAttachment& attachment) { return attachment.isContactPhoto; });
   attachments_.push_back(std::move(picture));
 }
 
@@ -208,7 +218,7 @@ Ref<RDOMail> MailItem::Answer(Verb verb, text::TextView prefix, text::TextView t
   WritePostponed();
   Load();
   state_.verb = verb;
-  auto answer = std::make_shared<MailItem>(store_, folder_, kMailClass);
+  auto answer = std::make_shared<MailItem>(store_, folder_, kMailMessageClass);
   const text::Text subject = std::get<text::Text>(Get(Field::Subject).value);
   answer->Put(Field::Subject, text::Text(prefix) + StoreSubject(subject).normalized);
   if (!to.empty()) answer->Put(Field::To, text::Text(to));

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "store/ltp/property_context.h"
-#include "store/messaging/attachments.h"
-#include "store/messaging/item_properties.h"
+#include "store/messaging/items/item_attachments.h"
+#include "store/messaging/items/item_properties.h"
 #include "store/messaging/store_writer.h"
 #include "store/operations.h"
 
@@ -46,20 +46,21 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
   ltp::PropertyContext* Saved() const;
   void Load();
   void WriteSave() override;
+  Message MessageWith(std::size_t attachments) const;
   void WritePostponed() const;
   output::Ref<output::RDOMail> Answer(Verb verb, text::TextView prefix, text::TextView to);
 
   std::shared_ptr<Store> store_;
   Folder& folder_;
   output::ItemInterface interface_ = output::ItemInterface::RDOMail;
-  Nid nid_ = 0;         ///< 0 while it is in no folder
-  bool loaded_ = true;  ///< state_ and attachments_ hold all of the item
+  std::optional<Nid> nid_;  ///< none while it is in no folder
+  bool loaded_ = true;      ///< state_ and attachments_ hold all of the item
   bool deleted_ = false;
   bool unwritten_ = false;              ///< the last save waits to be written
   std::size_t savedAttachments_ = 0;    ///< how many attachments it has
   std::vector<output::Field> changed_;  ///< fields written since the last save
   ItemState state_;
-  std::vector<Attachment> attachments_;
+  std::vector<ItemAttachment> attachments_;
   mutable std::optional<ltp::PropertyContext> saved_;  ///< opened at the first read
 };
 

@@ -6,8 +6,8 @@
 #include "store/format/store_nodes.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
-#include "store/messaging/entry_id.h"
 #include "store/messaging/failures.h"
+#include "store/messaging/values/identity.h"
 
 namespace velmora::messaging {
 namespace {
@@ -93,7 +93,7 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Add({.nid = table->RowId(row)});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = table->RowId(row)});
   }
   return folder.items;
 }

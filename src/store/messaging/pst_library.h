@@ -36,7 +36,7 @@ class PstLibrary : public output::OutputLibrary {
 
   /// Seals all stores that were created and still are referred to: they are complete on disk then, can
   /// still be read, and refuse every change. The first failure, of whichever store.
-  platform::Result<void> Seal();
+  [[nodiscard]] platform::Result<void> Seal();
 
   /// The tables of these stores that have no room for all of their values.
   std::vector<output::FullTable> FullTables() const;

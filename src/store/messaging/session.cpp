@@ -2,9 +2,9 @@
 
 #include "platform/file.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/folder_objects.h"
+#include "store/messaging/folders/folder_objects.h"
 #include "store/messaging/opened_store.h"
-#include "store/messaging/stored_text.h"
+#include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
 namespace {

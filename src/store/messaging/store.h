@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "store/messaging/default_folders.h"
-#include "store/messaging/folder_tree.h"
-#include "store/messaging/named_properties.h"
+#include "store/messaging/folders/default_folders.h"
+#include "store/messaging/folders/folder_tree.h"
+#include "store/messaging/tables/named_properties.h"
 #include "store/ndb/block_source.h"
 #include "store/operations.h"
 

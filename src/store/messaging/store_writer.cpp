@@ -7,9 +7,12 @@
 
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
+#include "store/ltp/multi_value.h"
 #include "store/messaging/failures.h"
-#include "store/messaging/folder_writer.h"
-#include "store/messaging/stored_text.h"
+#include "store/messaging/folders/folder_writer.h"
+#include "store/messaging/tables/table_schemas.h"
+#include "store/messaging/values/stored_text.h"
+#include "store/ndb/data_tree_writer.h"
 
 namespace velmora::messaging {
 namespace {
@@ -31,6 +34,28 @@ constexpr std::uint64_t kOtherObjects = 4096;
 
 // A folder without items, and its row in its parent's table, with the longest name and class.
 constexpr std::uint64_t kNewFolderBytes = 5120;
+
+constexpr std::size_t kStreamPiece = 8 * kMaxBlockData;
+
+/// Ids up to this index are those of the nodes that every store has.
+constexpr std::uint32_t kLastFixedIndex = 0x400;
+
+/// The properties of a folder, sorted by who needs them; the counts that they tell are left out.
+struct FolderProperties {
+  explicit FolderProperties(PropertyBag properties)
+      : name(NameOf(ltp::DecodeText(properties.Value(tag::kDisplayName)))),
+        containerClass(ltp::DecodeText(properties.Value(tag::kContainerClass))),
+        others(std::move(properties)) {
+    for (const PropTag tag : {tag::kDisplayName, tag::kContainerClass, tag::kContentCount, tag::kContentUnreadCount,
+                              tag::kSubfolders, tag::kPstHiddenCount, tag::kPstHiddenUnread}) {
+      others.Remove(tag);
+    }
+  }
+
+  text::Text name;
+  text::Text containerClass;
+  PropertyBag others;
+};
 
 bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode::STG_E_MEDIUMFULL; }
 
@@ -64,7 +89,7 @@ std::shared_ptr<StoreWriter> StoreWriter::Create(std::unique_ptr<platform::ByteS
   std::shared_ptr<StoreWriter> store(new StoreWriter(std::move(file), displayName, options));
   store->identity_ = {store->uids_.Next(), store->uids_.Next(), store->displayName_};
   store->Change([&] {
-    WrittenOrRaise(WriteSkeleton(*store->ndb_));
+    WrittenOrRaise(WriteSkeleton(*store->ndb_, store->nameMap_));
     const auto add = [&](Folder* parent, Nid nid, text::TextView name, text::TextView containerClass) -> Folder& {
       Folder& folder = store->folders_.Add(parent, nid, name, containerClass);
       store->MarkChanged(folder, &Folder::propertiesChanged);
@@ -95,10 +120,10 @@ StoreWriter::~StoreWriter() {
   }
 }
 
-FileTime StoreWriter::Now() const {
-  if (options_.sourceDateEpoch) return FileTimeOfUnixSeconds(*options_.sourceDateEpoch);
+text::FileTime StoreWriter::Now() const {
+  if (options_.sourceDateEpoch) return text::FileTimeOfUnixSeconds(*options_.sourceDateEpoch);
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return FileTimeOfUnixSeconds(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+  return text::FileTimeOfUnixSeconds(std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
 /// What marking adds to the bytes to write.
@@ -131,6 +156,8 @@ void StoreWriter::WriteChanges() {
     WrittenOrRaise(WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems));
     messageStoreChanged_ = false;
   }
+  if (nameMapChanged_) WrittenOrRaise(WriteNameMap(*ndb_, nameMap_));
+  nameMapChanged_ = false;
   for (Folder* folder : changedFolders_) {
     PropertyBag extra;
     if (folder == root_) defaults_.PutIntoRoot(identity_.recordKey, extra);
@@ -157,16 +184,31 @@ void StoreWriter::CommitNowAndThen() {
   }
 }
 
-Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
+/// Whether a given id may be that of a new object.
+bool StoreWriter::IsFree(Nid nid, NidType type) const {
+  if (NidTypeOf(nid) != type || IndexOf(nid) <= kLastFixedIndex) {
+    throw OutputFailure(ResultCode::E_INVALIDARG, "The id is none for such an object.");
+  }
+  return !ndb_->FindNode(nid) && folders_.OfNid(nid) == nullptr;
+}
+
+Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::optional<Nid> nid) {
   return Change([&]() -> Folder& {
-    if (NameOf(name).empty()) throw OutputFailure(ResultCode::E_INVALIDARG, "A folder needs a name.");
-    if (ChildOf(parent, name) != nullptr) {
+    const FolderProperties split(std::move(properties));
+    if (split.name.empty()) throw OutputFailure(ResultCode::E_INVALIDARG, "A folder needs a name.");
+    if (ChildOf(parent, split.name) != nullptr) {
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
-    Reserve(kNewFolderBytes + BytesToMark(parent, &Folder::propertiesChanged) +
+    if (nid && !IsFree(*nid, NidType::kNormalFolder)) {
+      throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that id is already there.");
+    }
+    Reserve(kNewFolderBytes + MostBytesOf(split.others) + BytesToMark(parent, &Folder::propertiesChanged) +
                 BytesToMark(parent, &Folder::childrenChanged),
             kFolderNodes);
-    Folder& folder = folders_.Add(&parent, ndb_->NewNid(NidType::kNormalFolder), name, containerClass);
+    Folder& folder =
+        folders_.Add(&parent, nid ? *nid : ndb_->NewNid(NidType::kNormalFolder), split.name, split.containerClass);
+    if (nid) ndb_->NoteNid(*nid);
+    folder.others = split.others;
     for (bool Folder::*what : {&Folder::propertiesChanged, &Folder::childrenChanged, &Folder::itemsChanged}) {
       MarkChanged(folder, what);
     }
@@ -178,6 +220,38 @@ Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextVi
   });
 }
 
+Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
+  PropertyBag properties;
+  properties.PutName(tag::kDisplayName, name);
+  properties.PutName(tag::kContainerClass, containerClass);
+  return AddFolder(parent, std::move(properties));
+}
+
+void StoreWriter::SetProperties(Folder& folder, PropertyBag properties) {
+  Change([&] {
+    const FolderProperties split(std::move(properties));
+    if (folder.parent == nullptr || split.name.empty()) {
+      throw OutputFailure(ResultCode::E_INVALIDARG, "A folder needs a name.");
+    }
+    Folder* const twin = ChildOf(*folder.parent, split.name);
+    if (twin != nullptr && twin != &folder) {
+      throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
+    }
+    Reserve(kNewFolderBytes + MostBytesOf(split.others) + BytesToMark(folder, &Folder::propertiesChanged));
+    folders_.Rename(folder, split.name, split.containerClass);
+    folder.others = split.others;
+    MarkChanged(folder, &Folder::propertiesChanged);
+    bytesToWrite_ += kNewFolderBytes + MostBytesOf(split.others);
+  });
+}
+
+void StoreWriter::SetContainerClass(Folder& folder, text::TextView containerClass) {
+  Change([&] {
+    folders_.Rename(folder, folder.name, containerClass);
+    MarkChanged(folder, &Folder::propertiesChanged);
+  });
+}
+
 void StoreWriter::SetDefaultFolder(output::DefaultFolder kind, Folder& folder) {
   Change([&] {
     defaults_.Set(kind, folder.nid);
@@ -186,59 +260,93 @@ void StoreWriter::SetDefaultFolder(output::DefaultFolder kind, Folder& folder) {
   });
 }
 
-void StoreWriter::SetContainerClass(Folder& folder, text::TextView containerClass) {
-  Change([&] {
-    folder.containerClass = NameOf(containerClass);
-    MarkChanged(folder, &Folder::propertiesChanged);
-  });
-}
-
-void StoreWriter::Identify(ItemState& item) {
-  item.searchKey = uids_.Next();
-  item.created = Now();
-}
-
-Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, Nid nid) {
+Nid StoreWriter::Save(Message message, Folder& folder, std::optional<Nid> nid) {
   return Change([&] {
-    const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
-    const PropertyBag row = ContentsRow(message.properties);
+    const bool hidden = message.isAssociated;
+    const NidType type = hidden ? NidType::kAssocMessage : NidType::kNormalMessage;
+    ItemRows& items = hidden ? folder.hiddenItems : folder.items;
+    bool Folder::*const changed = hidden ? &Folder::hiddenItemsChanged : &Folder::itemsChanged;
+    const ItemRow* before = nid ? items.Find(*nid) : nullptr;
+    if (nid && before == nullptr && !IsFree(*nid, type)) {
+      throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A message of that id is already there.");
+    }
+    const WrittenMessage written = WrittenOrRaise(messages_.Write(std::move(message)));
+    const PropertyBag row = RowOf(hidden ? schema::kAssocContents : schema::kContents, written.properties);
     const std::vector<ltp::PropertyView> cells = row.Views();
-    const std::uint64_t place = WrittenOrRaise(rows_.Append(cells));
-    const auto size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(cells), 0xFFFF));
-    Reserve(
-        ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged),
-        1);
-    const bool isNew = nid == 0;
-    const Nid saved = isNew ? ndb_->NewNid(NidType::kNormalMessage) : nid;
-    WrittenOrRaise(ndb_->SetNode(saved, message.node.trees, folder.nid));
-    if (isNew) folder.items.Add({.nid = saved});
-    ItemRow& entry = *folder.items.Find(saved);
-    folder.unreadCount -= static_cast<std::size_t>(entry.unread);
-    folder.unreadCount += static_cast<std::size_t>(message.unread);
-    entry.unread = message.unread;
-    entry.place = place;
-    MarkChanged(folder, &Folder::itemsChanged);
+    ItemRow item;
+    item.place = WrittenOrRaise(rows_.Append(cells));
+    item.size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(cells), 0xFFFF));
+    item.unread = (written.properties.Integer32(tag::kMessageFlags) & kMessageRead) == 0;
+    Reserve(ItemBytes(item.size) + BytesToMark(folder, changed) + BytesToMark(folder, &Folder::propertiesChanged), 1);
+    item.nid = nid ? *nid : ndb_->NewNid(type);
+    WrittenOrRaise(ndb_->SetNode(item.nid, written.node.trees, folder.nid));
+    items.Put(item);
+    MarkChanged(folder, changed);
     MarkChanged(folder, &Folder::propertiesChanged);
-    folder.rowBytes = folder.rowBytes - entry.size + size;
-    bytesToWrite_ += ItemBytes(size);
-    entry.size = size;
+    bytesToWrite_ += ItemBytes(item.size);
     CommitNowAndThen();
-    return saved;
+    return item.nid;
   });
 }
 
 void StoreWriter::Delete(Folder& folder, Nid nid) {
   Change([&] {
-    const ItemRow* row = folder.items.Find(nid);
-    if (row == nullptr) return;
+    if (folder.items.Find(nid) == nullptr) return;
     Reserve(BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged));
     WrittenOrRaise(ndb_->RemoveNode(nid));
-    folder.unreadCount -= static_cast<std::size_t>(row->unread);
-    folder.rowBytes -= row->size;
     folder.items.Delete(nid);
     MarkChanged(folder, &Folder::itemsChanged);
     MarkChanged(folder, &Folder::propertiesChanged);
     CommitNowAndThen();
+  });
+}
+
+void StoreWriter::PutStream(PropertyBag& bag, PropTag tag, const output::ContentSource& content) {
+  Change([&] {
+    ndb::DataTreeWriter tree(*ndb_);
+    Bytes piece(static_cast<std::size_t>(std::min<std::uint64_t>(content.Size(), kStreamPiece)));
+    std::uint64_t offset = 0;
+    while (const std::size_t length = content.ReadAt(offset, piece)) {
+      WrittenOrRaise(tree.Append(std::span(piece).first(length)));
+      offset += length;
+    }
+    if (tree.Size() <= ltp::PropertyContextWriter::kHeapValueLimit) {
+      bag.PutBytes(tag, tree.Buffered());
+    } else {
+      PutTree(bag, tag, WrittenOrRaise(tree.Finish()));
+    }
+  });
+}
+
+void StoreWriter::PutTree(PropertyBag& bag, PropTag tag, const ndb::DataTree& tree) {
+  const ndb::WrittenNode value{{tree.bid, {}}, tree.size};
+  bag.PutStored(tag, std::make_shared<StoredValue>(*ndb_, value));
+}
+
+void StoreWriter::PutMessage(PropertyBag& attachment, Message message) {
+  Change([&] {
+    const ndb::WrittenNode node = WrittenOrRaise(messages_.Write(std::move(message))).node;
+    // An id that no other message has: some readers look among all of the store.
+    const Nid nid = ndb_->NewNid(NidType::kNormalMessage);
+    attachment.PutStored(tag::kAttachDataObject, std::make_shared<StoredValue>(*ndb_, node, nid));
+  });
+}
+
+void StoreWriter::PutObject(PropertyBag& attachment, const ndb::WrittenNode& node) {
+  attachment.PutStored(tag::kAttachDataObject, std::make_shared<StoredValue>(*ndb_, node));
+}
+
+std::uint16_t StoreWriter::NamedId(const AnyPropertyName& name) {
+  return Change([&] {
+    const std::size_t count = nameMap_.Count();
+    const auto id = nameMap_.IdOf(name);
+    if (!id) throw OutputFailure(ResultCode::E_FAIL, "The store has no identifier for another name.");
+    if (nameMap_.Count() != count) {
+      // What is reserved with the next object counts the whole map for each new name: names are few.
+      bytesToWrite_ += nameMap_.MostBytes();
+      nameMapChanged_ = true;
+    }
+    return *id;
   });
 }
 
@@ -256,21 +364,10 @@ void StoreWriter::Forget(const PostponedSave& item) {
   if (postponed_ == &item) postponed_ = nullptr;
 }
 
-Attachment StoreWriter::Attach(const output::ContentSource& content, text::TextView name) {
-  return Change([&] { return WriteContent(*ndb_, content, name); });
-}
-
-Attachment StoreWriter::Attach(const ItemState& item, const std::vector<Attachment>& attachments, text::TextView name) {
-  return Change([&] {
-    const WrittenMessage message = WrittenOrRaise(messages_.Write(item, attachments, Now(), options_.codePage));
-    return AttachMessage(*ndb_, message.node, name);
-  });
-}
-
 std::vector<output::FullTable> StoreWriter::FullTables() const {
   std::vector<output::FullTable> full;
   folders_.ForEach([&full](const Folder& folder) {
-    const std::size_t leftOut = folder.itemCellsLeftOut + folder.childCellsLeftOut;
+    const std::size_t leftOut = folder.itemCellsLeftOut + folder.hiddenCellsLeftOut + folder.childCellsLeftOut;
     if (leftOut != 0) full.push_back({folder.name, leftOut});
   });
   return full;

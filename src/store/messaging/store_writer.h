@@ -7,12 +7,11 @@
 #include <vector>
 
 #include "platform/file.h"
-#include "store/messaging/attachments.h"
-#include "store/messaging/message_writer.h"
-#include "store/messaging/row_spool.h"
+#include "store/messaging/folders/row_spool.h"
+#include "store/messaging/objects/message_writer.h"
 #include "store/messaging/store.h"
-#include "store/messaging/store_skeleton.h"
-#include "store/messaging/uid_source.h"
+#include "store/messaging/tables/store_skeleton.h"
+#include "store/messaging/values/identity.h"
 #include "text/code_page.h"
 
 namespace velmora::messaging {
@@ -50,20 +49,48 @@ class StoreWriter : public Store {
     return folder.items;
   }
 
-  /// Adds a folder. E_INVALIDARG for an empty name, MAPI_E_COLLISION for one that is there.
+  // -- objects, property by property. Values stand as the store holds them: numbers little-endian, times in 100 ns
+  // since 1601 UTC, texts UTF-16LE without terminator. All is copied or shared: nothing of a caller's has to outlive
+  // the call. E_FAIL for what the format cannot hold; the store goes on then without that object.
+
+  /// Adds a folder of any properties, kDisplayName and kContainerClass among them; its counts are the writer's.
+  /// E_INVALIDARG for an empty name, MAPI_E_COLLISION for one that is there. A given id must be free, else it is
+  /// MAPI_E_COLLISION too, and of a folder's type with an index that the store does not use itself (E_INVALIDARG).
+  Folder& AddFolder(Folder& parent, PropertyBag properties, std::optional<Nid> nid = {});
   Folder& AddFolder(Folder& parent, text::TextView name, text::TextView containerClass);
 
-  void SetDefaultFolder(output::DefaultFolder kind, Folder& folder);
+  /// Gives a folder other properties in place of all that it has; by the same rules.
+  void SetProperties(Folder& folder, PropertyBag properties);
+
   void SetContainerClass(Folder& folder, text::TextView containerClass);
 
-  /// A search key and the time of creation for an item that was never saved.
-  void Identify(ItemState& item);
+  void SetDefaultFolder(output::DefaultFolder kind, Folder& folder);
 
-  /// Writes an item into its folder: as a new one when `nid` is 0, else in place of the one of that id.
-  /// Returns its id.
-  Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, Nid nid);
+  /// Writes a message into a folder: in place of the one of that id where the folder has it, else as a new one, of
+  /// the given id by the rules for a folder's. Returns its id.
+  Nid Save(Message message, Folder& folder, std::optional<Nid> nid = {});
 
   void Delete(Folder& folder, Nid nid);
+
+  /// Puts a value of any size: streamed from a content, or a tree that was written to Ndb().
+  void PutStream(PropertyBag& bag, PropTag tag, const output::ContentSource& content);
+  void PutTree(PropertyBag& bag, PropTag tag, const ndb::DataTree& tree);
+
+  /// Puts an attachment's object: a message, or the node of another (its storage and sub-nodes, written to Ndb()).
+  void PutMessage(PropertyBag& attachment, Message message);
+  void PutObject(PropertyBag& attachment, const ndb::WrittenNode& node);
+
+  /// The identifier under which properties of that name go into bags; E_FAIL when the store has no more.
+  std::uint16_t NamedId(const AnyPropertyName& name);
+
+  /// For data and sub-node trees of the caller's own, which Put then takes.
+  ndb::NdbWriter& Ndb() { return *ndb_; }
+
+  // -- for the items of the operations
+
+  Uid NewUid() { return uids_.Next(); }
+  text::FileTime Now() const;
+  const text::CodePage& CodePage() const { return options_.codePage; }
 
   /// An item that is in the store was saved once more. A mail is saved with each message that is attached to it, so
   /// writing it waits for whatever could tell the difference: the same of another item, a look at the items of a
@@ -71,15 +98,6 @@ class StoreWriter : public Store {
   void Postpone(PostponedSave& item);
   void WritePostponed();
   void Forget(const PostponedSave& item);
-
-  /// Writes a content, or a copy of an item as it stands now, for an attachment.
-  Attachment Attach(const output::ContentSource& content, text::TextView name);
-  Attachment Attach(const ItemState& item, const std::vector<Attachment>& attachments, text::TextView name);
-
-  /// The attachments of a saved item.
-  std::vector<Attachment> ReadAttachments(ltp::PropertyContext& message) {
-    return messaging::ReadAttachments(*ndb_, message);
-  }
 
   /// The tables that had no room for all values when they were written last.
   std::vector<output::FullTable> FullTables() const;
@@ -98,7 +116,7 @@ class StoreWriter : public Store {
   void MarkChanged(Folder& folder, bool Folder::*what);
   std::uint64_t BytesToMark(const Folder& folder, bool Folder::*what) const;
   void Reserve(std::uint64_t bytes, std::size_t nodes = 0);
-  FileTime Now() const;
+  bool IsFree(Nid nid, NidType type) const;
 
   std::unique_ptr<platform::ByteStore> file_;
   std::unique_ptr<ndb::NdbWriter> ndb_;
@@ -106,10 +124,12 @@ class StoreWriter : public Store {
   StoreIdentity identity_;
   UidSource uids_;
   MessageWriter messages_;
+  NewNameMap nameMap_;
   RowSpool rows_;
   Folder* root_ = nullptr;
   Folder* searchRoot_ = nullptr;
   bool messageStoreChanged_ = true;
+  bool nameMapChanged_ = false;
   std::vector<Folder*> changedFolders_;
   std::uint64_t bytesToWrite_ = 0;  ///< that WriteChanges writes at most
   std::size_t nodesToAdd_ = 0;      ///< that WriteChanges adds at most

@@ -22,7 +22,7 @@ constexpr output::OleDate kNoDate{949633.0};
 QString DateText(const output::FieldRead& read, bool isFirst) {
   const output::OleDate date = std::get<output::OleDate>(read.value);
   if (!read.written || date == kNoDate) return {};
-  const DateParts parts = PartsOf(date);
+  const text::DateParts parts = PartsOf(date);
   return QString::asprintf(isFirst ? "%d/%d/%d" : "%d /%d /%d", parts.month, parts.day, parts.year);
 }
 

@@ -1,10 +1,8 @@
 #include "workflow/panes/row_value.h"
 
-#include <QDate>
 #include <cmath>
 #include <span>
 
-#include "store/ole_date.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -33,7 +31,7 @@ std::optional<QString> DateValue(const output::FieldRead& read, RowForm form) {
   // As a date the whole of that day stands for none, as a time its first moment alone.
   const bool isNone = form == RowForm::Date ? std::floor(date.days) == kNoDate.days : date == kNoDate;
   if (!read.written || isNone) return std::nullopt;
-  const DateParts parts = PartsOf(date);
+  const text::DateParts parts = PartsOf(date);
   if (form == RowForm::Date) return QString::asprintf("%d/%d/%d", parts.month, parts.day, parts.year);
   const int millisecond = 0;  // dates hold whole seconds
   return QString::asprintf("%d:%d:%d:%d", parts.hour, parts.minute, parts.second, millisecond);
@@ -57,18 +55,6 @@ std::optional<QString> NumberValue(const output::RDOMail& item, const GridRow& r
 }
 
 }  // namespace
-
-DateParts PartsOf(output::OleDate date) {
-  const std::int64_t seconds = output::SecondsOf(date);
-  std::int64_t days = seconds / output::kSecondsPerDay;
-  std::int64_t time = seconds % output::kSecondsPerDay;
-  if (time < 0) {
-    --days;
-    time += output::kSecondsPerDay;
-  }
-  const QDate day = QDate(1899, 12, 30).addDays(days);
-  return {day.year(), day.month(), day.day(), int(time / 3600), int(time / 60 % 60), int(time % 60)};
-}
 
 std::optional<QString> ValueOf(const output::RDOMail& item, const GridRow& row) {
   switch (FieldTypeOf(row.form)) {

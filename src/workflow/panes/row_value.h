@@ -12,10 +12,4 @@ namespace velmora::workflow {
 /// a row with an empty value. Raises what the read raises.
 std::optional<QString> ValueOf(const output::RDOMail& item, const GridRow& row);
 
-/// Day and time of a date, both UTC.
-struct DateParts {
-  int year, month, day, hour, minute, second;
-};
-DateParts PartsOf(output::OleDate date);
-
 }  // namespace velmora::workflow

@@ -3,7 +3,7 @@
 
 #include "item_fixture.h"
 #include "output/items/value_readers.h"
-#include "store/ole_date.h"
+#include "text/calendar.h"
 
 namespace velmora::items {
 namespace {
@@ -30,8 +30,8 @@ TEST(TimeValue, AFileTimeGivesItsDayAndTimeOfDay) {
 
 TEST(TimeValue, MillisecondsAreDropped) {
   EXPECT_EQ(ReadTime(Number(kNewYear2020 + 9'999'999, 8)), 43831.0);
-  EXPECT_EQ(output::SecondsOf(output::OleDate{ReadTime(Number(kNewYear2020 + 10'000'000, 8))}),
-            43831 * output::kSecondsPerDay + 1);
+  EXPECT_EQ(text::SecondsOf(output::OleDate{ReadTime(Number(kNewYear2020 + 10'000'000, 8))}),
+            43831 * text::kSecondsPerDay + 1);
 }
 
 TEST(TimeValue, BeforeTheFirstOleDayTheTimeOfDayStillCountsForward) {
@@ -64,8 +64,8 @@ TEST(TimeValue, ATimeThatTheConversionRefusesGivesTheDateZero) {
   EXPECT_EQ(ReadTime(Number(0x8000000000000000, 8)), 0.0);
   EXPECT_EQ(ReadTime(Number(0xFFFFFFFFFFFFFFFF, 8)), 0.0);
   EXPECT_EQ(ReadTime(Number(kFirstSecondOf10000, 8)), 0.0);
-  EXPECT_EQ(output::SecondsOf(output::OleDate{ReadTime(Number(kFirstSecondOf10000 - 1, 8))}),
-            2958466 * output::kSecondsPerDay - 1);
+  EXPECT_EQ(text::SecondsOf(output::OleDate{ReadTime(Number(kFirstSecondOf10000 - 1, 8))}),
+            2958466 * text::kSecondsPerDay - 1);
 }
 
 class HeapString : public ItemFixture {

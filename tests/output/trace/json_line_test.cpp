@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "store/ole_date.h"
-
 namespace velmora::output {
 namespace {
 
@@ -33,19 +31,6 @@ TEST(IsoDateTime, CountsTheTimeOfDayForwardOnBothSidesOfTheEpoch) {
   EXPECT_EQ(IsoDateTime({-1.25}), "1899-12-29T06:00:00");
   EXPECT_EQ(IsoDateTime({-109205.0}), "1601-01-01T00:00:00");
   EXPECT_EQ(IsoDateTime({2958465.0 + 86399.0 / 86400}), "9999-12-31T23:59:59");
-}
-
-TEST(OleDate, SecondsGoToADateAndBack) {
-  for (const std::int64_t seconds :
-       {-109205 * kSecondsPerDay + 1, -kSecondsPerDay, -kSecondsPerDay + 1, std::int64_t{-1}, std::int64_t{0},
-        std::int64_t{1}, 36000 * kSecondsPerDay + 86399}) {
-    EXPECT_EQ(SecondsOf(OleDateOf(seconds)), seconds);
-  }
-}
-
-TEST(OleDate, AValueOutsideTheCalendarReadsAsTheEpoch) {
-  EXPECT_EQ(SecondsOf({std::nan("")}), 0);
-  EXPECT_EQ(SecondsOf({1e300}), 0);
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
 // Attachments: files, messages within messages, contact pictures.
-#include "store/messaging/attachments.h"
-
 #include "platform/memory_file.h"
-#include "store/format/little_endian.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
-#include "store/messaging/folder_writer.h"
-#include "store/messaging/message_writer.h"
-#include "store/messaging/named_properties.h"
+#include "store/messaging/items/item_attachments.h"
+#include "store/messaging/objects/message_writer.h"
 #include "store/messaging/store_fixture.h"
+#include "store/messaging/tables/named_properties.h"
+#include "store/messaging/tables/table_schemas.h"
 
 namespace velmora::messaging {
 namespace {
@@ -60,41 +58,36 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
   const auto ndb = ndb::NdbWriter::Create(file).value();
   // What counts is the size that a tree is said to have; these bytes are few.
   const auto large = [&](std::uint64_t size) {
-    Attachment attachment;
-    attachment.content = {ndb->WriteData(std::vector<std::byte>(2000)).value().bid, size};
+    const ndb::WrittenNode value{{ndb->WriteData(std::vector<std::byte>(2000)).value().bid, {}}, size};
+    PropertyBag attachment;
+    attachment.PutStored(tag::kAttachDataBinary, std::make_shared<StoredValue>(*ndb, value));
     return attachment;
   };
-  const auto numberOf = [](const PropertyBag& row, PropTag tag) {
-    return static_cast<std::int32_t>(Load<std::uint32_t>(row.Value(tag), 0));
-  };
   MessageWriter messages(*ndb);
-  ItemState item;
-  item.messageClass = u"IPM.Note";
-  const auto write = [&](const std::vector<Attachment>& attachments) {
-    return messages.Write(item, attachments, 0, text::CodePage::Lossless()).value();
+  // The table of a message's attachments, and the object of the first.
+  const auto sizesOf = [&](const WrittenMessage& written) {
+    auto message = ltp::PropertyContext::Open(*ndb, written.node.trees).value();
+    auto table = ltp::TableContext::Open(*ndb, message.FindSubnode(nid::kAttachmentTable).value()->trees).value();
+    auto object = ltp::PropertyContext::Open(*ndb, message.FindSubnode(kFirstAttachment).value()->trees).value();
+    EXPECT_EQ(table.Integer32(0, tag::kAttachSize), kLargest);
+    EXPECT_EQ(object.Integer32(tag::kAttachSize), kLargest);
+    EXPECT_EQ(message.Integer32(tag::kMessageSize), kLargest);
+    return object;
   };
   for (const auto& sizes : {std::vector<std::uint64_t>{0x7FFFFFFF}, std::vector<std::uint64_t>{0xFFFFFFF0},
                             std::vector<std::uint64_t>{0xFFFFFFF0, 0x80000000}}) {
-    std::vector<Attachment> attachments;
-    for (const std::uint64_t size : sizes) {
-      ltp::PropertyContextWriter node(*ndb);
-      PropertyBag row;
-      const auto written = WriteAttachment(large(size), 0, node, row).value();
-      EXPECT_EQ(numberOf(row, tag::kAttachSize), kLargest);
-      EXPECT_EQ(ltp::PropertyContext::Open(*ndb, written.trees)->Integer32(tag::kAttachSize), kLargest);
-      attachments.push_back(large(size));
-    }
-    const WrittenMessage inner = write(attachments);
+    Message message;
+    for (const std::uint64_t size : sizes) message.attachments.push_back(large(size));
+    const WrittenMessage inner = messages.Write(std::move(message)).value();
     EXPECT_GT(inner.node.dataSize, sizes.front());
-    EXPECT_EQ(numberOf(ContentsRow(inner.properties), tag::kMessageSize), kLargest);
-    EXPECT_EQ(ltp::PropertyContext::Open(*ndb, inner.node.trees)->Integer32(tag::kMessageSize), kLargest);
+    EXPECT_EQ(RowOf(schema::kContents, inner.properties).Integer32(tag::kMessageSize), kLargest);
+    sizesOf(inner);
 
-    ltp::PropertyContextWriter node(*ndb);
-    PropertyBag row;
-    const auto outer = WriteAttachment(AttachMessage(*ndb, inner.node, u"inner"), 0, node, row).value();
-    auto embedded = ltp::PropertyContext::Open(*ndb, outer.trees).value();
+    Message outer;
+    outer.attachments.emplace_back().PutStored(
+        tag::kAttachDataObject, std::make_shared<StoredValue>(*ndb, inner.node, ndb->NewNid(NidType::kNormalMessage)));
+    auto embedded = sizesOf(messages.Write(std::move(outer)).value());
     EXPECT_EQ(embedded.ReadObject(tag::kAttachDataObject)->size, static_cast<std::uint32_t>(kLargest));
-    EXPECT_EQ(numberOf(row, tag::kAttachSize), kLargest);
   }
 }
 

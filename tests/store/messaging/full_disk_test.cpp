@@ -84,8 +84,7 @@ class Filler {
   }
 
   void Save(int step) {
-    ItemState item;
-    item.messageClass = u"IPM.Note";
+    ItemState item = NewItemState(store_);
     Text subject = text::FromUtf8(std::to_string(step) + " ");
     subject.append(random_() % (mailbox_.subject + 1), u'x');
     subject.back() = u'.';
@@ -93,12 +92,13 @@ class Filler {
     item.fields.Put(Field::SenderName, Text(random_() % (mailbox_.subject + 1), u's'));
     item.fields.Put(Field::To, Text(random_() % (mailbox_.subject + 1), u't'));
     item.fields.Put(Field::Body, Text(random_() % (mailbox_.body + 1), u'b'));
-    store_.Identify(item);
-    std::vector<Attachment> attachments;
+    std::vector<ItemAttachment> attachments;
     if (mailbox_.attachment != 0) {
-      attachments.push_back(store_.Attach(TextContent(PatternOf(random_() % mailbox_.attachment)), u"a.bin"));
+      const TextContent content(PatternOf(random_() % mailbox_.attachment));
+      store_.PutStream(attachments.emplace_back(ItemAttachment{u"a.bin", false, {}}).content, tag::kAttachDataBinary,
+                       content);
     }
-    const Nid nid = store_.Save(item, attachments, *folder_, 0);
+    const Nid nid = SaveItem(store_, item, *folder_, {}, attachments);
     saved_[folder_->name].insert(subject);
     nids_.push_back(nid);
     items_.push_back(std::move(item));
@@ -114,7 +114,7 @@ class Filler {
     } else {
       ItemState changed = items_[at];
       changed.fields.Put(Field::Subject, Text(u"again"));
-      store_.Save(changed, {}, *folder_, nids_[at]);
+      SaveItem(store_, changed, *folder_, nids_[at]);
       items_[at] = changed;
       saved_[folder_->name].insert(u"again");
     }

@@ -11,9 +11,9 @@ using output::FieldInfo;
 using output::FieldType;
 using output::FieldValue;
 using output::ItemInterface;
-using output::OleDate;
 using output::RDOMail;
 using output::Ref;
+using text::OleDate;
 using text::Text;
 
 struct Kind {

@@ -174,4 +174,17 @@ std::optional<int> StoreTest::CountOfReadItems() {
   return count;
 }
 
+ItemState NewItemState(StoreWriter& store, text::TextView messageClass) {
+  ItemState item;
+  item.messageClass = messageClass;
+  item.searchKey = store.NewUid();
+  item.created = store.Now();
+  return item;
+}
+
+Nid SaveItem(StoreWriter& store, const ItemState& item, Folder& folder, std::optional<Nid> nid,
+             std::span<const ItemAttachment> attachments) {
+  return store.Save(ComposeMessage(item, attachments, store.Now(), store.CodePage()), folder, nid);
+}
+
 }  // namespace velmora::messaging

@@ -14,7 +14,9 @@
 #include "platform/file.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
+#include "store/messaging/items/item_properties.h"
 #include "store/messaging/pst_library.h"
+#include "store/messaging/store_writer.h"
 #include "store/ndb/store_reader.h"
 #include "store/operations.h"
 
@@ -100,6 +102,13 @@ class StoreTest : public ::testing::Test {
   output::Ref<output::RDOFolder> top_;
   output::Ref<output::RDOFolder> inbox_;
 };
+
+/// An item that was never saved, with a search key of its own.
+ItemState NewItemState(StoreWriter& store, text::TextView messageClass = u"IPM.Note");
+
+/// Writes an item as the operations do.
+Nid SaveItem(StoreWriter& store, const ItemState& item, Folder& folder, std::optional<Nid> nid = {},
+             std::span<const ItemAttachment> attachments = {});
 
 /// The code of the failure that `operation` raises; S_OK when it raises none.
 template <class Operation>

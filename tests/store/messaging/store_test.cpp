@@ -3,8 +3,8 @@
 
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
-#include "store/messaging/entry_id.h"
 #include "store/messaging/store_fixture.h"
+#include "store/messaging/values/identity.h"
 
 namespace velmora::messaging {
 namespace {

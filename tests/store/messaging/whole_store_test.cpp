@@ -47,8 +47,8 @@ TEST_F(WholeStore, IsListedByOtherReadersAsItWasWritten) {
     const auto item = sub->Items()->Add(other);
     Put(item, Field::Subject, Text(u"One of each"));
     if (item->Answers(output::ItemInterface::RDOAppointmentItem))
-      Put(item, Field::AppointmentStart, output::OleDate{45000.5});
-    if (item->Answers(output::ItemInterface::RDOJournalItem)) Put(item, Field::JournalStart, output::OleDate{45000.5});
+      Put(item, Field::AppointmentStart, text::OleDate{45000.5});
+    if (item->Answers(output::ItemInterface::RDOJournalItem)) Put(item, Field::JournalStart, text::OleDate{45000.5});
     item->Save();
   }
   Close();
@@ -240,13 +240,12 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       const auto store = StoreWriter::Create(std::make_unique<SharedFile>(disk), u"Test store",
                                              {kTestEpoch, text::CodePage::Lossless()});
       Folder& folder = store->AddFolder(store->Top(), u"Inbox", u"IPF.Note");
-      ItemState item;
-      item.messageClass = u"IPM.Note";
+      ItemState item = NewItemState(*store);
       const auto save = [&] {
         item.fields.Put(Field::Subject, text::FromUtf8(std::to_string(saved)));
         item.fields.Put(Field::Body, Text(1 + random() % 3000, u'x'));
-        store->Identify(item);
-        store->Save(item, {}, folder, 0);
+        item.searchKey = store->NewUid();
+        SaveItem(*store, item, folder);
       };
       ResultCode code = ResultCode::S_OK;
       std::string information;
@@ -263,7 +262,11 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       EXPECT_NE(information.find("No space left on device"), std::string::npos) << information;
       EXPECT_EQ(CodeOf(save), expected);
       EXPECT_EQ(CodeOf([&] { store->AddFolder(store->Top(), u"Other", u""); }), expected);
-      EXPECT_EQ(CodeOf([&] { store->Attach(TextContent(PatternOf(100)), u"a"); }), expected);
+      EXPECT_EQ(CodeOf([&] {
+                  PropertyBag bag;
+                  store->PutStream(bag, tag::kAttachDataBinary, TextContent(PatternOf(100)));
+                }),
+                expected);
       EXPECT_EQ(CodeOf([&] { store->Delete(folder, 0x200024); }), expected);
       EXPECT_EQ(CodeOf([&] { store->Seal(); }), expected);
     }
@@ -300,12 +303,11 @@ TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
     const auto store = StoreWriter::Create(std::make_unique<SharedFile>(file), u"Test store",
                                            {kTestEpoch, text::CodePage::Lossless(), maxTableBlocks});
     Folder& folder = store->AddFolder(store->Top(), u"Inbox", u"IPF.Note");
-    ItemState item;
-    item.messageClass = u"IPM.Note";
+    ItemState item = NewItemState(*store);
     for (int i = 0; i < 300; ++i) {
       item.fields.Put(Field::Subject, text::FromUtf8(std::to_string(i)) + Text(200, u's'));
-      store->Identify(item);
-      store->Save(item, {}, folder, 0);
+      item.searchKey = store->NewUid();
+      SaveItem(*store, item, folder);
     }
     store->Seal();
     full = store->FullTables();

@@ -1,6 +1,6 @@
 #include "workflow/panes/listed_samples.h"
 
-#include "store/ole_date.h"
+#include "text/calendar.h"
 
 namespace velmora::workflow {
 
@@ -21,8 +21,8 @@ Sample SampleOf(const ListedRow& row) {
     return {text::FromUtf8("Value of " + std::string(row.operation)), "Value of " + std::string(row.operation)};
   if (row.form == "flag") return {true, "Yes"};
   if (row.form == "number") return {std::int32_t{70}, "70"};
-  if (row.form == "date") return {output::OleDateOf(40667 * output::kSecondsPerDay), "5/4/2011"};
-  if (row.form == "time") return {output::OleDateOf(40667 * output::kSecondsPerDay + 3723), "1:2:3:0"};
+  if (row.form == "date") return {text::OleDateOf(40667 * text::kSecondsPerDay), "5/4/2011"};
+  if (row.form == "time") return {text::OleDateOf(40667 * text::kSecondsPerDay + 3723), "1:2:3:0"};
   if (row.form == "sensitivity word") return {std::int32_t{2}, "Private"};
   if (row.form == "importance word") return {std::int32_t{2}, "High"};
   if (row.form == "status word") return {std::int32_t{2}, "Task Complete"};  // as the flag says too

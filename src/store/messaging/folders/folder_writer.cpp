@@ -1,0 +1,130 @@
+#include "store/messaging/folders/folder_writer.h"
+
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
+#include "store/ltp/property_context_writer.h"
+#include "store/ltp/table_context_writer.h"
+#include "store/messaging/tables/store_skeleton.h"
+#include "store/messaging/tables/table_schemas.h"
+#include "store/messaging/values/stored_text.h"
+
+namespace velmora::messaging {
+namespace {
+
+/// The properties of a folder, which are also the cells of its row in its parent's table.
+PropertyBag PropertiesOf(const Folder& folder) {
+  PropertyBag bag;
+  // The root has no name: the property is there and empty.
+  bag.PutBytes(tag::kDisplayName, std::as_bytes(std::span(folder.name)));
+  bag.PutInteger32(tag::kContentCount, static_cast<std::int32_t>(folder.items.Count()));
+  bag.PutInteger32(tag::kContentUnreadCount, static_cast<std::int32_t>(folder.items.UnreadCount()));
+  bag.PutBoolean(tag::kSubfolders, !folder.children.empty());
+  bag.PutText(tag::kContainerClass, folder.containerClass);
+  bag.PutInteger32(tag::kPstHiddenCount, static_cast<std::int32_t>(folder.hiddenItems.Count()));
+  bag.PutInteger32(tag::kPstHiddenUnread, static_cast<std::int32_t>(folder.hiddenItems.UnreadCount()));
+  return bag;
+}
+
+Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
+  ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
+  for (const Folder* child : folder.children) {
+    if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
+      return tl::unexpected(added.error());
+  }
+  if (folder.nid == nid::kRootFolder) {
+    Folder search;
+    search.name = kSpamSearchFolderName;
+    PropertyBag row = PropertiesOf(search);
+    row.Remove(tag::kPstHiddenCount);
+    row.Remove(tag::kPstHiddenUnread);
+    if (auto added = table.AddRow(nid::kSpamSearchFolder, row.Views()); !added) return tl::unexpected(added.error());
+  }
+  folder.childCellsLeftOut = table.CellsLeftOut();
+  return table.Finish();
+}
+
+Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& schema, const ItemRows& items,
+                                   RowSpool& rows, std::size_t maxHeapBlocks, std::size_t& cellsLeftOut) {
+  ltp::TableContextWriter table(ndb, schema, maxHeapBlocks);
+  Result<void> result;
+  items.ForEach([&](const ItemRow& item) {
+    if (!result) return;
+    const auto row = rows.Read(item.place);
+    if (!row) {
+      result = tl::unexpected(row.error());
+    } else {
+      result = table.AddRow(Value(item.nid), *row);
+    }
+  });
+  if (!result) return tl::unexpected(result.error());
+  cellsLeftOut = table.CellsLeftOut();
+  return table.Finish();
+}
+
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
+  if (!node) return tl::unexpected(node.error());
+  return ndb.SetNode(nid, node->trees, parent);
+}
+
+}  // namespace
+
+std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
+  constexpr std::size_t kAllocation = 4;  // the heap's word for the place of a value, and a byte for an odd end
+  std::size_t bytes = 0;
+  for (const ltp::PropertyView& cell : row) {
+    const auto fixed = FixedSize(TypeOf(cell.tag));
+    if (!fixed || *fixed > 8) bytes += cell.value.size() + kAllocation;
+  }
+  return bytes;
+}
+
+std::uint64_t MostBytesOf(const PropertyBag& others) {
+  return others.Count() * ItemBytes(0) + 2 * others.ValueBytes();  // a long value takes whole blocks
+}
+
+std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
+  constexpr std::uint64_t kObject = 512;  // or a table without rows
+  if (part == &Folder::itemsChanged) {
+    return kObject + folder.items.Count() * ItemBytes(0) + ItemBytes(folder.items.RowBytes());
+  }
+  if (part == &Folder::hiddenItemsChanged) {
+    return kObject + folder.hiddenItems.Count() * ItemBytes(0) + ItemBytes(folder.hiddenItems.RowBytes());
+  }
+  if (part == &Folder::childrenChanged) {
+    return kObject + folder.children.size() * ChildBytes(0) + ChildBytes(folder.childTextBytes);
+  }
+  // The object goes with a table of hidden items when it is new.
+  return 2 * kObject + (folder.name.size() + folder.containerClass.size()) * sizeof(char16_t) +
+         MostBytesOf(folder.others);
+}
+
+Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                         Folder& folder) {
+  const auto tableNid = [&](NidType type) { return Sibling(folder.nid, type); };
+  const Nid hiddenItems = tableNid(NidType::kAssocContentsTable);
+  if (folder.hiddenItemsChanged || !ndb.FindNode(hiddenItems)) {
+    const auto table =
+        ItemTable(ndb, schema::kAssocContents, folder.hiddenItems, rows, maxHeapBlocks, folder.hiddenCellsLeftOut);
+    if (auto set = Set(ndb, hiddenItems, table, Nid{}); !set) return set;
+  }
+  if (folder.childrenChanged) {
+    const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
+    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
+  }
+  if (folder.itemsChanged) {
+    const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
+    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
+  }
+  if (folder.propertiesChanged) {
+    ltp::PropertyContextWriter node(ndb);
+    PropertiesOf(folder).AddTo(node);
+    folder.others.AddTo(node);
+    extra.AddTo(node);
+    const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
+    if (auto set = Set(ndb, folder.nid, node.Finish(), parent); !set) return set;
+  }
+  folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = folder.hiddenItemsChanged = false;
+  return {};
+}
+
+}  // namespace velmora::messaging

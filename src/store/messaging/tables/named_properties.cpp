@@ -1,0 +1,162 @@
+#include "store/messaging/tables/named_properties.h"
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+#include "store/format/checksum.h"
+#include "store/format/little_endian.h"
+
+namespace velmora::messaging {
+namespace {
+
+/// The sets of the published kind {0006wxyz-0000-0000-C000-000000000046}, and those of the same tail.
+constexpr Uid SetOf(std::uint32_t data1) {
+  Uid set{};
+  for (std::size_t i = 0; i < sizeof data1; ++i) set[i] = static_cast<std::byte>(data1 >> (8 * i));
+  set[8] = std::byte{0xC0};
+  set[15] = std::byte{0x46};
+  return set;
+}
+
+struct SetRow {
+  PropertySet set;
+  Uid guid;
+};
+
+constexpr SetRow kSets[] = {
+    {PropertySet::kPublicStrings, SetOf(0x00020329)}, {PropertySet::kCommon, SetOf(0x00062008)},
+    {PropertySet::kAddress, SetOf(0x00062004)},       {PropertySet::kAppointment, SetOf(0x00062002)},
+    {PropertySet::kTask, SetOf(0x00062003)},          {PropertySet::kLog, SetOf(0x0006200A)},
+    {PropertySet::kNote, SetOf(0x0006200E)},
+};
+
+// The map names three sets by fixed numbers, no set at all among them; the stream of sets counts on from kFirstSet.
+constexpr Uid kNoSet{};
+constexpr Uid kMapiSet = SetOf(0x00020328);
+constexpr std::uint16_t kPublicStringsNumber = 2;
+constexpr std::uint16_t kFirstSet = 3;
+constexpr std::size_t kMostNames = 0x7FFE;
+
+constexpr PropTag kBucketCount = 0x00010003;
+constexpr PropTag kGuidStream = 0x00020102;
+constexpr PropTag kEntryStream = 0x00030102;
+constexpr PropTag kStringStream = 0x00040102;
+constexpr std::uint16_t kFirstBucket = 0x1000;
+constexpr std::uint32_t kBuckets = 251;
+constexpr std::size_t kEntrySize = 8;
+constexpr std::size_t kGuidSize = 16;
+
+AnyPropertyName FullName(const PropertyName& name) {
+  const Uid& set = kSets[static_cast<std::size_t>(name.set)].guid;  // kSets stands in order of PropertySet
+  return name.id == 0 ? AnyPropertyName{set, 0, kKeywordsName} : AnyPropertyName{set, name.id, {}};
+}
+
+void AppendEntry(Bytes& out, std::uint32_t number, std::uint16_t setAndKind, std::size_t index) {
+  Append(out, number);
+  Append(out, setAndKind);
+  Append(out, static_cast<std::uint16_t>(index));
+}
+
+}  // namespace
+
+NewNameMap::NewNameMap() {
+  for (const SetRow& row : kSets) NumberOf(row.guid);
+  for (const PropertyName& name : kPropertyNames) IdOf(FullName(name));
+}
+
+std::uint16_t NewNameMap::NumberOf(const Uid& set) {
+  if (set == kNoSet) return 0;
+  if (set == kMapiSet) return 1;
+  if (set == kSets[0].guid) return kPublicStringsNumber;
+  const auto found = std::ranges::find(sets_, set);
+  const auto number = static_cast<std::uint16_t>(kFirstSet + (found - sets_.begin()));
+  if (found == sets_.end()) sets_.push_back(set);
+  return number;
+}
+
+std::optional<std::uint16_t> NewNameMap::IdOf(const AnyPropertyName& name) {
+  if (const auto found = ids_.find(name); found != ids_.end()) return found->second;
+  if (names_.size() == kMostNames) return std::nullopt;
+  const auto id = static_cast<std::uint16_t>(kFirstNamedId + names_.size());
+  names_.emplace_back(NumberOf(name.set), name);
+  ids_.emplace(name, id);
+  textBytes_ += name.text.size() * sizeof(char16_t);
+  return id;
+}
+
+void NewNameMap::AddTo(ltp::PropertyContextWriter& node) const {
+  Bytes sets;
+  for (const Uid& set : sets_) Append(sets, set);
+  Bytes strings;
+  Bytes entries;
+  std::map<std::uint16_t, Bytes> buckets;
+  for (std::size_t i = 0; i < names_.size(); ++i) {
+    const auto& [set, name] = names_[i];
+    const bool byText = !name.text.empty();
+    const auto setAndKind = static_cast<std::uint16_t>(set << 1 | (byText ? 1 : 0));
+    // The stream holds the place of a text name, the bucket its hash.
+    std::uint32_t hash = name.number;
+    AppendEntry(entries, byText ? static_cast<std::uint32_t>(strings.size()) : name.number, setAndKind, i);
+    if (byText) {
+      hash = WeakCrc(std::as_bytes(std::span(name.text)));
+      Append(strings, static_cast<std::uint32_t>(name.text.size() * sizeof(char16_t)));
+      Append(strings, std::as_bytes(std::span(name.text)));
+      strings.resize((strings.size() + 3) / 4 * 4);
+    }
+    const auto bucket = static_cast<std::uint16_t>(kFirstBucket + (hash ^ setAndKind) % kBuckets);
+    AppendEntry(buckets[bucket], hash, setAndKind, i);
+  }
+
+  node.AddInteger32(kBucketCount, kBuckets);
+  node.Add(kGuidStream, sets);
+  node.Add(kEntryStream, entries);
+  node.Add(kStringStream, strings);
+  for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes);
+}
+
+NamedPropertyMap::NamedPropertyMap() {
+  for (std::size_t i = 0; i < ids_.size(); ++i) ids_[i] = static_cast<std::uint16_t>(kFirstNamedId + i);
+}
+
+NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
+  const Bytes guids = node.Binary(kGuidStream).value_or(Bytes());
+  const Bytes entries = node.Binary(kEntryStream).value_or(Bytes());
+  const Bytes strings = node.Binary(kStringStream).value_or(Bytes());
+  const auto setOf = [&](std::uint32_t number) -> const SetRow* {
+    if (number == kPublicStringsNumber) return &kSets[0];
+    const std::size_t at = (number - kFirstSet) * kGuidSize;
+    if (number < kFirstSet || at + kGuidSize > guids.size()) return nullptr;
+    const auto guid = std::span(guids).subspan(at, kGuidSize);
+    const auto* const found =
+        std::ranges::find_if(kSets, [&](const SetRow& row) { return std::ranges::equal(guid, row.guid); });
+    return found != std::end(kSets) ? found : nullptr;
+  };
+  const auto isKeywords = [&](std::uint32_t at) {
+    const auto name = std::as_bytes(std::span(text::TextView(kKeywordsName)));
+    return Load<std::uint32_t>(strings, at) == name.size() && at + 4 + name.size() <= strings.size() &&
+           std::ranges::equal(std::span(strings).subspan(at + 4, name.size()), name);
+  };
+  for (std::size_t at = 0; at + kEntrySize <= entries.size(); at += kEntrySize) {
+    const std::uint32_t number = Load<std::uint32_t>(entries, at);
+    const std::uint32_t guidAndKind = Load<std::uint16_t>(entries, at + 4);
+    const auto id = static_cast<std::uint16_t>(kFirstNamedId + Load<std::uint16_t>(entries, at + 6));
+    const SetRow* set = setOf(guidAndKind >> 1);
+    if (set == nullptr || id < kFirstNamedId) continue;
+    const bool byText = (guidAndKind & 1) != 0;
+    for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
+      if (kPropertyNames[i].set != set->set || (kPropertyNames[i].id == 0) != byText) continue;
+      if (byText ? isKeywords(number) : kPropertyNames[i].id == number) ids_[i] = id;
+    }
+  }
+}
+
+PropTag NamedPropertyMap::InStore(PropTag tag) const {
+  const std::uint16_t id = IdOf(tag);
+  if (id < kFirstNamedId) return tag;
+  const std::size_t index = id - kFirstNamedId;
+  if (index >= ids_.size() || ids_[index] == 0) return 0;
+  return MakeTag(ids_[index], TypeOf(tag));
+}
+
+}  // namespace velmora::messaging

@@ -1,0 +1,128 @@
+#include "store/messaging/tables/store_skeleton.h"
+
+#include <span>
+
+#include "store/format/little_endian.h"
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
+#include "store/ltp/property_context_writer.h"
+#include "store/ltp/table_context_writer.h"
+#include "store/messaging/objects/property_bag.h"
+#include "store/messaging/tables/named_properties.h"
+#include "store/messaging/tables/table_schemas.h"
+#include "store/messaging/values/stored_text.h"
+
+namespace velmora::messaging {
+namespace {
+
+struct EmptyTable {
+  Nid nid;
+  const ltp::TableSchema& schema;
+};
+
+constexpr EmptyTable kEmptyTables[] = {
+    {nid::kHierarchyTemplate, schema::kHierarchy},
+    {nid::kContentsTemplate, schema::kContents},
+    {nid::kAssocContentsTemplate, schema::kAssocContents},
+    {nid::kSearchContentsTemplate, schema::kSearchContents},
+    {nid::kOutgoingQueueTable, schema::kOutgoingQueue},
+    {nid::kAttachmentTable, schema::kAttachments},
+    {nid::kRecipientTable, schema::kRecipients},
+    {nid::kBookkeeping6B6, schema::kBookkeeping6B6},
+    {nid::kBookkeeping6D7, schema::kBookkeeping6D7},
+    {nid::kBookkeeping6F8, schema::kBookkeeping6F8},
+    {Sibling(nid::kSpamSearchFolder, NidType::kSearchContentsTable), schema::kSearchContents},
+};
+
+constexpr Nid kEmptyNodes[] = {
+    nid::kSearchManagementQueue,
+    nid::kSearchDomainObject,
+    Sibling(nid::kSpamSearchFolder, NidType::kSearchUpdateQueue),
+};
+
+// Bits of PidTagValidFolderMask: the folders that the store names.
+constexpr std::int32_t kTopIsThere = 0x01;
+constexpr std::int32_t kDeletedItemsIsThere = 0x08;
+constexpr std::int32_t kFinderIsThere = 0x80;
+
+/// The version that current Outlook notes in the stores that it makes.
+constexpr std::int32_t kPstVersion = 0x000E000D;
+
+/// Sets a node from what was written for it.
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = 0) {
+  if (!node) return tl::unexpected(node.error());
+  return ndb.SetNode(nid, node->trees, parent);
+}
+
+/// Every class of message is received in the root folder: an archive receives nothing.
+Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
+  ltp::TableContextWriter table(ndb, schema::kReceiveFolders);
+  PropertyBag row;
+  row.PutBytes(tag::kMessageClass, {});
+  row.PutInteger32(tag::kReceiveFolderNid, nid::kRootFolder);
+  if (auto added = table.AddRow(1, row.Views()); !added) return tl::unexpected(added.error());
+  return table.Finish();
+}
+
+Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
+  ltp::PropertyContextWriter node(ndb);
+  node.AddText(tag::kDisplayName, kSpamSearchFolderName);
+  node.AddInteger32(tag::kContentCount, 0);
+  node.AddInteger32(tag::kContentUnreadCount, 0);
+  node.AddBoolean(tag::kSubfolders, false);
+  if (auto set = Set(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder); !set) return set;
+  node.AddInteger32(tag::kSearchFlags, 0);
+  return Set(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
+}
+
+}  // namespace
+
+Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
+  for (const EmptyTable& row : kEmptyTables) {
+    ltp::TableContextWriter table(ndb, row.schema);
+    if (auto set = Set(ndb, row.nid, table.Finish()); !set) return set;
+  }
+  for (const Nid nid : kEmptyNodes) {
+    if (auto set = ndb.SetNode(nid, {}, 0); !set) return set;
+  }
+  if (auto set = Set(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
+
+  Bytes searches;
+  Append(searches, Value(nid::kSpamSearchFolder));
+  const auto list = ndb.WriteData(searches);
+  if (!list) return tl::unexpected(list.error());
+  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, 0}, 0); !set) return set;
+
+  if (auto set = WriteNameMap(ndb, names); !set) return set;
+  return WriteSearchFolder(ndb);
+}
+
+Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
+  ltp::PropertyContextWriter node(ndb);
+  names.AddTo(node);
+  return Set(ndb, nid::kNameToIdMap, node.Finish());
+}
+
+Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
+                               Nid deletedItems) {
+  Bytes history;
+  Append(history, std::uint32_t{1});
+  Append(history, identity.replicaId);
+  Append(history, std::uint32_t{1});
+
+  ltp::PropertyContextWriter node(ndb);
+  node.Add(tag::kRecordKey, identity.recordKey);
+  node.AddText(tag::kDisplayName, NameOf(identity.displayName));
+  node.Add(tag::kIpmSubTreeEntryId, NodeEntryId(identity.recordKey, top));
+  node.Add(tag::kIpmWastebasketEntryId, NodeEntryId(identity.recordKey, deletedItems));
+  node.Add(tag::kFinderEntryId, NodeEntryId(identity.recordKey, searchRoot));
+  node.AddInteger32(tag::kValidFolderMask, kTopIsThere | kDeletedItemsIsThere | kFinderIsThere);
+  node.AddInteger32(tag::kPstPassword, 0);
+  node.AddBoolean(tag::kPstLrNoRestrictions, true);
+  node.Add(tag::kReplVersionHistory, history);
+  node.AddInteger32(tag::kReplFlags, 0);
+  node.AddInteger32(tag::kLatestPstEnsure, kPstVersion);
+  return Set(ndb, nid::kMessageStore, node.Finish());
+}
+
+}  // namespace velmora::messaging

@@ -1,0 +1,29 @@
+// What a store has before its first folder: templates, queues, the search folder, the map of names.
+#pragma once
+
+#include "store/messaging/tables/named_properties.h"
+#include "store/messaging/values/identity.h"
+#include "store/ndb/ndb_writer.h"
+#include "text/text.h"
+
+namespace velmora::messaging {
+
+/// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
+[[nodiscard]] Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
+
+inline constexpr text::TextView kSpamSearchFolderName = u"SPAM Search Folder 2";
+
+struct StoreIdentity {
+  Uid recordKey{};
+  Uid replicaId{};
+  text::Text displayName;
+};
+
+/// Writes the node that tells which properties the names are.
+[[nodiscard]] Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
+
+/// Writes the message store object, which names the folders of the store.
+[[nodiscard]] Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top,
+                                             Nid searchRoot, Nid deletedItems);
+
+}  // namespace velmora::messaging
