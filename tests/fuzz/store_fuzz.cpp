@@ -80,8 +80,8 @@ class Blocks : public ndb::BlockSource {
   }
 
   Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
-    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
-    const auto block = blocks_[bid / kBidStep % blocks_.size()];
+    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
+    const auto block = blocks_[Value(bid) / kBidStep % blocks_.size()];
     out.assign(block.begin(), block.end());
     return {};
   }
@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       ReadNode(**store, node.trees);
     }
   }
-  ReadNode(Blocks(bytes), {4, 4 | kBidInternal});
-  ReadNode(Blocks(bytes), {4 | kBidInternal, 8 | kBidInternal});
+  ReadNode(Blocks(bytes), {Bid{4}, Bid{4 | kBidInternal}});
+  ReadNode(Blocks(bytes), {Bid{4 | kBidInternal}, Bid{8 | kBidInternal}});
   return 0;
 }

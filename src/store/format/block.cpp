@@ -6,12 +6,11 @@ void Encode(const BlockTrailer& trailer, std::span<std::byte> out) {
   Store<std::uint16_t>(out, 0, trailer.cb);
   Store<std::uint16_t>(out, 2, trailer.wSig);
   Store<std::uint32_t>(out, 4, trailer.dwCRC);
-  Store<std::uint64_t>(out, 8, trailer.bid);
+  Store(out, 8, trailer.bid);
 }
 
 BlockTrailer DecodeBlockTrailer(std::span<const std::byte> in) {
-  return {Load<std::uint16_t>(in, 0), Load<std::uint16_t>(in, 2), Load<std::uint32_t>(in, 4),
-          Load<std::uint64_t>(in, 8)};
+  return {Load<std::uint16_t>(in, 0), Load<std::uint16_t>(in, 2), Load<std::uint32_t>(in, 4), LoadBid(in, 8)};
 }
 
 void Encode(const InternalHead& head, std::span<std::byte> out) {

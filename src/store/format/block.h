@@ -37,7 +37,7 @@ struct BlockTrailer {
   std::uint16_t cb = 0;
   std::uint16_t wSig = 0;
   std::uint32_t dwCRC = 0;
-  Bid bid = 0;
+  Bid bid{};
 };
 
 void Encode(const BlockTrailer& trailer, std::span<std::byte> out);
@@ -88,7 +88,7 @@ void ForEachReference(std::span<const std::byte> block, Visit visit) {
     if (at + size > block.size()) return;
     // All words of an entry are references but the leading node id of sub-node entries.
     for (std::size_t word = size == kXEntrySize ? 0 : 8; word < size; word += 8) {
-      if (const Bid bid = Load<std::uint64_t>(block, at + word); bid != 0) visit(bid);
+      if (const Bid bid = LoadBid(block, at + word); bid != kNoBid) visit(bid);
     }
   }
 }

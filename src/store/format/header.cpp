@@ -47,11 +47,11 @@ constexpr std::size_t kCrcFullSize = 516;
 static_assert(kWMagicClient + kCrcFullSize == kDwCrcFull);
 
 Bref LoadBref(std::span<const std::byte> bytes, std::size_t offset) {
-  return {Load<std::uint64_t>(bytes, offset), Load<std::uint64_t>(bytes, offset + 8)};
+  return {LoadBid(bytes, offset), Load<std::uint64_t>(bytes, offset + 8)};
 }
 
 void StoreBref(std::span<std::byte> bytes, std::size_t offset, const Bref& ref) {
-  Store<std::uint64_t>(bytes, offset, ref.bid);
+  Store(bytes, offset, ref.bid);
   Store<std::uint64_t>(bytes, offset + 8, ref.ib);
 }
 
@@ -65,7 +65,7 @@ std::array<std::byte, Header::kSize> Encode(const Header& header) {
   Store<std::uint16_t>(out, kWVerClient, kVersionClient);
   Store<std::uint8_t>(out, kBPlatformCreate, 1);
   Store<std::uint8_t>(out, kBPlatformAccess, 1);
-  Store<std::uint64_t>(out, kBidNextP, header.bidNextP);
+  Store(out, kBidNextP, header.bidNextP);
   Store<std::uint32_t>(out, kDwUnique, header.dwUnique);
   for (std::size_t type = 0; type < kNidTypeCount; ++type) {
     Store<std::uint32_t>(out, kRgnid + 4 * type, header.rgnid[type]);
@@ -79,7 +79,7 @@ std::array<std::byte, Header::kSize> Encode(const Header& header) {
   std::fill(out.begin() + kRgbFM, out.begin() + kBSentinel, std::byte{0xFF});  // rgbFM, rgbFP
   out[kBSentinel] = kSentinel;
   out[kBCryptMethod] = static_cast<std::byte>(header.bCryptMethod);
-  Store<std::uint64_t>(out, kBidNextB, header.bidNextB);
+  Store(out, kBidNextB, header.bidNextB);
   const auto summed = std::span<const std::byte>(out).subspan(kWMagicClient);
   Store<std::uint32_t>(out, kDwCrcPartial, WeakCrc(summed.first(kCrcPartialSize)));
   Store<std::uint32_t>(out, kDwCrcFull, WeakCrc(summed.first(kCrcFullSize)));
@@ -109,8 +109,8 @@ Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes) {
     return Fail(FailureKind::kNotSupported, "header", std::to_integer<std::uint64_t>(bytes[kBCryptMethod]),
                 "the blocks are encoded in a way that cannot be read");
   }
-  header.bidNextP = Load<std::uint64_t>(bytes, kBidNextP);
-  header.bidNextB = Load<std::uint64_t>(bytes, kBidNextB);
+  header.bidNextP = LoadBid(bytes, kBidNextP);
+  header.bidNextB = LoadBid(bytes, kBidNextB);
   header.dwUnique = Load<std::uint32_t>(bytes, kDwUnique);
   for (std::size_t type = 0; type < kNidTypeCount; ++type) {
     header.rgnid[type] = Load<std::uint32_t>(bytes, kRgnid + 4 * type);

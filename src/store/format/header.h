@@ -32,8 +32,8 @@ struct Root {
 struct Header {
   static constexpr std::size_t kSize = 564;
 
-  Bid bidNextP = 0;
-  Bid bidNextB = 0;
+  Bid bidNextP{};
+  Bid bidNextB{};
   std::uint32_t dwUnique = 0;
   std::array<std::uint32_t, kNidTypeCount> rgnid{};
   Root root;

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <span>
 
+#include "store/format/ids.h"
+
 namespace velmora {
 
 static_assert(std::endian::native == std::endian::little, "numbers are copied as they stand in memory");
@@ -31,5 +33,13 @@ void Store(std::span<std::byte> bytes, std::size_t offset, T value) {
   assert(offset <= bytes.size() && bytes.size() - offset >= sizeof(T));
   std::memcpy(bytes.data() + offset, &value, sizeof(T));
 }
+
+inline Nid LoadNid(std::span<const std::byte> bytes, std::size_t offset) {
+  return Nid{Load<std::uint32_t>(bytes, offset)};
+}
+inline Bid LoadBid(std::span<const std::byte> bytes, std::size_t offset) {
+  return Bid{Load<std::uint64_t>(bytes, offset)};
+}
+inline void Store(std::span<std::byte> bytes, std::size_t offset, Bid bid) { Store(bytes, offset, Value(bid)); }
 
 }  // namespace velmora

@@ -6,7 +6,9 @@
 namespace velmora {
 namespace {
 
-std::uint16_t PageSignature(PageType type, const Bref& ref) { return IsMap(type) ? 0 : ComputeSig(ref.ib, ref.bid); }
+std::uint16_t PageSignature(PageType type, const Bref& ref) {
+  return IsMap(type) ? 0 : ComputeSig(ref.ib, Value(ref.bid));
+}
 
 }  // namespace
 
@@ -14,12 +16,12 @@ void SealPage(Page& page, PageType type, const Bref& ref) {
   page[496] = page[497] = static_cast<std::byte>(type);
   Store<std::uint16_t>(page, 498, PageSignature(type, ref));
   Store<std::uint32_t>(page, 500, WeakCrc(std::span(page).first<kPageContent>()));
-  Store<std::uint64_t>(page, 504, ref.bid);
+  Store(page, 504, ref.bid);
 }
 
 bool ProvesItself(PageView page, PageType type, const Bref& ref) {
   return page[496] == static_cast<std::byte>(type) && page[497] == page[496] &&
-         Load<std::uint16_t>(page, 498) == PageSignature(type, ref) && Load<std::uint64_t>(page, 504) == ref.bid &&
+         Load<std::uint16_t>(page, 498) == PageSignature(type, ref) && LoadBid(page, 504) == ref.bid &&
          Load<std::uint32_t>(page, 500) == WeakCrc(page.first<kPageContent>());
 }
 
@@ -38,16 +40,16 @@ BtPageHead DecodeBtPageHead(PageView page) {
 
 void Encode(const BtEntry& entry, std::span<std::byte> out) {
   Store<std::uint64_t>(out, 0, entry.btkey);
-  Store<std::uint64_t>(out, 8, entry.ref.bid);
+  Store(out, 8, entry.ref.bid);
   Store<std::uint64_t>(out, 16, entry.ref.ib);
 }
 
 BtEntry DecodeBtEntry(std::span<const std::byte> in) {
-  return {Load<std::uint64_t>(in, 0), {Load<std::uint64_t>(in, 8), Load<std::uint64_t>(in, 16)}};
+  return {Load<std::uint64_t>(in, 0), {LoadBid(in, 8), Load<std::uint64_t>(in, 16)}};
 }
 
 void Encode(const BbtEntry& entry, std::span<std::byte> out) {
-  Store<std::uint64_t>(out, 0, entry.ref.bid);
+  Store(out, 0, entry.ref.bid);
   Store<std::uint64_t>(out, 8, entry.ref.ib);
   Store<std::uint16_t>(out, 16, entry.cb);
   Store<std::uint16_t>(out, 18, entry.cRef);
@@ -55,22 +57,19 @@ void Encode(const BbtEntry& entry, std::span<std::byte> out) {
 }
 
 BbtEntry DecodeBbtEntry(std::span<const std::byte> in) {
-  return {{Load<std::uint64_t>(in, 0), Load<std::uint64_t>(in, 8)},
-          Load<std::uint16_t>(in, 16),
-          Load<std::uint16_t>(in, 18)};
+  return {{LoadBid(in, 0), Load<std::uint64_t>(in, 8)}, Load<std::uint16_t>(in, 16), Load<std::uint16_t>(in, 18)};
 }
 
 void Encode(const NbtEntry& entry, std::span<std::byte> out) {
-  Store<std::uint64_t>(out, 0, entry.nid);
-  Store<std::uint64_t>(out, 8, entry.bidData);
-  Store<std::uint64_t>(out, 16, entry.bidSub);
-  Store<std::uint32_t>(out, 24, entry.nidParent);
+  Store<std::uint64_t>(out, 0, Value(entry.nid));
+  Store(out, 8, entry.bidData);
+  Store(out, 16, entry.bidSub);
+  Store(out, 24, Value(entry.nidParent));
   Store<std::uint32_t>(out, 28, 0);
 }
 
 NbtEntry DecodeNbtEntry(std::span<const std::byte> in) {
-  return {Load<std::uint64_t>(in, 0), Load<std::uint64_t>(in, 8), Load<std::uint64_t>(in, 16),
-          Load<std::uint32_t>(in, 24)};
+  return {LoadNid(in, 0), LoadBid(in, 8), LoadBid(in, 16), LoadNid(in, 24)};
 }
 
 }  // namespace velmora

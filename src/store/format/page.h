@@ -39,7 +39,7 @@ constexpr bool IsMap(PageType type) { return type >= PageType::kFMap && type <= 
 
 /// Where a page or block stands, and its id.
 struct Bref {
-  Bid bid = 0;
+  Bid bid{};
   std::uint64_t ib = 0;
 };
 
@@ -82,10 +82,10 @@ struct BbtEntry {
 /// A leaf entry of the node tree.
 struct NbtEntry {
   static constexpr std::size_t kSize = 32;
-  std::uint64_t nid = 0;
-  Bid bidData = 0;
-  Bid bidSub = 0;
-  std::uint32_t nidParent = 0;
+  Nid nid{};  ///< the high half of the field is rubbish in stores of other makers
+  Bid bidData{};
+  Bid bidSub{};
+  Nid nidParent{};
 };
 
 void Encode(const BtEntry& entry, std::span<std::byte> out);

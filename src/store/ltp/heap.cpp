@@ -14,7 +14,7 @@ Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig c
   if (!first) return tl::unexpected(first.error());
   heap.first_.assign(first->begin(), first->end());
   if (heap.first_.size() < kHnHdrSize || heap.first_[2] != std::byte{kHeapSig}) {
-    return Corrupt("heap", bidData, "the node holds no heap");
+    return Corrupt("heap", Value(bidData), "the node holds no heap");
   }
   if (heap.first_[3] != static_cast<std::byte>(clientSig)) {
     return Corrupt("heap", std::to_integer<std::uint64_t>(heap.first_[3]), "the heap holds something else");

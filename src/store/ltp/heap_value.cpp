@@ -14,7 +14,7 @@ Result<std::vector<std::byte>> ReadHnid(const ndb::BlockSource& source, Heap& he
     if (!item) return tl::unexpected(item.error());
     return std::vector<std::byte>(item->begin(), item->end());
   }
-  const auto subnode = ndb::FindSubnode(source, bidSub, hnid);
+  const auto subnode = ndb::FindSubnode(source, bidSub, Nid{hnid});
   if (!subnode) return tl::unexpected(subnode.error());
   if (!*subnode) return Corrupt(Named("sub-node", hnid), hnid, "the value's sub-node is not there");
   auto tree = ndb::DataTreeReader::Open(source, (*subnode)->trees.bidData);

@@ -101,7 +101,7 @@ std::optional<text::Text> PropertyContext::Text(PropTag tag) {
 std::optional<PropertyContext::Object> PropertyContext::ReadObject(PropTag tag) {
   const std::optional<std::vector<std::byte>> value = Binary(tag);
   if (TypeOf(tag) != PropType::kObject || !value || value->size() != 8) return std::nullopt;
-  return Object{Load<std::uint32_t>(*value, 0), Load<std::uint32_t>(*value, 4)};
+  return Object{LoadNid(*value, 0), Load<std::uint32_t>(*value, 4)};
 }
 
 Result<std::optional<std::uint64_t>> PropertyContext::SizeOf(PropTag tag) {
@@ -122,7 +122,7 @@ Result<std::optional<std::uint64_t>> PropertyContext::SizeOf(PropTag tag) {
 Result<std::optional<ndb::DataTree>> PropertyContext::TreeOf(PropTag tag) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
-  const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(record->dwValueHnid);
+  const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(Nid{record->dwValueHnid});
   if (!subnode) return tl::unexpected(subnode.error());
   if (!*subnode) return Corrupt(Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
   const Bid bid = (*subnode)->trees.bidData;

@@ -44,7 +44,7 @@ class PropertyContext {
 
   /// What a PtypObject property refers to.
   struct Object {
-    Nid nid = 0;
+    Nid nid{};
     std::uint32_t size = 0;
   };
   std::optional<Object> ReadObject(PropTag tag);

@@ -86,11 +86,11 @@ void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
 
 void PropertyContextWriter::AddObject(PropTag tag, Nid nid, std::uint32_t size) {
   if (TypeOf(tag) != PropType::kObject) {
-    return Fail({FailureKind::kCorrupt, Named("property", tag), nid, "the property is no object"});
+    return Fail({FailureKind::kCorrupt, Named("property", tag), Value(nid), "the property is no object"});
   }
   valueBytes_ += size;
   std::array<std::byte, 8> value;
-  Store<std::uint32_t>(value, 0, nid);
+  Store(value, 0, Value(nid));
   Store<std::uint32_t>(value, 4, size);
   AddHeapValue(tag, value);
 }
@@ -177,8 +177,8 @@ void PropertyContextWriter::AddHeapValue(PropTag tag, std::span<const std::byte>
 
 void PropertyContextWriter::AddSubnodeValue(PropTag tag, const ndb::DataTree& tree) {
   const Nid nid = NewSubnodeNid();
-  subnodes_.Add(nid, {{tree.bid, 0}, tree.size});
-  AddRecord(tag, nid);
+  subnodes_.Add(nid, {{tree.bid}, tree.size});
+  AddRecord(tag, Value(nid));
 }
 
 void PropertyContextWriter::Fail(const Failure& failure) {

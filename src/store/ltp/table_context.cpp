@@ -52,7 +52,7 @@ Result<std::size_t> TableContext::OpenMatrix(Hnid hnidRows) {
     heapRows_.assign(rows->begin(), rows->end());
     return heapRows_.size() / rowSize_;
   }
-  const auto subnode = ndb::FindSubnode(*source_, bidSub_, hnidRows);
+  const auto subnode = ndb::FindSubnode(*source_, bidSub_, Nid{hnidRows});
   if (!subnode) return tl::unexpected(subnode.error());
   if (!*subnode) return Corrupt(Named("sub-node", hnidRows), hnidRows, "the row matrix is not there");
   Result<ndb::DataTreeReader> matrix = ndb::DataTreeReader::Open(*source_, (*subnode)->trees.bidData);

@@ -59,7 +59,7 @@ Attachment WriteContent(ndb::NdbWriter& ndb, const output::ContentSource& conten
     return attachment;
   }
   attachment.content = WrittenOrRaise(tree.Finish());
-  attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{attachment.content.bid, 0});
+  attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{attachment.content.bid});
   return attachment;
 }
 
@@ -75,7 +75,7 @@ Attachment AttachMessage(ndb::NdbWriter& ndb, const ndb::WrittenNode& message, t
 std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
   std::vector<Attachment> attachments;
   for (const ndb::SubnodeEntry& entry : ReadOrRaise(message.Subnodes())) {
-    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
+    if (TypeOf(entry.nid) != NidType::kAttachment) continue;
     ltp::PropertyContext properties = ReadOrRaise(ltp::PropertyContext::Open(ndb, entry.trees));
     Attachment& attachment = attachments.emplace_back();
     attachment.name = properties.Text(tag::kDisplayName).value_or(text::Text());
@@ -87,7 +87,7 @@ std::vector<Attachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContex
       attachment.hold = std::make_shared<TreeHold>(ndb, attachment.message.trees);
     } else if (const auto tree = ReadOrRaise(properties.TreeOf(tag::kAttachDataBinary))) {
       attachment.content = *tree;
-      attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{tree->bid, 0});
+      attachment.hold = std::make_shared<TreeHold>(ndb, ndb::NodeTrees{tree->bid});
     } else {
       attachment.shortContent = properties.Binary(tag::kAttachDataBinary).value_or(Bytes());
     }
@@ -110,7 +110,7 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
       continue;
     }
     const ndb::SubnodeEntry entry = level.entries[level.next++];
-    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
+    if (TypeOf(entry.nid) != NidType::kAttachment) continue;
     auto attachment = ltp::PropertyContext::Open(source, entry.trees);
     if (!attachment) continue;
     const auto object = attachment->ReadObject(tag::kAttachDataObject);
@@ -162,7 +162,7 @@ Result<ndb::WrittenNode> WriteAttachment(const Attachment& attachment, FileTime 
     node.AddObject(tag::kAttachDataObject, attachment.messageNid,
                    static_cast<std::uint32_t>(Size32(attachment.message.dataSize)));
     node.AddSubnode(attachment.messageNid, attachment.message);
-  } else if (attachment.content.bid != 0) {
+  } else if (attachment.content.bid != kNoBid) {
     node.AddTree(tag::kAttachDataBinary, attachment.content);
   } else {
     node.Add(tag::kAttachDataBinary, attachment.shortContent);

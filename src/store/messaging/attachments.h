@@ -37,10 +37,10 @@ struct Attachment {
   Bytes shortContent;
   ndb::DataTree content;     ///< of a long content
   ndb::WrittenNode message;  ///< of an embedded message
-  Nid messageNid = 0;        ///< its id, which no other message has: some readers look among all of the store
+  Nid messageNid{};          ///< its id, which no other message has: some readers look among all of the store
   std::shared_ptr<TreeHold> hold;
 
-  bool IsMessage() const { return message.trees.bidData != 0; }
+  bool IsMessage() const { return message.trees.bidData != kNoBid; }
 };
 
 /// Streams a content into an attachment. Raises what the content raises, and failures of writing.

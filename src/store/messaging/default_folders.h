@@ -18,7 +18,7 @@ inline constexpr text::TextView kMailContainerClass = u"IPF.Note";
 /// Container class of a kind.
 text::TextView ContainerClassOf(output::DefaultFolder kind);
 
-/// Which folder is the default one of each kind; 0 where there is none. A kind that is none of the known
+/// Which folder is the default one of each kind; kNoNid where there is none. A kind that is none of the known
 /// ones is kept nowhere.
 class DefaultFolders {
  public:

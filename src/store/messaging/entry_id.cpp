@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "store/format/little_endian.h"
 #include "store/messaging/stored_text.h"
 
 namespace velmora::messaging {
@@ -19,20 +20,18 @@ constexpr std::uint16_t kUnicodeWithoutRichInfo = 0x8001;
 
 }  // namespace
 
-Bytes NodeEntryId(const Uid& recordKey, std::uint32_t nid) {
+Bytes NodeEntryId(const Uid& recordKey, Nid nid) {
   ByteWriter out;
   out.U32(0);
   out.Raw(recordKey);
-  out.U32(nid);
+  out.U32(Value(nid));
   return out.Take();
 }
 
-std::optional<std::uint32_t> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey) {
+std::optional<Nid> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey) {
   if (entryId.size() != kNodeEntryIdSize) return std::nullopt;
   if (!std::ranges::equal(entryId.subspan(kRecordKeyAt, recordKey.size()), recordKey)) return std::nullopt;
-  std::uint32_t nid = 0;
-  for (std::size_t i = 0; i < sizeof nid; ++i) nid |= std::to_integer<std::uint32_t>(entryId[kNidAt + i]) << (8 * i);
-  return nid;
+  return LoadNid(entryId, kNidAt);
 }
 
 Bytes OneOffEntryId(text::TextView name, text::TextView type, text::TextView address) {

@@ -14,7 +14,7 @@ namespace velmora::messaging {
 
 /// A saved item of a folder: 16 bytes.
 struct ItemRow {
-  Nid nid = 0;
+  Nid nid{};
   bool unread = false;
   bool deleted = false;
   std::uint16_t size = 0;   ///< of its row's texts and binary values, as far as 16 bits tell
@@ -51,7 +51,7 @@ class ItemRows {
 };
 
 struct Folder {
-  Nid nid = 0;
+  Nid nid{};
   Folder* parent = nullptr;
   text::Text name;
   text::Text containerClass;

@@ -30,7 +30,7 @@ PropertyBag PropertiesOf(const Folder& folder) {
 Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
   for (const Folder* child : folder.children) {
-    if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
+    if (auto added = table.AddRow(Value(child->nid), PropertiesOf(*child).Views()); !added)
       return tl::unexpected(added.error());
   }
   if (folder.nid == nid::kRootFolder) {
@@ -39,7 +39,8 @@ Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeap
     PropertyBag row = PropertiesOf(search);
     row.Remove(tag::kPstHiddenCount);
     row.Remove(tag::kPstHiddenUnread);
-    if (auto added = table.AddRow(nid::kSpamSearchFolder, row.Views()); !added) return tl::unexpected(added.error());
+    if (auto added = table.AddRow(Value(nid::kSpamSearchFolder), row.Views()); !added)
+      return tl::unexpected(added.error());
   }
   folder.childCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
@@ -54,7 +55,7 @@ Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std:
     if (!row) {
       result = tl::unexpected(row.error());
     } else {
-      result = table.AddRow(item.nid, *row);
+      result = table.AddRow(Value(item.nid), *row);
     }
   });
   if (!result) return tl::unexpected(result.error());
@@ -62,7 +63,7 @@ Result<ndb::WrittenNode> ContentsTable(ndb::NdbWriter& ndb, RowSpool& rows, std:
   return table.Finish();
 }
 
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = kNoNid) {
   if (!node) return tl::unexpected(node.error());
   return ndb.SetNode(nid, node->trees, parent);
 }
@@ -117,15 +118,15 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
   const Nid hiddenItems = tableNid(NidType::kAssocContentsTable);
   if (!ndb.FindNode(hiddenItems)) {
     ltp::TableContextWriter table(ndb, schema::kAssocContents);
-    if (auto set = Set(ndb, hiddenItems, table.Finish(), 0); !set) return set;
+    if (auto set = Set(ndb, hiddenItems, table.Finish()); !set) return set;
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
   }
   if (folder.itemsChanged) {
     const auto table = ContentsTable(ndb, rows, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);

@@ -72,7 +72,7 @@ MailItem::~MailItem() {
 
 /// The saved item's properties; null when it is not in the store.
 ltp::PropertyContext* MailItem::Saved() const {
-  if (nid_ == 0) return nullptr;
+  if (nid_ == kNoNid) return nullptr;
   WritePostponed();
   if (!saved_) {
     const auto node = store_->Source().FindNode(nid_);
@@ -106,7 +106,7 @@ void MailItem::Put(Field field, const FieldValue& value) {
   const bool narrow = type == output::FieldType::Number16;
   state_.fields.Put(
       field, narrow ? FieldValue(std::int32_t{static_cast<std::int16_t>(std::get<std::int32_t>(value))}) : value);
-  if (nid_ != 0 && std::ranges::find(changed_, field) == changed_.end()) changed_.push_back(field);
+  if (nid_ != kNoNid && std::ranges::find(changed_, field) == changed_.end()) changed_.push_back(field);
 }
 
 FieldRead MailItem::Get(Field field) const {
@@ -148,7 +148,7 @@ void MailItem::Save() {
   saved_.reset();
   changed_.clear();
   savedAttachments_ = attachments_.size();
-  if (nid_ == 0) return WriteSave();
+  if (nid_ == kNoNid) return WriteSave();
   writer.Postpone(*this);
   unwritten_ = true;
 }
@@ -164,8 +164,8 @@ void MailItem::Delete() {
   Load();
   writer.Forget(*this);
   unwritten_ = false;
-  if (nid_ != 0) writer.Delete(folder_, nid_);
-  nid_ = 0;
+  if (nid_ != kNoNid) writer.Delete(folder_, nid_);
+  nid_ = kNoNid;
   saved_.reset();
   changed_.clear();
   deleted_ = true;

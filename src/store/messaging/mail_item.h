@@ -52,7 +52,7 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
   std::shared_ptr<Store> store_;
   Folder& folder_;
   output::ItemInterface interface_ = output::ItemInterface::RDOMail;
-  Nid nid_ = 0;         ///< 0 while it is in no folder
+  Nid nid_{};           ///< none while it is in no folder
   bool loaded_ = true;  ///< state_ and attachments_ hold all of the item
   bool deleted_ = false;
   bool unwritten_ = false;              ///< the last save waits to be written

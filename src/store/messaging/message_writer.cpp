@@ -58,7 +58,7 @@ Result<void> MessageWriter::AddAttachments(const std::vector<Attachment>& attach
     const auto written = WriteAttachment(attachments[i], now, attachment_, row);
     if (!written) return tl::unexpected(written.error());
     message_.AddSubnode(nid, *written);
-    if (auto added = table.AddRow(nid, row.Views()); !added) return added;
+    if (auto added = table.AddRow(Value(nid), row.Views()); !added) return added;
   }
   const auto written = table.Finish();
   if (!written) return tl::unexpected(written.error());

@@ -54,7 +54,7 @@ void OpenedStore::ReadMessageStore() {
   std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
 
   const auto folderOf = [&](PropTag tag) {
-    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(0);
+    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(kNoNid);
   };
   const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
@@ -81,9 +81,9 @@ void OpenedStore::ReadChildren(Folder& folder) {
   auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kHierarchyTable));
   if (!table) return;
   for (std::size_t row = 0; row < table->RowCount(); ++row) {
-    const Nid child = table->RowId(row);
+    const Nid child{table->RowId(row)};
     // A folder that is met a second time would lead round in a circle.
-    if (NidTypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
+    if (TypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
     if (!reader_->FindNode(child)) continue;
     folders_.Add(&folder, child, table->Text(row, tag::kDisplayName).value_or(text::Text()),
                  table->Text(row, tag::kContainerClass).value_or(text::Text()));
@@ -93,7 +93,8 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Add({.nid = table->RowId(row)});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row)
+      folder.items.Add({.nid = Nid{table->RowId(row)}});
   }
   return folder.items;
 }

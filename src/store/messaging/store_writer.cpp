@@ -208,7 +208,7 @@ Nid StoreWriter::Save(const ItemState& item, const std::vector<Attachment>& atta
     Reserve(
         ItemBytes(size) + BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged),
         1);
-    const bool isNew = nid == 0;
+    const bool isNew = nid == kNoNid;
     const Nid saved = isNew ? ndb_->NewNid(NidType::kNormalMessage) : nid;
     WrittenOrRaise(ndb_->SetNode(saved, message.node.trees, folder.nid));
     if (isNew) folder.items.Add({.nid = saved});

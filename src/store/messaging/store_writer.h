@@ -59,7 +59,7 @@ class StoreWriter : public Store {
   /// A search key and the time of creation for an item that was never saved.
   void Identify(ItemState& item);
 
-  /// Writes an item into its folder: as a new one when `nid` is 0, else in place of the one of that id.
+  /// Writes an item into its folder: as a new one when `nid` is none, else in place of the one of that id.
   /// Returns its id.
   Nid Save(const ItemState& item, const std::vector<Attachment>& attachments, Folder& folder, Nid nid);
 

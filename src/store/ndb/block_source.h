@@ -13,16 +13,16 @@ namespace velmora::ndb {
 
 /// The two trees of a node or sub-node; 0 where there is none.
 struct NodeTrees {
-  Bid bidData = 0;
-  Bid bidSub = 0;
+  Bid bidData{};
+  Bid bidSub{};
   friend bool operator==(const NodeTrees&, const NodeTrees&) = default;
 };
 
 /// A node as the node tree lists it.
 struct NodeEntry {
-  Nid nid = 0;
-  NodeTrees trees;
-  Nid nidParent = 0;  ///< the containing folder of folders and messages, else 0
+  Nid nid{};
+  NodeTrees trees{};
+  Nid nidParent{};  ///< the containing folder of folders and messages, else 0
   friend bool operator==(const NodeEntry&, const NodeEntry&) = default;
 };
 

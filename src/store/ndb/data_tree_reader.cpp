@@ -26,9 +26,9 @@ Result<XBlock> DecodeXBlock(Bid bid, std::span<const std::byte> content) {
   }
   XBlock block{{}, head.lcbTotal, head.cLevel};
   for (std::size_t i = 0; i < head.cEnt; ++i) {
-    const auto child = Load<std::uint64_t>(content, InternalHead::kSize + i * kXEntrySize);
+    const Bid child = LoadBid(content, InternalHead::kSize + i * kXEntrySize);
     if (IsInternal(child) != (head.cLevel == 2)) {
-      return Corrupt(Named("block", bid), child, "an XBLOCK refers to a block of the wrong kind");
+      return Corrupt(Named("block", bid), Value(child), "an XBLOCK refers to a block of the wrong kind");
     }
     block.bids.push_back(child);
   }
@@ -40,7 +40,7 @@ Result<XBlock> DecodeXBlock(Bid bid, std::span<const std::byte> content) {
 Result<DataTreeReader> DataTreeReader::Open(const BlockSource& source, Bid bid) {
   DataTreeReader tree;
   tree.source_ = &source;
-  if (bid == 0) return tree;
+  if (bid == kNoBid) return tree;
   std::vector<std::byte> content;
   if (auto read = source.ReadBlock(bid, content); !read) return tl::unexpected(read.error());
   if (!IsInternal(bid)) {

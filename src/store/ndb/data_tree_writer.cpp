@@ -52,7 +52,7 @@ Result<DataTree> DataTreeWriter::Finish() {
 }
 
 void DataTreeWriter::Clear() {
-  for (const Bid bid : dataBids_) static_cast<void>(ndb_.Discard({bid, 0}));
+  for (const Bid bid : dataBids_) static_cast<void>(ndb_.Discard({bid}));
   dataBids_.clear();
   buffer_ = {};
   used_ = 0;

@@ -15,7 +15,7 @@ class NdbWriter;
 /// A finished data tree: a data block, an XBLOCK over data blocks or an XXBLOCK over XBLOCKs. Every data
 /// block but the last holds 8176 bytes, so `size` is also the sum of the cb of its data blocks.
 struct DataTree {
-  Bid bid = 0;             ///< 0 for no bytes
+  Bid bid{};               ///< 0 for no bytes
   std::uint64_t size = 0;  ///< bytes
 };
 

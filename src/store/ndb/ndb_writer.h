@@ -43,7 +43,7 @@ class NdbWriter : public BlockSource {
 
   // -- nodes
 
-  /// A node id of that type that was never handed out: the next index of the type's counter; 0 when all
+  /// A node id of that type that was never handed out: the next index of the type's counter; none when all
   /// 134 million are used up. Ids of a folder's (or search folder's) four nodes share one index: ask for the
   /// folder, derive the rest with Sibling.
   Nid NewNid(NidType type);
@@ -51,7 +51,7 @@ class NdbWriter : public BlockSource {
   /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
   /// be empty, or shared with other nodes. kNotSupported for nid 0, and when a block would be referred to
   /// more than 65534 times.
-  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent);
+  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
 
   /// Removes a node and releases its trees; a node that is not there is no failure.
   Result<void> RemoveNode(Nid nid);

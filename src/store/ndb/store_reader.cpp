@@ -84,7 +84,7 @@ void StoreReader::ReadLeaf(PageType type, PageView page, std::size_t cEnt) {
   for (std::size_t i = 0; i < cEnt; ++i) {
     if (type == PageType::kNbt) {
       const NbtEntry entry = DecodeNbtEntry(page.subspan(i * NbtEntry::kSize, NbtEntry::kSize));
-      nodes_.push_back({static_cast<Nid>(entry.nid), {entry.bidData, entry.bidSub}, entry.nidParent});
+      nodes_.push_back({entry.nid, {entry.bidData, entry.bidSub}, entry.nidParent});
       continue;
     }
     const BbtEntry entry = DecodeBbtEntry(page.subspan(i * BbtEntry::kSize, BbtEntry::kSize));
@@ -92,16 +92,16 @@ void StoreReader::ReadLeaf(PageType type, PageView page, std::size_t cEnt) {
       Note(entry.ref, "a block has an impossible size or place");
       continue;
     }
-    blocks_.push_back({entry.ref.bid & ~Bid{1}, entry.ref.ib | std::uint64_t{entry.cb} << kIbBits});
+    blocks_.push_back({Canonical(entry.ref.bid), entry.ref.ib | std::uint64_t{entry.cb} << kIbBits});
   }
 }
 
 Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
-  bid &= ~Bid{1};
+  bid = Canonical(bid);
   const auto block =
       std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
   if (block == blocks_.end() || block->bid != bid) {
-    return Fail(FailureKind::kNotFound, Named("block", bid), bid, "the store has no such block");
+    return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "the store has no such block");
   }
   const std::uint64_t ib = block->ibAndCb & ((std::uint64_t{1} << kIbBits) - 1);
   const std::size_t cb = block->ibAndCb >> kIbBits;
@@ -111,7 +111,7 @@ Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const 
   if (*read != out.size()) return Corrupt(Named("block", bid), ib, "the file ends within the block");
   const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(kBlockTrailerSize));
   out.resize(cb);
-  if ((trailer.bid & ~Bid{1}) != bid || trailer.cb != cb || trailer.wSig != ComputeSig(ib, trailer.bid)) {
+  if (Canonical(trailer.bid) != bid || trailer.cb != cb || trailer.wSig != ComputeSig(ib, Value(trailer.bid))) {
     return Corrupt(Named("block", bid), ib, "the trailer is another block's");
   }
   if (trailer.dwCRC != WeakCrc(out)) return Corrupt(Named("block", bid), ib, "the checksum does not fit");

@@ -27,7 +27,7 @@ struct SubnodeBlock {
 };
 
 Result<SubnodeBlock> ReadSubnodeBlock(const BlockSource& source, Bid bid) {
-  if (!IsInternal(bid)) return Corrupt(Named("block", bid), bid, "a sub-node tree refers to a data block");
+  if (!IsInternal(bid)) return Corrupt(Named("block", bid), Value(bid), "a sub-node tree refers to a data block");
   SubnodeBlock block;
   if (auto read = source.ReadBlock(bid, block.content); !read) return tl::unexpected(read.error());
   block.head = DecodeInternalHead(block.content);
@@ -47,10 +47,10 @@ Result<SubnodeBlock> ReadLeafBlock(const BlockSource& source, Bid bid) {
 }
 
 // The high half of an id is rubbish in stores of other makers.
-Nid NidOf(std::span<const std::byte> entry) { return Load<std::uint32_t>(entry, 0); }
+Nid NidOf(std::span<const std::byte> entry) { return LoadNid(entry, 0); }
 
 SubnodeEntry DecodeLeafEntry(std::span<const std::byte> entry) {
-  return {NidOf(entry), {Load<std::uint64_t>(entry, 8), Load<std::uint64_t>(entry, 16)}};
+  return {NidOf(entry), {LoadBid(entry, 8), LoadBid(entry, 16)}};
 }
 
 void AppendEntries(const SubnodeBlock& leaf, std::vector<SubnodeEntry>& entries) {
@@ -70,8 +70,10 @@ Result<void> CheckEntries(std::span<const SubnodeEntry> entries) {
   }
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const Nid nid = entries[i].nid;
-    if (i > 0 && entries[i - 1].nid == nid) return Corrupt(Named("sub-node", nid), nid, "two sub-nodes share an id");
-    if (entries[i].trees.bidData == 0) return Corrupt(Named("sub-node", nid), nid, "a sub-node has no data");
+    if (i > 0 && entries[i - 1].nid == nid)
+      return Corrupt(Named("sub-node", nid), Value(nid), "two sub-nodes share an id");
+    if (entries[i].trees.bidData == kNoBid)
+      return Corrupt(Named("sub-node", nid), Value(nid), "a sub-node has no data");
   }
   return {};
 }
@@ -83,7 +85,7 @@ class DataSizes {
 
   Result<std::uint64_t> Of(const NodeTrees& trees, int depth) {
     const Result<std::uint64_t> own = OfData(trees.bidData);
-    if (!own || trees.bidSub == 0) return own;
+    if (!own || trees.bidSub == kNoBid) return own;
     const Result<std::uint64_t> below = OfSubnodes(trees.bidSub, depth);
     if (!below) return below;
     return *own + *below;
@@ -91,7 +93,7 @@ class DataSizes {
 
  private:
   Result<std::uint64_t> OfData(Bid bid) {
-    if (bid == 0) return 0;
+    if (bid == kNoBid) return 0;
     std::vector<std::byte> content;
     if (auto read = source_.ReadBlock(bid, content); !read) return tl::unexpected(read.error());
     if (!IsInternal(bid)) return content.size();
@@ -131,7 +133,7 @@ void SubnodeTreeWriter::Clear() {
 
 Result<SubnodeTree> SubnodeTreeWriter::Finish() {
   std::vector<SubnodeEntry> entries = std::exchange(entries_, {});
-  SubnodeTree tree{0, std::exchange(dataSize_, 0)};
+  SubnodeTree tree{kNoBid, std::exchange(dataSize_, 0)};
   std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.nid < b.nid; });
   if (auto sound = CheckEntries(entries); !sound) return tl::unexpected(sound.error());
   for (const SubnodeEntry& entry : entries) ndb_.NoteNid(entry.nid);
@@ -152,9 +154,9 @@ Result<SubnodeTree> SubnodeTreeWriter::Finish() {
     for (std::size_t i = 0; i < count; ++i) {
       const SubnodeEntry& entry = entries[first + i];
       const std::size_t at = InternalHead::kSize + i * kSlEntrySize;
-      Store<std::uint64_t>(*buffer, at, entry.nid);
-      Store<std::uint64_t>(*buffer, at + 8, entry.trees.bidData);
-      Store<std::uint64_t>(*buffer, at + 16, entry.trees.bidSub);
+      Store<std::uint64_t>(*buffer, at, Value(entry.nid));
+      Store(*buffer, at + 8, entry.trees.bidData);
+      Store(*buffer, at + 16, entry.trees.bidSub);
     }
     const Result<Bid> leaf = write(0, count);
     if (!leaf) return tl::unexpected(leaf.error());
@@ -164,8 +166,8 @@ Result<SubnodeTree> SubnodeTreeWriter::Finish() {
   if (leaves.size() > 1) {
     for (std::size_t i = 0; i < leaves.size(); ++i) {
       const std::size_t at = InternalHead::kSize + i * kSiEntrySize;
-      Store<std::uint64_t>(*buffer, at, leaves[i].firstNid);
-      Store<std::uint64_t>(*buffer, at + 8, leaves[i].bid);
+      Store<std::uint64_t>(*buffer, at, Value(leaves[i].firstNid));
+      Store(*buffer, at + 8, leaves[i].bid);
     }
     const Result<Bid> root = write(1, leaves.size());
     if (!root) return tl::unexpected(root.error());
@@ -176,7 +178,7 @@ Result<SubnodeTree> SubnodeTreeWriter::Finish() {
 
 Result<std::vector<SubnodeEntry>> ListSubnodes(const BlockSource& source, Bid bidSub) {
   std::vector<SubnodeEntry> entries;
-  if (bidSub == 0) return entries;
+  if (bidSub == kNoBid) return entries;
   const Result<SubnodeBlock> root = ReadSubnodeBlock(source, bidSub);
   if (!root) return tl::unexpected(root.error());
   if (root->IsLeaf()) {
@@ -184,7 +186,7 @@ Result<std::vector<SubnodeEntry>> ListSubnodes(const BlockSource& source, Bid bi
     return entries;
   }
   for (std::size_t i = 0; i < root->head.cEnt; ++i) {
-    const Result<SubnodeBlock> leaf = ReadLeafBlock(source, Load<std::uint64_t>(root->Entry(i), 8));
+    const Result<SubnodeBlock> leaf = ReadLeafBlock(source, LoadBid(root->Entry(i), 8));
     if (!leaf) return tl::unexpected(leaf.error());
     AppendEntries(*leaf, entries);
   }
@@ -192,14 +194,14 @@ Result<std::vector<SubnodeEntry>> ListSubnodes(const BlockSource& source, Bid bi
 }
 
 Result<std::optional<SubnodeEntry>> FindSubnode(const BlockSource& source, Bid bidSub, Nid nid) {
-  if (bidSub == 0) return std::nullopt;
+  if (bidSub == kNoBid) return std::nullopt;
   const Result<SubnodeBlock> root = ReadSubnodeBlock(source, bidSub);
   if (!root) return tl::unexpected(root.error());
   if (root->IsLeaf()) return FindInLeaf(*root, nid);
   std::size_t child = 0;
   while (child < root->head.cEnt && NidOf(root->Entry(child)) <= nid) ++child;
   if (child == 0) return std::nullopt;
-  const Result<SubnodeBlock> leaf = ReadLeafBlock(source, Load<std::uint64_t>(root->Entry(child - 1), 8));
+  const Result<SubnodeBlock> leaf = ReadLeafBlock(source, LoadBid(root->Entry(child - 1), 8));
   if (!leaf) return tl::unexpected(leaf.error());
   return FindInLeaf(*leaf, nid);
 }

@@ -14,19 +14,19 @@ class NdbWriter;
 
 /// A node or sub-node that was written and that nothing refers to yet.
 struct WrittenNode {
-  NodeTrees trees;
+  NodeTrees trees{};
   std::uint64_t dataSize = 0;  ///< sum of the cb of all data blocks, those of all sub-nodes included
 };
 
 struct SubnodeEntry {
-  Nid nid = 0;
-  NodeTrees trees;
+  Nid nid{};
+  NodeTrees trees{};
   friend bool operator==(const SubnodeEntry&, const SubnodeEntry&) = default;
 };
 
 /// A finished sub-node tree.
 struct SubnodeTree {
-  Bid bid = 0;                 ///< 0 for no sub-nodes
+  Bid bid{};                   ///< 0 for no sub-nodes
   std::uint64_t dataSize = 0;  ///< sum of the sub-nodes' dataSize
 };
 

@@ -98,7 +98,7 @@ class Filler {
     if (mailbox_.attachment != 0) {
       attachments.push_back(store_.Attach(TextContent(PatternOf(random_() % mailbox_.attachment)), u"a.bin"));
     }
-    const Nid nid = store_.Save(item, attachments, *folder_, 0);
+    const Nid nid = store_.Save(item, attachments, *folder_, kNoNid);
     saved_[folder_->name].insert(subject);
     nids_.push_back(nid);
     items_.push_back(std::move(item));

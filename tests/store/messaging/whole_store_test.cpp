@@ -246,7 +246,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
         item.fields.Put(Field::Subject, text::FromUtf8(std::to_string(saved)));
         item.fields.Put(Field::Body, Text(1 + random() % 3000, u'x'));
         store->Identify(item);
-        store->Save(item, {}, folder, 0);
+        store->Save(item, {}, folder, kNoNid);
       };
       ResultCode code = ResultCode::S_OK;
       std::string information;
@@ -264,7 +264,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       EXPECT_EQ(CodeOf(save), expected);
       EXPECT_EQ(CodeOf([&] { store->AddFolder(store->Top(), u"Other", u""); }), expected);
       EXPECT_EQ(CodeOf([&] { store->Attach(TextContent(PatternOf(100)), u"a"); }), expected);
-      EXPECT_EQ(CodeOf([&] { store->Delete(folder, 0x200024); }), expected);
+      EXPECT_EQ(CodeOf([&] { store->Delete(folder, Nid{0x200024}); }), expected);
       EXPECT_EQ(CodeOf([&] { store->Seal(); }), expected);
     }
     const auto store = OpenedStore::Open(std::make_unique<SharedFile>(disk));
@@ -283,7 +283,7 @@ std::size_t CellsOf(const platform::MemoryFile& file) {
   const auto reader = ndb::StoreReader::Open(file).value();
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
-    if (NidTypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == 0) continue;
+    if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == kNoBid) continue;
     auto table = ltp::TableContext::Open(*reader, node.trees).value();
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
       for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
@@ -305,7 +305,7 @@ TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
     for (int i = 0; i < 300; ++i) {
       item.fields.Put(Field::Subject, text::FromUtf8(std::to_string(i)) + Text(200, u's'));
       store->Identify(item);
-      store->Save(item, {}, folder, 0);
+      store->Save(item, {}, folder, kNoNid);
     }
     store->Seal();
     full = store->FullTables();

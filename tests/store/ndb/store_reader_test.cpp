@@ -24,11 +24,11 @@ std::vector<std::byte> SampleStore() {
     SubnodeTreeWriter subnodes(*ndb);
     if (i % 100 == 0) {
       for (std::uint32_t s = 0; s < 400; ++s) {
-        subnodes.Add(MakeNid(NidType::kLtp, s + 1), {{ndb->WriteData(test::Noise(1, s))->bid, 0}, 1});
+        subnodes.Add(MakeNid(NidType::kLtp, s + 1), {{ndb->WriteData(test::Noise(1, s))->bid}, 1});
       }
     }
     const NodeTrees trees{ndb->WriteData(test::Noise(i % 50 == 0 ? 20000 : 20, i))->bid, subnodes.Finish()->bid};
-    EXPECT_TRUE(ndb->SetNode(NidAt(i), trees, 0));
+    EXPECT_TRUE(ndb->SetNode(NidAt(i), trees));
   }
   EXPECT_TRUE(ndb->Seal());
   return file.Bytes();
@@ -47,7 +47,7 @@ void SetHeader(std::vector<std::byte>& bytes, const Header& header) {
 void Reseal(std::vector<std::byte>& bytes, std::uint64_t ib) {
   Page page;
   std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(ib), kPageSize, page.begin());
-  SealPage(page, static_cast<PageType>(page[496]), {Load<std::uint64_t>(page, 504), ib});
+  SealPage(page, static_cast<PageType>(page[496]), {LoadBid(page, 504), ib});
   std::copy(page.begin(), page.end(), bytes.begin() + static_cast<std::ptrdiff_t>(ib));
 }
 
@@ -60,7 +60,7 @@ std::size_t ReadEverything(const StoreReader& store) {
     const auto subnodes = ListSubnodes(store, node.trees.bidSub);
     sound = sound && subnodes;
     static_cast<void>(DataSizeOf(store, node.trees));
-    static_cast<void>(FindSubnode(store, node.trees.bidSub, 0x3F));
+    static_cast<void>(FindSubnode(store, node.trees.bidSub, Nid{0x3F}));
     whole += sound ? 1 : 0;
   }
   return whole;
@@ -72,11 +72,11 @@ TEST(StoreReader, FindsEveryNodeAndBlock) {
   EXPECT_EQ(store->Nodes().size(), kNodes);
   EXPECT_TRUE(store->Damage().empty());
   EXPECT_EQ(ReadEverything(*store), kNodes);
-  EXPECT_FALSE(store->FindNode(0x122));
+  EXPECT_FALSE(store->FindNode(Nid{0x122}));
   std::vector<std::byte> block;
-  EXPECT_EQ(store->ReadBlock(0x7FFFFFFC, block).error().kind, FailureKind::kNotFound);
+  EXPECT_EQ(store->ReadBlock(Bid{0x7FFFFFFC}, block).error().kind, FailureKind::kNotFound);
   const Bid bid = store->FindNode(NidAt(1))->trees.bidData;
-  ASSERT_TRUE(store->ReadBlock(bid | 1, block)) << "the reserved bit is ignored";
+  ASSERT_TRUE(store->ReadBlock(Bid{Value(bid) | 1}, block)) << "the reserved bit is ignored";
   EXPECT_EQ(block, test::Noise(20, 1));
 }
 
@@ -91,7 +91,7 @@ TEST(StoreReader, TellsABlockThatChanged) {
   const platform::MemoryFile sound(bytes);
   const Bid bid = StoreReader::Open(sound).value()->FindNode(NidAt(7))->trees.bidData;
   std::size_t trailer = 0x4800 + 48;  // of blocks of one slot, which stand before the trees
-  while (Load<std::uint64_t>(bytes, trailer + 8) != bid || Load<std::uint16_t>(bytes, trailer) != 20) {
+  while (Load<std::uint64_t>(bytes, trailer + 8) != Value(bid) || Load<std::uint16_t>(bytes, trailer) != 20) {
     trailer += 64;
     ASSERT_LT(trailer + 16, bytes.size());
   }
@@ -125,7 +125,7 @@ TEST(StoreReader, EndsWhereATreeRefersToItself) {
   const Header header = HeaderOf(bytes);
   const std::uint64_t root = header.root.brefNbt.ib;
   for (std::size_t entry = 0; entry < 3; ++entry) {  // three children are the root itself
-    Store<std::uint64_t>(bytes, root + entry * 24 + 8, header.root.brefNbt.bid);
+    Store(bytes, root + entry * 24 + 8, header.root.brefNbt.bid);
     Store<std::uint64_t>(bytes, root + entry * 24 + 16, root);
   }
   Reseal(bytes, root);
