@@ -12,7 +12,7 @@
 #include "store/ltp/table_context.h"
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/store_reader.h"
-#include "store/ndb/subnode_tree.h"
+#include "store/ndb/subnode_tree_reader.h"
 
 namespace velmora {
 namespace {

@@ -1,7 +1,8 @@
-// Numbers of the store in memory and back, always through these functions, never by laying a struct over
-// bytes.
+// Numbers of the store in memory and back, always through these functions, never by laying a struct over bytes. What
+// may be hostile in more than its numbers is looked at through a ByteView (byte_view.h).
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cassert>
 #include <concepts>
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <vector>
 
 #include "store/format/ids.h"
 
@@ -32,6 +34,19 @@ template <std::unsigned_integral T>
 void Store(std::span<std::byte> bytes, std::size_t offset, T value) {
   assert(offset <= bytes.size() && bytes.size() - offset >= sizeof(T));
   std::memcpy(bytes.data() + offset, &value, sizeof(T));
+}
+
+/// The number as it stands in a store.
+template <std::unsigned_integral T>
+std::array<std::byte, sizeof(T)> BytesOf(T value) {
+  return std::bit_cast<std::array<std::byte, sizeof(T)>>(value);
+}
+
+/// Adds a number behind the bytes that are there.
+template <std::unsigned_integral T>
+void Append(std::vector<std::byte>& bytes, T value) {
+  bytes.resize(bytes.size() + sizeof(T));
+  Store(std::span(bytes), bytes.size() - sizeof(T), value);
 }
 
 inline Nid LoadNid(std::span<const std::byte> bytes, std::size_t offset) {

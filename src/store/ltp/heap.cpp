@@ -5,9 +5,10 @@
 
 namespace velmora::ltp {
 
-Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig) {
+Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig, ndb::Faults* faults) {
   Heap heap;
-  Result<ndb::DataTreeReader> blocks = ndb::DataTreeReader::Open(source, bidData);
+  heap.format_ = &source.Format();
+  Result<ndb::DataTreeReader> blocks = ndb::DataTreeReader::Open(source, bidData, faults);
   if (!blocks) return tl::unexpected(blocks.error());
   heap.blocks_ = std::move(*blocks);
   const Result<std::span<const std::byte>> first = heap.blocks_.Block(0);
@@ -25,14 +26,14 @@ Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig c
 
 Result<std::span<const std::byte>> Heap::Item(Hid hid) {
   std::span<const std::byte> block = first_;
-  if (BlockOf(hid) != 0) {
-    const Result<std::span<const std::byte>> other = blocks_.Block(BlockOf(hid));
+  if (const std::uint32_t index = BlockOf(hid, *format_); index != 0) {
+    const Result<std::span<const std::byte>> other = blocks_.Block(index);
     if (!other) return other;
     block = *other;
   }
   const std::size_t ibHnpm = Load<std::uint16_t>(block, 0);
   const std::size_t cAlloc = Load<std::uint16_t>(block, ibHnpm);
-  const std::size_t item = ItemOf(hid);
+  const std::size_t item = ItemOf(hid, *format_);
   if (!IsHid(hid) || item == 0 || item > cAlloc || ibHnpm + 4 + 2 * (item + 1) > block.size()) {
     return Corrupt(Named("heap item", hid), hid, "the heap has no such item");
   }

@@ -36,7 +36,7 @@ HeapWriter::~HeapWriter() { Clear(); }
 
 Result<Hid> HeapWriter::Add(std::span<const std::byte> item) {
   if (item.empty() || item.size() > kMaxHeapItem) {
-    return Corrupt("heap", item.size(), "a heap item has 1 to 3580 bytes");
+    return Corrupt("heap", item.size(), "a heap item is empty or too large");
   }
   HeapPosition next = position_;
   next.Advance(item.size());

@@ -36,6 +36,7 @@ std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, Nid nid
 
 std::shared_ptr<OpenedStore> OpenedStore::Open(std::unique_ptr<platform::ByteSource> file) {
   auto reader = ReadOrRaise(ndb::StoreReader::Open(*file));
+  if (reader->Format().formatId != FORMAT_UNICODE) RaiseNoStore("The store is of another format than those made here.");
   std::shared_ptr<OpenedStore> store(new OpenedStore(std::move(file), std::move(reader)));
   store->ReadMessageStore();
   store->ReadFolders();

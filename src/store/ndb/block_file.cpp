@@ -38,7 +38,8 @@ Result<Bid> BlockFile::WriteData(std::span<const std::byte> data) { return Write
 
 Result<Bid> BlockFile::WriteInternal(std::span<const std::byte> content) {
   std::vector<Bid> references;
-  ForEachReference(content, [&references](Bid bid) { references.push_back(bid); });
+  ForEachReference(InternalBlock(content, generations::kUnicode),
+                   [&references](Bid bid) { references.push_back(bid); });
   if (auto referred = Refer(references); !referred) return tl::unexpected(referred.error());
   return Write(true, content);
 }
@@ -130,7 +131,7 @@ Result<void> BlockFile::Free(Bid root) {
     unreferenced.pop_back();
     if (IsInternal(bid)) {
       if (auto read = Kept(Read(bid, content)); !read) return read;
-      ForEachReference(content, [&](Bid child) {
+      ForEachReference(InternalBlock(content, generations::kUnicode), [&](Bid child) {
         if (table_.DropReference(child) == 0 && !holds_.contains(child)) unreferenced.push_back(child);
       });
     }

@@ -106,15 +106,24 @@ void NdbWriter::LetGo(const NodeTrees& trees) {
 }
 
 Result<DataTree> NdbWriter::WriteData(std::span<const std::byte> bytes) {
-  if (bytes.empty()) return DataTree{};
-  if (bytes.size() > kMaxBlockData) {
-    DataTreeWriter tree(*this);
-    if (auto appended = tree.Append(bytes); !appended) return tl::unexpected(appended.error());
-    return tree.Finish();
+  if (bytes.size() > kMaxTreeSize) {
+    return Fail(FailureKind::kNotSupported, "data tree", bytes.size(), "a value cannot be larger than 4 GiB");
   }
-  const Result<Bid> bid = WriteDataBlock(bytes);
-  if (!bid) return tl::unexpected(bid.error());
-  return DataTree{*bid, bytes.size()};
+  std::vector<Bid> bids;
+  Result<DataTree> tree;
+  for (std::size_t at = 0; tree && at < bytes.size(); at += kMaxBlockData) {
+    const Result<Bid> bid = WriteDataBlock(bytes.subspan(at, std::min(bytes.size() - at, kMaxBlockData)));
+    if (bid) {
+      bids.push_back(*bid);
+    } else {
+      tree = tl::unexpected(bid.error());
+    }
+  }
+  if (tree) tree = WriteTreeOver(bids, bytes.size());
+  if (!tree) {
+    for (const Bid bid : bids) static_cast<void>(Discard({bid}));
+  }
+  return tree;
 }
 
 Result<Bid> NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }

@@ -27,9 +27,7 @@
 #include "store/ndb/block_buffer.h"
 #include "store/ndb/block_file.h"
 #include "store/ndb/block_source.h"
-#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/node_table.h"
-#include "store/ndb/subnode_tree.h"
 #include "store/ndb/tree_pages.h"
 
 namespace velmora::ndb {
@@ -66,7 +64,10 @@ class NdbWriter : public BlockSource {
 
   // -- values
 
-  /// Writes a value of any size up to DataTreeWriter::kMaxSize in one step; no bytes give an empty tree.
+  /// Largest data tree: its size is a 32-bit field.
+  static constexpr std::uint64_t kMaxTreeSize = 0xFFFFFFFF;
+
+  /// Writes a value of any size up to kMaxTreeSize in one step; no bytes give an empty tree.
   Result<DataTree> WriteData(std::span<const std::byte> bytes);
 
   /// A number for the version cell of a table row; distinct over the whole store, never 0.

@@ -71,9 +71,18 @@ FailureKind Refusal(std::size_t offset, int value) {
   return header ? FailureKind::kExists : header.error().kind;
 }
 
-TEST(Header, OfAnotherFormatIsNotSupported) {
-  EXPECT_EQ(Refusal(0x00A, 14), FailureKind::kNotSupported);
-  EXPECT_EQ(Refusal(0x00A, 36), FailureKind::kNotSupported);
+TEST(Header, OfAnUnknownVersionIsNotSupported) {
+  EXPECT_EQ(Refusal(0x00A, 13), FailureKind::kNotSupported);
+  EXPECT_EQ(Refusal(0x00A, 99), FailureKind::kNotSupported);
+}
+
+TEST(Header, TellsTheGenerationByItsVersion) {
+  EXPECT_EQ(GenerationOfVersion(14), &generations::kAnsi);
+  EXPECT_EQ(GenerationOfVersion(15), &generations::kAnsi);
+  EXPECT_EQ(GenerationOfVersion(21), &generations::kUnicode);
+  EXPECT_EQ(GenerationOfVersion(23), &generations::kUnicode);
+  EXPECT_EQ(GenerationOfVersion(36), &generations::kUnicode4k);
+  EXPECT_EQ(GenerationOfVersion(99), nullptr);
 }
 
 TEST(Header, ThatChangedIsCorrupt) {

@@ -8,7 +8,7 @@
 #include "store/ltp/table_context_writer.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
-#include "store/ndb/subnode_tree.h"
+#include "store/ndb/subnode_tree_reader.h"
 #include "store/support/pst_check.h"
 #include "store/support/test_files.h"
 

@@ -188,7 +188,7 @@ TEST_F(StoreTest, HasTheFixedNodesInTheirPlaces) {
                                   0x2223, 0x2226, 0x2227, 0x2230, 0x8022, 0x802D, 0x802E, 0x802F, 0x8042, 0x8062}) {
     EXPECT_TRUE(raw.Reader().FindNode(Nid{nid})) << std::hex << nid;
   }
-  EXPECT_TRUE(raw.Reader().Damage().empty());
+  EXPECT_TRUE(raw.Reader().Damage().List().empty());
   auto store = raw.Node(nid::kMessageStore);
   EXPECT_EQ(store.Text(tag::kDisplayName), u"Test store");
   auto received = raw.Table(nid::kReceiveFolderTable);

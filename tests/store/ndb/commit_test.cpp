@@ -42,7 +42,7 @@ Nodes NodesOfFile(const std::vector<std::byte>& bytes) {
     ADD_FAILURE() << store.error().message;
     return {};
   }
-  EXPECT_TRUE((*store)->Damage().empty());
+  EXPECT_TRUE((*store)->Damage().List().empty());
   EXPECT_EQ((file.Size() - kFirstArea) % kAreaSize, 0u);
   return NodesOf(**store, (*store)->Nodes());
 }

@@ -148,7 +148,7 @@ TEST_F(DataTrees, LargerThanTheir32BitSizeAreRefused) {
   const std::vector<std::byte> bytes(1000);
   ASSERT_TRUE(writer.Append(bytes));
   const std::byte* anywhere = bytes.data();
-  const Result<void> appended = writer.Append(std::span(anywhere, DataTreeWriter::kMaxSize - 999));
+  const Result<void> appended = writer.Append(std::span(anywhere, NdbWriter::kMaxTreeSize - 999));
   ASSERT_FALSE(appended);
   EXPECT_EQ(appended.error().kind, FailureKind::kNotSupported);
   EXPECT_EQ(writer.Size(), 1000u);

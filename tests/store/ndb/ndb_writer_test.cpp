@@ -1,4 +1,5 @@
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +38,7 @@ TEST_F(NdbWriters, MakeAnEmptyStoreThatOpens) {
   EXPECT_EQ(file_.Size(), 271360u);
   const auto store = StoreReader::Open(file_).value();
   EXPECT_TRUE(store->Nodes().empty());
-  EXPECT_TRUE(store->Damage().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   ASSERT_TRUE(ndb_->Seal());
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(test::PstCheck(file_.Bytes(), test::Check::kBlocks), "");
@@ -262,7 +263,7 @@ TEST_F(NdbWriters, FormTreesOfThreeLevelsThatTheCheckerAccepts) {
   }
   ASSERT_TRUE(ndb_->Seal());
   const auto store = StoreReader::Open(file_).value();
-  EXPECT_TRUE(store->Damage().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   EXPECT_EQ(store->Nodes().size(), ndb_->NodeCount());
   EXPECT_EQ(store->BlockCount(), ndb_->BlockCount());
   EXPECT_EQ(Content(*store, MakeNid(NidType::kNormalMessage, 0x10001 + 8998)), test::Noise(1 + 8998 % 50, 8998));

@@ -1,5 +1,3 @@
-#include "store/ndb/subnode_tree.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -7,6 +5,7 @@
 #include "store/format/block.h"
 #include "store/format/little_endian.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ndb {
