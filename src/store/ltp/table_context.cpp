@@ -105,7 +105,11 @@ Result<std::size_t> TableContext::OpenMatrix(Hnid hnidRows) {
   if (auto noted = ndb::Tolerate(faults_, matrix_.BidOf(matrix_.BlockCount() - 1), last.error()); !noted) {
     return tl::unexpected(noted.error());
   }
-  return inFullBlocks;
+  // The rows of a last block that is lost are known by the size of the matrix, and by the index.
+  const std::uint64_t full = heap_.Format().maxBlockData;
+  const std::uint64_t ahead = (matrix_.BlockCount() - 1) * full;
+  const std::uint64_t rest = matrix_.Size() > ahead ? std::min(matrix_.Size() - ahead, full) : 0;
+  return inFullBlocks + static_cast<std::size_t>(rest) / rowSize_;
 }
 
 std::optional<std::size_t> TableContext::FindRow(std::uint32_t rowId) const {

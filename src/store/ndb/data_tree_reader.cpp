@@ -85,11 +85,12 @@ Result<void> DataTreeReader::AddListsOf(Bid bid, std::span<const std::byte> cont
 Result<std::span<const std::byte>> DataTreeReader::Block(std::size_t index) {
   if (index >= dataBids_.size()) return Corrupt("data tree", index, "the tree has no such block");
   if (index != blockIndex_) {
-    blockIndex_ = SIZE_MAX;
-    if (dataBids_[index] == kNoBid) return Fail(FailureKind::kNotFound, "data tree", index, "the block's list is lost");
-    if (auto read = source_->ReadBlock(dataBids_[index], block_); !read) return tl::unexpected(read.error());
+    Result<void> read = Fail(FailureKind::kNotFound, "data tree", index, "the list that names the block is lost");
+    if (dataBids_[index] != kNoBid) read = source_->ReadBlock(dataBids_[index], block_);
     blockIndex_ = index;
+    blockFailure_ = read ? std::nullopt : std::optional(read.error());
   }
+  if (blockFailure_) return tl::unexpected(*blockFailure_);
   return std::span<const std::byte>(block_);
 }
 
@@ -103,8 +104,11 @@ Result<std::span<const std::byte>> DataTreeReader::BlockOrZeros(std::size_t inde
     block = Corrupt(Named("block", dataBids_[index]), block->size(), "a data block within a tree is not full");
   }
   if (auto noted = Tolerate(faults_, dataBids_[index], block.error()); !noted) return tl::unexpected(noted.error());
-  if (blockIndex_ != index) block_.clear();
-  blockIndex_ = SIZE_MAX;  // what stands there now is no block of the store
+  if (blockFailure_) {
+    block_.clear();
+  } else {
+    blockIndex_ = SIZE_MAX;  // what will stand there is no block of the store
+  }
   const std::uint64_t rest = size_ > index * full ? size_ - index * full : 0;
   block_.resize(static_cast<std::size_t>(std::min(rest, full)));
   return std::span<const std::byte>(block_);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -51,7 +52,8 @@ class DataTreeReader {
   std::uint64_t size_ = 0;
   std::vector<Bid> dataBids_;
   std::vector<std::byte> block_;
-  std::size_t blockIndex_ = SIZE_MAX;  ///< which data block `block_` holds
+  std::size_t blockIndex_ = SIZE_MAX;   ///< which data block was read last
+  std::optional<Failure> blockFailure_;  ///< why `block_` does not hold it
 };
 
 }  // namespace velmora::ndb

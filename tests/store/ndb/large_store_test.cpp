@@ -4,6 +4,7 @@
 #include "store/format/little_endian.h"
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/data_tree_reader.h"
+#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
 #include "store/support/test_files.h"
