@@ -80,7 +80,7 @@ BENCHMARK_CAPTURE(BothScans, unicode4k_encoded_smart, FORMAT_UNICODE_4K, kEncode
 void Decode(benchmark::State& bench, CryptMethod method) {
   std::vector<std::byte> block(8176, std::byte{0x5A});
   for (auto _ : bench) {
-    DecodeBlock(method, 0x1234, block);
+    DecodeBlock(method, Bid{0x1234}, block);
     benchmark::DoNotOptimize(block.data());
   }
   bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * block.size()));

@@ -71,7 +71,7 @@ Nid WriteItem(ndb::NdbWriter& ndb, ltp::PropertyContextWriter& item) {
   item.AddText(MakeTag(0x1000, PropType::kString), kBody);
   const ndb::WrittenNode node = item.Finish().value();
   const Nid nid = ndb.NewNid(NidType::kNormalMessage);
-  return ndb.SetNode(nid, node.trees, 0x8022) ? nid : 0;
+  return ndb.SetNode(nid, node.trees, Nid{0x8022}) ? nid : kNoNid;
 }
 
 void Items(benchmark::State& state) {

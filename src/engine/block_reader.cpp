@@ -6,7 +6,6 @@
 #include <array>
 #include <memory>
 
-
 #include "engine/engine_state.h"
 #include "engine/source_window.h"
 
@@ -51,7 +50,7 @@ bool BlockReader::DetectEncoding(std::uint32_t id, std::uint64_t offset, std::ui
     return false;
   for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
     std::array<std::byte, 4> head = stored;
-    velmora::DecodeBlock(method, id, head);
+    velmora::DecodeBlock(method, Bid{id}, head);
     if (!AcceptsSignature(ByteView(head).U16(kSignatureOffset), false)) continue;
     state_.blockEncoding = method;
     return true;
@@ -60,7 +59,7 @@ bool BlockReader::DetectEncoding(std::uint32_t id, std::uint64_t offset, std::ui
 }
 
 void BlockReader::DecodeBlock(std::uint32_t id, std::span<std::byte> bytes) const {
-  velmora::DecodeBlock(state_.blockEncoding, id, bytes);
+  velmora::DecodeBlock(state_.blockEncoding, Bid{id}, bytes);
 }
 
 std::uint32_t BlockReader::InflateBlock(Bytes& bytes) const {

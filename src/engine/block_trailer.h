@@ -5,7 +5,7 @@
 
 #include "engine/zero_runs.h"
 #include "store/format/byte_view.h"
-#include "store/format/page_layout.h"
+#include "store/format/generation.h"
 
 namespace velmora::engine {
 

@@ -13,7 +13,7 @@
 #include "engine/referenced_ids.h"
 #include "platform/file.h"
 #include "store/format/encoding.h"
-#include "store/format/page_layout.h"
+#include "store/format/generation.h"
 
 namespace velmora::engine {
 

@@ -12,7 +12,7 @@
 #include "store/ltp/table_context.h"
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/store_reader.h"
-#include "store/ndb/subnode_tree.h"
+#include "store/ndb/subnode_tree_reader.h"
 
 namespace velmora {
 namespace {
@@ -49,6 +49,37 @@ void ReadRows(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   Require(!table->Cell(table->RowCount(), columns.empty() ? 0 : columns[0].tag) || columns.empty());
 }
 
+/// A tolerant reader hands on at least what a strict one does, and what it does not note is the same.
+void ReadTolerantly(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
+  ndb::Faults faults;
+  if (auto tree = ndb::DataTreeReader::Open(source, node.bidData, &faults)) {
+    const auto all = tree->ReadAll(1 << 20);
+    const auto strict = ndb::DataTreeReader::Open(source, node.bidData);
+    if (all && faults.Count() == 0) Require(strict && *all == *ndb::DataTreeReader(*strict).ReadAll(1 << 20));
+  } else {
+    Require(!ndb::DataTreeReader::Open(source, node.bidData));
+  }
+  const auto subnodes = ndb::ListSubnodes(source, node.bidSub, &faults);
+  if (const auto strict = ndb::ListSubnodes(source, node.bidSub)) Require(subnodes && *subnodes == *strict);
+  if (auto context = ltp::PropertyContext::Open(source, node, &faults)) {
+    std::size_t looks = 0;
+    for (const PropertyRecord& record : context->Records()) {
+      if (++looks > kMostLooks) break;
+      static_cast<void>(context->Read(record.Tag()));
+    }
+  } else {
+    Require(!ltp::PropertyContext::Open(source, node));
+  }
+  if (auto table = ltp::TableContext::Open(source, node, &faults)) {
+    for (std::size_t row = 0; row < std::min<std::size_t>(table->RowCount(), 10); ++row) {
+      static_cast<void>(table->Cell(row, table->Columns().empty() ? 0 : table->Columns()[0].tag));
+    }
+  } else {
+    Require(!ltp::TableContext::Open(source, node));
+  }
+  Require(faults.List().size() <= ndb::Faults::kMostListed && faults.Count() >= faults.List().size());
+}
+
 void ReadNode(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   if (auto tree = ndb::DataTreeReader::Open(source, node.bidData)) {
     const auto all = tree->ReadAll(1 << 20);
@@ -65,29 +96,33 @@ void ReadNode(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   static_cast<void>(ndb::DataSizeOf(source, node));
   ReadProperties(source, node);
   ReadRows(source, node);
+  ReadTolerantly(source, node);
 }
 
 /// The input as blocks: a length in two bytes before each. A block id counts them, and begins anew at the end.
 class Blocks : public ndb::BlockSource {
  public:
-  explicit Blocks(std::span<const std::byte> bytes) {
+  Blocks(std::span<const std::byte> bytes, const Generation& format) : format_(format) {
     while (bytes.size() > 2) {
-      const std::size_t length = Load<std::uint16_t>(bytes, 0) % (kMaxBlockData + 1);
+      const std::size_t length = Load<std::uint16_t>(bytes, 0) % (generations::kUnicode4k.maxBlockData + 1);
       bytes = bytes.subspan(2);
       blocks_.push_back(bytes.first(std::min(length, bytes.size())));
       bytes = bytes.subspan(blocks_.back().size());
     }
   }
 
+  const Generation& Format() const override { return format_; }
+
   Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
-    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
-    const auto block = blocks_[bid / kBidStep % blocks_.size()];
+    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
+    const auto block = blocks_[Value(bid) / kBidStep % blocks_.size()];
     out.assign(block.begin(), block.end());
     return {};
   }
   std::optional<ndb::NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
  private:
+  const Generation& format_;
   std::vector<std::span<const std::byte>> blocks_;
 };
 
@@ -105,7 +140,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       ReadNode(**store, node.trees);
     }
   }
-  ReadNode(Blocks(bytes), {4, 4 | kBidInternal});
-  ReadNode(Blocks(bytes), {4 | kBidInternal, 8 | kBidInternal});
+  for (const FormatId format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
+    ReadNode(Blocks(bytes, LayoutOf(format)), {Bid{4}, Bid{4 | kBidInternal}});
+    ReadNode(Blocks(bytes, LayoutOf(format)), {Bid{4 | kBidInternal}, Bid{8 | kBidInternal}});
+  }
   return 0;
 }

@@ -65,7 +65,7 @@ void Substitute(const Table& table, std::span<const std::byte> from, std::span<s
 
 // The same function encodes and decodes.
 void Cycle(Bid bid, std::span<const std::byte> from, std::span<std::byte> to) {
-  const auto key = static_cast<std::uint32_t>(bid);
+  const auto key = static_cast<std::uint32_t>(Value(bid));
   auto w = static_cast<std::uint16_t>(key ^ key >> 16);
   for (std::size_t i = 0; i < from.size(); ++i, ++w) {
     const auto low = static_cast<std::uint8_t>(w);

@@ -1,4 +1,5 @@
-// The header of a Unicode store: 564 bytes at offset 0. The area up to the density list at 0x4200 is zero.
+// The header: at offset 0, in two layouts. A writer forms that of a Unicode store and leaves the area up to the
+// density list zero.
 #pragma once
 
 #include <array>
@@ -30,20 +31,21 @@ struct Root {
 
 /// The fields of the header that differ between stores.
 struct Header {
-  static constexpr std::size_t kSize = 564;
+  static constexpr std::size_t kSize = 564;  ///< of the wide layout, and less than any store has
 
-  Bid bidNextP = 0;
-  Bid bidNextB = 0;
+  Bid bidNextP{};
+  Bid bidNextB{};
   std::uint32_t dwUnique = 0;
   std::array<std::uint32_t, kNidTypeCount> rgnid{};
   Root root;
   CryptMethod bCryptMethod = CryptMethod::kPermute;
+  const Generation* generation = &generations::kUnicode;  ///< what is written has this one
 };
 
 std::array<std::byte, Header::kSize> Encode(const Header& header);
 
-/// kCorrupt when the magic, the sentinel or the checksum of the first sector does not fit, kNotSupported for ANSI and
-/// 4K stores and for encodings that have no published key.
+/// The header of a store of any generation. kCorrupt when the magic, the sentinel or the checksum of the first sector
+/// does not fit, kNotSupported for versions that are not known and for encodings that have no published key.
 Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
 
 }  // namespace velmora

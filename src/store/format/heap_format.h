@@ -1,10 +1,10 @@
 // A heap: many small items in the data blocks of one node.
 //
-//   block   | head (12, 66 or 2 bytes) | item 1 | item 2 | ... | pad to even | page map | zeros to 8176 |
+//   block   | head (12, 66 or 2 bytes) | item 1 | item 2 | ... | pad to even | page map | zeros |
 //   page map| cAlloc u16 | cFree u16 | rgibAlloc u16[cAlloc + 1] |
 //
 // Block 0 begins with a HNHDR, blocks 8, 136, 264 ... with a HNBITMAPHDR, the others with a HNPAGEHDR. The
-// last block ends behind its page map.
+// last block ends behind its page map; the others have the most data that a block may have.
 #pragma once
 
 #include <cstddef>
@@ -14,20 +14,36 @@
 
 namespace velmora {
 
-/// Heap item id: item number (from 1) in bits 5 to 15, block in the high half. 0 stands for "no item".
+/// Heap item id: item number (from 1) above 5 bits of type, block above it. How the bits are shared out depends on the
+/// generation. 0 stands for "no item".
 using Hid = std::uint32_t;
 
 /// A Hid when its low 5 bits are 0, else the id of a sub-node of the same node.
 using Hnid = std::uint32_t;
 
-constexpr Hid MakeHid(std::uint32_t block, std::uint32_t item) { return block << 16 | item << 5; }
-constexpr std::uint32_t BlockOf(Hid hid) { return hid >> 16; }
-constexpr std::uint32_t ItemOf(Hid hid) { return hid >> 5 & 0x7FF; }
-constexpr bool IsHid(Hnid hnid) { return (hnid & 0x1F) == 0; }
+constexpr std::uint32_t HidBlockShift(const Generation& generation) { return kNidTypeBits + generation.hidItemBits; }
+
+/// Of a heap that is written.
+constexpr Hid MakeHid(std::uint32_t block, std::uint32_t item) {
+  return block << HidBlockShift(generations::kUnicode) | item << kNidTypeBits;
+}
+constexpr std::uint32_t BlockOf(Hid hid, const Generation& generation = generations::kUnicode) {
+  return hid >> HidBlockShift(generation);
+}
+constexpr std::uint32_t ItemOf(Hid hid, const Generation& generation = generations::kUnicode) {
+  return hid >> kNidTypeBits & ((1u << generation.hidItemBits) - 1);
+}
+constexpr bool IsHid(Hnid hnid) { return (hnid & (kNidTypeCount - 1)) == 0; }
+
+/// Most blocks that item ids tell apart.
+constexpr std::size_t MaxHeapBlocks(const Generation& generation) {
+  return std::size_t{1} << (32 - HidBlockShift(generation));
+}
 
 inline constexpr std::size_t kMaxHeapItem = 3580;
-inline constexpr std::size_t kMaxHeapItemsPerBlock = 2047;
-inline constexpr std::size_t kMaxHeapBlocks = 65536;
+inline constexpr std::size_t kMaxHeapItemsPerBlock = (1u << generations::kUnicode.hidItemBits) - 1;
+inline constexpr std::size_t kMaxHeapBlocks = MaxHeapBlocks(generations::kUnicode);
+static_assert(kMaxHeapItemsPerBlock == 2047 && kMaxHeapBlocks == 65536);
 
 /// bClientSig: what a heap holds.
 enum class ClientSig : std::uint8_t { kTableContext = 0x7C, kBTree = 0xB5, kPropertyContext = 0xBC };

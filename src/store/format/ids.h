@@ -5,12 +5,17 @@
 
 namespace velmora {
 
-/// Node id: type in the low 5 bits, index in the high 27.
-using Nid = std::uint32_t;
+// Types of their own, so that no id is taken for a number, a size or the other kind of id: `Nid{n}` makes one of the
+// number that stands in the file, `Value(nid)` gives it back.
+
+/// Node id: type in the low 5 bits, index in the high 27. 0 names no node.
+enum class Nid : std::uint32_t {};
+inline constexpr Nid kNoNid{};
 
 /// Block id: bit 0 is always 0 on disk, bit 1 marks an internal block (XBLOCK, XXBLOCK, SLBLOCK, SIBLOCK).
 /// Page ids count apart and use all bits. 0 names no block.
-using Bid = std::uint64_t;
+enum class Bid : std::uint64_t {};
+inline constexpr Bid kNoBid{};
 
 enum class NidType : std::uint8_t {
   kHid = 0x00,  ///< a heap item, never a node
@@ -38,21 +43,24 @@ inline constexpr std::uint32_t kNidTypeCount = 1u << kNidTypeBits;
 inline constexpr std::uint32_t kMaxNidIndex = (1u << (32 - kNidTypeBits)) - 1;
 
 /// An id as the number that stands in the file.
-constexpr std::uint32_t Value(Nid nid) { return nid; }
-constexpr std::uint64_t Value(Bid bid) { return bid; }
+constexpr std::uint32_t Value(Nid nid) { return static_cast<std::uint32_t>(nid); }
+constexpr std::uint64_t Value(Bid bid) { return static_cast<std::uint64_t>(bid); }
 
 constexpr Nid MakeNid(NidType type, std::uint32_t index) {
-  return index << kNidTypeBits | static_cast<std::uint32_t>(type);
+  return Nid{index << kNidTypeBits | static_cast<std::uint32_t>(type)};
 }
-constexpr NidType NidTypeOf(Nid nid) { return static_cast<NidType>(nid & (kNidTypeCount - 1)); }
-constexpr std::uint32_t IndexOf(Nid nid) { return nid >> kNidTypeBits; }
+constexpr NidType TypeOf(Nid nid) { return static_cast<NidType>(Value(nid) & (kNidTypeCount - 1)); }
+constexpr std::uint32_t IndexOf(Nid nid) { return Value(nid) >> kNidTypeBits; }
 
 /// The node of another type that belongs to the same folder, e.g. its contents table.
 constexpr Nid Sibling(Nid nid, NidType type) { return MakeNid(type, IndexOf(nid)); }
 
-inline constexpr Bid kBidInternal = 2;
-inline constexpr Bid kBidStep = 4;
+inline constexpr std::uint64_t kBidInternal = 2;
+inline constexpr std::uint64_t kBidStep = 4;
 
-constexpr bool IsInternal(Bid bid) { return (bid & kBidInternal) != 0; }
+constexpr bool IsInternal(Bid bid) { return (Value(bid) & kBidInternal) != 0; }
+
+/// The id without its bit 0, which does not count.
+constexpr Bid Canonical(Bid bid) { return Bid{Value(bid) & ~std::uint64_t{1}}; }
 
 }  // namespace velmora

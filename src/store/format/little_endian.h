@@ -1,7 +1,8 @@
-// Numbers of the store in memory and back, always through these functions, never by laying a struct over
-// bytes.
+// Numbers of the store in memory and back, always through these functions, never by laying a struct over bytes. What
+// may be hostile in more than its numbers is looked at through a ByteView (byte_view.h).
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cassert>
 #include <concepts>
@@ -10,6 +11,8 @@
 #include <cstring>
 #include <span>
 #include <vector>
+
+#include "store/format/ids.h"
 
 namespace velmora {
 
@@ -33,6 +36,12 @@ void Store(std::span<std::byte> bytes, std::size_t offset, T value) {
   std::memcpy(bytes.data() + offset, &value, sizeof(T));
 }
 
+/// The number as it stands in a store.
+template <std::unsigned_integral T>
+std::array<std::byte, sizeof(T)> BytesOf(T value) {
+  return std::bit_cast<std::array<std::byte, sizeof(T)>>(value);
+}
+
 /// Appends a number, or bytes as they are.
 template <std::unsigned_integral T>
 void Append(std::vector<std::byte>& out, T value) {
@@ -42,5 +51,13 @@ void Append(std::vector<std::byte>& out, T value) {
 inline void Append(std::vector<std::byte>& out, std::span<const std::byte> bytes) {
   out.insert(out.end(), bytes.begin(), bytes.end());
 }
+
+inline Nid LoadNid(std::span<const std::byte> bytes, std::size_t offset) {
+  return Nid{Load<std::uint32_t>(bytes, offset)};
+}
+inline Bid LoadBid(std::span<const std::byte> bytes, std::size_t offset) {
+  return Bid{Load<std::uint64_t>(bytes, offset)};
+}
+inline void Store(std::span<std::byte> bytes, std::size_t offset, Bid bid) { Store(bytes, offset, Value(bid)); }
 
 }  // namespace velmora

@@ -1,10 +1,6 @@
-// Pages: 512 bytes at offsets that are multiples of 512. The last 16 bytes are the trailer:
-//
-//   496 ptype u8 | 497 ptypeRepeat u8 | 498 wSig u16 | 500 dwCRC u32 (bytes 0 to 495) | 504 bid u64
-//
-// A page of the block or node tree (BTPAGE) holds entries from 0, then
-//
-//   488 cEnt u8 | 489 cEntMax u8 | 490 cbEnt u8 | 491 cLevel u8 | 492 dwPadding u32
+// Pages stand at multiples of their size and end in a trailer: the type twice, the signature, and checksum (of all
+// bytes ahead of the trailer) and id. A page of the block or node tree (BTPAGE) holds entries from 0, then their
+// count, the most there may be, the size of one and the level of the page. The places are in generation.h.
 #pragma once
 
 #include <array>
@@ -12,17 +8,18 @@
 #include <cstdint>
 #include <span>
 
+#include "store/format/generation.h"
 #include "store/format/ids.h"
 #include "store/format/signature.h"
 
 namespace velmora {
 
-inline constexpr std::size_t kPageSize = 512;
-inline constexpr std::size_t kPageTrailerSize = 16;
-inline constexpr std::size_t kPageContent = kPageSize - kPageTrailerSize;
+/// Of the stores that are written.
+inline constexpr std::size_t kPageSize = generations::kUnicode.pageSize;
+inline constexpr std::size_t kPageContent = generations::kUnicode.offPageType;
 
 using Page = std::array<std::byte, kPageSize>;
-using PageView = std::span<const std::byte, kPageSize>;
+using PageView = std::span<const std::byte>;  ///< of as many bytes as a page of its generation has
 
 enum class PageType : std::uint8_t {
   kBbt = 0x80,
@@ -39,7 +36,7 @@ constexpr bool IsMap(PageType type) { return type >= PageType::kFMap && type <= 
 
 /// Where a page or block stands, and its id.
 struct Bref {
-  Bid bid = 0;
+  Bid bid{};
   std::uint64_t ib = 0;
 };
 
@@ -47,56 +44,55 @@ struct Bref {
 void SealPage(Page& page, PageType type, const Bref& ref);
 
 /// Whether the trailer proves that this page is of that type and stands at `ref`.
-bool ProvesItself(PageView page, PageType type, const Bref& ref);
+bool ProvesItself(PageView page, PageType type, const Bref& ref, const Generation& generation = generations::kUnicode);
 
 // ---- pages of the two trees
 
-inline constexpr std::size_t kBtPageEntries = 488;  ///< bytes of entries, and offset of cEnt
-static_assert(kBtPageEntries + 8 + kPageTrailerSize == kPageSize);
-
 struct BtPageHead {
-  std::uint8_t cEnt = 0;
-  std::uint8_t cEntMax = 0;
+  std::uint16_t cEnt = 0;
+  std::uint16_t cEntMax = 0;
   std::uint8_t cbEnt = 0;
   std::uint8_t cLevel = 0;  ///< 0 for a leaf
 };
 
 void Encode(const BtPageHead& head, Page& page);
-BtPageHead DecodeBtPageHead(PageView page);
+BtPageHead DecodeBtPageHead(PageView page, const Generation& generation = generations::kUnicode);
 
 /// An entry above the leaves: the first key of a child page and where it stands.
 struct BtEntry {
-  static constexpr std::size_t kSize = 24;
+  static constexpr std::size_t kSize = generations::kUnicode.blockEntrySize;
   std::uint64_t btkey = 0;
   Bref ref;
 };
 
 /// A leaf entry of the block tree.
 struct BbtEntry {
-  static constexpr std::size_t kSize = 24;
+  static constexpr std::size_t kSize = generations::kUnicode.blockEntrySize;
   Bref ref;
-  std::uint16_t cb = 0;    ///< bytes of data
+  std::uint16_t cb = 0;    ///< bytes of data as stored
   std::uint16_t cRef = 0;  ///< 1 + number of references to the block
 };
 
 /// A leaf entry of the node tree.
 struct NbtEntry {
-  static constexpr std::size_t kSize = 32;
-  std::uint64_t nid = 0;
-  Bid bidData = 0;
-  Bid bidSub = 0;
-  std::uint32_t nidParent = 0;
+  static constexpr std::size_t kSize = generations::kUnicode.nodeEntrySize;
+  Nid nid{};  ///< the high half of the field is rubbish in stores of other makers
+  Bid bidData{};
+  Bid bidSub{};
+  Nid nidParent{};
 };
 
 void Encode(const BtEntry& entry, std::span<std::byte> out);
 void Encode(const BbtEntry& entry, std::span<std::byte> out);
 void Encode(const NbtEntry& entry, std::span<std::byte> out);
-BtEntry DecodeBtEntry(std::span<const std::byte> in);
-BbtEntry DecodeBbtEntry(std::span<const std::byte> in);
-NbtEntry DecodeNbtEntry(std::span<const std::byte> in);
+BtEntry DecodeBtEntry(std::span<const std::byte> in, const Generation& generation = generations::kUnicode);
+BbtEntry DecodeBbtEntry(std::span<const std::byte> in, const Generation& generation = generations::kUnicode);
+NbtEntry DecodeNbtEntry(std::span<const std::byte> in, const Generation& generation = generations::kUnicode);
 
 /// Most entries of that size in a page.
-constexpr std::uint8_t MaxEntries(std::size_t cbEnt) { return static_cast<std::uint8_t>(kBtPageEntries / cbEnt); }
+constexpr std::uint16_t MaxEntries(std::size_t cbEnt, const Generation& generation = generations::kUnicode) {
+  return static_cast<std::uint16_t>(generation.offEntryCount / cbEnt);
+}
 
 /// Bytes that the pages of a tree of so many entries take at most.
 constexpr std::uint64_t TreeBytes(std::uint64_t entries, std::size_t cbEnt) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 #include "store/format/failures.h"
 #include "store/format/little_endian.h"
@@ -80,49 +81,91 @@ void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t
   }
 }
 
-Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords) {
+namespace {
+
+/// The walk over a tree, a level at a time: its items are read in the order of their blocks, so no block is read twice
+/// for one level, and put together in the order of the tree.
+class BthWalk {
+ public:
+  BthWalk(Heap& heap, const BthLayout& layout, std::size_t maxRecords, ndb::Faults* faults)
+      : heap_(heap), layout_(layout), faults_(faults), recordsLeft_(maxRecords), bytesLeft_(heap.Size()) {}
+
+  Result<std::vector<std::byte>> Read(Hid root, std::size_t levels) {
+    std::vector<Hid> items{root};
+    for (;; --levels) {
+      Result<std::vector<std::byte>> records = ReadLevel(items, levels);
+      if (!records || levels == 0) return records;
+      items.clear();
+      for (std::size_t at = 0; at < records->size(); at += layout_.IndexRecord()) {
+        items.push_back(Load<std::uint32_t>(*records, at + layout_.cbKey));
+      }
+    }
+  }
+
+ private:
+  /// The records of all items of a level, in the order of the items.
+  Result<std::vector<std::byte>> ReadLevel(std::span<const Hid> items, std::size_t level) {
+    std::vector<std::size_t> order(items.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, {}, [&](std::size_t i) { return items[i]; });
+    std::vector<std::vector<std::byte>> contents(items.size());
+    for (const std::size_t i : order) {
+      Result<std::vector<std::byte>> content = ReadItem(items[i], level);
+      if (content) {
+        contents[i] = std::move(*content);
+      } else if (auto noted = ndb::Tolerate(faults_, heap_.BidOf(items[i]), content.error()); !noted) {
+        return tl::unexpected(noted.error());
+      }
+    }
+    std::vector<std::byte> records;
+    for (const std::vector<std::byte>& content : contents) {
+      records.insert(records.end(), content.begin(), content.end());
+    }
+    return records;
+  }
+
+  // No item of a sound tree is met twice, so more bytes than the heap has mean that one is.
+  Result<std::vector<std::byte>> ReadItem(Hid hid, std::size_t level) {
+    const Result<std::span<const std::byte>> item = heap_.Item(hid);
+    if (!item) return tl::unexpected(item.error());
+    const std::size_t recordSize = level == 0 ? layout_.LeafRecord() : layout_.IndexRecord();
+    const std::size_t size = item->size() / recordSize * recordSize;
+    if (size == 0 || size > bytesLeft_) {
+      return Corrupt(Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
+    }
+    bytesLeft_ -= size;
+    if (level == 0) {
+      const std::size_t count = size / recordSize;
+      if (count > recordsLeft_) return Corrupt(Named("heap item", hid), count, "the tree has too many records");
+      recordsLeft_ -= count;
+    }
+    return std::vector<std::byte>(item->begin(), item->begin() + static_cast<std::ptrdiff_t>(size));
+  }
+
+  Heap& heap_;
+  const BthLayout layout_;
+  ndb::Faults* faults_;
+  std::size_t recordsLeft_;
+  std::uint64_t bytesLeft_;
+};
+
+}  // namespace
+
+Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords,
+                                       ndb::Faults* faults) {
   const Result<std::span<const std::byte>> header = heap.Item(hidHeader);
   if (!header) return tl::unexpected(header.error());
   if (header->size() < kBthHeaderSize || (*header)[0] != static_cast<std::byte>(ClientSig::kBTree) ||
       (*header)[1] != std::byte{layout.cbKey} || (*header)[2] != std::byte{layout.cbEnt}) {
     return Corrupt(Named("heap item", hidHeader), hidHeader, "no header of a tree of that layout");
   }
-  struct Node {
-    Hid hid;
-    std::size_t level;
-  };
-  std::vector<Node> pending{{Load<std::uint32_t>(*header, 4), Load<std::uint8_t>(*header, 3)}};
-  if (pending[0].level > kMaxIndexLevels) {
-    return Corrupt(Named("heap item", hidHeader), pending[0].level, "the tree has too many levels");
+  const std::size_t levels = Load<std::uint8_t>(*header, 3);
+  const auto root = Load<std::uint32_t>(*header, 4);
+  if (levels > kMaxIndexLevels) {
+    return Corrupt(Named("heap item", hidHeader), levels, "the tree has too many levels");
   }
-  if (pending[0].hid == 0) pending.clear();
-
-  // No item of a sound tree is met twice, so more bytes than the heap has mean that one is.
-  std::uint64_t bytesLeft = heap.Size();
-  std::vector<std::byte> records;
-  while (!pending.empty()) {
-    const auto [hid, level] = pending.back();
-    pending.pop_back();
-    const Result<std::span<const std::byte>> item = heap.Item(hid);
-    if (!item) return tl::unexpected(item.error());
-    const std::size_t recordSize = level == 0 ? layout.LeafRecord() : layout.IndexRecord();
-    const std::size_t count = item->size() / recordSize;
-    if (count == 0 || count * recordSize > bytesLeft) {
-      return Corrupt(Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
-    }
-    bytesLeft -= count * recordSize;
-    if (level == 0) {
-      if (records.size() / recordSize + count > maxRecords) {
-        return Corrupt(Named("heap item", hid), maxRecords, "the tree has too many records");
-      }
-      records.insert(records.end(), item->begin(), item->begin() + static_cast<std::ptrdiff_t>(count * recordSize));
-      continue;
-    }
-    for (std::size_t i = count; i-- > 0;) {
-      pending.push_back({Load<std::uint32_t>(*item, i * recordSize + layout.cbKey), level - 1});
-    }
-  }
-  return records;
+  if (root == 0) return std::vector<std::byte>{};
+  return BthWalk(heap, layout, maxRecords, faults).Read(root, levels);
 }
 
 }  // namespace velmora::ltp

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "store/format/heap_format.h"
+#include "store/format/property_record.h"
 #include "store/ltp/heap.h"
 #include "store/ltp/heap_writer.h"
 
@@ -28,26 +29,31 @@ struct BthLayout {
   constexpr std::size_t IndexRecord() const { return std::size_t{cbKey} + 4; }
 };
 
-inline constexpr BthLayout kPropertyLayout{2, 6};
-inline constexpr BthLayout kRowIndexLayout{4, 4};
+inline constexpr BthLayout kPropertyLayout{kPropertyKeySize, kPropertyDataSize};
 
-/// Keys are distinct, so there are no more properties than ids, and no more rows than a heap has room for.
+/// Of the row index of a table: row id, and the row's number in the matrix.
+constexpr BthLayout RowIndexLayout(const Generation& generation) { return {4, generation.rowNumberSize}; }
+inline constexpr BthLayout kRowIndexLayout = RowIndexLayout(generations::kUnicode);
+
+/// Keys are distinct, so there are no more properties than ids. Rows have no limit but the room of their heap.
 inline constexpr std::size_t kMaxProperties = 0x10000;
-inline constexpr std::size_t kMaxRows = kMaxHeapBlocks * kMaxBlockData / kRowIndexLayout.LeafRecord();
+inline constexpr std::size_t kMaxRows = SIZE_MAX;
 
 /// Writes record `index` into `out`.
 using EncodeRecord = std::function<void(std::size_t index, std::span<std::byte> out)>;
 
 /// Writes `count` records by ascending key into a heap and then their tree's header over `hidHeader`, an item
 /// of kBthHeaderSize bytes in block 0.
-Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
-                      const EncodeRecord& encode);
+[[nodiscard]] Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
+                                    const EncodeRecord& encode);
 
 /// Moves `position` behind the items that WriteBth writes for `count` records.
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count);
 
 /// All records of a tree, back to back, as they stand. kCorrupt when the tree has another layout, does not fit
-/// into its heap or has more than `maxRecords`.
-Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords);
+/// into its heap or has more than `maxRecords`; with `faults`, for the first of these alone: items that cannot be read
+/// are left out. Each block of the heap is read once for a level.
+[[nodiscard]] Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout,
+                                                     std::size_t maxRecords, ndb::Faults* faults = nullptr);
 
 }  // namespace velmora::ltp

@@ -5,16 +5,17 @@
 
 namespace velmora::ltp {
 
-Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig) {
+Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig, ndb::Faults* faults) {
   Heap heap;
-  Result<ndb::DataTreeReader> blocks = ndb::DataTreeReader::Open(source, bidData);
+  heap.format_ = &source.Format();
+  Result<ndb::DataTreeReader> blocks = ndb::DataTreeReader::Open(source, bidData, faults);
   if (!blocks) return tl::unexpected(blocks.error());
   heap.blocks_ = std::move(*blocks);
   const Result<std::span<const std::byte>> first = heap.blocks_.Block(0);
   if (!first) return tl::unexpected(first.error());
   heap.first_.assign(first->begin(), first->end());
   if (heap.first_.size() < kHnHdrSize || heap.first_[2] != std::byte{kHeapSig}) {
-    return Corrupt("heap", bidData, "the node holds no heap");
+    return Corrupt("heap", Value(bidData), "the node holds no heap");
   }
   if (heap.first_[3] != static_cast<std::byte>(clientSig)) {
     return Corrupt("heap", std::to_integer<std::uint64_t>(heap.first_[3]), "the heap holds something else");
@@ -25,14 +26,14 @@ Result<Heap> Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig c
 
 Result<std::span<const std::byte>> Heap::Item(Hid hid) {
   std::span<const std::byte> block = first_;
-  if (BlockOf(hid) != 0) {
-    const Result<std::span<const std::byte>> other = blocks_.Block(BlockOf(hid));
+  if (const std::uint32_t index = BlockOf(hid, *format_); index != 0) {
+    const Result<std::span<const std::byte>> other = blocks_.Block(index);
     if (!other) return other;
     block = *other;
   }
   const std::size_t ibHnpm = Load<std::uint16_t>(block, 0);
   const std::size_t cAlloc = Load<std::uint16_t>(block, ibHnpm);
-  const std::size_t item = ItemOf(hid);
+  const std::size_t item = ItemOf(hid, *format_);
   if (!IsHid(hid) || item == 0 || item > cAlloc || ibHnpm + 4 + 2 * (item + 1) > block.size()) {
     return Corrupt(Named("heap item", hid), hid, "the heap has no such item");
   }

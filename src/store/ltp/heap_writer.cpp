@@ -36,7 +36,7 @@ HeapWriter::~HeapWriter() { Clear(); }
 
 Result<Hid> HeapWriter::Add(std::span<const std::byte> item) {
   if (item.empty() || item.size() > kMaxHeapItem) {
-    return Corrupt("heap", item.size(), "a heap item has 1 to 3580 bytes");
+    return Corrupt("heap", item.size(), "a heap item is empty or too large");
   }
   HeapPosition next = position_;
   next.Advance(item.size());
@@ -84,7 +84,7 @@ Result<ndb::DataTree> HeapWriter::Finish(Hid hidUserRoot) {
 }
 
 void HeapWriter::Clear() {
-  for (const Bid bid : bids_) static_cast<void>(ndb_.Discard({bid, 0}));
+  for (const Bid bid : bids_) static_cast<void>(ndb_.Discard({bid}));
   bids_.clear();
   ends_.clear();
   position_ = {};
@@ -104,7 +104,7 @@ Result<void> HeapWriter::OpenBlock(std::size_t block) {
     (*buffer)[2] = std::byte{kHeapSig};
     (*buffer)[3] = static_cast<std::byte>(clientSig_);
   }
-  bids_.push_back(0);
+  bids_.push_back(kNoBid);
   ends_.clear();
   return {};
 }

@@ -67,7 +67,7 @@ class HeapWriter {
   ndb::BlockBuffer current_;              ///< the block at hand, when it is none of these
   std::vector<std::uint16_t> ends_;       ///< ends of the items of the block at hand
   std::vector<std::uint16_t> firstEnds_;  ///< those of block 0, once it is not at hand any more
-  std::vector<Bid> bids_;                 ///< of blocks begun so far; 0 for those that are not written yet
+  std::vector<Bid> bids_;                 ///< of blocks begun so far; none for those that are not written yet
 };
 
 }  // namespace velmora::ltp

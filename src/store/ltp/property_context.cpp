@@ -8,15 +8,18 @@
 #include "store/ltp/bth.h"
 #include "store/ltp/heap_value.h"
 #include "store/ltp/multi_value.h"
+#include "store/ndb/data_tree_reader.h"
 
 namespace velmora::ltp {
 
-Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
-  Result<Heap> heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext);
+Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                              ndb::Faults* faults) {
+  Result<Heap> heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext, faults);
   if (!heap) return tl::unexpected(heap.error());
-  const Result<std::vector<std::byte>> bytes = ReadBth(*heap, heap->UserRoot(), kPropertyLayout, kMaxProperties);
+  const Result<std::vector<std::byte>> bytes =
+      ReadBth(*heap, heap->UserRoot(), kPropertyLayout, kMaxProperties, faults);
   if (!bytes) return tl::unexpected(bytes.error());
-  PropertyContext context(source, std::move(*heap), node.bidSub);
+  PropertyContext context(source, std::move(*heap), node.bidSub, faults);
   context.records_.reserve(bytes->size() / kPropertyLayout.LeafRecord());
   for (std::size_t at = 0; at < bytes->size(); at += kPropertyLayout.LeafRecord()) {
     context.records_.push_back({Load<std::uint16_t>(*bytes, at),
@@ -53,7 +56,7 @@ Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag)
     value.resize(*size);
     return value;
   }
-  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, kMaxValue);
+  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, kMaxValue, faults_);
   if (!value) return tl::unexpected(value.error());
   if (size && value->size() != *size) {
     return Corrupt(Named("property", tag), value->size(), "the value does not fit its type");
@@ -101,7 +104,7 @@ std::optional<text::Text> PropertyContext::Text(PropTag tag) {
 std::optional<PropertyContext::Object> PropertyContext::ReadObject(PropTag tag) {
   const std::optional<std::vector<std::byte>> value = Binary(tag);
   if (TypeOf(tag) != PropType::kObject || !value || value->size() != 8) return std::nullopt;
-  return Object{Load<std::uint32_t>(*value, 0), Load<std::uint32_t>(*value, 4)};
+  return Object{LoadNid(*value, 0), Load<std::uint32_t>(*value, 4)};
 }
 
 Result<std::optional<std::uint64_t>> PropertyContext::SizeOf(PropTag tag) {
@@ -122,11 +125,11 @@ Result<std::optional<std::uint64_t>> PropertyContext::SizeOf(PropTag tag) {
 Result<std::optional<ndb::DataTree>> PropertyContext::TreeOf(PropTag tag) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
-  const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(record->dwValueHnid);
+  const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(Nid{record->dwValueHnid});
   if (!subnode) return tl::unexpected(subnode.error());
   if (!*subnode) return Corrupt(Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
   const Bid bid = (*subnode)->trees.bidData;
-  const Result<ndb::DataTreeReader> tree = ndb::DataTreeReader::Open(*source_, bid);
+  const Result<ndb::DataTreeReader> tree = ndb::DataTreeReader::Open(*source_, bid, faults_);
   if (!tree) return tl::unexpected(tree.error());
   return ndb::DataTree{bid, tree->Size()};
 }
@@ -136,7 +139,7 @@ Result<std::optional<ndb::SubnodeEntry>> PropertyContext::FindSubnode(Nid nid) c
 }
 
 Result<std::vector<ndb::SubnodeEntry>> PropertyContext::Subnodes() const {
-  return ndb::ListSubnodes(*source_, bidSub_);
+  return ndb::ListSubnodes(*source_, bidSub_, faults_);
 }
 
 }  // namespace velmora::ltp

@@ -1,4 +1,4 @@
-// Reads the properties of a node.
+// Reads the properties of a node, of any generation.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 #include "store/format/property_record.h"
 #include "store/ltp/heap.h"
 #include "store/ndb/block_source.h"
-#include "store/ndb/data_tree_writer.h"
-#include "store/ndb/subnode_tree.h"
+#include "store/ndb/faults.h"
+#include "store/ndb/subnode_tree_reader.h"
 #include "text/text.h"
 
 namespace velmora::ltp {
@@ -19,8 +19,11 @@ namespace velmora::ltp {
 /// A property context opened for reading; its records are read at opening, values on demand.
 class PropertyContext {
  public:
-  /// `source` must outlive the reader. kCorrupt when the node is no property context.
-  static Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
+  /// `source` and `faults` must outlive the reader. kCorrupt when the node is no property context. With `faults`,
+  /// records that are lost are missing, and so are the sub-nodes of a block that is lost; a value that is lost fails
+  /// alone, and what is lost in the middle of a long one reads as zeros.
+  [[nodiscard]] static Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                                    ndb::Faults* faults = nullptr);
 
   /// All records by ascending id, one for each.
   std::span<const PropertyRecord> Records() const { return records_; }
@@ -31,7 +34,7 @@ class PropertyContext {
   /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
   /// Values larger than kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
-  Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
+  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
   std::optional<bool> Boolean(PropTag tag);
@@ -44,25 +47,25 @@ class PropertyContext {
 
   /// What a PtypObject property refers to.
   struct Object {
-    Nid nid = 0;
+    Nid nid{};
     std::uint32_t size = 0;
   };
   std::optional<Object> ReadObject(PropTag tag);
 
   /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type.
-  Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
+  [[nodiscard]] Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
 
   /// The tree of a value that lies in a sub-node, e.g. to share it with another node; nothing when the value
   /// lies in the heap or is not there.
-  Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
+  [[nodiscard]] Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
 
   /// A sub-node of the node.
-  Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;
-  Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
+  [[nodiscard]] Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;
+  [[nodiscard]] Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
 
  private:
-  PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub)
-      : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
+  PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
+      : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
   const PropertyRecord* FindTag(PropTag tag) const;
   template <class T>
@@ -71,6 +74,7 @@ class PropertyContext {
   const ndb::BlockSource* source_;
   Heap heap_;
   Bid bidSub_;
+  ndb::Faults* faults_;
   std::vector<PropertyRecord> records_;
 };
 

@@ -16,13 +16,6 @@ constexpr Hid kHeaderHid = MakeHid(0, 1);
 constexpr std::uint32_t kFirstSubnodeIndex = 0x401;
 constexpr std::uint64_t kMaxInteger32 = 0x7FFFFFFF;
 
-template <class T>
-std::array<std::byte, sizeof(T)> BytesOf(T value) {
-  std::array<std::byte, sizeof(T)> bytes;
-  Store<T>(bytes, 0, value);
-  return bytes;
-}
-
 }  // namespace
 
 PropertyContextWriter::PropertyContextWriter(ndb::NdbWriter& ndb)
@@ -32,9 +25,9 @@ void PropertyContextWriter::Add(PropTag tag, std::span<const std::byte> value) {
   if (auto fits = CheckValue(tag, value); !fits) return Fail(fits.error());
   valueBytes_ += value.size();
   if (IsInline(TypeOf(tag))) {
-    std::uint32_t number = 0;
-    for (std::size_t i = value.size(); i-- > 0;) number = number << 8 | std::to_integer<std::uint32_t>(value[i]);
-    return AddRecord(tag, number);
+    std::array<std::byte, sizeof(std::uint32_t)> word{};
+    std::copy(value.begin(), value.end(), word.begin());
+    return AddRecord(tag, Load<std::uint32_t>(word, 0));
   }
   if (value.size() <= kHeapValueLimit) return AddHeapValue(tag, value);
   const Result<ndb::DataTree> tree = ndb_.WriteData(value);
@@ -86,11 +79,11 @@ void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
 
 void PropertyContextWriter::AddObject(PropTag tag, Nid nid, std::uint32_t size) {
   if (TypeOf(tag) != PropType::kObject) {
-    return Fail({FailureKind::kCorrupt, Named("property", tag), nid, "the property is no object"});
+    return Fail({FailureKind::kCorrupt, Named("property", tag), Value(nid), "the property is no object"});
   }
   valueBytes_ += size;
   std::array<std::byte, 8> value;
-  Store<std::uint32_t>(value, 0, nid);
+  Store(value, 0, Value(nid));
   Store<std::uint32_t>(value, 4, size);
   AddHeapValue(tag, value);
 }
@@ -177,8 +170,8 @@ void PropertyContextWriter::AddHeapValue(PropTag tag, std::span<const std::byte>
 
 void PropertyContextWriter::AddSubnodeValue(PropTag tag, const ndb::DataTree& tree) {
   const Nid nid = NewSubnodeNid();
-  subnodes_.Add(nid, {{tree.bid, 0}, tree.size});
-  AddRecord(tag, nid);
+  subnodes_.Add(nid, {{tree.bid}, tree.size});
+  AddRecord(tag, Value(nid));
 }
 
 void PropertyContextWriter::Fail(const Failure& failure) {

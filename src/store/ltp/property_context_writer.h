@@ -9,7 +9,9 @@
 #include "store/format/prop_tag.h"
 #include "store/format/property_record.h"
 #include "store/ltp/heap_writer.h"
+#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 #include "text/text.h"
 
 namespace velmora::ltp {
@@ -65,7 +67,7 @@ class PropertyContextWriter {
   bool Has(std::uint16_t id) const;
 
   /// Writes the node; nothing refers to it yet.
-  Result<ndb::WrittenNode> Finish();
+  [[nodiscard]] Result<ndb::WrittenNode> Finish();
 
   /// Gives up what was added.
   void Clear();

@@ -1,4 +1,4 @@
-// Reads a table.
+// Reads a table of any generation.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "store/ltp/heap.h"
+#include "store/ltp/table_info.h"
 #include "store/ltp/table_schema.h"
 #include "store/ndb/block_source.h"
+#include "store/ndb/faults.h"
 #include "text/text.h"
 
 namespace velmora::ltp {
@@ -16,8 +18,10 @@ namespace velmora::ltp {
 /// A table opened for reading; its row index is read at opening (8 bytes a row), rows on demand.
 class TableContext {
  public:
-  /// `source` must outlive the reader. kCorrupt when the node is no table context.
-  static Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node);
+  /// `source` and `faults` must outlive the reader. kCorrupt when the node is no table context. With `faults`, rows
+  /// whose index entry is lost are found in the matrix, by the id that they carry; cells that are lost fail alone.
+  [[nodiscard]] static Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                                 ndb::Faults* faults = nullptr);
 
   std::span<const Column> Columns() const { return columns_; }
 
@@ -30,7 +34,7 @@ class TableContext {
   std::optional<std::size_t> FindRow(std::uint32_t rowId) const;
 
   /// The value bytes of a cell; nothing when the table has no such column or the cell is absent.
-  Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
+  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
 
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
   std::optional<bool> Boolean(std::size_t row, PropTag tag);
@@ -44,12 +48,14 @@ class TableContext {
     std::uint32_t matrixRow = 0;
   };
 
-  TableContext(const ndb::BlockSource& source, Heap heap, Bid bidSub)
-      : source_(&source), heap_(std::move(heap)), bidSub_(bidSub) {}
+  TableContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
+      : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
+  Result<void> ReadIndex(const TableInfo& info, std::size_t matrixRows);
+  void AddRowsWithoutIndex(std::size_t matrixRows);
   Result<std::size_t> OpenMatrix(Hnid hnidRows);
-  Result<std::span<const std::byte>> Row(std::size_t row);
-  std::size_t RowsPerBlock() const { return kMaxBlockData / rowSize_; }
+  Result<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
+  std::size_t RowsPerBlock() const { return heap_.Format().maxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;
   template <class T>
   std::optional<T> Number(std::size_t row, PropTag tag);
@@ -57,6 +63,7 @@ class TableContext {
   const ndb::BlockSource* source_;
   Heap heap_;
   Bid bidSub_;
+  ndb::Faults* faults_;
   std::vector<Column> columns_;
   std::size_t cebOffset_ = 0;
   std::size_t rowSize_ = 0;

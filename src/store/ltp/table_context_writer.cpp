@@ -105,8 +105,8 @@ Result<Hnid> TableContextWriter::StoreValue(std::span<const std::byte> value) {
   const Result<ndb::DataTree> tree = ndb_.WriteData(value);
   if (!tree) return tl::unexpected(tree.error());
   const Nid nid = MakeNid(NidType::kLtp, nextSubnodeIndex_++);
-  subnodes_.Add(nid, {{tree->bid, 0}, tree->size});
-  return nid;
+  subnodes_.Add(nid, {{tree->bid}, tree->size});
+  return Value(nid);
 }
 
 void TableContextWriter::SetExists(std::uint8_t iBit) {
@@ -153,8 +153,8 @@ Result<Hnid> TableContextWriter::FinishMatrix() {
   }
   const Result<ndb::DataTree> tree = matrix_.Finish();
   if (!tree) return tl::unexpected(tree.error());
-  subnodes_.Add(kMatrixNid, {{tree->bid, 0}, tree->size});
-  return kMatrixNid;
+  subnodes_.Add(kMatrixNid, {{tree->bid}, tree->size});
+  return Value(kMatrixNid);
 }
 
 // The two items that others refer to by number come first; both are written again at the end.

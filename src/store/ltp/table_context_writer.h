@@ -9,7 +9,9 @@
 #include "store/ltp/heap_writer.h"
 #include "store/ltp/table_info.h"
 #include "store/ltp/table_schema.h"
+#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 
 namespace velmora::ltp {
 
@@ -29,16 +31,16 @@ class TableContextWriter {
   /// Adds a row. `cells` may be in any order; a property that the table has no column for is left out, and
   /// so are the row id and version, which the writer sets. A cell that is not given is absent. kCorrupt when
   /// a value does not fit its type.
-  Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
+  [[nodiscard]] Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
 
   std::size_t RowCount() const { return rowIds_.size(); }
 
-  /// Cells left absent because the heap, which holds at most 65536 blocks, or the sub-nodes had no room for
+  /// Cells left absent because the heap, which has room for so many blocks alone, or the sub-nodes had no room for
   /// them.
   std::size_t CellsLeftOut() const { return cellsLeftOut_; }
 
   /// Writes the table; nothing refers to it yet. kCorrupt when two rows share an id. The writer is used up.
-  Result<ndb::WrittenNode> Finish();
+  [[nodiscard]] Result<ndb::WrittenNode> Finish();
 
  private:
   Result<void> OpenHeap();

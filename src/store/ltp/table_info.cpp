@@ -2,7 +2,6 @@
 
 #include "store/format/failures.h"
 #include "store/format/little_endian.h"
-#include "store/ndb/block_buffer.h"
 
 namespace velmora::ltp {
 
@@ -24,7 +23,7 @@ std::vector<std::byte> Encode(const TableInfo& info) {
   return out;
 }
 
-Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes) {
+Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes, const Generation& generation) {
   const std::size_t cCols = Load<std::uint8_t>(bytes, 1);
   if (Load<std::uint8_t>(bytes, 0) != static_cast<std::uint8_t>(ClientSig::kTableContext) ||
       bytes.size() < TableInfo::kHeadSize + cCols * TableInfo::kColumnSize) {
@@ -34,7 +33,8 @@ Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes) {
   for (std::size_t i = 0; i < info.rgib.size(); ++i) info.rgib[i] = Load<std::uint16_t>(bytes, 2 + 2 * i);
   const std::size_t cebOffset = info.rgib[2];
   const std::size_t rowSize = info.rgib[3];
-  if (rowSize == 0 || rowSize > kMaxBlockData || cebOffset > rowSize || rowSize - cebOffset < (cCols + 7) / 8) {
+  if (rowSize == 0 || rowSize > generation.maxBlockData || cebOffset > rowSize ||
+      rowSize - cebOffset < (cCols + 7) / 8) {
     return Corrupt("table", rowSize, "the size of a row does not fit");
   }
   info.hidRowIndex = Load<std::uint32_t>(bytes, 10);

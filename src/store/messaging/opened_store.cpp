@@ -36,6 +36,7 @@ std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, Nid nid
 
 std::shared_ptr<OpenedStore> OpenedStore::Open(std::unique_ptr<platform::ByteSource> file) {
   auto reader = ReadOrRaise(ndb::StoreReader::Open(*file));
+  if (reader->Format().formatId != FORMAT_UNICODE) RaiseNoStore("The store is of another format than those made here.");
   std::shared_ptr<OpenedStore> store(new OpenedStore(std::move(file), std::move(reader)));
   store->ReadMessageStore();
   store->ReadFolders();
@@ -54,7 +55,7 @@ void OpenedStore::ReadMessageStore() {
   std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
 
   const auto folderOf = [&](PropTag tag) {
-    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(0);
+    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(kNoNid);
   };
   const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
@@ -81,9 +82,9 @@ void OpenedStore::ReadChildren(Folder& folder) {
   auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kHierarchyTable));
   if (!table) return;
   for (std::size_t row = 0; row < table->RowCount(); ++row) {
-    const Nid child = table->RowId(row);
+    const Nid child{table->RowId(row)};
     // A folder that is met a second time would lead round in a circle.
-    if (NidTypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
+    if (TypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
     if (!reader_->FindNode(child)) continue;
     folders_.Add(&folder, child, table->Text(row, tag::kDisplayName).value_or(text::Text()),
                  table->Text(row, tag::kContainerClass).value_or(text::Text()));
@@ -93,7 +94,7 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = table->RowId(row)});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = Nid{table->RowId(row)}});
   }
   return folder.items;
 }

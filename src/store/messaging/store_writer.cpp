@@ -186,7 +186,7 @@ void StoreWriter::CommitNowAndThen() {
 
 /// Whether a given id may be that of a new object.
 bool StoreWriter::IsFree(Nid nid, NidType type) const {
-  if (NidTypeOf(nid) != type || IndexOf(nid) <= kLastFixedIndex) {
+  if (TypeOf(nid) != type || IndexOf(nid) <= kLastFixedIndex) {
     throw OutputFailure(ResultCode::E_INVALIDARG, "The id is none for such an object.");
   }
   return !ndb_->FindNode(nid) && folders_.OfNid(nid) == nullptr;

@@ -38,7 +38,8 @@ Result<Bid> BlockFile::WriteData(std::span<const std::byte> data) { return Write
 
 Result<Bid> BlockFile::WriteInternal(std::span<const std::byte> content) {
   std::vector<Bid> references;
-  ForEachReference(content, [&references](Bid bid) { references.push_back(bid); });
+  ForEachReference(InternalBlock(content, generations::kUnicode),
+                   [&references](Bid bid) { references.push_back(bid); });
   if (auto referred = Refer(references); !referred) return tl::unexpected(referred.error());
   return Write(true, content);
 }
@@ -57,38 +58,38 @@ Result<Bid> BlockFile::Write(bool internal, std::span<const std::byte> data) {
   EncodeBlock(internal ? CryptMethod::kNone : cryptMethod_, *bid, data, stored);
   std::fill(padding.begin(), padding.end(), std::byte{0});
   const auto cb = static_cast<std::uint16_t>(data.size());
-  Encode(BlockTrailer{cb, ComputeSig(*ib, *bid), WeakCrc(stored), *bid}, place->last(kBlockTrailerSize));
+  Encode(BlockTrailer{cb, ComputeSig(*ib, Value(*bid)), WeakCrc(stored), *bid}, place->last(kBlockTrailerSize));
   table_.Append(internal, *ib, cb);
   return *bid;
 }
 
 Result<void> BlockFile::Read(Bid bid, std::vector<std::byte>& out) const {
-  const std::optional<BlockTable::Block> block = table_.Find(bid & ~Bid{1});
-  if (!block) return Fail(FailureKind::kNotFound, Named("block", bid), bid, "the store has no such block");
+  const std::optional<BlockTable::Block> block = table_.Find(Canonical(bid));
+  if (!block) return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "the store has no such block");
   out.resize(block->cb);
   const Result<std::size_t> read = window_.Read(block->ib, out);
   if (!read) return tl::unexpected(read.error());
   if (*read != out.size()) return Corrupt(Named("block", bid), block->ib, "the file ends within the block");
-  if (!IsInternal(bid)) DecodeBlock(cryptMethod_, bid & ~Bid{1}, out);
+  if (!IsInternal(bid)) DecodeBlock(cryptMethod_, Canonical(bid), out);
   return {};
 }
 
 Result<void> BlockFile::Refer(std::span<const Bid> bids) {
   for (std::size_t i = 0; i < bids.size(); ++i) {
     const Bid bid = bids[i];
-    if (bid == 0 || table_.AddReference(bid)) continue;
+    if (bid == kNoBid || table_.AddReference(bid)) continue;
     for (const Bid counted : bids.first(i)) {
-      if (counted != 0) table_.DropReference(counted);
+      if (counted != kNoBid) table_.DropReference(counted);
     }
     const std::string name = Named("block", bid);
-    if (!table_.Find(bid)) return Fail(FailureKind::kNotFound, name, bid, "the store has no such block");
-    return Fail(FailureKind::kNotSupported, name, bid, "too many nodes share the block");
+    if (!table_.Find(bid)) return Fail(FailureKind::kNotFound, name, Value(bid), "the store has no such block");
+    return Fail(FailureKind::kNotSupported, name, Value(bid), "too many nodes share the block");
   }
   return {};
 }
 
 Result<void> BlockFile::Release(Bid bid) {
-  if (bid == 0 || table_.DropReference(bid) > 0 || holds_.contains(bid)) return {};
+  if (bid == kNoBid || table_.DropReference(bid) > 0 || holds_.contains(bid)) return {};
   return Free(bid);
 }
 
@@ -99,7 +100,7 @@ Result<void> BlockFile::Discard(Bid bid) {
 }
 
 void BlockFile::Hold(Bid bid) {
-  if (bid != 0) ++holds_[bid];
+  if (bid != kNoBid) ++holds_[bid];
 }
 
 Result<void> BlockFile::LetGo(Bid bid) {
@@ -130,7 +131,7 @@ Result<void> BlockFile::Free(Bid root) {
     unreferenced.pop_back();
     if (IsInternal(bid)) {
       if (auto read = Kept(Read(bid, content)); !read) return read;
-      ForEachReference(content, [&](Bid child) {
+      ForEachReference(InternalBlock(content, generations::kUnicode), [&](Bid child) {
         if (table_.DropReference(child) == 0 && !holds_.contains(child)) unreferenced.push_back(child);
       });
     }

@@ -88,8 +88,8 @@ class BlockFile {
   const BlockTable& Table() const { return table_; }
   CryptMethod Method() const { return cryptMethod_; }
 
-  Bid NewPageBid() { return bidNextP_++; }
-  Bid BidNextP() const { return bidNextP_; }
+  Bid NewPageBid() { return Bid{bidNextP_++}; }
+  Bid BidNextP() const { return Bid{bidNextP_}; }
 
   /// The failure that stopped the writing, if one has.
   Result<void> Usable() const;
@@ -117,8 +117,8 @@ class BlockFile {
   BlockTable table_;
   std::unordered_map<Bid, std::uint32_t> holds_;
   WriteWindow window_;
-  Bid bidNextP_ = 1;
-  Bid firstUncommitted_ = 0;     ///< blocks from this id on are in no commit
+  std::uint64_t bidNextP_ = 1;
+  Bid firstUncommitted_{};       ///< blocks from this id on are in no commit
   std::uint32_t openAreas_ = 0;  ///< areas whose maps are written
   std::uint64_t reservedBytes_ = 0;
   std::size_t reservedBlocks_ = 0;

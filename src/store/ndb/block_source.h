@@ -7,22 +7,29 @@
 #include <vector>
 
 #include "store/format/failures.h"
+#include "store/format/generation.h"
 #include "store/format/ids.h"
 
 namespace velmora::ndb {
 
 /// The two trees of a node or sub-node; 0 where there is none.
 struct NodeTrees {
-  Bid bidData = 0;
-  Bid bidSub = 0;
+  Bid bidData{};
+  Bid bidSub{};
   friend bool operator==(const NodeTrees&, const NodeTrees&) = default;
+};
+
+/// A data tree: a data block, an XBLOCK over data blocks or an XXBLOCK over XBLOCKs.
+struct DataTree {
+  Bid bid{};               ///< kNoBid for no bytes
+  std::uint64_t size = 0;  ///< bytes
 };
 
 /// A node as the node tree lists it.
 struct NodeEntry {
-  Nid nid = 0;
-  NodeTrees trees;
-  Nid nidParent = 0;  ///< the containing folder of folders and messages, else 0
+  Nid nid{};
+  NodeTrees trees{};
+  Nid nidParent{};  ///< the containing folder of folders and messages, else 0
   friend bool operator==(const NodeEntry&, const NodeEntry&) = default;
 };
 
@@ -30,9 +37,13 @@ class BlockSource {
  public:
   virtual ~BlockSource() = default;
 
-  /// Replaces `out` by the content of a block, decoded and without trailer; 1 to 8176 bytes. Bit 0 of `bid`
-  /// is ignored. kNotFound when the store has no such block, kCorrupt when its trailer does not fit.
-  virtual Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const = 0;
+  /// What the blocks are formed by; that of the stores that are written unless a source says otherwise.
+  virtual const Generation& Format() const { return generations::kUnicode; }
+
+  /// Replaces `out` by the content of a block, decoded, inflated and without trailer; it has at least one byte and
+  /// no more than a block of the format. Bit 0 of `bid` is ignored. kNotFound when the store has no such block,
+  /// kCorrupt when its trailer does not fit.
+  [[nodiscard]] virtual Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const = 0;
 
   /// The node of that id, or nothing.
   virtual std::optional<NodeEntry> FindNode(Nid nid) const = 0;

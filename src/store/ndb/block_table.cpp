@@ -6,7 +6,7 @@ namespace velmora::ndb {
 
 std::optional<Bid> BlockTable::NextBid(bool internal) const {
   if (entries_.size() == kMaxBlocks) return std::nullopt;
-  return NumberOf(entries_.size()) | (internal ? kBidInternal : 0);
+  return Bid{NumberOf(entries_.size()) | (internal ? kBidInternal : 0)};
 }
 
 void BlockTable::Append(bool internal, std::uint64_t ib, std::uint16_t cb) {
@@ -43,7 +43,7 @@ void BlockTable::Remove(Bid bid) {
 }
 
 const BlockTable::Entry* BlockTable::EntryOf(Bid bid) const {
-  const Bid index = bid / kBidStep;
+  const std::uint64_t index = Value(bid) / kBidStep;
   if (index == 0 || index >= entries_.size()) return nullptr;
   const Entry& entry = entries_[index];
   const bool internal = (entry.cbAndKind & kInternalFlag) != 0;

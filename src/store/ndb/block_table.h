@@ -41,7 +41,7 @@ class BlockTable {
 
   /// Number of blocks, and the value of bidNextB.
   std::size_t Count() const { return count_; }
-  Bid BidNextB() const { return NumberOf(entries_.size()); }
+  Bid BidNextB() const { return Bid{NumberOf(entries_.size())}; }
 
   /// Calls `visit(bid, block)` for each block by ascending id, as long as it returns true.
   template <class Visit>
@@ -62,9 +62,9 @@ class BlockTable {
   static constexpr std::uint16_t kInternalFlag = 0x8000;
   static constexpr std::size_t kMaxBlocks = (std::size_t{1} << 31) - 1;  // so that half of an id fits 32 bits
 
-  static Bid NumberOf(std::size_t index) { return static_cast<Bid>(index) * kBidStep; }
+  static std::uint64_t NumberOf(std::size_t index) { return std::uint64_t{index} * kBidStep; }
   Bid BidOf(std::size_t index) const {
-    return NumberOf(index) | ((entries_[index].cbAndKind & kInternalFlag) != 0 ? kBidInternal : 0);
+    return Bid{NumberOf(index) | ((entries_[index].cbAndKind & kInternalFlag) != 0 ? kBidInternal : 0)};
   }
   static Block BlockOf(const Entry& entry) {
     return {std::uint64_t{entry.slot} * kSlotSize, static_cast<std::uint16_t>(entry.cbAndKind & ~kInternalFlag),

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "store/format/failures.h"
-#include "store/ndb/ndb_writer.h"
 
 namespace velmora::ndb {
 
@@ -13,7 +12,7 @@ DataTreeWriter::DataTreeWriter(NdbWriter& ndb) : ndb_(ndb) {}
 DataTreeWriter::~DataTreeWriter() { Clear(); }
 
 Result<void> DataTreeWriter::Append(std::span<const std::byte> bytes) {
-  if (bytes.size() > kMaxSize - size_) {
+  if (bytes.size() > NdbWriter::kMaxTreeSize - size_) {
     return Fail(FailureKind::kNotSupported, "data tree", size_, "a value cannot be larger than 4 GiB");
   }
   // The last block stays in memory until one more byte comes, so that Finish always has one to write.
@@ -52,7 +51,7 @@ Result<DataTree> DataTreeWriter::Finish() {
 }
 
 void DataTreeWriter::Clear() {
-  for (const Bid bid : dataBids_) static_cast<void>(ndb_.Discard({bid, 0}));
+  for (const Bid bid : dataBids_) static_cast<void>(ndb_.Discard({bid}));
   dataBids_.clear();
   buffer_ = {};
   used_ = 0;

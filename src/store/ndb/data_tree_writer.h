@@ -7,31 +7,20 @@
 
 #include "store/ndb/block_buffer.h"
 #include "store/ndb/block_source.h"
+#include "store/ndb/ndb_writer.h"
 
 namespace velmora::ndb {
-
-class NdbWriter;
-
-/// A finished data tree: a data block, an XBLOCK over data blocks or an XXBLOCK over XBLOCKs. Every data
-/// block but the last holds 8176 bytes, so `size` is also the sum of the cb of its data blocks.
-struct DataTree {
-  Bid bid = 0;             ///< 0 for no bytes
-  std::uint64_t size = 0;  ///< bytes
-};
 
 /// Cuts appended bytes into full data blocks, which go to the store as they fill, and puts the blocks above
 /// over them. A tree that is given up before Finish leaves nothing in the store.
 class DataTreeWriter {
  public:
-  /// Largest tree: its size is a 32-bit field.
-  static constexpr std::uint64_t kMaxSize = 0xFFFFFFFF;
-
   explicit DataTreeWriter(NdbWriter& ndb);
   ~DataTreeWriter();
   DataTreeWriter(const DataTreeWriter&) = delete;
   DataTreeWriter& operator=(const DataTreeWriter&) = delete;
 
-  /// Fails with kNotSupported when the tree would grow beyond kMaxSize; the tree is unchanged then.
+  /// Fails with kNotSupported when the tree would grow beyond NdbWriter::kMaxTreeSize; the tree is unchanged then.
   Result<void> Append(std::span<const std::byte> bytes);
 
   /// Bytes appended so far.

@@ -20,14 +20,14 @@ static_assert(kMapBytes == kPageContent);
 Page FullMapPage(PageType type, std::uint64_t ib) {
   Page page;
   page.fill(std::byte{0xFF});
-  SealPage(page, type, {ib, ib});
+  SealPage(page, type, {Bid{ib}, ib});
   return page;
 }
 
 Page AMapPage(const AllocationMap& map, std::uint32_t area) {
   Page page;
   std::memcpy(page.data(), map.AreaBits(area).data(), kMapBytes);
-  SealPage(page, PageType::kAMap, {AreaOffset(area), AreaOffset(area)});
+  SealPage(page, PageType::kAMap, {Bid{AreaOffset(area)}, AreaOffset(area)});
   return page;
 }
 

@@ -41,7 +41,7 @@ Result<std::unique_ptr<NdbWriter>> NdbWriter::Create(platform::ByteStore& file, 
 
 Nid NdbWriter::NewNid(NidType type) {
   const std::uint32_t index = rgnid_[static_cast<std::size_t>(type)] + 1;
-  if (index > kMaxNidIndex) return 0;
+  if (index > kMaxNidIndex) return kNoNid;
   const Nid nid = MakeNid(type, index);
   NoteNid(nid);
   return nid;
@@ -52,7 +52,7 @@ void NdbWriter::NoteNid(Nid nid) {
     std::uint32_t& counter = rgnid_[static_cast<std::size_t>(type)];
     counter = std::max(counter, IndexOf(nid));
   };
-  const NidType type = NidTypeOf(nid);
+  const NidType type = TypeOf(nid);
   raise(type);
   for (const std::span<const NidType, 4> group : {std::span(kFolderTypes), std::span(kSearchFolderTypes)}) {
     if (std::find(group.begin(), group.end(), type) != group.end()) std::for_each(group.begin(), group.end(), raise);
@@ -61,9 +61,9 @@ void NdbWriter::NoteNid(Nid nid) {
 
 Result<void> NdbWriter::SetNode(Nid nid, const NodeTrees& trees, Nid nidParent) {
   if (auto usable = blocks_.Usable(); !usable) return usable;
-  if (nid == 0) return Fail(FailureKind::kNotSupported, "node", 0, "node ids are used up");
-  if (trees.bidSub != 0 && !IsInternal(trees.bidSub)) {
-    return Corrupt(Named("node", nid), trees.bidSub, "the sub-node tree is a data block");
+  if (nid == kNoNid) return Fail(FailureKind::kNotSupported, "node", 0, "node ids are used up");
+  if (trees.bidSub != kNoBid && !IsInternal(trees.bidSub)) {
+    return Corrupt(Named("node", nid), Value(trees.bidSub), "the sub-node tree is a data block");
   }
   if (auto referred = blocks_.Refer(std::array{trees.bidData, trees.bidSub}); !referred) return referred;
   const NodeTrees old = nodes_.Find(nid).value_or(NodeEntry{}).trees;
@@ -106,15 +106,24 @@ void NdbWriter::LetGo(const NodeTrees& trees) {
 }
 
 Result<DataTree> NdbWriter::WriteData(std::span<const std::byte> bytes) {
-  if (bytes.empty()) return DataTree{};
-  if (bytes.size() > kMaxBlockData) {
-    DataTreeWriter tree(*this);
-    if (auto appended = tree.Append(bytes); !appended) return tl::unexpected(appended.error());
-    return tree.Finish();
+  if (bytes.size() > kMaxTreeSize) {
+    return Fail(FailureKind::kNotSupported, "data tree", bytes.size(), "a value cannot be larger than 4 GiB");
   }
-  const Result<Bid> bid = WriteDataBlock(bytes);
-  if (!bid) return tl::unexpected(bid.error());
-  return DataTree{*bid, bytes.size()};
+  std::vector<Bid> bids;
+  Result<DataTree> tree;
+  for (std::size_t at = 0; tree && at < bytes.size(); at += kMaxBlockData) {
+    const Result<Bid> bid = WriteDataBlock(bytes.subspan(at, std::min(bytes.size() - at, kMaxBlockData)));
+    if (bid) {
+      bids.push_back(*bid);
+    } else {
+      tree = tl::unexpected(bid.error());
+    }
+  }
+  if (tree) tree = WriteTreeOver(bids, bytes.size());
+  if (!tree) {
+    for (const Bid bid : bids) static_cast<void>(Discard({bid}));
+  }
+  return tree;
 }
 
 Result<Bid> NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }
@@ -130,7 +139,7 @@ Result<DataTree> NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::ui
                         static_cast<std::uint32_t>(total)},
            *buffer);
     for (std::size_t i = 0; i < bids.size(); ++i) {
-      Store<std::uint64_t>(*buffer, InternalHead::kSize + i * kXEntrySize, bids[i]);
+      Store(*buffer, InternalHead::kSize + i * kXEntrySize, bids[i]);
     }
     return WriteInternalBlock(std::span(*buffer).first(InternalHead::kSize + bids.size() * kXEntrySize));
   };

@@ -27,9 +27,7 @@
 #include "store/ndb/block_buffer.h"
 #include "store/ndb/block_file.h"
 #include "store/ndb/block_source.h"
-#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/node_table.h"
-#include "store/ndb/subnode_tree.h"
 #include "store/ndb/tree_pages.h"
 
 namespace velmora::ndb {
@@ -43,7 +41,7 @@ class NdbWriter : public BlockSource {
 
   // -- nodes
 
-  /// A node id of that type that was never handed out: the next index of the type's counter; 0 when all
+  /// A node id of that type that was never handed out: the next index of the type's counter; none when all
   /// 134 million are used up. Ids of a folder's (or search folder's) four nodes share one index: ask for the
   /// folder, derive the rest with Sibling.
   Nid NewNid(NidType type);
@@ -51,7 +49,7 @@ class NdbWriter : public BlockSource {
   /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
   /// be empty, or shared with other nodes. kNotSupported for nid 0, and when a block would be referred to
   /// more than 65534 times.
-  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent);
+  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
 
   /// Removes a node and releases its trees; a node that is not there is no failure.
   Result<void> RemoveNode(Nid nid);
@@ -66,7 +64,10 @@ class NdbWriter : public BlockSource {
 
   // -- values
 
-  /// Writes a value of any size up to DataTreeWriter::kMaxSize in one step; no bytes give an empty tree.
+  /// Largest data tree: its size is a 32-bit field.
+  static constexpr std::uint64_t kMaxTreeSize = 0xFFFFFFFF;
+
+  /// Writes a value of any size up to kMaxTreeSize in one step; no bytes give an empty tree.
   Result<DataTree> WriteData(std::span<const std::byte> bytes);
 
   /// A number for the version cell of a table row; distinct over the whole store, never 0.

@@ -5,13 +5,14 @@
 namespace velmora::ndb {
 namespace {
 
-std::size_t ListOf(Nid nid) { return static_cast<std::size_t>(NidTypeOf(nid)); }
+std::size_t ListOf(Nid nid) { return static_cast<std::size_t>(TypeOf(nid)); }
+
+std::uint32_t Half(Bid bid) { return static_cast<std::uint32_t>(Value(bid) >> 1); }
 
 }  // namespace
 
 void NodeTable::Set(const NodeEntry& node) {
-  const Entry entry{node.nid, node.nidParent, static_cast<std::uint32_t>(node.trees.bidData >> 1),
-                    static_cast<std::uint32_t>(node.trees.bidSub >> 1)};
+  const Entry entry{node.nid, node.nidParent, Half(node.trees.bidData), Half(node.trees.bidSub)};
   std::vector<Entry>& list = byType_[ListOf(node.nid)];
   const auto place =
       std::lower_bound(list.begin(), list.end(), node.nid, [](const Entry& a, Nid nid) { return a.nid < nid; });
@@ -44,7 +45,7 @@ void NodeTable::Compact() {
 }
 
 NodeEntry NodeTable::NodeOf(const Entry& entry) {
-  return {entry.nid, {Bid{entry.data} << 1, Bid{entry.sub} << 1}, entry.nidParent};
+  return {entry.nid, {Bid{std::uint64_t{entry.data} << 1}, Bid{std::uint64_t{entry.sub} << 1}}, entry.nidParent};
 }
 
 const NodeTable::Entry* NodeTable::NextOf(std::array<std::size_t, kNidTypeCount>& at) const {

@@ -4,14 +4,13 @@
 #include <array>
 
 #include "store/format/block.h"
-#include "store/format/checksum.h"
 #include "store/format/failures.h"
 #include "store/format/header.h"
 
 namespace velmora::ndb {
 namespace {
 
-constexpr std::uint8_t kMaxLevel = 8;  // 20 entries a page: more blocks than a file can hold
+constexpr std::uint8_t kMaxLevel = 8;  // at 20 entries a page: more blocks than a file can hold
 
 }  // namespace
 
@@ -26,6 +25,7 @@ Result<std::unique_ptr<StoreReader>> StoreReader::Open(const platform::ByteSourc
     return Fail(FailureKind::kNotSupported, "store", file.Size(), "the file is too large");
 
   std::unique_ptr<StoreReader> store(new StoreReader(file));
+  store->format_ = header->generation;
   store->cryptMethod_ = header->bCryptMethod;
   store->ReadTree(PageType::kBbt, header->root.brefBbt);
   store->ReadTree(PageType::kNbt, header->root.brefNbt);
@@ -46,77 +46,75 @@ void StoreReader::ReadTree(PageType type, const Bref& root) {
     Bref ref;
     int level;  ///< -1 for the root, whose level is not known
   };
-  std::vector<bool> seen(file_.Size() / kPageSize + 1);
+  const std::size_t pageSize = format_->pageSize;
+  std::vector<bool> seen(file_.Size() / pageSize + 1);
   std::vector<Expected> pending{{root, -1}};
-  Page page;
+  std::vector<std::byte> page(pageSize);
   while (!pending.empty()) {
     const auto [ref, level] = pending.back();
     pending.pop_back();
-    if (ref.ib % kPageSize != 0 || ref.ib >= file_.Size() || seen[ref.ib / kPageSize]) {
+    if (ref.ib % pageSize != 0 || ref.ib >= file_.Size() || seen[ref.ib / pageSize]) {
       Note(ref, "a tree refers to a place that is no page, or to a page twice");
       continue;
     }
-    seen[ref.ib / kPageSize] = true;
+    seen[ref.ib / pageSize] = true;
     const Result<std::size_t> read = file_.ReadAt(ref.ib, page);
-    if (!read || *read != kPageSize || !ProvesItself(page, type, ref)) {
+    if (!read || *read != pageSize || !ProvesItself(page, type, ref, *format_)) {
       Note(ref, "the trailer of a page does not fit");
       continue;
     }
-    const BtPageHead head = DecodeBtPageHead(page);
-    const std::size_t entrySize = head.cLevel == 0 && type == PageType::kNbt ? NbtEntry::kSize : BtEntry::kSize;
-    if (head.cbEnt != entrySize || head.cEnt > MaxEntries(entrySize) || head.cLevel > kMaxLevel ||
+    const BtPageHead head = DecodeBtPageHead(page, *format_);
+    const bool isNodeLeaf = head.cLevel == 0 && type == PageType::kNbt;
+    const std::size_t entrySize = isNodeLeaf ? format_->nodeEntrySize : format_->blockEntrySize;
+    if (head.cbEnt != entrySize || head.cEnt > MaxEntries(entrySize, *format_) || head.cLevel > kMaxLevel ||
         (level >= 0 && head.cLevel != level)) {
       Note(ref, "the level or the entries of a page do not fit");
       continue;
     }
     if (head.cLevel == 0) {
-      ReadLeaf(type, page, head.cEnt);
+      ReadLeaf(type, page, head);
       continue;
     }
     for (std::size_t i = head.cEnt; i-- > 0;) {
       const auto entry = std::span<const std::byte>(page).subspan(i * entrySize, entrySize);
-      pending.push_back({DecodeBtEntry(entry).ref, head.cLevel - 1});
+      pending.push_back({DecodeBtEntry(entry, *format_).ref, head.cLevel - 1});
     }
   }
 }
 
-void StoreReader::ReadLeaf(PageType type, PageView page, std::size_t cEnt) {
-  for (std::size_t i = 0; i < cEnt; ++i) {
+void StoreReader::ReadLeaf(PageType type, PageView page, const BtPageHead& head) {
+  for (std::size_t i = 0; i < head.cEnt; ++i) {
+    const auto bytes = page.subspan(i * head.cbEnt, head.cbEnt);
     if (type == PageType::kNbt) {
-      const NbtEntry entry = DecodeNbtEntry(page.subspan(i * NbtEntry::kSize, NbtEntry::kSize));
-      nodes_.push_back({static_cast<Nid>(entry.nid), {entry.bidData, entry.bidSub}, entry.nidParent});
+      const NbtEntry entry = DecodeNbtEntry(bytes, *format_);
+      nodes_.push_back({entry.nid, {entry.bidData, entry.bidSub}, entry.nidParent});
       continue;
     }
-    const BbtEntry entry = DecodeBbtEntry(page.subspan(i * BbtEntry::kSize, BbtEntry::kSize));
-    if (entry.cb == 0 || entry.cb > kMaxBlockData || entry.ref.ib >= file_.Size()) {
+    const BbtEntry entry = DecodeBbtEntry(bytes, *format_);
+    if (entry.cb == 0 || entry.cb > format_->maxBlockData || entry.ref.ib >= file_.Size()) {
       Note(entry.ref, "a block has an impossible size or place");
       continue;
     }
-    blocks_.push_back({entry.ref.bid & ~Bid{1}, entry.ref.ib | std::uint64_t{entry.cb} << kIbBits});
+    blocks_.push_back({Canonical(entry.ref.bid), entry.ref.ib | std::uint64_t{entry.cb} << kIbBits});
   }
 }
 
 Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
-  bid &= ~Bid{1};
+  bid = Canonical(bid);
   const auto block =
       std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
   if (block == blocks_.end() || block->bid != bid) {
-    return Fail(FailureKind::kNotFound, Named("block", bid), bid, "the store has no such block");
+    return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "the store has no such block");
   }
   const std::uint64_t ib = block->ibAndCb & ((std::uint64_t{1} << kIbBits) - 1);
   const std::size_t cb = block->ibAndCb >> kIbBits;
-  out.resize(BlockSizeOnDisk(cb));
+  out.resize(BlockSizeOnDisk(cb, *format_));
   const Result<std::size_t> read = file_.ReadAt(ib, out);
   if (!read) return tl::unexpected(read.error());
-  if (*read != out.size()) return Corrupt(Named("block", bid), ib, "the file ends within the block");
-  const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(kBlockTrailerSize));
-  out.resize(cb);
-  if ((trailer.bid & ~Bid{1}) != bid || trailer.cb != cb || trailer.wSig != ComputeSig(ib, trailer.bid)) {
-    return Corrupt(Named("block", bid), ib, "the trailer is another block's");
-  }
-  if (trailer.dwCRC != WeakCrc(out)) return Corrupt(Named("block", bid), ib, "the checksum does not fit");
-  if (!IsInternal(bid)) DecodeBlock(cryptMethod_, bid, out);
-  return {};
+  const std::string_view why = WhyNotBlock(std::span(out).first(*read), {bid, ib}, cb, *format_);
+  if (!why.empty()) return Corrupt(Named("block", bid), ib, why);
+  if (UnpackBlock(out, bid, cb, cryptMethod_, *format_)) return {};
+  return Corrupt(Named("block", bid), ib, "the block does not inflate to its size");
 }
 
 std::optional<NodeEntry> StoreReader::FindNode(Nid nid) const {
@@ -127,9 +125,7 @@ std::optional<NodeEntry> StoreReader::FindNode(Nid nid) const {
 }
 
 void StoreReader::Note(const Bref& ref, std::string_view why) {
-  if (damage_.size() < kMaxDamage) {
-    damage_.push_back({FailureKind::kCorrupt, Named("page or block", ref.bid), ref.ib, std::string(why)});
-  }
+  damage_.Add(ref.bid, {FailureKind::kCorrupt, Named("page or block", ref.bid), ref.ib, std::string(why)});
 }
 
 }  // namespace velmora::ndb

@@ -54,7 +54,7 @@ Result<Bref> WriteBlockTree(BlockFile& file, std::vector<std::uint64_t>& offsets
   std::array<std::byte, BbtEntry::kSize> entry;
   file.Table().ForEach([&](Bid bid, const BlockTable::Block& block) {
     Encode(BbtEntry{{bid, block.ib}, block.cb, static_cast<std::uint16_t>(block.references + 1)}, entry);
-    added = tree.Add(bid, entry);
+    added = tree.Add(Value(bid), entry);
     return added.has_value();
   });
   if (!added) return tl::unexpected(added.error());
@@ -67,7 +67,7 @@ Result<Bref> WriteNodeTree(BlockFile& file, const NodeTable& nodes, std::vector<
   std::array<std::byte, NbtEntry::kSize> entry;
   nodes.ForEach([&](const NodeEntry& node) {
     Encode(NbtEntry{node.nid, node.trees.bidData, node.trees.bidSub, node.nidParent}, entry);
-    added = tree.Add(node.nid, entry);
+    added = tree.Add(Value(node.nid), entry);
     return added.has_value();
   });
   if (!added) return tl::unexpected(added.error());

@@ -27,7 +27,7 @@ class TreePagesWriter {
  private:
   struct Level {
     Page page{};
-    std::uint8_t cEnt = 0;
+    std::uint16_t cEnt = 0;
     std::uint64_t firstKey = 0;
     bool hasPages = false;  ///< some of the level is written already
   };

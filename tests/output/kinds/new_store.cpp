@@ -6,7 +6,7 @@
 namespace velmora::kinds {
 namespace {
 
-constexpr Nid kNameMap = 0x61;
+constexpr Nid kNameMap{0x61};
 constexpr std::size_t kNameSize = 8;
 constexpr std::size_t kGuidSize = 16;
 constexpr std::uint32_t kFirstGuid = 3;  ///< the first of the stream; 2 stands for the set of the text names
@@ -80,7 +80,7 @@ ltp::PropertyContext NewStore::Node(Nid nid) const {
 std::vector<ltp::PropertyContext> NewStore::Messages() const {
   std::vector<ltp::PropertyContext> messages;
   for (const ndb::NodeEntry& node : reader_->Nodes()) {
-    if (NidTypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(Node(node.nid));
+    if (TypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(Node(node.nid));
   }
   return messages;
 }

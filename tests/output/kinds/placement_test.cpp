@@ -5,6 +5,7 @@
 #include "output/kinds/conversion.h"
 #include "output/kinds/new_store.h"
 #include "output/kinds/source.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::kinds {
 namespace {
@@ -14,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr forge::Nid kUnknownFolder = 0x99992;
-constexpr Nid kRootFolder = 0x122;
+constexpr Nid kRootFolder{0x122};
 constexpr std::size_t kEntryIdSize = 24;
 
 struct Home {
@@ -52,9 +53,7 @@ TEST(Placement, EachKindHasItsDefaultFolderInTheNewStore) {
   for (const Home& home : kHomes) {
     const auto entryId = root.Binary(home.pointer);
     ASSERT_TRUE(entryId && entryId->size() == kEntryIdSize) << text::ToUtf8(home.name);
-    Nid nid = 0;  // its last four bytes
-    for (std::size_t at = kEntryIdSize; at-- > kEntryIdSize - 4;) nid = nid << 8 | std::to_integer<Nid>((*entryId)[at]);
-    auto pointedAt = store.Node(nid);
+    auto pointedAt = store.Node(LoadNid(*entryId, kEntryIdSize - 4));
     EXPECT_EQ(pointedAt.Text(0x3001001F), home.name);
     EXPECT_EQ(pointedAt.Text(0x3613001F), home.containerClass);
 

@@ -25,44 +25,44 @@ std::vector<std::byte> CountingBytes(std::size_t count) {
 
 TEST(Encoding, PermutesByTheTableOfTheFormat) {
   EXPECT_EQ(
-      Encoded(CryptMethod::kPermute, 4, CountingBytes(16)),
+      Encoded(CryptMethod::kPermute, Bid{4}, CountingBytes(16)),
       test::Bytes({0x41, 0x36, 0x13, 0x62, 0xa8, 0x21, 0x6e, 0xbb, 0xf4, 0x16, 0xcc, 0x04, 0x7f, 0x64, 0xe8, 0x5d}));
-  EXPECT_EQ(WeakCrc(Encoded(CryptMethod::kPermute, 4, CountingBytes(256))), 0x82A02835u);
+  EXPECT_EQ(WeakCrc(Encoded(CryptMethod::kPermute, Bid{4}, CountingBytes(256))), 0x82A02835u);
   std::vector<std::byte> inverse = CountingBytes(256);
-  DecodeBlock(CryptMethod::kPermute, 4, inverse);
+  DecodeBlock(CryptMethod::kPermute, Bid{4}, inverse);
   EXPECT_EQ(WeakCrc(inverse), 0x6D4E07FEu);
 }
 
 TEST(Encoding, CyclesFromTheBlocksOwnId) {
   EXPECT_EQ(
-      Encoded(CryptMethod::kCyclic, 0x1234, std::vector<std::byte>(16)),
+      Encoded(CryptMethod::kCyclic, Bid{0x1234}, std::vector<std::byte>(16)),
       test::Bytes({0xbb, 0xcf, 0x3b, 0x4f, 0x8b, 0x7c, 0x35, 0x5d, 0x97, 0x44, 0x9d, 0xa7, 0xf2, 0x6c, 0xec, 0xcd}));
   EXPECT_EQ(
-      Encoded(CryptMethod::kCyclic, 0x00012344, CountingBytes(16)),
+      Encoded(CryptMethod::kCyclic, Bid{0x00012344}, CountingBytes(16)),
       test::Bytes({0x2e, 0x10, 0xcd, 0x8d, 0x5b, 0x98, 0xc0, 0xcd, 0xf3, 0xc5, 0x5b, 0x0a, 0xe8, 0xb8, 0xcd, 0xed}));
 }
 
 TEST(Encoding, CyclesByTheLowHalfOfTheIdAlone) {
   const std::vector<std::byte> plain = test::Noise(100);
-  EXPECT_EQ(Encoded(CryptMethod::kCyclic, 0x700012344, plain), Encoded(CryptMethod::kCyclic, 0x12344, plain));
+  EXPECT_EQ(Encoded(CryptMethod::kCyclic, Bid{0x700012344}, plain), Encoded(CryptMethod::kCyclic, Bid{0x12344}, plain));
 }
 
 TEST(Encoding, TheKeysOfALongBlockWrapAround) {
   // The key word runs through its end; twice the cyclic encoding is none.
   const std::vector<std::byte> plain = test::Noise(300);
   std::vector<std::byte> bytes = plain;
-  DecodeBlock(CryptMethod::kCyclic, 0xFFF0, bytes);
+  DecodeBlock(CryptMethod::kCyclic, Bid{0xFFF0}, bytes);
   EXPECT_NE(bytes, plain);
-  DecodeBlock(CryptMethod::kCyclic, 0xFFF0, bytes);
+  DecodeBlock(CryptMethod::kCyclic, Bid{0xFFF0}, bytes);
   EXPECT_EQ(bytes, plain);
 }
 
 TEST(Encoding, ComesBackByEveryMethod) {
   const std::vector<std::byte> plain = test::Noise(8176);
   for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
-    std::vector<std::byte> bytes = Encoded(method, 0xABCDEF4, plain);
+    std::vector<std::byte> bytes = Encoded(method, Bid{0xABCDEF4}, plain);
     EXPECT_EQ(bytes == plain, method == CryptMethod::kNone);
-    DecodeBlock(method, 0xABCDEF4, bytes);
+    DecodeBlock(method, Bid{0xABCDEF4}, bytes);
     EXPECT_EQ(bytes, plain);
   }
 }

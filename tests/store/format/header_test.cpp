@@ -10,12 +10,12 @@ namespace {
 
 Header Sample() {
   Header header;
-  header.bidNextP = 0x77;
-  header.bidNextB = 0x1234;
+  header.bidNextP = Bid{0x77};
+  header.bidNextB = Bid{0x1234};
   header.dwUnique = 9;
   header.rgnid.fill(0x400);
   header.rgnid[4] = 0x10007;
-  header.root = {0x42400, 0x4400, 0x3000, {0x20, 0x4A00}, {0x21, 0x4C00}, AMapValid::kValid2};
+  header.root = {0x42400, 0x4400, 0x3000, {Bid{0x20}, 0x4A00}, {Bid{0x21}, 0x4C00}, AMapValid::kValid2};
   return header;
 }
 
@@ -55,8 +55,8 @@ TEST(Header, HasBothChecksums) {
 TEST(Header, ComesBack) {
   const Result<Header> header = DecodeHeader(Encode(Sample()));
   ASSERT_TRUE(header);
-  EXPECT_EQ(header->bidNextB, 0x1234u);
-  EXPECT_EQ(header->bidNextP, 0x77u);
+  EXPECT_EQ(header->bidNextB, Bid{0x1234});
+  EXPECT_EQ(header->bidNextP, Bid{0x77});
   EXPECT_EQ(header->dwUnique, 9u);
   EXPECT_EQ(header->rgnid, Sample().rgnid);
   EXPECT_EQ(header->root.brefBbt.ib, 0x4C00u);
@@ -71,9 +71,18 @@ FailureKind Refusal(std::size_t offset, int value) {
   return header ? FailureKind::kExists : header.error().kind;
 }
 
-TEST(Header, OfAnotherFormatIsNotSupported) {
-  EXPECT_EQ(Refusal(0x00A, 14), FailureKind::kNotSupported);
-  EXPECT_EQ(Refusal(0x00A, 36), FailureKind::kNotSupported);
+TEST(Header, OfAnUnknownVersionIsNotSupported) {
+  EXPECT_EQ(Refusal(0x00A, 13), FailureKind::kNotSupported);
+  EXPECT_EQ(Refusal(0x00A, 99), FailureKind::kNotSupported);
+}
+
+TEST(Header, TellsTheGenerationByItsVersion) {
+  EXPECT_EQ(GenerationOfVersion(14), &generations::kAnsi);
+  EXPECT_EQ(GenerationOfVersion(15), &generations::kAnsi);
+  EXPECT_EQ(GenerationOfVersion(21), &generations::kUnicode);
+  EXPECT_EQ(GenerationOfVersion(23), &generations::kUnicode);
+  EXPECT_EQ(GenerationOfVersion(36), &generations::kUnicode4k);
+  EXPECT_EQ(GenerationOfVersion(99), nullptr);
 }
 
 TEST(Header, ThatChangedIsCorrupt) {
@@ -85,7 +94,7 @@ TEST(Header, ThatChangedIsCorrupt) {
 TEST(Header, OfWhichOnlyTheFirstSectorReachedTheDiskIsRead) {
   auto bytes = Encode(Sample());
   Header next = Sample();
-  next.bidNextB += 4;
+  next.bidNextB = Bid{Value(next.bidNextB) + 4};
   next.root.brefNbt.ib = 0x5000;
   const auto newer = Encode(next);
   std::copy_n(newer.begin(), 512, bytes.begin());

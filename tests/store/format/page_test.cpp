@@ -17,23 +17,23 @@ TEST(Signature, FoldsPlaceAndId) {
 TEST(Page, OfATreeIsTiedToItsPlaceAndId) {
   Page page{};
   page[3] = std::byte{7};
-  SealPage(page, PageType::kNbt, {0x55, 0x4A00});
+  SealPage(page, PageType::kNbt, {Bid{0x55}, 0x4A00});
   EXPECT_EQ(Load<std::uint8_t>(page, 496), 0x81);
   EXPECT_EQ(Load<std::uint8_t>(page, 497), 0x81);
   EXPECT_EQ(Load<std::uint16_t>(page, 498), ComputeSig(0x4A00, 0x55));
   EXPECT_EQ(Load<std::uint64_t>(page, 504), 0x55u);
-  EXPECT_TRUE(ProvesItself(page, PageType::kNbt, {0x55, 0x4A00}));
-  EXPECT_FALSE(ProvesItself(page, PageType::kBbt, {0x55, 0x4A00}));
-  EXPECT_FALSE(ProvesItself(page, PageType::kNbt, {0x56, 0x4A00}));
-  EXPECT_FALSE(ProvesItself(page, PageType::kNbt, {0x55, 0x4C00}));
+  EXPECT_TRUE(ProvesItself(page, PageType::kNbt, {Bid{0x55}, 0x4A00}));
+  EXPECT_FALSE(ProvesItself(page, PageType::kBbt, {Bid{0x55}, 0x4A00}));
+  EXPECT_FALSE(ProvesItself(page, PageType::kNbt, {Bid{0x56}, 0x4A00}));
+  EXPECT_FALSE(ProvesItself(page, PageType::kNbt, {Bid{0x55}, 0x4C00}));
 }
 
 TEST(Page, ThatChangesInAnyByteDoesNotProveItself) {
   Page page{};
-  SealPage(page, PageType::kBbt, {0x123456789AB, 0x4A00});
+  SealPage(page, PageType::kBbt, {Bid{0x123456789AB}, 0x4A00});
   for (std::size_t i = 0; i < page.size(); ++i) {
     page[i] ^= std::byte{0x10};
-    EXPECT_FALSE(ProvesItself(page, PageType::kBbt, {0x123456789AB, 0x4A00})) << i;
+    EXPECT_FALSE(ProvesItself(page, PageType::kBbt, {Bid{0x123456789AB}, 0x4A00})) << i;
     page[i] ^= std::byte{0x10};
   }
 }
@@ -57,18 +57,18 @@ TEST(Page, KeepsEntriesAndHead) {
   EXPECT_EQ(Load<std::uint32_t>(page, 488), 0x01181403u);
 
   std::array<std::byte, BbtEntry::kSize> bbt;
-  Encode(BbtEntry{{0x1A6, 0x4800}, 8176, 2}, bbt);
+  Encode(BbtEntry{{Bid{0x1A6}, 0x4800}, 8176, 2}, bbt);
   EXPECT_EQ(Load<std::uint64_t>(bbt, 8), 0x4800u);
   EXPECT_EQ(DecodeBbtEntry(bbt).cb, 8176);
   EXPECT_EQ(DecodeBbtEntry(bbt).cRef, 2);
 
   std::array<std::byte, NbtEntry::kSize> nbt;
-  Encode(NbtEntry{0x8022, 0x10, 0x16, 0x122}, nbt);
+  Encode(NbtEntry{Nid{0x8022}, Bid{0x10}, Bid{0x16}, Nid{0x122}}, nbt);
   EXPECT_EQ(Load<std::uint32_t>(nbt, 24), 0x122u);
-  EXPECT_EQ(DecodeNbtEntry(nbt).bidSub, 0x16u);
+  EXPECT_EQ(DecodeNbtEntry(nbt).bidSub, Bid{0x16});
 
   std::array<std::byte, BtEntry::kSize> bt;
-  Encode(BtEntry{0x21, {9, 0x4A00}}, bt);
+  Encode(BtEntry{0x21, {Bid{9}, 0x4A00}}, bt);
   EXPECT_EQ(DecodeBtEntry(bt).ref.ib, 0x4A00u);
 }
 

@@ -159,7 +159,7 @@ TEST_F(Heaps, OfAnotherKindAreRefused) {
   EXPECT_EQ(Heap::Open(*ndb_, tree.bid, ClientSig::kTableContext).error().kind, FailureKind::kCorrupt);
   const Bid noHeap = ndb_->WriteData(test::Noise(100))->bid;
   EXPECT_EQ(Heap::Open(*ndb_, noHeap, ClientSig::kPropertyContext).error().kind, FailureKind::kCorrupt);
-  EXPECT_FALSE(Heap::Open(*ndb_, 0, ClientSig::kPropertyContext));
+  EXPECT_FALSE(Heap::Open(*ndb_, kNoBid, ClientSig::kPropertyContext));
 }
 
 TEST_F(Heaps, RefuseIdsThatNameNoItem) {

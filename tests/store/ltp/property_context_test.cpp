@@ -14,13 +14,13 @@
 namespace velmora::ltp {
 namespace {
 
-constexpr Nid kNode = 0x1001;  // an internal node that no rule knows
+constexpr Nid kNode{0x1001};  // an internal node that no rule knows
 
 class PropertyContexts : public testing::Test {
  protected:
   PropertyContext Reopened() {
     const ndb::WrittenNode node = writer_.Finish().value();
-    EXPECT_TRUE(ndb_->SetNode(kNode, node.trees, 0));
+    EXPECT_TRUE(ndb_->SetNode(kNode, node.trees));
     EXPECT_EQ(node.dataSize, ndb::DataSizeOf(*ndb_, node.trees));
     return PropertyContext::Open(*ndb_, node.trees).value();
   }
@@ -152,7 +152,7 @@ TEST_F(PropertyContexts, ShareATreeWithAnotherNode) {
   const ndb::WrittenNode second = writer_.Finish().value();
   EXPECT_EQ(ndb_->BlockCount(), blocks + 2) << "a heap and a list of sub-nodes";
   EXPECT_GT(second.dataSize, 50000u);
-  ASSERT_TRUE(ndb_->SetNode(kNode + 0x20, second.trees, 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{Value(kNode) + 0x20}, second.trees));
   ASSERT_TRUE(ndb_->RemoveNode(kNode));
   EXPECT_EQ(PropertyContext::Open(*ndb_, second.trees)->Binary(0x37010102), test::Noise(50000));
   VELMORA_NEEDS_PST_CHECK();
@@ -201,7 +201,7 @@ TEST_F(PropertyContexts, GrowAnIndexLevelAbove447Properties) {
       writer_.AddInteger32(MakeTag(static_cast<std::uint16_t>(0x1000 + i), PropType::kInteger32), i);
     writer_.AddText(0x7000001F, u"last");
     const ndb::WrittenNode node = writer_.Finish().value();
-    ASSERT_TRUE(ndb_->SetNode(kNode + 0x20 * static_cast<Nid>(count), node.trees, 0));
+    ASSERT_TRUE(ndb_->SetNode(Nid{Value(kNode) + 0x20 * static_cast<std::uint32_t>(count)}, node.trees));
     PropertyContext pc = PropertyContext::Open(*ndb_, node.trees).value();
     ASSERT_EQ(pc.Records().size(), static_cast<std::size_t>(count) + 1);
     for (int i = 0; i < count; ++i)
@@ -252,10 +252,12 @@ TEST_F(PropertyContexts, RefuseWhatTheFormatHasNoPlaceFor) {
   EXPECT_TRUE(refused([&] { writer_.Add(0x3602101F, bytes); })) << "offsets of texts";
   EXPECT_TRUE(refused([&] { writer_.Add(0x36020001, {}); })) << "unknown type";
   EXPECT_TRUE(refused([&] { writer_.Add(0x3602000D, std::span(bytes).first(8)); })) << "an object is no value";
-  EXPECT_TRUE(refused([&] { writer_.AddObject(0x36020102, 0x803F, 1); })) << "a value is no object";
-  EXPECT_TRUE(refused([&] { writer_.AddTree(0x36020003, {4, 4}); })) << "a number has no tree";
-  EXPECT_TRUE(refused([&] { writer_.AddTree(0x3602001F, {4, 2001}); })) << "odd text in a tree";
-  EXPECT_TRUE(refused([&] { writer_.AddSubnode(0x8025, {{4, 0}, 1}), writer_.AddSubnode(0x8025, {{4, 0}, 1}); }));
+  EXPECT_TRUE(refused([&] { writer_.AddObject(0x36020102, Nid{0x803F}, 1); })) << "a value is no object";
+  EXPECT_TRUE(refused([&] { writer_.AddTree(0x36020003, {Bid{4}, 4}); })) << "a number has no tree";
+  EXPECT_TRUE(refused([&] { writer_.AddTree(0x3602001F, {Bid{4}, 2001}); })) << "odd text in a tree";
+  EXPECT_TRUE(refused([&] {
+    writer_.AddSubnode(Nid{0x8025}, {{Bid{4}}, 1}), writer_.AddSubnode(Nid{0x8025}, {{Bid{4}}, 1});
+  }));
   writer_.AddInteger32(0x36020003, 1);
   EXPECT_EQ(Reopened().Records().size(), 1u) << "the writer is ready for the next node after a failure";
 }
@@ -284,7 +286,7 @@ TEST_F(PropertyContexts, ThatAreDamagedAreReadWithinBounds) {
         static_cast<void>(pc->TreeOf(record.Tag()));
       }
     }
-    ASSERT_TRUE(ndb_->Discard({tree.bid, 0}));
+    ASSERT_TRUE(ndb_->Discard({tree.bid}));
   }
 }
 

@@ -8,14 +8,14 @@
 #include "store/ltp/table_context_writer.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
-#include "store/ndb/subnode_tree.h"
+#include "store/ndb/subnode_tree_reader.h"
 #include "store/support/pst_check.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ltp {
 namespace {
 
-constexpr Nid kTableNode = 0x1001;  // an internal node that no rule knows
+constexpr Nid kTableNode{0x1001};  // an internal node that no rule knows
 
 constexpr PropTag kFlags = 0x0E070003;
 constexpr PropTag kTime = 0x0E060040;
@@ -50,7 +50,7 @@ class Tables : public testing::Test {
  protected:
   TableContext Reopened(TableContextWriter& writer) {
     const ndb::WrittenNode node = writer.Finish().value();
-    EXPECT_TRUE(ndb_->SetNode(kTableNode, node.trees, 0));
+    EXPECT_TRUE(ndb_->SetNode(kTableNode, node.trees));
     EXPECT_EQ(node.dataSize, ndb::DataSizeOf(*ndb_, node.trees));
     return TableContext::Open(*ndb_, node.trees).value();
   }
@@ -158,9 +158,9 @@ TEST_F(Tables, KeepSmallMatricesInTheHeapAndLargeOnesBesideIt) {
     TableContext table = Reopened(writer);
     ExpectRows(table, count);
     const Bid bidSub = ndb_->FindNode(kTableNode)->trees.bidSub;
-    EXPECT_EQ(bidSub != 0, count > most) << count;
-    if (bidSub != 0) {
-      EXPECT_EQ(ndb::ListSubnodes(*ndb_, bidSub)->at(0).nid, 0x3Fu);
+    EXPECT_EQ(bidSub != kNoBid, count > most) << count;
+    if (bidSub != kNoBid) {
+      EXPECT_EQ(ndb::ListSubnodes(*ndb_, bidSub)->at(0).nid, Nid{0x3F});
     }
   }
   VELMORA_NEEDS_PST_CHECK();
@@ -175,7 +175,7 @@ TEST_F(Tables, FillTheBlocksOfTheMatrixWithWholeRows) {
     AddRows(writer, count);
     TableContext table = Reopened(writer);
     ExpectRows(table, count);
-    const auto matrix = ndb::FindSubnode(*ndb_, ndb_->FindNode(kTableNode)->trees.bidSub, 0x3F).value();
+    const auto matrix = ndb::FindSubnode(*ndb_, ndb_->FindNode(kTableNode)->trees.bidSub, Nid{0x3F}).value();
     auto data = ndb::DataTreeReader::Open(*ndb_, matrix->trees.bidData).value();
     ASSERT_EQ(data.BlockCount(), (count + kRowsPerBlock - 1) / kRowsPerBlock);
     for (std::size_t b = 0; b + 1 < data.BlockCount(); ++b) EXPECT_EQ(data.Block(b)->size(), 8176u);
@@ -269,7 +269,7 @@ TEST_F(Tables, ThatAreDamagedAreReadWithinBounds) {
         for (const Column& column : columns) static_cast<void>(table->Cell(row, column.tag));
       }
     }
-    ASSERT_TRUE(ndb_->Discard({tree.bid, 0}));
+    ASSERT_TRUE(ndb_->Discard({tree.bid}));
   }
 }
 

@@ -83,7 +83,7 @@ ltp::TableContext RawStore::Table(Nid nid) const {
 std::vector<Nid> RawStore::Messages() const {
   std::vector<Nid> messages;
   for (const ndb::NodeEntry& node : reader_->Nodes()) {
-    if (NidTypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(node.nid);
+    if (TypeOf(node.nid) == NidType::kNormalMessage) messages.push_back(node.nid);
   }
   return messages;
 }

@@ -183,12 +183,12 @@ TEST_F(StoreTest, KeepsItsFirstFolderOfAKindThatIsAddedByNumber) {
 
 TEST_F(StoreTest, HasTheFixedNodesInTheirPlaces) {
   const RawStore raw = Raw();
-  for (const Nid nid : {0x21,   0x61,   0x122,  0x12D,  0x12E,  0x12F,  0x1E1,  0x201,  0x261,  0x60D,
-                        0x60E,  0x60F,  0x610,  0x62B,  0x64C,  0x671,  0x692,  0x6B6,  0x6D7,  0x6F8,
-                        0x2223, 0x2226, 0x2227, 0x2230, 0x8022, 0x802D, 0x802E, 0x802F, 0x8042, 0x8062}) {
-    EXPECT_TRUE(raw.Reader().FindNode(nid)) << std::hex << nid;
+  for (const std::uint32_t nid : {0x21,   0x61,   0x122,  0x12D,  0x12E,  0x12F,  0x1E1,  0x201,  0x261,  0x60D,
+                                  0x60E,  0x60F,  0x610,  0x62B,  0x64C,  0x671,  0x692,  0x6B6,  0x6D7,  0x6F8,
+                                  0x2223, 0x2226, 0x2227, 0x2230, 0x8022, 0x802D, 0x802E, 0x802F, 0x8042, 0x8062}) {
+    EXPECT_TRUE(raw.Reader().FindNode(Nid{nid})) << std::hex << nid;
   }
-  EXPECT_TRUE(raw.Reader().Damage().empty());
+  EXPECT_TRUE(raw.Reader().Damage().List().empty());
   auto store = raw.Node(nid::kMessageStore);
   EXPECT_EQ(store.Text(tag::kDisplayName), u"Test store");
   auto received = raw.Table(nid::kReceiveFolderTable);

@@ -267,7 +267,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
                   store->PutStream(bag, tag::kAttachDataBinary, TextContent(PatternOf(100)));
                 }),
                 expected);
-      EXPECT_EQ(CodeOf([&] { store->Delete(folder, 0x200024); }), expected);
+      EXPECT_EQ(CodeOf([&] { store->Delete(folder, Nid{0x200024}); }), expected);
       EXPECT_EQ(CodeOf([&] { store->Seal(); }), expected);
     }
     const auto store = OpenedStore::Open(std::make_unique<SharedFile>(disk));
@@ -286,7 +286,7 @@ std::size_t CellsOf(const platform::MemoryFile& file) {
   const auto reader = ndb::StoreReader::Open(file).value();
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
-    if (NidTypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == 0) continue;
+    if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == kNoBid) continue;
     auto table = ltp::TableContext::Open(*reader, node.trees).value();
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
       for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {

@@ -7,21 +7,21 @@ namespace {
 
 TEST(BlockTable, HandsOutIdsInStepsOfFourWithTheKindInBitOne) {
   BlockTable table;
-  EXPECT_EQ(table.NextBid(false), 4u);
-  EXPECT_EQ(table.NextBid(true), 6u);
+  EXPECT_EQ(table.NextBid(false), Bid{4});
+  EXPECT_EQ(table.NextBid(true), Bid{6});
   table.Append(true, 0x4800, 100);
-  EXPECT_EQ(table.NextBid(false), 8u);
-  EXPECT_EQ(table.BidNextB(), 8u);
+  EXPECT_EQ(table.NextBid(false), Bid{8});
+  EXPECT_EQ(table.BidNextB(), Bid{8});
 }
 
 TEST(BlockTable, KeepsPlaceSizeAndReferences) {
   BlockTable table;
   const std::uint64_t far = std::uint64_t{200} << 30;
   table.Append(false, far, 8176);
-  EXPECT_TRUE(table.AddReference(4));
-  EXPECT_TRUE(table.AddReference(4));
-  EXPECT_EQ(table.DropReference(4), 1);
-  const auto block = table.Find(4);
+  EXPECT_TRUE(table.AddReference(Bid{4}));
+  EXPECT_TRUE(table.AddReference(Bid{4}));
+  EXPECT_EQ(table.DropReference(Bid{4}), 1);
+  const auto block = table.Find(Bid{4});
   ASSERT_TRUE(block);
   EXPECT_EQ(block->ib, far);
   EXPECT_EQ(block->cb, 8176);
@@ -31,22 +31,22 @@ TEST(BlockTable, KeepsPlaceSizeAndReferences) {
 TEST(BlockTable, FindsNoBlockOfAnotherKindOrThatIsGone) {
   BlockTable table;
   table.Append(false, 0x4800, 1);
-  EXPECT_FALSE(table.Find(0));
-  EXPECT_FALSE(table.Find(6)) << "an internal block of that number";
-  EXPECT_FALSE(table.Find(8));
-  EXPECT_FALSE(table.Find(~Bid{0} & ~Bid{3}));
-  table.Remove(4);
-  EXPECT_FALSE(table.Find(4));
+  EXPECT_FALSE(table.Find(Bid{0}));
+  EXPECT_FALSE(table.Find(Bid{6})) << "an internal block of that number";
+  EXPECT_FALSE(table.Find(Bid{8}));
+  EXPECT_FALSE(table.Find(Bid{~std::uint64_t{3}}));
+  table.Remove(Bid{4});
+  EXPECT_FALSE(table.Find(Bid{4}));
   EXPECT_EQ(table.Count(), 0u);
-  EXPECT_EQ(table.NextBid(false), 8u) << "the id is not used again";
+  EXPECT_EQ(table.NextBid(false), Bid{8}) << "the id is not used again";
 }
 
 TEST(BlockTable, CountsNoMoreReferencesThanTheFieldHolds) {
   BlockTable table;
   table.Append(false, 0x4800, 1);
-  for (int i = 0; i < BlockTable::kMaxReferences; ++i) ASSERT_TRUE(table.AddReference(4));
-  EXPECT_FALSE(table.AddReference(4));
-  EXPECT_EQ(table.Find(4)->references + 1, 0xFFFF);
+  for (int i = 0; i < BlockTable::kMaxReferences; ++i) ASSERT_TRUE(table.AddReference(Bid{4}));
+  EXPECT_FALSE(table.AddReference(Bid{4}));
+  EXPECT_EQ(table.Find(Bid{4})->references + 1, 0xFFFF);
 }
 
 TEST(BlockTable, ListsBlocksByAscendingId) {
@@ -54,13 +54,13 @@ TEST(BlockTable, ListsBlocksByAscendingId) {
   table.Append(false, 0x4800, 1);
   table.Append(true, 0x4840, 1);
   table.Append(false, 0x4880, 1);
-  table.Remove(4);
+  table.Remove(Bid{4});
   std::vector<Bid> bids;
   table.ForEach([&](Bid bid, const BlockTable::Block&) {
     bids.push_back(bid);
     return true;
   });
-  EXPECT_EQ(bids, (std::vector<Bid>{10, 12}));
+  EXPECT_EQ(bids, (std::vector{Bid{10}, Bid{12}}));
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ Nodes NodesOfFile(const std::vector<std::byte>& bytes) {
     ADD_FAILURE() << store.error().message;
     return {};
   }
-  EXPECT_TRUE((*store)->Damage().empty());
+  EXPECT_TRUE((*store)->Damage().List().empty());
   EXPECT_EQ((file.Size() - kFirstArea) % kAreaSize, 0u);
   return NodesOf(**store, (*store)->Nodes());
 }
@@ -60,7 +60,7 @@ void ChangeByChance(NdbWriter& ndb, std::uint32_t seed, int steps, const std::fu
     } else {
       const std::vector<std::byte> bytes = test::Noise(1 + random() % (step % 5 == 0 ? 40000 : 3000), random());
       const Result<DataTree> tree = ndb.WriteData(bytes);
-      if (!tree || !ndb.SetNode(nid, {tree->bid, 0}, 0)) return;
+      if (!tree || !ndb.SetNode(nid, {tree->bid})) return;
       nodes[nid] = bytes;
     }
     if (random() % 12 == 0) {
@@ -127,7 +127,7 @@ TEST(Commit, WithoutAChangeWritesNothing) {
   int changes = 0;
   test::WatchedFile file([&](const auto&) { ++changes; });
   const auto ndb = NdbWriter::Create(file).value();
-  ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(test::Noise(10))->bid, 0}, 0));
+  ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10))->bid}));
   ASSERT_TRUE(ndb->Commit());
   changes = 0;
   ASSERT_TRUE(ndb->Commit());
@@ -152,7 +152,7 @@ TEST(Commit, HandsEverythingToTheDiskBeforeTheHeaderAndThenTheHeader) {
   OrderedFile file;
   const auto ndb = NdbWriter::Create(file).value();
   file.steps.clear();
-  ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(test::Noise(10))->bid, 0}, 0));
+  ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10))->bid}));
   ASSERT_TRUE(ndb->Commit());
   EXPECT_THAT(file.steps, testing::MatchesRegex("w+.H.")) << "blocks and trees";
   EXPECT_EQ(std::count(file.steps.begin(), file.steps.end(), '|'), 2);
@@ -167,21 +167,21 @@ TEST(Commit, LetsAStoreThatIsRewrittenAllTheTimeStaySmall) {
   const auto ndb = NdbWriter::Create(file).value();
   for (int round = 0; round < 200; ++round) {
     const auto seed = static_cast<std::uint32_t>(round);
-    ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(test::Noise(60000, seed))->bid, 0}, 0));
+    ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(60000, seed))->bid}));
     if (round % 3 == 0) {
       ASSERT_TRUE(ndb->Commit());
     }
   }
   ASSERT_TRUE(ndb->Seal());
   EXPECT_LE(file.Size(), AreaOffset(2)) << "60 KB of content";
-  EXPECT_EQ(NodesOfFile(file.Bytes()), (Nodes{{0x21, test::Noise(60000, 199)}}));
+  EXPECT_EQ(NodesOfFile(file.Bytes()), (Nodes{{Nid{0x21}, test::Noise(60000, 199)}}));
 }
 
 TEST(Commit, OfAKilledStoreHasItsMapsMarkedAsNotValidAndTheRestSound) {
   platform::MemoryFile file;
   const auto ndb = NdbWriter::Create(file).value();
   for (std::uint32_t i = 0; i < 200; ++i) {
-    ASSERT_TRUE(ndb->SetNode(MakeNid(NidType::kInternal, i + 1), {ndb->WriteData(test::Noise(9000, i))->bid, 0}, 0));
+    ASSERT_TRUE(ndb->SetNode(MakeNid(NidType::kInternal, i + 1), {ndb->WriteData(test::Noise(9000, i))->bid}));
     if (i % 60 == 59) {
       ASSERT_TRUE(ndb->Commit());
     }

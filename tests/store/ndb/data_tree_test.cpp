@@ -46,10 +46,10 @@ class DataTrees : public testing::Test {
 };
 
 TEST_F(DataTrees, OfNoBytesHaveNoBlock) {
-  EXPECT_EQ(Written({}, 1).bid, 0u);
-  EXPECT_EQ(ndb_->WriteData({})->bid, 0u);
+  EXPECT_EQ(Written({}, 1).bid, kNoBid);
+  EXPECT_EQ(ndb_->WriteData({})->bid, kNoBid);
   EXPECT_EQ(ndb_->BlockCount(), 0u);
-  Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, 0);
+  Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, kNoBid);
   ASSERT_TRUE(reader);
   EXPECT_EQ(reader->Size(), 0u);
   EXPECT_TRUE(reader->ReadAll(0)->empty());
@@ -88,9 +88,9 @@ TEST_F(DataTrees, OfMoreThanAFullXBlockHaveAnXXBlockOverFullXBlocks) {
   EXPECT_EQ(head.lcbTotal, bytes.size());
   std::vector<std::byte> root;
   ASSERT_TRUE(ndb_->ReadBlock(tree.bid, root));
-  EXPECT_EQ(Head(Load<std::uint64_t>(root, 8)).lcbTotal, kXBlockBytes);
-  EXPECT_EQ(Head(Load<std::uint64_t>(root, 24)).cEnt, 4);
-  EXPECT_EQ(Head(Load<std::uint64_t>(root, 24)).lcbTotal, 3 * kMaxBlockData + 5);
+  EXPECT_EQ(Head(LoadBid(root, 8)).lcbTotal, kXBlockBytes);
+  EXPECT_EQ(Head(LoadBid(root, 24)).cEnt, 4);
+  EXPECT_EQ(Head(LoadBid(root, 24)).lcbTotal, 3 * kMaxBlockData + 5);
   EXPECT_EQ(Content(tree), bytes);
 }
 
@@ -139,7 +139,7 @@ TEST_F(DataTrees, GivenUpLeaveNothing) {
   EXPECT_EQ(ndb_->BlockCount(), 0u);
   const DataTree tree = Written(test::Noise(10 * kMaxBlockData), 5000);
   EXPECT_EQ(ndb_->BlockCount(), 11u);
-  ASSERT_TRUE(ndb_->Discard({tree.bid, 0}));
+  ASSERT_TRUE(ndb_->Discard({tree.bid}));
   EXPECT_EQ(ndb_->BlockCount(), 0u);
 }
 
@@ -148,7 +148,7 @@ TEST_F(DataTrees, LargerThanTheir32BitSizeAreRefused) {
   const std::vector<std::byte> bytes(1000);
   ASSERT_TRUE(writer.Append(bytes));
   const std::byte* anywhere = bytes.data();
-  const Result<void> appended = writer.Append(std::span(anywhere, DataTreeWriter::kMaxSize - 999));
+  const Result<void> appended = writer.Append(std::span(anywhere, NdbWriter::kMaxTreeSize - 999));
   ASSERT_FALSE(appended);
   EXPECT_EQ(appended.error().kind, FailureKind::kNotSupported);
   EXPECT_EQ(writer.Size(), 1000u);
@@ -168,32 +168,33 @@ class MadeUpBlocks : public BlockSource {
  public:
   Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
     const auto block = blocks.find(bid);
-    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
+    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
     out = block->second;
     return {};
   }
   std::optional<NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
-  void AddXBlock(Bid bid, int level, std::uint32_t total, std::vector<Bid> children, std::size_t cEnt) {
+  void AddXBlock(std::uint64_t bid, int level, std::uint32_t total, std::vector<std::uint64_t> children,
+                 std::size_t cEnt) {
     std::vector<std::byte> block(8 + 8 * children.size());
     Encode(
         InternalHead{BlockType::kDataTree, static_cast<std::uint8_t>(level), static_cast<std::uint16_t>(cEnt), total},
         block);
     for (std::size_t i = 0; i < children.size(); ++i) Store<std::uint64_t>(block, 8 + 8 * i, children[i]);
-    blocks[bid] = block;
+    blocks[Bid{bid}] = block;
   }
 
   std::map<Bid, std::vector<std::byte>> blocks;
 };
 
-FailureKind OpeningFails(const BlockSource& source, Bid bid) {
-  const Result<DataTreeReader> reader = DataTreeReader::Open(source, bid);
+FailureKind OpeningFails(const BlockSource& source, std::uint64_t bid) {
+  const Result<DataTreeReader> reader = DataTreeReader::Open(source, Bid{bid});
   return reader ? FailureKind::kExists : reader.error().kind;
 }
 
 TEST(DamagedDataTree, IsRefusedAtOpening) {
   MadeUpBlocks source;
-  source.blocks[2] = {};
+  source.blocks[Bid{2}] = {};
   source.AddXBlock(6, 1, 100, {8}, 2);
   source.AddXBlock(10, 1, 100, {10}, 1);
   source.AddXBlock(14, 2, 100, {14}, 1);
@@ -211,14 +212,14 @@ TEST(DamagedDataTree, IsRefusedAtOpening) {
 
 TEST(DamagedDataTree, IsRefusedWhereItsBlocksDoNotAddUp) {
   MadeUpBlocks source;
-  source.blocks[4] = std::vector<std::byte>(100);
+  source.blocks[Bid{4}] = std::vector<std::byte>(100);
   source.AddXBlock(6, 1, 300, {4, 4}, 2);
   source.AddXBlock(10, 1, 150, {4, 4}, 2);
-  DataTreeReader longer = DataTreeReader::Open(source, 6).value();
+  DataTreeReader longer = DataTreeReader::Open(source, Bid{6}).value();
   EXPECT_EQ(longer.ReadAll(1000).error().kind, FailureKind::kCorrupt);
   std::byte byte;
   EXPECT_EQ(longer.ReadAt(0, std::span(&byte, 1)).error().kind, FailureKind::kCorrupt) << "a short block within";
-  DataTreeReader shorter = DataTreeReader::Open(source, 10).value();
+  DataTreeReader shorter = DataTreeReader::Open(source, Bid{10}).value();
   EXPECT_EQ(shorter.ReadAll(1000).error().kind, FailureKind::kCorrupt);
 }
 

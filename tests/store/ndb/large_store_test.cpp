@@ -4,6 +4,7 @@
 #include "store/format/little_endian.h"
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/data_tree_reader.h"
+#include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
 #include "store/support/test_files.h"
@@ -15,7 +16,7 @@ constexpr std::uint64_t kFourGiB = std::uint64_t{1} << 32;
 
 bool HasMap(const platform::ByteSource& file, PageType type, std::uint64_t ib) {
   Page page;
-  return file.ReadAt(ib, page).value() == kPageSize && ProvesItself(page, type, {ib, ib});
+  return file.ReadAt(ib, page).value() == kPageSize && ProvesItself(page, type, {Bid{ib}, ib});
 }
 
 TEST(LargeStore, HasItsMapsAndReadsBackBeyondFourGigabytes) {
@@ -25,10 +26,10 @@ TEST(LargeStore, HasItsMapsAndReadsBackBeyondFourGigabytes) {
   while (ndb->FileSize() <= kFourGiB) {
     DataTreeWriter tree(*ndb);  // of about 1 GB each
     for (int i = 0; i < 660 && ndb->FileSize() <= kFourGiB; ++i) ASSERT_TRUE(tree.Append(bytes));
-    ASSERT_TRUE(ndb->SetNode(ndb->NewNid(NidType::kNormalMessage), {tree.Finish()->bid, 0}, 0x8022));
+    ASSERT_TRUE(ndb->SetNode(ndb->NewNid(NidType::kNormalMessage), {tree.Finish()->bid}, Nid{0x8022}));
   }
   const std::vector<std::byte> last = test::Noise(100000);
-  ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(last)->bid, 0}, 0));
+  ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(last)->bid}));
   ASSERT_TRUE(ndb->Seal());
 
   const auto areas = static_cast<std::uint32_t>((file.Size() - kFirstArea) / kAreaSize);
@@ -45,10 +46,10 @@ TEST(LargeStore, HasItsMapsAndReadsBackBeyondFourGigabytes) {
   EXPECT_TRUE(HasMap(file, PageType::kFPMap, 0x7C004A00));
 
   const auto store = StoreReader::Open(file).value();
-  EXPECT_TRUE(store->Damage().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   EXPECT_EQ(store->Nodes().size(), ndb->NodeCount());
   EXPECT_EQ(store->BlockCount(), ndb->BlockCount());
-  EXPECT_EQ(DataTreeReader::Open(*store, store->FindNode(0x21)->trees.bidData)->ReadAll(100000).value(), last);
+  EXPECT_EQ(DataTreeReader::Open(*store, store->FindNode(Nid{0x21})->trees.bidData)->ReadAll(100000).value(), last);
 }
 
 }  // namespace

@@ -16,16 +16,16 @@ TEST(MapPages, AMapHasTheBitsOfItsArea) {
   EXPECT_EQ(page[1], std::byte{0xFF}) << "the PMap";
   EXPECT_EQ(page[2], std::byte{0xE0});
   EXPECT_EQ(page[3], std::byte{0});
-  EXPECT_TRUE(ProvesItself(page, PageType::kAMap, {0x4400, 0x4400}));
+  EXPECT_TRUE(ProvesItself(page, PageType::kAMap, {Bid{0x4400}, 0x4400}));
 }
 
 TEST(MapPages, DensityListOfANewStoreIsEmpty) {
   AllocationMap map;
   map.Settle();
-  const Page page = DListPage(map, 7);
+  const Page page = DListPage(map, Bid{7});
   EXPECT_EQ(Load<std::uint32_t>(page, 0), 1u) << "complete, no entries";
   EXPECT_EQ(Load<std::uint32_t>(page, 4), 0u);
-  EXPECT_TRUE(ProvesItself(page, PageType::kDList, {7, 0x4200}));
+  EXPECT_TRUE(ProvesItself(page, PageType::kDList, {Bid{7}, 0x4200}));
 }
 
 TEST(MapPages, DensityListNamesTheEmptiestAreasFirstAndNotTheLast) {
@@ -35,7 +35,7 @@ TEST(MapPages, DensityListNamesTheEmptiestAreasFirstAndNotTheLast) {
   map.Settle();
   for (std::size_t i = 0; i < 40; ++i) map.FreeWithCommit(places[i * 30 + i % 7], 128);
   map.Settle();
-  const Page page = DListPage(map, 7);
+  const Page page = DListPage(map, Bid{7});
   EXPECT_EQ(Load<std::uint8_t>(page, 1), 119);
   EXPECT_EQ(Load<std::uint32_t>(page, 4), 199u);
   std::uint32_t before = kSlotsPerArea;

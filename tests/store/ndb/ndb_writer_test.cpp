@@ -1,4 +1,5 @@
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@ namespace {
 class NdbWriters : public testing::Test {
  protected:
   NodeTrees Data(std::size_t size, std::uint32_t seed = 1) {
-    return {ndb_->WriteData(test::Noise(size, seed)).value().bid, 0};
+    return {ndb_->WriteData(test::Noise(size, seed)).value().bid};
   }
 
   std::vector<std::byte> Content(const BlockSource& source, Nid nid) {
@@ -37,7 +38,7 @@ TEST_F(NdbWriters, MakeAnEmptyStoreThatOpens) {
   EXPECT_EQ(file_.Size(), 271360u);
   const auto store = StoreReader::Open(file_).value();
   EXPECT_TRUE(store->Nodes().empty());
-  EXPECT_TRUE(store->Damage().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   ASSERT_TRUE(ndb_->Seal());
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(test::PstCheck(file_.Bytes(), test::Check::kBlocks), "");
@@ -51,23 +52,23 @@ TEST_F(NdbWriters, ReplaceWhatTheFileHeld) {
 }
 
 TEST_F(NdbWriters, HandOutNodeIdsBehindThoseOfAnEmptyStore) {
-  EXPECT_EQ(ndb_->NewNid(NidType::kNormalFolder), 0x8022u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kNormalFolder), 0x8042u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kSearchFolder), 0x80023u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kNormalMessage), 0x200024u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kAttachment), 0x8025u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kAssocMessage), 0x100028u);
-  EXPECT_EQ(ndb_->NewNid(NidType::kLtp), 0x803Fu);
+  EXPECT_EQ(ndb_->NewNid(NidType::kNormalFolder), Nid{0x8022});
+  EXPECT_EQ(ndb_->NewNid(NidType::kNormalFolder), Nid{0x8042});
+  EXPECT_EQ(ndb_->NewNid(NidType::kSearchFolder), Nid{0x80023});
+  EXPECT_EQ(ndb_->NewNid(NidType::kNormalMessage), Nid{0x200024});
+  EXPECT_EQ(ndb_->NewNid(NidType::kAttachment), Nid{0x8025});
+  EXPECT_EQ(ndb_->NewNid(NidType::kAssocMessage), Nid{0x100028});
+  EXPECT_EQ(ndb_->NewNid(NidType::kLtp), Nid{0x803F});
 }
 
 TEST_F(NdbWriters, CountNodesThatWereGivenTheirIds) {
-  ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kNormalFolder, 0x500), Data(1), 0x122));
-  ASSERT_TRUE(ndb_->SetNode(0x2223, Data(1), 0x122));
+  ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kNormalFolder, 0x500), Data(1), Nid{0x122}));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x2223}, Data(1), Nid{0x122}));
   EXPECT_EQ(ndb_->NewNid(NidType::kNormalFolder), MakeNid(NidType::kNormalFolder, 0x501));
   SubnodeTreeWriter subnodes(*ndb_);
   subnodes.Add(MakeNid(NidType::kAttachment, 0x777), {Data(1), 1});
   const Bid bidSub = subnodes.Finish()->bid;
-  ASSERT_TRUE(ndb_->SetNode(0x200024, {Data(1).bidData, bidSub}, 0x8022));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x200024}, {Data(1).bidData, bidSub}, Nid{0x8022}));
   ASSERT_TRUE(ndb_->Seal());
   for (const NidType type :
        {NidType::kNormalFolder, NidType::kHierarchyTable, NidType::kContentsTable, NidType::kAssocContentsTable}) {
@@ -87,25 +88,25 @@ TEST_F(NdbWriters, NumberRowsFromOneAndKeepTheCounterAbove) {
 
 TEST_F(NdbWriters, ReadBackWhatIsNotCommitted) {
   const std::vector<std::byte> bytes = test::Noise(50000);
-  ASSERT_TRUE(ndb_->SetNode(0x21, {ndb_->WriteData(bytes)->bid, 0}, 0));
-  EXPECT_EQ(Content(*ndb_, 0x21), bytes);
-  EXPECT_FALSE(ndb_->FindNode(0x61));
-  EXPECT_FALSE(StoreReader::Open(file_).value()->FindNode(0x21));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, {ndb_->WriteData(bytes)->bid}));
+  EXPECT_EQ(Content(*ndb_, Nid{0x21}), bytes);
+  EXPECT_FALSE(ndb_->FindNode(Nid{0x61}));
+  EXPECT_FALSE(StoreReader::Open(file_).value()->FindNode(Nid{0x21}));
 }
 
 TEST_F(NdbWriters, KeepNodesWithoutTrees) {
-  ASSERT_TRUE(ndb_->SetNode(0x1E1, {}, 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x1E1}, {}));
   ASSERT_TRUE(ndb_->Seal());
-  EXPECT_EQ(StoreReader::Open(file_).value()->FindNode(0x1E1), (NodeEntry{0x1E1, {}, 0}));
+  EXPECT_EQ(StoreReader::Open(file_).value()->FindNode(Nid{0x1E1}), (NodeEntry{Nid{0x1E1}}));
 }
 
 TEST_F(NdbWriters, FreeTheTreesOfANodeThatIsReplacedOrRemoved) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(100000), 0));
-  ASSERT_TRUE(ndb_->SetNode(0x61, Data(10), 0));
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(20), 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(100000)));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x61}, Data(10)));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(20)));
   EXPECT_EQ(ndb_->BlockCount(), 2u);
-  ASSERT_TRUE(ndb_->RemoveNode(0x61));
-  ASSERT_TRUE(ndb_->RemoveNode(0x61));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x61}));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x61}));
   EXPECT_EQ(ndb_->BlockCount(), 1u);
   EXPECT_EQ(ndb_->NodeCount(), 1u);
 }
@@ -114,38 +115,38 @@ TEST_F(NdbWriters, KeepATreeAsLongAsOneNodeRefersToIt) {
   const std::vector<std::byte> content = test::Noise(30000);
   const DataTree shared = ndb_->WriteData(content).value();
   SubnodeTreeWriter subnodes(*ndb_);
-  subnodes.Add(0x8025, {{shared.bid, 0}, shared.size});
+  subnodes.Add(Nid{0x8025}, {{shared.bid}, shared.size});
   const Bid bidSub = subnodes.Finish()->bid;
-  ASSERT_TRUE(ndb_->SetNode(0x200024, {Data(1).bidData, bidSub}, 0x8022));
-  ASSERT_TRUE(ndb_->SetNode(0x200044, {Data(2).bidData, bidSub}, 0x8022));
-  ASSERT_TRUE(ndb_->SetNode(0x201, {shared.bid, 0}, 0));
-  ASSERT_TRUE(ndb_->RemoveNode(0x200024));
-  EXPECT_EQ(FindSubnode(*ndb_, bidSub, 0x8025).value()->trees.bidData, shared.bid);
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x200024}, {Data(1).bidData, bidSub}, Nid{0x8022}));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x200044}, {Data(2).bidData, bidSub}, Nid{0x8022}));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x201}, {shared.bid}));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x200024}));
+  EXPECT_EQ(FindSubnode(*ndb_, bidSub, Nid{0x8025}).value()->trees.bidData, shared.bid);
   ASSERT_TRUE(ndb_->Commit());
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(test::PstCheck(file_.Bytes(), test::Check::kBlocks, "H14,A07,A06,A08"), "")
       << "the counts are those of all";
-  ASSERT_TRUE(ndb_->RemoveNode(0x200044));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x200044}));
   std::vector<std::byte> block;
   EXPECT_EQ(ndb_->ReadBlock(bidSub, block).error().kind, FailureKind::kNotFound);
-  EXPECT_EQ(Content(*ndb_, 0x201), content);
-  ASSERT_TRUE(ndb_->RemoveNode(0x201));
+  EXPECT_EQ(Content(*ndb_, Nid{0x201}), content);
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x201}));
   EXPECT_EQ(ndb_->BlockCount(), 0u);
 }
 
 TEST_F(NdbWriters, GiveANodeItsOwnTreesAgain) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(30000), 0));
-  const NodeTrees trees = ndb_->FindNode(0x21)->trees;
-  ASSERT_TRUE(ndb_->SetNode(0x21, trees, 0x122));
-  EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(30000));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(30000)));
+  const NodeTrees trees = ndb_->FindNode(Nid{0x21})->trees;
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, trees, Nid{0x122}));
+  EXPECT_EQ(Content(*ndb_, Nid{0x21}), test::Noise(30000));
 }
 
 TEST_F(NdbWriters, RefuseNodesOfBlocksThatAreNotThere) {
-  EXPECT_EQ(ndb_->SetNode(0x21, {0x4444, 0}, 0).error().kind, FailureKind::kNotFound);
+  EXPECT_EQ(ndb_->SetNode(Nid{0x21}, {Bid{0x4444}}).error().kind, FailureKind::kNotFound);
   const NodeTrees data = Data(1);
-  EXPECT_EQ(ndb_->SetNode(0x21, {data.bidData, 0x4446}, 0).error().kind, FailureKind::kNotFound);
-  EXPECT_EQ(ndb_->SetNode(0x21, {0, data.bidData}, 0).error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(ndb_->SetNode(0, data, 0).error().kind, FailureKind::kNotSupported);
+  EXPECT_EQ(ndb_->SetNode(Nid{0x21}, {data.bidData, Bid{0x4446}}).error().kind, FailureKind::kNotFound);
+  EXPECT_EQ(ndb_->SetNode(Nid{0x21}, {kNoBid, data.bidData}).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(ndb_->SetNode(kNoNid, data).error().kind, FailureKind::kNotSupported);
   EXPECT_EQ(ndb_->NodeCount(), 0u);
   ASSERT_TRUE(ndb_->Discard(data));
   EXPECT_EQ(ndb_->BlockCount(), 0u) << "a refused node leaves its trees as they were: nobody's";
@@ -154,15 +155,15 @@ TEST_F(NdbWriters, RefuseNodesOfBlocksThatAreNotThere) {
 TEST_F(NdbWriters, RefuseToShareABlockMoreOftenThanItsCountHolds) {
   const NodeTrees data = Data(1);
   for (std::uint32_t i = 0; i < BlockTable::kMaxReferences; ++i) {
-    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kInternal, i + 1), data, 0));
+    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kInternal, i + 1), data));
   }
-  EXPECT_EQ(ndb_->SetNode(MakeNid(NidType::kNormalMessage, 1), data, 0).error().kind, FailureKind::kNotSupported);
+  EXPECT_EQ(ndb_->SetNode(MakeNid(NidType::kNormalMessage, 1), data).error().kind, FailureKind::kNotSupported);
 }
 
 TEST_F(NdbWriters, DropWhatNothingRefersToWhenTheStoreIsSealed) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(10), 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(10)));
   SubnodeTreeWriter subnodes(*ndb_);
-  subnodes.Add(0x8025, {Data(20000), 20000});
+  subnodes.Add(Nid{0x8025}, {Data(20000), 20000});
   ASSERT_TRUE(subnodes.Finish());
   Data(100);
   EXPECT_EQ(ndb_->BlockCount(), 7u);
@@ -174,9 +175,9 @@ TEST_F(NdbWriters, DropWhatNothingRefersToWhenTheStoreIsSealed) {
 }
 
 TEST_F(NdbWriters, LeaveATreeThatIsReferredToWhenItIsDiscarded) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(20000), 0));
-  ASSERT_TRUE(ndb_->Discard(ndb_->FindNode(0x21)->trees));
-  EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(20000));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(20000)));
+  ASSERT_TRUE(ndb_->Discard(ndb_->FindNode(Nid{0x21})->trees));
+  EXPECT_EQ(Content(*ndb_, Nid{0x21}), test::Noise(20000));
 }
 
 TEST_F(NdbWriters, KeepAHeldTreeUntilItIsLetGoAsOftenAsItWasHeld) {
@@ -184,15 +185,15 @@ TEST_F(NdbWriters, KeepAHeldTreeUntilItIsLetGoAsOftenAsItWasHeld) {
   const NodeTrees trees = Data(20000);
   ndb_->Hold(trees);
   ndb_->Hold(trees);
-  ASSERT_TRUE(ndb_->SetNode(0x21, trees, 0));
-  ASSERT_TRUE(ndb_->RemoveNode(0x21));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, trees));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x21}));
   ASSERT_TRUE(ndb_->Discard(trees));
   ndb_->LetGo(trees);
-  ASSERT_TRUE(ndb_->SetNode(0x41, trees, 0));
-  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x41}, trees));
+  EXPECT_EQ(Content(*ndb_, Nid{0x41}), test::Noise(20000));
   ndb_->LetGo(trees);
-  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000)) << "a node refers to it";
-  ASSERT_TRUE(ndb_->RemoveNode(0x41));
+  EXPECT_EQ(Content(*ndb_, Nid{0x41}), test::Noise(20000)) << "a node refers to it";
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x41}));
   EXPECT_EQ(ndb_->BlockCount(), blocks);
 }
 
@@ -201,37 +202,37 @@ TEST_F(NdbWriters, KeepAHeldTreeBelowASubNodeThatIsFreed) {
   const NodeTrees trees = Data(20000);
   ndb_->Hold(trees);
   SubnodeTreeWriter subnodes(*ndb_);
-  subnodes.Add(0x803F, {trees, 20000});
-  ASSERT_TRUE(ndb_->SetNode(0x21, {Data(5).bidData, subnodes.Finish()->bid}, 0));
-  ASSERT_TRUE(ndb_->RemoveNode(0x21));
-  ASSERT_TRUE(ndb_->SetNode(0x41, trees, 0));
-  EXPECT_EQ(Content(*ndb_, 0x41), test::Noise(20000));
-  ASSERT_TRUE(ndb_->RemoveNode(0x41));
+  subnodes.Add(Nid{0x803F}, {trees, 20000});
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, {Data(5).bidData, subnodes.Finish()->bid}));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x21}));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x41}, trees));
+  EXPECT_EQ(Content(*ndb_, Nid{0x41}), test::Noise(20000));
+  ASSERT_TRUE(ndb_->RemoveNode(Nid{0x41}));
   ndb_->LetGo(trees);
   EXPECT_EQ(ndb_->BlockCount(), blocks);
 }
 
 TEST_F(NdbWriters, DropHeldTreesThatNothingRefersToWhenTheStoreIsSealed) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(10), 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(10)));
   const std::size_t blocks = ndb_->BlockCount();
   const NodeTrees trees = Data(20000);
   ndb_->Hold(trees);
   ASSERT_TRUE(ndb_->Seal());
   EXPECT_EQ(ndb_->BlockCount(), blocks);
   ndb_->LetGo(trees);
-  EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(10));
+  EXPECT_EQ(Content(*ndb_, Nid{0x21}), test::Noise(10));
 }
 
 TEST_F(NdbWriters, RefuseChangesAfterSealAndSealAgain) {
-  ASSERT_TRUE(ndb_->SetNode(0x21, Data(10), 0));
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x21}, Data(10)));
   ASSERT_TRUE(ndb_->Seal());
   const std::vector<std::byte> sealed = file_.Bytes();
   EXPECT_EQ(ndb_->WriteData(test::Noise(10)).error().kind, FailureKind::kDenied);
-  EXPECT_EQ(ndb_->SetNode(0x21, {}, 0).error().kind, FailureKind::kDenied);
-  EXPECT_EQ(ndb_->RemoveNode(0x21).error().kind, FailureKind::kDenied);
+  EXPECT_EQ(ndb_->SetNode(Nid{0x21}, {}).error().kind, FailureKind::kDenied);
+  EXPECT_EQ(ndb_->RemoveNode(Nid{0x21}).error().kind, FailureKind::kDenied);
   EXPECT_EQ(ndb_->Commit().error().kind, FailureKind::kDenied);
   EXPECT_TRUE(ndb_->Seal());
-  EXPECT_EQ(Content(*ndb_, 0x21), test::Noise(10));
+  EXPECT_EQ(Content(*ndb_, Nid{0x21}), test::Noise(10));
   EXPECT_EQ(file_.Bytes(), sealed);
 }
 
@@ -239,10 +240,10 @@ TEST_F(NdbWriters, WriteEveryEncodingReadably) {
   for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
     platform::MemoryFile file;
     const auto ndb = NdbWriter::Create(file, method).value();
-    ASSERT_TRUE(ndb->SetNode(0x21, {ndb->WriteData(test::Noise(20000))->bid, 0}, 0));
-    EXPECT_EQ(Content(*ndb, 0x21), test::Noise(20000));
+    ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(20000))->bid}));
+    EXPECT_EQ(Content(*ndb, Nid{0x21}), test::Noise(20000));
     ASSERT_TRUE(ndb->Seal());
-    EXPECT_EQ(Content(*StoreReader::Open(file).value(), 0x21), test::Noise(20000));
+    EXPECT_EQ(Content(*StoreReader::Open(file).value(), Nid{0x21}), test::Noise(20000));
     if (test::HasPstCheck()) {
       EXPECT_EQ(test::PstCheck(file.Bytes(), test::Check::kBlocks), "");
     }
@@ -251,8 +252,8 @@ TEST_F(NdbWriters, WriteEveryEncodingReadably) {
 
 TEST_F(NdbWriters, FormTreesOfThreeLevelsThatTheCheckerAccepts) {
   for (std::uint32_t i = 0; i < 9000; ++i) {
-    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kNormalMessage, 0x10001 + i), Data(1 + i % 50, i), 0x8022));
-    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kInternal, 1 + i), {}, 0));
+    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kNormalMessage, 0x10001 + i), Data(1 + i % 50, i), Nid{0x8022}));
+    ASSERT_TRUE(ndb_->SetNode(MakeNid(NidType::kInternal, 1 + i), {}));
     if (i % 1000 == 999) {
       ASSERT_TRUE(ndb_->Commit());
     }
@@ -262,7 +263,7 @@ TEST_F(NdbWriters, FormTreesOfThreeLevelsThatTheCheckerAccepts) {
   }
   ASSERT_TRUE(ndb_->Seal());
   const auto store = StoreReader::Open(file_).value();
-  EXPECT_TRUE(store->Damage().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   EXPECT_EQ(store->Nodes().size(), ndb_->NodeCount());
   EXPECT_EQ(store->BlockCount(), ndb_->BlockCount());
   EXPECT_EQ(Content(*store, MakeNid(NidType::kNormalMessage, 0x10001 + 8998)), test::Noise(1 + 8998 % 50, 8998));
@@ -275,12 +276,12 @@ TEST_F(NdbWriters, FormLargeTreesThatTheCheckerAccepts) {
   for (std::uint32_t i = 0; i < 1000; ++i) inner.Add(MakeNid(NidType::kLtp, 0x401 + i), {Data(1500, i), 1500});
   const SubnodeTree below = inner.Finish().value();
   SubnodeTreeWriter outer(*ndb_);
-  outer.Add(0x8025, {{Data(9'000'000).bidData, below.bid}, 0});
-  outer.Add(0x8045, {Data(8176 * 3), 0});
-  ASSERT_TRUE(ndb_->SetNode(0x200024, {Data(100000).bidData, outer.Finish()->bid}, 0));
+  outer.Add(Nid{0x8025}, {{Data(9'000'000).bidData, below.bid}, 0});
+  outer.Add(Nid{0x8045}, {Data(8176 * 3), 0});
+  ASSERT_TRUE(ndb_->SetNode(Nid{0x200024}, {Data(100000).bidData, outer.Finish()->bid}));
   ASSERT_TRUE(ndb_->Seal());
   const auto store = StoreReader::Open(file_).value();
-  EXPECT_EQ(DataSizeOf(*store, store->FindNode(0x200024)->trees), 1500u * 1000 + 9'000'000 + 8176 * 3 + 100000);
+  EXPECT_EQ(DataSizeOf(*store, store->FindNode(Nid{0x200024})->trees), 1500u * 1000 + 9'000'000 + 8176 * 3 + 100000);
   VELMORA_NEEDS_PST_CHECK();
   EXPECT_EQ(test::PstCheck(file_.Bytes(), test::Check::kBlocks), "");
 }
@@ -292,7 +293,7 @@ TEST_F(NdbWriters, GiveTheSameBytesForTheSameSteps) {
     const auto ndb = NdbWriter::Create(file).value();
     for (std::uint32_t i = 0; i < 300; ++i) {
       const Nid nid = ndb->NewNid(NidType::kNormalMessage);
-      ASSERT_TRUE(ndb->SetNode(nid, {ndb->WriteData(test::Noise(i * 40 + 1, i))->bid, 0}, 0));
+      ASSERT_TRUE(ndb->SetNode(nid, {ndb->WriteData(test::Noise(i * 40 + 1, i))->bid}));
       if (i % 50 == 49) {
         ASSERT_TRUE(ndb->RemoveNode(nid));
         ASSERT_TRUE(ndb->Commit());

@@ -1,5 +1,3 @@
-#include "store/ndb/subnode_tree.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -7,6 +5,7 @@
 #include "store/format/block.h"
 #include "store/format/little_endian.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/ndb/subnode_tree_writer.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ndb {
@@ -14,9 +13,9 @@ namespace {
 
 class SubnodeTrees : public testing::Test {
  protected:
-  WrittenNode Value(std::size_t size) {
+  WrittenNode Made(std::size_t size) {
     const DataTree tree = ndb_->WriteData(test::Noise(size)).value();
-    return {{tree.bid, 0}, tree.size};
+    return {{tree.bid}, tree.size};
   }
 
   SubnodeTree Written(std::size_t count, const WrittenNode& node) {
@@ -38,13 +37,13 @@ class SubnodeTrees : public testing::Test {
 };
 
 TEST_F(SubnodeTrees, OfNoneHaveNoBlock) {
-  EXPECT_EQ(SubnodeTreeWriter(*ndb_).Finish()->bid, 0u);
-  EXPECT_TRUE(ListSubnodes(*ndb_, 0)->empty());
-  EXPECT_FALSE(FindSubnode(*ndb_, 0, 0x8025).value());
+  EXPECT_EQ(SubnodeTreeWriter(*ndb_).Finish()->bid, kNoBid);
+  EXPECT_TRUE(ListSubnodes(*ndb_, kNoBid)->empty());
+  EXPECT_FALSE(FindSubnode(*ndb_, Bid{0}, Nid{0x8025}).value());
 }
 
 TEST_F(SubnodeTrees, AreOneLeafUpTo340AndAnIndexAbove) {
-  const WrittenNode node = Value(10);
+  const WrittenNode node = Made(10);
   for (const std::size_t count : {1u, 2u, 339u, 340u, 341u, 680u, 1000u}) {
     const SubnodeTree tree = Written(count, node);
     EXPECT_EQ(tree.dataSize, count * 10);
@@ -58,36 +57,36 @@ TEST_F(SubnodeTrees, AreOneLeafUpTo340AndAnIndexAbove) {
     for (std::size_t i = 0; i < count; ++i) EXPECT_EQ(entries[i], (SubnodeEntry{NidOf(i), node.trees}));
     EXPECT_EQ(FindSubnode(*ndb_, tree.bid, NidOf(count - 1)).value(), (SubnodeEntry{NidOf(count - 1), node.trees}));
     EXPECT_FALSE(FindSubnode(*ndb_, tree.bid, NidOf(count)).value());
-    EXPECT_FALSE(FindSubnode(*ndb_, tree.bid, 1).value());
+    EXPECT_FALSE(FindSubnode(*ndb_, tree.bid, Nid{1}).value());
   }
 }
 
 TEST_F(SubnodeTrees, RefuseTwoEntriesOfOneIdAndEntriesWithoutData) {
   SubnodeTreeWriter writer(*ndb_);
-  writer.Add(0x8025, Value(1));
-  writer.Add(0x8025, Value(2));
+  writer.Add(Nid{0x8025}, Made(1));
+  writer.Add(Nid{0x8025}, Made(2));
   EXPECT_EQ(writer.Finish().error().kind, FailureKind::kCorrupt);
-  writer.Add(0x8025, {});
+  writer.Add(Nid{0x8025}, {});
   EXPECT_EQ(writer.Finish().error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(writer.Finish()->bid, 0u) << "the writer is empty after a failure";
+  EXPECT_EQ(writer.Finish()->bid, kNoBid) << "the writer is empty after a failure";
 }
 
 TEST_F(SubnodeTrees, RefuseMoreEntriesThanTwoLevelsHold) {
   SubnodeTreeWriter writer(*ndb_);
-  const WrittenNode node = Value(1);
+  const WrittenNode node = Made(1);
   for (std::size_t i = 0; i <= SubnodeTreeWriter::kMaxEntries; ++i) writer.Add(NidOf(i), node);
   EXPECT_EQ(writer.Finish().error().kind, FailureKind::kNotSupported);
 }
 
 TEST_F(SubnodeTrees, CountTheDataOfAllThatIsBelow) {
   SubnodeTreeWriter inner(*ndb_);
-  inner.Add(0x803F, Value(20000));
-  inner.Add(0x805F, Value(5));
+  inner.Add(Nid{0x803F}, Made(20000));
+  inner.Add(Nid{0x805F}, Made(5));
   const SubnodeTree below = inner.Finish().value();
   const DataTree own = ndb_->WriteData(test::Noise(100)).value();
   SubnodeTreeWriter outer(*ndb_);
-  outer.Add(0x8025, {{own.bid, below.bid}, own.size + below.dataSize});
-  outer.Add(0x8045, {{own.bid, below.bid}, own.size + below.dataSize});
+  outer.Add(Nid{0x8025}, {{own.bid, below.bid}, own.size + below.dataSize});
+  outer.Add(Nid{0x8045}, {{own.bid, below.bid}, own.size + below.dataSize});
   const SubnodeTree tree = outer.Finish().value();
   EXPECT_EQ(tree.dataSize, 2u * (100 + 20000 + 5));
   EXPECT_EQ(DataSizeOf(*ndb_, {own.bid, tree.bid}), 100 + tree.dataSize);
@@ -99,18 +98,18 @@ class MadeUpBlocks : public BlockSource {
  public:
   Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
     const auto block = blocks.find(bid);
-    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", bid, "none"});
+    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
     out = block->second;
     return {};
   }
   std::optional<NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
-  void Add(Bid bid, int level, std::vector<std::uint64_t> words, std::size_t cEnt) {
+  void Add(std::uint64_t bid, int level, std::vector<std::uint64_t> words, std::size_t cEnt) {
     std::vector<std::byte> block(8 + 8 * words.size());
     Encode(InternalHead{BlockType::kSubnodeTree, static_cast<std::uint8_t>(level), static_cast<std::uint16_t>(cEnt)},
            block);
     for (std::size_t i = 0; i < words.size(); ++i) Store<std::uint64_t>(block, 8 + 8 * i, words[i]);
-    blocks[bid] = block;
+    blocks[Bid{bid}] = block;
   }
 
   std::map<Bid, std::vector<std::byte>> blocks;
@@ -122,32 +121,33 @@ TEST(DamagedSubnodeTree, IsRefused) {
   source.Add(10, 0, {0x8025, 4, 0}, 2);  // more entries than room
   source.Add(14, 2, {0x8025, 4, 0}, 1);  // no such level
   source.Add(18, 1, {0x8025, 4}, 1);     // an index over a data block
-  source.blocks[22] = {};
-  for (const Bid bid : {6u, 10u, 14u, 18u, 22u, 4u}) {
-    EXPECT_EQ(ListSubnodes(source, bid).error().kind, FailureKind::kCorrupt) << bid;
-    EXPECT_EQ(FindSubnode(source, bid, 0x8025).error().kind, FailureKind::kCorrupt) << bid;
+  source.blocks[Bid{22}] = {};
+  for (const std::uint64_t bid : {6, 10, 14, 18, 22, 4}) {
+    EXPECT_EQ(ListSubnodes(source, Bid{bid}).error().kind, FailureKind::kCorrupt) << bid;
+    EXPECT_EQ(FindSubnode(source, Bid{bid}, Nid{0x8025}).error().kind, FailureKind::kCorrupt) << bid;
   }
-  EXPECT_EQ(ListSubnodes(source, 26).error().kind, FailureKind::kNotFound);
+  EXPECT_EQ(ListSubnodes(source, Bid{26}).error().kind, FailureKind::kNotFound);
 }
 
 TEST(DamagedSubnodeTree, ThatNestsInItselfIsNotMeasured) {
   MadeUpBlocks source;
   source.Add(6, 0, {0x8025, 0, 6, 0x8045, 0, 6}, 2);
-  EXPECT_EQ(DataSizeOf(source, {0, 6}).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(DataSizeOf(source, {kNoBid, Bid{6}}).error().kind, FailureKind::kCorrupt);
 }
 
 TEST(SubnodeTree, MeasuresATreeThatIsSharedAtEveryLevelInOneWalk) {
   MadeUpBlocks source;
-  source.blocks[4] = std::vector<std::byte>(1);
+  source.blocks[Bid{4}] = std::vector<std::byte>(1);
   source.Add(6, 0, {0x8025, 4, 0, 0x8045, 4, 0}, 2);
-  for (Bid bid = 10; bid < 10 + 4 * 40; bid += 4) source.Add(bid, 0, {0x8025, 0, bid - 4, 0x8045, 0, bid - 4}, 2);
-  EXPECT_EQ(DataSizeOf(source, {0, 10 + 4 * 39}), std::uint64_t{2} << 40);
+  for (std::uint64_t bid = 10; bid < 10 + 4 * 40; bid += 4)
+    source.Add(bid, 0, {0x8025, 0, bid - 4, 0x8045, 0, bid - 4}, 2);
+  EXPECT_EQ(DataSizeOf(source, {kNoBid, Bid{10 + 4 * 39}}), std::uint64_t{2} << 40);
 }
 
 TEST(SubnodeTree, IgnoresTheHighHalfOfAnId) {
   MadeUpBlocks source;
   source.Add(6, 0, {0xDEADBEEF'00008025, 4, 0}, 1);
-  EXPECT_EQ(FindSubnode(source, 6, 0x8025).value(), (SubnodeEntry{0x8025, {4, 0}}));
+  EXPECT_EQ(FindSubnode(source, Bid{6}, Nid{0x8025}).value(), (SubnodeEntry{Nid{0x8025}, {Bid{4}}}));
 }
 
 }  // namespace

@@ -48,4 +48,10 @@ std::string PstCheck(std::span<const std::byte> store, Check check, const std::s
   return findings.empty() ? "the checker ended with a failure" : findings;
 }
 
+bool DumpStore(const fs::path& store, const fs::path& dump) {
+  const std::string command =
+      "python3 '" + Checker().string() + "' --dump '" + store.string() + "' > '" + dump.string() + "'";
+  return std::system(command.c_str()) == 0;
+}
+
 }  // namespace velmora::test

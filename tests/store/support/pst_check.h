@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,6 +21,10 @@ bool HasPstCheck();
 
 /// Runs the checker; returns its findings, a line each, errors and warnings alike: empty for a sound store.
 std::string PstCheck(std::span<const std::byte> store, Check check, const std::string& ignored = {});
+
+/// Writes to `dump` what the checker reads in a store of any generation: a line of JSON for the store, each folder and
+/// each message.
+bool DumpStore(const std::filesystem::path& store, const std::filesystem::path& dump);
 
 }  // namespace velmora::test
 

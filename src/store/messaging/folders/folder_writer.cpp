@@ -28,7 +28,7 @@ PropertyBag PropertiesOf(const Folder& folder) {
 Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
   for (const Folder* child : folder.children) {
-    if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
+    if (auto added = table.AddRow(Value(child->nid), PropertiesOf(*child).Views()); !added)
       return tl::unexpected(added.error());
   }
   if (folder.nid == nid::kRootFolder) {
@@ -37,7 +37,8 @@ Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeap
     PropertyBag row = PropertiesOf(search);
     row.Remove(tag::kPstHiddenCount);
     row.Remove(tag::kPstHiddenUnread);
-    if (auto added = table.AddRow(nid::kSpamSearchFolder, row.Views()); !added) return tl::unexpected(added.error());
+    if (auto added = table.AddRow(Value(nid::kSpamSearchFolder), row.Views()); !added)
+      return tl::unexpected(added.error());
   }
   folder.childCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
@@ -61,7 +62,7 @@ Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& 
   return table.Finish();
 }
 
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = kNoNid) {
   if (!node) return tl::unexpected(node.error());
   return ndb.SetNode(nid, node->trees, parent);
 }
@@ -109,11 +110,11 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
   }
   if (folder.itemsChanged) {
     const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
-    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
+    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, Nid{}); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);

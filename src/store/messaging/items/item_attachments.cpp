@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "store/format/byte_view.h"
 #include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/values/stored_text.h"
@@ -43,7 +44,7 @@ bool ItemAttachment::IsMessage() const { return content.TagOf(tag::kAttachDataOb
 std::vector<ItemAttachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
   std::vector<ItemAttachment> attachments;
   for (const ndb::SubnodeEntry& entry : ReadOrRaise(message.Subnodes())) {
-    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
+    if (TypeOf(entry.nid) != NidType::kAttachment) continue;
     ltp::PropertyContext properties = ReadOrRaise(ltp::PropertyContext::Open(ndb, entry.trees));
     ItemAttachment& attachment = attachments.emplace_back();
     attachment.name = properties.Text(tag::kDisplayName).value_or(text::Text());
@@ -80,7 +81,7 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
       continue;
     }
     const ndb::SubnodeEntry entry = level.entries[level.next++];
-    if (NidTypeOf(entry.nid) != NidType::kAttachment) continue;
+    if (TypeOf(entry.nid) != NidType::kAttachment) continue;
     auto attachment = ltp::PropertyContext::Open(source, entry.trees);
     if (!attachment) continue;
     const auto object = attachment->ReadObject(tag::kAttachDataObject);

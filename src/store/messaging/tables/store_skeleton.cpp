@@ -49,7 +49,7 @@ constexpr std::int32_t kFinderIsThere = 0x80;
 constexpr std::int32_t kPstVersion = 0x000E000D;
 
 /// Sets a node from what was written for it.
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = 0) {
+Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = kNoNid) {
   if (!node) return tl::unexpected(node.error());
   return ndb.SetNode(nid, node->trees, parent);
 }
@@ -59,7 +59,7 @@ Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
   ltp::TableContextWriter table(ndb, schema::kReceiveFolders);
   PropertyBag row;
   row.PutBytes(tag::kMessageClass, {});
-  row.PutInteger32(tag::kReceiveFolderNid, nid::kRootFolder);
+  row.PutInteger32(tag::kReceiveFolderNid, static_cast<std::int32_t>(Value(nid::kRootFolder)));
   if (auto added = table.AddRow(1, row.Views()); !added) return tl::unexpected(added.error());
   return table.Finish();
 }
@@ -83,7 +83,7 @@ Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
     if (auto set = Set(ndb, row.nid, table.Finish()); !set) return set;
   }
   for (const Nid nid : kEmptyNodes) {
-    if (auto set = ndb.SetNode(nid, {}, 0); !set) return set;
+    if (auto set = ndb.SetNode(nid, {}); !set) return set;
   }
   if (auto set = Set(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
 
@@ -91,7 +91,7 @@ Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
   Append(searches, Value(nid::kSpamSearchFolder));
   const auto list = ndb.WriteData(searches);
   if (!list) return tl::unexpected(list.error());
-  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, 0}, 0); !set) return set;
+  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid}); !set) return set;
 
   if (auto set = WriteNameMap(ndb, names); !set) return set;
   return WriteSearchFolder(ndb);

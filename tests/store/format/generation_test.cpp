@@ -1,4 +1,4 @@
-#include "store/format/page_layout.h"
+#include "store/format/generation.h"
 
 #include <gtest/gtest.h>
 
@@ -7,20 +7,20 @@
 namespace velmora {
 namespace {
 
-TEST(PageLayoutTest, AnUnknownFormatGivesTheAnsiValues) {
+TEST(Generation, AnUnknownFormatGivesTheAnsiValues) {
   EXPECT_EQ(LayoutOf(0), LayoutOf(FORMAT_ANSI));
   EXPECT_EQ(LayoutOf(1), LayoutOf(FORMAT_ANSI));
   EXPECT_EQ(LayoutOf(77), LayoutOf(FORMAT_ANSI));
   EXPECT_EQ(LayoutOf(77).formatId, FORMAT_ANSI);
 }
 
-TEST(PageLayoutTest, TheFieldPitchIsFourInAnsiAndEightInTheWideFormats) {
+TEST(Generation, TheFieldPitchIsFourInAnsiAndEightInTheWideFormats) {
   EXPECT_EQ(LayoutOf(FORMAT_ANSI).Pitch(), 4u);
   EXPECT_EQ(LayoutOf(FORMAT_UNICODE).Pitch(), 8u);
   EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).Pitch(), 8u);
 }
 
-TEST(PageLayoutTest, ANodeEntryIsFourFieldsOfTheFieldPitch) {
+TEST(Generation, ANodeEntryIsFourFieldsOfTheFieldPitch) {
   for (const FormatId format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
     EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).Pitch());
     EXPECT_EQ(LayoutOf(format).idWidth, LayoutOf(format).Pitch());
