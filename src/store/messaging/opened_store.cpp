@@ -54,7 +54,7 @@ void OpenedStore::ReadMessageStore() {
   std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
 
   const auto folderOf = [&](PropTag tag) {
-    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(0);
+    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(Nid{});
   };
   const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
@@ -81,7 +81,7 @@ void OpenedStore::ReadChildren(Folder& folder) {
   auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kHierarchyTable));
   if (!table) return;
   for (std::size_t row = 0; row < table->RowCount(); ++row) {
-    const Nid child = table->RowId(row);
+    const Nid child{table->RowId(row)};
     // A folder that is met a second time would lead round in a circle.
     if (NidTypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
     if (!reader_->FindNode(child)) continue;
@@ -93,7 +93,8 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = table->RowId(row)});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row)
+      folder.items.Put({.nid = Nid{table->RowId(row)}});
   }
   return folder.items;
 }

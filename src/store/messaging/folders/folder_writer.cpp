@@ -28,7 +28,7 @@ PropertyBag PropertiesOf(const Folder& folder) {
 Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
   for (const Folder* child : folder.children) {
-    if (auto added = table.AddRow(child->nid, PropertiesOf(*child).Views()); !added)
+    if (auto added = table.AddRow(Value(child->nid), PropertiesOf(*child).Views()); !added)
       return tl::unexpected(added.error());
   }
   if (folder.nid == nid::kRootFolder) {
@@ -37,7 +37,8 @@ Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeap
     PropertyBag row = PropertiesOf(search);
     row.Remove(tag::kPstHiddenCount);
     row.Remove(tag::kPstHiddenUnread);
-    if (auto added = table.AddRow(nid::kSpamSearchFolder, row.Views()); !added) return tl::unexpected(added.error());
+    if (auto added = table.AddRow(Value(nid::kSpamSearchFolder), row.Views()); !added)
+      return tl::unexpected(added.error());
   }
   folder.childCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
@@ -59,11 +60,6 @@ Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& 
   if (!result) return tl::unexpected(result.error());
   cellsLeftOut = table.CellsLeftOut();
   return table.Finish();
-}
-
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
-  if (!node) return tl::unexpected(node.error());
-  return ndb.SetNode(nid, node->trees, parent);
 }
 
 }  // namespace
@@ -105,15 +101,15 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
   if (folder.hiddenItemsChanged || !ndb.FindNode(hiddenItems)) {
     const auto table =
         ItemTable(ndb, schema::kAssocContents, folder.hiddenItems, rows, maxHeapBlocks, folder.hiddenCellsLeftOut);
-    if (auto set = Set(ndb, hiddenItems, table, Nid{}); !set) return set;
+    if (auto set = SetWritten(ndb, hiddenItems, table); !set) return set;
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table, 0); !set) return set;
+    if (auto set = SetWritten(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
   }
   if (folder.itemsChanged) {
     const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
-    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, 0); !set) return set;
+    if (auto set = SetWritten(ndb, tableNid(NidType::kContentsTable), table); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);
@@ -121,7 +117,7 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
     folder.others.AddTo(node);
     extra.AddTo(node);
     const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
-    if (auto set = Set(ndb, folder.nid, node.Finish(), parent); !set) return set;
+    if (auto set = SetWritten(ndb, folder.nid, node.Finish(), parent); !set) return set;
   }
   folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = folder.hiddenItemsChanged = false;
   return {};

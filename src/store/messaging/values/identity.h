@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "store/format/byte_view.h"
+#include "store/format/ids.h"
 #include "text/text.h"
 
 namespace velmora::messaging {
@@ -15,10 +16,10 @@ namespace velmora::messaging {
 using Uid = std::array<std::byte, 16>;
 
 /// Entry id of a node of the store with that record key: 24 bytes.
-Bytes NodeEntryId(const Uid& recordKey, std::uint32_t nid);
+Bytes NodeEntryId(const Uid& recordKey, Nid nid);
 
 /// The node that an entry id of the store with that record key names; nothing for another store's.
-std::optional<std::uint32_t> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey);
+std::optional<Nid> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey);
 
 /// Entry id of a person who is in no address book: name, type of address ("SMTP") and address.
 Bytes OneOffEntryId(text::TextView name, text::TextView type, text::TextView address);

@@ -26,13 +26,13 @@ Uid Key() {
 }
 
 TEST(EntryId, OfANodeNamesStoreAndNode) {
-  const Bytes entryId = NodeEntryId(Key(), 0x8022);
+  const Bytes entryId = NodeEntryId(Key(), Nid{0x8022});
   EXPECT_EQ(Hex(entryId), "00000000a0a1a2a3a4a5a6a7a8a9aaabacadaeaf22800000");
-  EXPECT_EQ(NodeOfEntryId(entryId, Key()), 0x8022u);
+  EXPECT_EQ(NodeOfEntryId(entryId, Key()), Nid{0x8022});
 }
 
 TEST(EntryId, OfAnotherStoreOrLengthNamesNoNode) {
-  const Bytes entryId = NodeEntryId(Key(), 0x8022);
+  const Bytes entryId = NodeEntryId(Key(), Nid{0x8022});
   EXPECT_FALSE(NodeOfEntryId(entryId, Uid{}));
   EXPECT_FALSE(NodeOfEntryId(std::span(entryId).first(23), Key()));
   EXPECT_FALSE(NodeOfEntryId({}, Key()));
