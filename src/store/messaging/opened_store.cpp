@@ -55,7 +55,7 @@ void OpenedStore::ReadMessageStore() {
   std::copy_n(recordKey.begin(), std::min(recordKey.size(), recordKey_.size()), recordKey_.begin());
 
   const auto folderOf = [&](PropTag tag) {
-    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(kNoNid);
+    return NodeOfEntryId(properties->Binary(tag).value_or(Bytes()), recordKey_).value_or(Nid{});
   };
   const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
@@ -94,7 +94,8 @@ void OpenedStore::ReadChildren(Folder& folder) {
 const ItemRows& OpenedStore::ItemsOf(Folder& folder) {
   if (listed_.insert(folder.nid).second) {
     const auto table = TableOf(*reader_, Sibling(folder.nid, NidType::kContentsTable));
-    for (std::size_t row = 0; table && row < table->RowCount(); ++row) folder.items.Put({.nid = Nid{table->RowId(row)}});
+    for (std::size_t row = 0; table && row < table->RowCount(); ++row)
+      folder.items.Put({.nid = Nid{table->RowId(row)}});
   }
   return folder.items;
 }

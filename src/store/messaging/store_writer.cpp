@@ -184,12 +184,14 @@ void StoreWriter::CommitNowAndThen() {
   }
 }
 
-/// Whether a given id may be that of a new object.
-bool StoreWriter::IsFree(Nid nid, NidType type) const {
+/// Raises where a given id cannot be that of a new object.
+void StoreWriter::CheckGiven(Nid nid, NidType type) const {
   if (TypeOf(nid) != type || IndexOf(nid) <= kLastFixedIndex) {
     throw OutputFailure(ResultCode::E_INVALIDARG, "The id is none for such an object.");
   }
-  return !ndb_->FindNode(nid) && folders_.OfNid(nid) == nullptr;
+  if (ndb_->FindNode(nid) || folders_.OfNid(nid) != nullptr) {
+    throw OutputFailure(ResultCode::MAPI_E_COLLISION, "An object of that id is already there.");
+  }
 }
 
 Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::optional<Nid> nid) {
@@ -199,9 +201,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::opti
     if (ChildOf(parent, split.name) != nullptr) {
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
-    if (nid && !IsFree(*nid, NidType::kNormalFolder)) {
-      throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that id is already there.");
-    }
+    if (nid) CheckGiven(*nid, NidType::kNormalFolder);
     Reserve(kNewFolderBytes + MostBytesOf(split.others) + BytesToMark(parent, &Folder::propertiesChanged) +
                 BytesToMark(parent, &Folder::childrenChanged),
             kFolderNodes);
@@ -266,10 +266,7 @@ Nid StoreWriter::Save(Message message, Folder& folder, std::optional<Nid> nid) {
     const NidType type = hidden ? NidType::kAssocMessage : NidType::kNormalMessage;
     ItemRows& items = hidden ? folder.hiddenItems : folder.items;
     bool Folder::*const changed = hidden ? &Folder::hiddenItemsChanged : &Folder::itemsChanged;
-    const ItemRow* before = nid ? items.Find(*nid) : nullptr;
-    if (nid && before == nullptr && !IsFree(*nid, type)) {
-      throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A message of that id is already there.");
-    }
+    if (nid && items.Find(*nid) == nullptr) CheckGiven(*nid, type);
     const WrittenMessage written = WrittenOrRaise(messages_.Write(std::move(message)));
     const PropertyBag row = RowOf(hidden ? schema::kAssocContents : schema::kContents, written.properties);
     const std::vector<ltp::PropertyView> cells = row.Views();

@@ -51,7 +51,9 @@ class StoreWriter : public Store {
 
   // -- objects, property by property. Values stand as the store holds them: numbers little-endian, times in 100 ns
   // since 1601 UTC, texts UTF-16LE without terminator. All is copied or shared: nothing of a caller's has to outlive
-  // the call. E_FAIL for what the format cannot hold; the store goes on then without that object.
+  // the call, but a bag with a stored value goes before the store. Who gives ids has the highest noted first
+  // (NdbWriter::NoteNid), so that those that the store makes itself stay apart from them. E_FAIL for what the format
+  // cannot hold; the store goes on then without that object.
 
   /// Adds a folder of any properties, kDisplayName and kContainerClass among them; its counts are the writer's.
   /// E_INVALIDARG for an empty name, MAPI_E_COLLISION for one that is there. A given id must be free, else it is
@@ -116,7 +118,7 @@ class StoreWriter : public Store {
   void MarkChanged(Folder& folder, bool Folder::*what);
   std::uint64_t BytesToMark(const Folder& folder, bool Folder::*what) const;
   void Reserve(std::uint64_t bytes, std::size_t nodes = 0);
-  bool IsFree(Nid nid, NidType type) const;
+  void CheckGiven(Nid nid, NidType type) const;
 
   std::unique_ptr<platform::ByteStore> file_;
   std::unique_ptr<ndb::NdbWriter> ndb_;

@@ -17,7 +17,10 @@ using output::Ref;
 using output::ResultCode;
 using text::Text;
 
-constexpr std::uint32_t kFirstAttachment = 0x8025;
+/// The attachment behind so many others.
+constexpr Nid AttachmentAt(std::size_t index) {
+  return MakeNid(NidType::kAttachment, 0x401 + static_cast<std::uint32_t>(index));
+}
 
 class AttachmentsTest : public StoreTest {
  protected:
@@ -44,7 +47,7 @@ TEST_F(AttachmentsTest, KeepTheirBytesWhateverTheirSize) {
   auto table = raw.SubTable(message, nid::kAttachmentTable);
   ASSERT_EQ(table.RowCount(), std::size(sizes));
   for (std::size_t i = 0; i < std::size(sizes); ++i) {
-    auto attachment = raw.SubNode(message, Nid{kFirstAttachment + 32 * static_cast<std::uint32_t>(i)});
+    auto attachment = raw.SubNode(message, AttachmentAt(i));
     EXPECT_TRUE(ContentOf(attachment) == PatternOf(sizes[i])) << sizes[i];
     EXPECT_EQ(attachment.Integer32(tag::kAttachMethod), 1);
     EXPECT_EQ(table.Integer32(i, tag::kAttachSize), attachment.Integer32(tag::kAttachSize));
@@ -68,7 +71,7 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
   const auto sizesOf = [&](const WrittenMessage& written) {
     auto message = ltp::PropertyContext::Open(*ndb, written.node.trees).value();
     auto table = ltp::TableContext::Open(*ndb, message.FindSubnode(nid::kAttachmentTable).value()->trees).value();
-    auto object = ltp::PropertyContext::Open(*ndb, message.FindSubnode(Nid{kFirstAttachment}).value()->trees).value();
+    auto object = ltp::PropertyContext::Open(*ndb, message.FindSubnode(AttachmentAt(0)).value()->trees).value();
     EXPECT_EQ(table.Integer32(0, tag::kAttachSize), kLargest);
     EXPECT_EQ(object.Integer32(tag::kAttachSize), kLargest);
     EXPECT_EQ(message.Integer32(tag::kMessageSize), kLargest);
@@ -99,14 +102,14 @@ TEST_F(AttachmentsTest, KeepTheirNameAndGetAShortOne) {
   item->Save();
   const RawStore raw = Raw();
   auto message = raw.Message();
-  auto first = raw.SubNode(message, Nid{kFirstAttachment});
+  auto first = raw.SubNode(message, AttachmentAt(0));
   EXPECT_EQ(first.Text(tag::kAttachLongFilename), u"A long report name.html");
   EXPECT_EQ(first.Text(tag::kDisplayName), u"A long report name.html");
   EXPECT_EQ(first.Text(tag::kAttachFilename), u"ALONGR~1.HTM");
   EXPECT_EQ(first.Text(tag::kAttachExtension), u".html");
-  EXPECT_EQ(raw.SubNode(message, Nid{kFirstAttachment + 0x20}).Text(tag::kAttachLongFilename), u"..");
-  EXPECT_EQ(raw.SubNode(message, Nid{kFirstAttachment + 0x40}).Text(tag::kAttachFilename), u"PLAIN.TXT");
-  EXPECT_EQ(raw.SubNode(message, Nid{kFirstAttachment + 0x60}).Find(0x3707), nullptr);
+  EXPECT_EQ(raw.SubNode(message, AttachmentAt(1)).Text(tag::kAttachLongFilename), u"..");
+  EXPECT_EQ(raw.SubNode(message, AttachmentAt(2)).Text(tag::kAttachFilename), u"PLAIN.TXT");
+  EXPECT_EQ(raw.SubNode(message, AttachmentAt(3)).Find(0x3707), nullptr);
   ExpectSound();
 }
 
@@ -194,7 +197,7 @@ TEST_F(AttachmentsTest, EmbedAnItemAsItStandsNow) {
   outer->Save();
   const RawStore raw = Raw();
   auto message = raw.Message();
-  auto attachment = raw.SubNode(message, Nid{kFirstAttachment});
+  auto attachment = raw.SubNode(message, AttachmentAt(0));
   EXPECT_EQ(attachment.Integer32(tag::kAttachMethod), 5);
   EXPECT_EQ(attachment.Text(tag::kDisplayName), u"The inner one");
   EXPECT_EQ(attachment.Find(0x3704), nullptr) << "a message has no file name";
@@ -205,7 +208,7 @@ TEST_F(AttachmentsTest, EmbedAnItemAsItStandsNow) {
   EXPECT_EQ(embedded.Text(tag::kSubject), (Text{1, 1} + u"then"));
   EXPECT_EQ(embedded.Integer32(tag::kMessageFlags), 0x11);
   EXPECT_EQ(static_cast<std::uint32_t>(embedded.Integer32(tag::kMessageSize).value()), object->size);
-  auto file = raw.SubNode(embedded, Nid{kFirstAttachment});
+  auto file = raw.SubNode(embedded, AttachmentAt(0));
   EXPECT_TRUE(ContentOf(file) == PatternOf(30000));
   ExpectSound();
 }
@@ -226,10 +229,10 @@ TEST_F(AttachmentsTest, NestToAnyDepthAndShareTheirContents) {
   EXPECT_LT(std::filesystem::file_size(path_), 2000000u) << "the content is there once";
   auto message = raw.Message();
   for (int depth = 0; depth < kDepth; ++depth) {
-    auto attachment = raw.SubNode(message, Nid{kFirstAttachment});
+    auto attachment = raw.SubNode(message, AttachmentAt(0));
     message = Embedded(raw, attachment);
   }
-  auto file = raw.SubNode(message, Nid{kFirstAttachment});
+  auto file = raw.SubNode(message, AttachmentAt(0));
   EXPECT_TRUE(ContentOf(file) == PatternOf(1000000));
   ExpectSound();
 }
@@ -260,14 +263,14 @@ TEST_F(AttachmentsTest, StayWithAParentThatIsDeletedOnceItIsEmbedded) {
   ASSERT_EQ(raw.Messages().size(), 2u);
   for (const Nid nid : raw.Messages()) {
     auto message = raw.Node(nid);
-    auto attachment = raw.SubNode(message, Nid{kFirstAttachment});
+    auto attachment = raw.SubNode(message, AttachmentAt(0));
     auto embedded = Embedded(raw, attachment);
     EXPECT_EQ(embedded.Text(tag::kSubject), (Text{1, 1} + u"middle"));
-    auto file = raw.SubNode(embedded, Nid{kFirstAttachment});
+    auto file = raw.SubNode(embedded, AttachmentAt(0));
     EXPECT_TRUE(ContentOf(file) == PatternOf(60000));
-    auto inner = raw.SubNode(embedded, Nid{kFirstAttachment + 0x20});
+    auto inner = raw.SubNode(embedded, AttachmentAt(1));
     auto innermost = Embedded(raw, inner);
-    auto innerFile = raw.SubNode(innermost, Nid{kFirstAttachment});
+    auto innerFile = raw.SubNode(innermost, AttachmentAt(0));
     EXPECT_TRUE(ContentOf(innerFile) == PatternOf(70000));
   }
   ExpectSound();
@@ -282,7 +285,7 @@ TEST_F(AttachmentsTest, OfAnItemThatIsSavedTwiceAreThereOnce) {
   const RawStore raw = Raw();
   EXPECT_LT(std::filesystem::file_size(path_), 1100000u);
   auto message = raw.Message();
-  auto file = raw.SubNode(message, Nid{kFirstAttachment});
+  auto file = raw.SubNode(message, AttachmentAt(0));
   EXPECT_TRUE(ContentOf(file) == PatternOf(500000));
   ExpectSound();
 }
@@ -314,7 +317,7 @@ TEST_F(AttachmentsTest, OfAContactCanBeItsPicture) {
   const RawStore raw = Raw();
   auto message = raw.Message();
   EXPECT_EQ(message.Boolean(Named(PropertySet::kAddress, 0x8015, PropType::kBoolean)), true);
-  auto picture = raw.SubNode(message, Nid{kFirstAttachment});
+  auto picture = raw.SubNode(message, AttachmentAt(0));
   EXPECT_EQ(ContentOf(picture), "second");
   EXPECT_EQ(picture.Text(tag::kAttachLongFilename), u"ContactPicture.jpg");
   EXPECT_EQ(picture.Boolean(tag::kAttachmentContactPhoto), true);

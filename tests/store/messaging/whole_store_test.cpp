@@ -211,9 +211,9 @@ class SharedFile : public platform::ByteStore {
 };
 
 /// Fails as a full disk does, once so many bytes are written.
-class FullDisk : public platform::MemoryFile {
+class FailingDisk : public platform::MemoryFile {
  public:
-  FullDisk(std::uint64_t bytesLeft, platform::FailureKind kind) : bytesLeft_(bytesLeft), kind_(kind) {}
+  FailingDisk(std::uint64_t bytesLeft, platform::FailureKind kind) : bytesLeft_(bytesLeft), kind_(kind) {}
   platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
     if (bytes.size() > bytesLeft_) {
       return tl::unexpected(platform::Failure{kind_, "store.pst", offset, "No space left on device"});
@@ -233,7 +233,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
   for (int round = 0; round < 16; ++round) {
     const std::uint64_t room = 300000 + random() % 3000000;
     const auto kind = round % 2 == 0 ? platform::FailureKind::kFull : platform::FailureKind::kInputOutput;
-    const auto disk = std::make_shared<FullDisk>(room, kind);
+    const auto disk = std::make_shared<FailingDisk>(room, kind);
     const auto expected = round % 2 == 0 ? ResultCode::STG_E_MEDIUMFULL : ResultCode::STG_E_WRITEFAULT;
     int saved = 0;
     {
@@ -286,7 +286,7 @@ std::size_t CellsOf(const platform::MemoryFile& file) {
   const auto reader = ndb::StoreReader::Open(file).value();
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
-    if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == kNoBid) continue;
+    if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == Bid{}) continue;
     auto table = ltp::TableContext::Open(*reader, node.trees).value();
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
       for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
@@ -326,7 +326,7 @@ TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
 }
 
 TEST(FailingStore, ThatCannotEvenBeMadeSaysSo) {
-  const auto disk = std::make_shared<FullDisk>(1000, platform::FailureKind::kFull);
+  const auto disk = std::make_shared<FailingDisk>(1000, platform::FailureKind::kFull);
   EXPECT_EQ(CodeOf([&] {
               StoreWriter::Create(std::make_unique<SharedFile>(disk), u"x", {kTestEpoch, text::CodePage::Lossless()});
             }),

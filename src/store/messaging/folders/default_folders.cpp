@@ -38,7 +38,7 @@ const KindRow* RowOf(DefaultFolder kind) {
 
 Nid DefaultFolders::Of(DefaultFolder kind) const {
   const KindRow* row = RowOf(kind);
-  return row != nullptr ? folders_[static_cast<std::size_t>(row - kKindRows)] : kNoNid;
+  return row != nullptr ? folders_[static_cast<std::size_t>(row - kKindRows)] : Nid{};
 }
 
 void DefaultFolders::Set(DefaultFolder kind, Nid folder) {
@@ -50,7 +50,7 @@ void DefaultFolders::PutIntoRoot(const Uid& recordKey, PropertyBag& root) const 
   static_assert(std::size(kKindRows) == kKinds);
   std::vector<Bytes> array;
   for (std::size_t i = 0; i < kKinds; ++i) {
-    const Bytes entryId = folders_[i] != kNoNid ? NodeEntryId(recordKey, folders_[i]) : Bytes();
+    const Bytes entryId = folders_[i] != Nid{} ? NodeEntryId(recordKey, folders_[i]) : Bytes();
     if (kKindRows[i].entryId != 0 && !entryId.empty()) root.PutBytes(kKindRows[i].entryId, entryId);
     if (i >= kFirstOfArray) array.push_back(entryId);
   }

@@ -12,7 +12,7 @@
 
 namespace velmora::messaging {
 
-/// Which folder is the default one of each kind; 0 where there is none. A kind that is none of the known
+/// Which folder is the default one of each kind; none where there is none. A kind that is none of the known
 /// ones is kept nowhere.
 class DefaultFolders {
  public:

@@ -20,7 +20,7 @@ class ItemsObject : public output::RDOItems {
     return std::make_shared<MailItem>(store_, folder_, messageClass);
   }
   Ref<output::RDOMail> GetFirst() override {
-    last_ = kNoNid;
+    last_ = Nid{};
     return GetNext();
   }
   Ref<output::RDOMail> GetNext() override {
@@ -48,7 +48,7 @@ class FoldersObject : public output::RDOFolders {
     if (const auto* number = std::get_if<std::int32_t>(&type)) {
       // A second folder of a kind, further down in the tree, does not take the place of the first.
       const auto kind = static_cast<DefaultFolder>(*number);
-      if (writer.Defaults().Of(kind) == kNoNid) writer.SetDefaultFolder(kind, folder);
+      if (writer.Defaults().Of(kind) == Nid{}) writer.SetDefaultFolder(kind, folder);
     }
     return RefOf(store_, &folder);
   }

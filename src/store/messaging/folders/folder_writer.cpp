@@ -62,11 +62,6 @@ Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& 
   return table.Finish();
 }
 
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = kNoNid) {
-  if (!node) return tl::unexpected(node.error());
-  return ndb.SetNode(nid, node->trees, parent);
-}
-
 }  // namespace
 
 std::size_t ValueBytesOf(std::span<const ltp::PropertyView> row) {
@@ -106,15 +101,15 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
   if (folder.hiddenItemsChanged || !ndb.FindNode(hiddenItems)) {
     const auto table =
         ItemTable(ndb, schema::kAssocContents, folder.hiddenItems, rows, maxHeapBlocks, folder.hiddenCellsLeftOut);
-    if (auto set = Set(ndb, hiddenItems, table, Nid{}); !set) return set;
+    if (auto set = SetWritten(ndb, hiddenItems, table); !set) return set;
   }
   if (folder.childrenChanged) {
     const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = Set(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
+    if (auto set = SetWritten(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
   }
   if (folder.itemsChanged) {
     const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
-    if (auto set = Set(ndb, tableNid(NidType::kContentsTable), table, Nid{}); !set) return set;
+    if (auto set = SetWritten(ndb, tableNid(NidType::kContentsTable), table); !set) return set;
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);
@@ -122,7 +117,7 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
     folder.others.AddTo(node);
     extra.AddTo(node);
     const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
-    if (auto set = Set(ndb, folder.nid, node.Finish(), parent); !set) return set;
+    if (auto set = SetWritten(ndb, folder.nid, node.Finish(), parent); !set) return set;
   }
   folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = folder.hiddenItemsChanged = false;
   return {};

@@ -27,7 +27,7 @@ void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
 
 void PropertyBag::PutNumber(PropTag tag, std::uint64_t value, std::size_t size) {
   std::array<std::byte, sizeof value> bytes;
-  Store(std::span<std::byte>(bytes), 0, value);
+  velmora::Store(std::span<std::byte>(bytes), 0, value);
   PutBytes(tag, std::span(bytes).first(size));
 }
 

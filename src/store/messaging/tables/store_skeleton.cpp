@@ -48,12 +48,6 @@ constexpr std::int32_t kFinderIsThere = 0x80;
 /// The version that current Outlook notes in the stores that it makes.
 constexpr std::int32_t kPstVersion = 0x000E000D;
 
-/// Sets a node from what was written for it.
-Result<void> Set(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent = kNoNid) {
-  if (!node) return tl::unexpected(node.error());
-  return ndb.SetNode(nid, node->trees, parent);
-}
-
 /// Every class of message is received in the root folder: an archive receives nothing.
 Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
   ltp::TableContextWriter table(ndb, schema::kReceiveFolders);
@@ -70,28 +64,33 @@ Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
   node.AddInteger32(tag::kContentCount, 0);
   node.AddInteger32(tag::kContentUnreadCount, 0);
   node.AddBoolean(tag::kSubfolders, false);
-  if (auto set = Set(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder); !set) return set;
+  if (auto set = SetWritten(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder); !set) return set;
   node.AddInteger32(tag::kSearchFlags, 0);
-  return Set(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
+  return SetWritten(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
 }
 
 }  // namespace
 
+Result<void> SetWritten(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
+  if (!node) return tl::unexpected(node.error());
+  return ndb.SetNode(nid, node->trees, parent);
+}
+
 Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
   for (const EmptyTable& row : kEmptyTables) {
     ltp::TableContextWriter table(ndb, row.schema);
-    if (auto set = Set(ndb, row.nid, table.Finish()); !set) return set;
+    if (auto set = SetWritten(ndb, row.nid, table.Finish()); !set) return set;
   }
   for (const Nid nid : kEmptyNodes) {
-    if (auto set = ndb.SetNode(nid, {}); !set) return set;
+    if (auto set = ndb.SetNode(nid, {}, Nid{}); !set) return set;
   }
-  if (auto set = Set(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
+  if (auto set = SetWritten(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
 
   Bytes searches;
   Append(searches, Value(nid::kSpamSearchFolder));
   const auto list = ndb.WriteData(searches);
   if (!list) return tl::unexpected(list.error());
-  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid}); !set) return set;
+  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, {}}, Nid{}); !set) return set;
 
   if (auto set = WriteNameMap(ndb, names); !set) return set;
   return WriteSearchFolder(ndb);
@@ -100,7 +99,7 @@ Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
 Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
   ltp::PropertyContextWriter node(ndb);
   names.AddTo(node);
-  return Set(ndb, nid::kNameToIdMap, node.Finish());
+  return SetWritten(ndb, nid::kNameToIdMap, node.Finish());
 }
 
 Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
@@ -122,7 +121,7 @@ Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identit
   node.Add(tag::kReplVersionHistory, history);
   node.AddInteger32(tag::kReplFlags, 0);
   node.AddInteger32(tag::kLatestPstEnsure, kPstVersion);
-  return Set(ndb, nid::kMessageStore, node.Finish());
+  return SetWritten(ndb, nid::kMessageStore, node.Finish());
 }
 
 }  // namespace velmora::messaging

@@ -8,6 +8,10 @@
 
 namespace velmora::messaging {
 
+/// Sets a node from what was written for it.
+[[nodiscard]] Result<void> SetWritten(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node,
+                                      Nid parent = Nid{});
+
 /// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
 [[nodiscard]] Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
 

@@ -42,7 +42,7 @@ Bytes NodeEntryId(const Uid& recordKey, Nid nid) {
 std::optional<Nid> NodeOfEntryId(std::span<const std::byte> entryId, const Uid& recordKey) {
   if (entryId.size() != kNodeEntryIdSize) return std::nullopt;
   if (!std::ranges::equal(entryId.subspan(kRecordKeyAt, recordKey.size()), recordKey)) return std::nullopt;
-  return LoadNid(entryId, kNidAt);
+  return Nid{Load<std::uint32_t>(entryId, kNidAt)};
 }
 
 Bytes OneOffEntryId(text::TextView name, text::TextView type, text::TextView address) {
@@ -97,7 +97,7 @@ std::uint64_t UidSource::NextNumber() {
 Uid UidSource::Next() {
   Uid uid;
   for (std::size_t i = 0; i < uid.size(); i += 8) {
-    Store(std::span<std::byte>(uid), i, NextNumber());
+    velmora::Store(std::span<std::byte>(uid), i, NextNumber());
   }
   // The form of a random GUID (version 4) on disk, where the third group is little-endian.
   uid[7] = (uid[7] & std::byte{0x0F}) | std::byte{0x40};
