@@ -43,16 +43,16 @@ class DataTreeReader {
   [[nodiscard]] Result<std::vector<std::byte>> ReadAll(std::uint64_t limit);
 
  private:
-  Result<void> AddBlocksOf(Bid bid, std::span<const std::byte> content);
-  Result<void> AddListsOf(Bid bid, std::span<const std::byte> content);
-  Result<std::span<const std::byte>> BlockOrZeros(std::size_t index);
+  [[nodiscard]] Result<void> AddBlocksOf(Bid bid, std::span<const std::byte> content);
+  [[nodiscard]] Result<void> AddListsOf(Bid bid, std::span<const std::byte> content);
+  [[nodiscard]] Result<std::span<const std::byte>> BlockOrZeros(std::size_t index);
 
   const BlockSource* source_ = nullptr;
   Faults* faults_ = nullptr;
   std::uint64_t size_ = 0;
   std::vector<Bid> dataBids_;
   std::vector<std::byte> block_;
-  std::size_t blockIndex_ = SIZE_MAX;   ///< which data block was read last
+  std::size_t blockIndex_ = SIZE_MAX;    ///< which data block was read last
   std::optional<Failure> blockFailure_;  ///< why `block_` does not hold it
 };
 
