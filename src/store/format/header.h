@@ -46,6 +46,6 @@ std::array<std::byte, Header::kSize> Encode(const Header& header);
 
 /// The header of a store of any generation. kCorrupt when the magic, the sentinel or the checksum of the first sector
 /// does not fit, kNotSupported for versions that are not known and for encodings that have no published key.
-Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
+[[nodiscard]] Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
 
 }  // namespace velmora

@@ -40,6 +40,9 @@ enum class NidType : std::uint8_t {
 
 inline constexpr std::uint32_t kNidTypeBits = 5;
 inline constexpr std::uint32_t kNidTypeCount = 1u << kNidTypeBits;
+
+/// The first index that nodes and sub-nodes of a user's data may have: those below are of the nodes of every store.
+inline constexpr std::uint32_t kFirstFreeNidIndex = 0x401;
 inline constexpr std::uint32_t kMaxNidIndex = (1u << (32 - kNidTypeBits)) - 1;
 
 /// An id as the number that stands in the file.

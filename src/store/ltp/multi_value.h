@@ -19,7 +19,8 @@ std::vector<std::byte> EncodeMultiple(std::span<const text::Text> elements);
 
 /// The elements of a value of variable element size, as views into `value`. kCorrupt when the table of
 /// offsets does not fit.
-platform::Result<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<const std::byte> value);
+[[nodiscard]] platform::Result<std::vector<std::span<const std::byte>>> DecodeMultiple(
+    std::span<const std::byte> value);
 
 /// The value bytes of a text, and back (an odd last byte is dropped).
 std::vector<std::byte> EncodeText(text::TextView text);

@@ -13,13 +13,12 @@ namespace velmora::ltp {
 namespace {
 
 constexpr Hid kHeaderHid = MakeHid(0, 1);
-constexpr std::uint32_t kFirstSubnodeIndex = 0x401;
 constexpr std::uint64_t kMaxInteger32 = 0x7FFFFFFF;
 
 }  // namespace
 
 PropertyContextWriter::PropertyContextWriter(ndb::NdbWriter& ndb)
-    : ndb_(ndb), heap_(ndb, ClientSig::kPropertyContext), subnodes_(ndb), nextSubnodeIndex_(kFirstSubnodeIndex) {}
+    : ndb_(ndb), heap_(ndb, ClientSig::kPropertyContext), subnodes_(ndb), nextSubnodeIndex_(kFirstFreeNidIndex) {}
 
 void PropertyContextWriter::Add(PropTag tag, std::span<const std::byte> value) {
   if (auto fits = CheckValue(tag, value); !fits) return Fail(fits.error());
@@ -145,7 +144,7 @@ void PropertyContextWriter::Clear() {
   subnodes_.Clear();
   records_.clear();
   dataSizeId_.reset();
-  nextSubnodeIndex_ = kFirstSubnodeIndex;
+  nextSubnodeIndex_ = kFirstFreeNidIndex;
   valueBytes_ = 0;
   failure_.reset();
 }

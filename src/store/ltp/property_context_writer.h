@@ -77,7 +77,7 @@ class PropertyContextWriter {
   void AddRecord(PropTag tag, std::uint32_t dwValueHnid);
   void AddHeapValue(PropTag tag, std::span<const std::byte> value);
   void AddSubnodeValue(PropTag tag, const ndb::DataTree& tree);
-  Result<ndb::WrittenNode> WriteNode();
+  [[nodiscard]] Result<ndb::WrittenNode> WriteNode();
   void Fail(const Failure& failure);
 
   ndb::NdbWriter& ndb_;

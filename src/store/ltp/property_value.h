@@ -11,9 +11,9 @@
 namespace velmora::ltp {
 
 /// kCorrupt when the store has no such type, or when no value of it has `size` bytes. Objects are no values.
-Result<void> CheckSize(PropTag tag, std::uint64_t size);
+[[nodiscard]] Result<void> CheckSize(PropTag tag, std::uint64_t size);
 
 /// CheckSize, and of multiple values of variable size: whether the table of offsets fits.
-Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
+[[nodiscard]] Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
 
 }  // namespace velmora::ltp

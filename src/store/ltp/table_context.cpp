@@ -63,7 +63,7 @@ Result<void> TableContext::ReadIndex(const TableInfo& info, std::size_t matrixRo
 // Rows that have gone stay in the matrix, and nothing but the index tells them from the others; so this is for tables
 // whose index is damaged.
 void TableContext::AddRowsWithoutIndex(std::size_t matrixRows) {
-  const Column* rowId = FindColumn(kPidTagLtpRowId);
+  const Column* rowId = FindColumn(tag::kLtpRowId);
   if (rowId == nullptr) return;
   std::vector<bool> hasEntry(matrixRows);
   std::unordered_set<std::uint32_t> ids;

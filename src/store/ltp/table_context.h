@@ -51,10 +51,10 @@ class TableContext {
   TableContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
-  Result<void> ReadIndex(const TableInfo& info, std::size_t matrixRows);
+  [[nodiscard]] Result<void> ReadIndex(const TableInfo& info, std::size_t matrixRows);
   void AddRowsWithoutIndex(std::size_t matrixRows);
-  Result<std::size_t> OpenMatrix(Hnid hnidRows);
-  Result<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
+  [[nodiscard]] Result<std::size_t> OpenMatrix(Hnid hnidRows);
+  [[nodiscard]] Result<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
   std::size_t RowsPerBlock() const { return heap_.Format().maxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;
   template <class T>

@@ -18,7 +18,6 @@ namespace {
 constexpr Hid kRowIndexHid = MakeHid(0, 1);
 constexpr Hid kTableInfoHid = MakeHid(0, 2);
 constexpr Nid kMatrixNid = MakeNid(NidType::kLtp, 1);
-constexpr std::uint32_t kFirstCellIndex = 0x401;
 
 /// Larger matrices go to a sub-node.
 constexpr std::size_t kHeapMatrixLimit = 1024;
@@ -38,7 +37,7 @@ TableContextWriter::TableContextWriter(ndb::NdbWriter& ndb, const TableSchema& s
       heap_(ndb, ClientSig::kTableContext, maxHeapBlocks),
       matrix_(ndb),
       subnodes_(ndb),
-      nextSubnodeIndex_(kFirstCellIndex),
+      nextSubnodeIndex_(kFirstFreeNidIndex),
       row_(schema.RowSize()) {
   assert(IsSound(schema));
 }

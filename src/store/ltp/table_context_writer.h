@@ -43,11 +43,11 @@ class TableContextWriter {
   [[nodiscard]] Result<ndb::WrittenNode> Finish();
 
  private:
-  Result<void> OpenHeap();
-  Result<void> SetCell(const Column& column, std::span<const std::byte> value);
-  Result<Hnid> StoreValue(std::span<const std::byte> value);
+  [[nodiscard]] Result<void> OpenHeap();
+  [[nodiscard]] Result<void> SetCell(const Column& column, std::span<const std::byte> value);
+  [[nodiscard]] Result<Hnid> StoreValue(std::span<const std::byte> value);
   void SetExists(std::uint8_t iBit);
-  Result<Hnid> FinishMatrix();
+  [[nodiscard]] Result<Hnid> FinishMatrix();
   TableInfo Info(Hnid hnidRows) const;
 
   ndb::NdbWriter& ndb_;

@@ -6,11 +6,9 @@
 #include <span>
 
 #include "store/format/prop_tag.h"
+#include "store/format/property_tags.h"
 
 namespace velmora::ltp {
-
-inline constexpr PropTag kPidTagLtpRowId = 0x67F20003;
-inline constexpr PropTag kPidTagLtpRowVer = 0x67F30003;
 
 /// One column (TCOLDESC).
 struct Column {
@@ -64,8 +62,8 @@ constexpr bool IsSound(const TableSchema& schema) {
       if (taken[b]) return false;
       taken[b] = true;
     }
-    if (column.tag == kPidTagLtpRowId) hasId = column.ibData == 0 && column.iBit == 0;
-    if (column.tag == kPidTagLtpRowVer) hasVersion = column.ibData == 4 && column.iBit == 1;
+    if (column.tag == tag::kLtpRowId) hasId = column.ibData == 0 && column.iBit == 0;
+    if (column.tag == tag::kLtpRowVer) hasVersion = column.ibData == 4 && column.iBit == 1;
   }
   return hasId && hasVersion;
 }

@@ -38,7 +38,7 @@ std::span<const PageType> MapPagesOf(std::uint32_t area) {
   static constexpr std::array kWithFMap = {kAMap, kPMap, kFMap};
   static constexpr std::array kWithFPMap = {kAMap, kPMap, kFPMap, kFPMap};
   if (area % 8 != 0) return std::span(kWithFMap).first(1);
-  if (area >= 128 && (area - 128) % 496 == 0) return kWithFMap;
+  if (area >= 128 && (area - 128) % kMapBytes == 0) return kWithFMap;
   if (area >= 8192 && (area - 8192) % 31744 == 0) return kWithFPMap;
   return std::span(kWithFMap).first(2);
 }

@@ -20,10 +20,10 @@
 namespace velmora::ndb {
 
 inline constexpr std::uint64_t kFirstArea = 0x4400;
-inline constexpr std::uint64_t kAreaSize = 0x3E000;
-inline constexpr std::uint32_t kSlotsPerArea = 3968;
-inline constexpr std::size_t kMapBytes = 496;
-static_assert(kSlotsPerArea * kSlotSize == kAreaSize && kMapBytes * 8 == kSlotsPerArea);
+inline constexpr std::size_t kMapBytes = kPageContent;
+inline constexpr std::uint32_t kSlotsPerArea = kMapBytes * 8;
+inline constexpr std::uint64_t kAreaSize = kSlotsPerArea * kSlotSize;
+static_assert(kSlotsPerArea == 3968 && kAreaSize == 0x3E000);
 
 /// Most areas: the density list has 20 bits for the number of one. 266 GB of file.
 inline constexpr std::uint32_t kMaxAreas = 1u << 20;

@@ -30,11 +30,11 @@ class BlockFile {
   BlockFile& operator=(const BlockFile&) = delete;
 
   /// Makes the file that of an empty store, but for the header.
-  Result<void> Start();
+  [[nodiscard]] Result<void> Start();
 
   /// From now on the disk has, whatever else is written, room for `bytes` more of so many `blocks` and of pages, and
   /// for the tree of all blocks with them. kFull when it has not: every change fails with that, until DrawOnReserve.
-  Result<void> Reserve(std::uint64_t bytes, std::size_t blocks);
+  [[nodiscard]] Result<void> Reserve(std::uint64_t bytes, std::size_t blocks);
 
   /// What is written from now on may use up the reserve, until Reserve is called again. On a disk that turned out to
   /// be full writing goes on; one that failed to write stays unusable.
@@ -44,41 +44,41 @@ class BlockFile {
   void Trim();
 
   /// Writes a data block, encoded, that nothing refers to yet.
-  Result<Bid> WriteData(std::span<const std::byte> data);
+  [[nodiscard]] Result<Bid> WriteData(std::span<const std::byte> data);
 
   /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
-  Result<Bid> WriteInternal(std::span<const std::byte> content);
+  [[nodiscard]] Result<Bid> WriteInternal(std::span<const std::byte> content);
 
   /// Replaces `out` by the content of a block.
-  Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
+  [[nodiscard]] Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
 
   /// Counts one reference to each block, or to none when it fails. 0 names no block.
-  Result<void> Refer(std::span<const Bid> bids);
+  [[nodiscard]] Result<void> Refer(std::span<const Bid> bids);
 
   /// Takes one reference to a block back; one without any is freed and releases what it refers to.
-  Result<void> Release(Bid bid);
+  [[nodiscard]] Result<void> Release(Bid bid);
 
   /// Frees a block that nothing refers to, and what only it refers to.
-  Result<void> Discard(Bid bid);
+  [[nodiscard]] Result<void> Discard(Bid bid);
 
   /// Keeps a block, though nothing refers to it, until it was let go as often as it was held. 0 names none.
   void Hold(Bid bid);
-  Result<void> LetGo(Bid bid);
+  [[nodiscard]] Result<void> LetGo(Bid bid);
 
   /// Discards every block that nothing refers to, held or not.
-  Result<void> DiscardUnreferenced();
+  [[nodiscard]] Result<void> DiscardUnreferenced();
 
   /// Gives a new page its place and id and writes it.
-  Result<Bref> WritePage(PageType type, Page& page);
+  [[nodiscard]] Result<Bref> WritePage(PageType type, Page& page);
 
   /// Frees a page that no commit refers to.
   void FreePage(std::uint64_t ib) { map_.Free(ib, kPageSize / kSlotSize); }
 
   /// Writes bytes at a fixed place: header and maps.
-  Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
+  [[nodiscard]] Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
 
   /// Hands what was written to the disk.
-  Result<void> Flush();
+  [[nodiscard]] Result<void> Flush();
 
   /// Everything written so far, but the pages at `freedPages`, belongs to the commit at hand: places freed
   /// since the last one may be taken again once this one is on disk.
@@ -92,21 +92,21 @@ class BlockFile {
   Bid BidNextP() const { return Bid{bidNextP_}; }
 
   /// The failure that stopped the writing, if one has.
-  Result<void> Usable() const;
+  [[nodiscard]] Result<void> Usable() const;
 
   /// Makes every further write fail with `failure`.
   void Stop(const Failure& failure);
 
  private:
-  Result<Bid> Write(bool internal, std::span<const std::byte> data);
-  Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
-  Result<void> KeepReserve();
-  Result<void> OpenAreas();
-  Result<void> Free(Bid bid);
+  [[nodiscard]] Result<Bid> Write(bool internal, std::span<const std::byte> data);
+  [[nodiscard]] Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
+  [[nodiscard]] Result<void> KeepReserve();
+  [[nodiscard]] Result<void> OpenAreas();
+  [[nodiscard]] Result<void> Free(Bid bid);
 
   /// Remembers the failure of a result, if it is one.
   template <class T>
-  Result<T> Kept(Result<T> result) {
+  [[nodiscard]] Result<T> Kept(Result<T> result) {
     if (!result) Stop(result.error());
     return result;
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <unordered_set>
 
 #include "store/format/block.h"
 #include "store/format/failures.h"
@@ -27,12 +26,13 @@ Result<DataTreeReader> DataTreeReader::Open(const BlockSource& source, Bid bid, 
     return Corrupt(Named("block", bid), static_cast<std::uint64_t>(root.Head().btype), "no XBLOCK or XXBLOCK");
   }
   tree.size_ = root.Head().lcbTotal;
-  auto added = root.Head().cLevel == 1 ? tree.AddBlocksOf(bid, content) : tree.AddListsOf(bid, content);
+  Seen seen;
+  auto added = root.Head().cLevel == 1 ? tree.AddBlocksOf(bid, content, seen) : tree.AddListsOf(bid, content, seen);
   if (!added) return tl::unexpected(added.error());
   return tree;
 }
 
-Result<void> DataTreeReader::AddBlocksOf(Bid bid, std::span<const std::byte> content) {
+Result<void> DataTreeReader::AddBlocksOf(Bid bid, std::span<const std::byte> content, Seen& seen) {
   const InternalBlock block(content, source_->Format());
   if (!block.IsKnown() || block.Head().btype != BlockType::kDataTree || block.Head().cLevel != 1) {
     return Corrupt(Named("block", bid), block.Head().cLevel, "no XBLOCK where one belongs");
@@ -43,17 +43,18 @@ Result<void> DataTreeReader::AddBlocksOf(Bid bid, std::span<const std::byte> con
   }
   for (std::size_t i = 0; i < block.EntryCount(); ++i) {
     const Bid child = block.EntryBid(i, 0);
-    if (IsInternal(child)) {
-      auto fault = Corrupt(Named("block", bid), Value(child), "an XBLOCK refers to a block of the wrong kind");
+    const bool isSound = !IsInternal(child) && seen.insert(child).second;
+    if (!isSound) {
+      auto fault = Corrupt(Named("block", bid), Value(child), "an XBLOCK names an internal block, or a block twice");
       if (auto noted = Tolerate(faults_, bid, std::move(fault)); !noted) return noted;
     }
-    dataBids_.push_back(IsInternal(child) ? kNoBid : child);
+    dataBids_.push_back(isSound ? child : kNoBid);
   }
   return {};
 }
 
 // A list that is lost leaves the room of its blocks, as far as the size of the tree tells that there are more.
-Result<void> DataTreeReader::AddListsOf(Bid bid, std::span<const std::byte> content) {
+Result<void> DataTreeReader::AddListsOf(Bid bid, std::span<const std::byte> content, Seen& seen) {
   const Generation& format = source_->Format();
   const InternalBlock block(content, format);
   if (block.EntryCount() != block.Head().cEnt) {
@@ -61,18 +62,17 @@ Result<void> DataTreeReader::AddListsOf(Bid bid, std::span<const std::byte> cont
     if (auto noted = Tolerate(faults_, bid, std::move(fault)); !noted) return noted;
   }
   const std::uint64_t blocksInAll = (size_ + format.maxBlockData - 1) / format.maxBlockData;
-  std::unordered_set<Bid> seen;
   std::vector<std::byte> list;
   for (std::size_t i = 0; i < block.EntryCount(); ++i) {
     const Bid child = block.EntryBid(i, 0);
     const std::size_t before = dataBids_.size();
     Result<void> added;
-    if (!IsInternal(child) || !seen.insert(child).second) {  // one that is named twice would make much of little
+    if (!IsInternal(child) || !seen.insert(child).second) {
       added = Corrupt(Named("block", bid), Value(child), "an XXBLOCK names a data block, or a block twice");
     } else {
       added = source_->ReadBlock(child, list);
     }
-    if (added) added = AddBlocksOf(child, list);
+    if (added) added = AddBlocksOf(child, list, seen);
     if (added) continue;
     if (auto noted = Tolerate(faults_, child, added.error()); !noted) return noted;
     const std::uint64_t missing = blocksInAll > before ? blocksInAll - before : 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 #include "store/ndb/block_source.h"
@@ -21,7 +22,7 @@ class DataTreeReader {
   DataTreeReader() = default;
 
   /// kNoBid gives an empty tree. `source` and `faults` must outlive the reader. kCorrupt when a block above the data
-  /// is no XBLOCK or XXBLOCK or its numbers do not fit; a tolerant reader fails for the root alone.
+  /// is no XBLOCK or XXBLOCK, its numbers do not fit, or a block is named twice, which would make much of little; a tolerant reader fails for the root alone.
   [[nodiscard]] static Result<DataTreeReader> Open(const BlockSource& source, Bid bid, Faults* faults = nullptr);
 
   /// Bytes in all, as the tree's root says.
@@ -43,16 +44,17 @@ class DataTreeReader {
   [[nodiscard]] Result<std::vector<std::byte>> ReadAll(std::uint64_t limit);
 
  private:
-  Result<void> AddBlocksOf(Bid bid, std::span<const std::byte> content);
-  Result<void> AddListsOf(Bid bid, std::span<const std::byte> content);
-  Result<std::span<const std::byte>> BlockOrZeros(std::size_t index);
+  using Seen = std::unordered_set<Bid>;
+  [[nodiscard]] Result<void> AddBlocksOf(Bid bid, std::span<const std::byte> content, Seen& seen);
+  [[nodiscard]] Result<void> AddListsOf(Bid bid, std::span<const std::byte> content, Seen& seen);
+  [[nodiscard]] Result<std::span<const std::byte>> BlockOrZeros(std::size_t index);
 
   const BlockSource* source_ = nullptr;
   Faults* faults_ = nullptr;
   std::uint64_t size_ = 0;
   std::vector<Bid> dataBids_;
   std::vector<std::byte> block_;
-  std::size_t blockIndex_ = SIZE_MAX;   ///< which data block was read last
+  std::size_t blockIndex_ = SIZE_MAX;    ///< which data block was read last
   std::optional<Failure> blockFailure_;  ///< why `block_` does not hold it
 };
 

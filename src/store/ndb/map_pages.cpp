@@ -13,7 +13,6 @@ constexpr std::size_t kDListEntries = 8;
 constexpr std::uint32_t kAreaBits = 20;
 static_assert(kDListEntries + 4 * kMaxDListEntries <= kPageContent - 12);
 static_assert(kMaxAreas <= 1u << kAreaBits && kSlotsPerArea < 1u << (32 - kAreaBits));
-static_assert(kMapBytes == kPageContent);
 
 }  // namespace
 

@@ -6,7 +6,7 @@
 
 namespace velmora::ndb {
 
-inline constexpr std::uint64_t kDListOffset = 0x4200;
+inline constexpr std::uint64_t kDListOffset = kFirstArea - kPageSize;
 inline constexpr std::size_t kMaxDListEntries = 119;
 
 /// A map page at `ib` of nothing but ones.

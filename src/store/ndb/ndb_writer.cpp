@@ -18,7 +18,7 @@ constexpr std::array kSearchFolderTypes = {NidType::kSearchFolder, NidType::kSea
 // Where the counters of an empty store stand; the ids of its fixed nodes lie below.
 std::array<std::uint32_t, kNidTypeCount> FirstCounters() {
   std::array<std::uint32_t, kNidTypeCount> rgnid;
-  rgnid.fill(0x400);
+  rgnid.fill(kFirstFreeNidIndex - 1);
   for (const NidType type : kSearchFolderTypes) rgnid[static_cast<std::size_t>(type)] = 0x4000;
   rgnid[static_cast<std::size_t>(NidType::kNormalMessage)] = 0x10000;
   rgnid[static_cast<std::size_t>(NidType::kAssocMessage)] = 0x8000;

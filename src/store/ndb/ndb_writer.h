@@ -36,8 +36,8 @@ class NdbWriter : public BlockSource {
  public:
   /// Makes an empty store of nothing but a header, maps and empty trees in `file`, which should be empty
   /// and must outlive the writer, and commits it.
-  static Result<std::unique_ptr<NdbWriter>> Create(platform::ByteStore& file,
-                                                   CryptMethod cryptMethod = CryptMethod::kPermute);
+  [[nodiscard]] static Result<std::unique_ptr<NdbWriter>> Create(platform::ByteStore& file,
+                                                                 CryptMethod cryptMethod = CryptMethod::kPermute);
 
   // -- nodes
 
@@ -49,13 +49,13 @@ class NdbWriter : public BlockSource {
   /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
   /// be empty, or shared with other nodes. kNotSupported for nid 0, and when a block would be referred to
   /// more than 65534 times.
-  Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
+  [[nodiscard]] Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
 
   /// Removes a node and releases its trees; a node that is not there is no failure.
-  Result<void> RemoveNode(Nid nid);
+  [[nodiscard]] Result<void> RemoveNode(Nid nid);
 
   /// Frees a written tree that nothing refers to; one that is referred to stays as it is.
-  Result<void> Discard(const NodeTrees& trees);
+  [[nodiscard]] Result<void> Discard(const NodeTrees& trees);
 
   /// Keeps a tree, though nothing may refer to it, until it is let go as often as it was held; it is freed
   /// then if nothing refers to it. What is held when the store is sealed is not kept.
@@ -68,14 +68,14 @@ class NdbWriter : public BlockSource {
   static constexpr std::uint64_t kMaxTreeSize = 0xFFFFFFFF;
 
   /// Writes a value of any size up to kMaxTreeSize in one step; no bytes give an empty tree.
-  Result<DataTree> WriteData(std::span<const std::byte> bytes);
+  [[nodiscard]] Result<DataTree> WriteData(std::span<const std::byte> bytes);
 
   /// A number for the version cell of a table row; distinct over the whole store, never 0.
   std::uint32_t NewRowVersion();
 
   // -- reading what was written, committed or not
 
-  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<NodeEntry> FindNode(Nid nid) const override;
 
   // -- the file
@@ -83,7 +83,7 @@ class NdbWriter : public BlockSource {
   /// From now on, whatever else is written, the disk has room for a commit of all of it, for `bytes` of blocks that
   /// will be written for it, and for so many `nodes` more. kFull when it has not: every change fails with that,
   /// until DrawOnReserve.
-  Result<void> Reserve(std::uint64_t bytes, std::size_t nodes);
+  [[nodiscard]] Result<void> Reserve(std::uint64_t bytes, std::size_t nodes);
 
   /// What is written from now on may use up the reserve, until Reserve is called again: to be called ahead of what
   /// was reserved for. On a disk that turned out to be full changes are possible again then; after a failing write
@@ -91,11 +91,11 @@ class NdbWriter : public BlockSource {
   void DrawOnReserve();
 
   /// Makes all nodes set so far permanent. Costs a rewrite of both trees (24 bytes a block, 32 a node).
-  Result<void> Commit();
+  [[nodiscard]] Result<void> Commit();
 
   /// Commits, with exact allocation maps, and closes the store: every further change fails with kDenied.
   /// Sealing a sealed store does nothing.
-  Result<void> Seal();
+  [[nodiscard]] Result<void> Seal();
 
   /// Length of the file in bytes.
   std::uint64_t FileSize() const { return blocks_.Map().FileSize(); }
@@ -108,25 +108,25 @@ class NdbWriter : public BlockSource {
   // -- for the writers of trees and heaps
 
   /// Writes a data block of 1 to kMaxBlockData bytes that nothing refers to yet.
-  Result<Bid> WriteDataBlock(std::span<const std::byte> bytes);
+  [[nodiscard]] Result<Bid> WriteDataBlock(std::span<const std::byte> bytes);
 
   /// Puts an XBLOCK, or XBLOCKs and a XXBLOCK, over data blocks of `size` bytes in all. One block stands for
   /// itself, none for an empty tree.
-  Result<DataTree> WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
+  [[nodiscard]] Result<DataTree> WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
 
   BlockBuffer TakeBuffer() { return buffers_.Take(); }
 
   /// Writes an internal block that nothing refers to yet and refers to all that it names.
-  Result<Bid> WriteInternalBlock(std::span<const std::byte> content);
+  [[nodiscard]] Result<Bid> WriteInternalBlock(std::span<const std::byte> content);
 
   /// Sees to it that no id handed out later is this one.
   void NoteNid(Nid nid);
 
  private:
   NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod);
-  Result<void> Release(const NodeTrees& trees);
-  Result<void> Publish(AMapValid mapsValid);
-  Result<void> WriteMaps();
+  [[nodiscard]] Result<void> Release(const NodeTrees& trees);
+  [[nodiscard]] Result<void> Publish(AMapValid mapsValid);
+  [[nodiscard]] Result<void> WriteMaps();
 
   BlockBufferPool buffers_;
   BlockFile blocks_;

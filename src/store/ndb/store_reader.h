@@ -23,7 +23,7 @@ class StoreReader : public BlockSource {
   [[nodiscard]] static Result<std::unique_ptr<StoreReader>> Open(const platform::ByteSource& file);
 
   const Generation& Format() const override { return *format_; }
-  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<NodeEntry> FindNode(Nid nid) const override;
 
   /// All nodes by ascending id.

@@ -34,8 +34,8 @@ constexpr std::array<Column, 10> kColumns{{{kTime, 12, 8, 2},
                                            {kShort, 36, 2, 7},
                                            {kLists, 32, 4, 9},
                                            {kYes, 38, 1, 8},
-                                           {kPidTagLtpRowId, 0, 4, 0},
-                                           {kPidTagLtpRowVer, 4, 4, 1}}};
+                                           {tag::kLtpRowId, 0, 4, 0},
+                                           {tag::kLtpRowVer, 4, 4, 1}}};
 constexpr TableSchema kSchema{kColumns, {36, 38, 39, 41}};
 static_assert(IsSound(kSchema));
 
@@ -131,9 +131,9 @@ TEST_F(Tables, KeepCellsOfEveryKind) {
   EXPECT_EQ(table.Text(0, kName), u"name");
   EXPECT_EQ(table.Cell(0, kLists).value(), lists);
   EXPECT_EQ(table.Boolean(0, kYes), true);
-  EXPECT_EQ(table.Integer32(0, kPidTagLtpRowId), 0x200024);
-  EXPECT_EQ(table.Integer32(0, kPidTagLtpRowVer), 1);
-  EXPECT_EQ(table.Integer32(1, kPidTagLtpRowVer), 2);
+  EXPECT_EQ(table.Integer32(0, tag::kLtpRowId), 0x200024);
+  EXPECT_EQ(table.Integer32(0, tag::kLtpRowVer), 1);
+  EXPECT_EQ(table.Integer32(1, tag::kLtpRowVer), 2);
   EXPECT_EQ(table.Text(1, kName), u"") << "there, and empty";
   EXPECT_FALSE(table.Text(1, 0x3002001F)) << "no such column";
   EXPECT_FALSE(table.Integer32(1, kFlags)) << "absent";
@@ -144,7 +144,7 @@ TEST_F(Tables, KeepCellsOfEveryKind) {
 TEST_F(Tables, LeaveOutWhatTheyHaveNoColumnFor) {
   const std::vector<std::byte> number = Number<std::uint32_t>(9);
   ASSERT_TRUE(writer_.AddRow(
-      5, std::array<PropertyView, 3>{{{kPidTagLtpRowId, number}, {0x12340003, number}, {0x0E070002, number}}}));
+      5, std::array<PropertyView, 3>{{{tag::kLtpRowId, number}, {0x12340003, number}, {0x0E070002, number}}}));
   TableContext table = Reopened(writer_);
   EXPECT_EQ(table.RowId(0), 5u);
   EXPECT_FALSE(table.Integer32(0, kFlags)) << "the type is another one";

@@ -9,8 +9,8 @@ constexpr std::array<Column, 6> kSoundColumns{{{0x0E07'0003, 8, 4, 2},
                                                {0x0E33'0014, 12, 8, 3},
                                                {0x3001'001F, 20, 4, 4},
                                                {0x360A'000B, 24, 1, 5},
-                                               {kPidTagLtpRowId, 0, 4, 0},
-                                               {kPidTagLtpRowVer, 4, 4, 1}}};
+                                               {tag::kLtpRowId, 0, 4, 0},
+                                               {tag::kLtpRowVer, 4, 4, 1}}};
 constexpr TableSchema kSoundSchema{kSoundColumns, {24, 24, 25, 26}};
 static_assert(IsSound(kSoundSchema));
 

@@ -208,13 +208,15 @@ TEST(DamagedDataTree, IsRefusedAtOpening) {
   EXPECT_EQ(OpeningFails(source, 18), FailureKind::kCorrupt) << "an XXBLOCK over data";
   EXPECT_EQ(OpeningFails(source, 22), FailureKind::kCorrupt) << "no such level";
   EXPECT_EQ(OpeningFails(source, 26), FailureKind::kNotFound) << "an XBLOCK that is not there";
+  source.AddXBlock(34, 1, 200, {8, 12, 8}, 3);
+  EXPECT_EQ(OpeningFails(source, 34), FailureKind::kCorrupt) << "a data block named twice";
 }
 
 TEST(DamagedDataTree, IsRefusedWhereItsBlocksDoNotAddUp) {
   MadeUpBlocks source;
-  source.blocks[Bid{4}] = std::vector<std::byte>(100);
-  source.AddXBlock(6, 1, 300, {4, 4}, 2);
-  source.AddXBlock(10, 1, 150, {4, 4}, 2);
+  source.blocks[Bid{4}] = source.blocks[Bid{8}] = std::vector<std::byte>(100);
+  source.AddXBlock(6, 1, 300, {4, 8}, 2);
+  source.AddXBlock(10, 1, 150, {4, 8}, 2);
   DataTreeReader longer = DataTreeReader::Open(source, Bid{6}).value();
   EXPECT_EQ(longer.ReadAll(1000).error().kind, FailureKind::kCorrupt);
   std::byte byte;
