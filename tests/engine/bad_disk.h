@@ -15,7 +15,7 @@ using BadPlace = std::pair<std::uint64_t, std::uint64_t>;
 
 class BadDisk : public platform::ByteSource {
  public:
-  BadDisk(std::unique_ptr<platform::ByteSource> content, std::vector<BadPlace> bad)
+  BadDisk(std::unique_ptr<const platform::ByteSource> content, std::vector<BadPlace> bad)
       : content_(std::move(content)), bad_(std::move(bad)) {}
 
   std::uint64_t Size() const override { return content_->Size(); }
@@ -36,7 +36,7 @@ class BadDisk : public platform::ByteSource {
   mutable std::uint64_t bytesRead = 0;
 
  private:
-  std::unique_ptr<platform::ByteSource> content_;
+  std::unique_ptr<const platform::ByteSource> content_;
   std::vector<BadPlace> bad_;
 };
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "engine/block_index.h"
-#include "engine/engine_state.h"
+#include "engine/store_scan.h"
 #include "forge/forge.h"
 
 namespace velmora::engine {

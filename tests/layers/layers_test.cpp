@@ -26,7 +26,7 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
     {"store/ltp", {"platform", "text", "store/format", "store/ndb"}},
     {"store/messaging", {"platform", "text", "store/format", "store/ndb", "store/ltp", "store/operations"}},
     {"output/trace", {"text", "store/operations"}},
-    {"engine", {"platform", "text", "store/format"}},
+    {"engine", {"platform", "text", "store/format", "store/ndb"}},
     {"recovery", {"platform", "text", "store/format", "engine", "store/operations"}},
     {"output/items", {"text", "store/format", "recovery", "store/operations"}},
     {"conversion", {"platform", "text", "store/format", "engine", "recovery", "store/operations", "output/items"}},
