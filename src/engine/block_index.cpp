@@ -31,10 +31,6 @@ std::vector<PlacedBlock> BestOfEachId(std::vector<Proven> group) {
 
 }  // namespace
 
-void SortByBid(std::span<PlacedBlock> blocks) {
-  std::ranges::stable_sort(blocks, {}, [](const PlacedBlock& block) { return LowBid(block.bid); });
-}
-
 void BlockIndex::Add(std::span<const PlacedBlock> blocks) {
   for (const PlacedBlock& block : blocks) pending_.emplace_back(block);
   if (pending_.size() >= std::max(kLeastMerge, sorted_.size())) Merge();

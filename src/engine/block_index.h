@@ -13,9 +13,6 @@
 
 namespace velmora::engine {
 
-/// Brings blocks into the order of the low halves of their ids; those of one id stay in the order in which they stand.
-void SortByBid(std::span<PlacedBlock> blocks);
-
 /// In one sorted table in memory, one block for each id: a look-up costs O(log n).
 ///
 /// In a large store some bytes look like a trailer by chance, and old pages of the block tree may name

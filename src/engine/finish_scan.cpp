@@ -8,7 +8,7 @@ namespace {
 
 /// Goes through the nodes that may be folders, in the order of the list, up to the first whose block is a heap in one
 /// of the encodings.
-void DetectEncoding(ScannedStore& found, RunContext& run) {
+void FindEncoding(ScannedStore& found, RunContext& run) {
   const BlockReader blocks(found);
   const auto& nodes = found.nodes.Records();
   for (std::size_t& i = found.encodingToldBy; i < nodes.size() && !run.runEnded; ++i) {
@@ -25,7 +25,7 @@ void DetectEncoding(ScannedStore& found, RunContext& run) {
 }  // namespace
 
 std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run) {
-  if (scan.encodingUnknown && !run.runEnded && !run.runAborted) DetectEncoding(*scan.found, run);
+  if (scan.encodingUnknown && !run.runEnded && !run.runAborted) FindEncoding(*scan.found, run);
   return std::move(scan.found);
 }
 

@@ -1,5 +1,6 @@
 #include "engine/index_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -36,7 +37,7 @@ platform::Result<std::uint64_t> IndexFile::Finish() {
 }
 
 void IndexFile::WriteChunk() {
-  SortByBid(chunk_);
+  std::ranges::stable_sort(chunk_, {}, [](const PlacedBlock& block) { return LowBid(block.bid); });
   index_->Add(chunk_);
   if (state_) {
     std::vector<std::byte> bytes(chunk_.size() * kRecordBytes);

@@ -1,6 +1,7 @@
 // A source on a disk with bad places, which counts what is read from it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -32,8 +33,8 @@ class BadDisk : public platform::ByteSource {
     return content_->ReadAt(offset, out);
   }
 
-  mutable int reads = 0;
-  mutable std::uint64_t bytesRead = 0;
+  mutable std::atomic<int> reads = 0;
+  mutable std::atomic<std::uint64_t> bytesRead = 0;
 
  private:
   std::unique_ptr<const platform::ByteSource> content_;
