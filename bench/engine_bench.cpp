@@ -7,8 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "engine/block_index.h"
-#include "engine/engine_state.h"
+#include "engine/index_file.h"
 #include "engine/run.h"
 #include "engine/steps.h"
 #include "platform/memory_file.h"
@@ -25,7 +24,7 @@ enum Content : int {
   kZeros,    ///< unused space
 };
 
-std::shared_ptr<const platform::MemoryFile> Source(Content content) {
+std::shared_ptr<const platform::MemoryFile> BytesOf(Content content) {
   static std::shared_ptr<const platform::MemoryFile> sources[3];
   if (sources[content] != nullptr) return sources[content];
   std::vector<std::byte> bytes(kSourceBytes);
@@ -52,20 +51,20 @@ class SharedSource : public platform::ByteSource {
 };
 
 void BothScans(benchmark::State& bench, FormatId format, Content content, bool smart) {
-  const auto source = Source(content);
+  const auto source = BytesOf(content);
   for (auto _ : bench) {
     RunContext run;
     run.smartScan = smart;
-    EngineState state;
-    state.source = std::make_unique<SharedSource>(source);
-    state.percentBase = kSourceBytes / 100;
-    state.storeKind = StoreKind::kPst;
-    state.layout = LayoutOf(format);
-    state.outputFolder = std::filesystem::temp_directory_path();
-    ScanNodePages(state, run);
-    ScanBlockPages(state, run);
-    benchmark::DoNotOptimize(state.blockRecordCount);
-    std::filesystem::remove(state.outputFolder / state.indexFileName);
+    StoreScan scan;
+    scan.found->source.Open(std::make_unique<SharedSource>(source));
+    scan.found->storeKind = StoreKind::kPst;
+    scan.found->layout = LayoutOf(format);
+    scan.percentBase = kSourceBytes / 100;
+    scan.outputFolder = std::filesystem::temp_directory_path();
+    ScanNodePages(scan, run);
+    ScanBlockPages(scan, run);
+    benchmark::DoNotOptimize(scan.found->blockRecordCount);
+    std::filesystem::remove(scan.outputFolder / kIndexFileName);
   }
   bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * kSourceBytes));
 }
@@ -89,14 +88,13 @@ BENCHMARK_CAPTURE(Decode, permute, CryptMethod::kPermute);
 BENCHMARK_CAPTURE(Decode, cyclic, CryptMethod::kCyclic);
 
 void LookUp(benchmark::State& bench) {
-  std::vector<BlockRecord> records;
+  std::vector<PlacedBlock> blocks;
   for (std::uint32_t i = 1; i <= static_cast<std::uint32_t>(bench.range(0)); ++i)
-    records.push_back({i * 4, 100, i * 64ull});
-  EngineState state;
+    blocks.push_back({i * 4, 100, i * 64ull});
   RunContext run;
-  BlockIndex& index = state.index;
-  index.Add(records);
-  index.Settle(state, run);
+  BlockIndex index;
+  index.Add(blocks);
+  index.Settle(Source(), LayoutOf(FORMAT_UNICODE), run);
   std::minstd_rand random(1);
   std::uniform_int_distribution<std::uint32_t> anyBlock(1, static_cast<std::uint32_t>(bench.range(0)));
   for (auto _ : bench) benchmark::DoNotOptimize(index.Find(4 * anyBlock(random)));

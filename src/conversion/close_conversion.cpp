@@ -3,6 +3,7 @@
 
 #include "conversion/out_look.h"
 #include "conversion/unread_ranges.h"
+#include "engine/index_file.h"
 #include "platform/file.h"
 
 namespace velmora::conversion {
@@ -21,7 +22,7 @@ void Protected(Group&& group) {
 void DeleteIndexFile(const std::filesystem::path& outputFolder) {
   // Before the set-up has named a folder, the bare name would mean a file of somebody else's.
   if (outputFolder.empty()) return;
-  const std::filesystem::path file = outputFolder / "FirstTableItem.dat";
+  const std::filesystem::path file = outputFolder / engine::kIndexFileName;
   if (const auto deleted = platform::DeleteFile(file);
       !deleted && deleted.error().kind != platform::FailureKind::kNotFound) {
     static_cast<void>(platform::DeleteFile(file));
@@ -44,12 +45,10 @@ void COutLook::CloseConversion() {
   CompleteReport();
   state_.run.BeginStage(9);
   Protected([&] {
-    engine_.index.Clear();
-    DeleteIndexFile(engine_.outputFolder);
+    DeleteIndexFile(scan_.outputFolder);
     CloseSourceAndLog();
   });
   Protected([&] { recovery_.folders = {}; });
-  Protected([&] { engine_.nodes.Clear(); });
   Protected([&] {
     if (state_.profileName.empty()) return;
     SealOutput();
@@ -59,16 +58,19 @@ void COutLook::CloseConversion() {
 }
 
 void COutLook::CloseSourceAndLog() {
-  engine_.source.reset();
+  store_.reset();
+  if (scan_.found != nullptr) scan_.found->source.Close();
   state_.run.log = nullptr;
   logHandle_.reset();
 }
 
 void COutLook::CompleteReport() {
-  report_.blockEncoding = engine_.blockEncoding;
-  report_.readFailure = engine_.readFailure;
   report_.recovery = recovery_.report;
-  TellUnreadRanges(engine_.badRanges, report_.recovery);
+  const engine::ScannedStore* read = store_ != nullptr ? store_.get() : scan_.found.get();
+  if (read == nullptr) return;
+  report_.blockEncoding = read->blockEncoding;
+  report_.readFailure = read->source.FirstFailure();
+  TellUnreadRanges(read->source.Unread(), report_.recovery);
 }
 
 void COutLook::ReleaseSession() {
@@ -111,7 +113,7 @@ void COutLook::LookAtWhatIsLeft(output::OutputLibrary& library) {
 void COutLook::DropRun() {
   CompleteReport();
   CloseSourceAndLog();
-  engine_ = {};
+  scan_ = {};
   recovery_ = {};
   SealOutput();
   ReleaseSession();

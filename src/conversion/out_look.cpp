@@ -27,15 +27,15 @@ void COutLook::OpenSource(const text::Text& path) {
     logHandle_ = std::make_unique<RunLogFile>();
     state_.run.log = logHandle_.get();
   }
-  engine::OpenSource(engine_, state_.run, text::ToFileName(path), openSource_);
+  engine::OpenSource(scan_, state_.run, text::ToFileName(path), openSource_);
 }
 
 void COutLook::ProbeFormat() {
   if (state_.run.runEnded) return;
-  const engine::ProbeResult result = engine::ProbeFormat(engine_, state_.run);
-  report_.storeKind = engine_.storeKind;
+  const engine::ProbeResult result = engine::ProbeFormat(scan_, state_.run);
+  report_.storeKind = scan_.found->storeKind;
   if (result == engine::ProbeResult::kFound) {
-    report_.format = engine_.layout.formatId;
+    report_.format = scan_.found->layout.formatId;
     return;
   }
   CloseSourceAndLog();
@@ -45,14 +45,14 @@ void COutLook::ProbeFormat() {
 }
 
 void COutLook::ScanNodePages() {
-  engine::ScanNodePages(engine_, state_.run);
-  report_.nodeCount = engine_.nodeCount;
+  engine::ScanNodePages(scan_, state_.run);
+  report_.nodeCount = scan_.found->nodeCount;
 }
 
 void COutLook::ScanBlockPages() {
-  engine::ScanBlockPages(engine_, state_.run);
-  report_.blockRecordCount = engine_.blockRecordCount;
-  report_.orphanBlockCount = engine_.orphanBlockCount;
+  engine::ScanBlockPages(scan_, state_.run);
+  report_.blockRecordCount = scan_.found->blockRecordCount;
+  report_.orphanBlockCount = scan_.found->orphanBlockCount;
 }
 
 void COutLook::RecoverFolders() {
@@ -61,10 +61,13 @@ void COutLook::RecoverFolders() {
   recovery_.convertedName = state_.convertedName;
   recovery_.codePage = &state_.codePage;
   recovery_.converters = &converters_;
-  recovery::RecoverFolders(recovery_, engine_, state_.run);
+  store_ = engine::FinishScan(scan_, state_.run);
+  recovery::RecoverFolders(recovery_, *store_, state_.run);
 }
 
-void COutLook::RecoverOrphans() { recovery::RecoverOrphans(recovery_, engine_, state_.run); }
+void COutLook::RecoverOrphans() {
+  if (store_ != nullptr) recovery::RecoverOrphans(recovery_, *store_, state_.run);
+}
 
 void COutLook::NoteEarlyEnd(const std::exception& failure) {
   recovery_.report.lost.push_back(

@@ -9,7 +9,7 @@
 #include "conversion/run_output.h"
 #include "conversion/run_report.h"
 #include "conversion/run_state.h"
-#include "engine/engine_state.h"
+#include "engine/store_scan.h"
 #include "platform/file.h"
 #include "recovery/recovery_state.h"
 #include "store/operations.h"
@@ -98,7 +98,8 @@ class COutLook {
   output::Ref<output::RDOStore> targetStore_;
 
   const recovery::ItemConverters converters_;
-  engine::EngineState engine_;
+  engine::StoreScan scan_;
+  std::unique_ptr<const engine::ScannedStore> store_;  ///< from the end of the scans to that of the run
   recovery::RecoveryState recovery_;
   RunReport report_;
 

@@ -5,8 +5,10 @@
 #include <optional>
 
 #include "conversion/left_store.h"
-#include "engine/engine_state.h"
+#include "engine/heap_evidence.h"
+#include "platform/failure.h"
 #include "recovery/recovery_report.h"
+#include "store/format/generation.h"
 
 namespace velmora::conversion {
 

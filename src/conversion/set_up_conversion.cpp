@@ -53,7 +53,7 @@ void COutLook::SetUpConversion(text::Text destination, const text::Text& name) {
 void COutLook::NameOutput(const text::Text& baseFolder, const text::Text& stem, const text::Text& number) {
   state_.convertedName = stem + u" Converted";
   const text::Text folder = baseFolder + u"/" + state_.convertedName + number;
-  engine_.outputFolder = text::ToFileName(folder);
+  scan_.outputFolder = text::ToFileName(folder);
   state_.destinationPath = folder + u"/" + state_.convertedName + u".pst";
 }
 
@@ -88,7 +88,7 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
   state_.profileName = profile;
   session_->Logon(profile);
 
-  if (const auto made = platform::CreateFolder(engine_.outputFolder); !made) {
+  if (const auto made = platform::CreateFolder(scan_.outputFolder); !made) {
     CloseSourceAndLog();
     platform::Failure cause = made.error();
     if (cause.kind == platform::FailureKind::kExists) cause.message = "the folder is there already";
@@ -102,7 +102,7 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
     CloseSourceAndLog();
     return state_.run.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
   }
-  state_.logPath = text::FromFileName((engine_.outputFolder / "LogInformation.log").string());
+  state_.logPath = text::FromFileName((scan_.outputFolder / "LogInformation.log").string());
   if (logHandle_ != nullptr) WriteLogHeader();
 }
 

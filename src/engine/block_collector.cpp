@@ -5,13 +5,13 @@
 namespace velmora::engine {
 
 void BlockCollector::KeepAgain() {
-  ++state_.blockRecordCount;
+  ++scan_.found->blockRecordCount;
   ClassifyAndRecord();
 }
 
 void BlockCollector::ClassifyAndRecord() {
   run_.control.PausePoint();
-  if (smart_) ClassifyBlock(state_, window_, atHand_);
+  if (smart_) ClassifyBlock(scan_, window_, atHand_);
   file_.Append(atHand_);
 }
 

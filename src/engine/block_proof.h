@@ -5,28 +5,43 @@
 #include <span>
 #include <vector>
 
-#include "engine/block_index.h"
+#include "engine/block_record.h"
+#include "engine/run.h"
+#include "engine/source.h"
+#include "store/format/byte_view.h"
+#include "store/format/generation.h"
 
 namespace velmora::engine {
 
-struct EngineState;
-struct RunContext;
-
 /// In ascending order of trust.
-enum class Proof : std::uint8_t {
-  kNone,
-  kTrailer,  ///< the trailer at the published place has the record's id and the signature of the block's place
-  kWhole,    ///< besides, it has the record's size and the checksum of the bytes as they are stored
+enum class [[nodiscard]] Proof : std::uint8_t{
+    kNone,
+    kTrailer,  ///< the trailer at the published place has the record's id and the signature of the block's place
+    kWhole,    ///< besides, it has the record's size and the checksum of the bytes as they are stored
 };
 
-/// Proves the records that `chosen` names by their positions in `records`; all others count as kNone. The
-/// result has an element for each of `records`.
+/// The end of the block with its trailer, as a file offset.
+std::uint64_t EndOf(const Generation& layout, const PlacedBlock& block);
+
+/// `bytes` begin at the block's place and have the whole block with its trailer, as far as the source goes. Of the ids
+/// only the low 32 bits are compared. The checksum is taken of `mostSummed` bytes at most, and what it takes is taken
+/// off.
+Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView bytes, std::uint64_t& mostSummed);
+
+/// The id that stands in the trailer of a block that proves itself, and its size once it is inflated.
+struct ProvenTrailer {
+  Bid bid{};
+  std::uint32_t inflatedSize = 0;
+};
+ProvenTrailer TrailerOf(const Generation& layout, const PlacedBlock& block, ByteView bytes);
+
+/// Proves each of `blocks`.
 ///
 /// The blocks are read in the order of their places, so no part of the source is read twice but for the
 /// ends of its blocks, however many records point into it. Blocks of a sound store do not overlap; where
 /// those of the records do, checksums are computed over as many bytes as the source has, and blocks beyond
 /// that are proven by their trailers alone.
-std::vector<Proof> ProveBlocks(EngineState& state, RunContext& run, std::span<const BlockRecord> records,
-                               std::vector<std::uint32_t> chosen);
+std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, RunContext& run,
+                               std::span<const PlacedBlock> blocks);
 
 }  // namespace velmora::engine

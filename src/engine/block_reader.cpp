@@ -3,11 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
-
-#include "engine/engine_state.h"
-#include "engine/source_window.h"
 
 namespace velmora::engine {
 namespace {
@@ -15,18 +11,11 @@ namespace {
 constexpr std::size_t kInflateInput = 100000;
 constexpr std::size_t kInflateOutput = 200000;
 
-/// The word that tells a heap lies behind a two-byte offset.
-constexpr std::size_t kSignatureOffset = 2;
-
 }  // namespace
-
-bool IsHeapSignature(std::uint16_t word) {
-  return word == 0xBCEC || word == 0x7CEC || word == 0x8CEC || word == 0xECEC;
-}
 
 std::optional<BlockRecord> BlockReader::FindBlock(std::uint32_t id) const {
   if (id == 0) return std::nullopt;
-  return state_.index.Find(id);
+  return store_.index.Find(id);
 }
 
 std::optional<BlockRecord> BlockReader::FindBlockOrLower(std::uint32_t id) const {
@@ -35,35 +24,18 @@ std::optional<BlockRecord> BlockReader::FindBlockOrLower(std::uint32_t id) const
   return record ? record : FindBlock(id - 1);
 }
 
-std::optional<Bytes> BlockReader::ReadChunk(std::uint64_t offset, std::uint32_t length,
-                                            std::uint32_t* delivered) const {
+std::optional<Bytes> BlockReader::ReadChunk(std::uint64_t offset, std::uint32_t length) const {
   Bytes bytes(length);
-  const auto read = ReadFromSource(state_, offset, bytes);
-  if (!read) return std::nullopt;
-  if (delivered != nullptr) *delivered = static_cast<std::uint32_t>(*read);
+  if (!store_.source.Read(offset, bytes)) return std::nullopt;
   return bytes;
 }
 
-bool BlockReader::DetectEncoding(std::uint32_t id, std::uint64_t offset, std::uint32_t size) {
-  std::array<std::byte, 4> stored{};
-  if (!ReadFromSource(state_, offset, std::span(stored).first(std::min<std::size_t>(size, stored.size()))))
-    return false;
-  for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
-    std::array<std::byte, 4> head = stored;
-    velmora::DecodeBlock(method, Bid{id}, head);
-    if (!AcceptsSignature(ByteView(head).U16(kSignatureOffset), false)) continue;
-    state_.blockEncoding = method;
-    return true;
-  }
-  return false;
-}
-
 void BlockReader::DecodeBlock(std::uint32_t id, std::span<std::byte> bytes) const {
-  velmora::DecodeBlock(state_.blockEncoding, Bid{id}, bytes);
+  velmora::DecodeBlock(store_.blockEncoding, Bid{id}, bytes);
 }
 
 std::uint32_t BlockReader::InflateBlock(Bytes& bytes) const {
-  if (state_.layout.formatId != FORMAT_UNICODE_4K) return static_cast<std::uint32_t>(bytes.size());
+  if (store_.layout.formatId != FORMAT_UNICODE_4K) return static_cast<std::uint32_t>(bytes.size());
   const auto output = std::make_unique_for_overwrite<std::byte[]>(kInflateOutput);
   z_stream stream{};
   stream.next_in = reinterpret_cast<Bytef*>(bytes.data());
@@ -77,17 +49,6 @@ std::uint32_t BlockReader::InflateBlock(Bytes& bytes) const {
   inflateEnd(&stream);
   bytes.assign(output.get(), output.get() + stream.total_out);
   return static_cast<std::uint32_t>(bytes.size());
-}
-
-bool BlockReader::AcceptsSignature(std::uint16_t word, bool whenOther) const {
-  switch (state_.storeKind) {
-    case StoreKind::kOst:
-      return IsHeapSignature(word);
-    case StoreKind::kPst:
-      return word == 0xBCEC;
-    default:
-      return whenOther;
-  }
 }
 
 }  // namespace velmora::engine

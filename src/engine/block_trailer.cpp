@@ -5,7 +5,7 @@
 
 namespace velmora::engine {
 
-bool HasBlockTrailer(const PageLayout& layout, std::uint64_t offset, ByteView tail) {
+bool HasBlockTrailer(const Generation& layout, std::uint64_t offset, ByteView tail) {
   const auto first = FirstNonZero(tail.Bytes(), 0);
   if (!first) return false;
   const std::uint64_t slot = (*first + 1) / 16 * 16;

@@ -17,7 +17,7 @@ constexpr std::uint32_t kTrailerView = 8196;
 
 /// Does a valid trailer stand in the first 16-byte slot that is not all zeros behind the data? `tail` are
 /// the bytes of the block at `offset` from the next multiple of 16 of its size on.
-bool HasBlockTrailer(const PageLayout& layout, std::uint64_t offset, ByteView tail);
+bool HasBlockTrailer(const Generation& layout, std::uint64_t offset, ByteView tail);
 
 /// Does a trailer of this id and size stand right behind the data, or at the first byte that is not zero
 /// from the third byte on? `tail` are the bytes behind the data, as far as they lie among the first

@@ -67,13 +67,14 @@ std::optional<FormatId> FormatOfHeader(ByteView header) {
 
 }  // namespace
 
-ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
+ProbeResult ProbeFormat(StoreScan& scan, RunContext& run) {
   if (run.runEnded) return ProbeResult::kFound;
   run.BeginStage(2);
 
-  SourceWindow window(state);
-  state.storeKind = KindOf(window.Peek(0, 512).U16(8));
-  if (state.storeKind != StoreKind::kPst && state.storeKind != StoreKind::kOst) return ProbeResult::kRefused;
+  ScannedStore& found = *scan.found;
+  SourceWindow window(found.source);
+  found.storeKind = KindOf(window.Peek(0, 512).U16(8));
+  if (found.storeKind != StoreKind::kPst && found.storeKind != StoreKind::kOst) return ProbeResult::kRefused;
 
   std::optional<FormatId> format;
   std::uint64_t offset = kFirstPage;
@@ -84,7 +85,7 @@ ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
     format = FormatOfWindow(offset, bytes);
     if (format) break;
     offset += kProbeStep;
-    run.SayProgress(state.PercentOfSource(offset), Phase::kProbe);
+    run.SayProgress(scan.PercentOfSource(offset), Phase::kProbe);
     more = !bytes.Empty();
   }
 
@@ -92,7 +93,7 @@ ProbeResult ProbeFormat(EngineState& state, RunContext& run) {
   if (!format) return ProbeResult::kRefused;
   run.Log(u"\r\n\r\n");
   run.Log(u"Validating the Pst File");
-  state.layout = LayoutOf(*format);
+  found.layout = LayoutOf(*format);
   return ProbeResult::kFound;
 }
 

@@ -1,9 +1,8 @@
 #include "engine/index_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
-
-#include "engine/engine_state.h"
 
 namespace velmora::engine {
 namespace {
@@ -19,32 +18,30 @@ void Store(std::byte* at, const BlockRecord& record) {
 
 }  // namespace
 
-platform::Result<IndexFile> IndexFile::Create(const std::filesystem::path& path, EngineState& state) {
-  auto file = platform::CreateFile(path, platform::Existing::kReplace);
+platform::Result<IndexFile> IndexFile::Create(const std::filesystem::path& folder, BlockIndex& index) {
+  auto file = platform::CreateFile(folder / kIndexFileName, platform::Existing::kReplace);
   if (!file) return tl::unexpected(file.error());
-  state.index.Clear();
-  return IndexFile(std::move(*file), state);
+  return IndexFile(std::move(*file), index);
 }
 
-void IndexFile::Append(const BlockRecord& record) {
-  chunk_.push_back(record);
+void IndexFile::Append(const PlacedBlock& block) {
+  chunk_.push_back(block);
   if (chunk_.size() == kChunkRecords) WriteChunk();
 }
 
-platform::Result<std::uint64_t> IndexFile::Finish(RunContext& run) {
+platform::Result<std::uint64_t> IndexFile::Finish() {
   WriteChunk();
   file_.reset();
   if (!state_) return tl::unexpected(state_.error());
-  engine_->index.Settle(*engine_, run);
   return written_;
 }
 
 void IndexFile::WriteChunk() {
-  SortByBid(chunk_);
-  engine_->index.Add(chunk_);
+  std::ranges::stable_sort(chunk_, {}, [](const PlacedBlock& block) { return LowBid(block.bid); });
+  index_->Add(chunk_);
   if (state_) {
     std::vector<std::byte> bytes(chunk_.size() * kRecordBytes);
-    for (std::size_t i = 0; i < chunk_.size(); ++i) Store(bytes.data() + i * kRecordBytes, chunk_[i]);
+    for (std::size_t i = 0; i < chunk_.size(); ++i) Store(bytes.data() + i * kRecordBytes, RecordOf(chunk_[i]));
     state_ = file_->WriteAt(written_ * kRecordBytes, bytes);
     written_ += chunk_.size();
   }

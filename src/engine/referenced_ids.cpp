@@ -7,9 +7,9 @@ namespace velmora::engine {
 void ReferencedIds::Build(const NodeList& nodes) {
   ids_.clear();
   for (const NodeRecord& node : nodes.Records()) {
-    if (node.bidSub == 0) continue;
-    ids_.push_back(node.bidData);
-    ids_.push_back(node.bidSub);
+    if (LowBid(node.bidSub) == 0) continue;
+    ids_.push_back(LowBid(node.bidData));
+    ids_.push_back(LowBid(node.bidSub));
   }
   std::sort(ids_.begin(), ids_.end());
   ids_.erase(std::unique(ids_.begin(), ids_.end()), ids_.end());

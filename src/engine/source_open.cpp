@@ -4,17 +4,17 @@
 
 namespace velmora::engine {
 
-void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path,
+void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& path,
                 const platform::SourceOpener& open) {
-  state = EngineState{};
+  scan = StoreScan{};
   run.BeginStage(1);
   auto source = open(path);
   if (!source) {
     run.Say(Notice{NoticeKind::kSourceNotOpened, {}, source.error()});
     throw WorkerEnded{};
   }
-  state.source = std::move(*source);
-  state.percentBase = state.source->Size() / 100;
+  scan.percentBase = (*source)->Size() / 100;
+  scan.found->source.Open(std::move(*source));
 }
 
 }  // namespace velmora::engine

@@ -2,27 +2,21 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "engine/source.h"
 #include "store/format/byte_view.h"
 
 namespace velmora::engine {
 
-/// Reads into `out` and returns how many bytes the source had; nothing when the read failed, or at an
-/// offset that no file can have (top bit set). A failure and its range are kept in the state.
-std::optional<std::size_t> ReadFromSource(EngineState& state, std::uint64_t offset, std::span<std::byte> out);
-
-/// A window on the source of a run, which outlives it. A piece of the source that cannot be read counts as
-/// zeros, so one bad sector does not hide what lies behind it.
+/// A window on a source, which outlives it. A piece of the source that cannot be read counts as zeros.
 class SourceWindow {
  public:
   /// Memory that a window takes, in bytes.
   static constexpr std::size_t kWindowBytes = 1 << 20;
 
-  explicit SourceWindow(EngineState& state) : state_(state) {}
+  explicit SourceWindow(const Source& source) : source_(source) {}
 
   /// `length` bytes from `offset`, cut at the end of the source, so the view's size is what the source
   /// delivers. Moves the window to `offset` unless it holds the range. The view lives until the next call.
@@ -49,10 +43,8 @@ class SourceWindow {
   }
   void Load(std::uint64_t offset, std::size_t length);
   ByteView ReadPiece(std::uint64_t offset, std::size_t length);
-  /// Returns how many bytes the source has there, those that cannot be read among them.
-  std::size_t Fill(std::uint64_t offset, std::span<std::byte> out);
 
-  EngineState& state_;
+  const Source& source_;
   std::vector<std::byte> buffer_;
   std::span<const std::byte> bytes_;  ///< the filled part of `buffer_`
   std::uint64_t base_ = 0;

@@ -4,33 +4,37 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
-#include "engine/engine_state.h"
 #include "engine/run.h"
+#include "engine/store_scan.h"
 
 namespace velmora::engine {
 
-/// source_open.cpp. Makes the state new, so nothing of an earlier run stays; sends stage 1, opens the file
+/// source_open.cpp. Makes the scan new, so nothing of an earlier run stays; sends stage 1, opens the file
 /// with read sharing and sets `percentBase`. A source that cannot be opened shows its box and throws
-/// WorkerEnded; `source` is null then.
-void OpenSource(EngineState& state, RunContext& run, const std::filesystem::path& path,
+/// WorkerEnded; `source` is closed then.
+void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& path,
                 const platform::SourceOpener& open = platform::OpenForReading);
 
-enum class ProbeResult { kFound, kRefused };
+enum class [[nodiscard]] ProbeResult{kFound, kRefused};
 
 /// format_probe.cpp. Sends stage 2, finds store kind and page layout. On kRefused the caller closes source
 /// and log, shows the refusal, runs the clean-up and ends the worker. kFound is also the answer when the
 /// run had ended, since nothing is refused then.
-ProbeResult ProbeFormat(EngineState& state, RunContext& run);
+ProbeResult ProbeFormat(StoreScan& scan, RunContext& run);
 
 /// node_page_scan.cpp. Sends stage 4; fills `nodes`, `nodeCount` and, in a Smart Scan, `referencedIds` and
 /// the first element of `orphans`.
-void ScanNodePages(EngineState& state, RunContext& run);
+void ScanNodePages(StoreScan& scan, RunContext& run);
 
 /// block_page_scan.cpp. Sends stage 5; writes the index file and builds `index`; in a Smart Scan fills
-/// `orphans`, whose first element the node scan has made. Needs `outputFolder`. From here on `percentBase`
-/// is a hundredth of `nodeCount`. An index file that cannot be made or written, and fewer than 2 records,
-/// show their box and raise `runAborted`.
-void ScanBlockPages(EngineState& state, RunContext& run);
+/// `orphans`, whose first element the node scan has made. Needs `outputFolder`. An index file that cannot be made or
+/// written, and fewer than 2 records, show their box and raise `runAborted`.
+void ScanBlockPages(StoreScan& scan, RunContext& run);
+
+/// finish_scan.cpp. Gives what was found away, constant from now on, whatever became of the steps. In a run that goes
+/// on it tells the encoding first, unless the block scan did.
+[[nodiscard]] std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run);
 
 }  // namespace velmora::engine

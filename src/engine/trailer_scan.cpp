@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 #include "engine/zero_runs.h"
 #include "store/format/signature.h"
@@ -35,7 +36,7 @@ void TrailerScan::ScanSlots(std::uint64_t offset, std::uint32_t length) {
   const std::size_t held = window_.Bytes().size();
   if (begin >= held) return;
   const std::size_t end = begin + std::min<std::size_t>(length, held - begin);
-  if (state_.layout.idWidth == 4) {
+  if (layout_.idWidth == 4) {
     ScanWindow<4>(begin, end);
   } else {
     ScanWindow<8>(begin, end);
@@ -47,6 +48,7 @@ void TrailerScan::ScanSlots(std::uint64_t offset, std::uint32_t length) {
 // before the slot is rarely 0.
 template <std::size_t kIdWidth>
 void TrailerScan::ScanWindow(std::size_t begin, std::size_t end) {
+  using Id = std::conditional_t<kIdWidth == 4, std::uint32_t, std::uint64_t>;
   const bool smart = collector_.IsSmart();
   for (std::size_t at = begin; at < end; at += kSlot) {
     std::array<std::byte, kSlot> partial{};
@@ -56,8 +58,8 @@ void TrailerScan::ScanWindow(std::size_t begin, std::size_t end) {
       slot = partial.data();
     }
     const auto size = Load<std::uint16_t>(slot + kIdWidth);
-    const auto id = Load<std::uint32_t>(slot + 8);
-    if (size == 0 || size >= kSizeBound || id == 0) continue;
+    const std::uint64_t id = Load<Id>(slot + 8);
+    if (size == 0 || size >= kSizeBound || static_cast<std::uint32_t>(id) == 0) continue;
     const auto signature = Load<std::uint16_t>(slot + kIdWidth + 2);
 
     const std::uint64_t offset = window_.Base() + at;

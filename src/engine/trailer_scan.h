@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "engine/block_collector.h"
-#include "engine/engine_state.h"
 #include "engine/source_window.h"
+#include "store/format/generation.h"
 
 namespace velmora::engine {
 
@@ -15,9 +15,9 @@ namespace velmora::engine {
 /// next to nothing.
 class TrailerScan {
  public:
-  /// All three must outlive the object.
-  TrailerScan(EngineState& state, SourceWindow& window, BlockCollector& collector)
-      : state_(state), window_(window), collector_(collector), fileSize_(state.source->Size()) {}
+  /// All must outlive the object.
+  TrailerScan(const Generation& layout, std::uint64_t fileSize, SourceWindow& window, BlockCollector& collector)
+      : layout_(layout), fileSize_(fileSize), window_(window), collector_(collector) {}
 
   /// Scans the slots of `length` bytes at the offset, which the window holds as far as the file goes.
   void ScanSlots(std::uint64_t offset, std::uint32_t length);
@@ -25,7 +25,7 @@ class TrailerScan {
  private:
   /// What a slot says of the block before it.
   struct Trailer {
-    std::uint32_t id;
+    std::uint64_t id;
     std::uint16_t size;
     std::uint16_t signature;
   };
@@ -41,10 +41,10 @@ class TrailerScan {
   /// there.
   std::optional<std::uint64_t> LastNonZeroBefore(std::uint64_t end);
 
-  EngineState& state_;
+  const Generation& layout_;
+  const std::uint64_t fileSize_;
   SourceWindow& window_;
   BlockCollector& collector_;
-  const std::uint64_t fileSize_;
 };
 
 }  // namespace velmora::engine

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "engine/block_index.h"
+#include "engine/block_record.h"
 #include "text/text.h"
 
 namespace velmora::recovery {

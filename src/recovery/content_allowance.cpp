@@ -12,14 +12,13 @@ ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::
       kept_(kLeastKept + sourceBytes),
       losses_(kLeastLosses + sourceBytes / kBytesOfLoss) {}
 
-ContentAllowance ContentAllowance::Of(const engine::EngineState& engine) {
-  return {engine.source == nullptr ? 0 : engine.source->Size(), engine.layout.formatId == FORMAT_UNICODE_4K,
-          std::uint64_t{engine.nodeCount} + engine.blockRecordCount};
+ContentAllowance ContentAllowance::Of(const engine::ScannedStore& store, std::uint32_t nodesLeft) {
+  return {store.source.Size(), store.layout.formatId == FORMAT_UNICODE_4K,
+          std::uint64_t{nodesLeft} + store.blockRecordCount};
 }
 
-ContentAllowance ContentAllowance::ForReport(const engine::EngineState& engine) {
-  const std::uint64_t sourceBytes = engine.source == nullptr ? 0 : engine.source->Size();
-  return {sourceBytes / kTimesOver, false, 0};
+ContentAllowance ContentAllowance::ForReport(const engine::ScannedStore& store) {
+  return {store.source.Size() / kTimesOver, false, 0};
 }
 
 void ContentAllowance::BeginNode() {

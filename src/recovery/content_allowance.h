@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "engine/engine_state.h"
+#include "engine/scanned_store.h"
 
 namespace velmora::recovery {
 
@@ -50,11 +50,11 @@ class ContentAllowance {
   ContentAllowance() = default;
   ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks);
 
-  /// That of a run at the beginning of a step.
-  static ContentAllowance Of(const engine::EngineState& engine);
+  /// That of a run at the beginning of a step, when so many nodes are left.
+  static ContentAllowance Of(const engine::ScannedStore& store, std::uint32_t nodesLeft);
 
   /// What the report may read to say how much is lost: so much as the source has. It takes nothing from the run's.
-  static ContentAllowance ForReport(const engine::EngineState& engine);
+  static ContentAllowance ForReport(const engine::ScannedStore& store);
 
   /// To be called ahead of each node.
   void BeginNode();

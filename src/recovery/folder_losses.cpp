@@ -8,7 +8,8 @@ namespace velmora::recovery {
 void UnreadFolders::Note(const engine::NodeRecord& node, const FolderFault& fault) {
   const bool isFolder = (node.nid & kNidTypeMask) == kNidTypeFolder && node.nid != kRootFolderNid;
   const bool hasPlace = node.nidParent != 0 && node.nidParent != kRootFolderNid && node.nidParent != node.nid;
-  if (isFolder && hasPlace && !node.upperPage) unread_.try_emplace(node.nid, Unread{node.bidData, fault});
+  if (isFolder && hasPlace && !node.upperPage)
+    unread_.try_emplace(node.nid, Unread{engine::LowBid(node.bidData), fault});
 }
 
 void UnreadFolders::Report(RecoveryState& state, const FolderCollector& folders) const {

@@ -14,19 +14,19 @@ tl::unexpected<FolderFault> Fault(const BlockFault& fault) { return tl::unexpect
 
 }  // namespace
 
-tl::expected<FolderProperties, FolderFault> ParseFolderProperties(engine::EngineState& engine,
+tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::ScannedStore& store,
                                                                   const engine::BlockRecord& record,
                                                                   const text::CodePage& codePage,
                                                                   ContentAllowance& allowance) {
-  const auto bytes = ReadHeapBlock(engine, record, record.bid, kFolderRules, allowance);
+  const auto bytes = ReadHeapBlock(store, record, record.bid, kFolderRules, allowance);
   if (!bytes) return Fault(bytes.error());
   const ByteView block(*bytes);
-  const PropertyContext context(block, engine, kFolderRules);
+  const PropertyContext context(block, store, kFolderRules);
   if (context.GetFault() != PropertyContext::Fault::kNone) {
-    return Fault(context.BlockFaultOf(engine, record, kFolderRules));
+    return Fault(context.BlockFaultOf(store, record, kFolderRules));
   }
 
-  const bool wide = engine.layout.wideFormat;
+  const bool wide = store.layout.wideFormat;
   FolderProperties folder;
   bool named = false;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <tl/expected.hpp>
 
-#include "engine/block_index.h"
-#include "engine/engine_state.h"
+#include "engine/block_record.h"
+#include "engine/scanned_store.h"
 #include "recovery/block_fault.h"
 #include "recovery/content_allowance.h"
 #include "text/code_page.h"
@@ -26,7 +26,7 @@ struct FolderFault {
 
 /// A fault when the block is no property context, has no display name, or is a message; and when the allowance is
 /// spent.
-tl::expected<FolderProperties, FolderFault> ParseFolderProperties(engine::EngineState& engine,
+tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::ScannedStore& store,
                                                                   const engine::BlockRecord& record,
                                                                   const text::CodePage& codePage,
                                                                   ContentAllowance& allowance);

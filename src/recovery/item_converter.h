@@ -7,8 +7,8 @@
 #include <memory>
 #include <optional>
 
-#include "engine/block_index.h"
-#include "engine/engine_state.h"
+#include "engine/block_record.h"
+#include "engine/heap_evidence.h"
 #include "engine/run.h"
 #include "recovery/named_prop_map.h"
 #include "store/format/byte_view.h"

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "engine/block_reader.h"
-#include "engine/engine_state.h"
 #include "engine/run.h"
+#include "engine/scanned_store.h"
 #include "recovery/block_fault.h"
 #include "recovery/item_converter.h"
 #include "recovery/property_ids.h"
@@ -107,11 +107,11 @@ struct MessageWork {
 };
 
 struct ItemRun {
-  ItemRun(RecoveryState& theState, engine::EngineState& theEngine, engine::RunContext& theRun)
+  ItemRun(RecoveryState& theState, const engine::ScannedStore& theEngine, engine::RunContext& theRun)
       : state(theState), engine(theEngine), run(theRun), blocks(theEngine) {}
 
   RecoveryState& state;
-  engine::EngineState& engine;
+  const engine::ScannedStore& engine;
   engine::RunContext& run;
   engine::BlockReader blocks;
 

@@ -45,8 +45,8 @@ void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const Item
   const bool isMessage =
       (node.nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
   if (!isMessage) return;
-  ReportLoss(state,
-             {LossKind::kMessage, node.nid, node.bidData, ToldText(state, outcome.messageClass), ReasonOf(outcome)});
+  ReportLoss(state, {LossKind::kMessage, node.nid, engine::LowBid(node.bidData), ToldText(state, outcome.messageClass),
+                     ReasonOf(outcome)});
 }
 
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {

@@ -34,14 +34,15 @@ std::uint64_t GuidTail(ByteView block, std::uint64_t guid) {
 
 }  // namespace
 
-void NameMapReader::ReadNameToIdMap(std::uint32_t bidData, std::uint32_t bidSub) {
-  if (!read_.emplace(bidData, bidSub, engine_.blockEncoding).second) return;
+void NameMapReader::ReadNameToIdMap(std::uint32_t bidData, std::uint32_t bidSub, CryptMethod encoding) {
+  if (!read_.emplace(bidData, bidSub, encoding).second) return;
+  encoding_ = encoding;
   const auto record = blocks_.FindBlockOrLower(bidData);
   if (!record) return;
-  auto bytes = ReadHeapBlock(engine_, *record, record->bid, kNameMapRules);
+  auto bytes = ReadHeapBlock(store_, encoding_, *record, record->bid, kNameMapRules);
   if (!bytes) return;
 
-  const PropertyContext context(ByteView(*bytes), engine_, kNameMapRules);
+  const PropertyContext context(ByteView(*bytes), store_, kNameMapRules);
   switch (context.GetFault()) {
     case PropertyContext::Fault::kSignature:
       return FallbackWalks(context.Header().signature, bidData, bidSub);
@@ -85,7 +86,7 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
       if (!Take(offset + kReadBehindBucket)) return NextStep::kEnd;
       auto longer = blocks_.ReadChunk(record.offset, offset + kReadBehindBucket);
       if (!longer) return NextStep::kEnd;
-      blocks_.DecodeBlock(record.bid, *longer);
+      DecodeBlock(encoding_, Bid{record.bid}, *longer);
       bytes = std::move(*longer);
     }
     const ByteView block(bytes);
@@ -188,8 +189,8 @@ bool NameMapReader::WalkListed(Walk walk, std::uint32_t bid, const engine::Block
     if (!record || !Take(record->size)) continue;
     auto inner = blocks_.ReadChunk(record->offset, record->size);
     if (!inner) continue;
-    blocks_.DecodeBlock(record->bid, *inner);
-    if (InflateUnlessHeap(engine_, *inner) && !Take(inner->size())) continue;
+    DecodeBlock(encoding_, Bid{record->bid}, *inner);
+    if (InflateUnlessHeap(store_, *inner) && !Take(inner->size())) continue;
     const auto innerSize = static_cast<std::uint32_t>(inner->size());
     if (ByteView(*inner).U16(0) != kExtendedBlock) {
       if (ReadNameEntries(ByteView(*inner), innerSize)) result = true;

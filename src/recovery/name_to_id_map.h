@@ -16,10 +16,10 @@ namespace velmora::recovery {
 /// MiB of blocks at most, hundreds of times what the largest map takes; beyond that they find nothing more.
 class NameMapReader {
  public:
-  NameMapReader(engine::EngineState& engine, NamedPropMap& map) : engine_(engine), blocks_(engine), map_(map) {}
+  NameMapReader(const engine::ScannedStore& store, NamedPropMap& map) : store_(store), blocks_(store), map_(map) {}
 
-  /// Adds what is not yet in the map. Nothing is reported.
-  void ReadNameToIdMap(std::uint32_t bidData, std::uint32_t bidSub);
+  /// Adds what is not yet in the map, read in the encoding that is known by now. Nothing is reported.
+  void ReadNameToIdMap(std::uint32_t bidData, std::uint32_t bidSub, CryptMethod encoding);
 
  private:
   enum class Walk { kNameBlocks, kNameBlocksDeep };
@@ -43,9 +43,10 @@ class NameMapReader {
   /// Bytes of a block that the walks may still look at; false when there are none left.
   bool Take(std::uint64_t count);
 
-  engine::EngineState& engine_;
+  const engine::ScannedStore& store_;
   engine::BlockReader blocks_;
   NamedPropMap& map_;
+  CryptMethod encoding_ = CryptMethod::kNone;
   std::set<std::tuple<std::uint32_t, std::uint32_t, CryptMethod>> read_;
   std::uint64_t left_ = std::uint64_t{128} << 20;
 };

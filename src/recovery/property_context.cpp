@@ -13,8 +13,8 @@ constexpr std::uint32_t kTreeHeaderSize = 8;
 
 bool IsOtherKind(StoreKind kind) { return kind != StoreKind::kOst && kind != StoreKind::kPst; }
 
-bool Inflates(const engine::EngineState& engine, const ContextRules& rules) {
-  return rules.inflatesOtherKinds || engine.storeKind == StoreKind::kOst;
+bool Inflates(const engine::ScannedStore& store, const ContextRules& rules) {
+  return rules.inflatesOtherKinds || store.storeKind == StoreKind::kOst;
 }
 
 }  // namespace
@@ -37,54 +37,53 @@ std::optional<HeapRange> RangeOf(ByteView block, std::uint16_t ibHnpm, std::uint
   return range;
 }
 
-bool InflateUnlessHeap(engine::EngineState& engine, Bytes& bytes) {
-  if (engine.layout.formatId != FORMAT_UNICODE_4K) return false;
+bool InflateUnlessHeap(const engine::ScannedStore& store, Bytes& bytes) {
+  if (store.layout.formatId != FORMAT_UNICODE_4K) return false;
   if (engine::IsHeapSignature(ByteView(bytes).U16(2))) return false;
   Bytes inflated = bytes;
-  if (engine::BlockReader(engine).InflateBlock(inflated) == 0) return false;
+  if (engine::BlockReader(store).InflateBlock(inflated) == 0) return false;
   bytes = std::move(inflated);
   return true;
 }
 
-tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                              std::uint32_t id, const ContextRules& rules) {
-  const engine::BlockReader blocks(engine);
-  auto bytes = blocks.ReadChunk(record.offset, record.size);
+tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
+                                              const engine::BlockRecord& record, std::uint32_t id,
+                                              const ContextRules& rules) {
+  auto bytes = engine::BlockReader(store).ReadChunk(record.offset, record.size);
   if (!bytes) return tl::unexpected(BlockFault::Of(Cause::kNotRead, record));
-  if (rules.decodesOst || engine.storeKind == StoreKind::kPst) blocks.DecodeBlock(id, *bytes);
-  if (Inflates(engine, rules)) InflateUnlessHeap(engine, *bytes);
+  if (rules.decodesOst || store.storeKind == StoreKind::kPst) DecodeBlock(encoding, Bid{id}, *bytes);
+  if (Inflates(store, rules)) InflateUnlessHeap(store, *bytes);
   return std::move(*bytes);
 }
 
-tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
                                               std::uint32_t id, const ContextRules& rules,
                                               ContentAllowance& allowance) {
   const tl::unexpected<BlockFault> tooMuch(BlockFault::Of(Cause::kTooMuch, record));
   if (!allowance.TakeBytes(record.size)) return tooMuch;
-  auto bytes = ReadHeapBlock(engine, record, id, rules);
+  auto bytes = ReadHeapBlock(store, store.blockEncoding, record, id, rules);
   const bool inflated = bytes && bytes->size() > record.size;
   if (inflated && !allowance.TakeBytes(bytes->size())) return tooMuch;
   return bytes;
 }
 
-BlockFault PropertyContext::BlockFaultOf(const engine::EngineState& engine, const engine::BlockRecord& record,
+BlockFault PropertyContext::BlockFaultOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
                                          const ContextRules& rules) const {
-  const bool cutOff = engine.source != nullptr && record.offset + record.size > engine.source->Size();
+  const bool cutOff = record.offset + record.size > store.source.Size();
   if (cutOff) return BlockFault::Of(Cause::kCutOff, record);
   if (fault_ != Fault::kSignature) return BlockFault::Of(Cause::kBrokenHeap, record);
   if (IsInternalBid(record.bid)) return BlockFault::Of(Cause::kList, record);
-  const bool stillPacked = Inflates(engine, rules) && engine.layout.formatId == FORMAT_UNICODE_4K &&
+  const bool stillPacked = Inflates(store, rules) && store.layout.formatId == FORMAT_UNICODE_4K &&
                            !engine::IsHeapSignature(header_.signature) && block_.Size() == record.size;
   return BlockFault::Of(stillPacked ? Cause::kNotInflated : Cause::kSignature, record, header_.signature);
 }
 
-PropertyContext::PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules)
-    : block_(block), header_(ReadHeapHeader(block)), fault_(Open(engine, rules)) {}
+PropertyContext::PropertyContext(ByteView block, const engine::ScannedStore& store, const ContextRules& rules)
+    : block_(block), header_(ReadHeapHeader(block)), fault_(Open(store, rules)) {}
 
-PropertyContext::Fault PropertyContext::Open(engine::EngineState& engine, const ContextRules& rules) {
-  const StoreKind storeKind = engine.storeKind;
-  if (!engine::BlockReader(engine).AcceptsSignature(header_.signature, rules.acceptsOtherKinds))
-    return Fault::kSignature;
+PropertyContext::Fault PropertyContext::Open(const engine::ScannedStore& store, const ContextRules& rules) {
+  const StoreKind storeKind = store.storeKind;
+  if (!engine::AcceptsSignature(storeKind, header_.signature, rules.acceptsOtherKinds)) return Fault::kSignature;
 
   const auto root = RangeOf(block_, header_.ibHnpm, header_.hidUserRoot, rules.emptyEnd);
   if (!root) return Fault::kRootRange;

@@ -14,7 +14,7 @@
 #include <tl/expected.hpp>
 
 #include "engine/block_reader.h"
-#include "engine/engine_state.h"
+#include "engine/scanned_store.h"
 #include "recovery/block_fault.h"
 #include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
@@ -84,14 +84,16 @@ inline constexpr ContextRules kNameMapRules{.decodesOst = false, .acceptsOtherKi
 
 /// Inflates a block that shows no heap signature (4K format alone). A block that is no packed stream stays as
 /// it was read: it was stored uncompressed. True when it was inflated.
-bool InflateUnlessHeap(engine::EngineState& engine, Bytes& bytes);
+bool InflateUnlessHeap(const engine::ScannedStore& store, Bytes& bytes);
 
 /// The bytes of a block as a walk with these rules looks at them: read, decoded with the key `id`, inflated.
-tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
-                                              std::uint32_t id, const ContextRules& rules);
+tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
+                                              const engine::BlockRecord& record, std::uint32_t id,
+                                              const ContextRules& rules);
 
-/// The same for a block that any number of nodes may name. A fault as well when the allowance is spent.
-tl::expected<Bytes, BlockFault> ReadHeapBlock(engine::EngineState& engine, const engine::BlockRecord& record,
+/// The same, in the encoding of the store, for a block that any number of nodes may name. A fault as well when the
+/// allowance is spent.
+tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
                                               std::uint32_t id, const ContextRules& rules, ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
@@ -100,12 +102,12 @@ class PropertyContext {
   /// The test that the block failed, in the order in which they are made.
   enum class Fault { kNone, kSignature, kRootRange, kTreeHeader, kRecordRange };
 
-  PropertyContext(ByteView block, engine::EngineState& engine, const ContextRules& rules);
+  PropertyContext(ByteView block, const engine::ScannedStore& store, const ContextRules& rules);
 
   Fault GetFault() const { return fault_; }
 
   /// What the fault says of the block, which ReadHeapBlock read from that record by these rules.
-  BlockFault BlockFaultOf(const engine::EngineState& engine, const engine::BlockRecord& record,
+  BlockFault BlockFaultOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
                           const ContextRules& rules) const;
 
   const HeapHeader& Header() const { return header_; }
@@ -118,7 +120,7 @@ class PropertyContext {
   }
 
  private:
-  Fault Open(engine::EngineState& engine, const ContextRules& rules);
+  Fault Open(const engine::ScannedStore& store, const ContextRules& rules);
 
   ByteView block_;
   HeapHeader header_;

@@ -12,9 +12,9 @@
 
 namespace velmora::recovery {
 
-using engine::EngineState;
 using engine::NodeRecord;
 using engine::RunContext;
+using engine::ScannedStore;
 
 namespace {
 
@@ -23,64 +23,61 @@ constexpr std::uint32_t kFolderStage = 6;
 /// The walk over the node list.
 class FolderRecovery {
  public:
-  FolderRecovery(RecoveryState& state, EngineState& engine, RunContext& run)
-      : state_(state),
-        engine_(engine),
-        run_(run),
-        blocks_(engine),
-        nameMap_(engine, state.namedProps),
-        unlinked_(engine.nodes.Records().size(), false) {}
+  FolderRecovery(RecoveryState& state, const ScannedStore& store, RunContext& run)
+      : state_(state), store_(store), run_(run), blocks_(store), nameMap_(store, state.namedProps) {
+    state.usedNodes.unlinked.resize(store.nodes.Records().size());
+  }
 
   void WalkNodes() {
-    const auto& nodes = engine_.nodes.Records();
+    const auto& nodes = store_.nodes.Records();
     for (std::size_t i = 0; i < nodes.size() && !run_.runEnded; ++i) {
       run_.control.PausePoint();
       HandleNode(nodes[i], i);
     }
   }
 
-  /// Takes the unlinked nodes out of the list, whatever ended the walk.
+  /// The folders found, whatever ended the walk.
   std::vector<FolderRecord> Finish() {
-    auto& nodes = engine_.nodes.Records();
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-      if (!unlinked_[i]) nodes[kept++] = nodes[i];
-    }
-    nodes.resize(kept);
     unread_.Report(state_, folders_);
     return folders_.Take();
   }
 
  private:
   void HandleNode(const NodeRecord& node, std::size_t index) {
-    const bool candidate = node.bidData != 0 && node.nidParent != 0 && node.nid != node.nidParent;
     // A second node of a known folder stays in the list: the first block that gave a folder wins.
-    if (candidate && folders_.Contains(node.nid)) return;
-    const bool isFolder = candidate && TryFolder(node);
-    if (node.bidData == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
+    if (node.MayBeFolder() && folders_.Contains(node.nid)) return;
+    const bool isFolder = node.MayBeFolder() && TryFolder(node, index);
+    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
 
-    if (node.nid == kNameToIdMapNid) nameMap_.ReadNameToIdMap(node.bidData, node.bidSub);
+    if (node.nid == kNameToIdMapNid) {
+      const CryptMethod encoding = IsEncodingKnownAt(index) ? store_.blockEncoding : CryptMethod::kNone;
+      nameMap_.ReadNameToIdMap(engine::LowBid(node.bidData), engine::LowBid(node.bidSub), encoding);
+    }
     if (node.nidParent == 0 || isFolder) UnlinkNode(index);
 
     ++counter_;
+    const std::uint64_t percentBase = store_.nodeCount / 100;
     const std::uint64_t progress =
-        engine_.nodeCount < 101 ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
+        state_.usedNodes.Left(store_) < 101 ? counter_ : counter_ / std::max<std::uint64_t>(percentBase, 1);
     run_.SayProgress(progress, engine::Phase::kFolders);
   }
 
-  bool TryFolder(const NodeRecord& node) {
+  /// The rules learn the encoding on their way through the list, from the first block that tells it: what stands ahead
+  /// of that node is no folder, and a name map there is read as it is stored.
+  bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingToldBy; }
+
+  bool TryFolder(const NodeRecord& node, std::size_t index) {
     const auto none = [&](const FolderFault& fault) {
       unread_.Note(node, fault);
       return false;
     };
-    const auto record = blocks_.FindBlockOrLower(node.bidData);
-    if (!record) return none({BlockFault::NotFound(node.bidData), {}});
-    if (engine_.encodingUnknown) {
-      engine_.encodingUnknown = !blocks_.DetectEncoding(record->bid, record->offset, record->size);
-      if (engine_.encodingUnknown) return none({{}, u"the encoding of the store could not be told from its block"});
+    const auto record = blocks_.FindBlockOrLower(engine::LowBid(node.bidData));
+    if (!record) return none({BlockFault::NotFound(engine::LowBid(node.bidData)), {}});
+    if (!IsEncodingKnownAt(index)) {
+      return none({{}, u"the encoding of the store could not be told from its block"});
     }
     state_.allowance.BeginNode();
-    auto properties = ParseFolderProperties(engine_, *record, *state_.codePage, state_.allowance);
+    auto properties = ParseFolderProperties(store_, *record, *state_.codePage, state_.allowance);
     if (!properties) return none(properties.error());
     if (properties->name.empty()) return none({{}, u"its name is empty or does not look like text"});
     ContentAllowance& allowance = state_.allowance;
@@ -97,30 +94,30 @@ class FolderRecovery {
   /// Unlinking works only on an element that has one before it: the first stays, a candidate for a message, though
   /// the count goes down for it too.
   void UnlinkNode(std::size_t index) {
-    --engine_.nodeCount;
-    if (index != 0) unlinked_[index] = true;
+    ++state_.usedNodes.countedOff;
+    if (index != 0) state_.usedNodes.unlinked[index] = true;
   }
 
   RecoveryState& state_;
-  EngineState& engine_;
+  const ScannedStore& store_;
   RunContext& run_;
   engine::BlockReader blocks_;
   NameMapReader nameMap_;
   FolderCollector folders_;
   UnreadFolders unread_;
-  std::vector<bool> unlinked_;
   std::uint64_t counter_ = 0;
 };
 
 }  // namespace
 
-void RecoverFolders(RecoveryState& state, EngineState& engine, RunContext& run) {
+void RecoverFolders(RecoveryState& state, const ScannedStore& store, RunContext& run) {
   if (run.runEnded || run.runAborted) return;
   run.BeginStage(kFolderStage);
 
-  state.allowance = ContentAllowance::Of(engine);
-  state.reportAllowance = ContentAllowance::ForReport(engine);
-  FolderRecovery recovery(state, engine, run);
+  state.usedNodes = {};
+  state.allowance = ContentAllowance::Of(store, state.usedNodes.Left(store));
+  state.reportAllowance = ContentAllowance::ForReport(store);
+  FolderRecovery recovery(state, store, run);
   WithinFrame([&recovery] { recovery.WalkNodes(); });
   std::vector<FolderRecord> recovered = recovery.Finish();
   state.report.folders = recovered;

@@ -8,9 +8,9 @@
 
 namespace velmora::recovery {
 
-using engine::EngineState;
 using engine::OrphanBlock;
 using engine::RunContext;
+using engine::ScannedStore;
 
 namespace {
 
@@ -20,18 +20,27 @@ constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
 
 class ItemRecovery {
  public:
-  ItemRecovery(RecoveryState& state, EngineState& engine, RunContext& run)
-      : state_(state), engine_(engine), run_(run), items_(state, engine, run) {}
+  ItemRecovery(RecoveryState& state, const ScannedStore& store, RunContext& run)
+      : state_(state),
+        store_(store),
+        run_(run),
+        items_(state, store, run),
+        nodesLeft_(state.usedNodes.Left(store)),
+        percentBase_(static_cast<std::uint64_t>((std::uint64_t{nodesLeft_} + store.orphanBlockCount) / 100.0 + 0.5)) {}
 
   void ProcessNodes() {
-    for (const engine::NodeRecord& node : engine_.nodes.Records()) {
+    const auto& nodes = store_.nodes.Records();
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      if (state_.usedNodes.IsUnlinked(i)) continue;
       if (run_.runEnded) return;
+      const engine::NodeRecord& node = nodes[i];
       run_.control.PausePoint();
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) run_.SayProgress(progress);
       const std::size_t listed = state_.report.lost.size();
       const std::uint64_t untold = state_.report.lostUntold;
-      const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
+      const auto outcome =
+          ProcessNode(items_, node.nid, engine::LowBid(node.bidData), engine::LowBid(node.bidSub), node.nidParent);
       // What an upper page was read as may by chance lead to a message, which its own node gives too.
       if (node.upperPage) {
         state_.report.lost.resize(listed);
@@ -45,7 +54,7 @@ class ItemRecovery {
 
   /// False when the run ended on the way.
   bool ProcessOrphans() {
-    const std::vector<OrphanBlock> orphans = std::exchange(engine_.orphans, {});
+    const std::vector<OrphanBlock>& orphans = store_.orphans;
     bool first = true;
     for (std::size_t i = 0; i < orphans.size(); ++i) {
       if (run_.runEnded) return false;
@@ -57,7 +66,7 @@ class ItemRecovery {
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
       if (isElement) {
-        ReportNode(state_, {.bidData = orphan.bidData, .bidSub = orphan.bidSub}, outcome);
+        ReportNode(state_, {0, orphan.bidData, orphan.bidSub, 0}, outcome);
         ++state_.report.nodesDone;
       }
       if (i + 1 == orphans.size()) break;
@@ -82,9 +91,9 @@ class ItemRecovery {
 
  private:
   /// Few nodes are counted one by one; percentages are computed for more.
-  bool CountsItems() const { return engine_.nodeCount < 101; }
+  bool CountsItems() const { return nodesLeft_ < 101; }
   std::uint64_t Progress() const {
-    return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
+    return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(percentBase_, 1);
   }
 
   /// What is placed nowhere else goes into one folder, whatever its kind.
@@ -101,25 +110,25 @@ class ItemRecovery {
   }
 
   RecoveryState& state_;
-  EngineState& engine_;
+  const ScannedStore& store_;
   RunContext& run_;
   ItemRun items_;
+  const std::uint32_t nodesLeft_;
+  const std::uint64_t percentBase_;
   std::uint64_t counter_ = 0;
   std::uint64_t lastPercentage_ = 0;
 };
 
 }  // namespace
 
-void RecoverOrphans(RecoveryState& state, EngineState& engine, RunContext& run) {
+void RecoverOrphans(RecoveryState& state, const ScannedStore& store, RunContext& run) {
   if (run.runEnded || run.runAborted) return;
-  engine.percentBase =
-      static_cast<std::uint64_t>((std::uint64_t{engine.nodeCount} + engine.orphanBlockCount) / 100.0 + 0.5);
   run.BeginStage(kItemStage);
 
-  state.allowance = ContentAllowance::Of(engine);
-  state.reportAllowance = ContentAllowance::ForReport(engine);
+  state.allowance = ContentAllowance::Of(store, state.usedNodes.Left(store));
+  state.reportAllowance = ContentAllowance::ForReport(store);
 
-  ItemRecovery recovery(state, engine, run);
+  ItemRecovery recovery(state, store, run);
   recovery.ProcessNodes();
   if (!recovery.ProcessOrphans()) return;
   recovery.FillProgressUp();

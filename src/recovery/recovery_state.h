@@ -1,8 +1,11 @@
 // The members of the engine object that the recovery steps own, grouped by the step that fills them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
+#include "engine/scanned_store.h"
 #include "recovery/content_allowance.h"
 #include "recovery/folder_list.h"
 #include "recovery/item_converter.h"
@@ -14,6 +17,15 @@
 
 namespace velmora::recovery {
 
+/// How far the steps have used up the node list, which itself stays as the scan left it.
+struct UsedNodes {
+  std::vector<bool> unlinked;    ///< by position; none of those beyond the end
+  std::uint32_t countedOff = 0;  ///< of the count of nodes
+
+  bool IsUnlinked(std::size_t position) const { return position < unlinked.size() && unlinked[position]; }
+  std::uint32_t Left(const engine::ScannedStore& store) const { return store.nodeCount - countedOff; }
+};
+
 /// Made anew for each run.
 struct RecoveryState {
   // Set-up: to be filled before RecoverFolders
@@ -24,6 +36,7 @@ struct RecoveryState {
   const ItemConverters* converters = nullptr;  ///< not owned; needed from RecoverOrphans on
 
   // Folder recovery
+  UsedNodes usedNodes;
   NamedPropMap namedProps;
   FolderList folders;              ///< ordered and thinned; what the panes climb
   std::uint32_t topFolderNid = 0;  ///< of the folder "Top of Personal Folders"; 0 until one is seen

@@ -5,20 +5,20 @@
 // made). engine::RunStopped passes through both.
 #pragma once
 
-#include "engine/engine_state.h"
 #include "engine/run.h"
+#include "engine/scanned_store.h"
 #include "recovery/recovery_state.h"
 
 namespace velmora::recovery {
 
 /// recover_folders.cpp. Sends stage 6; takes the folders out of the node list, reads the name-to-id map, then
 /// makes the folders in the new store.
-void RecoverFolders(RecoveryState& state, engine::EngineState& engine, engine::RunContext& run);
+void RecoverFolders(RecoveryState& state, const engine::ScannedStore& store, engine::RunContext& run);
 
 /// create_target_folders.cpp, the last thing that RecoverFolders does. Sends stage 7; orders and thins the list.
 void CreateTargetFolders(RecoveryState& state, std::vector<FolderRecord> recovered, engine::RunContext& run);
 
 /// recover_orphans.cpp. Sends stage 8; turns every node that is left into an item, then every orphan.
-void RecoverOrphans(RecoveryState& state, engine::EngineState& engine, engine::RunContext& run);
+void RecoverOrphans(RecoveryState& state, const engine::ScannedStore& store, engine::RunContext& run);
 
 }  // namespace velmora::recovery

@@ -4,8 +4,8 @@
 
 namespace velmora::recovery {
 
-SubNodeList ReadSubNodeList(engine::EngineState& engine, std::uint32_t bidSub) {
-  const engine::BlockReader blocks(engine);
+SubNodeList ReadSubNodeList(const engine::ScannedStore& store, std::uint32_t bidSub) {
+  const engine::BlockReader blocks(store);
   const auto record = blocks.FindBlockOrLower(bidSub);
   if (!record) return {};
 
@@ -14,7 +14,7 @@ SubNodeList ReadSubNodeList(engine::EngineState& engine, std::uint32_t bidSub) {
   if (!bytes) return emptyList;
 
   const ByteView block(*bytes);
-  const std::uint32_t width = engine.layout.Pitch();
+  const std::uint32_t width = store.layout.Pitch();
   const std::uint32_t stride = 3 * width;
   const std::uint32_t count = block.U16(2);
   if (count * stride > block.Size()) return emptyList;

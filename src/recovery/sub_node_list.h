@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "engine/scanned_store.h"
 
 namespace velmora::recovery {
 
@@ -23,6 +23,6 @@ using SubNodeList = std::vector<SubNodeEntry>;
 /// list; a block that claims more entries than it can hold gives a list of one entry that is all zeros. Type and
 /// level of the block are not looked at, so a block of the upper level gives entries that later look-ups refuse,
 /// and a count of 0 still gives one entry.
-SubNodeList ReadSubNodeList(engine::EngineState& engine, std::uint32_t bidSub);
+SubNodeList ReadSubNodeList(const engine::ScannedStore& store, std::uint32_t bidSub);
 
 }  // namespace velmora::recovery

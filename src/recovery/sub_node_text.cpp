@@ -26,11 +26,11 @@ text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t valu
   }
   const auto entry = blockOfNid_.find(value);
   if (entry == blockOfNid_.end()) return {};
-  const engine::BlockReader blocks(engine_);
+  const engine::BlockReader blocks(store_);
   const auto record = blocks.FindBlockOrLower(entry->second);
   if (!record) return {};
   const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
-  const auto block = ReadDataBlock(engine_, *record, record->bid, allowance_, inflates);
+  const auto block = ReadDataBlock(store_, *record, record->bid, allowance_, inflates);
   if (!block || !allowance_.TakeHeld(block->bytes.size())) return {};
   if (type == kTypeUnicode) return WithSinglePercents(WideText(ByteView(block->bytes)));
   if (type == kTypeString8) return NarrowText(ByteView(block->bytes), codePage_);

@@ -10,11 +10,11 @@ constexpr std::uint16_t kUpperLevel = 0x0102;  ///< block type 2, level 1: pairs
 
 }  // namespace
 
-UnreadSubNodes ReadUnreadSubNodes(engine::EngineState& engine, std::uint32_t bidSub, const SubNodeList& read,
+UnreadSubNodes ReadUnreadSubNodes(const engine::ScannedStore& store, std::uint32_t bidSub, const SubNodeList& read,
                                   ContentAllowance& allowance) {
   // A list of several entries is one: an upper level never looks like that.
   if (bidSub == 0 || read.size() > 1) return {};
-  const engine::BlockReader blocks(engine);
+  const engine::BlockReader blocks(store);
   const auto record = blocks.FindBlockOrLower(bidSub);
   if (!record) return {{}, TextOf(BlockFault::NotFound(bidSub))};
   const bool allowed = allowance.TakeBytes(record->size);
@@ -22,7 +22,7 @@ UnreadSubNodes ReadUnreadSubNodes(engine::EngineState& engine, std::uint32_t bid
   if (!bytes) return {{}, TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, *record))};
 
   const ByteView block(*bytes);
-  const std::uint32_t width = engine.layout.Pitch();
+  const std::uint32_t width = store.layout.Pitch();
   if (block.U16(0) != kUpperLevel) {
     if (block.U16(2) * 3u * width <= block.Size()) return {};
     return {{}, u"its data block " + HexOf(record->bid) + u" claims more entries than it can hold"};
@@ -32,7 +32,7 @@ UnreadSubNodes ReadUnreadSubNodes(engine::EngineState& engine, std::uint32_t bid
   for (std::uint64_t at = width; at < width * (1 + 2 * count) && at < block.Size(); at += 2ull * width) {
     const auto leaf = blocks.FindBlockOrLower(block.U32(at + width));
     if (!leaf || !allowance.TakeBytes(leaf->size)) continue;
-    const SubNodeList entries = ReadSubNodeList(engine, leaf->bid);
+    const SubNodeList entries = ReadSubNodeList(store, leaf->bid);
     unread.entries.insert(unread.entries.end(), entries.begin(), entries.end());
   }
   return unread;

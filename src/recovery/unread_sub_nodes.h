@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "engine/engine_state.h"
+#include "engine/scanned_store.h"
 #include "recovery/content_allowance.h"
 #include "recovery/sub_node_list.h"
 #include "text/text.h"
@@ -16,7 +16,7 @@ struct UnreadSubNodes {
 };
 
 /// Looks at the list in the block `bidSub` where what ReadSubNodeList made of it, `read`, cannot be all.
-UnreadSubNodes ReadUnreadSubNodes(engine::EngineState& engine, std::uint32_t bidSub, const SubNodeList& read,
+UnreadSubNodes ReadUnreadSubNodes(const engine::ScannedStore& store, std::uint32_t bidSub, const SubNodeList& read,
                                   ContentAllowance& allowance);
 
 }  // namespace velmora::recovery

@@ -9,7 +9,7 @@
 
 namespace velmora::recovery {
 
-using engine::EngineState;
+using engine::ScannedStore;
 
 namespace {
 
@@ -38,9 +38,9 @@ std::uint64_t TotalOf(const engine::BlockRecord& record, ByteView block) {
   return signature == kExtendedBlock || signature == kExtendedBlockOfLists ? block.U32(4) : 0;
 }
 
-Reached WalkChain(EngineState& engine, engine::BlockRecord at, ContentAllowance& allowance, BlockChain& chain) {
-  const engine::BlockReader blocks(engine);
-  const bool wide = engine.layout.wideFormat;
+Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, ContentAllowance& allowance, BlockChain& chain) {
+  const engine::BlockReader blocks(store);
+  const bool wide = store.layout.wideFormat;
   bool throughSubNode = false;
   for (int depth = 0; depth < kDeepestChain; ++depth) {
     if (!allowance.TakeBytes(at.size)) break;
@@ -72,12 +72,13 @@ Reached WalkChain(EngineState& engine, engine::BlockRecord at, ContentAllowance&
   return throughSubNode ? Reached::kThroughSubNode : Reached::kPlainBlock;
 }
 
-void WriteSingleBlock(EngineState& engine, BlockChain& chain, ContentAllowance& allowance, const PieceWriter& write) {
+void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, ContentAllowance& allowance,
+                      const PieceWriter& write) {
   const std::uint32_t id = chain.singleDataBid;
-  const engine::BlockReader blocks(engine);
+  const engine::BlockReader blocks(store);
   const auto record = blocks.FindBlockOrLower(id);
   if (!record) return;
-  const auto block = ReadDataBlock(engine, *record, id, allowance);
+  const auto block = ReadDataBlock(store, *record, id, allowance);
   if (!block) return;
   if (!block->inflated || record->size >= kIdListBelow) return write(block->bytes);
 
@@ -89,7 +90,7 @@ void WriteSingleBlock(EngineState& engine, BlockChain& chain, ContentAllowance& 
     const auto listedRecord = blocks.FindBlockOrLower(listed);
     if (!listedRecord) continue;
     const bool full = listedRecord->size >= kFullBlock;
-    if (const auto piece = ReadDataBlock(engine, *listedRecord, listed, allowance, !full)) write(piece->bytes);
+    if (const auto piece = ReadDataBlock(store, *listedRecord, listed, allowance, !full)) write(piece->bytes);
   }
 }
 
@@ -99,14 +100,14 @@ const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& code
   return tag == kHtmlBodyId || tag == kRtfBodyId ? text::CodePage::Lossless() : codePage;
 }
 
-bool BuildBlockChain(EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
+bool BuildBlockChain(const ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
                      BlockChain& chain) {
-  return WalkChain(engine, record, allowance, chain) == Reached::kList;
+  return WalkChain(store, record, allowance, chain) == Reached::kList;
 }
 
-bool BuildBlockChainAt(EngineState& engine, const engine::BlockRecord& record, ContentAllowance& allowance,
+bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
                        BlockChain& chain) {
-  return WalkChain(engine, record, allowance, chain) != Reached::kPlainBlock;
+  return WalkChain(store, record, allowance, chain) != Reached::kPlainBlock;
 }
 
 text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
@@ -129,27 +130,27 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
   return DecimalOf(chain.total - written) + u" of " + DecimalOf(chain.total) + u" bytes are missing";
 }
 
-std::optional<DataBlock> ReadDataBlock(EngineState& engine, const engine::BlockRecord& record, std::uint32_t id,
+std::optional<DataBlock> ReadDataBlock(const ScannedStore& store, const engine::BlockRecord& record, std::uint32_t id,
                                        ContentAllowance& allowance, bool inflates) {
   if (!allowance.TakeBytes(record.size)) return std::nullopt;
-  const engine::BlockReader blocks(engine);
+  const engine::BlockReader blocks(store);
   auto bytes = blocks.ReadChunk(record.offset, record.size);
   if (!bytes) return std::nullopt;
   blocks.DecodeBlock(id, *bytes);
-  const bool inflated = inflates && InflateUnlessHeap(engine, *bytes);
+  const bool inflated = inflates && InflateUnlessHeap(store, *bytes);
   if (inflated && !allowance.TakeBytes(bytes->size())) return std::nullopt;
   return DataBlock{std::move(*bytes), inflated};
 }
 
-text::Text ReadStreamAsText(EngineState& engine, BlockChain& chain, std::uint16_t kind, const text::CodePage& codePage,
-                            ContentAllowance& allowance) {
-  const engine::BlockReader blocks(engine);
-  const bool wide = engine.layout.wideFormat;
+text::Text ReadStreamAsText(const ScannedStore& store, BlockChain& chain, std::uint16_t kind,
+                            const text::CodePage& codePage, ContentAllowance& allowance) {
+  const engine::BlockReader blocks(store);
+  const bool wide = store.layout.wideFormat;
   const text::CodePage& page = BodyCodePage(kind, codePage);
   if (!chain.hasList) {
     const auto record = blocks.FindBlockOrLower(chain.singleDataBid);
     if (!record) return {};
-    const auto single = ReadDataBlock(engine, *record, record->bid, allowance);
+    const auto single = ReadDataBlock(store, *record, record->bid, allowance);
     if (!single || !allowance.TakeHeld(single->bytes.size())) return {};
     const ByteView block(single->bytes);
     if (!wide) return NarrowText(block, page);
@@ -162,7 +163,7 @@ text::Text ReadStreamAsText(EngineState& engine, BlockChain& chain, std::uint16_
   for (const std::uint32_t bid : chain.pieces) {
     const auto record = blocks.FindBlock(bid);
     if (!record) continue;
-    const auto piece = ReadDataBlock(engine, *record, record->bid, allowance);
+    const auto piece = ReadDataBlock(store, *record, record->bid, allowance);
     if (!piece) continue;
     if (!allowance.TakeHeld(piece->bytes.size())) break;
     chain.read += piece->bytes.size();
@@ -171,14 +172,15 @@ text::Text ReadStreamAsText(EngineState& engine, BlockChain& chain, std::uint16_
   return result;
 }
 
-void WriteStreamToFile(EngineState& engine, BlockChain& chain, ContentAllowance& allowance, const PieceWriter& write) {
-  if (!chain.hasList) return WriteSingleBlock(engine, chain, allowance, write);
-  const engine::BlockReader blocks(engine);
+void WriteStreamToFile(const ScannedStore& store, BlockChain& chain, ContentAllowance& allowance,
+                       const PieceWriter& write) {
+  if (!chain.hasList) return WriteSingleBlock(store, chain, allowance, write);
+  const engine::BlockReader blocks(store);
   for (const std::uint32_t bid : chain.pieces) {
     if (bid == 0) continue;
     const auto record = blocks.FindBlockOrLower(bid);
     if (!record) continue;
-    if (const auto piece = ReadDataBlock(engine, *record, bid, allowance)) write(piece->bytes);
+    if (const auto piece = ReadDataBlock(store, *record, bid, allowance)) write(piece->bytes);
   }
 }
 

@@ -1,6 +1,7 @@
 // A source on a disk with bad places, which counts what is read from it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -15,15 +16,15 @@ using BadPlace = std::pair<std::uint64_t, std::uint64_t>;
 
 class BadDisk : public platform::ByteSource {
  public:
-  BadDisk(std::unique_ptr<platform::ByteSource> content, std::vector<BadPlace> bad)
+  BadDisk(std::unique_ptr<const platform::ByteSource> content, std::vector<BadPlace> bad)
       : content_(std::move(content)), bad_(std::move(bad)) {}
 
   std::uint64_t Size() const override { return content_->Size(); }
 
   /// A read that touches a bad place fails as a whole.
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    ++reads;
-    bytesRead += out.size();
+    reads.fetch_add(1, std::memory_order_relaxed);  // orders nothing, so that races of the reader still show
+    bytesRead.fetch_add(out.size(), std::memory_order_relaxed);
     for (const auto& [from, to] : bad_) {
       if (offset < to && offset + out.size() > from) {
         return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad sector"});
@@ -32,11 +33,11 @@ class BadDisk : public platform::ByteSource {
     return content_->ReadAt(offset, out);
   }
 
-  mutable int reads = 0;
-  mutable std::uint64_t bytesRead = 0;
+  mutable std::atomic<int> reads = 0;
+  mutable std::atomic<std::uint64_t> bytesRead = 0;
 
  private:
-  std::unique_ptr<platform::ByteSource> content_;
+  std::unique_ptr<const platform::ByteSource> content_;
   std::vector<BadPlace> bad_;
 };
 

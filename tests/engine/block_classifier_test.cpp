@@ -24,14 +24,14 @@ class BlockClassifierTest : public RunTest {
   }
 
   bool ClassifyAgain(forge::Bid bid) {
-    const auto storeKind = state_.storeKind;
+    const auto storeKind = Found().storeKind;
     Attach(image_.bytes, image_.format);
-    if (storeKind != StoreKind::kNone) state_.storeKind = storeKind;
-    state_.orphans.assign(1, {});
-    state_.orphanBlockCount = 0;
-    window_.emplace(state_);
+    if (storeKind != StoreKind::kNone) Found().storeKind = storeKind;
+    Found().orphans.assign(1, {});
+    Found().orphanBlockCount = 0;
+    window_.emplace(Found().source);
     const auto& placed = image_.Block(bid);
-    return ClassifyBlock(state_, *window_, {static_cast<std::uint32_t>(bid), placed.size, placed.offset});
+    return ClassifyBlock(scan_, *window_, {static_cast<std::uint32_t>(bid), placed.size, placed.offset});
   }
 
   forge::Image image_;
@@ -46,37 +46,37 @@ forge::Bytes Heap(std::uint16_t signature = 0xBCEC, std::size_t size = 100) {
 
 TEST_F(BlockClassifierTest, AHeapThatNoNodeRefersToIsListed) {
   EXPECT_TRUE(Classify(Heap()));
-  EXPECT_EQ(state_.orphanBlockCount, 1u);
-  ASSERT_EQ(state_.orphans.size(), 2u) << "it and the empty element at the end";
-  EXPECT_EQ(state_.orphans[0].bidData, 4u);
-  EXPECT_EQ(state_.orphans[0].bidSub, 0u);
-  EXPECT_EQ(state_.orphans[1].bidData, 0u);
+  EXPECT_EQ(Found().orphanBlockCount, 1u);
+  ASSERT_EQ(Found().orphans.size(), 2u) << "it and the empty element at the end";
+  EXPECT_EQ(Found().orphans[0].bidData, 4u);
+  EXPECT_EQ(Found().orphans[0].bidSub, 0u);
+  EXPECT_EQ(Found().orphans[1].bidData, 0u);
 }
 
 TEST_F(BlockClassifierTest, TheFirstHeapTellsTheEncoding) {
   for (const auto encoding : {forge::Encoding::kNone, forge::Encoding::kPermute, forge::Encoding::kCyclic}) {
     for (const Format format : {Format::kAnsi, Format::kUnicode}) {
-      state_.encodingUnknown = true;
-      state_.blockEncoding = CryptMethod::kNone;
+      scan_.encodingUnknown = true;
+      Found().blockEncoding = CryptMethod::kNone;
       EXPECT_TRUE(Classify(Heap(), {.format = format, .encoding = encoding}));
-      EXPECT_FALSE(state_.encodingUnknown);
-      EXPECT_EQ(static_cast<int>(state_.blockEncoding), static_cast<int>(encoding));
+      EXPECT_FALSE(scan_.encodingUnknown);
+      EXPECT_EQ(static_cast<int>(Found().blockEncoding), static_cast<int>(encoding));
     }
   }
 }
 
 TEST_F(BlockClassifierTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotListed) {
   EXPECT_FALSE(Classify(Heap(), {}, {.trailerSignature = std::uint16_t{0x1234}}));
-  EXPECT_TRUE(state_.encodingUnknown);
-  state_.encodingUnknown = false;
-  state_.blockEncoding = CryptMethod::kPermute;
+  EXPECT_TRUE(scan_.encodingUnknown);
+  scan_.encodingUnknown = false;
+  Found().blockEncoding = CryptMethod::kPermute;
   EXPECT_TRUE(ClassifyAgain(4)) << "but listed where the encoding is known";
 }
 
 TEST_F(BlockClassifierTest, TheTrailerOfA4kBlockIsNotWhereItIsLookedFor) {
-  state_.storeKind = StoreKind::kOst;
+  Found().storeKind = StoreKind::kOst;
   EXPECT_FALSE(Classify(Heap(), {.format = Format::kUnicode4k, .encoding = forge::Encoding::kNone}));
-  EXPECT_TRUE(state_.encodingUnknown);
+  EXPECT_TRUE(scan_.encodingUnknown);
 }
 
 TEST_F(BlockClassifierTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
@@ -87,36 +87,36 @@ TEST_F(BlockClassifierTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
     canvas.Number(64 + slot + 2, forge::Signature(64, 4), 2);
     canvas.Number(64 + slot + 8, 4, 8);
     Attach(canvas.bytes);
-    state_.encodingUnknown = true;
-    state_.orphans.assign(1, {});
-    SourceWindow window(state_);
-    ClassifyBlock(state_, window, {4, 112, 64});
-    EXPECT_EQ(state_.encodingUnknown, slot != 8272u);
+    scan_.encodingUnknown = true;
+    Found().orphans.assign(1, {});
+    SourceWindow window(Found().source);
+    ClassifyBlock(scan_, window, {4, 112, 64});
+    EXPECT_EQ(scan_.encodingUnknown, slot != 8272u);
   }
 }
 
 TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncoding) {
   NodeList nodes;
   nodes.Insert({0x21, 4, 6, 0});
-  state_.referencedIds.Build(nodes);
+  scan_.referencedIds.Build(nodes);
   EXPECT_FALSE(Classify(Heap()));
-  EXPECT_FALSE(state_.encodingUnknown);
-  EXPECT_EQ(state_.orphans.size(), 1u);
+  EXPECT_FALSE(scan_.encodingUnknown);
+  EXPECT_EQ(Found().orphans.size(), 1u);
 }
 
 TEST_F(BlockClassifierTest, ATableIsListedInAnOfflineStoreAlone) {
-  state_.encodingUnknown = false;
-  state_.blockEncoding = CryptMethod::kPermute;
+  scan_.encodingUnknown = false;
+  Found().blockEncoding = CryptMethod::kPermute;
   EXPECT_FALSE(Classify(Heap(0x7CEC)));
-  state_.storeKind = StoreKind::kOst;
+  Found().storeKind = StoreKind::kOst;
   EXPECT_TRUE(ClassifyAgain(4));
-  state_.storeKind = StoreKind::kPab;
+  Found().storeKind = StoreKind::kPab;
   EXPECT_FALSE(ClassifyAgain(4));
 }
 
 TEST_F(BlockClassifierTest, DataThatIsNoHeapIsNotListed) {
   EXPECT_FALSE(Classify(forge::Noise(100, 1)));
-  EXPECT_TRUE(state_.encodingUnknown);
+  EXPECT_TRUE(scan_.encodingUnknown);
 }
 
 class EveryFormatClassifierTest : public BlockClassifierTest, public testing::WithParamInterface<Format> {
@@ -133,9 +133,9 @@ class EveryFormatClassifierTest : public BlockClassifierTest, public testing::Wi
 TEST_P(EveryFormatClassifierTest, AListOfSubNodesIsListedOnlyWhereItsSizeIsThatOfItsEntries) {
   // A list is a head of one field's width and three fields an entry.
   EXPECT_TRUE(ClassifyList({{.nid = 0x671, .bidData = 8}, {.nid = 0x692, .bidData = 12}}));
-  EXPECT_EQ(state_.orphans[0].bidSub, 6u);
-  EXPECT_EQ(state_.orphans[0].bidData, 0u);
-  EXPECT_EQ(state_.orphanBlockCount, 1u);
+  EXPECT_EQ(Found().orphans[0].bidSub, 6u);
+  EXPECT_EQ(Found().orphans[0].bidData, 0u);
+  EXPECT_EQ(Found().orphanBlockCount, 1u);
   forge::Patch(image_, image_.Block(6).offset + 2, forge::Bytes{std::byte{3}});
   EXPECT_FALSE(ClassifyAgain(6)) << "a count of three";
 }
@@ -147,7 +147,7 @@ TEST_P(EveryFormatClassifierTest, AListThatDoesNotBeginWithTheAttachmentTableIsN
 TEST_P(EveryFormatClassifierTest, AListThatANodeRefersToIsNotListed) {
   NodeList nodes;
   nodes.Insert({0x21, 4, 6, 0});
-  state_.referencedIds.Build(nodes);
+  scan_.referencedIds.Build(nodes);
   EXPECT_FALSE(ClassifyList({{.nid = 0x671, .bidData = 8}}));
 }
 
@@ -156,9 +156,9 @@ INSTANTIATE_TEST_SUITE_P(Smart, EveryFormatClassifierTest,
 
 TEST_F(BlockClassifierTest, AnOffsetThatNoFileHasListsNothing) {
   Attach(forge::Bytes(100));
-  state_.encodingUnknown = false;
-  SourceWindow window(state_);
-  EXPECT_FALSE(ClassifyBlock(state_, window, {4, 100, 0xFFFFFFFFFFFFFFF0}));
+  scan_.encodingUnknown = false;
+  SourceWindow window(Found().source);
+  EXPECT_FALSE(ClassifyBlock(scan_, window, {4, 100, 0xFFFFFFFFFFFFFFF0}));
 }
 
 TEST_F(BlockClassifierTest, ASmartScanListsWhatTheNodesDoNotReferTo) {
@@ -169,12 +169,12 @@ TEST_F(BlockClassifierTest, ASmartScanListsWhatTheNodesDoNotReferTo) {
   image_ = box.Finish();
   Attach(image_.bytes);
   run_.smartScan = true;
-  ScanNodePages(state_, run_);
-  ScanBlockPages(state_, run_);
-  EXPECT_FALSE(state_.encodingUnknown);
-  EXPECT_EQ(state_.orphans.size(), state_.orphanBlockCount + 1);
+  ScanNodePages(scan_, run_);
+  ScanBlockPages(scan_, run_);
+  EXPECT_FALSE(scan_.encodingUnknown);
+  EXPECT_EQ(Found().orphans.size(), Found().orphanBlockCount + 1);
   const auto listed = [&](std::uint64_t bid) {
-    return std::any_of(state_.orphans.begin(), state_.orphans.end(),
+    return std::any_of(Found().orphans.begin(), Found().orphans.end(),
                        [&](const OrphanBlock& orphan) { return orphan.bidData == bid; });
   };
   EXPECT_TRUE(listed(lost));

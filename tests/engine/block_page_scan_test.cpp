@@ -22,8 +22,8 @@ class BlockPageScanTest : public RunTest {
   std::vector<BlockRecord> Scan(Format format = Format::kUnicode) {
     Attach(canvas_.bytes, format);
     run_.runAborted = false;
-    if (run_.smartScan) state_.orphans.assign(1, {});
-    ScanBlockPages(state_, run_);
+    if (run_.smartScan) Found().orphans.assign(1, {});
+    ScanBlockPages(scan_, run_);
     return IndexFileRecords();
   }
 
@@ -54,8 +54,8 @@ class EveryFormatBlockScanTest : public BlockPageScanTest, public testing::WithP
 
 TEST_P(EveryFormatBlockScanTest, TheEntriesOfAProvenPageAreRecordedSortedById) {
   EXPECT_EQ(ScanPage(TwoBlocks()), (std::vector<BlockRecord>{{8, 1, 64}, {12, 100, 0x400}}));
-  EXPECT_EQ(state_.blockRecordCount, 2u);
-  EXPECT_EQ(state_.index.Find(12), (BlockRecord{12, 100, 0x400}));
+  EXPECT_EQ(Found().blockRecordCount, 2u);
+  EXPECT_EQ(Found().index.Find(12), (BlockRecord{12, 100, 0x400}));
   EXPECT_FALSE(run_.runAborted);
 }
 
@@ -63,14 +63,14 @@ TEST_P(EveryFormatBlockScanTest, AnUnprovenPageIsData) {
   auto page = TwoBlocks();
   page.signature = 0x1234;
   ScanPage(page);
-  EXPECT_FALSE(state_.index.Find(12));
+  EXPECT_FALSE(Found().index.Find(12));
 }
 
 TEST_P(EveryFormatBlockScanTest, APageThatClaimsMoreEntriesThanItsLargestCountIsData) {
   auto page = TwoBlocks();
   page.maxCount = 1;
   ScanPage(page);
-  EXPECT_FALSE(state_.index.Find(12));
+  EXPECT_FALSE(Found().index.Find(12));
 }
 
 TEST_P(EveryFormatBlockScanTest, ThePitchIsThatOfABlockEntryWhateverThePageSays) {
@@ -79,14 +79,14 @@ TEST_P(EveryFormatBlockScanTest, ThePitchIsThatOfABlockEntryWhateverThePageSays)
   EXPECT_EQ(ScanPage(page).size(), 2u);
   page.entrySize = 20;
   ScanPage(page);
-  EXPECT_FALSE(state_.index.Find(12)) << "no size of an entry";
+  EXPECT_FALSE(Found().index.Find(12)) << "no size of an entry";
 }
 
 TEST_P(EveryFormatBlockScanTest, ThePagesOfTheNodeTreeAreData) {
   auto page = TwoBlocks();
   page.typeWord = 0x8181;
   ScanPage(page);
-  EXPECT_FALSE(state_.index.Find(12));
+  EXPECT_FALSE(Found().index.Find(12));
 }
 
 TEST_P(EveryFormatBlockScanTest, TheEntriesBehindTheFirstBadOneAreLost) {
@@ -97,7 +97,7 @@ TEST_P(EveryFormatBlockScanTest, TheEntriesBehindTheFirstBadOneAreLost) {
   for (const BlockEntry& entry : bad) {
     const auto good = [](std::uint64_t bid) { return BlockEntry{.bid = bid, .offset = 64, .size = 1}; };
     ScanPage(forge::BlockPage(GetParam(), {good(4), good(8), entry, good(12)}));
-    EXPECT_EQ(state_.blockRecordCount, 2u) << entry.bid << " " << entry.offset << " " << entry.size;
+    EXPECT_EQ(Found().blockRecordCount, 2u) << entry.bid << " " << entry.offset << " " << entry.size;
   }
 }
 
@@ -116,14 +116,14 @@ TEST_P(EveryFormatBlockScanTest, TheEntriesOfAnUpperPageFailTheTestsOfABlock) {
   const std::uint64_t child = 0x4C00;
   forge::Bytes entries = forge::FormEntry(GetParam(), forge::BranchEntry{8, 0x1233, child});
   ScanPage({.type = forge::PageType::kBlocks, .entries = entries, .level = 1});
-  EXPECT_EQ(state_.blockRecordCount, 0u) << "the offset of such an entry is a page id, no multiple of 16";
+  EXPECT_EQ(Found().blockRecordCount, 0u) << "the offset of such an entry is a page id, no multiple of 16";
 }
 
 TEST_P(EveryFormatBlockScanTest, TwoCopiesOfABlockGiveTwoRecordsOfWhichALookUpFindsOne) {
   ScanPage(forge::BlockPage(GetParam(), {{.bid = 4, .offset = 64, .size = 1}, {.bid = 4, .offset = 128, .size = 1}}));
-  EXPECT_EQ(state_.blockRecordCount, 2u);
+  EXPECT_EQ(Found().blockRecordCount, 2u);
   EXPECT_EQ(IndexFileRecords(), (std::vector<BlockRecord>{{4, 1, 64}, {4, 1, 128}})) << "in file order among equals";
-  EXPECT_EQ(state_.index.Find(4), (BlockRecord{4, 1, 64}));
+  EXPECT_EQ(Found().index.Find(4), (BlockRecord{4, 1, 64}));
 }
 
 TEST_P(EveryFormatBlockScanTest, FewerThanTwoRecordsAreRefused) {
@@ -139,8 +139,8 @@ TEST_P(EveryFormatBlockScanTest, ZerosHoldNothing) {
 
 TEST_P(EveryFormatBlockScanTest, ANormalScanListsNoOrphans) {
   ScanPage(TwoBlocks());
-  EXPECT_TRUE(state_.orphans.empty());
-  EXPECT_EQ(state_.orphanBlockCount, 0u);
+  EXPECT_TRUE(Found().orphans.empty());
+  EXPECT_EQ(Found().orphanBlockCount, 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scan, EveryFormatBlockScanTest,
@@ -165,14 +165,14 @@ TEST_F(BlockPageScanTest, EntriesPastThePageAreTakenFromWhatWasReadWithIt) {
   canvas_.bytes.resize(1'700'000);
   PutOverlongPage(canvas_, 18432 + 6 * 512);
   Scan();
-  EXPECT_EQ(state_.blockRecordCount, 32u);
+  EXPECT_EQ(Found().blockRecordCount, 32u);
 }
 
 TEST_F(BlockPageScanTest, EntriesPastWhatWasReadAreZeros) {
   canvas_.bytes.resize(1'700'000);
   PutOverlongPage(canvas_, 18432 + 7 * 512);
   Scan();
-  EXPECT_EQ(state_.blockRecordCount, 21u) << "the last page of a read of 4096 bytes";
+  EXPECT_EQ(Found().blockRecordCount, 21u) << "the last page of a read of 4096 bytes";
 }
 
 TEST_F(BlockPageScanTest, TheBoundOfASlotIsOneLessThanThatOfAnEntry) {
@@ -184,7 +184,7 @@ TEST_F(BlockPageScanTest, TheBoundOfASlotIsOneLessThanThatOfAnEntry) {
     const std::uint64_t slot = (block + size + 15) / 16 * 16;
     AnsiTrailer(slot, 0x24, size, forge::Signature(block, 0x24));
     Scan(Format::kAnsi);
-    EXPECT_EQ(state_.blockRecordCount, size == 65511 ? 1u : 0u) << size;
+    EXPECT_EQ(Found().blockRecordCount, size == 65511 ? 1u : 0u) << size;
   }
 }
 
@@ -196,9 +196,9 @@ TEST_F(BlockPageScanTest, AnAnsiBlockIsFoundByItsTrailerAlone) {
   forge::WipeTrees(image);
   canvas_.bytes = image.bytes;
   Scan(Format::kAnsi);
-  EXPECT_EQ(state_.index.Find(static_cast<std::uint32_t>(first)),
+  EXPECT_EQ(Found().index.Find(static_cast<std::uint32_t>(first)),
             (BlockRecord{static_cast<std::uint32_t>(first), 500, image.Block(first).offset}));
-  EXPECT_EQ(state_.index.Find(static_cast<std::uint32_t>(second)),
+  EXPECT_EQ(Found().index.Find(static_cast<std::uint32_t>(second)),
             (BlockRecord{static_cast<std::uint32_t>(second), 8000, image.Block(second).offset}));
 }
 
@@ -211,7 +211,7 @@ TEST_F(BlockPageScanTest, ATrailerWhoseBlockWouldBeginBeforeTheFileRecordsTheLas
   EXPECT_EQ(Scan(Format::kAnsi), (std::vector<BlockRecord>{{}})) << "none was recorded yet";
   canvas_.Page(Format::kAnsi, 18432, forge::BlockPage(Format::kAnsi, {{.bid = 4, .offset = 64, .size = 1}}));
   EXPECT_EQ(Scan(Format::kAnsi), (std::vector<BlockRecord>{{4, 1, 64}, {4, 1, 64}}));
-  EXPECT_EQ(state_.blockRecordCount, 2u);
+  EXPECT_EQ(Found().blockRecordCount, 2u);
 }
 
 TEST_F(BlockPageScanTest, ATrailerWhoseBlockWouldBeginBehindTheFileRecordsTheLastRecordAgain) {
@@ -220,7 +220,7 @@ TEST_F(BlockPageScanTest, ATrailerWhoseBlockWouldBeginBehindTheFileRecordsTheLas
   canvas_.Number(0x3FFEF, 0xAA, 1);
   canvas_.Number(0x3FFF8, 4, 4);
   EXPECT_EQ(Scan(), (std::vector<BlockRecord>{{4, 1, 64}, {4, 1, 64}}));
-  EXPECT_EQ(state_.blockRecordCount, 2u);
+  EXPECT_EQ(Found().blockRecordCount, 2u);
 }
 
 TEST_F(BlockPageScanTest, APageWithALargestCountOfZeroIsData) {
@@ -231,7 +231,7 @@ TEST_F(BlockPageScanTest, APageWithALargestCountOfZeroIsData) {
     canvas_.Number(place - 1, 0xAA, 1);
     AnsiTrailer(place, 0x24, 16, forge::Signature(place - 16, 0x24));
     Scan(Format::kAnsi);
-    EXPECT_EQ(state_.blockRecordCount, most == 0 ? 1u : 0u) << "slots are looked for in data alone";
+    EXPECT_EQ(Found().blockRecordCount, most == 0 ? 1u : 0u) << "slots are looked for in data alone";
   }
 }
 
@@ -245,7 +245,7 @@ TEST_F(BlockPageScanTest, ThePlacesTriedForATrailerGrowWithTheZerosBeforeIt) {
       canvas_.Number(slot - distance, 0xAA, 1);
       AnsiTrailer(slot, 0x24, 88, forge::Signature(slot - back, 0x24));
       Scan(Format::kAnsi);
-      if (state_.blockRecordCount != 0) places.push_back(back);
+      if (Found().blockRecordCount != 0) places.push_back(back);
     }
     return places;
   };
@@ -259,10 +259,10 @@ TEST_F(BlockPageScanTest, ASlotBehindNothingButZerosFromTheStartOfTheFileGivesNo
   const std::uint64_t slot = 18432;
   AnsiTrailer(slot, 0x24, 16, forge::Signature(slot - 16, 0x24));
   Scan(Format::kAnsi);
-  EXPECT_EQ(state_.blockRecordCount, 0u);
+  EXPECT_EQ(Found().blockRecordCount, 0u);
   canvas_.Number(slot - 1, 0xAA, 1);
   Scan(Format::kAnsi);
-  EXPECT_EQ(state_.blockRecordCount, 1u);
+  EXPECT_EQ(Found().blockRecordCount, 1u);
 }
 
 TEST_F(BlockPageScanTest, ASmartScanTriesThePageItselfAsABlockWithoutCountingIt) {
@@ -279,7 +279,7 @@ TEST_F(BlockPageScanTest, ASmartScanTriesThePageItselfAsABlockWithoutCountingIt)
   EXPECT_EQ(IndexFileRecords().size(), 2u);
   run_.smartScan = true;
   EXPECT_EQ(Scan(), (std::vector<BlockRecord>{{4, 100, 64}, {8, 100, 64}, {0x40, 100, read}, {0x40, 100, read}}));
-  EXPECT_EQ(state_.blockRecordCount, 2u);
+  EXPECT_EQ(Found().blockRecordCount, 2u);
 }
 
 TEST_F(BlockPageScanTest, WhatLiesBehind8196BytesOfABlockIsNotSeen) {
@@ -309,18 +309,18 @@ TEST_F(BlockPageScanTest, RecordsThatAreNotCountedSaveARunFromTheRefusal) {
   canvas_.Number(read + 108, 0x40, 4);
   run_.smartScan = true;
   Scan();
-  EXPECT_EQ(state_.blockRecordCount, 1u);
+  EXPECT_EQ(Found().blockRecordCount, 1u);
   EXPECT_FALSE(run_.runAborted);
 }
 
 TEST_F(BlockPageScanTest, ASmartScanForgetsTheReferencesAtItsEnd) {
   NodeList nodes;
   nodes.Insert({0x21, 4, 6, 0});
-  state_.referencedIds.Build(nodes);
+  scan_.referencedIds.Build(nodes);
   canvas_.Number(40000, 0, 1);
   run_.smartScan = true;
   Scan();
-  EXPECT_FALSE(state_.referencedIds.IsReferencedId(4));
+  EXPECT_FALSE(scan_.referencedIds.IsReferencedId(4));
 }
 
 TEST_F(BlockPageScanTest, InAWideStoreTrailersAreLookedForWhereTheIdsStand) {
@@ -330,14 +330,7 @@ TEST_F(BlockPageScanTest, InAWideStoreTrailersAreLookedForWhereTheIdsStand) {
   forge::WipeTrees(image);
   canvas_.bytes = image.bytes;
   Scan();
-  EXPECT_FALSE(state_.index.Find(static_cast<std::uint32_t>(bid)));
-}
-
-TEST_F(BlockPageScanTest, APercentIsThatOfTheNodesFromTheEndOfTheScanOn) {
-  state_.nodeCount = 299;
-  canvas_.Number(40000, 0, 1);
-  Scan();
-  EXPECT_EQ(state_.percentBase, 2u);
+  EXPECT_FALSE(Found().index.Find(static_cast<std::uint32_t>(bid)));
 }
 
 TEST_F(BlockPageScanTest, EachStepIsReportedBehindTheStage) {
@@ -354,13 +347,11 @@ TEST_F(BlockPageScanTest, A4kStoreAdvancesBy4096TooButBeginsLater) {
 }
 
 TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeMadeEndsTheRun) {
-  state_.outputFolder = folder_ / "missing";
-  state_.nodeCount = 300;
+  scan_.outputFolder = folder_ / "missing";
   canvas_.Number(40000, 0, 1);
   Scan();
   EXPECT_TRUE(run_.runAborted);
   EXPECT_EQ(recorder_.Notices(), (std::vector<NoticeKind>{NoticeKind::kNoIndexFile}));
-  EXPECT_EQ(state_.percentBase, 400u) << "still that of the file";
 }
 
 /// No file may grow while this lives, as on a full disk.
@@ -388,7 +379,7 @@ TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeWrittenEndsTheRun) {
   Attach(canvas_.bytes);
   {
     const FullDisk full;
-    ScanBlockPages(state_, run_);
+    ScanBlockPages(scan_, run_);
   }
   EXPECT_TRUE(run_.runAborted);
   EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNoIndexFile);
@@ -421,15 +412,15 @@ TEST_F(BlockPageScanTest, ChunksOf4000RecordsAreSortedEachByItself) {
               [](const BlockRecord& a, const BlockRecord& b) { return a.bid < b.bid; });
   }
   EXPECT_EQ(Scan(Format::kAnsi), expected);
-  EXPECT_EQ(state_.blockRecordCount, 8200u);
-  for (const BlockRecord& record : inFileOrder) ASSERT_EQ(state_.index.Find(record.bid), record);
+  EXPECT_EQ(Found().blockRecordCount, 8200u);
+  for (const BlockRecord& record : inFileOrder) ASSERT_EQ(Found().index.Find(record.bid), record);
 }
 
 TEST_F(BlockPageScanTest, AStopLeavesTheIndexFileWhereItIs) {
   canvas_.Number(40000, 0, 1);
   Attach(canvas_.bytes);
   run_.control.RequestStop();
-  EXPECT_THROW(ScanBlockPages(state_, run_), RunStopped);
+  EXPECT_THROW(ScanBlockPages(scan_, run_), RunStopped);
   EXPECT_TRUE(std::filesystem::exists(folder_ / "FirstTableItem.dat"));
   EXPECT_FALSE(run_.runAborted);
 }
@@ -480,10 +471,10 @@ TEST_F(BlockPageScanTest, AHeldScanThatIsResumedTellsTheSameAndFindsTheSame) {
 TEST_F(BlockPageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
   Attach(std::vector<std::byte>(40000));
   run_.runAborted = true;
-  ScanBlockPages(state_, run_);
+  ScanBlockPages(scan_, run_);
   run_.runAborted = false;
   run_.runEnded = true;
-  ScanBlockPages(state_, run_);
+  ScanBlockPages(scan_, run_);
   EXPECT_TRUE(recorder_.Stages().empty());
   EXPECT_FALSE(std::filesystem::exists(folder_ / "FirstTableItem.dat"));
 }

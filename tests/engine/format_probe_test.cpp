@@ -12,9 +12,9 @@ class FormatProbeTest : public RunTest {
 
   ProbeResult Probe() {
     Attach(canvas_.bytes);
-    state_.storeKind = StoreKind::kNone;
-    state_.layout = PageLayout{};
-    return ProbeFormat(state_, run_);
+    Found().storeKind = StoreKind::kNone;
+    Found().layout = Generation{};
+    return ProbeFormat(scan_, run_);
   }
 
   /// A page trailer of the ANSI or Unicode form that proves itself.
@@ -31,8 +31,8 @@ TEST_F(FormatProbeTest, AProvenTrailerTellsTheFormat) {
     canvas_.Number(8, 0x4D53, 2);
     Proven(kFirst + 1024, format);
     EXPECT_EQ(Probe(), ProbeResult::kFound);
-    EXPECT_EQ(state_.layout, LayoutOf(IdOf(format)));
-    EXPECT_EQ(state_.storeKind, StoreKind::kPst);
+    EXPECT_EQ(Found().layout, LayoutOf(IdOf(format)));
+    EXPECT_EQ(Found().storeKind, StoreKind::kPst);
   }
 }
 
@@ -40,7 +40,7 @@ TEST_F(FormatProbeTest, A4kPageIsKnownByItsCountersWithoutASignature) {
   canvas_.Page(forge::Format::kUnicode4k, 5 * 4096,
                {.type = forge::PageType::kBlocks, .maxCount = 169, .signature = 0});
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout, LayoutOf(FORMAT_UNICODE_4K));
+  EXPECT_EQ(Found().layout, LayoutOf(FORMAT_UNICODE_4K));
 }
 
 TEST_F(FormatProbeTest, A4kPageOfANodeTreeLeafIsNotKnownByItsCounters) {
@@ -52,7 +52,7 @@ TEST_F(FormatProbeTest, AProvenTrailerBehindA4kPageOfTheSameWindowWins) {
   canvas_.Page(forge::Format::kUnicode4k, kFirst + 512 - 3584, {.type = forge::PageType::kBlocks, .maxCount = 169});
   Proven(kFirst + 2048, forge::Format::kUnicode);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_UNICODE);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_UNICODE);
 }
 
 TEST_F(FormatProbeTest, AProvenTrailerAheadOfA4kPageEndsTheLook) {
@@ -60,14 +60,14 @@ TEST_F(FormatProbeTest, AProvenTrailerAheadOfA4kPageEndsTheLook) {
   canvas_.Number(kFirst + 1024 + 474, 169, 2);
   canvas_.Number(kFirst + 1024 + 488, 0x8080, 2);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_ANSI);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_ANSI);
 }
 
 TEST_F(FormatProbeTest, WithBothMarksAtOnePositionTheAnsiLayoutWins) {
   Proven(kFirst, forge::Format::kUnicode);
   canvas_.Number(kFirst + 500, 0x8080, 2);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_ANSI);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_ANSI);
 }
 
 TEST_F(FormatProbeTest, AMarkOfA4kTrailerGivesThePlaceOfTheSignatureButNotTheFormat) {
@@ -77,7 +77,7 @@ TEST_F(FormatProbeTest, AMarkOfA4kTrailerGivesThePlaceOfTheSignatureButNotTheFor
   canvas_.Number(kFirst + 4074, (kFirst ^ id) & 0xFFFF, 2);
   canvas_.Number(kFirst + 4080, id, 4);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_UNICODE);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_UNICODE);
 }
 
 TEST_F(FormatProbeTest, ASignatureOfZeroNeverProvesAPage) {
@@ -101,14 +101,14 @@ TEST_F(FormatProbeTest, AHeaderAloneGivesTheFormatByTheShapeOfItsRoots) {
   canvas_.Number(188, 0x00010000, 4);
   canvas_.Number(196, 0x00020400, 4);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_ANSI);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_ANSI);
   canvas_.Number(196, 0x00010010, 4);
   EXPECT_EQ(Probe(), ProbeResult::kRefused) << "a root offset ends in a zero byte";
   canvas_.Number(224, 0x00010000, 4);
   EXPECT_EQ(Probe(), ProbeResult::kRefused) << "both roots have to have the shape";
   canvas_.Number(240, 0x00010000, 4);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.layout.formatId, FORMAT_UNICODE);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_UNICODE);
 }
 
 TEST_F(FormatProbeTest, AStoreOfWhichOnlyTheHeaderIsIntactEndsInTheRefusalForTooFewBlocks) {
@@ -116,30 +116,30 @@ TEST_F(FormatProbeTest, AStoreOfWhichOnlyTheHeaderIsIntactEndsInTheRefusalForToo
   canvas_.Number(240, 0x4A00, 4);
   canvas_.Number(65535, 0, 1);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  ScanNodePages(state_, run_);
-  ScanBlockPages(state_, run_);
+  ScanNodePages(scan_, run_);
+  ScanBlockPages(scan_, run_);
   EXPECT_TRUE(run_.runAborted);
   EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNotValid);
-  EXPECT_EQ(state_.nodeCount, 1u);
-  EXPECT_EQ(state_.blockRecordCount, 0u);
+  EXPECT_EQ(Found().nodeCount, 1u);
+  EXPECT_EQ(Found().blockRecordCount, 0u);
 }
 
 TEST_F(FormatProbeTest, AnOfflineStoreIsTakenAndAnAddressBookRefused) {
   Proven(kFirst, forge::Format::kUnicode);
   canvas_.Number(8, 0x4F53, 2);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
-  EXPECT_EQ(state_.storeKind, StoreKind::kOst);
+  EXPECT_EQ(Found().storeKind, StoreKind::kOst);
   canvas_.Number(8, 0x4241, 2);
   EXPECT_EQ(Probe(), ProbeResult::kRefused);
-  EXPECT_EQ(state_.storeKind, StoreKind::kPab);
+  EXPECT_EQ(Found().storeKind, StoreKind::kPab);
   canvas_.Number(8, 0x1234, 2);
   EXPECT_EQ(Probe(), ProbeResult::kRefused);
-  EXPECT_EQ(state_.storeKind, StoreKind::kNone);
+  EXPECT_EQ(Found().storeKind, StoreKind::kNone);
 }
 
 TEST_F(FormatProbeTest, ARefusalShowsNothingItself) {
   canvas_.Number(8, 0x1234, 2);
-  Probe();
+  EXPECT_EQ(Probe(), ProbeResult::kRefused);
   EXPECT_EQ(recorder_.Stages(), (std::vector<std::uint32_t>{2}));
   EXPECT_FALSE(run_.runAborted);
 }
@@ -158,7 +158,7 @@ TEST_F(FormatProbeTest, ASourceOfLessThanAHundredBytesIsAllDone) {
 
 TEST_F(FormatProbeTest, AnEmptySourceIsRefused) {
   Attach({});
-  EXPECT_EQ(ProbeFormat(state_, run_), ProbeResult::kRefused);
+  EXPECT_EQ(ProbeFormat(scan_, run_), ProbeResult::kRefused);
 }
 
 TEST_F(FormatProbeTest, EachWindowWithoutAPageIsReported) {
@@ -170,13 +170,13 @@ TEST_F(FormatProbeTest, EachWindowWithoutAPageIsReported) {
 TEST_F(FormatProbeTest, TheWindowThatHoldsThePageIsNotReported) {
   canvas_.Number(kFirst + 4 * 4096, 0, 1);
   Proven(kFirst + 4096, forge::Format::kUnicode);
-  Probe();
+  EXPECT_EQ(Probe(), ProbeResult::kFound);
   EXPECT_EQ(recorder_.Percentages(Phase::kProbe).size(), 1u);
 }
 
 TEST_F(FormatProbeTest, ARunThatHasEndedIsLeftAlone) {
   run_.runEnded = true;
-  Probe();
+  EXPECT_EQ(Probe(), ProbeResult::kFound) << "nothing is refused then";
   EXPECT_TRUE(recorder_.Stages().empty());
 }
 

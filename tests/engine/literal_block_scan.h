@@ -7,14 +7,14 @@
 #include <vector>
 
 #include "engine/block_index.h"
-#include "engine/engine_state.h"
+#include "engine/store_scan.h"
 #include "forge/forge.h"
 
 namespace velmora::engine {
 
 class LiteralBlockScan {
  public:
-  LiteralBlockScan(forge::Bytes source, const PageLayout& layout, StoreKind kind, bool smart,
+  LiteralBlockScan(forge::Bytes source, const Generation& layout, StoreKind kind, bool smart,
                    std::set<std::uint32_t> referenced)
       : source_(std::move(source)), layout_(layout), kind_(kind), smart_(smart), referenced_(std::move(referenced)) {
     Scan();
@@ -208,7 +208,7 @@ class LiteralBlockScan {
   }
 
   Bytes source_;
-  PageLayout layout_;
+  Generation layout_;
   StoreKind kind_;
   bool smart_;
   std::set<std::uint32_t> referenced_;

@@ -121,18 +121,18 @@ class LiteralBlockScanTest : public RunTest, public testing::WithParamInterface<
   /// The engine's scan has to give what the plain one gives, to the byte. Returns the records.
   std::vector<BlockRecord> Compare(const forge::Bytes& bytes, StoreKind kind, bool smart) {
     Attach(bytes, GetParam());
-    state_.storeKind = kind;
+    Found().storeKind = kind;
     run_.smartScan = smart;
     run_.runAborted = false;
-    state_.blockEncoding = CryptMethod::kNone;
-    state_.encodingUnknown = true;
+    Found().blockEncoding = CryptMethod::kNone;
+    scan_.encodingUnknown = true;
     NodeList nodes;
     nodes.Insert({0x21, 8, 12, 0});
-    state_.referencedIds.Build(nodes);
-    state_.orphans.assign(smart ? 1 : 0, {});
-    ScanBlockPages(state_, run_);
+    scan_.referencedIds.Build(nodes);
+    Found().orphans.assign(smart ? 1 : 0, {});
+    ScanBlockPages(scan_, run_);
 
-    const LiteralBlockScan plain(bytes, state_.layout, kind, smart, {8, 12});
+    const LiteralBlockScan plain(bytes, Found().layout, kind, smart, {8, 12});
     auto expected = plain.records;
     for (std::size_t at = 0; at < expected.size(); at += 4000) {
       const std::span chunk = std::span(expected).subspan(at, std::min<std::size_t>(4000, expected.size() - at));
@@ -140,14 +140,14 @@ class LiteralBlockScanTest : public RunTest, public testing::WithParamInterface<
                        [](const BlockRecord& a, const BlockRecord& b) { return a.bid < b.bid; });
     }
     EXPECT_EQ(IndexFileRecords(), expected);
-    EXPECT_EQ(state_.blockRecordCount, plain.recordCount);
+    EXPECT_EQ(Found().blockRecordCount, plain.recordCount);
     repeats_ += plain.repeats;
-    EXPECT_EQ(state_.orphanBlockCount, plain.orphans.size());
-    EXPECT_EQ(state_.encodingUnknown, plain.encodingUnknown);
-    EXPECT_EQ(static_cast<int>(state_.blockEncoding), plain.encoding);
-    for (std::size_t i = 0; i < plain.orphans.size() && i < state_.orphans.size(); ++i) {
-      EXPECT_EQ(state_.orphans[i].bidData, plain.orphans[i].bidData);
-      EXPECT_EQ(state_.orphans[i].bidSub, plain.orphans[i].bidSub);
+    EXPECT_EQ(Found().orphanBlockCount, plain.orphans.size());
+    EXPECT_EQ(scan_.encodingUnknown, plain.encodingUnknown);
+    EXPECT_EQ(static_cast<int>(Found().blockEncoding), plain.encoding);
+    for (std::size_t i = 0; i < plain.orphans.size() && i < Found().orphans.size(); ++i) {
+      EXPECT_EQ(Found().orphans[i].bidData, plain.orphans[i].bidData);
+      EXPECT_EQ(Found().orphans[i].bidSub, plain.orphans[i].bidSub);
     }
     return expected;
   }
@@ -162,8 +162,8 @@ TEST_P(LiteralBlockScanTest, TheScanFindsWhatThePlainScanFinds) {
     const Canvas rubble = Rubble(GetParam(), seed).Make(260'000);
     for (const bool smart : {false, true}) {
       Compare(rubble.bytes, seed % 2 == 0 ? StoreKind::kPst : StoreKind::kOst, smart);
-      records += state_.blockRecordCount;
-      orphans += state_.orphanBlockCount;
+      records += Found().blockRecordCount;
+      orphans += Found().orphanBlockCount;
     }
   }
   // The rubble is worth something only if all routes are taken.

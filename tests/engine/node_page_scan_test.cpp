@@ -11,8 +11,8 @@ class NodePageScanTest : public RunTest {
  protected:
   std::vector<NodeRecord> Scan(Format format = Format::kUnicode) {
     Attach(canvas_.bytes, format);
-    ScanNodePages(state_, run_);
-    return state_.nodes.Records();
+    ScanNodePages(scan_, run_);
+    return Found().nodes.Records();
   }
 
   Canvas canvas_;
@@ -26,7 +26,7 @@ class EveryFormatNodeScanTest : public NodePageScanTest, public testing::WithPar
 TEST_P(EveryFormatNodeScanTest, TheEntriesOfAPageAreKept) {
   canvas_.Page(GetParam(), PlaceOf(GetParam()), forge::NodePage(GetParam(), {{0x21, 4, 0, 0}, {0x122, 8, 14, 0x122}}));
   EXPECT_EQ(Scan(GetParam()), (std::vector<NodeRecord>{{0x21, 4, 0, 0}, {0x122, 8, 14, 0x122}}));
-  EXPECT_EQ(state_.nodeCount, 3u) << "the end of the scan adds one";
+  EXPECT_EQ(Found().nodeCount, 3u) << "the end of the scan adds one";
 }
 
 TEST_P(EveryFormatNodeScanTest, AnUnprovenPageOfTheExactEntrySizeIsRead) {
@@ -146,8 +146,8 @@ TEST_F(NodePageScanTest, TheLastEntryOfA4kPageReachesIntoItsTrailer) {
   const auto nodes = Scan(Format::kUnicode4k);
   ASSERT_FALSE(nodes.empty());
   EXPECT_EQ(nodes.back().nid, 0x99u);
-  EXPECT_EQ(nodes.back().bidData, 0x00128181u);
-  EXPECT_EQ(nodes.back().bidSub, 0x31u) << "the page id";
+  EXPECT_EQ(LowBid(nodes.back().bidData), 0x00128181u);
+  EXPECT_EQ(LowBid(nodes.back().bidSub), 0x31u) << "the page id";
   EXPECT_EQ(nodes.back().nidParent, 1u);
 }
 
@@ -156,7 +156,7 @@ TEST_F(NodePageScanTest, TheSamePageSeenTwiceLeavesOneRecordWhereEqualsMeet) {
   canvas_.Page(Format::kUnicode, 18432, page);
   canvas_.Page(Format::kUnicode, 18432 + 4096, page);
   EXPECT_EQ(Scan(), (std::vector<NodeRecord>{{1, 4, 6, 0}}));
-  EXPECT_EQ(state_.nodeCount, 2u);
+  EXPECT_EQ(Found().nodeCount, 2u);
 }
 
 TEST_F(NodePageScanTest, TheSamePageOfTwoNodesWithoutSubNodesSeenTwiceLeavesFour) {
@@ -174,7 +174,7 @@ TEST_F(NodePageScanTest, A4kPageStandsAtAMultipleOf4096Only) {
 TEST_F(NodePageScanTest, AFileWithoutANodePageCountsOneNode) {
   canvas_.Number(40000, 0, 1);
   EXPECT_TRUE(Scan().empty());
-  EXPECT_EQ(state_.nodeCount, 1u);
+  EXPECT_EQ(Found().nodeCount, 1u);
 }
 
 TEST_F(NodePageScanTest, EachReadIsReportedBehindItsStage) {
@@ -193,14 +193,14 @@ TEST_F(NodePageScanTest, A4kStoreIsReadIn65536Bytes) {
 TEST_F(NodePageScanTest, OnlyASmartScanListsReferencesAndStartsTheOrphans) {
   canvas_.Page(Format::kUnicode, 18432, forge::NodePage(Format::kUnicode, {{1, 4, 6, 0}}));
   Scan();
-  EXPECT_FALSE(state_.referencedIds.IsReferencedId(4));
-  EXPECT_TRUE(state_.orphans.empty());
+  EXPECT_FALSE(scan_.referencedIds.IsReferencedId(4));
+  EXPECT_TRUE(Found().orphans.empty());
   run_.smartScan = true;
   Scan();
-  EXPECT_TRUE(state_.referencedIds.IsReferencedId(4));
-  ASSERT_EQ(state_.orphans.size(), 1u);
-  EXPECT_EQ(state_.orphans[0].bidData, 0u);
-  EXPECT_EQ(state_.orphans[0].bidSub, 0u);
+  EXPECT_TRUE(scan_.referencedIds.IsReferencedId(4));
+  ASSERT_EQ(Found().orphans.size(), 1u);
+  EXPECT_EQ(Found().orphans[0].bidData, 0u);
+  EXPECT_EQ(Found().orphans[0].bidSub, 0u);
 }
 
 TEST_F(NodePageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
@@ -211,7 +211,7 @@ TEST_F(NodePageScanTest, ARunThatEndedOrFailedIsLeftAlone) {
   run_.runEnded = true;
   EXPECT_TRUE(Scan().empty());
   EXPECT_TRUE(recorder_.Stages().empty());
-  EXPECT_EQ(state_.nodeCount, 0u);
+  EXPECT_EQ(Found().nodeCount, 0u);
 }
 
 TEST_F(NodePageScanTest, AStopLeavesAtOnce) {

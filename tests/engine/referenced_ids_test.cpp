@@ -38,8 +38,8 @@ TEST(ReferencedIdsTest, EveryIdOfATableOfWholeChunksIsFound) {
   for (std::uint32_t i = 0; i < 4000; ++i) nodes.push_back({i + 1, 9000 - 2 * i, 9001 - 2 * i, 0});
   const ReferencedIds ids = IdsOf(nodes);
   for (const NodeRecord& node : nodes) {
-    ASSERT_TRUE(ids.IsReferencedId(node.bidData));
-    ASSERT_TRUE(ids.IsReferencedId(node.bidSub));
+    ASSERT_TRUE(ids.IsReferencedId(LowBid(node.bidData)));
+    ASSERT_TRUE(ids.IsReferencedId(LowBid(node.bidSub)));
   }
   EXPECT_FALSE(ids.IsReferencedId(1001));
   EXPECT_FALSE(ids.IsReferencedId(9002));

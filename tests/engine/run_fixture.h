@@ -15,9 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/block_index.h"
-#include "engine/engine_state.h"
 #include "engine/run.h"
+#include "engine/store_scan.h"
 #include "forge/forge.h"
 #include "platform/memory_file.h"
 
@@ -90,16 +89,32 @@ class RunTest : public testing::Test {
     std::string name = (std::filesystem::temp_directory_path() / "velmora-engine-test-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
     folder_ = name;
-    state_.outputFolder = folder_;
+    scan_.outputFolder = folder_;
   }
   ~RunTest() override { std::filesystem::remove_all(folder_); }
 
   /// The bytes are the source from now on, of a personal store of that format.
   void Attach(std::vector<std::byte> bytes, forge::Format format = forge::Format::kUnicode) {
-    state_.percentBase = bytes.size() / 100;
-    state_.storeKind = StoreKind::kPst;
-    state_.layout = LayoutOf(IdOf(format));
-    state_.source = std::make_unique<platform::MemoryFile>(std::move(bytes));
+    scan_.percentBase = bytes.size() / 100;
+    Found().storeKind = StoreKind::kPst;
+    Found().layout = LayoutOf(IdOf(format));
+    Found().source.Open(std::make_unique<platform::MemoryFile>(std::move(bytes)));
+  }
+
+  /// What the scans have found so far.
+  ScannedStore& Found() { return *scan_.found; }
+  const ScannedStore& Found() const { return *scan_.found; }
+
+  /// Takes blocks into the index and settles it.
+  void Index(const std::vector<BlockRecord>& records) {
+    Found().index.Add(Placed(records));
+    Found().index.Settle(Found().source, Found().layout, run_);
+  }
+
+  static std::vector<PlacedBlock> Placed(std::span<const BlockRecord> records) {
+    std::vector<PlacedBlock> blocks;
+    for (const BlockRecord& record : records) blocks.emplace_back(record.bid, record.size, record.offset);
+    return blocks;
   }
 
   /// The index file, read back.
@@ -119,14 +134,14 @@ class RunTest : public testing::Test {
   std::filesystem::path folder_;
   Recorder recorder_;
   RunContext run_;
-  EngineState state_;
+  StoreScan scan_;
 };
 
 inline void PrintTo(const BlockRecord& record, std::ostream* out) {
   *out << "{bid " << record.bid << ", size " << record.size << ", offset " << record.offset << "}";
 }
 inline void PrintTo(const NodeRecord& node, std::ostream* out) {
-  *out << "{" << node.nid << ", " << node.bidData << ", " << node.bidSub << ", " << node.nidParent << "}";
+  *out << "{" << node.nid << ", " << Value(node.bidData) << ", " << Value(node.bidSub) << ", " << node.nidParent << "}";
 }
 
 }  // namespace velmora::engine

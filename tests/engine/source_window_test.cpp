@@ -15,11 +15,11 @@ class SourceWindowTest : public RunTest {
   const BadDisk& AttachDisk(std::vector<std::byte> bytes, std::vector<BadPlace> bad = {}) {
     auto disk = std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(std::move(bytes)), std::move(bad));
     const BadDisk& observed = *disk;
-    state_.source = std::move(disk);
+    Found().source.Open(std::move(disk));
     return observed;
   }
 
-  SourceWindow window_{state_};
+  SourceWindow window_{Found().source};
 };
 
 TEST_F(SourceWindowTest, AWalkReadsLargePiecesWhateverItLooksAt) {
@@ -59,9 +59,9 @@ TEST_F(SourceWindowTest, APieceThatCannotBeReadCountsAsZerosAndHidesNothingBehin
   auto expected = bytes;
   std::fill_n(expected.begin() + 49152, 4096, std::byte{0});
   EXPECT_TRUE(std::equal(expected.begin(), expected.end(), read.Bytes().begin()));
-  ASSERT_TRUE(state_.readFailure);
-  EXPECT_EQ(state_.readFailure->message, "bad sector");
-  EXPECT_EQ(state_.badRanges.Ranges(), (std::map<std::uint64_t, std::uint64_t>{{49152, 53248}}));
+  ASSERT_TRUE(Found().source.FirstFailure());
+  EXPECT_EQ(Found().source.FirstFailure()->message, "bad sector");
+  EXPECT_EQ(Found().source.Unread().Ranges(), (std::map<std::uint64_t, std::uint64_t>{{49152, 53248}}));
 }
 
 TEST_F(SourceWindowTest, APeekAtABadPlaceKeepsWhatLiesAroundIt) {
@@ -79,8 +79,8 @@ TEST_F(SourceWindowTest, EveryBadPlaceIsKeptOnceHoweverOftenItIsRead) {
   window_.Read(0, 300'000);
   window_.Peek(2'000, 298'000);
   std::vector<std::byte> block(8192);
-  ReadFromSource(state_, 199'000, block);
-  EXPECT_EQ(state_.badRanges.Ranges(),
+  EXPECT_FALSE(Found().source.Read(199'000, block));
+  EXPECT_EQ(Found().source.Unread().Ranges(),
             (std::map<std::uint64_t, std::uint64_t>{{28'672, 36'864}, {196'608, 200'704}, {299'008, 300'000}}));
 }
 
@@ -89,16 +89,16 @@ TEST_F(SourceWindowTest, AScanGoesOnBehindABadSector) {
   canvas.Page(forge::Format::kUnicode, 18432, forge::NodePage(forge::Format::kUnicode, {{1, 4, 0, 0}}));
   canvas.Page(forge::Format::kUnicode, 18432 + 9 * 4096, forge::NodePage(forge::Format::kUnicode, {{2, 4, 0, 0}}));
   AttachDisk(canvas.bytes, {{30'000, 30'100}});
-  state_.layout = LayoutOf(FORMAT_UNICODE);
-  ScanNodePages(state_, run_);
-  EXPECT_EQ(state_.nodes.Records(), (std::vector<NodeRecord>{{1, 4, 0, 0}, {2, 4, 0, 0}}));
+  Found().layout = LayoutOf(FORMAT_UNICODE);
+  ScanNodePages(scan_, run_);
+  EXPECT_EQ(Found().nodes.Records(), (std::vector<NodeRecord>{{1, 4, 0, 0}, {2, 4, 0, 0}}));
 }
 
 TEST_F(SourceWindowTest, ASourceThatCannotBeReadAtAllEndsTheScans) {
   AttachDisk(std::vector<std::byte>(100'000), {{0, 100'000}});
-  EXPECT_EQ(ProbeFormat(state_, run_), ProbeResult::kRefused);
-  ScanNodePages(state_, run_);
-  EXPECT_TRUE(state_.nodes.Records().empty());
+  EXPECT_EQ(ProbeFormat(scan_, run_), ProbeResult::kRefused);
+  ScanNodePages(scan_, run_);
+  EXPECT_TRUE(Found().nodes.Records().empty());
 }
 
 TEST(ZeroRunsTest, FindTheNextAndTheLastByteThatIsNotZeroAtEveryDistance) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/block_reader.h"
+#include "engine/index_file.h"
 #include "engine/steps.h"
 #include "platform/memory_file.h"
 
@@ -36,24 +37,25 @@ void Require(bool holds) {
 }
 
 /// What has to hold after the scans, whatever the bytes were.
-void CheckState(const EngineState& state, bool smart) {
-  const auto& nodes = state.nodes.Records();
-  Require(state.nodeCount == nodes.size() + 1);
+void CheckStore(const ScannedStore& store, bool smart, std::uintmax_t indexFileBytes) {
+  const auto& nodes = store.nodes.Records();
+  Require(store.nodeCount == nodes.size() + 1);
   Require(std::is_sorted(nodes.begin(), nodes.end(),
-                         [](const NodeRecord& a, const NodeRecord& b) { return a.bidSub < b.bidSub; }));
+                         [](const NodeRecord& a, const NodeRecord& b) { return LowBid(a.bidSub) < LowBid(b.bidSub); }));
   Require(std::adjacent_find(nodes.begin(), nodes.end()) == nodes.end());
-  Require(state.orphans.size() == (smart ? state.orphanBlockCount + 1 : 0));
-  const auto bytes = std::filesystem::file_size(state.outputFolder / state.indexFileName);
-  Require(bytes % 16 == 0 && bytes / 16 >= state.blockRecordCount);
+  Require(store.orphans.size() == (smart ? store.orphanBlockCount + 1 : 0));
+  Require(indexFileBytes % 16 == 0 && indexFileBytes / 16 >= store.blockRecordCount);
 }
 
-/// Every block that a node names, as the recovery reads it.
-void ReadBlocks(EngineState& state) {
-  BlockReader reader(state);
-  for (const NodeRecord& node : state.nodes.Records()) {
-    const auto block = reader.FindBlockOrLower(node.bidData);
+/// Every block that a node names, as the recovery reads it, and as it is read where it has to be whole.
+void ReadBlocks(const ScannedStore& store) {
+  const BlockReader reader(store);
+  Bytes whole;
+  for (const NodeRecord& node : store.nodes.Records()) {
+    if (store.ReadBlock(node.bidData, whole)) Require(whole.size() <= 65535);
+    Require(node.upperPage || store.FindNode(Nid{node.nid}).has_value());
+    const auto block = reader.FindBlockOrLower(LowBid(node.bidData));
     if (!block) continue;
-    if (state.encodingUnknown) state.encodingUnknown = !reader.DetectEncoding(block->bid, block->offset, block->size);
     auto bytes = reader.ReadChunk(block->offset, block->size);
     if (!bytes) continue;
     Require(bytes->size() == block->size);
@@ -67,19 +69,20 @@ void RunScans(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool 
   static const Folder folder;
   RunContext run;
   run.smartScan = smart;
-  EngineState state;
-  state.outputFolder = folder.Path();
-  state.percentBase = bytes.size() / 100;
-  state.source = std::make_unique<platform::MemoryFile>(bytes);
-  if (ProbeFormat(state, run) == ProbeResult::kRefused) {
+  StoreScan scan;
+  scan.outputFolder = folder.Path();
+  scan.percentBase = bytes.size() / 100;
+  scan.found->source.Open(std::make_unique<platform::MemoryFile>(bytes));
+  if (ProbeFormat(scan, run) == ProbeResult::kRefused) {
     if (formatId == 0) return;
-    state.storeKind = StoreKind::kOst;
-    state.layout = LayoutOf(formatId);
+    scan.found->storeKind = StoreKind::kOst;
+    scan.found->layout = LayoutOf(formatId);
   }
-  ScanNodePages(state, run);
-  ScanBlockPages(state, run);
-  CheckState(state, smart);
-  ReadBlocks(state);
+  ScanNodePages(scan, run);
+  ScanBlockPages(scan, run);
+  const auto store = FinishScan(scan, run);
+  CheckStore(*store, smart, std::filesystem::file_size(folder.Path() / kIndexFileName));
+  ReadBlocks(*store);
 }
 
 }  // namespace

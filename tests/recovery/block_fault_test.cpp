@@ -43,7 +43,7 @@ TEST_F(BlockFaultTest, ABlockThatTheSystemCannotReadCouldNotBeRead) {
   RecoverFolders(state_, engine_, run_);
   auto source = std::make_unique<Unreadable>(Bytes(100000));
   source->badOffset = std::stoull(OffsetOf(bid));
-  engine_.source = std::move(source);
+  engine_.source.Open(std::move(source));
   RecoverOrphans(state_, engine_, run_);
   ASSERT_EQ(state_.report.lost.size(), 1u);
   EXPECT_EQ(text::ToUtf8(state_.report.lost[0].reason),
@@ -55,7 +55,7 @@ TEST_F(BlockFaultTest, ABlockBehindTheEndOfTheSourceIsCutOff) {
   AddNode(0x200024, bid, 0, kInbox);
   Settle();
   RecoverFolders(state_, engine_, run_);
-  engine_.source = std::make_unique<platform::MemoryFile>(Bytes(std::stoull(OffsetOf(0x40)) + 20));
+  engine_.source.Open(std::make_unique<platform::MemoryFile>(Bytes(std::stoull(OffsetOf(0x40)) + 20)));
   RecoverOrphans(state_, engine_, run_);
   ASSERT_EQ(state_.report.lost.size(), 1u);
   EXPECT_EQ(text::ToUtf8(state_.report.lost[0].reason),

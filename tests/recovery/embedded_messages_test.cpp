@@ -99,9 +99,9 @@ TEST_F(EmbeddedMessagesTest, AnyOtherFileNameMakesAFileOfIt) {
 
 TEST_F(EmbeddedMessagesTest, AnsiEntriesAreReadAtTheirOwnPlaces) {
   UseFormat(FORMAT_ANSI, StoreKind::kPst);
-  AddNodeOf(Message(u"outer", {Holding(0x8025, Message(u"inner"), u"shown")}));
+  const Block outer = Message(u"outer", {Holding(0x8025, Message(u"inner"), u"shown")});
+  AddNode(0x200024, outer.bidData, outer.bidSub, 0x8062);
   AddFolder(0x8062, kTop, u"Ansi");
-  engine_.nodes.Records()[engine_.nodes.Records().size() - 2].nidParent = 0x8062;
   Recover();
   EXPECT_THAT(Closing(), Contains(R"({"op":"AddAttachment","id":1,"name":"shown","item":2})"));
 }

@@ -126,8 +126,8 @@ TEST_F(FolderLossesTest, ASubFolderThatMovesToTheTopMayMergeThere) {
 }
 
 TEST_F(FolderLossesTest, WhatAnUpperPageOfTheNodeTreeIsReadAsIsNoLoss) {
-  engine_.nodes.Insert({.nid = 0x200024, .bidData = 0x7774, .nidParent = kInbox, .upperPage = true});
-  engine_.nodes.Insert({.nid = 0x8062, .bidData = 0x7774, .nidParent = kTop, .upperPage = true});
+  engine_.nodes.Insert({0x200024, 0x7774, 0, kInbox, true});
+  engine_.nodes.Insert({0x8062, 0x7774, 0, kTop, true});
   engine_.nodeCount += 2;
   EXPECT_THAT(Lost(), IsEmpty());
   EXPECT_EQ(state_.report.skipped[SkipReason::kNoBlock], 3u) << "counted like every node that gave nothing";
@@ -136,7 +136,7 @@ TEST_F(FolderLossesTest, WhatAnUpperPageOfTheNodeTreeIsReadAsIsNoLoss) {
 TEST_F(FolderLossesTest, WhatAnItemLacksThatAnUpperPageLeadsToIsNoLossBesides) {
   const std::uint32_t bid =
       AddBlock(NewBid(), HeapBlock({Wide(0x001A, u"IPM.Note"), Value(0x1000, 0x1F, 0x803F), Value(0x0E07, 3, 0x11)}));
-  engine_.nodes.Insert({.nid = 0x41, .bidData = bid, .bidSub = 0x7776, .nidParent = kInbox, .upperPage = true});
+  engine_.nodes.Insert({0x41, bid, 0x7776, kInbox, true});
   ++engine_.nodeCount;
   EXPECT_THAT(Lost(), IsEmpty());
   EXPECT_EQ(Trace("Save").size(), 1u) << "the rules make an item of it all the same";

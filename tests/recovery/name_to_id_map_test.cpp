@@ -44,7 +44,7 @@ class NameMapTest : public RecoveryTest {
 
   void Read(std::uint32_t bidData, std::uint32_t bidSub = 0) {
     Settle();
-    NameMapReader(engine_, map_).ReadNameToIdMap(bidData, bidSub);
+    NameMapReader(engine_, map_).ReadNameToIdMap(bidData, bidSub, engine_.blockEncoding);
   }
 
   NamedPropMap map_;
@@ -240,11 +240,9 @@ TEST_F(NameMapTest, ACopyOfTheNodeIsReadAgainOnceTheEncodingIsKnown) {
   Settle();
 
   NameMapReader reader(engine_, map_);
-  engine_.blockEncoding = CryptMethod::kNone;
-  reader.ReadNameToIdMap(8, 0);
+  reader.ReadNameToIdMap(8, 0, CryptMethod::kNone);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8001u);
-  engine_.blockEncoding = CryptMethod::kPermute;
-  reader.ReadNameToIdMap(8, 0);
+  reader.ReadNameToIdMap(8, 0, CryptMethod::kPermute);
   EXPECT_EQ(map_.TranslateNamedId(0x8001), 0x8503u);
 }
 

@@ -18,7 +18,7 @@ class PropertyContextTest : public RecoveryTest {
   Bytes Read(std::uint32_t bid, const ContextRules& rules) {
     Settle();
     const engine::BlockReader blocks(engine_);
-    return ReadHeapBlock(engine_, *blocks.FindBlock(bid), bid, rules).value();
+    return ReadHeapBlock(engine_, engine_.blockEncoding, *blocks.FindBlock(bid), bid, rules).value();
   }
 
   const Bytes sound_ = HeapBlock({Value(0x0E08, 3, 77), Wide(0x3001, u"Name")});

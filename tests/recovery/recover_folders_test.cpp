@@ -7,6 +7,19 @@ using engine::StoreKind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// A name-to-id map in which 0x8001 stands for 0x8503.
+Bytes MapOfOneName() {
+  Bytes bucket;
+  for (int i = 0; i < 2; ++i) {
+    AppendNumber<std::uint32_t>(bucket, 0x8503);
+    AppendNumber<std::uint16_t>(bucket, 0);
+    AppendNumber<std::uint16_t>(bucket, 1);
+  }
+  std::vector<RecordSpec> specs = {Data(2, 0x0102, Bytes(16)), Data(0x1000, 0x0102, bucket)};
+  while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
+  return HeapBlock(specs);
+}
+
 class RecoverFoldersTest : public RecoveryTest {
  protected:
   void Folders() {
@@ -25,7 +38,10 @@ class RecoverFoldersTest : public RecoveryTest {
 
   std::vector<std::uint32_t> NodesLeft() const {
     std::vector<std::uint32_t> nids;
-    for (const auto& node : engine_.nodes.Records()) nids.push_back(node.nid);
+    const auto& nodes = engine_.nodes.Records();
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      if (!state_.usedNodes.IsUnlinked(i)) nids.push_back(nodes[i].nid);
+    }
     return nids;
   }
 };
@@ -64,7 +80,7 @@ TEST_F(RecoverFoldersTest, ANodeWithoutAParentIsTakenOutWhateverItIs) {
   Folders();
   EXPECT_THAT(Recovered(), IsEmpty());
   EXPECT_THAT(NodesLeft(), ElementsAre(0x21));
-  EXPECT_EQ(engine_.nodeCount, 1u);
+  EXPECT_EQ(state_.usedNodes.Left(engine_), 1u);
 }
 
 TEST_F(RecoverFoldersTest, AFolderThatIsItsOwnParentIsNone) {
@@ -82,7 +98,7 @@ TEST_F(RecoverFoldersTest, TheFirstElementOfTheListStaysLinkedThoughItIsCountedO
   Folders();
   EXPECT_EQ(Recovered().size(), 2u);
   EXPECT_THAT(NodesLeft(), ElementsAre(0x8042));
-  EXPECT_EQ(engine_.nodeCount, 0u);
+  EXPECT_EQ(state_.usedNodes.Left(engine_), 0u);
 }
 
 TEST_F(RecoverFoldersTest, AnEmptyNameIsNoFolderAndItsNodeStays) {
@@ -185,37 +201,44 @@ TEST_F(RecoverFoldersTest, WithoutATopFolderItsIdentifierStaysZero) {
 }
 
 TEST_F(RecoverFoldersTest, TheNameMapIsReadThoughItsNodeFailsAllTestsOfAFolder) {
-  Bytes bucket;
-  for (int i = 0; i < 2; ++i) {
-    AppendNumber<std::uint32_t>(bucket, 0x8503);
-    AppendNumber<std::uint16_t>(bucket, 0);
-    AppendNumber<std::uint16_t>(bucket, 1);
-  }
-  std::vector<RecordSpec> specs = {Data(2, 0x0102, Bytes(16)), Data(0x1000, 0x0102, bucket)};
-  while (specs.size() < 60) specs.push_back(Value(1, 3, 0));
   AddNode(0x21, 0, 0, 0x22);
-  AddNode(0x61, AddBlock(0x40, HeapBlock(specs)), 0, 0);
+  AddNode(0x61, AddBlock(0x40, MapOfOneName()), 0, 0);
   Folders();
   EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8503u);
   EXPECT_THAT(NodesLeft(), ElementsAre(0x21));
 }
 
-TEST_F(RecoverFoldersTest, TheEncodingIsDetectedOnTheFirstBlockThatShowsOne) {
-  engine_.encodingUnknown = true;
-  AddNode(0x21, AddBlock(0x40, BytesOf("none of the three ways")), 0, 0x22);
-  AddFolder(0x8042, 0x122, u"Inbox");
+TEST_F(RecoverFoldersTest, WhatStandsAheadOfTheNodeThatToldTheEncodingIsNoFolder) {
+  AddNode(0x21, 0, 0, 0x22);
+  AddFolder(0x8042, 0x8062, u"Inbox");
+  AddFolder(0x8062, 0x122, u"Sent");
+  engine_.encodingToldBy = 2;
   Folders();
-  EXPECT_FALSE(engine_.encodingUnknown);
-  EXPECT_EQ(Recovered().size(), 1u);
+  EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"Sent", u"IPF.Note")));
+  EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
+  ASSERT_EQ(state_.report.lost.size(), 1u);
+  EXPECT_EQ(state_.report.lost[0].reason, u"folder: the encoding of the store could not be told from its block");
 }
 
-TEST_F(RecoverFoldersTest, WhileTheEncodingIsUnknownNoBlockIsReadAsAFolder) {
-  engine_.encodingUnknown = true;
-  engine_.storeKind = StoreKind::kPab;  // no block shows an encoding here
+TEST_F(RecoverFoldersTest, ANameMapAheadOfTheNodeThatToldTheEncodingIsReadAsItIsStored) {
+  engine_.blockEncoding = CryptMethod::kPermute;
+  AddNode(0x21, 0, 0, 0x22);
+  AddNode(0x61, AddBlock(0x40, MapOfOneName()), 0, 0);
+  engine_.encodingToldBy = 2;
+  Folders();
+  EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8503u);
+
+  state_.namedProps.Clear();
+  engine_.encodingToldBy = 1;
+  Folders();
+  EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8001u) << "decoded, it is no map";
+}
+
+TEST_F(RecoverFoldersTest, WithoutAnEncodingNoBlockIsReadAsAFolder) {
   AddNode(0x21, 0, 0, 0x22);
   AddFolder(0x8042, 0x122, u"Inbox");
+  engine_.encodingToldBy = 2;  // as many as there are nodes
   Folders();
-  EXPECT_TRUE(engine_.encodingUnknown);
   EXPECT_THAT(Recovered(), IsEmpty());
 }
 

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/engine_state.h"
+#include "engine/scanned_store.h"
 #include "output/trace/trace_library.h"
 #include "platform/memory_file.h"
 #include "recovery/heap_block.h"
@@ -70,7 +70,6 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
 
   RecoveryTest() : library_(trace_) {
     UseFormat(FORMAT_UNICODE, engine::StoreKind::kPst);
-    engine_.encodingUnknown = false;
     run_.observer = this;
     for (std::size_t kind = 0; kind < kItemKinds; ++kind) {
       converters_[kind] = std::make_unique<RecordingConverter>(static_cast<ItemKind>(kind), records_, hook_);
@@ -194,12 +193,13 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
   }
 
   void Settle() {
-    engine_.source = std::make_unique<platform::MemoryFile>(source_);
-    engine_.index.Clear();
-    engine_.index.Add(index_);
-    engine_.index.Settle(engine_, run_);
+    engine_.source.Open(std::make_unique<platform::MemoryFile>(source_));
+    std::vector<engine::PlacedBlock> blocks;
+    for (const engine::BlockRecord& record : index_) blocks.emplace_back(record.bid, record.size, record.offset);
+    engine_.index = {};
+    engine_.index.Add(blocks);
+    engine_.index.Settle(engine_.source, engine_.layout, run_);
     engine_.blockRecordCount = static_cast<std::uint32_t>(index_.size());
-    engine_.percentBase = engine_.nodeCount / 100;
   }
 
   void Recover() {
@@ -233,7 +233,7 @@ class RecoveryTest : public testing::Test, public engine::RunObserver, public en
   static std::uint32_t NumberOf(const engine::FolderReached& reached) { return reached.nid; }
   static std::uint32_t NumberOf(const engine::AttachmentsListed&) { return 0; }
 
-  engine::EngineState engine_;
+  engine::ScannedStore engine_;
   engine::RunContext run_;
   std::vector<engine::Event> events_;
   std::function<void(const engine::Event&)> onEvent_;

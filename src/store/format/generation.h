@@ -57,9 +57,6 @@ struct Generation {
   friend bool operator==(const Generation&, const Generation&) = default;
 };
 
-/// What the scans of damaged stores call it.
-using PageLayout = Generation;
-
 namespace generations {
 
 inline constexpr Generation kAnsi = {.formatId = FORMAT_ANSI,

@@ -1,0 +1,45 @@
+// The file that is read, and what of it could not be read.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+
+#include "engine/bad_ranges.h"
+#include "platform/file.h"
+
+namespace velmora::engine {
+
+/// May be read by several threads at once; opened and closed by one.
+class Source {
+ public:
+  void Open(std::unique_ptr<const platform::ByteSource> bytes) { bytes_ = std::move(bytes); }
+
+  /// What could not be read stays known.
+  void Close() { bytes_.reset(); }
+
+  /// 0 while none is open.
+  std::uint64_t Size() const { return bytes_ == nullptr ? 0 : bytes_->Size(); }
+
+  /// Reads into `out` and returns how many bytes there were. A read that fails is kept with its range. An offset that
+  /// no file can have (top bit set) is refused and is no bad place of the source.
+  [[nodiscard]] platform::Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> out) const;
+
+  /// The same for a reader of large pieces: whatever of `out` cannot be read is zeros, so that one bad sector does not
+  /// hide what lies behind it. Returns how many bytes the source has there, those that cannot be read among them.
+  std::size_t ReadAround(std::uint64_t offset, std::span<std::byte> out) const;
+
+  /// The first read that failed.
+  std::optional<platform::Failure> FirstFailure() const;
+  BadRanges Unread() const;
+
+ private:
+  std::unique_ptr<const platform::ByteSource> bytes_;
+  mutable std::mutex mutex_;  ///< guards what follows
+  mutable std::optional<platform::Failure> firstFailure_;
+  mutable BadRanges unread_;
+};
+
+}  // namespace velmora::engine
