@@ -12,8 +12,8 @@
 #include "engine/engine_state.h"
 #include "engine/run.h"
 #include "recovery/block_fault.h"
+#include "recovery/body_reader.h"
 #include "recovery/item_converter.h"
-#include "recovery/property_ids.h"
 #include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "recovery/unread_sub_nodes.h"
@@ -40,28 +40,6 @@ struct ItemWorkRecord {
   std::optional<std::size_t> parent;         ///< place in the queue of the record that embeds this one
   ItemOutcome outcome;
 };
-
-/// A body property of the message under work. The tag is its id, or 0 while it was not seen.
-struct BodySlot {
-  std::uint16_t tag = 0;
-  std::uint32_t value = 0;
-  std::uint32_t bid = 0;  ///< data block of the value when it lives in a sub-node
-};
-enum BodyKind : std::size_t { kHtmlBody, kPlainBody, kRtfBody };
-inline constexpr std::size_t kBodyKinds = 3;
-
-constexpr std::optional<BodyKind> BodyKindOf(std::uint16_t id) {
-  switch (id) {
-    case kHtmlBodyId:
-      return kHtmlBody;
-    case kPlainBodyId:
-      return kPlainBody;
-    case kRtfBodyId:
-      return kRtfBody;
-    default:
-      return std::nullopt;
-  }
-}
 
 /// A record, and what of its value is known while the message's block is at hand.
 struct NotedRecord {
@@ -97,7 +75,7 @@ struct MessageWork {
   std::array<bool, kItemKinds> kindSet{};
   std::array<output::Ref<output::RDOMail>, kItemKinds> items;
 
-  std::uint32_t messageSize = 0;
+  BodyProperties body;
   bool classRefused = false;
   MailState mail;
   MessageLosses losses;
@@ -121,7 +99,6 @@ struct ItemRun {
   std::size_t subNodesHandled = 0;   ///< how many of them have been tried as attachments
   UnreadSubNodes unread;             ///< of the message under work
   MessageWork message;
-  std::array<BodySlot, kBodyKinds> bodySlots;
 
   ItemWorkRecord& Current() { return queue[cursor]; }
 };

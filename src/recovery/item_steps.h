@@ -19,12 +19,8 @@ void CloseWorkQueue(ItemRun& items);
 /// process_message.cpp. False only when an in-line body was out of bounds; true: the attachments come next.
 bool ProcessMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderNid);
 
-/// out_of_line_body.cpp. Takes the body from the blocks of the slots: HTML, else plain.
-void ReadOutOfLineBody(ItemRun& items);
-
-/// parse_message.cpp. Walks the property context; makes the item and hands each record to its converter. The
-/// value of the last body property seen, 0 if there was none.
-std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderNid);
+/// parse_message.cpp. Walks the property context; makes the item and hands each record to its converter.
+void ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderNid);
 
 /// place_message.cpp. Sets `targetFolder`; false when the message has no folder. Raises where a folder cannot be
 /// opened or made.

@@ -54,8 +54,6 @@ class MessageWalk {
     return true;
   }
 
-  std::uint32_t BodyValue() const { return bodyValue_; }
-
  private:
   /// Does the place that the value names in the page map lie in the block?
   bool InBounds(std::uint32_t value) const {
@@ -130,19 +128,19 @@ class MessageWalk {
         SetSubject(record);
         break;
       case kMessageSizeId:
-        message_.messageSize = record.value;
+        message_.body.messageSize = record.value;
         break;
       case kPlainBodyId:
         FillSlot(kPlainBody, record);
-        bodyValue_ = record.value;
+        message_.body.lastValue = record.value;
         break;
       case kRtfBodyId:
         FillSlot(kRtfBody, record);
-        bodyValue_ = record.value;
+        message_.body.lastValue = record.value;
         break;
       case kHtmlBodyId:
         FillSlot(kHtmlBody, record);
-        if (scope_.storeKind == engine::StoreKind::kOst) bodyValue_ = record.value;
+        if (scope_.storeKind == engine::StoreKind::kOst) message_.body.lastValue = record.value;
         break;
       default:
         break;
@@ -192,8 +190,7 @@ class MessageWalk {
   }
 
   void FillSlot(BodyKind kind, const PropertyRecord& record) {
-    items_.bodySlots[kind].tag = record.id;
-    items_.bodySlots[kind].value = record.value;
+    message_.body.slots[kind] = {record.id, record.value, 0};
   }
 
   void Apply(std::size_t kind, const PropertyRecord& record) {
@@ -206,26 +203,25 @@ class MessageWalk {
   std::uint32_t folderNid_;
   SubNodeText subNodeText_;
   ConversionScope scope_;
-  std::uint32_t bodyValue_ = 0;
   bool classSeen_ = false;
   bool subjectSet_ = false;
 };
 
 }  // namespace
 
-std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderNid) {
+void ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t folderNid) {
   items.message = MessageWork{};
   ItemOutcome& outcome = items.Current().outcome;
 
   outcome.skip = SkipReason::kNoBlock;
   outcome.fault = BlockFault::NotFound(bidData);
   const auto record = items.blocks.FindBlockOrLower(bidData);
-  if (!record) return 0;
+  if (!record) return;
   outcome.skip = SkipReason::kBadHeap;
   auto bytes = ReadHeapBlock(items.engine, *record, record->bid, kMessageRules, items.state.allowance);
   if (!bytes) {
     outcome.fault = bytes.error();
-    return 0;
+    return;
   }
 
   MessageWork& message = items.message;
@@ -235,7 +231,7 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
   message.block.record.size = static_cast<std::uint32_t>(message.readBuffer.size());
   const PropertyContext context(message.block.bytes, items.engine, kMessageRules);
   outcome.fault = context.BlockFaultOf(items.engine, *record, kMessageRules);
-  if (context.GetFault() != PropertyContext::Fault::kNone) return 0;
+  if (context.GetFault() != PropertyContext::Fault::kNone) return;
   outcome.fault.reset();
   message.block.heapPageMapOffset = context.Header().ibHnpm;
   outcome.skip = SkipReason::kNoClass;
@@ -245,7 +241,6 @@ std::uint32_t ParseMessage(ItemRun& items, std::uint32_t bidData, std::uint32_t 
   bool toTheEnd = true;
   WithinFrame([&] { toTheEnd = walk.Walk(); });
   if (toTheEnd) FinishItem(items);
-  return walk.BodyValue();
 }
 
 }  // namespace velmora::recovery

@@ -48,7 +48,6 @@ ItemOutcome ProcessNode(ItemRun& items, std::uint32_t nid, std::uint32_t bidData
   // The queue grows on the way: an attachment that is a message becomes a record of its own.
   for (items.cursor = 0; items.cursor < items.queue.size(); ++items.cursor) {
     ProcessRecord(items, folderNid);
-    items.bodySlots = {};
     items.subNodes.clear();
   }
   CloseWorkQueue(items);

@@ -1,5 +1,5 @@
+#include "recovery/body_reader.h"
 #include "recovery/heap_text.h"
-#include "recovery/item_steps.h"
 #include "recovery/recovery_fixture.h"
 
 namespace velmora::recovery {
@@ -193,14 +193,16 @@ TEST_F(MessageBodiesTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   Bytes decoded = stored;
   engine::BlockReader(engine_).DecodeBlock(0x41, decoded);
   AddBlock(0x40, stored);
-  ItemRun items(state_, engine_, run_);
-  state_.allowance = ContentAllowance(1000, false, 10);
   Settle();
-  items.bodySlots[kHtmlBody] = {.tag = 0x1013, .value = kHtmlNid, .bid = 0x41};
-  const auto mail = state_.targetStore->IPMRootFolder()->Items()->Add(u"IPM.Note");
-  items.message.Item(ItemKind::kMail) = mail;
-  ReadOutOfLineBody(items);
-  EXPECT_EQ(mail->Get(output::Field::HTMLBody).AsText(), NarrowText(ByteView(decoded), *state_.codePage));
+  ContentAllowance allowance(1000, false, 10);
+  BodyProperties properties;
+  properties.slots[kHtmlBody] = {.tag = 0x1013, .value = kHtmlNid, .bid = 0x41};
+  const Body body = ReadOutOfLineBody({engine_, *state_.codePage, allowance}, properties);
+  ASSERT_EQ(body.writes.size(), 1u);
+  EXPECT_EQ(body.writes[0].field, output::Field::HTMLBody);
+  EXPECT_EQ(body.writes[0].text, NarrowText(ByteView(decoded), *state_.codePage));
+  EXPECT_EQ(body.taken, kHtmlBody);
+  EXPECT_EQ(body.missing, u"");
 }
 
 TEST_F(MessageBodiesTest, TheSlotsAreClearedBetweenMessages) {
