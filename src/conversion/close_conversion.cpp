@@ -78,7 +78,6 @@ void COutLook::ReleaseSession() {
 }
 
 void COutLook::ReleaseStore() {
-  recovery_.targetFolder.Release();
   recovery_.targetStore.Release();
   targetStore_.Release();
 }

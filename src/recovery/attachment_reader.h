@@ -24,9 +24,8 @@
 
 namespace velmora::recovery {
 
-/// Reasons for the report.
+/// A reason for the report.
 inline constexpr text::TextView kNoFileName = u"it has no name that a file can have";
-inline constexpr text::TextView kEmbeddedWithoutEnd = u"messages within messages have no end here";
 
 /// The content of an attachment on its way to the new item. Small ones stay in memory, longer ones go to a temporary
 /// file without a name, so that memory does not grow with the attachment and nothing is created under a name that the

@@ -73,9 +73,9 @@ class FolderMaker {
     bool thereNow = false;
     bool created = false;
     WithinFrame([&] {
-      state_.targetFolder = state_.session->GetFolderFromPath(TargetPath(state_.convertedName, parentPath));
-      if (!state_.targetFolder) return;
-      const auto siblings = state_.targetFolder->Folders();
+      const auto parent = state_.session->GetFolderFromPath(TargetPath(state_.convertedName, parentPath));
+      if (!parent) return;
+      const auto siblings = parent->Folders();
       if (!siblings->Item(leaf)) {
         siblings->Add(leaf, KindOf(leaf, folder));
         created = true;

@@ -53,7 +53,7 @@ void FolderLosses::Tell(const FolderRecord& folder, text::TextView reason) {
                       folder.nid,
                       0,
                       {},
-                      u"folder \"" + ToldText(state_, folder.name) + u"\": " + text::Text(reason)});
+                      u"folder \"" + ReportText(state_, folder.name) + u"\": " + text::Text(reason)});
 }
 
 }  // namespace velmora::recovery

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "recovery/item_steps.h"
 #include "recovery/lost_items.h"
+#include "recovery/process_node.h"
 #include "recovery/property_ids.h"
 #include "recovery/steps.h"
 
@@ -21,7 +21,7 @@ constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
 class ItemRecovery {
  public:
   ItemRecovery(RecoveryState& state, EngineState& engine, RunContext& run)
-      : state_(state), engine_(engine), run_(run), items_(state, engine, run) {}
+      : state_(state), engine_(engine), run_(run) {}
 
   void ProcessNodes() {
     for (const engine::NodeRecord& node : engine_.nodes.Records()) {
@@ -30,12 +30,12 @@ class ItemRecovery {
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) Report(progress);
       const std::size_t listed = state_.report.lost.size();
-      const std::uint64_t untold = state_.report.lostUntold;
-      const auto outcome = ProcessNode(items_, node.nid, node.bidData, node.bidSub, node.nidParent);
+      const std::uint64_t notListed = state_.report.lostNotListed;
+      const auto outcome = Process({node.nid, node.bidData, node.bidSub}, {.folderNid = node.nidParent});
       // What an upper page was read as may by chance lead to a message, which its own node gives too.
       if (node.upperPage) {
         state_.report.lost.resize(listed);
-        state_.report.lostUntold = untold;
+        state_.report.lostNotListed = notListed;
       }
       ReportNode(state_, node, outcome);
       ++state_.report.nodesDone;
@@ -50,10 +50,9 @@ class ItemRecovery {
     for (std::size_t i = 0; i < orphans.size(); ++i) {
       if (run_.runEnded) return false;
       run_.control.PausePoint();
-      state_.inOrphanPhase = true;
-      OpenOrphanFolder(first);
+      const MessagePlace place{.orphanFolder = OpenOrphanFolder(first)};
       const OrphanBlock& orphan = orphans[i];
-      const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
+      const auto outcome = Process({.bidData = orphan.bidData, .bidSub = orphan.bidSub}, place);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
       if (isElement) {
@@ -86,25 +85,29 @@ class ItemRecovery {
   std::uint64_t Progress() const {
     return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(engine_.percentBase, 1);
   }
+  ItemOutcome Process(const NodeBlocks& node, const MessagePlace& place) {
+    return ProcessNode({state_, engine_, run_}, node, place, left_);
+  }
   void Report(std::uint64_t progress) { run_.Send(engine::MSG_PROGRESS, static_cast<std::uint32_t>(progress)); }
 
   /// What is placed nowhere else goes into one folder, whatever its kind.
-  void OpenOrphanFolder(bool& first) {
+  output::Ref<output::RDOFolder> OpenOrphanFolder(bool& first) {
     const auto folders = state_.targetStore->IPMRootFolder()->Folders();
-    state_.targetFolder = folders->Item(kOrphanFolderName);
-    if (state_.targetFolder || !first) return;
-    state_.targetFolder = folders->Add(kOrphanFolderName, {});
-    if (!state_.targetFolder) throw output::OutputFailure(output::ResultCode::E_POINTER);
+    auto folder = folders->Item(kOrphanFolderName);
+    if (folder || !first) return folder;
+    folder = folders->Add(kOrphanFolderName, {});
+    if (!folder) throw output::OutputFailure(output::ResultCode::E_POINTER);
     run_.Send(engine::MSG_ADD_FOLDER, kOrphanedMailsMarker, 0, kOrphanFolderName);
     first = false;
     run_.Log(u"\r\n");
     run_.Log(u"Recovering Orphaned Mails \r\n");
+    return folder;
   }
 
   RecoveryState& state_;
   EngineState& engine_;
   RunContext& run_;
-  ItemRun items_;
+  LeftByTheItemBefore left_;
   std::uint64_t counter_ = 0;
   std::uint64_t lastPercentage_ = 0;
 };

@@ -28,14 +28,9 @@ struct RecoveryState {
   FolderList folders;              ///< ordered and thinned; what the panes climb
   std::uint32_t topFolderNid = 0;  ///< of the folder "Top of Personal Folders"; 0 until one is seen
 
-  // Placement: kept from one message to the next
-  output::Ref<output::RDOFolder> targetFolder;  ///< receives the next item
-  text::Text currentFolderName;                 ///< leaf of the folder that took the last message placed
-  bool inOrphanPhase = false;                   ///< raised once, at the first orphan
-
   // Items
   ContentAllowance allowance;
-  ContentAllowance reportAllowance;  ///< what is read to tell of losses
+  ContentAllowance reportAllowance;  ///< what is read for the report of losses
 
   RecoveryReport report;
 };

@@ -26,14 +26,14 @@ text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t valu
   }
   const auto entry = blockOfNid_.find(value);
   if (entry == blockOfNid_.end()) return {};
-  const engine::BlockReader blocks(engine_);
+  const engine::BlockReader blocks(source_.engine);
   const auto record = blocks.FindBlockOrLower(entry->second);
   if (!record) return {};
   const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
-  const auto block = ReadDataBlock(engine_, *record, record->bid, allowance_, inflates);
-  if (!block || !allowance_.TakeHeld(block->bytes.size())) return {};
+  const auto block = ReadDataBlock(source_.engine, *record, record->bid, source_.allowance, inflates);
+  if (!block || !source_.allowance.TakeHeld(block->bytes.size())) return {};
   if (type == kTypeUnicode) return WithSinglePercents(WideText(ByteView(block->bytes)));
-  if (type == kTypeString8) return NarrowText(ByteView(block->bytes), codePage_);
+  if (type == kTypeString8) return NarrowText(ByteView(block->bytes), source_.codePage);
   return {};
 }
 

@@ -172,7 +172,7 @@ TEST_F(ParseMessageTest, AMessageIsFoundThroughTheNextLowerId) {
   EXPECT_EQ(Trace("Save").size(), 1u);
 }
 
-TEST_F(ParseMessageTest, TheLogTellsEachItem) {
+TEST_F(ParseMessageTest, TheLogNamesEachItem) {
   run_.log = this;
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"Hello")});
   AddMessage({Wide(0x001A, u"IPM.Contact")});

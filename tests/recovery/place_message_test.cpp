@@ -129,7 +129,7 @@ TEST_F(PlaceMessageTest, TheLeafOfTheFolderIsKeptOnBothRoutes) {
   EXPECT_THAT(names, ElementsAre(u"Inbox", u"Inbox", u"Lost & Found"));
 }
 
-TEST_F(PlaceMessageTest, EachPlacedMessageTellsItsFolderToTheTree) {
+TEST_F(PlaceMessageTest, EachPlacedMessageSendsItsFolderToTheTree) {
   AddOfClass(u"IPM.Note", kInbox);
   AddOfClass(u"IPM.Contact", 0x9999);
   AddOfClass(u"IPM.Note", 0x9999);

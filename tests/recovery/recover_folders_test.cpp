@@ -240,7 +240,7 @@ TEST_F(RecoverFoldersTest, ManyNodesAreReportedInPercent) {
   EXPECT_EQ(progress[299], 100u);
 }
 
-TEST_F(RecoverFoldersTest, TheLogTellsWhatComesNext) {
+TEST_F(RecoverFoldersTest, TheLogSaysWhatComesNext) {
   run_.log = this;
   AddTopAndInbox();
   Folders();

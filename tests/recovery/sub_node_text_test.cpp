@@ -12,7 +12,7 @@ class SubNodeTextTest : public RecoveryTest {
  protected:
   text::Text Read(std::uint16_t type, std::uint32_t value) {
     Settle();
-    SubNodeText texts(engine_, subNodes_, ByteView(messageBlock_), *state_.codePage, allowance_);
+    SubNodeText texts({engine_, *state_.codePage, allowance_}, subNodes_, ByteView(messageBlock_));
     return texts.ReadSubnodeString(type, value);
   }
 
