@@ -9,7 +9,7 @@
 //  4. WriteAttachmentData: where a name was the last record (docs/fidelity.md#name-last) and the content stands in the
 //     block, that is the content. A text gives as many bytes as it has characters.
 //  5. ReadAttachmentSubNode: otherwise the block behind the attachment's own `bidSub` counts. In one of an embedded
-//     message stand the blocks of that message; any other leads to the content.
+//     message stand the blocks of that message; any other leads to the content (docs/fidelity.md#list-in-content).
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Why a block gave nothing, told where it happens and carried to the report unchanged.
+// Why a block gave nothing: found where it happens, and carried to the report unchanged.
 #pragma once
 
 #include <cstdint>

@@ -17,8 +17,8 @@ class SubNodeText : public SubNodeValues {
   SubNodeText(const ValueSource& source, const SubNodeList& subNodes, ByteView messageBlock)
       : source_(source), subNodes_(subNodes), messageBlock_(messageBlock) {}
 
-  /// (docs/fidelity.md#percent) "%%" in a UTF-16 text becomes "%"; any other "%" stays. The text is inflated only where
-  /// the message's own block shows no heap signature, so a packed one comes out as its packed bytes.
+  /// "%%" in a UTF-16 text becomes "%"; any other "%" stays. The text is inflated only where the message's own block
+  /// shows no heap signature, so a packed one comes out as its packed bytes (docs/fidelity.md#percent).
   text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) override;
 
  private:

@@ -12,7 +12,8 @@ namespace velmora::items {
 namespace {
 
 /// The test before every text write: a text replaces what the item's field holds, and a field that holds the
-/// empty text stays empty. A field that was never written counts as one that holds something.
+/// empty text stays empty (docs/fidelity.md#text-guard). A field that was never written counts as one that holds
+/// something.
 bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   const output::FieldRead held = item->Get(field);
   return !held.written || !held.AsText().empty();

@@ -67,7 +67,7 @@ void MailRecord::Apply() {
   if (id == 0x0042) return ApplySender();
   if (id == 0x0E04) return ApplyTo();
   // A mail without a To record spends its first record behind that place on the row: the record's own field,
-  // as a rule the delivery time, is lost.
+  // as a rule the delivery time, is lost (docs/fidelity.md#list-row).
   if (id > 0x0E04 && !mail.toSeen && !mail.subjectShown) return ShowRowWithoutTo();
   // clang-format off
   switch (id) {
@@ -120,14 +120,14 @@ void MailRecord::ApplyReceivedTime() {
   Show(ListField::kDate, ListDate(date));
 }
 
-/// The icon of the mail tells whether it was answered; the answers themselves are not kept.
+/// The icon of the mail says whether it was answered; the answers themselves are not kept.
 void MailRecord::ApplyAnswered() {
   if (record_.value == 0x105) item_->Reply();
   if (record_.value == 0x106) item_->Forward();
 }
 
 /// The message walk has put the record's own value into the working value just before, so a record that holds
-/// the start value, or 333, is never written; and so below.
+/// the start value, or 333, is never written (docs/fidelity.md#seen-values); and so below.
 void MailRecord::ApplySensitivity() {
   std::uint16_t& seen = scope_.mail->sensitivitySeen;
   if (seen == 333 || seen == 4) return;
@@ -146,7 +146,8 @@ void MailRecord::ApplyCategories() {
   if (!text.empty()) item_->Put(Field::Categories, text);
 }
 
-/// Every mail is created as a sent one. A read mail becomes unsent, but for one in the folder of sent mails.
+/// Every mail is created as a sent one. A read mail becomes unsent, but for one in the folder of sent mails
+/// (docs/fidelity.md#sent).
 void MailRecord::ApplyMessageFlags() {
   const bool read = (record_.value & 1) != 0;
   if (!read) return;

@@ -15,7 +15,8 @@ namespace {
 constexpr std::uint64_t OffsetOfValue(std::uint64_t index) { return 4 + 4 * index; }
 
 /// The copied bytes of an 8-bit list begin behind its first offset. With one value, whose text stands right
-/// there, that first offset (8) is taken for the length, so that as a rule the text is cut after 8 bytes.
+/// there, that first offset (8) is taken for the length, so that as a rule the text is cut after 8 bytes
+/// (docs/fidelity.md#short-list).
 text::Text EightBitList(const recovery::MessageBlock& block, const text::CodePage& codePage, std::uint32_t start,
                         std::uint32_t length) {
   const std::uint32_t count = block.bytes.U32(start);

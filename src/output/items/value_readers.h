@@ -20,7 +20,7 @@ text::Text ReadStringValue(const recovery::MessageBlock& block, const text::Code
                            std::uint32_t position);
 
 /// A date. A record that is no time gives 0.0; a time whose allocation is not of 8 bytes is the file time 0,
-/// the first day of 1601.
+/// the first day of 1601 (docs/fidelity.md#first-of-1601).
 output::OleDate ReadTimeValue(const recovery::MessageBlock& block, std::uint16_t type, std::uint32_t position);
 
 /// A single text of a mail, which may be too long for the block: one whose allocation is not found in it is
