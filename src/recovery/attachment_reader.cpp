@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "recovery/heap_text.h"
-#include "recovery/property_ids.h"
 #include "recovery/value_stream.h"
+#include "store/format/property_tags.h"
 #include "text/plausibility.h"
 
 namespace velmora::recovery {
@@ -36,7 +36,7 @@ bool CanBeFileName(const Text& name) { return !name.empty() && name.size() <= kL
 
 /// An object stands in its block as the id of its sub-node and its size, and that is what is written.
 Text MissingInLine(ByteView block, const PropertyRecord& data, HeapRange range, std::uint64_t written) {
-  if (data.type == kTypeObject) {
+  if (data.wPropType == PropType::kObject) {
     return u"its content is an object of " + DecimalOf(block.U32(range.start + 4u)) + u" bytes, which is not read; " +
            DecimalOf(written) + u" bytes that point to it stand in its place";
   }
@@ -47,7 +47,7 @@ Text MissingInLine(ByteView block, const PropertyRecord& data, HeapRange range, 
 
 std::optional<PropertyRecord> DataRecordOf(const PropertyContext& context) {
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
-    if (context.Record(index).id == kAttachmentDataId) return context.Record(index);
+    if (context.Record(index).wPropId == IdOf(tag::kAttachDataBinary)) return context.Record(index);
   }
   return std::nullopt;
 }
@@ -95,18 +95,18 @@ std::optional<AttachmentReader::Names> AttachmentReader::ReadNames(ByteView bloc
   const std::uint16_t ibHnpm = context.Header().ibHnpm;
   const bool packed = source_.engine.layout.formatId == FORMAT_UNICODE_4K;
   Names names;
-  std::uint16_t wantedId = kShortFileNameId;
+  std::uint16_t wantedId = IdOf(tag::kAttachFilename);
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
     const PropertyRecord record = context.Record(index);
-    names.lastId = record.id;
-    const bool wanted = record.id == wantedId;
-    if (!wanted && record.id != kDisplayNameId) continue;
+    names.lastId = record.wPropId;
+    const bool wanted = record.wPropId == wantedId;
+    if (!wanted && record.wPropId != IdOf(tag::kDisplayName)) continue;
 
-    const auto range = RangeOf(block, ibHnpm, record.value, kAttachmentRules.emptyEnd);
+    const auto range = RangeOf(block, ibHnpm, record.dwValueHnid, kAttachmentRules.emptyEnd);
     if (!wanted) {
       left_.isEmbedded = true;
       if (!range) return std::nullopt;
-      if (range->start != 0 && record.value != 0) left_.embeddedName = ReadText(block, *range);
+      if (range->start != 0 && record.dwValueHnid != 0) left_.embeddedName = ReadText(block, *range);
       continue;
     }
 
@@ -114,9 +114,9 @@ std::optional<AttachmentReader::Names> AttachmentReader::ReadNames(ByteView bloc
     names.fileName.clear();
     left_.isEmbedded = false;
     if (!range) return std::nullopt;
-    TakeFileName(names, block, record.value == 0 ? HeapRange{} : *range);
-    if (!packed && wantedId == kLongFileNameId) break;
-    wantedId = kLongFileNameId;
+    TakeFileName(names, block, record.dwValueHnid == 0 ? HeapRange{} : *range);
+    if (!packed && wantedId == IdOf(tag::kAttachLongFilename)) break;
+    wantedId = IdOf(tag::kAttachLongFilename);
   }
   return names;
 }
@@ -154,8 +154,8 @@ void AttachmentReader::ReadContent(const SubNodeEntry& entry, ByteView block, co
   }
   if (!left_.isEmbedded) attachment.loggedName = names.lastName;
 
-  const bool nameWasLast =
-      names.lastId == kMimeSequenceId || names.lastId == kLongFileNameId || names.lastId == kShortFileNameId;
+  const bool nameWasLast = names.lastId == IdOf(tag::kAttachMimeSequence) ||
+                           names.lastId == IdOf(tag::kAttachLongFilename) || names.lastId == IdOf(tag::kAttachFilename);
   if (left_.file && nameWasLast && WriteAttachmentData(block, context, attachment)) return;
   const auto data = DataRecordOf(context);
   if (entry.bidSub != 0) {
@@ -186,10 +186,10 @@ bool AttachmentReader::WriteAttachmentData(ByteView block, const PropertyContext
     return true;
   }
   // The value of a content in a sub-node leads far behind the block: the sub-node is tried then.
-  const auto range = ReadHeapRange(block, HeapPosition(context.Header().ibHnpm, data->value));
+  const auto range = ReadHeapRange(block, HeapPosition(context.Header().ibHnpm, data->dwValueHnid));
   if (!range || range->end < range->start || range->end == 0) return false;
   ByteView bytes = range->In(block);
-  if (data->type == kTypeUnicode) bytes = bytes.Slice(0, WideText(bytes).size());
+  if (data->wPropType == PropType::kString) bytes = bytes.Slice(0, WideText(bytes).size());
   if (!source_.allowance.TakeBytes(bytes.Size())) {
     left_.file.reset();
     attachment.missing = kClaimsTooMuch;
@@ -222,7 +222,7 @@ void AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry, const st
     attachment.message = ReadEmbeddedSlots(block);
   } else if (left_.file) {
     attachment.missing = ReadDataBlocks(*record);
-    if (data && IsOtherSubNode(block, source_.engine.layout.Pitch(), data->value)) {
+    if (data && IsOtherSubNode(block, source_.engine.layout.Pitch(), data->dwValueHnid)) {
       attachment.missing = u"its content is not read; that of another sub-node, " + DecimalOf(left_.file->Size()) +
                            u" bytes, stands in its place";
     }

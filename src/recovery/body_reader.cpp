@@ -17,9 +17,9 @@ constexpr std::uint32_t kPlainFirstAbove = 4u << 20;
 
 Field FieldOf(std::uint16_t tag) {
   switch (tag) {
-    case kHtmlBodyId:
+    case IdOf(tag::kHtml):
       return Field::HTMLBody;
-    case kRtfBodyId:
+    case IdOf(tag::kRtfCompressed):
       return Field::RTFBody;
     default:
       return Field::Body;
@@ -27,7 +27,7 @@ Field FieldOf(std::uint16_t tag) {
 }
 
 text::Text CopyBodyText(const ValueSource& source, ByteView bytes, std::uint16_t tag) {
-  const bool wide = tag == kPlainBodyId && source.engine.layout.wideFormat;
+  const bool wide = tag == IdOf(tag::kBody) && source.engine.layout.wideFormat;
   return CopyHeapText(bytes, wide, BodyCodePage(tag, source.codePage));
 }
 

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "recovery/item_converter.h"
-#include "recovery/property_ids.h"
 #include "recovery/recovery_run.h"
 #include "recovery/sub_node_list.h"
+#include "store/format/property_tags.h"
 
 namespace velmora::recovery {
 
@@ -26,11 +26,11 @@ inline constexpr std::size_t kBodyKinds = 3;
 
 constexpr std::optional<BodyKind> BodyKindOf(std::uint16_t id) {
   switch (id) {
-    case kHtmlBodyId:
+    case IdOf(tag::kHtml):
       return kHtmlBody;
-    case kPlainBodyId:
+    case IdOf(tag::kBody):
       return kPlainBody;
-    case kRtfBodyId:
+    case IdOf(tag::kRtfCompressed):
       return kRtfBody;
     default:
       return std::nullopt;

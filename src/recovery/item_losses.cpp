@@ -58,8 +58,8 @@ class ItemLosses {
   /// The bytes of a value; `head` gets the first four of them.
   std::optional<std::uint64_t> SizeOf(const ReportedRecord& reported, std::uint32_t* head = nullptr) {
     if (head != nullptr) *head = reported.head;
-    if (reported.size || !IsSubNodeValue(reported.record.value)) return reported.size;
-    auto block = engine::BlockReader(run_.engine).FindBlockOrLower(BlockOf(reported.record.value));
+    if (reported.size || !IsSubNodeValue(reported.dwValueHnid)) return reported.size;
+    auto block = engine::BlockReader(run_.engine).FindBlockOrLower(BlockOf(reported.dwValueHnid));
     if (!block) return std::nullopt;
     ContentAllowance& allowance = run_.state.reportAllowance;
     std::optional<std::uint64_t> total;
@@ -80,7 +80,7 @@ class ItemLosses {
   Text SizeText(const ReportedRecord& reported) {
     const auto size = SizeOf(reported);
     if (size) return DecimalOf(*size) + u" bytes";
-    const std::uint32_t bid = IsSubNodeValue(reported.record.value) ? BlockOf(reported.record.value) : 0;
+    const std::uint32_t bid = IsSubNodeValue(reported.dwValueHnid) ? BlockOf(reported.dwValueHnid) : 0;
     return bid == 0 ? u"unknown size" : u"unknown size, since " + TextOf(BlockFault::NotFound(bid));
   }
 
@@ -116,18 +116,18 @@ class ItemLosses {
     Text reason = text::FromUtf8(output::InfoOf(lost.field).name);
     if (!lost.reason.empty()) {
       reason += u": " + lost.reason;
-    } else if (IsInlineType(lost.record.record.type)) {
+    } else if (IsInlineType(lost.record.wPropType)) {
       // The new store forms this one from start and end.
       if (lost.field == Field::AppointmentDuration) return;
-      reason += u": its value " + DecimalOf(lost.record.record.value) + u" is not taken";
+      reason += u": its value " + DecimalOf(lost.record.dwValueHnid) + u" is not taken";
     } else {
       reason += u": a value of " + SizeText(lost.record) + u" outside the message's own block is not read";
     }
     List(isAddress ? LossKind::kRecipients : LossKind::kText, std::move(reason));
   }
 
-  static bool IsInlineType(std::uint16_t type) {
-    return type == kTypeBoolean || type == kTypeShort || type == kTypeLong;
+  static bool IsInlineType(PropType type) {
+    return type == PropType::kBoolean || type == PropType::kInteger16 || type == PropType::kInteger32;
   }
 
   /// A list of values begins with their number.
@@ -145,7 +145,7 @@ class ItemLosses {
     if (why.empty()) return;
     bool known = false;
     for (const SubNodeEntry& entry : subNodes_.unread.entries) {
-      if ((entry.nid & kNidTypeMask) != kNidTypeAttachment) continue;
+      if (!HasNidType(entry.nid, NidType::kAttachment)) continue;
       ReportAttachment(run_.state, record_, entry, why);
       known = true;
     }
@@ -199,7 +199,7 @@ void ReportUntriedAttachments(RecoveryState& state, const ItemWorkRecord& record
                               text::TextView reason) {
   for (std::size_t i = subNodes.tried; i < subNodes.entries.size(); ++i) {
     const SubNodeEntry& entry = subNodes.entries[i];
-    if ((entry.nid & kNidTypeMask) == kNidTypeAttachment) ReportAttachment(state, record, entry, reason);
+    if (HasNidType(entry.nid, NidType::kAttachment)) ReportAttachment(state, record, entry, reason);
   }
 }
 

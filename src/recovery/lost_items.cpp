@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "recovery/message_classes.h"
-#include "recovery/property_ids.h"
 
 namespace velmora::recovery {
 namespace {
@@ -43,7 +42,7 @@ void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const Item
   if (outcome.skip) ++state.report.skipped[*outcome.skip];
   if (outcome.skip == SkipReason::kRefusedClass || node.upperPage) return;
   const bool isMessage =
-      (node.nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
+      HasNidType(node.nid, NidType::kNormalMessage) || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
   if (!isMessage) return;
   ReportLoss(state,
              {LossKind::kMessage, node.nid, node.bidData, ReportText(state, outcome.messageClass), ReasonOf(outcome)});

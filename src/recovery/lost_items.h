@@ -7,9 +7,13 @@
 #include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "recovery/work_queue.h"
+#include "store/format/ids.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
+
+/// Is a node of that type by its id? It only serves the report: what a node is, its block says.
+constexpr bool HasNidType(std::uint32_t nid, NidType type) { return NidTypeOf(Nid{nid}) == type; }
 
 /// A text of the store as the report has it. One that fills a block must not fill the report, node by node: it is
 /// cut once that would be out of proportion to the store.

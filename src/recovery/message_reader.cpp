@@ -6,14 +6,17 @@
 #include "recovery/heap_text.h"
 #include "recovery/message_classes.h"
 #include "recovery/property_context.h"
-#include "recovery/property_ids.h"
 #include "recovery/sub_node_text.h"
+#include "store/format/property_tags.h"
 
 namespace velmora::recovery {
 
 using output::Field;
 
 namespace {
+
+constexpr std::uint32_t kHasAttachments = 0x10;  ///< a message flag
+constexpr std::uint32_t kMembersId = 0x8055;     ///< long id: the members of a distribution list
 
 constexpr text::TextView kSpentOnRow = u"it was spent on the item list, since the mail has no To that is read";
 
@@ -43,7 +46,7 @@ class MessageWalk {
   bool Walk() {
     for (std::uint32_t index = 0; index < context_.Count(); ++index) {
       const PropertyRecord record = context_.Record(index);
-      if (record.id == kMessageClassId && !HandleClass(record)) return false;
+      if (record.wPropId == IdOf(tag::kMessageClass) && !HandleClass(record)) return false;
       KeepSeenValue(record);
       const bool rowWasShown = mail_.subjectShown;
       const bool allowed = TakeText(record);
@@ -57,13 +60,13 @@ class MessageWalk {
  private:
   /// Does the place that a value names in the page map lie in the block?
   bool InBounds(const PropertyRecord& record) const {
-    return std::uint64_t{message_.block.Position(record.value)} + 4 <= message_.block.bytes.Size();
+    return std::uint64_t{message_.block.Position(record.dwValueHnid)} + 4 <= message_.block.bytes.Size();
   }
 
   /// The allocation that a value names. Identifier 0 names none.
   std::optional<HeapRange> AllocationOf(const PropertyRecord& record) const {
-    if (record.value == 0) return std::nullopt;
-    return RangeOf(message_.block.bytes, message_.block.heapPageMapOffset, record.value, EmptyEnd::kRefused);
+    if (record.dwValueHnid == 0) return std::nullopt;
+    return RangeOf(message_.block.bytes, message_.block.heapPageMapOffset, record.dwValueHnid, EmptyEnd::kRefused);
   }
 
   text::Text ReadText(const PropertyRecord& record) const {
@@ -102,20 +105,20 @@ class MessageWalk {
   /// same bytes in many of its values.
   bool TakeText(const PropertyRecord& record) {
     constexpr std::uint64_t kTimesInList = 16;
-    const bool isList = record.type == kTypeUnicodeList || record.type == kTypeString8List;
-    const bool isText = isList || record.type == kTypeUnicode || record.type == kTypeString8 ||
-                        record.id == kSubjectId || record.id == kConversationTopicId;
-    const auto range = ReadHeapRange(message_.block.bytes, message_.block.Position(record.value));
+    const bool isList = record.wPropType == PropType::kMultipleString || record.wPropType == PropType::kMultipleString8;
+    const bool isText = isList || record.wPropType == PropType::kString || record.wPropType == PropType::kString8 ||
+                        record.wPropId == IdOf(tag::kSubject) || record.wPropId == IdOf(tag::kConversationTopic);
+    const auto range = ReadHeapRange(message_.block.bytes, message_.block.Position(record.dwValueHnid));
     if (!isText || !range) return true;
     return run_.state.allowance.TakeText(range->In(message_.block.bytes).Size() * (isList ? kTimesInList : 1));
   }
 
   void KeepSeenValue(const PropertyRecord& record) {
     if (!InBounds(record)) return;
-    const auto seen = static_cast<std::uint16_t>(record.value);
-    if (record.id == kSensitivityId) mail_.sensitivitySeen = seen;
-    if (record.id == kImportanceId) mail_.importanceSeen = seen;
-    if (record.id == kFlagIconId) mail_.flagIconSeen = seen;
+    const auto seen = static_cast<std::uint16_t>(record.dwValueHnid);
+    if (record.wPropId == IdOf(tag::kSensitivity)) mail_.sensitivitySeen = seen;
+    if (record.wPropId == IdOf(tag::kImportance)) mail_.importanceSeen = seen;
+    if (record.wPropId == IdOf(tag::kFollowupIcon)) mail_.flagIconSeen = seen;
   }
 
   void HandToKind(const PropertyRecord& record) {
@@ -126,21 +129,21 @@ class MessageWalk {
   }
 
   void HandleMailRecord(const PropertyRecord& record) {
-    if (record.id == kSubjectId || record.id == kConversationTopicId) SetSubject(record);
-    if (record.id == kMessageSizeId) message_.body.messageSize = record.value;
-    if (const auto body = BodyKindOf(record.id)) {
-      message_.body.slots[*body] = {record.id, record.value, 0};
+    if (record.wPropId == IdOf(tag::kSubject) || record.wPropId == IdOf(tag::kConversationTopic)) SetSubject(record);
+    if (record.wPropId == IdOf(tag::kMessageSize)) message_.body.messageSize = record.dwValueHnid;
+    if (const auto body = BodyKindOf(record.wPropId)) {
+      message_.body.slots[*body] = {record.wPropId, record.dwValueHnid, 0};
       const bool decides = body != kHtmlBody || scope_.storeKind == engine::StoreKind::kOst;
-      if (decides) message_.body.lastValue = record.value;
+      if (decides) message_.body.lastValue = record.dwValueHnid;
     }
     if (InBounds(record)) Apply(ItemKind::kMail, record);
   }
 
   ReportedRecord Reported(const PropertyRecord& record) const {
     ReportedRecord reported{record, {}, 0};
-    if (record.value == 0) reported.size = 0;
+    if (record.dwValueHnid == 0) reported.size = 0;
     const auto range = AllocationOf(record);
-    if (IsSubNodeValue(record.value) || !range) return reported;
+    if (IsSubNodeValue(record.dwValueHnid) || !range) return reported;
     reported.size = range->end - range->start;
     reported.head = message_.block.bytes.U32(range->start);
     return reported;
@@ -151,10 +154,10 @@ class MessageWalk {
     const auto kind = message_.items.Kind();
     if (!kind) return;
     MessageLosses& losses = message_.losses;
-    const auto body = BodyKindOf(record.id);
-    if (record.id == kMessageFlagsId) losses.hasAttachments = (record.value & kHasAttachments) != 0;
+    const auto body = BodyKindOf(record.wPropId);
+    if (record.wPropId == IdOf(tag::kMessageFlags)) losses.hasAttachments = (record.dwValueHnid & kHasAttachments) != 0;
     if (body) losses.bodies[*body] = Reported(record);
-    const bool isMember = scope_.namedProps->TranslateNamedId(record.id) == kMembersId;
+    const bool isMember = scope_.namedProps->TranslateNamedId(record.wPropId) == kMembersId;
     if (isMember && IsDistributionList(message_.outcome.messageClass)) losses.members = Reported(record);
 
     const auto field = ConverterOf(*kind).FieldOf(scope_, record);
@@ -167,7 +170,7 @@ class MessageWalk {
     subjectSet_ = true;
     const auto& mail = message_.items.Item(ItemKind::kMail);
     const text::Text subject = ReadText(record);
-    if (subject.empty() && IsSubNodeValue(record.value)) {
+    if (subject.empty() && IsSubNodeValue(record.dwValueHnid)) {
       message_.losses.fields.push_back({Field::Subject, Reported(record), {}});
     }
     mail->Put(Field::Subject, subject);

@@ -40,8 +40,7 @@ struct LeftByTheItemBefore {
 };
 
 /// A record as the report has use for it when the message's block is gone.
-struct ReportedRecord {
-  PropertyRecord record;
+struct ReportedRecord : PropertyRecord {
   std::optional<std::uint64_t> size;  ///< bytes of the value; nothing where it is not in the message's block
   std::uint32_t head = 0;             ///< the first four of them
 };

@@ -7,7 +7,7 @@
 #include "recovery/catching_frame.h"
 #include "recovery/item_losses.h"
 #include "recovery/lost_items.h"
-#include "recovery/property_ids.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 
@@ -84,7 +84,7 @@ class WorkQueueRun {
       if (record.outcome.saved) ReportUntried(record, subNodes, u"an item of its kind takes none");
       return;
     }
-    if (subNodes.entries.front().nid != kAttachmentTableNid) {
+    if (subNodes.entries.front().nid != Value(nid::kAttachmentTable)) {
       return ReportUntried(record, subNodes, u"the message does not begin with an attachment table");
     }
 
@@ -110,7 +110,7 @@ class WorkQueueRun {
       }
       ++subNodes.tried;
       // What is no attachment by its identifier and by its block alike is no loss: the tables stand among them.
-      const bool isAttachment = attachment.isRecord || (entry.nid & kNidTypeMask) == kNidTypeAttachment;
+      const bool isAttachment = attachment.isRecord || HasNidType(entry.nid, NidType::kAttachment);
       if (isAttachment && !attachment.missing.empty()) {
         ReportAttachment(run_.state, record, entry, attachment.missing);
       }

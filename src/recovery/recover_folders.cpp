@@ -7,8 +7,8 @@
 #include "recovery/folder_properties.h"
 #include "recovery/lost_items.h"
 #include "recovery/name_to_id_map.h"
-#include "recovery/property_ids.h"
 #include "recovery/steps.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 
@@ -60,7 +60,7 @@ class FolderRecovery {
     const bool isFolder = candidate && TryFolder(node);
     if (node.bidData == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
 
-    if (node.nid == kNameToIdMapNid) nameMap_.ReadNameToIdMap(node.bidData, node.bidSub);
+    if (node.nid == Value(nid::kNameToIdMap)) nameMap_.ReadNameToIdMap(node.bidData, node.bidSub);
     if (node.nidParent == 0 || isFolder) UnlinkNode(index);
 
     ++counter_;

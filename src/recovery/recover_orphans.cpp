@@ -3,7 +3,6 @@
 
 #include "recovery/lost_items.h"
 #include "recovery/process_node.h"
-#include "recovery/property_ids.h"
 #include "recovery/steps.h"
 
 namespace velmora::recovery {
@@ -16,6 +15,7 @@ namespace {
 
 constexpr std::uint32_t kItemStage = 8;
 constexpr std::uint32_t kLastPercent = 100;
+constexpr std::uint32_t kOrphanedMailsMarker = 0x1122;  ///< stands for a folder that has no node
 constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
 
 class ItemRecovery {

@@ -19,7 +19,7 @@ class SubNodeText : public SubNodeValues {
 
   /// "%%" in a UTF-16 text becomes "%"; any other "%" stays. The text is inflated only where the message's own block
   /// shows no heap signature, so a packed one comes out as its packed bytes (docs/fidelity.md#percent).
-  text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) override;
+  text::Text ReadSubnodeString(PropType type, std::uint32_t value) override;
 
  private:
   ValueSource source_;

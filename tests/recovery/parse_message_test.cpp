@@ -119,7 +119,7 @@ TEST_F(ParseMessageTest, OtherKindsSeeEveryRecord) {
 TEST_F(ParseMessageTest, TheRawValuesOfThreePropertiesAreKeptAheadOfTheConverter) {
   std::vector<std::uint16_t> seen;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id == 0x1095) {
+    if (record.wPropId == 0x1095) {
       seen = {scope.mail->importanceSeen, scope.mail->sensitivitySeen, scope.mail->flagIconSeen};
     }
   };
@@ -131,7 +131,7 @@ TEST_F(ParseMessageTest, TheRawValuesOfThreePropertiesAreKeptAheadOfTheConverter
 TEST_F(ParseMessageTest, TheStateOfAMailStartsAnewForEachMessage) {
   std::vector<bool> toSeen;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id != 0x0E07) return;
+    if (record.wPropId != 0x0E07) return;
     toSeen.push_back(scope.mail->toSeen);
     scope.mail->toSeen = true;
   };

@@ -119,7 +119,7 @@ TEST_F(PlaceMessageTest, AMailWhoseFolderWasNotMadeIsGivenUpAndTheRunGoesOn) {
 TEST_F(PlaceMessageTest, TheLeafOfTheFolderIsKeptOnBothRoutes) {
   std::vector<text::Text> names;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id == 0x0E07) names.push_back(scope.currentFolderName);
+    if (record.wPropId == 0x0E07) names.push_back(scope.currentFolderName);
   };
   for (const auto* messageClass : {u"IPM.Note", u"IPM.Contact"}) {
     AddMessage({Wide(0x001A, messageClass), Value(0x0E07, 3, 1)}, 0, kInbox);

@@ -85,7 +85,7 @@ TEST_F(RecoverOrphansTest, ABodyAndAnAttachmentComeAlongWithAMailOfTheFallback) 
 TEST_F(RecoverOrphansTest, AnOrphanCountsAsOneInTheFolderOfTheLastMessagePlaced) {
   std::vector<text::Text> names;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id == 0x0E07) names.push_back(scope.currentFolderName);
+    if (record.wPropId == 0x0E07) names.push_back(scope.currentFolderName);
   };
   const std::vector<RecordSpec> mail = {Wide(0x001A, u"IPM.Note"), Value(0x0E07, 3, 1)};
   Orphans({{AddBlock(0x40, HeapBlock(mail)), 0}});

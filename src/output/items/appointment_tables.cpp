@@ -5,14 +5,15 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kAppointmentFlags[] = {
-  {kTypeBoolean, 0x0063, ResponseRequested},
-  {kTypeBoolean, 0x8215, AllDayEvent},
-  {kTypeLong,    0x8205, BusyStatus},
-  {kTypeLong,    0x8213, AppointmentDuration},
+  {kBoolean, 0x0063, ResponseRequested},
+  {kBoolean, 0x8215, AllDayEvent},
+  {kInteger32,    0x8205, BusyStatus},
+  {kInteger32,    0x8213, AppointmentDuration},
 };
 
 constexpr FieldRow kAppointmentFields[] = {

@@ -6,6 +6,7 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 
 struct Row {
   FlagRow flag;
@@ -21,18 +22,18 @@ constexpr bool o = false;
 // clang-format off
 constexpr Row kCommonFlags[] = {
   //                                                             contact task appointment meeting journal note
-  {{kTypeBoolean, 0x0002, AlternateRecipientAllowed},           {x,      x,   x,          x,      o,      x}},
-  {{kTypeBoolean, 0x0005, AutoForwarded},                       {x,      x,   x,          x,      o,      x}},
-  {{kTypeBoolean, 0x0023, OriginatorDeliveryReportRequested},   {x,      x,   x,          x,      x,      x}},
-  {{kTypeBoolean, 0x0029, ReadReceiptRequested},                {x,      x,   x,          x,      x,      x}},
-  {{kTypeBoolean, 0x002B, RecipientReassignmentProhibited},     {x,      x,   x,          x,      x,      x}},
-  {{kTypeBoolean, 0x0E01, DeleteAfterSubmit},                   {x,      x,   x,          x,      o,      x}},
-  {{kTypeBoolean, 0x8503, ReminderSet},                         {o,      x,   x,          x,      x,      x}},
-  {{kTypeBoolean, 0x850E, NoAging},                             {o,      x,   x,          x,      o,      o}},
-  {{kTypeBoolean, 0x851C, ReminderOverrideDefault},             {o,      x,   x,          x,      o,      o}},
-  {{kTypeLong,    0x0017, Importance},                          {x,      x,   x,          x,      o,      o}},
-  {{kTypeLong,    0x0036, Sensitivity},                         {x,      x,   x,          x,      x,      x}},
-  {{kTypeLong,    0x1090, FlagStatus},                          {x,      x,   x,          x,      x,      x}},
+  {{kBoolean, 0x0002, AlternateRecipientAllowed},           {x,      x,   x,          x,      o,      x}},
+  {{kBoolean, 0x0005, AutoForwarded},                       {x,      x,   x,          x,      o,      x}},
+  {{kBoolean, 0x0023, OriginatorDeliveryReportRequested},   {x,      x,   x,          x,      x,      x}},
+  {{kBoolean, 0x0029, ReadReceiptRequested},                {x,      x,   x,          x,      x,      x}},
+  {{kBoolean, 0x002B, RecipientReassignmentProhibited},     {x,      x,   x,          x,      x,      x}},
+  {{kBoolean, 0x0E01, DeleteAfterSubmit},                   {x,      x,   x,          x,      o,      x}},
+  {{kBoolean, 0x8503, ReminderSet},                         {o,      x,   x,          x,      x,      x}},
+  {{kBoolean, 0x850E, NoAging},                             {o,      x,   x,          x,      o,      o}},
+  {{kBoolean, 0x851C, ReminderOverrideDefault},             {o,      x,   x,          x,      o,      o}},
+  {{kInteger32,    0x0017, Importance},                          {x,      x,   x,          x,      o,      o}},
+  {{kInteger32,    0x0036, Sensitivity},                         {x,      x,   x,          x,      x,      x}},
+  {{kInteger32,    0x1090, FlagStatus},                          {x,      x,   x,          x,      x,      x}},
 };
 // clang-format on
 
@@ -41,7 +42,7 @@ static_assert(std::all_of(std::begin(kCommonFlags), std::end(kCommonFlags),
 
 }  // namespace
 
-std::optional<output::Field> FindCommonFlag(recovery::ItemKind kind, std::uint16_t type, std::uint32_t id) {
+std::optional<output::Field> FindCommonFlag(recovery::ItemKind kind, PropType type, std::uint32_t id) {
   const auto column = static_cast<std::size_t>(kind) - static_cast<std::size_t>(recovery::ItemKind::kContact);
   for (const Row& row : kCommonFlags) {
     if (row.flag.type == type && row.flag.id == id && row.kinds[column]) return row.flag.field;

@@ -10,6 +10,6 @@
 namespace velmora::items {
 
 /// The field that a record of this type and long id writes on an item of this kind, which is none of mail.
-std::optional<output::Field> FindCommonFlag(recovery::ItemKind kind, std::uint16_t type, std::uint32_t id);
+std::optional<output::Field> FindCommonFlag(recovery::ItemKind kind, PropType type, std::uint32_t id);
 
 }  // namespace velmora::items

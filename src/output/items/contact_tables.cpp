@@ -5,11 +5,12 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kContactFlags[] = {
-  {kTypeShort, 0x3A4D, Gender},
+  {kInteger16, 0x3A4D, Gender},
 };
 
 constexpr FieldRow kContactFields[] = {

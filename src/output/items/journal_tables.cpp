@@ -5,15 +5,16 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kJournalFlags[] = {
-  {kTypeBoolean, 0x8711, DocPosted},
-  {kTypeBoolean, 0x870E, DocPrinted},
-  {kTypeBoolean, 0x8710, DocRouted},
-  {kTypeBoolean, 0x870F, DocSaved},
-  {kTypeLong,    0x8707, JournalDuration},
+  {kBoolean, 0x8711, DocPosted},
+  {kBoolean, 0x870E, DocPrinted},
+  {kBoolean, 0x8710, DocRouted},
+  {kBoolean, 0x870F, DocSaved},
+  {kInteger32,    0x8707, JournalDuration},
 };
 
 constexpr FieldRow kJournalFields[] = {

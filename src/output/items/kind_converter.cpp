@@ -19,7 +19,7 @@ bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   return !held.written || !held.AsText().empty();
 }
 
-std::optional<output::Field> FindFlag(const KindTables& tables, std::uint16_t type, std::uint32_t id) {
+std::optional<output::Field> FindFlag(const KindTables& tables, PropType type, std::uint32_t id) {
   const auto row = std::find_if(tables.flags.begin(), tables.flags.end(),
                                 [&](const FlagRow& flag) { return flag.type == type && flag.id == id; });
   return row != tables.flags.end() ? row->field : FindCommonFlag(tables.kind, type, id);
@@ -31,11 +31,11 @@ const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
   return row != tables.fields.end() && row->id == id ? &*row : nullptr;
 }
 
-output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
+output::FieldValue FlagValue(PropType type, std::uint32_t value) {
   switch (type) {
-    case kTypeBoolean:
+    case PropType::kBoolean:
       return FlagOf(value);
-    case kTypeShort:
+    case PropType::kInteger16:
       return std::int32_t{static_cast<std::int16_t>(value)};
     default:
       return static_cast<std::int32_t>(value);
@@ -45,12 +45,12 @@ output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
 }  // namespace
 
 void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                                  const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
-  if (std::uint64_t{block.Position(record.value)} + 4 > block.record.size) return;
-  switch (record.type) {
-    case kTypeBoolean:
-    case kTypeLong:
-    case kTypeShort:
+                                  const PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
+  if (std::uint64_t{block.Position(record.dwValueHnid)} + 4 > block.record.size) return;
+  switch (record.wPropType) {
+    case PropType::kBoolean:
+    case PropType::kInteger32:
+    case PropType::kInteger16:
       ApplyFlag(scope, record, item);
       return;
     default:
@@ -59,13 +59,13 @@ void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recove
 }
 
 std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionScope& scope,
-                                                    const recovery::PropertyRecord& record) const {
-  const std::uint32_t id = LongIdOf(scope, record.id);
-  switch (record.type) {
-    case kTypeBoolean:
-    case kTypeLong:
-    case kTypeShort:
-      return FindFlag(tables_, record.type, id);
+                                                    const PropertyRecord& record) const {
+  const std::uint32_t id = LongIdOf(scope, record.wPropId);
+  switch (record.wPropType) {
+    case PropType::kBoolean:
+    case PropType::kInteger32:
+    case PropType::kInteger16:
+      return FindFlag(tables_, record.wPropType, id);
     default:
       break;
   }
@@ -75,22 +75,22 @@ std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionSc
   return isTaken ? std::optional(row->field) : std::nullopt;
 }
 
-void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,
+void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const PropertyRecord& record,
                               const output::Ref<output::RDOMail>& item) const {
-  const std::optional<output::Field> field = FindFlag(tables_, record.type, LongIdOf(scope, record.id));
-  if (field) item->Put(*field, FlagValue(record.type, record.value));
+  const std::optional<output::Field> field = FindFlag(tables_, record.wPropType, LongIdOf(scope, record.wPropId));
+  if (field) item->Put(*field, FlagValue(record.wPropType, record.dwValueHnid));
 }
 
 void KindConverter::ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                              const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
-  const FieldRow* row = FindField(tables_, LongIdOf(scope, record.id));
+                              const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
+  const FieldRow* row = FindField(tables_, LongIdOf(scope, record.wPropId));
   if (row == nullptr) return;
-  const std::uint32_t position = block.Position(record.value);
-  text::Text text = ReadStringValue(block, *scope.codePage, record.type, position);
-  if (text.empty() && record.type != kTypeTime) return;
+  const std::uint32_t position = block.Position(record.dwValueHnid);
+  text::Text text = ReadStringValue(block, *scope.codePage, record.wPropType, position);
+  if (text.empty() && record.wPropType != PropType::kTime) return;
   switch (row->sort) {
     case FieldSort::kDate:
-      item->Put(row->field, ReadTimeValue(block, record.type, position));
+      item->Put(row->field, ReadTimeValue(block, record.wPropType, position));
       return;
     case FieldSort::kOstText:
       if (scope.storeKind != engine::StoreKind::kOst) return;

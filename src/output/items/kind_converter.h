@@ -15,15 +15,15 @@ class KindConverter : public recovery::ItemConverter {
   explicit KindConverter(const KindTables& tables) : tables_(tables) {}
 
   void ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                     const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
+                     const PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
   std::optional<output::Field> FieldOf(const recovery::ConversionScope& scope,
-                                       const recovery::PropertyRecord& record) const override;
+                                       const PropertyRecord& record) const override;
 
  private:
-  void ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,
+  void ApplyFlag(const recovery::ConversionScope& scope, const PropertyRecord& record,
                  const output::Ref<output::RDOMail>& item) const;
   void ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                 const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) const;
+                 const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const;
 
   const KindTables& tables_;
 };

@@ -14,7 +14,7 @@ namespace velmora::items {
 
 /// A record of a number type; it is written as it stands.
 struct FlagRow {
-  std::uint16_t type;
+  PropType type;
   std::uint16_t id;
   output::Field field;
 };
@@ -46,14 +46,14 @@ extern const KindTables kJournalTables;
 extern const KindTables kNoteTables;
 
 /// Is the field of the type that such a record carries?
-constexpr bool Fits(std::uint16_t type, output::Field field) {
+constexpr bool Fits(PropType type, output::Field field) {
   switch (output::InfoOf(field).type) {
     case output::FieldType::Flag:
-      return type == kTypeBoolean;
+      return type == PropType::kBoolean;
     case output::FieldType::Number:
-      return type == kTypeLong;
+      return type == PropType::kInteger32;
     case output::FieldType::Number16:
-      return type == kTypeShort;
+      return type == PropType::kInteger16;
     default:
       return false;
   }

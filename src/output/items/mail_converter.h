@@ -11,9 +11,9 @@ namespace velmora::items {
 class MailConverter : public recovery::ItemConverter {
  public:
   void ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                     const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
+                     const PropertyRecord& record, const output::Ref<output::RDOMail>& item) override;
   std::optional<output::Field> FieldOf(const recovery::ConversionScope& scope,
-                                       const recovery::PropertyRecord& record) const override;
+                                       const PropertyRecord& record) const override;
 };
 
 }  // namespace velmora::items

@@ -5,6 +5,7 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off

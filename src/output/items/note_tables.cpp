@@ -5,13 +5,14 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kNoteFlags[] = {
-  {kTypeLong, 0x8B00, Color},
-  {kTypeLong, 0x8B02, Width},
-  {kTypeLong, 0x8B03, Height},
+  {kInteger32, 0x8B00, Color},
+  {kInteger32, 0x8B02, Width},
+  {kInteger32, 0x8B03, Height},
 };
 
 constexpr FieldRow kNoteFields[] = {

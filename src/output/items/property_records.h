@@ -4,18 +4,9 @@
 #include <cstdint>
 
 #include "recovery/item_converter.h"
-#include "recovery/property_ids.h"
+#include "store/format/prop_tag.h"
 
 namespace velmora::items {
-
-using recovery::kTypeBoolean;
-using recovery::kTypeLong;
-using recovery::kTypeShort;
-using recovery::kTypeString8;
-using recovery::kTypeString8List;
-using recovery::kTypeTime;
-using recovery::kTypeUnicode;
-using recovery::kTypeUnicodeList;
 
 /// The id of the tables: a named property's local id, which differs from store to store, becomes the long
 /// id that the store's name map gives it; every other id, and a local id without a pair, keeps its number.

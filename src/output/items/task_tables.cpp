@@ -5,13 +5,14 @@ namespace velmora::items {
 namespace {
 
 using enum output::Field;
+using enum PropType;
 using enum FieldSort;
 
 // clang-format off
 constexpr FlagRow kTaskFlags[] = {
-  {kTypeBoolean, 0x811C, Complete},
-  {kTypeBoolean, 0x8108, TaskAccepted},
-  {kTypeLong,    0x8101, Status},
+  {kBoolean, 0x811C, Complete},
+  {kBoolean, 0x8108, TaskAccepted},
+  {kInteger32,    0x8101, Status},
 };
 
 constexpr FieldRow kTaskFields[] = {
