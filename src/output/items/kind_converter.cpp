@@ -1,10 +1,9 @@
-#include "output/items/kind_converter.h"
-
+// The converter of the six kinds that are no mail.
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "output/items/common_flags.h"
+#include "output/items/item_converters.h"
 #include "output/items/value_readers.h"
 #include "recovery/catching_frame.h"
 
@@ -17,12 +16,6 @@ namespace {
 bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   const output::FieldRead held = item->Get(field);
   return !held.written || !held.AsText().empty();
-}
-
-std::optional<output::Field> FindFlag(const KindTables& tables, PropType type, std::uint32_t id) {
-  const auto row = std::find_if(tables.flags.begin(), tables.flags.end(),
-                                [&](const FlagRow& flag) { return flag.type == type && flag.id == id; });
-  return row != tables.flags.end() ? row->field : FindCommonFlag(tables.kind, type, id);
 }
 
 const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
@@ -99,6 +92,16 @@ void KindConverter::ApplyText(const recovery::ConversionScope& scope, const reco
       if (ItemGuard(item, row->field)) item->Put(row->field, std::move(text));
       return;
   }
+}
+
+recovery::ItemConverters MakeItemConverters() {
+  recovery::ItemConverters converters;
+  const auto at = [&converters](recovery::ItemKind kind) -> std::unique_ptr<recovery::ItemConverter>& {
+    return converters[static_cast<std::size_t>(kind)];
+  };
+  at(recovery::ItemKind::kMail) = std::make_unique<MailConverter>();
+  for (const KindTables& tables : kKindTables) at(tables.kind) = std::make_unique<KindConverter>(tables);
+  return converters;
 }
 
 }  // namespace velmora::items

@@ -1,9 +1,8 @@
-#include "output/items/mail_converter.h"
-
+// The converter of mails.
 #include <chrono>
 #include <string>
 
-#include "output/items/property_records.h"
+#include "output/items/item_converters.h"
 #include "output/items/value_readers.h"
 #include "store/ole_date.h"
 

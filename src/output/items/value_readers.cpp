@@ -1,6 +1,5 @@
 #include "output/items/value_readers.h"
 
-#include "output/items/property_records.h"
 #include "recovery/heap_text.h"
 #include "store/ole_date.h"
 

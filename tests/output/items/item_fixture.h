@@ -6,7 +6,7 @@
 
 #include "forged_heap.h"
 #include "output/items/item_converters.h"
-#include "output/items/property_records.h"
+#include "output/items/value_readers.h"
 #include "recording_mail.h"
 
 namespace velmora::items::testing {

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "forged_heap.h"
-#include "output/items/property_records.h"
 #include "output/items/value_readers.h"
 
 namespace velmora::items {
