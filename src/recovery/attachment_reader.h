@@ -19,7 +19,7 @@
 
 #include "platform/spool_file.h"
 #include "recovery/property_context.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 
 namespace velmora::recovery {

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "recovery/item_converter.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "store/format/property_tags.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "recovery/message_reader.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "recovery/work_queue.h"
 

@@ -15,7 +15,7 @@
 #include <optional>
 
 #include "recovery/item_converter.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "store/operations.h"
 
 namespace velmora::recovery {

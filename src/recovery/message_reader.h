@@ -20,7 +20,7 @@
 #include "recovery/body_reader.h"
 #include "recovery/item_converter.h"
 #include "recovery/message_item.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "recovery/work_queue.h"
 

@@ -14,7 +14,7 @@
 #include <cstdint>
 
 #include "recovery/message_reader.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/work_queue.h"
 
 namespace velmora::recovery {

@@ -1,8 +1,10 @@
-// The members of the engine object that the recovery steps own, grouped by the step that fills them.
+// What the recovery steps work with: the members of the engine object that they own, and what they hand to readers.
 #pragma once
 
 #include <cstdint>
 
+#include "engine/engine_state.h"
+#include "engine/run.h"
 #include "recovery/content_allowance.h"
 #include "recovery/folder_list.h"
 #include "recovery/item_converter.h"
@@ -14,7 +16,7 @@
 
 namespace velmora::recovery {
 
-/// Made anew for each run.
+/// Grouped by the step that fills them. Made anew for each run.
 struct RecoveryState {
   // Set-up: to be filled before RecoverFolders
   output::Ref<output::RDOSession> session;
@@ -33,6 +35,22 @@ struct RecoveryState {
   ContentAllowance reportAllowance;  ///< what is read for the report of losses
 
   RecoveryReport report;
+};
+
+/// For a reader of values: the source, the page of its 8-bit texts, and what may still be taken out of it.
+struct ValueSource {
+  engine::EngineState& engine;
+  const text::CodePage& codePage;
+  ContentAllowance& allowance;
+};
+
+/// For a step that writes as well: what is read, what is written, and who hears of it.
+struct RecoveryRun {
+  RecoveryState& state;
+  engine::EngineState& engine;
+  engine::RunContext& run;
+
+  ValueSource Values() const { return {engine, *state.codePage, state.allowance}; }
 };
 
 }  // namespace velmora::recovery

@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "recovery/item_converter.h"
-#include "recovery/recovery_run.h"
+#include "recovery/recovery_state.h"
 #include "recovery/sub_node_list.h"
 #include "store/format/byte_view.h"
 

@@ -1,4 +1,9 @@
-// The converter of the six kinds that are no mail.
+// The converter of the six kinds that are no mail. Rules, in order:
+//
+//  1. A record whose place lies outside the block is dropped, be its value in line or not.
+//  2. A number or flag with a row is written as it stands.
+//  3. Any other record with a row is read as a text; one that gives none is dropped, but for a time.
+//  4. A date is written. A text is written where the item's field holds something (ItemGuard).
 #include <algorithm>
 #include <optional>
 #include <utility>

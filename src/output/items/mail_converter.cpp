@@ -1,4 +1,9 @@
-// The converter of mails.
+// The converter of mails. The first rule that fits a record takes it:
+//
+//  1. 0042, the sender: field, and the from of the mail's row in the item list.
+//  2. 0E04, the recipients: field, and the to and subject of the row.
+//  3. Without a To before it, the first record above 0E04 fills the row instead (docs/fidelity.md#list-row).
+//  4. A row of the table in Apply. Any other record is dropped.
 #include <chrono>
 #include <string>
 
@@ -61,14 +66,11 @@ class MailWriter {
   const std::uint32_t position_;
 };
 
-/// The first rule that fits a record takes it.
 void MailWriter::Apply() {
   recovery::MailState& mail = *scope_.mail;
   const std::uint32_t id = LongIdOf(scope_, record_.wPropId);
   if (id == 0x0042) return ApplySender();
   if (id == 0x0E04) return ApplyTo();
-  // A mail without a To record spends its first record behind that place on the row: the record's own field,
-  // as a rule the delivery time, is lost (docs/fidelity.md#list-row).
   if (id > 0x0E04 && !mail.toSeen && !mail.subjectShown) return ShowRowWithoutTo();
   // clang-format off
   switch (id) {
