@@ -82,7 +82,7 @@ std::optional<Placement> PlaceMessage(const RecoveryRun& run, text::TextView mes
   if (!parent && path == kLostFolderName) return std::nullopt;
   const auto folder =
       parent ? PlaceSpecial(state, parent, split.leaf, messageClass, *special) : OpenFolder(state, path);
-  run.run.Send(engine::MSG_ADD_FOLDER, folderNid);
+  run.context.Send(engine::MSG_ADD_FOLDER, folderNid);
   return Placement{folder, text::Text(split.leaf)};
 }
 
@@ -122,10 +122,10 @@ std::optional<bool> FinishItem(const RecoveryRun& run, const MessageItems& made)
     }
     item->Save();
     saved = true;
-    if (run.run.log == nullptr) return;
-    run.run.Log(u"\r\n\r\n");
-    run.run.Log(row->label);
-    run.run.Log(item->Get(Field::Subject).AsText());
+    if (run.context.log == nullptr) return;
+    run.context.Log(u"\r\n\r\n");
+    run.context.Log(row->label);
+    run.context.Log(item->Get(Field::Subject).AsText());
   });
   return saved;
 }

@@ -35,7 +35,7 @@ class MessageWalk {
     scope_.wideFormat = run.engine.layout.wideFormat;
     scope_.codePage = run.state.codePage;
     scope_.namedProps = &run.state.namedProps;
-    scope_.run = &run.run;
+    scope_.run = &run.context;
     scope_.subNodes = &subNodeText_;
     scope_.mail = &mail_;
     scope_.currentFolderName = left.folderName;
@@ -174,10 +174,10 @@ class MessageWalk {
       message_.losses.fields.push_back({Field::Subject, Reported(record), {}});
     }
     mail->Put(Field::Subject, subject);
-    if (run_.run.log == nullptr) return;
-    run_.run.Log(u"\r\n\r\n");
-    run_.run.Log(u"Mail Subject: ");
-    run_.run.Log(mail->Get(Field::Subject).AsText());
+    if (run_.context.log == nullptr) return;
+    run_.context.Log(u"\r\n\r\n");
+    run_.context.Log(u"Mail Subject: ");
+    run_.context.Log(mail->Get(Field::Subject).AsText());
   }
 
   ItemConverter& ConverterOf(ItemKind kind) const { return *(*run_.state.converters)[static_cast<std::size_t>(kind)]; }

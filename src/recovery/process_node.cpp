@@ -35,7 +35,7 @@ class WorkQueueRun {
 
  private:
   void ProcessRecord(ItemWorkRecord& record) {
-    run_.run.control.PausePoint();
+    run_.context.control.PausePoint();
     ContentAllowance& allowance = run_.state.allowance;
     if (allowance.BytesSpent()) {
       record.outcome.skip = SkipReason::kNoBlock;
@@ -92,7 +92,7 @@ class WorkQueueRun {
     AttachmentReader reader(run_.Values());
     bool listed = false;
     for (const SubNodeEntry& entry : subNodes.entries) {
-      run_.run.control.PausePoint();
+      run_.context.control.PausePoint();
       if (allowance.BytesSpent() || !allowance.TakePart()) {
         ReportUntried(record, subNodes, kClaimsTooMuch);
         break;
@@ -115,7 +115,7 @@ class WorkQueueRun {
         ReportAttachment(run_.state, record, entry, attachment.missing);
       }
     }
-    if (listed) run_.run.Send(engine::MSG_LIST_ATTACHMENT);
+    if (listed) run_.context.Send(engine::MSG_LIST_ATTACHMENT);
   }
 
   /// Hands over what was read: to the queue, to the mail, or, where the classes of a damaged message contradict each
@@ -172,20 +172,20 @@ class WorkQueueRun {
   }
 
   void LogFileName(const Attachment& attachment) const {
-    if (!attachment.loggedName || run_.run.log == nullptr) return;
-    run_.run.Log(u"\r\n");
-    run_.run.Log(u"Attachment File Name: ");
-    run_.run.Log(*attachment.loggedName);
+    if (!attachment.loggedName || run_.context.log == nullptr) return;
+    run_.context.Log(u"\r\n");
+    run_.context.Log(u"Attachment File Name: ");
+    run_.context.Log(*attachment.loggedName);
   }
 
   void NameLastRecord(const Attachment& attachment) {
     const text::Text& name = attachment.embeddedName;
     if (name.empty()) return;
     if (run_.state.allowance.TakeHeld(2 * name.size())) queue_.back().attachmentName = name;
-    if (attachment.loggedName || run_.run.log == nullptr) return;
-    run_.run.Log(u"\r\n");
-    run_.run.Log(u"Attached Embedded Message: ");
-    run_.run.Log(name);
+    if (attachment.loggedName || run_.context.log == nullptr) return;
+    run_.context.Log(u"\r\n");
+    run_.context.Log(u"Attached Embedded Message: ");
+    run_.context.Log(name);
   }
 
   void ReportUntried(const ItemWorkRecord& record, const MessageSubNodes& subNodes, text::TextView reason) {
@@ -209,8 +209,8 @@ class WorkQueueRun {
     if (!first.createdItem) return;
     first.createdItem->Save();
     first.outcome.saved = true;
-    run_.run.Log(u"\r\n");
-    run_.run.Log(u"Status: Recovered\r\n");
+    run_.context.Log(u"\r\n");
+    run_.context.Log(u"Status: Recovered\r\n");
   }
 
   const RecoveryRun& run_;

@@ -48,7 +48,7 @@ struct ValueSource {
 struct RecoveryRun {
   RecoveryState& state;
   engine::EngineState& engine;
-  engine::RunContext& run;
+  engine::RunContext& context;
 
   ValueSource Values() const { return {engine, *state.codePage, state.allowance}; }
 };
