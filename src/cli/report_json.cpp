@@ -142,12 +142,12 @@ class ReportText {
 std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& report) {
   const recovery::RecoveryReport& recovery = report.recovery;
   std::optional<Json> untold;
-  if (recovery.lostUntold != 0) {
+  if (recovery.lostNotListed != 0) {
     untold = Json{{"kind", "more"},
                   {"nid", 0},
                   {"bidData", 0},
                   {"class", ""},
-                  {"reason", std::to_string(recovery.lostUntold) + " more, not listed"}};
+                  {"reason", std::to_string(recovery.lostNotListed) + " more, not listed"}};
   }
 
   ReportText json;

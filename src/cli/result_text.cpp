@@ -33,7 +33,7 @@ constexpr LossName kLossNames[] = {
 }  // namespace
 
 std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath) {
-  if (report.lost.empty() && report.lostUntold == 0) return {};
+  if (report.lost.empty() && report.lostNotListed == 0) return {};
   std::map<LossKind, std::uint64_t> counts;
   for (const recovery::LostObject& object : report.lost) ++counts[object.kind];
 
@@ -43,7 +43,7 @@ std::string LossText(const recovery::RecoveryReport& report, std::string_view re
     if (count == 0) continue;
     named += fmt::format("{}{} {}", named.empty() ? "" : ", ", count, count == 1 ? name.one : name.many);
   }
-  if (report.lostUntold != 0) named += fmt::format("{}{} more", named.empty() ? "" : ", and ", report.lostUntold);
+  if (report.lostNotListed != 0) named += fmt::format("{}{} more", named.empty() ? "" : ", and ", report.lostNotListed);
 
   std::string how = fmt::format("The report lists what is lost: {}", reportPath);
   if (reportPath.empty()) how = "With --report FILE a report lists what is lost.";

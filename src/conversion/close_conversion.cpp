@@ -80,7 +80,6 @@ void COutLook::ReleaseSession() {
 }
 
 void COutLook::ReleaseStore() {
-  recovery_.targetFolder.Release();
   recovery_.targetStore.Release();
   targetStore_.Release();
 }

@@ -10,8 +10,8 @@ std::uint64_t FirstPage(const Generation& layout) { return layout.formatId == FO
 
 std::uint32_t StrideOf(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 4096 : 512; }
 
-void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes,
-               Phase phase, PageVisitor& visitor) {
+void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes, Phase phase,
+               PageVisitor& visitor) {
   const Generation& layout = scan.found->layout;
   std::uint64_t offset = FirstPage(layout);
   const auto read = [&] { return window.Read(offset, sizes.reach).Slice(0, sizes.read); };

@@ -32,7 +32,7 @@ std::uint32_t StrideOf(const Generation& layout);
 
 /// From the first page of the store to the end of its source. Reports each step with `phase`; ends early once
 /// `runEnded` is raised.
-void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes,
-               Phase phase, PageVisitor& visitor);
+void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes, Phase phase,
+               PageVisitor& visitor);
 
 }  // namespace velmora::engine

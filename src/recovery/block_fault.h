@@ -1,9 +1,10 @@
-// Why a block gave nothing, told where it happens and carried to the report unchanged.
+// Why a block gave nothing: found where it happens, and carried to the report unchanged.
 #pragma once
 
 #include <cstdint>
 
 #include "engine/block_record.h"
+#include "store/format/ids.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
@@ -13,7 +14,7 @@ inline constexpr text::TextView kClaimsTooMuch = u"the store claims more than it
 
 /// Bit 1 of an id marks the blocks that name other blocks: lists of a value's pieces, lists of sub-nodes. It only
 /// serves the report: what a block is, its first bytes tell.
-constexpr bool IsInternalBid(std::uint32_t bid) { return (bid & 2) != 0; }
+constexpr bool IsInternalBid(std::uint32_t bid) { return IsInternal(Bid{bid}); }
 
 struct BlockFault {
   enum class Cause {

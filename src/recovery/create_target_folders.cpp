@@ -10,8 +10,8 @@
 #include "recovery/catching_frame.h"
 #include "recovery/folder_losses.h"
 #include "recovery/folder_path.h"
-#include "recovery/property_ids.h"
 #include "recovery/steps.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 namespace {
@@ -73,9 +73,9 @@ class FolderMaker {
     bool thereNow = false;
     bool created = false;
     WithinFrame([&] {
-      state_.targetFolder = state_.session->GetFolderFromPath(TargetPath(state_.convertedName, parentPath));
-      if (!state_.targetFolder) return;
-      const auto siblings = state_.targetFolder->Folders();
+      const auto parent = state_.session->GetFolderFromPath(TargetPath(state_.convertedName, parentPath));
+      if (!parent) return;
+      const auto siblings = parent->Folders();
       if (!siblings->Item(leaf)) {
         siblings->Add(leaf, KindOf(leaf, folder));
         created = true;
@@ -115,7 +115,7 @@ void CreateTargetFolders(RecoveryState& state, std::vector<FolderRecord> recover
   std::vector<FolderRecord> ordered = OrderFolders(std::move(recovered));
   std::unordered_set<std::uint32_t> leftOut;
   std::erase_if(ordered, [&](const FolderRecord& folder) {
-    const bool isLeftOut = folder.parentNid == kRootFolderNid;
+    const bool isLeftOut = folder.parentNid == Value(nid::kRootFolder);
     if (isLeftOut) leftOut.insert(folder.nid);
     return isLeftOut;
   });

@@ -1,13 +1,13 @@
 #include "recovery/folder_losses.h"
 
 #include "recovery/lost_items.h"
-#include "recovery/property_ids.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 
 void UnreadFolders::Note(const engine::NodeRecord& node, const FolderFault& fault) {
-  const bool isFolder = (node.nid & kNidTypeMask) == kNidTypeFolder && node.nid != kRootFolderNid;
-  const bool hasPlace = node.nidParent != 0 && node.nidParent != kRootFolderNid && node.nidParent != node.nid;
+  const bool isFolder = HasNidType(node.nid, NidType::kNormalFolder) && node.nid != Value(nid::kRootFolder);
+  const bool hasPlace = node.nidParent != 0 && node.nidParent != Value(nid::kRootFolder) && node.nidParent != node.nid;
   if (isFolder && hasPlace && !node.upperPage)
     unread_.try_emplace(node.nid, Unread{engine::LowBid(node.bidData), fault});
 }
@@ -22,7 +22,7 @@ void UnreadFolders::Report(RecoveryState& state, const FolderCollector& folders)
 
 void FolderLosses::ReportMoved() {
   for (const FolderRecord& folder : state_.folders.Records()) {
-    const bool atTopByRule = folder.parentNid == kRootFolderNid || folder.parentNid == state_.topFolderNid ||
+    const bool atTopByRule = folder.parentNid == Value(nid::kRootFolder) || folder.parentNid == state_.topFolderNid ||
                              folder.nid == state_.topFolderNid || leftOut_.contains(folder.parentNid);
     if (atTopByRule || state_.folders.Find(folder.parentNid) != nullptr) continue;
     Tell(folder, u"its parent " + HexOf(folder.parentNid) + u" is no folder that could be read: it stands at the top");
@@ -49,12 +49,12 @@ void FolderLosses::ReportNotMade(const FolderRecord& folder) {
 
 /// Other nodes may have a name too, and become folders by it: nobody would miss those.
 void FolderLosses::Tell(const FolderRecord& folder, text::TextView reason) {
-  if ((folder.nid & kNidTypeMask) != kNidTypeFolder) return;
+  if (!HasNidType(folder.nid, NidType::kNormalFolder)) return;
   ReportLoss(state_, {LossKind::kFolder,
                       folder.nid,
                       0,
                       {},
-                      u"folder \"" + ToldText(state_, folder.name) + u"\": " + text::Text(reason)});
+                      u"folder \"" + ReportText(state_, folder.name) + u"\": " + text::Text(reason)});
 }
 
 }  // namespace velmora::recovery

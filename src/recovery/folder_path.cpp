@@ -3,7 +3,7 @@
 #include <ranges>
 #include <vector>
 
-#include "recovery/property_ids.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 
@@ -19,7 +19,7 @@ text::Text BuildFolderPath(FolderList& folders, std::uint32_t topFolderNid, std:
     if (!folders.Visit(*folder)) break;
     chain.push_back(folder);
     NormaliseClass(*folder);
-    folder = folder->parentNid == kRootFolderNid ? nullptr : folders.ParentOf(*folder);
+    folder = folder->parentNid == Value(nid::kRootFolder) ? nullptr : folders.ParentOf(*folder);
   }
   if (chain.empty()) return text::Text(kLostFolderName);
 

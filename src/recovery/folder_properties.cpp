@@ -2,7 +2,7 @@
 
 #include "recovery/heap_text.h"
 #include "recovery/property_context.h"
-#include "recovery/property_ids.h"
+#include "store/format/property_tags.h"
 #include "text/plausibility.h"
 
 namespace velmora::recovery {
@@ -31,16 +31,16 @@ tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::
   bool named = false;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
     const PropertyRecord property = context.Record(index);
-    if (property.id == kMessageClassId) return Fault(u"its data block is that of a message");
-    if (property.id != kDisplayNameId && property.id != kContainerClassId) continue;
+    if (property.wPropId == IdOf(tag::kMessageClass)) return Fault(u"its data block is that of a message");
+    if (property.wPropId != IdOf(tag::kDisplayName) && property.wPropId != IdOf(tag::kContainerClass)) continue;
 
     text::Text value;
-    if (property.value != 0) {  // identifier 0 names no allocation: the text is empty
-      const auto range = RangeOf(block, context.Header().ibHnpm, property.value, kFolderRules.emptyEnd);
+    if (property.dwValueHnid != 0) {  // identifier 0 names no allocation: the text is empty
+      const auto range = RangeOf(block, context.Header().ibHnpm, property.dwValueHnid, kFolderRules.emptyEnd);
       if (!range) return Fault(u"its name or class does not stand in its block");
       value = CopyHeapText(range->In(block), wide, codePage);
     }
-    if (property.id == kContainerClassId) {
+    if (property.wPropId == IdOf(tag::kContainerClass)) {
       folder.containerClass = std::move(value);
       break;
     }

@@ -12,6 +12,7 @@
 #include "engine/run.h"
 #include "recovery/named_prop_map.h"
 #include "store/format/byte_view.h"
+#include "store/format/property_record.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 
@@ -19,13 +20,6 @@ namespace velmora::recovery {
 
 using velmora::ItemKind;
 inline constexpr std::size_t kItemKinds = 7;
-
-/// A record of a property context (published structure: 8 bytes in the record array).
-struct PropertyRecord {
-  std::uint16_t id = 0;
-  std::uint16_t type = 0;   ///< the MAPI property type
-  std::uint32_t value = 0;  ///< inline value, heap identifier, or sub-node identifier
-};
 
 /// The decoded and inflated block of the message under work, and what stands around it.
 struct MessageBlock {
@@ -53,8 +47,8 @@ class SubNodeValues {
  public:
   virtual ~SubNodeValues() = default;
 
-  /// The text of the sub-node whose id is `value`, `type` 0x001F or 0x001E; empty when there is none.
-  virtual text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) = 0;
+  /// The text of the sub-node whose id is `value`, a string of either width; empty when there is none.
+  virtual text::Text ReadSubnodeString(PropType type, std::uint32_t value) = 0;
 };
 
 /// What a converter may use of the run.

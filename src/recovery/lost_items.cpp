@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "recovery/message_classes.h"
-#include "recovery/property_ids.h"
 
 namespace velmora::recovery {
 namespace {
@@ -29,11 +28,11 @@ void ReportLoss(RecoveryState& state, LostObject lost) {
   if (state.report.lost.size() < state.allowance.MostLosses()) {
     state.report.lost.push_back(std::move(lost));
   } else {
-    ++state.report.lostUntold;
+    ++state.report.lostNotListed;
   }
 }
 
-text::Text ToldText(RecoveryState& state, text::TextView text) {
+text::Text ReportText(RecoveryState& state, text::TextView text) {
   const bool whole = state.allowance.TakeKept(text.size());
   return text::Text(whole ? text : text.substr(0, ContentAllowance::kLongestName));
 }
@@ -43,15 +42,15 @@ void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const Item
   if (outcome.skip) ++state.report.skipped[*outcome.skip];
   if (outcome.skip == SkipReason::kRefusedClass || node.upperPage) return;
   const bool isMessage =
-      (node.nid & kNidTypeMask) == kNidTypeMessage || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
+      HasNidType(node.nid, NidType::kNormalMessage) || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
   if (!isMessage) return;
-  ReportLoss(state, {LossKind::kMessage, node.nid, engine::LowBid(node.bidData), ToldText(state, outcome.messageClass),
-                     ReasonOf(outcome)});
+  ReportLoss(state, {LossKind::kMessage, node.nid, engine::LowBid(node.bidData),
+                     ReportText(state, outcome.messageClass), ReasonOf(outcome)});
 }
 
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {
   if (record.outcome.saved || record.outcome.skip == SkipReason::kRefusedClass) return;
-  ReportLoss(state, {LossKind::kEmbedded, record.nid, record.bidData, ToldText(state, record.outcome.messageClass),
+  ReportLoss(state, {LossKind::kEmbedded, record.nid, record.bidData, ReportText(state, record.outcome.messageClass),
                      text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
 }
 
@@ -61,19 +60,13 @@ text::Text MessageNameOf(const ItemWorkRecord& record) {
   return u"message " + HexOf(record.nid);
 }
 
-void ReportAttachment(ItemRun& items, const SubNodeEntry& attachment, text::TextView reason) {
-  ReportLoss(items.state, {LossKind::kAttachment,
-                           attachment.nid,
-                           attachment.bidData,
-                           {},
-                           u"attachment of " + MessageNameOf(items.Current()) + u": " + text::Text(reason)});
-}
-
-void ReportUntriedAttachments(ItemRun& items, text::TextView reason) {
-  for (std::size_t i = items.subNodesHandled; i < items.subNodes.size(); ++i) {
-    const SubNodeEntry& entry = items.subNodes[i];
-    if ((entry.nid & kNidTypeMask) == kNidTypeAttachment) ReportAttachment(items, entry, reason);
-  }
+void ReportAttachment(RecoveryState& state, const ItemWorkRecord& message, const SubNodeEntry& attachment,
+                      text::TextView reason) {
+  ReportLoss(state, {LossKind::kAttachment,
+                     attachment.nid,
+                     attachment.bidData,
+                     {},
+                     u"attachment of " + MessageNameOf(message) + u": " + text::Text(reason)});
 }
 
 }  // namespace velmora::recovery

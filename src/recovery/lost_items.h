@@ -4,14 +4,20 @@
 #include <cstdint>
 
 #include "engine/node_list.h"
-#include "recovery/item_run.h"
+#include "recovery/recovery_state.h"
+#include "recovery/sub_node_list.h"
+#include "recovery/work_queue.h"
+#include "store/format/ids.h"
 #include "text/text.h"
 
 namespace velmora::recovery {
 
-/// A text of the store as the report tells it. One that fills a block must not fill the report, node by node: it is
+/// Is a node of that type by its id? It only serves the report: what a node is, its block says.
+constexpr bool HasNidType(std::uint32_t nid, NidType type) { return TypeOf(Nid{nid}) == type; }
+
+/// A text of the store as the report has it. One that fills a block must not fill the report, node by node: it is
 /// cut once that would be out of proportion to the store.
-text::Text ToldText(RecoveryState& state, text::TextView text);
+text::Text ReportText(RecoveryState& state, text::TextView text);
 
 // What is lost is listed as long as the list is in proportion to the store, and only counted beyond that.
 
@@ -29,10 +35,8 @@ void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record);
 /// The message as a reason names it.
 text::Text MessageNameOf(const ItemWorkRecord& record);
 
-/// Lists an attachment of the message under work that was not brought across, or not whole.
-void ReportAttachment(ItemRun& items, const SubNodeEntry& attachment, text::TextView reason);
-
-/// Lists every sub-node of the message under work that is an attachment by its identifier and was not tried.
-void ReportUntriedAttachments(ItemRun& items, text::TextView reason);
+/// Lists an attachment of that message that was not brought across, or not whole.
+void ReportAttachment(RecoveryState& state, const ItemWorkRecord& message, const SubNodeEntry& attachment,
+                      text::TextView reason);
 
 }  // namespace velmora::recovery

@@ -72,7 +72,8 @@ ItemClass Classify(TextView messageClass) {
     if (text::EqualIgnoringCase(mailClass, messageClass)) return {ClassVerdict::kItem, ItemKind::kMail};
   }
   if (messageClass.size() < 3) return {ClassVerdict::kNoClass, ItemKind::kMail};
-  // One character in its place is enough to take a text for a class that is none of the above.
+  // One character in its place is enough to take a text for a class that is none of the above
+  // (docs/fidelity.md#refused-class).
   const char16_t third = messageClass[2];
   if (messageClass[0] == u'I' || messageClass[1] == u'P' || third == u'M' || third == u'F' || third == u'C') {
     return {ClassVerdict::kRefused, ItemKind::kMail};

@@ -4,7 +4,7 @@
 #include <array>
 #include <optional>
 
-#include "recovery/property_ids.h"
+#include "store/format/prop_tag.h"
 
 namespace velmora::recovery {
 
@@ -68,11 +68,11 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
   for (std::uint32_t index = 0; index < count; ++index) {
     const PropertyRecord property =
         ReadPropertyRecord(ByteView(bytes), context.Records().start + std::uint64_t{index} * kPropertyRecordSize);
-    if (property.type != kTypeBinary) continue;
+    if (property.wPropType != PropType::kBinary) continue;
 
     if (!guidsDone) {  // the stream has the lowest id of the binary properties in the map
       const ByteView block(bytes);
-      const std::uint32_t position = HeapPosition(ibHnpm, property.value);
+      const std::uint32_t position = HeapPosition(ibHnpm, property.dwValueHnid);
       if (position > blockSize) return NextStep::kEnd;
       const HeapRange stream{block.U16(position), block.U16(position + 2u)};
       if (stream.end <= stream.start) return NextStep::kBlockWalks;
@@ -81,7 +81,7 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
     }
 
     // Every record from here on, the stream's own included, is taken for a hash bucket.
-    const std::uint32_t offset = (property.value >> 4 & 0xFFFF) + ibHnpm + 2;
+    const std::uint32_t offset = (property.dwValueHnid >> 4 & 0xFFFF) + ibHnpm + 2;
     if (offset > blockSize) {
       if (!Take(offset + kReadBehindBucket)) return NextStep::kEnd;
       auto longer = blocks_.ReadChunk(record.offset, offset + kReadBehindBucket);

@@ -22,7 +22,7 @@ bool Inflates(const engine::ScannedStore& store, const ContextRules& rules) {
 HeapHeader ReadHeapHeader(ByteView block) { return {block.U16(0), block.U16(2), block.U32(4)}; }
 
 PropertyRecord ReadPropertyRecord(ByteView block, std::uint64_t offset) {
-  return {block.U16(offset), block.U16(offset + 2), block.U32(offset + 4)};
+  return {block.U16(offset), static_cast<PropType>(block.U16(offset + 2)), block.U32(offset + 4)};
 }
 
 std::optional<HeapRange> ReadHeapRange(ByteView block, std::uint32_t position) {

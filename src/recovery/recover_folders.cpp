@@ -7,8 +7,8 @@
 #include "recovery/folder_properties.h"
 #include "recovery/lost_items.h"
 #include "recovery/name_to_id_map.h"
-#include "recovery/property_ids.h"
 #include "recovery/steps.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 
@@ -49,7 +49,7 @@ class FolderRecovery {
     const bool isFolder = node.MayBeFolder() && TryFolder(node, index);
     if (engine::LowBid(node.bidData) == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
 
-    if (node.nid == kNameToIdMapNid) {
+    if (node.nid == Value(nid::kNameToIdMap)) {
       const CryptMethod encoding = IsEncodingKnownAt(index) ? store_.blockEncoding : CryptMethod::kNone;
       nameMap_.ReadNameToIdMap(engine::LowBid(node.bidData), engine::LowBid(node.bidSub), encoding);
     }

@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "recovery/item_steps.h"
 #include "recovery/lost_items.h"
-#include "recovery/property_ids.h"
+#include "recovery/process_node.h"
 #include "recovery/steps.h"
 
 namespace velmora::recovery {
@@ -16,6 +15,7 @@ namespace {
 
 constexpr std::uint32_t kItemStage = 8;
 constexpr std::uint32_t kLastPercent = 100;
+constexpr std::uint32_t kOrphanedMailsMarker = 0x1122;  ///< stands for a folder that has no node
 constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
 
 class ItemRecovery {
@@ -24,7 +24,6 @@ class ItemRecovery {
       : state_(state),
         store_(store),
         run_(run),
-        items_(state, store, run),
         nodesLeft_(state.usedNodes.Left(store)),
         percentBase_(static_cast<std::uint64_t>((std::uint64_t{nodesLeft_} + store.orphanBlockCount) / 100.0 + 0.5)) {}
 
@@ -38,13 +37,13 @@ class ItemRecovery {
       const std::uint64_t progress = Progress();
       if (CountsItems() || progress <= kLastPercent) run_.SayProgress(progress);
       const std::size_t listed = state_.report.lost.size();
-      const std::uint64_t untold = state_.report.lostUntold;
+      const std::uint64_t notListed = state_.report.lostNotListed;
       const auto outcome =
-          ProcessNode(items_, node.nid, engine::LowBid(node.bidData), engine::LowBid(node.bidSub), node.nidParent);
+          Process({node.nid, engine::LowBid(node.bidData), engine::LowBid(node.bidSub)}, {.folderNid = node.nidParent});
       // What an upper page was read as may by chance lead to a message, which its own node gives too.
       if (node.upperPage) {
         state_.report.lost.resize(listed);
-        state_.report.lostUntold = untold;
+        state_.report.lostNotListed = notListed;
       }
       ReportNode(state_, node, outcome);
       ++state_.report.nodesDone;
@@ -59,10 +58,9 @@ class ItemRecovery {
     for (std::size_t i = 0; i < orphans.size(); ++i) {
       if (run_.runEnded) return false;
       run_.control.PausePoint();
-      state_.inOrphanPhase = true;
-      OpenOrphanFolder(first);
+      const MessagePlace place{.orphanFolder = OpenOrphanFolder(first)};
       const OrphanBlock& orphan = orphans[i];
-      const auto outcome = ProcessNode(items_, 0, orphan.bidData, orphan.bidSub, 0);
+      const auto outcome = Process({.bidData = orphan.bidData, .bidSub = orphan.bidSub}, place);
       // The element that ends the list stands for nothing.
       const bool isElement = orphan.bidData != 0 || orphan.bidSub != 0;
       if (isElement) {
@@ -95,26 +93,30 @@ class ItemRecovery {
   std::uint64_t Progress() const {
     return CountsItems() ? counter_ : counter_ / std::max<std::uint64_t>(percentBase_, 1);
   }
+  ItemOutcome Process(const NodeBlocks& node, const MessagePlace& place) {
+    return ProcessNode({state_, store_, run_}, node, place, left_);
+  }
 
   /// What is placed nowhere else goes into one folder, whatever its kind.
-  void OpenOrphanFolder(bool& first) {
+  output::Ref<output::RDOFolder> OpenOrphanFolder(bool& first) {
     const auto folders = state_.targetStore->IPMRootFolder()->Folders();
-    state_.targetFolder = folders->Item(kOrphanFolderName);
-    if (state_.targetFolder || !first) return;
-    state_.targetFolder = folders->Add(kOrphanFolderName, {});
-    if (!state_.targetFolder) throw output::OutputFailure(output::ResultCode::E_POINTER);
+    auto folder = folders->Item(kOrphanFolderName);
+    if (folder || !first) return folder;
+    folder = folders->Add(kOrphanFolderName, {});
+    if (!folder) throw output::OutputFailure(output::ResultCode::E_POINTER);
     run_.Say(engine::FolderReached{kOrphanedMailsMarker, text::Text(kOrphanFolderName)});
     first = false;
     run_.Log(u"\r\n");
     run_.Log(u"Recovering Orphaned Mails \r\n");
+    return folder;
   }
 
   RecoveryState& state_;
   const ScannedStore& store_;
   RunContext& run_;
-  ItemRun items_;
   const std::uint32_t nodesLeft_;
   const std::uint64_t percentBase_;
+  LeftByTheItemBefore left_;
   std::uint64_t counter_ = 0;
   std::uint64_t lastPercentage_ = 0;
 };

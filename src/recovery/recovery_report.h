@@ -1,4 +1,4 @@
-// What a run can tell about itself. The report only tells; it changes nothing in what is converted.
+// What a run reports of itself. It changes nothing in what is converted.
 #pragma once
 
 #include <cstdint>
@@ -51,7 +51,7 @@ struct RecoveryReport {
   std::uint64_t nodesDone = 0;                ///< nodes and orphaned blocks that were worked through
   std::map<SkipReason, std::uint64_t> skipped;
   std::vector<LostObject> lost;
-  std::uint64_t lostUntold = 0;  ///< how many more are lost, where the list would grow out of proportion to the store
+  std::uint64_t lostNotListed = 0;  ///< those beyond, where the list would grow out of proportion to the store
 };
 
 }  // namespace velmora::recovery

@@ -1,10 +1,11 @@
-// The members of the engine object that the recovery steps own, grouped by the step that fills them.
+// What the recovery steps work with: the members of the engine object that they own, and what they hand to readers.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "engine/run.h"
 #include "engine/scanned_store.h"
 #include "recovery/content_allowance.h"
 #include "recovery/folder_list.h"
@@ -26,7 +27,7 @@ struct UsedNodes {
   std::uint32_t Left(const engine::ScannedStore& store) const { return store.nodeCount - countedOff; }
 };
 
-/// Made anew for each run.
+/// Grouped by the step that fills them. Made anew for each run.
 struct RecoveryState {
   // Set-up: to be filled before RecoverFolders
   output::Ref<output::RDOSession> session;
@@ -41,16 +42,27 @@ struct RecoveryState {
   FolderList folders;              ///< ordered and thinned; what the panes climb
   std::uint32_t topFolderNid = 0;  ///< of the folder "Top of Personal Folders"; 0 until one is seen
 
-  // Placement: kept from one message to the next
-  output::Ref<output::RDOFolder> targetFolder;  ///< receives the next item
-  text::Text currentFolderName;                 ///< leaf of the folder that took the last message placed
-  bool inOrphanPhase = false;                   ///< raised once, at the first orphan
-
   // Items
   ContentAllowance allowance;
-  ContentAllowance reportAllowance;  ///< what is read to tell of losses
+  ContentAllowance reportAllowance;  ///< what is read for the report of losses
 
   RecoveryReport report;
+};
+
+/// For a reader of values: the source, the page of its 8-bit texts, and what may still be taken out of it.
+struct ValueSource {
+  const engine::ScannedStore& store;
+  const text::CodePage& codePage;
+  ContentAllowance& allowance;
+};
+
+/// For a step that writes as well: what is read, what is written, and who hears of it.
+struct RecoveryRun {
+  RecoveryState& state;
+  const engine::ScannedStore& store;
+  engine::RunContext& context;
+
+  ValueSource Values() const { return {store, *state.codePage, state.allowance}; }
 };
 
 }  // namespace velmora::recovery

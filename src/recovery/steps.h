@@ -1,7 +1,7 @@
 // The recovery steps of a run, in the order in which the worker calls them. A step returns no value.
 //
 // Both raise output::OutputFailure: where the new store itself fails (output::IsStoreFailure), and where a step
-// is told to leave by exception (an embedded message that cannot be attached, "Orphaned Mails" that cannot be
+// has to leave by exception (an embedded message that cannot be attached, "Orphaned Mails" that cannot be
 // made). engine::RunStopped passes through both.
 #pragma once
 

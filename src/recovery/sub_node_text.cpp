@@ -2,8 +2,8 @@
 
 #include "engine/block_reader.h"
 #include "recovery/heap_text.h"
-#include "recovery/property_ids.h"
 #include "recovery/value_stream.h"
+#include "store/format/prop_tag.h"
 
 namespace velmora::recovery {
 namespace {
@@ -20,20 +20,20 @@ text::Text WithSinglePercents(const text::Text& text) {
 
 }  // namespace
 
-text::Text SubNodeText::ReadSubnodeString(std::uint16_t type, std::uint32_t value) {
+text::Text SubNodeText::ReadSubnodeString(PropType type, std::uint32_t value) {
   if (blockOfNid_.empty()) {
     for (const SubNodeEntry& entry : subNodes_) blockOfNid_.try_emplace(entry.nid, entry.bidData);
   }
   const auto entry = blockOfNid_.find(value);
   if (entry == blockOfNid_.end()) return {};
-  const engine::BlockReader blocks(store_);
+  const engine::BlockReader blocks(source_.store);
   const auto record = blocks.FindBlockOrLower(entry->second);
   if (!record) return {};
   const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
-  const auto block = ReadDataBlock(store_, *record, record->bid, allowance_, inflates);
-  if (!block || !allowance_.TakeHeld(block->bytes.size())) return {};
-  if (type == kTypeUnicode) return WithSinglePercents(WideText(ByteView(block->bytes)));
-  if (type == kTypeString8) return NarrowText(ByteView(block->bytes), codePage_);
+  const auto block = ReadDataBlock(source_.store, *record, record->bid, source_.allowance, inflates);
+  if (!block || !source_.allowance.TakeHeld(block->bytes.size())) return {};
+  if (type == PropType::kString) return WithSinglePercents(WideText(ByteView(block->bytes)));
+  if (type == PropType::kString8) return NarrowText(ByteView(block->bytes), source_.codePage);
   return {};
 }
 

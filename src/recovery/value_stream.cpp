@@ -5,7 +5,7 @@
 #include "recovery/block_fault.h"
 #include "recovery/heap_text.h"
 #include "recovery/property_context.h"
-#include "recovery/property_ids.h"
+#include "store/format/property_tags.h"
 
 namespace velmora::recovery {
 
@@ -97,7 +97,7 @@ void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, ContentAllow
 }  // namespace
 
 const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& codePage) {
-  return tag == kHtmlBodyId || tag == kRtfBodyId ? text::CodePage::Lossless() : codePage;
+  return tag == IdOf(tag::kHtml) || tag == IdOf(tag::kRtfCompressed) ? text::CodePage::Lossless() : codePage;
 }
 
 bool BuildBlockChain(const ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
@@ -167,7 +167,7 @@ text::Text ReadStreamAsText(const ScannedStore& store, BlockChain& chain, std::u
     if (!piece) continue;
     if (!allowance.TakeHeld(piece->bytes.size())) break;
     chain.read += piece->bytes.size();
-    result += CopyHeapText(ByteView(piece->bytes), wide && kind != kHtmlBodyId, page);
+    result += CopyHeapText(ByteView(piece->bytes), wide && kind != IdOf(tag::kHtml), page);
   }
   return result;
 }

@@ -60,7 +60,7 @@ TEST(ReportJson, ClassesThatHoldLoneSurrogatesAreCountedTogether) {
 
 TEST(ReportJson, WhatIsLostAndNotListedIsCounted) {
   conversion::RunReport report;
-  report.recovery.lostUntold = 7;
+  report.recovery.lostNotListed = 7;
   const Json lost = Json::parse(ReportJson({}, report))["lost"];
   ASSERT_EQ(lost.size(), 1u);
   EXPECT_EQ(lost[0]["reason"], "7 more, not listed");

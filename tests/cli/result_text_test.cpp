@@ -58,7 +58,7 @@ TEST(LossText, NamesTheLossesByKindAndNumberAndTheOptionThatListsThem) {
 TEST(LossText, CountsWhatIsNotListed) {
   recovery::RecoveryReport report;
   report.lost = {{recovery::LossKind::kMembers}};
-  report.lostUntold = 7;
+  report.lostNotListed = 7;
   EXPECT_THAT(LossText(report, ""), testing::HasSubstr("Lost or not whole: 1 list of members, and 7 more.\n"));
 }
 

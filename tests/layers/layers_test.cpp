@@ -201,4 +201,27 @@ TEST(Layers, TheTableItselfGoesDownwardAlone) {
   }
 }
 
+/// The words behind `mark` in a text, each as long as an anchor is.
+void CollectAnchors(const fs::path& file, std::string_view mark, std::set<std::string>& found) {
+  std::ifstream stream(file);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
+    at += mark.size();
+    const std::size_t end = text.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-", at);
+    found.insert(text.substr(at, end - at));
+  }
+}
+
+/// A rule that looks odd gives its reason by name; a reader can tell it from an accident.
+TEST(Fidelity, TheRulesThatTheCodeNamesAndThoseOfThePageAreTheSame) {
+  std::set<std::string> ofThePage;
+  CollectAnchors(fs::path(VELMORA_SOURCE_DIR) / "docs" / "fidelity.md", "<a id=\"", ofThePage);
+  std::set<std::string> ofTheCode;
+  for (const auto& entry : fs::recursive_directory_iterator(kSource)) {
+    if (entry.is_regular_file()) CollectAnchors(entry.path(), "docs/fidelity.md#", ofTheCode);
+  }
+  EXPECT_GT(ofTheCode.size(), 10u);
+  EXPECT_EQ(ofTheCode, ofThePage);
+}
+
 }  // namespace

@@ -140,7 +140,7 @@ TEST_F(AttachmentsTest, AnItemThatIsNoMailGetsNoAttachment) {
   EXPECT_EQ(state_.report.lost[0].nid, 0x8025u);
 }
 
-TEST_F(AttachmentsTest, AContentInSubNodesIsAttachedAndToldToTheList) {
+TEST_F(AttachmentsTest, AContentInSubNodesIsAttachedAndAnnouncedToTheList) {
   AddMail({Attachment(0x8025, {Value(0x3701, 0x0102, 0x803F), Wide(0x3704, u"big")}, Behind(Bytes(3000)))});
   Recover();
   EXPECT_THAT(Attached(), ElementsAre("big:3000"));

@@ -1,5 +1,5 @@
-#include "recovery/property_ids.h"
 #include "recovery/recovery_fixture.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::recovery {
 namespace {
@@ -18,7 +18,7 @@ class CreateTargetFoldersTest : public RecoveryTest {
 
 TEST_F(CreateTargetFoldersTest, ChildrenOfTheTopFolderGetAPathOfOneLevel) {
   state_.topFolderNid = 10;
-  Create({{10, kRootFolderNid, u"Top of Personal Folders", u"IPF.Note"},
+  Create({{10, velmora::Value(nid::kRootFolder), u"Top of Personal Folders", u"IPF.Note"},
           {20, 10, u"Inbox", u"IPF.Note"},
           {30, 20, u"Old", u"IPF.Task"}});
   EXPECT_THAT(Trace("AddFolder"),
@@ -26,7 +26,7 @@ TEST_F(CreateTargetFoldersTest, ChildrenOfTheTopFolderGetAPathOfOneLevel) {
 }
 
 TEST_F(CreateTargetFoldersTest, FoldersBelowTheRootNodeAreLeftOutAndTheirChildrenHangFromTheTop) {
-  Create({{10, kRootFolderNid, u"Search Root", u"IPF.Note"}, {20, 10, u"Results", u"IPF.Note"}});
+  Create({{10, velmora::Value(nid::kRootFolder), u"Search Root", u"IPF.Note"}, {20, 10, u"Results", u"IPF.Note"}});
   EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "Results", R"("IPF.Note")")));
   EXPECT_EQ(state_.folders.Records().size(), 1u);
 }

@@ -20,7 +20,7 @@ class FailuresTest : public RecoveryTest {
   }
   void ConverterFailsAt(std::uint16_t id, ResultCode code = ResultCode::E_FAIL) {
     hook_ = [id, code](ConversionScope&, const PropertyRecord& record) {
-      if (record.id == id) throw OutputFailure(code);
+      if (record.wPropId == id) throw OutputFailure(code);
     };
   }
 

@@ -55,7 +55,7 @@ TEST(FolderCollector, AFolderThatWasTheFirstIsNormalisedOnceItIsPassedAsALaterOn
   EXPECT_EQ(folders.Take()[1].containerClass, u"IPF.Note");
 }
 
-/// The walk from element to element, as the rule is told.
+/// The walk from element to element, as the rule has it.
 void AddByWalking(std::vector<FolderRecord>& list, FolderRecord folder) {
   std::size_t at = 0;
   for (; at < list.size(); ++at) {

@@ -147,7 +147,7 @@ TEST_F(FolderLossesTest, TheListOfLossesIsBoundedOverTheWholeRun) {
   for (std::uint32_t i = 0; i < 9000; ++i) AddNode(0x200024 + 32 * i, 0x7774, 0, kInbox);
   Recover();
   EXPECT_LT(state_.report.lost.size(), 12000u);
-  EXPECT_EQ(state_.report.lost.size() + state_.report.lostUntold, 18000u);
+  EXPECT_EQ(state_.report.lost.size() + state_.report.lostNotListed, 18000u);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ TEST_F(HostileStoresTest, MessagesThatShareOneListOfLostAttachmentsAreNotListedW
   Recover();
   EXPECT_GT(state_.report.lost.size(), 500u);
   EXPECT_LT(state_.report.lost.size(), 11000u);
-  EXPECT_EQ(state_.report.lost.size() + state_.report.lostUntold, 300u * 500);
+  EXPECT_EQ(state_.report.lost.size() + state_.report.lostNotListed, 300u * 500);
 }
 
 TEST_F(HostileStoresTest, AClassThatFillsABlockDoesNotFillTheReport) {

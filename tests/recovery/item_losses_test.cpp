@@ -224,7 +224,7 @@ TEST_F(ItemLossesTest, ABodyOfAnotherKindThatIsNotReadIsLost) {
 
 TEST_F(ItemLossesTest, ALongToIsLostAndTheDeliveryTimeWithIt) {
   hook_ = [](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id > 0x0E04) scope.mail->subjectShown = true;  // what the converter of mails does for want of a To
+    if (record.wPropId > 0x0E04) scope.mail->subjectShown = true;  // what the converter of mails does for want of a To
   };
   AddItem(u"IPM.Note", {Value(0x0042, 0x1F, 0x803F), Value(0x0E04, 0x1F, 0x805F), Data(0x0E06, 0x40, Bytes(8))},
           {{0x803F, AddBlock(NewBid(), Bytes(3600)), 0}, {0x805F, AddBlock(NewBid(), Bytes(4000)), 0}});

@@ -74,10 +74,10 @@ TEST_F(PropertyContextTest, RecordsComeInStoredOrder) {
   const PropertyContext context(ByteView(sound_), engine_, kMessageRules);
   ASSERT_EQ(context.GetFault(), Fault::kNone);
   ASSERT_EQ(context.Count(), 2u);
-  EXPECT_EQ(context.Record(0).id, 0x0E08);
-  EXPECT_EQ(context.Record(0).type, 3);
-  EXPECT_EQ(context.Record(0).value, 77u);
-  EXPECT_EQ(context.Record(1).id, 0x3001);
+  EXPECT_EQ(context.Record(0).wPropId, 0x0E08);
+  EXPECT_EQ(context.Record(0).wPropType, PropType::kInteger32);
+  EXPECT_EQ(context.Record(0).dwValueHnid, 77u);
+  EXPECT_EQ(context.Record(1).wPropId, 0x3001);
 }
 
 TEST_F(PropertyContextTest, AnEmptyRecordArrayHasNoRecordsAndNoFault) {

@@ -262,7 +262,7 @@ TEST_F(RecoverFoldersTest, ManyNodesAreReportedInPercent) {
   for (std::uint32_t i = 0; i <= 100; ++i) EXPECT_EQ(progress[i], i);
 }
 
-TEST_F(RecoverFoldersTest, TheLogTellsWhatComesNext) {
+TEST_F(RecoverFoldersTest, TheLogSaysWhatComesNext) {
   run_.log = this;
   AddTopAndInbox();
   Folders();

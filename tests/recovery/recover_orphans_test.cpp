@@ -32,7 +32,6 @@ class RecoverOrphansTest : public RecoveryTest {
 TEST_F(RecoverOrphansTest, ANormalScanMakesNoOrphanFolder) {
   Recover();
   EXPECT_THAT(OrphanFolder(), IsEmpty());
-  EXPECT_FALSE(state_.inOrphanPhase);
 }
 
 TEST_F(RecoverOrphansTest, ASmartScanOfAHealthyStoreMakesAnEmptyOrphanFolder) {
@@ -86,6 +85,21 @@ TEST_F(RecoverOrphansTest, ABodyAndAnAttachmentComeAlongWithAMailOfTheFallback) 
   Orphans({{bid, 0}});
   Recover();
   EXPECT_THAT(Trace("Put"), testing::Contains(R"({"op":"Put","id":1,"field":"Body","value":"body"})"));
+}
+
+TEST_F(RecoverOrphansTest, AnOrphanCountsAsOneInTheFolderOfTheLastMessagePlaced) {
+  std::vector<text::Text> names;
+  hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
+    if (record.wPropId == 0x0E07) names.push_back(scope.currentFolderName);
+  };
+  const std::vector<RecordSpec> mail = {Wide(0x001A, u"IPM.Note"), Value(0x0E07, 3, 1)};
+  Orphans({{AddBlock(0x40, HeapBlock(mail)), 0}});
+  AddFolder(0x8062, kTop, u"Sent");
+  AddMessage(mail, 0, kInbox);
+  AddMessage(mail, 0, 0x8062);
+  AddMessage(mail, 0, 0x9999);
+  Recover();
+  EXPECT_THAT(names, ElementsAre(u"Inbox", u"Sent", u"Sent")) << "a message without a place leaves no name";
 }
 
 TEST_F(RecoverOrphansTest, NothingIsDoneOnceTheRunHasEndedOrWasAborted) {
@@ -162,7 +176,7 @@ TEST_F(RecoverOrphansTest, AnEndOfTheRunAmongTheOrphansLeavesOutFillAndAnnouncem
   EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(0x1122));
 }
 
-TEST_F(RecoverOrphansTest, TheLogTellsTheFolder) {
+TEST_F(RecoverOrphansTest, TheLogNamesTheFolder) {
   run_.log = this;
   Orphans({});
   Recover();

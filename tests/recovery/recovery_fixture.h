@@ -41,11 +41,11 @@ class RecordingConverter : public ItemConverter {
       : kind_(kind), seen_(seen), hook_(hook) {}
   void ApplyProperty(ConversionScope& scope, const MessageBlock&, const PropertyRecord& record,
                      const output::Ref<output::RDOMail>&) override {
-    seen_.emplace_back(kind_, record.id);
+    seen_.emplace_back(kind_, record.wPropId);
     if (hook_) hook_(scope, record);
   }
   std::optional<output::Field> FieldOf(const ConversionScope&, const PropertyRecord& record) const override {
-    switch (record.id) {
+    switch (record.wPropId) {
       case 0x0042:
         return output::Field::SenderName;
       case 0x0E04:

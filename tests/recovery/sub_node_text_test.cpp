@@ -10,9 +10,9 @@ using engine::StoreKind;
 
 class SubNodeTextTest : public RecoveryTest {
  protected:
-  text::Text Read(std::uint16_t type, std::uint32_t value) {
+  text::Text Read(PropType type, std::uint32_t value) {
     Settle();
-    SubNodeText texts(engine_, subNodes_, ByteView(messageBlock_), *state_.codePage, allowance_);
+    SubNodeText texts({engine_, *state_.codePage, allowance_}, subNodes_, ByteView(messageBlock_));
     return texts.ReadSubnodeString(type, value);
   }
 
@@ -23,34 +23,34 @@ class SubNodeTextTest : public RecoveryTest {
 
 TEST_F(SubNodeTextTest, TheTextIsThatOfTheSubNodeWhoseIdIsTheValue) {
   AddBlock(8, BytesOf(u"a long list of names"));
-  EXPECT_EQ(Read(0x001F, 0x803F), u"a long list of names");
-  EXPECT_EQ(Read(0x001F, 0x805F), u"");
+  EXPECT_EQ(Read(PropType::kString, 0x803F), u"a long list of names");
+  EXPECT_EQ(Read(PropType::kString, 0x805F), u"");
 }
 
 TEST_F(SubNodeTextTest, EightBitTextGoesByTheCodePage) {
   AddBlock(8, BytesOf("caf\xE9"));
-  EXPECT_EQ(Read(0x001E, 0x803F), u"café");
+  EXPECT_EQ(Read(PropType::kString8, 0x803F), u"café");
 }
 
 TEST_F(SubNodeTextTest, OtherTypesGiveNothing) {
   AddBlock(8, BytesOf(u"text"));
-  EXPECT_EQ(Read(0x0102, 0x803F), u"");
+  EXPECT_EQ(Read(PropType::kBinary, 0x803F), u"");
 }
 
 TEST_F(SubNodeTextTest, DoublePercentSignsBecomeOneAndOthersStay) {
   AddBlock(8, BytesOf(u"100%% of %s, %%%d, 5%"));
-  EXPECT_EQ(Read(0x001F, 0x803F), u"100% of %s, %%d, 5%");
+  EXPECT_EQ(Read(PropType::kString, 0x803F), u"100% of %s, %%d, 5%");
 }
 
 TEST_F(SubNodeTextTest, PercentSignsOfEightBitTextStay) {
   AddBlock(8, BytesOf("100%%"));
-  EXPECT_EQ(Read(0x001E, 0x803F), u"100%%");
+  EXPECT_EQ(Read(PropType::kString8, 0x803F), u"100%%");
 }
 
 TEST_F(SubNodeTextTest, ItsBlockIsFoundThroughTheNextLowerIdToo) {
   subNodes_[1].bidData = 9;
   AddBlock(8, BytesOf(u"text"));
-  EXPECT_EQ(Read(0x001F, 0x803F), u"text");
+  EXPECT_EQ(Read(PropType::kString, 0x803F), u"text");
 }
 
 TEST_F(SubNodeTextTest, ItIsDecodedByTheIdOfTheRecordThatWasFound) {
@@ -60,17 +60,17 @@ TEST_F(SubNodeTextTest, ItIsDecodedByTheIdOfTheRecordThatWasFound) {
   Settle();
   engine::BlockReader(engine_).DecodeBlock(8, decoded);
   AddBlock(8, BytesOf(u"text"));
-  EXPECT_EQ(Read(0x001F, 0x803F), CopyHeapText(ByteView(decoded), true, *state_.codePage));
+  EXPECT_EQ(Read(PropType::kString, 0x803F), CopyHeapText(ByteView(decoded), true, *state_.codePage));
 }
 
 TEST_F(SubNodeTextTest, APackedTextIsNotInflatedBecauseTheMessagesOwnBlockIsLookedAt) {
   UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   const Bytes packed = Packed(BytesOf(u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"));
   AddBlock(8, packed);
-  EXPECT_EQ(Read(0x001F, 0x803F), WideText(ByteView(packed)));
+  EXPECT_EQ(Read(PropType::kString, 0x803F), WideText(ByteView(packed)));
 
   messageBlock_ = HeapBlock({}, {.signature = 0x1234});
-  EXPECT_EQ(Read(0x001F, 0x803F), u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa");
+  EXPECT_EQ(Read(PropType::kString, 0x803F), u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa");
 }
 
 }  // namespace

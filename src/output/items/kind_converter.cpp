@@ -1,10 +1,14 @@
-#include "output/items/kind_converter.h"
-
+// The converter of the six kinds that are no mail. Rules, in order:
+//
+//  1. A record whose place lies outside the block is dropped, be its value in line or not.
+//  2. A number or flag with a row is written as it stands.
+//  3. Any other record with a row is read as a text; one that gives none is dropped, but for a time.
+//  4. A date is written. A text is written where the item's field holds something (ItemGuard).
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "output/items/common_flags.h"
+#include "output/items/item_converters.h"
 #include "output/items/value_readers.h"
 #include "recovery/catching_frame.h"
 
@@ -12,16 +16,11 @@ namespace velmora::items {
 namespace {
 
 /// The test before every text write: a text replaces what the item's field holds, and a field that holds the
-/// empty text stays empty. A field that was never written counts as one that holds something.
+/// empty text stays empty (docs/fidelity.md#text-guard). A field that was never written counts as one that holds
+/// something.
 bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   const output::FieldRead held = item->Get(field);
   return !held.written || !held.AsText().empty();
-}
-
-std::optional<output::Field> FindFlag(const KindTables& tables, std::uint16_t type, std::uint32_t id) {
-  const auto row = std::find_if(tables.flags.begin(), tables.flags.end(),
-                                [&](const FlagRow& flag) { return flag.type == type && flag.id == id; });
-  return row != tables.flags.end() ? row->field : FindCommonFlag(tables.kind, type, id);
 }
 
 const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
@@ -30,11 +29,11 @@ const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
   return row != tables.fields.end() && row->id == id ? &*row : nullptr;
 }
 
-output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
+output::FieldValue FlagValue(PropType type, std::uint32_t value) {
   switch (type) {
-    case kTypeBoolean:
+    case PropType::kBoolean:
       return FlagOf(value);
-    case kTypeShort:
+    case PropType::kInteger16:
       return std::int32_t{static_cast<std::int16_t>(value)};
     default:
       return static_cast<std::int32_t>(value);
@@ -44,12 +43,12 @@ output::FieldValue FlagValue(std::uint16_t type, std::uint32_t value) {
 }  // namespace
 
 void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                                  const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
-  if (std::uint64_t{block.Position(record.value)} + 4 > block.record.size) return;
-  switch (record.type) {
-    case kTypeBoolean:
-    case kTypeLong:
-    case kTypeShort:
+                                  const PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
+  if (std::uint64_t{block.Position(record.dwValueHnid)} + 4 > block.record.size) return;
+  switch (record.wPropType) {
+    case PropType::kBoolean:
+    case PropType::kInteger32:
+    case PropType::kInteger16:
       ApplyFlag(scope, record, item);
       return;
     default:
@@ -58,13 +57,13 @@ void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recove
 }
 
 std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionScope& scope,
-                                                    const recovery::PropertyRecord& record) const {
-  const std::uint32_t id = LongIdOf(scope, record.id);
-  switch (record.type) {
-    case kTypeBoolean:
-    case kTypeLong:
-    case kTypeShort:
-      return FindFlag(tables_, record.type, id);
+                                                    const PropertyRecord& record) const {
+  const std::uint32_t id = LongIdOf(scope, record.wPropId);
+  switch (record.wPropType) {
+    case PropType::kBoolean:
+    case PropType::kInteger32:
+    case PropType::kInteger16:
+      return FindFlag(tables_, record.wPropType, id);
     default:
       break;
   }
@@ -74,22 +73,22 @@ std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionSc
   return isTaken ? std::optional(row->field) : std::nullopt;
 }
 
-void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const recovery::PropertyRecord& record,
+void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const PropertyRecord& record,
                               const output::Ref<output::RDOMail>& item) const {
-  const std::optional<output::Field> field = FindFlag(tables_, record.type, LongIdOf(scope, record.id));
-  if (field) item->Put(*field, FlagValue(record.type, record.value));
+  const std::optional<output::Field> field = FindFlag(tables_, record.wPropType, LongIdOf(scope, record.wPropId));
+  if (field) item->Put(*field, FlagValue(record.wPropType, record.dwValueHnid));
 }
 
 void KindConverter::ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                              const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
-  const FieldRow* row = FindField(tables_, LongIdOf(scope, record.id));
+                              const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
+  const FieldRow* row = FindField(tables_, LongIdOf(scope, record.wPropId));
   if (row == nullptr) return;
-  const std::uint32_t position = block.Position(record.value);
-  text::Text text = ReadStringValue(block, *scope.codePage, record.type, position);
-  if (text.empty() && record.type != kTypeTime) return;
+  const std::uint32_t position = block.Position(record.dwValueHnid);
+  text::Text text = ReadStringValue(block, *scope.codePage, record.wPropType, position);
+  if (text.empty() && record.wPropType != PropType::kTime) return;
   switch (row->sort) {
     case FieldSort::kDate:
-      item->Put(row->field, ReadTimeValue(block, record.type, position));
+      item->Put(row->field, ReadTimeValue(block, record.wPropType, position));
       return;
     case FieldSort::kOstText:
       if (scope.storeKind != engine::StoreKind::kOst) return;
@@ -98,6 +97,16 @@ void KindConverter::ApplyText(const recovery::ConversionScope& scope, const reco
       if (ItemGuard(item, row->field)) item->Put(row->field, std::move(text));
       return;
   }
+}
+
+recovery::ItemConverters MakeItemConverters() {
+  recovery::ItemConverters converters;
+  const auto at = [&converters](recovery::ItemKind kind) -> std::unique_ptr<recovery::ItemConverter>& {
+    return converters[static_cast<std::size_t>(kind)];
+  };
+  at(recovery::ItemKind::kMail) = std::make_unique<MailConverter>();
+  for (const KindTables& tables : kKindTables) at(tables.kind) = std::make_unique<KindConverter>(tables);
+  return converters;
 }
 
 }  // namespace velmora::items

@@ -2,11 +2,11 @@
 // being long ids. What has no row is dropped.
 #pragma once
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
-#include "output/items/property_records.h"
 #include "recovery/item_converter.h"
 #include "store/operations.h"
 
@@ -14,7 +14,7 @@ namespace velmora::items {
 
 /// A record of a number type; it is written as it stands.
 struct FlagRow {
-  std::uint16_t type;
+  PropType type;
   std::uint16_t id;
   output::Field field;
 };
@@ -34,43 +34,15 @@ struct FieldRow {
 
 struct KindTables {
   recovery::ItemKind kind;
-  std::span<const FlagRow> flags;    ///< those of this kind alone; the common ones are in common_flags.h
+  std::span<const FlagRow> flags;    ///< those of this kind alone
   std::span<const FieldRow> fields;  ///< ascending by id
 };
 
-extern const KindTables kContactTables;
-extern const KindTables kTaskTables;
-extern const KindTables kAppointmentTables;
-extern const KindTables kMeetingTables;
-extern const KindTables kJournalTables;
-extern const KindTables kNoteTables;
+/// One a kind.
+extern const std::array<KindTables, recovery::kItemKinds - 1> kKindTables;
 
-/// Is the field of the type that such a record carries?
-constexpr bool Fits(std::uint16_t type, output::Field field) {
-  switch (output::InfoOf(field).type) {
-    case output::FieldType::Flag:
-      return type == kTypeBoolean;
-    case output::FieldType::Number:
-      return type == kTypeLong;
-    case output::FieldType::Number16:
-      return type == kTypeShort;
-    default:
-      return false;
-  }
-}
-
-constexpr bool IsSound(std::span<const FlagRow> rows) {
-  return std::all_of(rows.begin(), rows.end(), [](const FlagRow& row) { return Fits(row.type, row.field); });
-}
-
-constexpr bool IsSound(std::span<const FieldRow> rows) {
-  const bool ascending = std::adjacent_find(rows.begin(), rows.end(), [](const FieldRow& a, const FieldRow& b) {
-                           return a.id >= b.id;
-                         }) == rows.end();
-  return ascending && std::all_of(rows.begin(), rows.end(), [](const FieldRow& row) {
-           return output::InfoOf(row.field).type ==
-                  (row.sort == FieldSort::kDate ? output::FieldType::Date : output::FieldType::Text);
-         });
-}
+/// The field that a record of this type and long id writes on an item of this kind: by a row of the kind, or by one
+/// that several kinds share.
+std::optional<output::Field> FindFlag(const KindTables& tables, PropType type, std::uint32_t id);
 
 }  // namespace velmora::items

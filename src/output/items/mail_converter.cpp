@@ -1,6 +1,13 @@
-#include "output/items/mail_converter.h"
+// The converter of mails. The first rule that fits a record takes it:
+//
+//  1. 0042, the sender: field, and the from of the mail's row in the item list.
+//  2. 0E04, the recipients: field, and the to and subject of the row.
+//  3. Without a To before it, the first record above 0E04 fills the row instead (docs/fidelity.md#list-row).
+//  4. A row of the table in Apply. Any other record is dropped.
+#include <chrono>
+#include <string>
 
-#include "output/items/property_records.h"
+#include "output/items/item_converters.h"
 #include "output/items/value_readers.h"
 
 namespace velmora::items {
@@ -15,12 +22,12 @@ text::Text ListDate(output::OleDate date) {
   return text::Decimal(parts.month) + u" /" + text::Decimal(parts.day) + u" /" + text::Decimal(parts.year);
 }
 
-/// One record on its way into one mail.
-class MailRecord {
+/// Writes one record into one mail.
+class MailWriter {
  public:
-  MailRecord(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-             const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item)
-      : scope_(scope), block_(block), record_(record), item_(item), position_(block.Position(record.value)) {}
+  MailWriter(recovery::ConversionScope& scope, const recovery::MessageBlock& block, const PropertyRecord& record,
+             const output::Ref<output::RDOMail>& item)
+      : scope_(scope), block_(block), record_(record), item_(item), position_(block.Position(record.dwValueHnid)) {}
 
   void Apply();
 
@@ -35,10 +42,12 @@ class MailRecord {
   void ApplyCategories();
   void ApplyMessageFlags();
 
-  text::Text HeapString() const { return ReadHeapString(scope_, block_, record_.type, position_, record_.value); }
-  output::OleDate Time() const { return ReadTimeValue(block_, record_.type, position_); }
-  bool Flag() const { return FlagOf(record_.value); }
-  std::int32_t Number() const { return static_cast<std::int32_t>(record_.value); }
+  text::Text HeapString() const {
+    return ReadHeapString(scope_, block_, record_.wPropType, position_, record_.dwValueHnid);
+  }
+  output::OleDate Time() const { return ReadTimeValue(block_, record_.wPropType, position_); }
+  bool Flag() const { return FlagOf(record_.dwValueHnid); }
+  std::int32_t Number() const { return static_cast<std::int32_t>(record_.dwValueHnid); }
   void Show(ListField field, text::TextView text) const {
     scope_.run->Say(engine::FieldListed{field, text::Text(text)});
   }
@@ -46,19 +55,16 @@ class MailRecord {
 
   recovery::ConversionScope& scope_;
   const recovery::MessageBlock& block_;
-  const recovery::PropertyRecord& record_;
+  const PropertyRecord& record_;
   const output::Ref<output::RDOMail>& item_;
   const std::uint32_t position_;
 };
 
-/// The first rule that fits a record takes it.
-void MailRecord::Apply() {
+void MailWriter::Apply() {
   recovery::MailState& mail = *scope_.mail;
-  const std::uint32_t id = LongIdOf(scope_, record_.id);
+  const std::uint32_t id = LongIdOf(scope_, record_.wPropId);
   if (id == 0x0042) return ApplySender();
   if (id == 0x0E04) return ApplyTo();
-  // A mail without a To record spends its first record behind that place on the row: the record's own field,
-  // as a rule the delivery time, is lost.
   if (id > 0x0E04 && !mail.toSeen && !mail.subjectShown) return ShowRowWithoutTo();
   // clang-format off
   switch (id) {
@@ -82,7 +88,7 @@ void MailRecord::Apply() {
   // clang-format on
 }
 
-void MailRecord::ApplySender() {
+void MailWriter::ApplySender() {
   scope_.mail->fromSeen = true;
   const text::Text text = HeapString();
   item_->Put(Field::SentOnBehalfOfName, text);
@@ -90,7 +96,7 @@ void MailRecord::ApplySender() {
   Show(ListField::kFrom, text);
 }
 
-void MailRecord::ApplyTo() {
+void MailWriter::ApplyTo() {
   scope_.mail->toSeen = true;
   if (!scope_.mail->fromSeen) Show(ListField::kFrom, {});
   const text::Text text = HeapString();
@@ -99,47 +105,48 @@ void MailRecord::ApplyTo() {
   ShowSubject();
 }
 
-void MailRecord::ShowRowWithoutTo() {
+void MailWriter::ShowRowWithoutTo() {
   scope_.mail->subjectShown = true;
   if (!scope_.mail->fromSeen) Show(ListField::kFrom, {});
   ShowSubject();
 }
 
-void MailRecord::ApplyReceivedTime() {
+void MailWriter::ApplyReceivedTime() {
   const output::OleDate date = Time();
   item_->Put(Field::ReceivedTime, date);
   Show(ListField::kDate, ListDate(date));
 }
 
-/// The icon of the mail tells whether it was answered; the answers themselves are not kept.
-void MailRecord::ApplyAnswered() {
-  if (record_.value == 0x105) item_->Reply();
-  if (record_.value == 0x106) item_->Forward();
+/// The icon of the mail says whether it was answered; the answers themselves are not kept.
+void MailWriter::ApplyAnswered() {
+  if (record_.dwValueHnid == 0x105) item_->Reply();
+  if (record_.dwValueHnid == 0x106) item_->Forward();
 }
 
 /// The message walk has put the record's own value into the working value just before, so a record that holds
-/// the start value, or 333, is never written; and so below.
-void MailRecord::ApplySensitivity() {
+/// the start value, or 333, is never written (docs/fidelity.md#seen-values); and so below.
+void MailWriter::ApplySensitivity() {
   std::uint16_t& seen = scope_.mail->sensitivitySeen;
   if (seen == 333 || seen == 4) return;
-  if (record_.value < 4) item_->Put(Field::Sensitivity, Number());
-  seen = static_cast<std::uint16_t>(record_.value);
+  if (record_.dwValueHnid < 4) item_->Put(Field::Sensitivity, Number());
+  seen = static_cast<std::uint16_t>(record_.dwValueHnid);
 }
 
-void MailRecord::ApplyUnlessSeen(Field field, std::uint16_t& seen, std::uint16_t startValue) {
+void MailWriter::ApplyUnlessSeen(Field field, std::uint16_t& seen, std::uint16_t startValue) {
   if (seen == 333 || seen == startValue) return;
   item_->Put(field, Number());
-  seen = static_cast<std::uint16_t>(record_.value);
+  seen = static_cast<std::uint16_t>(record_.dwValueHnid);
 }
 
-void MailRecord::ApplyCategories() {
-  const text::Text text = ReadStringValue(block_, *scope_.codePage, record_.type, position_);
+void MailWriter::ApplyCategories() {
+  const text::Text text = ReadStringValue(block_, *scope_.codePage, record_.wPropType, position_);
   if (!text.empty()) item_->Put(Field::Categories, text);
 }
 
-/// Every mail is created as a sent one. A read mail becomes unsent, but for one in the folder of sent mails.
-void MailRecord::ApplyMessageFlags() {
-  const bool read = (record_.value & 1) != 0;
+/// Every mail is created as a sent one. A read mail becomes unsent, but for one in the folder of sent mails
+/// (docs/fidelity.md#sent).
+void MailWriter::ApplyMessageFlags() {
+  const bool read = (record_.dwValueHnid & 1) != 0;
   if (!read) return;
   item_->Put(Field::UnRead, false);
   if (!text::EqualIgnoringCase(scope_.currentFolderName, u"sent")) item_->Put(Field::Sent, false);
@@ -148,14 +155,14 @@ void MailRecord::ApplyMessageFlags() {
 }  // namespace
 
 void MailConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                                  const recovery::PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
-  MailRecord(scope, block, record, item).Apply();
+                                  const PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
+  MailWriter(scope, block, record, item).Apply();
 }
 
 std::optional<Field> MailConverter::FieldOf(const recovery::ConversionScope& scope,
-                                            const recovery::PropertyRecord& record) const {
+                                            const PropertyRecord& record) const {
   // clang-format off
-  switch (LongIdOf(scope, record.id)) {
+  switch (LongIdOf(scope, record.wPropId)) {
     case 0x0042: return Field::SenderName;
     case 0x0E04: return Field::To;
     case 0x0E03: return Field::CC;

@@ -1,6 +1,5 @@
 #include "output/items/value_readers.h"
 
-#include "output/items/property_records.h"
 #include "recovery/heap_text.h"
 #include "text/calendar.h"
 
@@ -15,7 +14,8 @@ namespace {
 constexpr std::uint64_t OffsetOfValue(std::uint64_t index) { return 4 + 4 * index; }
 
 /// The copied bytes of an 8-bit list begin behind its first offset. With one value, whose text stands right
-/// there, that first offset (8) is taken for the length, so that as a rule the text is cut after 8 bytes.
+/// there, that first offset (8) is taken for the length, so that as a rule the text is cut after 8 bytes
+/// (docs/fidelity.md#short-list).
 text::Text EightBitList(const recovery::MessageBlock& block, const text::CodePage& codePage, std::uint32_t start,
                         std::uint32_t length) {
   const std::uint32_t count = block.bytes.U32(start);
@@ -46,7 +46,7 @@ text::Text UnicodeList(const recovery::MessageBlock& block, std::uint32_t start,
 
 }  // namespace
 
-text::Text ReadStringValue(const recovery::MessageBlock& block, const text::CodePage& codePage, std::uint16_t type,
+text::Text ReadStringValue(const recovery::MessageBlock& block, const text::CodePage& codePage, PropType type,
                            std::uint32_t position) {
   const std::uint32_t start = block.bytes.U16(position);
   const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
@@ -54,28 +54,28 @@ text::Text ReadStringValue(const recovery::MessageBlock& block, const text::Code
   const std::uint32_t length = end - start;
   if (block.record.size < length + 4) return {};
   switch (type) {
-    case kTypeUnicode:
+    case PropType::kString:
       return WideText(block.bytes.Slice(start, length));
-    case kTypeString8:
+    case PropType::kString8:
       return NarrowText(block.bytes.Slice(start, length), codePage);
-    case kTypeString8List:
+    case PropType::kMultipleString8:
       return EightBitList(block, codePage, start, length);
-    case kTypeUnicodeList:
+    case PropType::kMultipleString:
       return UnicodeList(block, start, length);
     default:
       return {};
   }
 }
 
-output::OleDate ReadTimeValue(const recovery::MessageBlock& block, std::uint16_t type, std::uint32_t position) {
-  if (type != kTypeTime) return {};
+output::OleDate ReadTimeValue(const recovery::MessageBlock& block, PropType type, std::uint32_t position) {
+  if (type != PropType::kTime) return {};
   const std::uint32_t start = block.bytes.U16(position);
   const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
   return DateOfFileTime(end > start && end - start == 8 ? block.bytes.U64(start) : 0);
 }
 
-text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
-                          std::uint16_t type, std::uint32_t position, std::uint32_t value) {
+text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery::MessageBlock& block, PropType type,
+                          std::uint32_t position, std::uint32_t value) {
   const std::uint32_t blockSize = block.record.size & 0xFFFF;  // an inflated block may be larger: its rest is not seen
   if (std::uint64_t{position} + 2 >= blockSize) return scope.subNodes->ReadSubnodeString(type, value);
   const std::uint32_t start = block.bytes.U16(position);
@@ -83,9 +83,9 @@ text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery
   if (end + 2 >= blockSize) return scope.subNodes->ReadSubnodeString(type, value);
   if (start == 0 || end <= start) return {};
   switch (type) {
-    case kTypeUnicode:
+    case PropType::kString:
       return WideText(block.bytes.Range(start, end));
-    case kTypeString8:
+    case PropType::kString8:
       return NarrowText(block.bytes.Range(start, end), *scope.codePage);
     default:
       return {};

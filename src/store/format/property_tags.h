@@ -43,6 +43,7 @@ inline constexpr PropTag kNativeBody = 0x10160003;
 inline constexpr PropTag kIconIndex = 0x10800003;
 inline constexpr PropTag kLastVerbExecuted = 0x10810003;
 inline constexpr PropTag kFlagStatus = 0x10900003;
+inline constexpr PropTag kFollowupIcon = 0x10950003;
 inline constexpr PropTag kConversationId = 0x30130102;
 inline constexpr PropTag kInternetCodepage = 0x3FDE0003;
 inline constexpr PropTag kSenderSmtpAddress = 0x5D01001F;
@@ -74,6 +75,7 @@ inline constexpr PropTag kAttachExtension = 0x3703001F;
 inline constexpr PropTag kAttachFilename = 0x3704001F;
 inline constexpr PropTag kAttachMethod = 0x37050003;
 inline constexpr PropTag kAttachLongFilename = 0x3707001F;
+inline constexpr PropTag kAttachMimeSequence = 0x37100003;
 inline constexpr PropTag kRenderingPosition = 0x370B0003;
 inline constexpr PropTag kAttachmentContactPhoto = 0x7FFF000B;
 

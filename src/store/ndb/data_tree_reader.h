@@ -22,7 +22,8 @@ class DataTreeReader {
   DataTreeReader() = default;
 
   /// kNoBid gives an empty tree. `source` and `faults` must outlive the reader. kCorrupt when a block above the data
-  /// is no XBLOCK or XXBLOCK, its numbers do not fit, or a block is named twice, which would make much of little; a tolerant reader fails for the root alone.
+  /// is no XBLOCK or XXBLOCK, its numbers do not fit, or a block is named twice, which would make much of little; a
+  /// tolerant reader fails for the root alone.
   [[nodiscard]] static Result<DataTreeReader> Open(const BlockSource& source, Bid bid, Faults* faults = nullptr);
 
   /// Bytes in all, as the tree's root says.

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "output/items/property_records.h"
+#include "output/items/value_readers.h"
 
 namespace velmora::items::testing {
 

@@ -6,7 +6,7 @@
 
 #include "forged_heap.h"
 #include "output/items/item_converters.h"
-#include "output/items/property_records.h"
+#include "output/items/value_readers.h"
 #include "recording_mail.h"
 
 namespace velmora::items::testing {
@@ -15,9 +15,9 @@ namespace velmora::items::testing {
 class OneSubNode : public recovery::SubNodeValues {
  public:
   text::Text answer;
-  std::vector<std::pair<std::uint16_t, std::uint32_t>> asked;
+  std::vector<std::pair<PropType, std::uint32_t>> asked;
 
-  text::Text ReadSubnodeString(std::uint16_t type, std::uint32_t value) override {
+  text::Text ReadSubnodeString(PropType type, std::uint32_t value) override {
     asked.emplace_back(type, value);
     return answer;
   }
@@ -37,18 +37,18 @@ class ItemFixture : public ::testing::Test {
   }
 
   /// One record to the converter of that kind. The block has room for every inline value below 0x8000.
-  void Apply(recovery::ItemKind kind, std::uint16_t id, std::uint16_t type, std::uint32_t value) {
+  void Apply(recovery::ItemKind kind, std::uint16_t id, PropType type, std::uint32_t value) {
     ApplyIn(heap.Block(heap.NextOffset() + 0x1000), kind, id, type, value);
   }
-  void ApplyIn(const recovery::MessageBlock& block, recovery::ItemKind kind, std::uint16_t id, std::uint16_t type,
+  void ApplyIn(const recovery::MessageBlock& block, recovery::ItemKind kind, std::uint16_t id, PropType type,
                std::uint32_t value) {
     converters[static_cast<std::size_t>(kind)]->ApplyProperty(scope, block, {id, type, value}, item);
   }
   void ApplyText(recovery::ItemKind kind, std::uint16_t id, text::TextView text) {
-    Apply(kind, id, kTypeUnicode, heap.Add(Utf16(text)));
+    Apply(kind, id, PropType::kString, heap.Add(Utf16(text)));
   }
   void ApplyTime(recovery::ItemKind kind, std::uint16_t id, std::uint64_t fileTime) {
-    Apply(kind, id, kTypeTime, heap.Add(Number(fileTime, 8)));
+    Apply(kind, id, PropType::kTime, heap.Add(Number(fileTime, 8)));
   }
 
   /// What was logged since the last call.

@@ -21,43 +21,43 @@ class KindConverterTest : public ItemFixture {};
 TEST_F(KindConverterTest, ARecordWhosePositionLeavesNoRoomInTheBlockIsDropped) {
   const std::uint32_t value = heap.Add(Utf16(u"subject"));
   const std::size_t end = heap.NextOffset() + 8;  // of the page map's one pair
-  ApplyIn(heap.Block(end - 1), ItemKind::kTask, 0x0037, kTypeUnicode, value);
+  ApplyIn(heap.Block(end - 1), ItemKind::kTask, 0x0037, PropType::kString, value);
   EXPECT_THAT(Taken(), IsEmpty());
-  ApplyIn(heap.Block(end), ItemKind::kTask, 0x0037, kTypeUnicode, value);
+  ApplyIn(heap.Block(end), ItemKind::kTask, 0x0037, PropType::kString, value);
   EXPECT_THAT(Taken(), ElementsAre("Subject='subject'"));
 }
 
 TEST_F(KindConverterTest, AnInlineValueIsHeldAgainstTheBlockAsIfItWereAReference) {
   const recovery::MessageBlock block = heap.Block(heap.NextOffset() + 0x100);
-  ApplyIn(block, ItemKind::kTask, 0x8101, kTypeLong, 0xFAF);  // 0xFA + 2 + 4 bytes are just inside
+  ApplyIn(block, ItemKind::kTask, 0x8101, PropType::kInteger32, 0xFAF);  // 0xFA + 2 + 4 bytes are just inside
   EXPECT_THAT(Taken(), ElementsAre("Status=4015"));
-  ApplyIn(block, ItemKind::kTask, 0x8101, kTypeLong, 0xFB0);
-  ApplyIn(block, ItemKind::kTask, 0x8101, kTypeLong, 0xFFFFFFFF);
+  ApplyIn(block, ItemKind::kTask, 0x8101, PropType::kInteger32, 0xFB0);
+  ApplyIn(block, ItemKind::kTask, 0x8101, PropType::kInteger32, 0xFFFFFFFF);
   EXPECT_THAT(Taken(), IsEmpty());
 }
 
 TEST_F(KindConverterTest, ABlockTooSmallForAnyRecordDropsEveryRecord) {
   recovery::MessageBlock block;
-  ApplyIn(block, ItemKind::kTask, 0x0023, kTypeBoolean, 1);
+  ApplyIn(block, ItemKind::kTask, 0x0023, PropType::kBoolean, 1);
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(KindConverterTest, ABooleanWhoseIdIsATextFieldsIsDropped) {
-  Apply(ItemKind::kTask, 0x0037, kTypeBoolean, heap.Add(Utf16(u"subject")));
-  Apply(ItemKind::kTask, 0x0037, kTypeLong, heap.Add(Utf16(u"subject")));
+  Apply(ItemKind::kTask, 0x0037, PropType::kBoolean, heap.Add(Utf16(u"subject")));
+  Apply(ItemKind::kTask, 0x0037, PropType::kInteger32, heap.Add(Utf16(u"subject")));
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(KindConverterTest, AFlagIsTheLow16BitsOfItsValue) {
   heap = ForgedHeap(0x8000);
   const recovery::MessageBlock block = heap.Block(0x8000 + 0x2100);
-  ApplyIn(block, ItemKind::kTask, 0x0023, kTypeBoolean, 0x10000);
-  ApplyIn(block, ItemKind::kTask, 0x0023, kTypeBoolean, 0x18000);
+  ApplyIn(block, ItemKind::kTask, 0x0023, PropType::kBoolean, 0x10000);
+  ApplyIn(block, ItemKind::kTask, 0x0023, PropType::kBoolean, 0x18000);
   EXPECT_THAT(log, ElementsAre("OriginatorDeliveryReportRequested=false", "OriginatorDeliveryReportRequested=true"));
 }
 
 TEST_F(KindConverterTest, AnEmptyTextIsDropped) {
-  Apply(ItemKind::kTask, 0x0037, kTypeUnicode, heap.Add({}));
+  Apply(ItemKind::kTask, 0x0037, PropType::kString, heap.Add({}));
   ApplyText(ItemKind::kTask, 0x0037, text::TextView(u"\0subject", 8));
   EXPECT_THAT(log, IsEmpty());
 }
@@ -65,30 +65,30 @@ TEST_F(KindConverterTest, AnEmptyTextIsDropped) {
 TEST_F(KindConverterTest, ATextThatEndsBelowOffset16OfTheBlockIsDropped) {
   heap = ForgedHeap(8);
   heap.Add(BytesOf("subject"));
-  Apply(ItemKind::kTask, 0x0037, kTypeString8, heap.AddRange(8, 15));
+  Apply(ItemKind::kTask, 0x0037, PropType::kString8, heap.AddRange(8, 15));
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(KindConverterTest, A8BitTextAndAUtf16TextTakeTheSameRow) {
-  Apply(ItemKind::kContact, 0x3A06, kTypeString8, heap.Add(BytesOf("Zo\xEB")));
-  Apply(ItemKind::kContact, 0x3A06, kTypeUnicode, heap.Add(Utf16(u"Zoë")));
+  Apply(ItemKind::kContact, 0x3A06, PropType::kString8, heap.Add(BytesOf("Zo\xEB")));
+  Apply(ItemKind::kContact, 0x3A06, PropType::kString, heap.Add(Utf16(u"Zoë")));
   EXPECT_THAT(log, ElementsAre("FirstName='Zoë'", "FirstName='Zoë'"));
 }
 
 TEST_F(KindConverterTest, AListOfOneValueGivesThatValueWithNoSemicolon) {
-  Apply(ItemKind::kContact, 0x3A58, kTypeUnicodeList, heap.Add(List({Utf16(u"Ann")})));
+  Apply(ItemKind::kContact, 0x3A58, PropType::kMultipleString, heap.Add(List({Utf16(u"Ann")})));
   EXPECT_THAT(log, ElementsAre("Children='Ann'"));
 }
 
 TEST_F(KindConverterTest, AListOfSeveralValuesIsJoined) {
-  Apply(ItemKind::kContact, 0x3A58, kTypeUnicodeList, heap.Add(List({Utf16(u"Ann"), Utf16(u"Bob")})));
+  Apply(ItemKind::kContact, 0x3A58, PropType::kMultipleString, heap.Add(List({Utf16(u"Ann"), Utf16(u"Bob")})));
   EXPECT_THAT(log, ElementsAre("Children='Ann;Bob'"));
 }
 
 // ------------------------------------------------------------------------------------ dates
 
 TEST_F(KindConverterTest, ATimeRecordOfFourBytesWritesTheFirstDayOf1601) {
-  Apply(ItemKind::kTask, 0x8104, kTypeTime, heap.Add(Number(1, 4)));
+  Apply(ItemKind::kTask, 0x8104, PropType::kTime, heap.Add(Number(1, 4)));
   EXPECT_THAT(log, ElementsAre("StartDate=date -109205"));
 }
 
@@ -108,7 +108,7 @@ TEST_F(KindConverterTest, ALocalIdIsTranslatedInBothStages) {
   namedProps.AddNamedProp(0x8104, 0x8001);
   namedProps.AddNamedProp(0x811C, 0x8FFF);
   ApplyTime(ItemKind::kTask, 0x8001, kNewYear2020);
-  Apply(ItemKind::kTask, 0x8FFF, kTypeBoolean, 1);
+  Apply(ItemKind::kTask, 0x8FFF, PropType::kBoolean, 1);
   EXPECT_THAT(log, ElementsAre("StartDate=date 43831", "Complete=true"));
 }
 
@@ -158,7 +158,7 @@ TEST_F(KindConverterTest, WithALibraryWhoseReadsAnswerEmptyNoTextIsWrittenWhileD
     ApplyText(kind, 0x0037, u"subject");
     ApplyText(kind, 0x1000, u"body");
     ApplyTime(kind, 0x0E06, kNewYear2020);
-    Apply(kind, 0x0023, kTypeBoolean, 1);
+    Apply(kind, 0x0023, PropType::kBoolean, 1);
     EXPECT_THAT(Taken(), ElementsAre("ReceivedTime=date 43831", "OriginatorDeliveryReportRequested=true"));
   }
 }
@@ -181,13 +181,13 @@ TEST_F(KindConverterTest, AFailingDateCostsThatFieldAlone) {
 
 TEST_F(KindConverterTest, AFailingFlagIsRaisedToTheMessageWalk) {
   object->FailPut(Field::Complete, ResultCode::E_FAIL);
-  EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, kTypeBoolean, 1), OutputFailure);
+  EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, PropType::kBoolean, 1), OutputFailure);
 }
 
 TEST_F(KindConverterTest, ANullItemCostsATextAlone) {
   item.Release();
   EXPECT_NO_THROW(ApplyText(ItemKind::kTask, 0x0037, u"subject"));
-  EXPECT_THROW(Apply(ItemKind::kTask, 0x0023, kTypeBoolean, 1), OutputFailure);
+  EXPECT_THROW(Apply(ItemKind::kTask, 0x0023, PropType::kBoolean, 1), OutputFailure);
 }
 
 TEST_F(KindConverterTest, AFailureOfTheStoreItselfPasses) {
@@ -197,7 +197,7 @@ TEST_F(KindConverterTest, AFailureOfTheStoreItselfPasses) {
     object->FailPut(Field::Complete, code);
     EXPECT_THROW(ApplyText(ItemKind::kTask, 0x0037, u"subject"), OutputFailure);
     EXPECT_THROW(ApplyTime(ItemKind::kTask, 0x8104, kNewYear2020), OutputFailure);
-    EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, kTypeBoolean, 1), OutputFailure);
+    EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, PropType::kBoolean, 1), OutputFailure);
   }
 }
 
@@ -209,7 +209,7 @@ TEST_F(KindConverterTest, TheStopOfARunPasses) {
   };
   item = std::make_shared<StoppingMail>(log);
   EXPECT_THROW(ApplyText(ItemKind::kTask, 0x0037, u"subject"), engine::RunStopped);
-  EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, kTypeBoolean, 1), engine::RunStopped);
+  EXPECT_THROW(Apply(ItemKind::kTask, 0x811C, PropType::kBoolean, 1), engine::RunStopped);
 }
 
 // ------------------------------------------------------------------------------------ the kinds
@@ -235,11 +235,11 @@ TEST_F(KindConverterTest, AnEmailAddressIsTakenFromAnyKindOfStore) {
 }
 
 TEST_F(KindConverterTest, AContactsGenderIsA16BitIntegerAlone) {
-  Apply(ItemKind::kContact, 0x3A4D, kTypeLong, 1);
-  Apply(ItemKind::kContact, 0x3A4D, kTypeBoolean, 1);
+  Apply(ItemKind::kContact, 0x3A4D, PropType::kInteger32, 1);
+  Apply(ItemKind::kContact, 0x3A4D, PropType::kBoolean, 1);
   EXPECT_THAT(Taken(), IsEmpty());
   heap = ForgedHeap(0x4000);
-  ApplyIn(heap.Block(0x8000), ItemKind::kContact, 0x3A4D, kTypeShort, 0x1FFFF);
+  ApplyIn(heap.Block(0x8000), ItemKind::kContact, 0x3A4D, PropType::kInteger16, 0x1FFFF);
   EXPECT_THAT(Taken(), ElementsAre("Gender=-1"));
 }
 
@@ -250,7 +250,7 @@ TEST_F(KindConverterTest, AContactHasNoRecipients) {
 }
 
 TEST_F(KindConverterTest, ATasksPriorityIsATextAndNoNumber) {
-  Apply(ItemKind::kTask, 0x0026, kTypeLong, 1);
+  Apply(ItemKind::kTask, 0x0026, PropType::kInteger32, 1);
   EXPECT_THAT(Taken(), IsEmpty());
   ApplyText(ItemKind::kTask, 0x0026, u"A1");
   EXPECT_THAT(Taken(), ElementsAre("SchedulePlusPriority='A1'"));
@@ -264,7 +264,7 @@ TEST_F(KindConverterTest, The8105OfATaskIsItsDueDateAndOfAMailTheDateOfItsFlag) 
 }
 
 TEST_F(KindConverterTest, AnAppointmentThatIsNotAllDaySaysSo) {
-  Apply(ItemKind::kAppointment, 0x8215, kTypeBoolean, 0);
+  Apply(ItemKind::kAppointment, 0x8215, PropType::kBoolean, 0);
   EXPECT_THAT(log, ElementsAre("AllDayEvent=false"));
 }
 
@@ -277,22 +277,22 @@ TEST_F(KindConverterTest, AMeetingHasNoPlaceStartOrEnd) {
 
 TEST_F(KindConverterTest, AMeetingsReminderTimeIsWrittenWhateverItsReminderFlagSays) {
   ApplyTime(ItemKind::kMeeting, 0x8502, kNewYear2020);
-  Apply(ItemKind::kMeeting, 0x8503, kTypeBoolean, 0);
+  Apply(ItemKind::kMeeting, 0x8503, PropType::kBoolean, 0);
   ApplyTime(ItemKind::kMeeting, 0x8502, kNewYear2020);
   EXPECT_THAT(log, ElementsAre("ReminderTime=date 43831", "ReminderSet=false", "ReminderTime=date 43831"));
 }
 
 TEST_F(KindConverterTest, ANoteHasNoPlaceOnTheScreenAndNoSender) {
-  Apply(ItemKind::kNote, 0x8B04, kTypeLong, 80);
-  Apply(ItemKind::kNote, 0x8B05, kTypeLong, 80);
+  Apply(ItemKind::kNote, 0x8B04, PropType::kInteger32, 80);
+  Apply(ItemKind::kNote, 0x8B05, PropType::kInteger32, 80);
   for (std::uint16_t id : std::initializer_list<std::uint16_t>{0x0042, 0x0064, 0x0065, 0x0C1A, 0x0C1E, 0x0C1F})
     ApplyText(ItemKind::kNote, id, u"Ann");
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(KindConverterTest, AJournalEntryHasNoImportanceNoAgingAndNoEnd) {
-  Apply(ItemKind::kJournal, 0x0017, kTypeLong, 1);
-  Apply(ItemKind::kJournal, 0x850E, kTypeBoolean, 1);
+  Apply(ItemKind::kJournal, 0x0017, PropType::kInteger32, 1);
+  Apply(ItemKind::kJournal, 0x850E, PropType::kBoolean, 1);
   ApplyTime(ItemKind::kJournal, 0x8708, kNewYear2020);
   EXPECT_THAT(log, IsEmpty());
 }

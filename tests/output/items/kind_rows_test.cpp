@@ -59,16 +59,16 @@ TEST_P(EveryRow, WritesItsField) {
       EXPECT_THAT(log, ElementsAre(operation + "=date 43831"));
       break;
     case 'F':
-      Apply(kind.kind, row.id, kTypeBoolean, 1);
-      Apply(kind.kind, row.id, kTypeBoolean, 0);
+      Apply(kind.kind, row.id, PropType::kBoolean, 1);
+      Apply(kind.kind, row.id, PropType::kBoolean, 0);
       EXPECT_THAT(log, ElementsAre(operation + "=true", operation + "=false"));
       break;
     case 'N':
-      Apply(kind.kind, row.id, kTypeLong, 0x1234);
+      Apply(kind.kind, row.id, PropType::kInteger32, 0x1234);
       EXPECT_THAT(log, ElementsAre(operation + "=4660"));
       break;
     case 'S':
-      Apply(kind.kind, row.id, kTypeShort, 2);
+      Apply(kind.kind, row.id, PropType::kInteger16, 2);
       EXPECT_THAT(log, ElementsAre(operation + "=2"));
       break;
     default:
@@ -83,9 +83,9 @@ TEST_P(EveryRow, IsHeldBackWhereReadsAnswerEmptyIfItIsAText) {
   const bool isText = row.sort == 'T' || row.sort == 'O';
   if (isText) ApplyText(kind.kind, row.id, u"some text");
   if (row.sort == 'D') ApplyTime(kind.kind, row.id, kNewYear2020);
-  if (row.sort == 'F') Apply(kind.kind, row.id, kTypeBoolean, 1);
-  if (row.sort == 'N') Apply(kind.kind, row.id, kTypeLong, 1);
-  if (row.sort == 'S') Apply(kind.kind, row.id, kTypeShort, 1);
+  if (row.sort == 'F') Apply(kind.kind, row.id, PropType::kBoolean, 1);
+  if (row.sort == 'N') Apply(kind.kind, row.id, PropType::kInteger32, 1);
+  if (row.sort == 'S') Apply(kind.kind, row.id, PropType::kInteger16, 1);
   EXPECT_EQ(log.size(), isText ? 0u : 1u);
 }
 
@@ -97,13 +97,13 @@ INSTANTIATE_TEST_SUITE_P(Tables, EveryRow, ::testing::ValuesIn(AllRows()), [](co
 class EveryId : public ItemFixture, public ::testing::WithParamInterface<Kind> {
  protected:
   /// Which operation a record of that type and id is expected to call; null where the record is dropped.
-  const char* Expected(std::uint16_t id, std::uint16_t type) const {
+  const char* Expected(std::uint16_t id, PropType type) const {
     const bool isOst = scope.storeKind == engine::StoreKind::kOst;
-    const std::string_view sorts = type == kTypeBoolean ? "F"
-                                   : type == kTypeLong  ? "N"
-                                   : type == kTypeShort ? "S"
-                                   : isOst              ? "TDO"
-                                                        : "TD";
+    const std::string_view sorts = type == PropType::kBoolean     ? "F"
+                                   : type == PropType::kInteger32 ? "N"
+                                   : type == PropType::kInteger16 ? "S"
+                                   : isOst                        ? "TDO"
+                                                                  : "TD";
     const auto& rows = GetParam().rows;
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const ExpectedRow& candidate) {
       return candidate.id == id && sorts.find(candidate.sort) != sorts.npos;
@@ -115,15 +115,19 @@ class EveryId : public ItemFixture, public ::testing::WithParamInterface<Kind> {
     const std::uint32_t text = heap.Add(Utf16(u"some text"));
     const std::uint32_t time = heap.Add(Number(kNewYear2020, 8));
     const recovery::MessageBlock block = heap.Block(0x100);
-    for (const auto& [type, value] :
-         {std::pair{kTypeUnicode, text}, {kTypeTime, time}, {kTypeBoolean, 1u}, {kTypeLong, 1u}, {kTypeShort, 1u}}) {
+    for (const auto& [type, value] : {std::pair{PropType::kString, text},
+                                      {PropType::kTime, time},
+                                      {PropType::kBoolean, 1u},
+                                      {PropType::kInteger32, 1u},
+                                      {PropType::kInteger16, 1u}}) {
       for (std::uint32_t number = 0; number <= 0xFFFF; ++number) {
         const auto id = static_cast<std::uint16_t>(number);
         ApplyIn(block, GetParam().kind, id, type, value);
         const char* expected = Expected(id, type);
         if (expected == nullptr && log.empty()) continue;
-        ASSERT_EQ(log.size(), expected == nullptr ? 0u : 1u) << "id " << id << " type " << type;
-        ASSERT_EQ(log.front().substr(0, log.front().find('=')), expected) << "id " << id << " type " << type;
+        ASSERT_EQ(log.size(), expected == nullptr ? 0u : 1u) << "id " << id << " type " << static_cast<int>(type);
+        ASSERT_EQ(log.front().substr(0, log.front().find('=')), expected)
+            << "id " << id << " type " << static_cast<int>(type);
         log.clear();
         object->Reset();
       }

@@ -25,8 +25,8 @@ class MailConverterTest : public ItemFixture {
   }
   void Text(std::uint16_t id, text::TextView text) { ApplyText(kMail, id, text); }
   void Time(std::uint16_t id, std::uint64_t fileTime = kNewYear2020) { ApplyTime(kMail, id, fileTime); }
-  void Number(std::uint16_t id, std::uint32_t value) { Apply(kMail, id, kTypeLong, value); }
-  void Flag(std::uint16_t id, std::uint32_t value) { Apply(kMail, id, kTypeBoolean, value); }
+  void Number(std::uint16_t id, std::uint32_t value) { Apply(kMail, id, PropType::kInteger32, value); }
+  void Flag(std::uint16_t id, std::uint32_t value) { Apply(kMail, id, PropType::kBoolean, value); }
 
   /// As the message walk does ahead of the converter.
   void SeenNumber(std::uint16_t id, std::uint16_t& seen, std::uint32_t value) {
@@ -107,8 +107,8 @@ TEST_F(MailConverterTest, RecordsAheadOfToAreConvertedInAMailWithoutIt) {
 TEST_F(MailConverterTest, ALongDisplayListComesFromItsSubNode) {
   subNodes.answer = u"many people";
   heap.Add(BytesOf("text"));
-  Apply(kMail, 0x0E04, kTypeUnicode, heap.AddRange(0xFF00, 0xFFF0));
-  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(kTypeUnicode, 3u << 5)));
+  Apply(kMail, 0x0E04, PropType::kString, heap.AddRange(0xFF00, 0xFFF0));
+  EXPECT_THAT(subNodes.asked, ElementsAre(Pair(PropType::kString, 3u << 5)));
   EXPECT_THAT(log, ElementsAre("from ''", "To='many people'", "to 'many people'", "subject ''"));
 }
 
@@ -131,7 +131,7 @@ TEST_F(MailConverterTest, SenderAddressesAndBlindCopiesAreNotLookedAt) {
 
 TEST_F(MailConverterTest, ADeliveryTimeOfWrongSizeIsTheFirstDayOf1601) {
   mail.toSeen = true;
-  Apply(kMail, 0x0E06, kTypeTime, heap.Add(testing::Number(1, 4)));
+  Apply(kMail, 0x0E06, PropType::kTime, heap.Add(testing::Number(1, 4)));
   EXPECT_THAT(log, ElementsAre("ReceivedTime=date -109205", "date '1 /1 /1601'"));
 }
 
@@ -201,10 +201,10 @@ TEST_F(MailConverterTest, AFlagIconIsWrittenButFor333AndItsStartValue) {
 TEST_F(MailConverterTest, OnlyTheLow16BitsOfANumberAreHeldAgainstItsStartValue) {
   heap = ForgedHeap(0x4000);
   mail.importanceSeen = 3;  // what the message walk keeps of 0x10003
-  ApplyIn(heap.Block(0x8000), kMail, 0x0017, kTypeLong, 0x10003);
+  ApplyIn(heap.Block(0x8000), kMail, 0x0017, PropType::kInteger32, 0x10003);
   EXPECT_THAT(log, IsEmpty());
   mail.importanceSeen = 5;
-  ApplyIn(heap.Block(0x8000), kMail, 0x0017, kTypeLong, 0x10005);
+  ApplyIn(heap.Block(0x8000), kMail, 0x0017, PropType::kInteger32, 0x10005);
   EXPECT_THAT(log, ElementsAre("Importance=65541"));
   EXPECT_EQ(mail.importanceSeen, 5);
 }
@@ -227,7 +227,7 @@ TEST_F(MailConverterTest, NamedRecordsAreKnownByTheirLongIds) {
   namedProps.AddNamedProp(0x8012, 0x8F03);
   Number(0x8F01, 2);
   Time(0x8F02);
-  Apply(kMail, 0x8F03, kTypeUnicodeList, heap.Add(List({Utf16(u"Work"), Utf16(u"Home")})));
+  Apply(kMail, 0x8F03, PropType::kMultipleString, heap.Add(List({Utf16(u"Work"), Utf16(u"Home")})));
   EXPECT_THAT(log, ElementsAre("FlagStatus=2", "FlagDueBy=date 43831", "Categories='Work;Home'"));
 }
 

@@ -1,11 +1,11 @@
 #include "store/ndb/ndb_writer.h"
-#include "store/ndb/subnode_tree_writer.h"
 
 #include <gtest/gtest.h>
 
 #include "store/format/header.h"
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/store_reader.h"
+#include "store/ndb/subnode_tree_writer.h"
 #include "store/support/pst_check.h"
 #include "store/support/test_files.h"
 

@@ -6,9 +6,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PlaceMessageTest : public RecoveryTest {
+class MessageItemTest : public RecoveryTest {
  protected:
-  PlaceMessageTest() { AddTopAndInbox(); }
+  MessageItemTest() { AddTopAndInbox(); }
 
   void AddOfClass(std::u16string_view messageClass, std::uint32_t folder) {
     AddMessage({Wide(0x001A, messageClass)}, 0, folder);
@@ -27,40 +27,40 @@ class PlaceMessageTest : public RecoveryTest {
   }
 };
 
-TEST_F(PlaceMessageTest, AMailGoesToTheFolderOfItsParent) {
+TEST_F(MessageItemTest, AMailGoesToTheFolderOfItsParent) {
   AddOfClass(u"IPM.Note", kInbox);
   Recover();
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item(R"(\\Inbox)", "IPM.Note")));
 }
 
-TEST_F(PlaceMessageTest, AMailOfTheTopFolderGoesToTheTopOfTheStore) {
+TEST_F(MessageItemTest, AMailOfTheTopFolderGoesToTheTopOfTheStore) {
   AddOfClass(u"IPM.Note", kTop);
   Recover();
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item("", "IPM.Note")));
 }
 
-TEST_F(PlaceMessageTest, AMailOfAnUnknownFolderIsDropped) {
+TEST_F(MessageItemTest, AMailOfAnUnknownFolderIsDropped) {
   AddOfClass(u"IPM.Note", 0x9999);
   Recover();
   EXPECT_THAT(Trace(), IsEmpty());
   EXPECT_THAT(Numbers<engine::FolderReached>(), ElementsAre(kInbox));
 }
 
-TEST_F(PlaceMessageTest, AFolderCalledLostAndFoundTakesItsMail) {
+TEST_F(MessageItemTest, AFolderCalledLostAndFoundTakesItsMail) {
   AddFolder(0x8062, kTop, u"Lost & Found");
   AddOfClass(u"IPM.Note", 0x8062);
   Recover();
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item(R"(\\Lost & Found)", "IPM.Note")));
 }
 
-TEST_F(PlaceMessageTest, ASpecialItemOfAKnownFolderStaysThere) {
+TEST_F(MessageItemTest, ASpecialItemOfAKnownFolderStaysThere) {
   AddOfClass(u"IPM.Contact", kInbox);
   Recover();
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item(R"(\\Inbox)", "IPM.Contact")));
   EXPECT_THAT(FoldersMade(), IsEmpty());
 }
 
-TEST_F(PlaceMessageTest, ASpecialItemOfAnUnknownFolderGoesBelowTheDefaultFolderOfItsKind) {
+TEST_F(MessageItemTest, ASpecialItemOfAnUnknownFolderGoesBelowTheDefaultFolderOfItsKind) {
   AddOfClass(u"IPM.Contact", 0x9999);
   AddOfClass(u"IPM.Task", 0x9999);
   AddOfClass(u"IPM.Contact", 0x9999);
@@ -74,7 +74,7 @@ TEST_F(PlaceMessageTest, ASpecialItemOfAnUnknownFolderGoesBelowTheDefaultFolderO
                   R"({"op":"AddFolder","parent":"\\\\out\\Tasks","name":"Lost & Found","type":"IPM.Task"})"));
 }
 
-TEST_F(PlaceMessageTest, AClassWithoutADefaultFolderGetsItsFolderAtTheTop) {
+TEST_F(MessageItemTest, AClassWithoutADefaultFolderGetsItsFolderAtTheTop) {
   AddOfClass(u"IPM.MessageManager", 0x9999);
   Recover();
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item(R"(\\Lost & Found)", "IPM.MessageManager")));
@@ -83,7 +83,7 @@ TEST_F(PlaceMessageTest, AClassWithoutADefaultFolderGetsItsFolderAtTheTop) {
       ElementsAre(R"({"op":"AddFolder","parent":"\\\\out","name":"Lost & Found","type":"IPM.MessageManager"})"));
 }
 
-TEST_F(PlaceMessageTest, ARefusedClassMayStillMakeAFolder) {
+TEST_F(MessageItemTest, ARefusedClassMayStillMakeAFolder) {
   AddOfClass(u"IPM.Configuration.Calendar", 0x9999);
   Recover();
   EXPECT_THAT(Trace(), IsEmpty());
@@ -91,7 +91,7 @@ TEST_F(PlaceMessageTest, ARefusedClassMayStillMakeAFolder) {
                                          R"("type":"IPM.Configuration.Calendar"})"));
 }
 
-TEST_F(PlaceMessageTest, ASpecialItemDirectlyUnderTheTopFolderGoesToTheDefaultFolderItself) {
+TEST_F(MessageItemTest, ASpecialItemDirectlyUnderTheTopFolderGoesToTheDefaultFolderItself) {
   AddOfClass(u"IPM.StickyNote", kTop);
   AddOfClass(u"IPM.MessageManager", kTop);
   Recover();
@@ -100,7 +100,7 @@ TEST_F(PlaceMessageTest, ASpecialItemDirectlyUnderTheTopFolderGoesToTheDefaultFo
   EXPECT_THAT(FoldersMade(), IsEmpty());
 }
 
-TEST_F(PlaceMessageTest, ASpecialItemWhoseFolderWasNotMadeFallsBackToTheDefaultFolder) {
+TEST_F(MessageItemTest, ASpecialItemWhoseFolderWasNotMadeFallsBackToTheDefaultFolder) {
   AddFolder(0x8062, kInbox, u"Inbox\\People");  // its parent would be Inbox\Inbox
   AddOfClass(u"IPM.Contact", 0x8062);
   Recover();
@@ -108,7 +108,7 @@ TEST_F(PlaceMessageTest, ASpecialItemWhoseFolderWasNotMadeFallsBackToTheDefaultF
   EXPECT_EQ(state_.report.lost.size(), 2u) << "the folder, and the mail";
 }
 
-TEST_F(PlaceMessageTest, AMailWhoseFolderWasNotMadeIsGivenUpAndTheRunGoesOn) {
+TEST_F(MessageItemTest, AMailWhoseFolderWasNotMadeIsGivenUpAndTheRunGoesOn) {
   AddFolder(0x8062, kInbox, u"no\\way");
   AddOfClass(u"IPM.Note", 0x8062);
   AddOfClass(u"IPM.Note", kInbox);
@@ -116,10 +116,10 @@ TEST_F(PlaceMessageTest, AMailWhoseFolderWasNotMadeIsGivenUpAndTheRunGoesOn) {
   EXPECT_THAT(Trace("AddItem"), ElementsAre(Item(R"(\\Inbox)", "IPM.Note")));
 }
 
-TEST_F(PlaceMessageTest, TheLeafOfTheFolderIsKeptOnBothRoutes) {
+TEST_F(MessageItemTest, TheLeafOfTheFolderIsKeptOnBothRoutes) {
   std::vector<text::Text> names;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id == 0x0E07) names.push_back(scope.currentFolderName);
+    if (record.wPropId == 0x0E07) names.push_back(scope.currentFolderName);
   };
   for (const auto* messageClass : {u"IPM.Note", u"IPM.Contact"}) {
     AddMessage({Wide(0x001A, messageClass), Value(0x0E07, 3, 1)}, 0, kInbox);
@@ -129,7 +129,7 @@ TEST_F(PlaceMessageTest, TheLeafOfTheFolderIsKeptOnBothRoutes) {
   EXPECT_THAT(names, ElementsAre(u"Inbox", u"Inbox", u"Lost & Found"));
 }
 
-TEST_F(PlaceMessageTest, EachPlacedMessageTellsItsFolderToTheTree) {
+TEST_F(MessageItemTest, EachPlacedMessageSendsItsFolderToTheTree) {
   AddOfClass(u"IPM.Note", kInbox);
   AddOfClass(u"IPM.Contact", 0x9999);
   AddOfClass(u"IPM.Note", 0x9999);

@@ -9,9 +9,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-class ParseMessageTest : public RecoveryTest {
+class MessageReaderTest : public RecoveryTest {
  protected:
-  ParseMessageTest() { AddTopAndInbox(); }
+  MessageReaderTest() { AddTopAndInbox(); }
 
   std::vector<std::uint16_t> IdsSeenBy(ItemKind kind) const {
     std::vector<std::uint16_t> ids;
@@ -22,7 +22,7 @@ class ParseMessageTest : public RecoveryTest {
   }
 };
 
-TEST_F(ParseMessageTest, AMailIsMadeSentAndSavedLast) {
+TEST_F(MessageReaderTest, AMailIsMadeSentAndSavedLast) {
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"Hello")});
   Recover();
   EXPECT_THAT(Trace(),
@@ -31,7 +31,7 @@ TEST_F(ParseMessageTest, AMailIsMadeSentAndSavedLast) {
                           R"({"op":"Put","id":1,"field":"Subject","value":"Hello"})", R"({"op":"Save","id":1})"));
 }
 
-TEST_F(ParseMessageTest, AnItemOfAnotherKindIsSavedByItsWalk) {
+TEST_F(MessageReaderTest, AnItemOfAnotherKindIsSavedByItsWalk) {
   AddMessage({Wide(0x001A, u"IPM.Task"), Wide(0x0037, u"Do it")});
   Recover();
   EXPECT_THAT(Trace(), ElementsAre(R"({"op":"AddItem","id":1,"folder":"\\\\out\\Inbox","class":"IPM.Task"})",
@@ -39,7 +39,7 @@ TEST_F(ParseMessageTest, AnItemOfAnotherKindIsSavedByItsWalk) {
   EXPECT_THAT(IdsSeenBy(ItemKind::kTask), ElementsAre(0x001A, 0x0037));
 }
 
-TEST_F(ParseMessageTest, EachKindHasItsConverter) {
+TEST_F(MessageReaderTest, EachKindHasItsConverter) {
   const std::pair<const char16_t*, ItemKind> kinds[] = {
       {u"IPM.Note", ItemKind::kMail},        {u"IPM.DistList", ItemKind::kContact},
       {u"IPF.Task", ItemKind::kTask},        {u"IPM.Appointment", ItemKind::kAppointment},
@@ -51,33 +51,33 @@ TEST_F(ParseMessageTest, EachKindHasItsConverter) {
   EXPECT_EQ(Trace("Save").size(), 7u);
 }
 
-TEST_F(ParseMessageTest, RecordsAheadOfTheClassReachNoConverter) {
+TEST_F(MessageReaderTest, RecordsAheadOfTheClassReachNoConverter) {
   AddMessage({Value(0x0017, 3, 2), Wide(0x001A, u"IPM.Note"), Value(0x0036, 3, 1)});
   Recover();
   EXPECT_THAT(IdsSeenBy(ItemKind::kMail), ElementsAre(0x001A, 0x0036));
 }
 
-TEST_F(ParseMessageTest, ABlockWithoutAClassGivesNoOutputAtAll) {
+TEST_F(MessageReaderTest, ABlockWithoutAClassGivesNoOutputAtAll) {
   AddMessage({Wide(0x0037, u"Hello"), Value(0x0E07, 3, 1)});
   Recover();
   EXPECT_THAT(Trace(), IsEmpty());
   EXPECT_THAT(records_, IsEmpty());
 }
 
-TEST_F(ParseMessageTest, AClassOutOfBoundsEndsTheWalkAndNothingIsSaved) {
+TEST_F(MessageReaderTest, AClassOutOfBoundsEndsTheWalkAndNothingIsSaved) {
   AddMessage({Wide(0x001A, u"IPM.Task"), Value(0x001A, 0x1F, 0x803F), Value(0x0E07, 3, 1)});
   Recover();
   EXPECT_THAT(Trace(), ElementsAre(testing::StartsWith(R"({"op":"AddItem")")));
   EXPECT_THAT(IdsSeenBy(ItemKind::kTask), ElementsAre(0x001A));
 }
 
-TEST_F(ParseMessageTest, AClassThatCannotBeReadIsEmptyAndTheWalkGoesOn) {
+TEST_F(MessageReaderTest, AClassThatCannotBeReadIsEmptyAndTheWalkGoesOn) {
   AddMessage({Value(0x001A, 0x1F, 0), Wide(0x001A, u"IPM.Task")});
   Recover();
   EXPECT_THAT(Trace("Save"), ElementsAre(R"({"op":"Save","id":1})"));
 }
 
-TEST_F(ParseMessageTest, AClassThroughIdentifierZeroIsEmpty) {
+TEST_F(MessageReaderTest, AClassThroughIdentifierZeroIsEmpty) {
   const std::uint32_t bid = AddBlock(0x40, HeapBlock({Value(0x001A, 0x1F, 0)}, {.freeCount = 1}));
   AddNode(0x200024, bid, 0, kInbox);
   Recover();
@@ -85,7 +85,7 @@ TEST_F(ParseMessageTest, AClassThroughIdentifierZeroIsEmpty) {
   EXPECT_EQ(state_.report.skipped[SkipReason::kNoClass], 1u);
 }
 
-TEST_F(ParseMessageTest, TheSubjectIsThatOfTheFirstOfItsTwoProperties) {
+TEST_F(MessageReaderTest, TheSubjectIsThatOfTheFirstOfItsTwoProperties) {
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"Subject"), Wide(0x0070, u"Topic")});
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0070, u"Topic")});
   Recover();
@@ -95,7 +95,7 @@ TEST_F(ParseMessageTest, TheSubjectIsThatOfTheFirstOfItsTwoProperties) {
   EXPECT_THAT(puts, Contains(R"({"op":"Put","id":2,"field":"Subject","value":"Topic"})"));
 }
 
-TEST_F(ParseMessageTest, ASubjectGetsNoTestOfItsPlausibilityAndAnUnreadableOneIsWrittenEmpty) {
+TEST_F(MessageReaderTest, ASubjectGetsNoTestOfItsPlausibilityAndAnUnreadableOneIsWrittenEmpty) {
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"\x0001\x0002 Re: a")});
   AddMessage({Wide(0x001A, u"IPM.Note"), Value(0x0037, 0x1F, 0x803F), Wide(0x0070, u"Topic")});
   Recover();
@@ -104,22 +104,22 @@ TEST_F(ParseMessageTest, ASubjectGetsNoTestOfItsPlausibilityAndAnUnreadableOneIs
   EXPECT_EQ(Trace("Put").size(), 4u);
 }
 
-TEST_F(ParseMessageTest, ARecordWhoseValueLiesOutOfBoundsDoesNotReachTheMailConverter) {
+TEST_F(MessageReaderTest, ARecordWhoseValueLiesOutOfBoundsDoesNotReachTheMailConverter) {
   AddMessage({Wide(0x001A, u"IPM.Note"), Value(0x0E04, 0x1F, 0x803F0), Value(0x0E07, 3, 1)});
   Recover();
   EXPECT_THAT(IdsSeenBy(ItemKind::kMail), ElementsAre(0x001A, 0x0E07));
 }
 
-TEST_F(ParseMessageTest, OtherKindsSeeEveryRecord) {
+TEST_F(MessageReaderTest, OtherKindsSeeEveryRecord) {
   AddMessage({Wide(0x001A, u"IPM.Task"), Value(0x0E04, 0x1F, 0x803F0), Value(0x0E07, 3, 1)});
   Recover();
   EXPECT_THAT(IdsSeenBy(ItemKind::kTask), ElementsAre(0x001A, 0x0E04, 0x0E07));
 }
 
-TEST_F(ParseMessageTest, TheRawValuesOfThreePropertiesAreKeptAheadOfTheConverter) {
+TEST_F(MessageReaderTest, TheRawValuesOfThreePropertiesAreKeptAheadOfTheConverter) {
   std::vector<std::uint16_t> seen;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id == 0x1095) {
+    if (record.wPropId == 0x1095) {
       seen = {scope.mail->importanceSeen, scope.mail->sensitivitySeen, scope.mail->flagIconSeen};
     }
   };
@@ -128,10 +128,10 @@ TEST_F(ParseMessageTest, TheRawValuesOfThreePropertiesAreKeptAheadOfTheConverter
   EXPECT_THAT(seen, ElementsAre(2, 4, 6)) << "a value out of bounds is not kept";
 }
 
-TEST_F(ParseMessageTest, TheStateOfAMailStartsAnewForEachMessage) {
+TEST_F(MessageReaderTest, TheStateOfAMailStartsAnewForEachMessage) {
   std::vector<bool> toSeen;
   hook_ = [&](ConversionScope& scope, const PropertyRecord& record) {
-    if (record.id != 0x0E07) return;
+    if (record.wPropId != 0x0E07) return;
     toSeen.push_back(scope.mail->toSeen);
     scope.mail->toSeen = true;
   };
@@ -141,7 +141,7 @@ TEST_F(ParseMessageTest, TheStateOfAMailStartsAnewForEachMessage) {
   EXPECT_THAT(toSeen, ElementsAre(false, false));
 }
 
-TEST_F(ParseMessageTest, ADamagedClassTextBecomesAMailOfThatClass) {
+TEST_F(MessageReaderTest, ADamagedClassTextBecomesAMailOfThatClass) {
   AddMessage({Wide(0x001A, u"xyz.Thing"), Wide(0x0037, u"Hello")});
   Recover();
   EXPECT_THAT(Trace("AddItem"),
@@ -149,7 +149,7 @@ TEST_F(ParseMessageTest, ADamagedClassTextBecomesAMailOfThatClass) {
   EXPECT_EQ(Trace("Save").size(), 1u);
 }
 
-TEST_F(ParseMessageTest, AContactWithoutASubjectTakesItsFullName) {
+TEST_F(MessageReaderTest, AContactWithoutASubjectTakesItsFullName) {
   hook_ = [&](ConversionScope&, const PropertyRecord&) {};
   AddMessage({Wide(0x001A, u"IPM.Contact")});
   Recover();
@@ -157,7 +157,7 @@ TEST_F(ParseMessageTest, AContactWithoutASubjectTakesItsFullName) {
                                    R"({"op":"Put","id":1,"field":"Subject","value":""})", R"({"op":"Save","id":1})"));
 }
 
-TEST_F(ParseMessageTest, EightBitStoresGiveEightBitTexts) {
+TEST_F(MessageReaderTest, EightBitStoresGiveEightBitTexts) {
   UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddFolder(0x8062, kTop, u"Ansi");
   AddMessage({Narrow(0x001A, "IPM.Note"), Narrow(0x0037, "caf\xE9")}, 0, 0x8062);
@@ -165,14 +165,14 @@ TEST_F(ParseMessageTest, EightBitStoresGiveEightBitTexts) {
   EXPECT_THAT(Trace("Put"), Contains(R"({"op":"Put","id":1,"field":"Subject","value":"caf\u00E9"})"));
 }
 
-TEST_F(ParseMessageTest, AMessageIsFoundThroughTheNextLowerId) {
+TEST_F(MessageReaderTest, AMessageIsFoundThroughTheNextLowerId) {
   AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")}));
   AddNode(0x200024, 0x41, 0, kInbox);
   Recover();
   EXPECT_EQ(Trace("Save").size(), 1u);
 }
 
-TEST_F(ParseMessageTest, TheLogTellsEachItem) {
+TEST_F(MessageReaderTest, TheLogNamesEachItem) {
   run_.log = this;
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"Hello")});
   AddMessage({Wide(0x001A, u"IPM.Contact")});
@@ -190,7 +190,7 @@ TEST_F(ParseMessageTest, TheLogTellsEachItem) {
             u"\r\n\r\nJournals: \r\n\r\nNotes: ");
 }
 
-TEST_F(ParseMessageTest, LoggingDoesNotChangeTheTrace) {
+TEST_F(MessageReaderTest, LoggingDoesNotChangeTheTrace) {
   AddMessage({Wide(0x001A, u"IPM.Note"), Wide(0x0037, u"Hello")});
   AddMessage({Wide(0x001A, u"IPM.Task")});
   run_.log = this;

@@ -1,5 +1,6 @@
+#include "recovery/body_reader.h"
+
 #include "recovery/heap_text.h"
-#include "recovery/item_steps.h"
 #include "recovery/recovery_fixture.h"
 
 namespace velmora::recovery {
@@ -14,9 +15,9 @@ constexpr std::uint32_t kHtmlNid = 0x803F;
 constexpr std::uint32_t kPlainNid = 0x805F;
 constexpr std::uint32_t kRtfNid = 0x807F;
 
-class MessageBodiesTest : public RecoveryTest {
+class BodyReaderTest : public RecoveryTest {
  protected:
-  MessageBodiesTest() { AddTopAndInbox(); }
+  BodyReaderTest() { AddTopAndInbox(); }
 
   /// A mail with these records behind its class.
   void AddMail(std::vector<RecordSpec> bodies, const std::vector<SubNode>& subNodes = {}) {
@@ -39,19 +40,19 @@ class MessageBodiesTest : public RecoveryTest {
   }
 };
 
-TEST_F(MessageBodiesTest, APlainBodyInLineHasTheWidthOfTheStore) {
+TEST_F(BodyReaderTest, APlainBodyInLineHasTheWidthOfTheStore) {
   AddMail({Wide(0x1000, u"Hello")});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("Body=Hello"));
 }
 
-TEST_F(MessageBodiesTest, AnRtfBodyInLineIsEightBitTextUpToItsFirstNul) {
+TEST_F(BodyReaderTest, AnRtfBodyInLineIsEightBitTextUpToItsFirstNul) {
   AddMail({Data(0x1009, 0x0102, BytesOf(std::string_view("{\\rtf1\x93}\0x", 10)))});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre(R"(RTFBody={\\rtf1\u201C})"));
 }
 
-TEST_F(MessageBodiesTest, APlainBodyGoesByTheCodePageAndAnRtfBodyDoesNot) {
+TEST_F(BodyReaderTest, APlainBodyGoesByTheCodePageAndAnRtfBodyDoesNot) {
   UseFormat(FORMAT_ANSI, StoreKind::kPst);
   AddFolder(0x8062, kTop, u"Ansi");
   const auto japanese = text::CodePage::Find("windows-932");
@@ -62,13 +63,13 @@ TEST_F(MessageBodiesTest, APlainBodyGoesByTheCodePageAndAnRtfBodyDoesNot) {
   EXPECT_THAT(Bodies(), ElementsAre(R"(Body=\u65E5)", R"(RTFBody=\u201C\u00FA)"));
 }
 
-TEST_F(MessageBodiesTest, WithAPlainAndAnRtfBodyInLineTheBytesOfTheLastArePlain) {
+TEST_F(BodyReaderTest, WithAPlainAndAnRtfBodyInLineTheBytesOfTheLastArePlain) {
   AddMail({Wide(0x1000, u"plain"), Data(0x1009, 0x0102, BytesOf(u"rtf"))});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("Body=rtf"));
 }
 
-TEST_F(MessageBodiesTest, AnHtmlBodyInLineCountsInAnOstAloneAndHasNoFieldOfItsOwn) {
+TEST_F(BodyReaderTest, AnHtmlBodyInLineCountsInAnOstAloneAndHasNoFieldOfItsOwn) {
   AddMail({Wide(0x1000, u"plain"), Data(0x1013, 0x0102, BytesOf(u"html"))});
   AddMail({Data(0x1013, 0x0102, BytesOf(u"html"))});
   Recover();
@@ -80,7 +81,7 @@ TEST_F(MessageBodiesTest, AnHtmlBodyInLineCountsInAnOstAloneAndHasNoFieldOfItsOw
   EXPECT_THAT(Bodies(), ElementsAre("Body=html"));
 }
 
-TEST_F(MessageBodiesTest, ABodyThatEndsWithTheBlockIsNotTaken) {
+TEST_F(BodyReaderTest, ABodyThatEndsWithTheBlockIsNotTaken) {
   Bytes block = HeapBlock({Wide(0x001A, u"IPM.Note"), Wide(0x1000, u"Hello")});
   const std::uint16_t ibHnpm = ByteView(block).U16(0);
   const std::uint32_t place = ibHnpm + 2u + (HidOf(3) >> 4);
@@ -93,7 +94,7 @@ TEST_F(MessageBodiesTest, ABodyThatEndsWithTheBlockIsNotTaken) {
   EXPECT_EQ(Trace("Save").size(), 2u);
 }
 
-TEST_F(MessageBodiesTest, AnInLineBodyOutOfBoundsKeepsTheAttachmentsAway) {
+TEST_F(BodyReaderTest, AnInLineBodyOutOfBoundsKeepsTheAttachmentsAway) {
   AddMail({Value(0x1000, 0x1F, 0x80400)},
           {{0x671, 0, 0},
            {0x8025, AddBlock(NewBid(), HeapBlock({Wide(0x3704, u"a"), Data(0x3701, 0x0102, BytesOf("x"))})), 0}});
@@ -106,7 +107,7 @@ TEST_F(MessageBodiesTest, AnInLineBodyOutOfBoundsKeepsTheAttachmentsAway) {
   EXPECT_EQ(state_.report.lost[1].reason, u"body: none is read of plain text of unknown size");
 }
 
-TEST_F(MessageBodiesTest, OutOfLineTheHtmlBodyIsTriedFirst) {
+TEST_F(BodyReaderTest, OutOfLineTheHtmlBodyIsTriedFirst) {
   AddMail({Value(0x1000, 0x1F, kPlainNid), Value(0x1009, 0x102, kRtfNid), Value(0x1013, 0x102, kHtmlNid)},
           {{kHtmlNid, AddBlock(NewBid(), BytesOf("<p>Hi</p>")), 0},
            {kPlainNid, AddBlock(NewBid(), BytesOf(u"Hi")), 0},
@@ -115,34 +116,34 @@ TEST_F(MessageBodiesTest, OutOfLineTheHtmlBodyIsTriedFirst) {
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>Hi</p>"));
 }
 
-TEST_F(MessageBodiesTest, AnEmptyHtmlBodyIsWrittenAndThePlainOneTakenToo) {
+TEST_F(BodyReaderTest, AnEmptyHtmlBodyIsWrittenAndThePlainOneTakenToo) {
   AddMail({Value(0x1000, 0x1F, kPlainNid), Value(0x1013, 0x102, kHtmlNid)},
           {{kHtmlNid, AddBlock(NewBid(), Bytes(8)), 0}, {kPlainNid, AddBlock(NewBid(), BytesOf(u"Hi")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=", "Body=Hi"));
 }
 
-TEST_F(MessageBodiesTest, ALostHtmlBodyLeavesThePlainOne) {
+TEST_F(BodyReaderTest, ALostHtmlBodyLeavesThePlainOne) {
   AddMail({Value(0x1000, 0x1F, kPlainNid), Value(0x1013, 0x102, kHtmlNid)},
           {{kHtmlNid, 0x7777, 0}, {kPlainNid, AddBlock(NewBid(), BytesOf(u"Hi")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("Body=Hi"));
 }
 
-TEST_F(MessageBodiesTest, AMessageWithoutSubNodesHasNoBodyOutOfLine) {
+TEST_F(BodyReaderTest, AMessageWithoutSubNodesHasNoBodyOutOfLine) {
   AddMail({Value(0x1000, 0x1F, kPlainNid)});
   Recover();
   EXPECT_THAT(Bodies(), IsEmpty());
   EXPECT_EQ(Trace("Save").size(), 1u);
 }
 
-TEST_F(MessageBodiesTest, AnRtfBodyOutOfLineIsNeverTaken) {
+TEST_F(BodyReaderTest, AnRtfBodyOutOfLineIsNeverTaken) {
   AddMail({Value(0x1009, 0x102, kRtfNid)}, {{kRtfNid, AddBlock(NewBid(), BytesOf("{rtf}")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), IsEmpty());
 }
 
-TEST_F(MessageBodiesTest, OnlyHtmlOutOfLineGivesNoBodyInAPst) {
+TEST_F(BodyReaderTest, OnlyHtmlOutOfLineGivesNoBodyInAPst) {
   AddMail({Value(0x1013, 0x102, kHtmlNid)}, {{kHtmlNid, AddBlock(NewBid(), BytesOf("<p>")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), IsEmpty());
@@ -152,7 +153,7 @@ TEST_F(MessageBodiesTest, OnlyHtmlOutOfLineGivesNoBodyInAPst) {
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>"));
 }
 
-TEST_F(MessageBodiesTest, AMailAboveFourMebibytesOfAnOlderFormatIsDeliveredWithItsPlainBody) {
+TEST_F(BodyReaderTest, AMailAboveFourMebibytesOfAnOlderFormatIsDeliveredWithItsPlainBody) {
   for (const std::uint32_t size : {4u << 20, (4u << 20) + 1}) {
     AddMail({Value(0x0E08, 3, size), Value(0x1000, 0x1F, kPlainNid), Value(0x1013, 0x102, kHtmlNid)},
             {{kHtmlNid, AddBlock(NewBid(), BytesOf("<p>")), 0}, {kPlainNid, AddBlock(NewBid(), BytesOf(u"Hi")), 0}});
@@ -161,7 +162,7 @@ TEST_F(MessageBodiesTest, AMailAboveFourMebibytesOfAnOlderFormatIsDeliveredWithI
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>", "Body=Hi"));
 }
 
-TEST_F(MessageBodiesTest, AMailOfThePackedFormatIsDeliveredWithItsHtmlWhateverItsSize) {
+TEST_F(BodyReaderTest, AMailOfThePackedFormatIsDeliveredWithItsHtmlWhateverItsSize) {
   UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddMail({Value(0x0E08, 3, 5u << 20), Value(0x1000, 0x1F, kPlainNid), Value(0x1013, 0x102, kHtmlNid)},
           {{kHtmlNid, AddBlock(NewBid(), Packed(BytesOf("<p>packed</p>"))), 0},
@@ -170,14 +171,14 @@ TEST_F(MessageBodiesTest, AMailOfThePackedFormatIsDeliveredWithItsHtmlWhateverIt
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>packed</p>"));
 }
 
-TEST_F(MessageBodiesTest, ABodyOfThePackedFormatThatIsNoStreamIsTakenAsItWasRead) {
+TEST_F(BodyReaderTest, ABodyOfThePackedFormatThatIsNoStreamIsTakenAsItWasRead) {
   UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddMail({Value(0x1013, 0x102, kHtmlNid)}, {{kHtmlNid, AddBlock(NewBid(), BytesOf("<p>plain</p>")), 0}});
   Recover();
   EXPECT_THAT(Bodies(), ElementsAre("HTMLBody=<p>plain</p>"));
 }
 
-TEST_F(MessageBodiesTest, ABodyOfManyBlocksIsReadPieceByPiece) {
+TEST_F(BodyReaderTest, ABodyOfManyBlocksIsReadPieceByPiece) {
   const std::uint32_t one = AddBlock(NewBid(), BytesOf(u"one "));
   const std::uint32_t two = AddBlock(NewBid(), BytesOf(u"two"));
   AddMail({Value(0x1000, 0x1F, kPlainNid)}, {{kPlainNid, AddBlock(NewListBid(), ChainBlock({one, two})), 0}});
@@ -185,7 +186,7 @@ TEST_F(MessageBodiesTest, ABodyOfManyBlocksIsReadPieceByPiece) {
   EXPECT_THAT(Bodies(), ElementsAre("Body=one two"));
 }
 
-TEST_F(MessageBodiesTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
+TEST_F(BodyReaderTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   // Found through the next lower id; the key is the id that the list of sub-nodes gave.
   engine_.blockEncoding = CryptMethod::kCyclic;
   Settle();
@@ -193,17 +194,19 @@ TEST_F(MessageBodiesTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   Bytes decoded = stored;
   engine::BlockReader(engine_).DecodeBlock(0x41, decoded);
   AddBlock(0x40, stored);
-  ItemRun items(state_, engine_, run_);
-  state_.allowance = ContentAllowance(1000, false, 10);
   Settle();
-  items.bodySlots[kHtmlBody] = {.tag = 0x1013, .value = kHtmlNid, .bid = 0x41};
-  const auto mail = state_.targetStore->IPMRootFolder()->Items()->Add(u"IPM.Note");
-  items.message.Item(ItemKind::kMail) = mail;
-  ReadOutOfLineBody(items);
-  EXPECT_EQ(mail->Get(output::Field::HTMLBody).AsText(), NarrowText(ByteView(decoded), *state_.codePage));
+  ContentAllowance allowance(1000, false, 10);
+  BodyProperties properties;
+  properties.slots[kHtmlBody] = {.tag = 0x1013, .value = kHtmlNid, .bid = 0x41};
+  const Body body = ReadOutOfLineBody({engine_, *state_.codePage, allowance}, properties);
+  ASSERT_EQ(body.writes.size(), 1u);
+  EXPECT_EQ(body.writes[0].field, output::Field::HTMLBody);
+  EXPECT_EQ(body.writes[0].text, NarrowText(ByteView(decoded), *state_.codePage));
+  EXPECT_EQ(body.taken, kHtmlBody);
+  EXPECT_EQ(body.missing, u"");
 }
 
-TEST_F(MessageBodiesTest, TheSlotsAreClearedBetweenMessages) {
+TEST_F(BodyReaderTest, TheSlotsAreClearedBetweenMessages) {
   AddMail({Value(0x1000, 0x1F, kPlainNid)}, {{kPlainNid, AddBlock(NewBid(), BytesOf(u"first")), 0}});
   AddMail({Value(0x1009, 0x102, kPlainNid)}, {{kPlainNid, AddBlock(NewBid(), BytesOf(u"second")), 0}});
   Recover();
