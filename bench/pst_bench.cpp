@@ -99,8 +99,8 @@ BENCHMARK(OpenItem);
 constexpr std::array<ltp::Column, 5> kColumns{{{0x0E060040, 12, 8, 2},
                                                {0x0E070003, 8, 4, 3},
                                                {0x3001001F, 20, 4, 4},
-                                               {ltp::kPidTagLtpRowId, 0, 4, 0},
-                                               {ltp::kPidTagLtpRowVer, 4, 4, 1}}};
+                                               {tag::kLtpRowId, 0, 4, 0},
+                                               {tag::kLtpRowVer, 4, 4, 1}}};
 constexpr ltp::TableSchema kSchema{kColumns, {24, 24, 24, 25}};
 static_assert(IsSound(kSchema));
 
