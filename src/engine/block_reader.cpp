@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 
+
 #include "engine/engine_state.h"
 #include "engine/source_window.h"
 
