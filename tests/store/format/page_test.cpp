@@ -72,5 +72,37 @@ TEST(Page, KeepsEntriesAndHead) {
   EXPECT_EQ(DecodeBtEntry(bt).ref.ib, 0x4A00u);
 }
 
+TEST(Page, EntriesAreAsWideAsTheirGeneration) {
+  std::array<std::byte, 24> bytes;
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::byte>(i);
+
+  const BbtEntry narrow = DecodeBbtEntry(bytes, generations::kAnsi);
+  EXPECT_EQ(narrow.ref.bid, Bid{0x03020100});
+  EXPECT_EQ(narrow.ref.ib, 0x07060504u);
+  EXPECT_EQ(narrow.cb, 0x0908);
+  EXPECT_EQ(narrow.cRef, 0x0B0A);
+  const BbtEntry packed = DecodeBbtEntry(bytes, generations::kUnicode4k);
+  EXPECT_EQ(packed.cb, 0x1110);
+  EXPECT_EQ(packed.cRef, 0x1514) << "behind the size that the block inflates to";
+
+  const NbtEntry node = DecodeNbtEntry(bytes, generations::kAnsi);
+  EXPECT_EQ(node.bidData, Bid{0x07060504});
+  EXPECT_EQ(node.bidSub, Bid{0x0B0A0908});
+  EXPECT_EQ(node.nidParent, Nid{0x0F0E0D0C});
+  EXPECT_EQ(DecodeBtEntry(bytes, generations::kAnsi).ref.ib, 0x0B0A0908u);
+}
+
+TEST(Page, CountsOf4kHaveTwoBytes) {
+  std::vector<std::byte> page(generations::kUnicode4k.pageSize);
+  Store<std::uint16_t>(page, 4056, 300);
+  Store<std::uint16_t>(page, 4058, 400);
+  Store<std::uint16_t>(page, 4060, 0x0118);
+  const BtPageHead head = DecodeBtPageHead(page, generations::kUnicode4k);
+  EXPECT_EQ(head.cEnt, 300);
+  EXPECT_EQ(head.cEntMax, 400);
+  EXPECT_EQ(head.cbEnt, 24);
+  EXPECT_EQ(head.cLevel, 1);
+}
+
 }  // namespace
 }  // namespace velmora

@@ -123,6 +123,26 @@ TEST_P(LtpOfEveryGeneration, GivesALongValueWithZerosInItsHole) {
   EXPECT_EQ(faults.Count(), 1u);
 }
 
+TEST(HeapOf4k, HasMoreItemsInABlockThanElevenBitsTell) {
+  constexpr std::uint32_t kItems = 5000;
+  forge::Bytes block(12 + 2 * kItems);
+  for (std::uint32_t i = 0; i < kItems; ++i) forge::Put(block, 12 + 2 * i, i, 2);
+  forge::Put(block, 0, block.size(), 2);
+  forge::Put(block, 2, 0xBCEC, 2);
+  forge::Append(block, kItems, 2);
+  forge::Append(block, 0, 2);
+  for (std::uint32_t i = 0; i <= kItems; ++i) forge::Append(block, 12 + 2 * i, 2);
+  forge::Store store({.format = forge::Format::kUnicode4k});
+  store.AddNode(kForgedMessage, store.AddBlock(block), 0, 0);
+  const ForgedFile file(store.Finish());
+  Heap heap = Heap::Open(file.Store(), file.Trees(kForgedMessage).bidData, ClientSig::kPropertyContext).value();
+  for (const std::uint32_t item : {1u, 2047u, 2048u, kItems}) {
+    EXPECT_EQ(Load<std::uint16_t>(heap.Item(item << 5).value(), 0), item - 1);
+  }
+  EXPECT_FALSE(heap.Item((kItems + 1) << 5));
+  EXPECT_FALSE(heap.Item(1u << 19 | 1u << 5)) << "a second block, which is not there";
+}
+
 constexpr std::uint32_t kRows = 5000;
 
 forge::Bytes CellOf(std::uint32_t i) { return forge::Noise(300 + i % 40, i); }

@@ -2,7 +2,10 @@
 #include <fstream>
 #include <random>
 
+#include "forge/mailbox.h"
+#include "platform/memory_file.h"
 #include "store/format/checksum.h"
+#include "store/messaging/opened_store.h"
 #include "store/messaging/store_fixture.h"
 
 namespace velmora::messaging {
@@ -114,6 +117,17 @@ TEST_F(DamagedStore, IsReadWithinBoundsWhateverItsBlocksHold) {
   }
   EXPECT_GT(opened, 200) << "most damage does not touch what opening needs";
   EXPECT_GT(found, 10000u);
+}
+
+TEST(StoreOfAnotherFormat, IsRefusedByTheOperations) {
+  for (const auto format : {forge::Format::kAnsi, forge::Format::kUnicode, forge::Format::kUnicode4k}) {
+    const forge::Image image = forge::Mailbox({.format = format}, {.tables = true}).Finish();
+    const auto code =
+        CodeOf([&] { static_cast<void>(OpenedStore::Open(std::make_unique<platform::MemoryFile>(image.bytes))); });
+    const auto expected =
+        format == forge::Format::kUnicode ? output::ResultCode::S_OK : output::ResultCode::STG_E_READFAULT;
+    EXPECT_EQ(code, expected) << static_cast<int>(format);
+  }
 }
 
 }  // namespace
