@@ -25,7 +25,7 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
     {"store/ndb", {"platform", "text", "store/format"}},
     {"store/ltp", {"platform", "text", "store/format", "store/ndb"}},
     {"store/messaging", {"platform", "text", "store/format", "store/ndb", "store/ltp", "store/operations"}},
-    {"output/trace", {"text", "store/operations"}},
+    {"output/trace", {"text", "store/format", "store/operations"}},
     {"engine", {"platform", "text", "store/format", "store/ndb"}},
     {"recovery", {"platform", "text", "store/format", "engine", "store/operations"}},
     {"output/items", {"text", "store/format", "recovery", "store/operations"}},
