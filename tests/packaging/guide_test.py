@@ -69,7 +69,7 @@ class Page(html.parser.HTMLParser):
 def texts_of_the_programs():
     """All string literals of the sources that say something to the user, in one line."""
     text = ""
-    for path in (*SOURCE.glob("src/resources/*.*"), *SOURCE.glob("src/*/messages.h")):
+    for path in (*SOURCE.glob("src/resources/*.*"), SOURCE / "src/conversion/notices.cpp"):
         for literal in re.findall(r'"((?:[^"\\]|\\.)*)"', path.read_text("utf-8")):
             text += literal.replace(r"\n", " ")
     return " ".join(text.split())
