@@ -24,6 +24,8 @@ struct OrphanBlock {
 /// Built by the scanning steps (StoreScan) and constant from FinishScan on: any number of threads may read it then. A
 /// rule that uses something up or reorders it keeps a list of its own.
 struct ScannedStore : ndb::BlockSource {
+  const Generation& Format() const override { return layout; }
+
   /// What the trees of a sound store hold under that id: the block proves itself by its trailer and checksum, is
   /// decoded and, in the 4K format, inflated (65,512 bytes at most). What could not be read is kept in `source`.
   [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;

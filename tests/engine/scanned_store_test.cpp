@@ -5,6 +5,7 @@
 #include "engine/bad_disk.h"
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
+#include "store/ndb/data_tree_reader.h"
 
 namespace velmora::engine {
 namespace {
@@ -83,6 +84,20 @@ TEST_P(EveryFormatScannedStoreTest, EveryBlockComesOutAsItWasPutIn) {
       EXPECT_EQ(FailureOf(*store, 0x7FFFFFC), FailureKind::kNotFound);
     }
   }
+}
+
+TEST_P(EveryFormatScannedStoreTest, ALongValueIsReadThroughItsLists) {
+  forge::Store forged({.format = GetParam()});
+  FillWithBlocks(forged, 2);
+  const forge::Bytes value = forge::Noise(9 * forged.traits().maxBlockData, 3);
+  const forge::Bid list = forged.AddData(value);
+  forged.AddNode(0x200024, list, 0, 0x8042);
+  const auto store = Scan(forged.Finish());
+  const auto node = store->FindNode(Nid{0x200024});
+  ASSERT_TRUE(node);
+  auto reader = ndb::DataTreeReader::Open(*store, node->trees.bidData);
+  ASSERT_TRUE(reader) << reader.error().message;
+  EXPECT_EQ(reader->ReadAll(value.size()), value);
 }
 
 TEST_P(EveryFormatScannedStoreTest, ABlockThatDoesNotProveItselfIsCorrupt) {
