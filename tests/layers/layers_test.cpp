@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <string_view>
@@ -222,6 +224,35 @@ TEST(Fidelity, TheRulesThatTheCodeNamesAndThoseOfThePageAreTheSame) {
   }
   EXPECT_GT(ofTheCode.size(), 10u);
   EXPECT_EQ(ofTheCode, ofThePage);
+}
+
+std::string TextOf(const fs::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The roads of the architecture page: "1. `Class::Function`, `folder/file.cpp`: ...".
+TEST(Architecture, EachRoadHasItsStopsInTheCodeAndNoneTwice) {
+  const std::regex kStop("^(\\d+)\\. `([A-Za-z:]+)`, `([a-z_/.]+)`:.*");
+  std::ifstream page(fs::path(VELMORA_SOURCE_DIR) / "docs" / "architecture.md");
+  std::set<std::string> files;
+  std::size_t roads = 0;
+  std::string line;
+  while (std::getline(page, line)) {
+    std::smatch stop;
+    if (!std::regex_match(line, stop, kStop)) continue;
+    const int number = std::stoi(stop[1]);
+    if (number == 1) {
+      files.clear();
+      ++roads;
+    }
+    EXPECT_LE(number, 12) << line;
+    EXPECT_TRUE(files.insert(stop[3]).second) << "visited twice: " << line;
+    const std::string name = stop[2];
+    const std::string function = name.substr(name.rfind(':') == std::string::npos ? 0 : name.rfind(':') + 1);
+    EXPECT_NE(TextOf(kSource / stop[3].str()).find(function + "("), std::string::npos) << line;
+  }
+  EXPECT_EQ(roads, 4u);
 }
 
 }  // namespace
