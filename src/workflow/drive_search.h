@@ -28,7 +28,7 @@ class DriveSearch : public QObject {
 
  signals:
   void Found(const QStringList& files);  ///< full paths, in the order in which they were found
-  void Entered(const QString& folder);   ///< the folder at hand; not each is told when they pass quickly
+  void Entered(const QString& folder);   ///< the folder that is searched now; some are skipped when they pass quickly
   void Over();
 
  private:

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "workflow/panes/run_message.h"
+
 namespace velmora::workflow {
 namespace {
 
@@ -16,14 +18,17 @@ constexpr std::size_t kMostWaiting = 1000;
 /// Between two turns the windows do what their user asks for.
 constexpr auto kTurn = std::chrono::milliseconds(20);
 
-constexpr std::uint32_t kClosingStage = 9;
-
 /// What follows in the worker's thread counts on the windows having dealt with it: the session is closed behind the
 /// closing stage, and folders of the new store can be opened behind the end.
 bool WaitsForTheWindows(const engine::Event& event) {
   const auto* begun = std::get_if<engine::StageBegun>(&event);
   return (begun != nullptr && begun->stage == kClosingStage) || std::holds_alternative<engine::Notice>(event) ||
          std::holds_alternative<engine::ListCleared>(event) || std::holds_alternative<engine::Done>(event);
+}
+
+bool IsShownPercentage(const engine::Event& event) {
+  const auto* progress = std::get_if<engine::Progress>(&event);
+  return progress != nullptr && progress->percentage <= kLastPercentage;
 }
 
 }  // namespace
@@ -41,7 +46,7 @@ void WorkerLink::OnEvent(const engine::Event& event) {
   }
   if (WaitsForTheWindows(event)) return CallAndWait(std::move(call));
   std::unique_lock lock(mutex_);
-  Enqueue(lock, {std::move(call), std::holds_alternative<engine::Progress>(event)});
+  Enqueue(lock, {std::move(call), IsShownPercentage(event)});
 }
 
 void WorkerLink::CallAndWait(std::function<void()> call) {
@@ -55,7 +60,7 @@ void WorkerLink::CallAndWait(std::function<void()> call) {
 void WorkerLink::Enqueue(std::unique_lock<std::mutex>& lock, Said said) {
   changed_.wait(lock, [this] { return waiting_.size() < kMostWaiting || abandoned_; });
   if (abandoned_) throw engine::RunStopped{};
-  if (said.isProgress && !waiting_.empty() && waiting_.back().isProgress) {
+  if (said.isPercentage && !waiting_.empty() && waiting_.back().isPercentage) {
     waiting_.back() = std::move(said);
     return;
   }

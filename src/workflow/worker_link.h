@@ -14,7 +14,7 @@ namespace velmora::workflow {
 
 /// Queues what a worker says for the thread of the windows, which takes it in order; the worker goes on meanwhile.
 /// It waits where it must find the windows up to date: behind a notice, at the closing stage and at the end of the
-/// list; and while they are far behind. Of two percentages in a row that nobody has taken, the newer one counts.
+/// run; and while they are far behind. Of two percentages in a row that nobody has taken, the newer one counts.
 ///
 /// While the link is held nothing is handed over, so that a window's question stands over a page that does not
 /// change. A worker that is abandoned leaves its call by engine::RunStopped, so nobody ever waits for a thread that
@@ -47,7 +47,7 @@ class WorkerLink : public QObject, public engine::RunObserver {
  private:
   struct Said {
     std::function<void()> call;
-    bool isProgress = false;
+    bool isPercentage = false;
   };
 
   void Enqueue(std::unique_lock<std::mutex>& lock, Said said);
