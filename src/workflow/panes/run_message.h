@@ -32,7 +32,7 @@ struct RunMessage {
   friend bool operator==(const RunMessage&, const RunMessage&) = default;
 };
 
-/// Nothing for what comes without a message: a notice is a box, and the known folders are data.
+/// Nothing for an event without a message: a notice is a box, and the known folders are data.
 std::optional<RunMessage> MessageOf(const engine::Event& event);
 
 }  // namespace velmora::workflow
