@@ -1,9 +1,7 @@
 // Bytes on their way from the source to the new store, of unknown length.
 #pragma once
 
-#include <vector>
-
-#include "platform/file.h"
+#include "platform/memory_file.h"
 
 namespace velmora::platform {
 
@@ -13,15 +11,27 @@ class SpoolFile : public ByteSource {
  public:
   static constexpr std::size_t kMemoryLimit = 1 << 20;
 
-  std::uint64_t Size() const override { return size_; }
-  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override;
+  std::uint64_t Size() const override { return Store().Size(); }
+  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    return Store().ReadAt(offset, out);
+  }
 
-  Result<void> Append(std::span<const std::byte> bytes);
+  Result<void> Append(std::span<const std::byte> bytes) {
+    if (file_ == nullptr && Size() + bytes.size() > kMemoryLimit) {
+      auto file = CreateUnnamedFile();
+      if (!file) return tl::unexpected(file.error());
+      if (auto written = (*file)->WriteAt(0, memory_.Bytes()); !written) return written;
+      file_ = std::move(*file);
+      memory_ = {};
+    }
+    return file_ != nullptr ? file_->WriteAt(Size(), bytes) : memory_.WriteAt(Size(), bytes);
+  }
 
  private:
-  std::uint64_t size_ = 0;
-  std::vector<std::byte> memory_;
-  std::unique_ptr<ByteStore> file_;
+  const ByteStore& Store() const { return file_ != nullptr ? *file_ : static_cast<const ByteStore&>(memory_); }
+
+  MemoryFile memory_;
+  std::unique_ptr<ByteStore> file_;  ///< once the content has outgrown the memory
 };
 
 }  // namespace velmora::platform

@@ -23,10 +23,7 @@ CCustom2Dlg::CCustom2Dlg(WizardFrame& frame, TemplateId previous)
   OnClick(kBrowseId, [this] { OnBrowse(); });
   OnClick(kBackId, [this] { OnBack(); });
   OnClick(kNextId, [this] { OnConvert(); });
-  OnClick(kMainId, [this] {
-    EndDialog();
-    frame_.OpenStartPage();
-  });
+  OnClick(kMainId, [this] { LeadToStart(); });
   connect(Control<QLineEdit>(kDestinationEditId), &QLineEdit::textChanged, this, [this] {
     std::error_code ignored;
     const std::filesystem::path path = text::ToFileName(frame_.State().destinationPath);

@@ -1,4 +1,4 @@
-// The thread of a search, and its road to the page.
+// The thread of a search, and how the page hears of it.
 #pragma once
 
 #include <QObject>
@@ -23,12 +23,12 @@ class DriveSearch : public QObject {
   /// mounted below the drive, `drives` are searched too.
   static std::shared_ptr<DriveSearch> Start(std::filesystem::path drive, std::string mask, MountPoints drives);
 
-  /// The search stops at the next folder. It still tells that it is over.
+  /// The search stops at the next folder. Over is signalled all the same.
   void Stop() { idle_ = true; }
 
  signals:
   void Found(const QStringList& files);  ///< full paths, in the order in which they were found
-  void Entered(const QString& folder);   ///< the folder at hand; not each is told when they pass quickly
+  void Entered(const QString& folder);   ///< the folder that is searched now; some are skipped when they pass quickly
   void Over();
 
  private:
@@ -36,7 +36,7 @@ class DriveSearch : public QObject {
   static void Main(std::shared_ptr<DriveSearch> search, std::filesystem::path drive, std::string mask,
                    MountPoints drives);
 
-  /// Has the page told what has come up since it was told last.
+  /// Signals what has been found since the last signal.
   void Tell();
   void Summon();
 

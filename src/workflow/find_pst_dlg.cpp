@@ -27,10 +27,7 @@ CFindPstDlg::CFindPstDlg(WizardFrame& frame) : Page(frame, kFindTemplate, contro
   OnClick(kFindId, [this] { OnFind(); });
   OnClick(kBackId, [this] { OnBack(); });
   OnClick(kMainId, [this] { OnBack(); });
-  OnClick(kNextId, [this] {
-    EndDialog();
-    frame_.OpenDestinationPage(kFindTemplate);
-  });
+  OnClick(kNextId, [this] { LeadToDestination(kFindTemplate); });
 }
 
 CFindPstDlg::~CFindPstDlg() {
@@ -128,8 +125,7 @@ void CFindPstDlg::OnSearchOver() {
 
 void CFindPstDlg::OnBack() {
   if (!idle_) return ShowBox(this, kSearchBlocksBack, kInformation, BoxIcon::None);
-  EndDialog();
-  frame_.OpenStartPage();
+  LeadToStart();
 }
 
 void CFindPstDlg::OnCloseBox() {

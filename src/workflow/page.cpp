@@ -185,6 +185,16 @@ void Page::EndDialog() {
   emit Ended();
 }
 
+void Page::LeadToStart() {
+  EndDialog();
+  frame_.OpenStartPage();
+}
+
+void Page::LeadToDestination(TemplateId previous) {
+  EndDialog();
+  frame_.OpenDestinationPage(previous);
+}
+
 void Page::AskExit() {
   if (!AskYesNo(this, LoadString(kExitQuestion), LoadString(kInformationTitle))) return;
   frame_.State().skipExitPrompt = true;

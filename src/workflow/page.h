@@ -47,6 +47,9 @@ class Page : public QWidget {
 
   /// Takes the page off the screen.
   void EndDialog();
+  /// The same, and opens another one.
+  void LeadToStart();
+  void LeadToDestination(resources::TemplateId previous);
 
   /// The exit question; on Yes the page ends, and the program with it.
   void AskExit();

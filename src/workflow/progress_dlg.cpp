@@ -35,9 +35,9 @@ void CProgressDlg::OnRunMessage(const RunMessage& message) {
       OnPercentage(message.number);
       break;
     case MSG_STAGE:
-      // The set-up, the third stage, names the store. The worker waits here, so what it writes can be read.
+      // The set-up, the third stage, names the store; after it the worker does not write there.
       if (message.number > 3) store_ = frame_.State().destinationPath;
-      SetText(kStageCaptionId, ToQt(StageCaption(message.detail == 1 ? 9 : message.number)));
+      SetText(kStageCaptionId, ToQt(StageCaption(message.detail == 1 ? kClosingStage : message.number)));
       break;
     case MSG_DONE:
       OnRunEnd();
@@ -48,7 +48,7 @@ void CProgressDlg::OnRunMessage(const RunMessage& message) {
 }
 
 void CProgressDlg::OnPercentage(std::uint32_t percentage) {
-  if (percentage > 100) return;
+  if (percentage > kLastPercentage) return;
   auto* bar = Control<QProgressBar>(kProgressBarId);
   bar->setValue(int(percentage));
   if (percentage != lastPercentage_) {

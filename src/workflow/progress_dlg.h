@@ -16,7 +16,7 @@ class CProgressDlg : public Page {
   /// Stage, percentage and end of the run.
   void OnRunMessage(const RunMessage& message);
 
-  /// The run has told why it does not come to its end.
+  /// The run has said why it cannot be completed.
   void OnFailure();
 
   void OnCloseBox() override;

@@ -24,16 +24,8 @@ CRepairProfileDlg::CRepairProfileDlg(WizardFrame& frame) : Page(frame, kProfileT
                    {.onFile = [list](const std::filesystem::path& file) { list->Rows().Append({PathToQt(file)}); }});
     }
   }
-  for (const std::uint16_t id : {kBackId, kMainId}) {
-    OnClick(id, [this] {
-      EndDialog();
-      frame_.OpenStartPage();
-    });
-  }
-  OnClick(kNextId, [this] {
-    EndDialog();
-    frame_.OpenDestinationPage(kProfileTemplate);
-  });
+  for (const std::uint16_t id : {kBackId, kMainId}) OnClick(id, [this] { LeadToStart(); });
+  OnClick(kNextId, [this] { LeadToDestination(kProfileTemplate); });
 }
 
 }  // namespace velmora::workflow

@@ -18,16 +18,8 @@ CSelectPstDlg::CSelectPstDlg(WizardFrame& frame)
     : Page(frame, kBrowseTemplate, controls::PageArtSize(frame.Display())) {
   OnClick(kBrowseId, [this] { OnBrowse(); });
   connect(Control<QLineEdit>(kSourceEditId), &QLineEdit::textChanged, this, &CSelectPstDlg::OnSourceChanged);
-  for (const std::uint16_t id : {kBackId, kMainId}) {
-    OnClick(id, [this] {
-      EndDialog();
-      frame_.OpenStartPage();
-    });
-  }
-  OnClick(kNextId, [this] {
-    EndDialog();
-    frame_.OpenDestinationPage(kBrowseTemplate);
-  });
+  for (const std::uint16_t id : {kBackId, kMainId}) OnClick(id, [this] { LeadToStart(); });
+  OnClick(kNextId, [this] { LeadToDestination(kBrowseTemplate); });
 }
 
 void CSelectPstDlg::OnBrowse() {

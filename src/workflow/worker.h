@@ -13,22 +13,23 @@
 namespace velmora::workflow {
 
 /// Runs one conversion. It begins once the run before it has ended, since both use one engine object. Held
-/// and stopped by the windows, at the pause points of the run and wherever the run waits for a window.
+/// and stopped by the windows, at the pause points of the run and wherever it waits for the windows.
 class Worker {
  public:
   /// Starts at once. `before` is the worker of the run before it, or null. `control` and `link` outlive this.
   Worker(std::shared_ptr<Worker> before, engine::RunControl& control, WorkerLink& link, std::function<void()> run);
 
-  /// Waits until the run has ended; the windows must not be in want of it by then (see Stop).
+  /// Waits until the run has ended. In the thread of the windows it must have ended or been stopped by then: a run
+  /// may wait for the windows.
   ~Worker();
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
 
-  /// The run makes no progress until Resume. A run that has ended takes no notice, of this or of what follows.
+  /// The run makes no progress until Resume. A run that has ended ignores this and what follows.
   void Hold();
   void Resume();
 
-  /// The run leaves for good and is not waited for.
+  /// The run ends early, for good. Does not wait for it.
   void Stop();
 
   /// Waits until the run has ended.

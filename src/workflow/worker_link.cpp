@@ -5,18 +5,18 @@
 #include <utility>
 #include <vector>
 
+#include "workflow/panes/run_message.h"
+
 namespace velmora::workflow {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 /// A worker that is this far ahead of the windows waits for them.
-constexpr std::size_t kMostWaiting = 1000;
+constexpr std::size_t kQueueLimit = 1000;
 
-/// Between two turns the windows do what their user asks for.
+/// Between two turns the windows take what their user does.
 constexpr auto kTurn = std::chrono::milliseconds(20);
-
-constexpr std::uint32_t kClosingStage = 9;
 
 /// What follows in the worker's thread counts on the windows having dealt with it: the session is closed behind the
 /// closing stage, and folders of the new store can be opened behind the end.
@@ -24,6 +24,11 @@ bool WaitsForTheWindows(const engine::Event& event) {
   const auto* begun = std::get_if<engine::StageBegun>(&event);
   return (begun != nullptr && begun->stage == kClosingStage) || std::holds_alternative<engine::Notice>(event) ||
          std::holds_alternative<engine::ListCleared>(event) || std::holds_alternative<engine::Done>(event);
+}
+
+bool IsShownPercentage(const engine::Event& event) {
+  const auto* progress = std::get_if<engine::Progress>(&event);
+  return progress != nullptr && progress->percentage <= kLastPercentage;
 }
 
 }  // namespace
@@ -41,31 +46,31 @@ void WorkerLink::OnEvent(const engine::Event& event) {
   }
   if (WaitsForTheWindows(event)) return CallAndWait(std::move(call));
   std::unique_lock lock(mutex_);
-  Enqueue(lock, {std::move(call), std::holds_alternative<engine::Progress>(event)});
+  Enqueue(lock, {std::move(call), IsShownPercentage(event)});
 }
 
 void WorkerLink::CallAndWait(std::function<void()> call) {
   if (QThread::currentThread() == thread()) return call();
   std::unique_lock lock(mutex_);
   Enqueue(lock, {std::move(call)});
-  changed_.wait(lock, [this, number = asked_] { return answered_ >= number || abandoned_; });
+  changed_.wait(lock, [this, number = queued_] { return done_ >= number || abandoned_; });
   if (abandoned_) throw engine::RunStopped{};
 }
 
-void WorkerLink::Enqueue(std::unique_lock<std::mutex>& lock, Said said) {
-  changed_.wait(lock, [this] { return waiting_.size() < kMostWaiting || abandoned_; });
+void WorkerLink::Enqueue(std::unique_lock<std::mutex>& lock, QueuedCall next) {
+  changed_.wait(lock, [this] { return queue_.size() < kQueueLimit || abandoned_; });
   if (abandoned_) throw engine::RunStopped{};
-  if (said.isProgress && !waiting_.empty() && waiting_.back().isProgress) {
-    waiting_.back() = std::move(said);
+  if (next.isPercentage && !queue_.empty() && queue_.back().isPercentage) {
+    queue_.back() = std::move(next);
     return;
   }
-  waiting_.push_back(std::move(said));
-  ++asked_;
-  Summon();
+  queue_.push_back(std::move(next));
+  ++queued_;
+  PostServe();
 }
 
-void WorkerLink::Summon() {
-  if (std::exchange(summoned_, true)) return;
+void WorkerLink::PostServe() {
+  if (std::exchange(posted_, true)) return;
   QMetaObject::invokeMethod(
       this, [this] { Serve(); }, Qt::QueuedConnection);
 }
@@ -73,18 +78,18 @@ void WorkerLink::Summon() {
 void WorkerLink::Serve() {
   const Clock::time_point end = Clock::now() + kTurn;
   std::unique_lock lock(mutex_);
-  summoned_ = false;
-  while (!waiting_.empty() && !held_) {
-    if (Clock::now() >= end) return Summon();
-    const Said said = std::move(waiting_.front());
-    const std::uint64_t number = asked_ - waiting_.size() + 1;
-    waiting_.pop_front();
-    // Whoever waits in a window of the call may serve what comes behind it.
-    if (!waiting_.empty()) Summon();
+  posted_ = false;
+  while (!queue_.empty() && !held_) {
+    if (Clock::now() >= end) return PostServe();
+    const QueuedCall next = std::move(queue_.front());
+    const std::uint64_t number = queued_ - queue_.size() + 1;
+    queue_.pop_front();
+    // A box that the call opens has a loop of its own, which serves what comes behind the call.
+    if (!queue_.empty()) PostServe();
     lock.unlock();
-    said.call();
+    next.call();
     lock.lock();
-    answered_ = std::max(answered_, number);
+    done_ = std::max(done_, number);
     changed_.notify_all();
   }
 }
@@ -97,20 +102,20 @@ void WorkerLink::Hold() {
 void WorkerLink::Resume() {
   const std::lock_guard lock(mutex_);
   held_ = false;
-  if (!waiting_.empty()) Summon();
+  if (!queue_.empty()) PostServe();
 }
 
 void WorkerLink::Abandon() {
   const std::lock_guard lock(mutex_);
   held_ = false;
   abandoned_ = true;
-  waiting_.clear();
+  queue_.clear();
   changed_.notify_all();
 }
 
 void WorkerLink::Reset() {
   const std::lock_guard lock(mutex_);
-  waiting_.clear();
+  queue_.clear();
   held_ = abandoned_ = false;
 }
 

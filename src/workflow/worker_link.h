@@ -1,4 +1,4 @@
-// The road from the worker's thread to the windows.
+// The queue between the worker's thread and the windows.
 #pragma once
 
 #include <QObject>
@@ -14,11 +14,11 @@ namespace velmora::workflow {
 
 /// Queues what a worker says for the thread of the windows, which takes it in order; the worker goes on meanwhile.
 /// It waits where it must find the windows up to date: behind a notice, at the closing stage and at the end of the
-/// list; and while they are far behind. Of two percentages in a row that nobody has taken, the newer one counts.
+/// run; and while they are far behind. Of two percentages in a row that nobody has taken, the newer one counts.
 ///
 /// While the link is held nothing is handed over, so that a window's question stands over a page that does not
-/// change. A worker that is abandoned leaves its call by engine::RunStopped, so nobody ever waits for a thread that
-/// waits for him.
+/// change. A worker that is abandoned leaves its call by engine::RunStopped, so that no thread ever waits
+/// for one that waits for it.
 class WorkerLink : public QObject, public engine::RunObserver {
   Q_OBJECT
 
@@ -45,23 +45,23 @@ class WorkerLink : public QObject, public engine::RunObserver {
   void Reset();
 
  private:
-  struct Said {
+  struct QueuedCall {
     std::function<void()> call;
-    bool isProgress = false;
+    bool isPercentage = false;
   };
 
-  void Enqueue(std::unique_lock<std::mutex>& lock, Said said);
+  void Enqueue(std::unique_lock<std::mutex>& lock, QueuedCall next);
   void Serve();
-  void Summon();
+  void PostServe();
 
   EventHandler onEvent_;
 
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::deque<Said> waiting_;
-  std::uint64_t asked_ = 0;     ///< number of the last call that was queued
-  std::uint64_t answered_ = 0;  ///< number of the last call that was dealt with
-  bool summoned_ = false;       ///< the windows have been asked to take what waits
+  std::deque<QueuedCall> queue_;
+  std::uint64_t queued_ = 0;  ///< number of the last call that was queued
+  std::uint64_t done_ = 0;    ///< number of the last call that has returned
+  bool posted_ = false;       ///< a call of Serve is on its way
   bool held_ = false;
   bool abandoned_ = false;
 };

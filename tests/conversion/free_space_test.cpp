@@ -34,6 +34,8 @@ TEST(FreeSpace, ASourceThatCannotBeOpenedCountsAsEmpty) {
 TEST(FreeSpace, ADestinationThatDoesNotExistIsMeasuredAtItsNearestFolder) {
   const auto path = std::filesystem::temp_directory_path() / "no such folder" / "nor this";
   EXPECT_TRUE(HasEnoughFreeSpace(text::FromFileName(path.string()), u"/no such file"));
+  EXPECT_TRUE(HasEnoughFreeSpace(u"no such folder", u"/no such file"));
+  EXPECT_TRUE(HasEnoughFreeSpace(u"", u"/no such file")) << "the current folder";
 }
 
 }  // namespace

@@ -67,6 +67,17 @@ TEST_F(WorkerTest, OfPercentagesThatNobodyHasTakenTheNewestCounts) {
   EXPECT_EQ(std::get<engine::Progress>(events_[2]).percentage, 5u);
 }
 
+TEST_F(WorkerTest, ANumberThatIsNoPercentageTakesTheRoomOfNone) {
+  std::atomic<bool> ended{false};
+  const auto worker = Run([&] {
+    for (const std::uint32_t number : {99, 100, 101, 102}) link_.OnEvent(engine::Progress{number});
+    ended = true;
+  });
+  while (!ended) QThread::msleep(1);
+  ASSERT_TRUE(Comes([&] { return !events_.empty(); }));
+  EXPECT_EQ(std::get<engine::Progress>(events_[0]).percentage, 100u) << "the last that is shown";
+}
+
 TEST_F(WorkerTest, AWorkerThatIsFarAheadWaits) {
   std::atomic<std::uint32_t> said{0};
   const auto worker = Run([&] {

@@ -1,6 +1,6 @@
 #include "output/trace/tee.h"
 
-#include "output/trace/tee_objects.h"
+#include "output/trace/tee_items.h"
 
 namespace velmora::output {
 namespace {

@@ -1,4 +1,4 @@
-#include "output/trace/tee_objects.h"
+#include "output/trace/tee_items.h"
 
 namespace velmora::output {
 namespace {

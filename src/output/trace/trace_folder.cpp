@@ -11,13 +11,13 @@ namespace {
 class TraceItems : public RDOItems {
  public:
   explicit TraceItems(std::shared_ptr<TraceFolder> folder) : folder_(std::move(folder)) {}
-  std::int32_t Count() const override { return folder_->ItemCount(); }
+  std::int32_t Count() const override { return folder_->Saved().Count(); }
   Ref<RDOMail> Add(text::TextView messageClass) override { return folder_->AddItem(messageClass); }
   Ref<RDOMail> GetFirst() override {
     place_ = 0;
     return GetNext();
   }
-  Ref<RDOMail> GetNext() override { return folder_->NextItem(place_); }
+  Ref<RDOMail> GetNext() override { return folder_->Saved().Next(place_); }
 
  private:
   std::shared_ptr<TraceFolder> folder_;
@@ -118,32 +118,7 @@ std::shared_ptr<TraceItem> TraceFolder::AddItem(text::TextView messageClass) {
   const std::int64_t id = ++state_->lastItemId;
   state_->sink->WriteLine(
       JsonLine("AddItem").Number("id", id).Text("folder", Path()).Text("class", messageClass).End());
-  return std::make_shared<TraceItem>(state_, shared_from_this(), id, messageClass);
-}
-
-void TraceFolder::KeepItem(TraceItem* item) {
-  ++itemCount_;
-  heldItems_[++lastPlace_] = item;
-  placeOfItem_[item] = lastPlace_;
-}
-
-void TraceFolder::DropItem(TraceItem* item) {
-  --itemCount_;
-  ForgetItem(item);
-}
-
-void TraceFolder::ForgetItem(TraceItem* item) {
-  const auto found = placeOfItem_.find(item);
-  if (found == placeOfItem_.end()) return;
-  heldItems_.erase(found->second);
-  placeOfItem_.erase(found);
-}
-
-std::shared_ptr<TraceItem> TraceFolder::NextItem(std::uint64_t& place) const {
-  const auto next = heldItems_.upper_bound(place);
-  if (next == heldItems_.end()) return nullptr;
-  place = next->first;
-  return next->second->shared_from_this();
+  return std::make_shared<TraceItem>(state_, saved_, id, messageClass);
 }
 
 std::shared_ptr<TraceStore> TraceStore::Create(std::shared_ptr<TraceState> state, text::TextView displayName) {

@@ -38,15 +38,7 @@ class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceF
   /// folders of one deep chain would hold more text than all else.
   text::Text Path() const;
 
-  // By the items, as they are saved, deleted and released.
-  void KeepItem(TraceItem* item);
-  void DropItem(TraceItem* item);
-  void ForgetItem(TraceItem* item);
-
-  std::int32_t ItemCount() const { return itemCount_; }
-  /// The saved items that somebody still holds, in the order of their first save: the one behind `place`,
-  /// whose place goes to `place`; null at the end. Places count from 1.
-  std::shared_ptr<TraceItem> NextItem(std::uint64_t& place) const;
+  const SavedItems& Saved() const { return *saved_; }
 
  private:
   std::shared_ptr<TraceState> state_;
@@ -56,10 +48,7 @@ class TraceFolder : public RDOFolder, public std::enable_shared_from_this<TraceF
   text::Text containerClass_;
   std::vector<std::shared_ptr<TraceFolder>> children_;
   std::unordered_map<text::Text, std::shared_ptr<TraceFolder>> childByName_;  ///< by the folded name
-  std::int32_t itemCount_ = 0;
-  std::uint64_t lastPlace_ = 0;
-  std::map<std::uint64_t, TraceItem*> heldItems_;
-  std::unordered_map<TraceItem*, std::uint64_t> placeOfItem_;
+  std::shared_ptr<SavedItems> saved_ = std::make_shared<SavedItems>();
 };
 
 /// One store: its name, its top folder and its default folders.

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "output/trace/json_line.h"
-#include "output/trace/trace_folder.h"
 
 namespace velmora::output {
 namespace {
@@ -57,22 +56,45 @@ class TraceAttachments : public RDOAttachments {
 
 }  // namespace
 
-TraceItem::TraceItem(std::shared_ptr<TraceState> state, std::shared_ptr<TraceFolder> folder, std::int64_t id,
+void SavedItems::Keep(TraceItem* item) {
+  ++count_;
+  held_[++lastPlace_] = item;
+  placeOf_[item] = lastPlace_;
+}
+
+void SavedItems::Drop(TraceItem* item) {
+  --count_;
+  Forget(item);
+}
+
+void SavedItems::Forget(TraceItem* item) {
+  const auto found = placeOf_.find(item);
+  if (found == placeOf_.end()) return;
+  held_.erase(found->second);
+  placeOf_.erase(found);
+}
+
+std::shared_ptr<TraceItem> SavedItems::Next(std::uint64_t& place) const {
+  const auto next = held_.upper_bound(place);
+  if (next == held_.end()) return nullptr;
+  place = next->first;
+  return next->second->shared_from_this();
+}
+
+TraceItem::TraceItem(std::shared_ptr<TraceState> state, std::shared_ptr<SavedItems> siblings, std::int64_t id,
                      text::TextView messageClass)
     : state_(std::move(state)),
-      folder_(std::move(folder)),
+      siblings_(std::move(siblings)),
       id_(id),
       messageClass_(messageClass),
       interface_(TypedInterfaceOf(messageClass)) {}
-
-TraceItem::~TraceItem() { folder_->ForgetItem(this); }
 
 void TraceItem::Trace(std::string line) const {
   if (id_ != 0) state_->sink->WriteLine(line);
 }
 
 void TraceItem::Save() {
-  if (!saved_ && !deleted_) folder_->KeepItem(this);
+  if (!saved_ && !deleted_) siblings_->Keep(this);
   saved_ = true;
   Trace(JsonLine("Save").Number("id", id_).End());
 }
@@ -133,13 +155,13 @@ void TraceItem::AddPicture(const ContentSource& content) {
 
 void TraceItem::Delete() {
   Trace(JsonLine("Delete").Number("id", id_).End());
-  if (saved_ && !deleted_) folder_->DropItem(this);
+  if (saved_ && !deleted_) siblings_->Drop(this);
   deleted_ = true;
 }
 
 Ref<RDOMail> TraceItem::Answer(std::string_view operation) {
   Trace(JsonLine(operation).Number("id", id_).End());
-  return std::make_shared<TraceItem>(state_, folder_, 0, messageClass_);
+  return std::make_shared<TraceItem>(state_, siblings_, 0, messageClass_);
 }
 
 std::int32_t TraceItem::Size() const {

@@ -1,17 +1,39 @@
 // Items of the trace. An item lives as long as somebody holds a reference to it: what a run releases costs
-// no memory, however many items it creates.
+// no memory, however many items it creates. Their folder keeps their number.
 #pragma once
 
 #include <map>
 #include <memory>
 #include <set>
+#include <unordered_map>
 
 #include "output/trace/trace_sink.h"
 #include "store/operations.h"
 
 namespace velmora::output {
 
-class TraceFolder;
+class TraceItem;
+
+/// The saved items of a folder: how many there are, and those that somebody still holds.
+class SavedItems {
+ public:
+  // By the items, as they are saved, deleted and released.
+  void Keep(TraceItem* item);
+  void Drop(TraceItem* item);
+  void Forget(TraceItem* item);
+
+  std::int32_t Count() const { return count_; }
+
+  /// Of those that are held, in the order of their first save, the one behind `place`, whose place goes to `place`;
+  /// null at the end. Places count from 1.
+  std::shared_ptr<TraceItem> Next(std::uint64_t& place) const;
+
+ private:
+  std::int32_t count_ = 0;
+  std::uint64_t lastPlace_ = 0;
+  std::map<std::uint64_t, TraceItem*> held_;
+  std::unordered_map<TraceItem*, std::uint64_t> placeOf_;
+};
 
 /// What all objects of one trace share.
 struct TraceState {
@@ -24,9 +46,9 @@ struct TraceState {
 class TraceItem : public RDOMail, public std::enable_shared_from_this<TraceItem> {
  public:
   /// `id` 0: an answer that Reply or Forward made; nobody's trace names it, and nothing of it is traced.
-  TraceItem(std::shared_ptr<TraceState> state, std::shared_ptr<TraceFolder> folder, std::int64_t id,
+  TraceItem(std::shared_ptr<TraceState> state, std::shared_ptr<SavedItems> siblings, std::int64_t id,
             text::TextView messageClass);
-  ~TraceItem() override;
+  ~TraceItem() override { siblings_->Forget(this); }
 
   void Save() override;
   void Put(Field field, const FieldValue& value) override;
@@ -49,7 +71,7 @@ class TraceItem : public RDOMail, public std::enable_shared_from_this<TraceItem>
   void Trace(std::string line) const;
 
   std::shared_ptr<TraceState> state_;
-  std::shared_ptr<TraceFolder> folder_;
+  std::shared_ptr<SavedItems> siblings_;  ///< of the folder that the item is in
   std::int64_t id_;
   text::Text messageClass_;
   ItemInterface interface_;

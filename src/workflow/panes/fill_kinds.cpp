@@ -220,11 +220,11 @@ constexpr GridRow kJournalRows[] = {
 };
 
 constexpr FillKind kKinds[] = {
-    {kFillContactsMessage, u"Updating Contacts", ItemInterface::RDOContactItem, Field::FullName, kContactRows},
-    {kFillTasksMessage, u"Updating Tasks", ItemInterface::RDOTaskItem, Field::Subject, kTaskRows},
-    {kFillCalendarMessage, u"Updating Calendars", ItemInterface::RDOAppointmentItem, Field::Subject, kCalendarRows},
-    {kFillNotesMessage, u"Updating Notes", ItemInterface::RDONoteItem, Field::Subject, kNoteRows},
-    {kFillJournalMessage, u"Updating Journals", ItemInterface::RDOJournalItem, Field::Subject, kJournalRows},
+    {kFillContactsMessage, ItemKind::kContact, u"Updating Contacts", ItemInterface::RDOContactItem, Field::FullName, kContactRows},
+    {kFillTasksMessage, ItemKind::kTask, u"Updating Tasks", ItemInterface::RDOTaskItem, Field::Subject, kTaskRows},
+    {kFillCalendarMessage, ItemKind::kAppointment, u"Updating Calendars", ItemInterface::RDOAppointmentItem, Field::Subject, kCalendarRows},
+    {kFillNotesMessage, ItemKind::kNote, u"Updating Notes", ItemInterface::RDONoteItem, Field::Subject, kNoteRows},
+    {kFillJournalMessage, ItemKind::kJournal, u"Updating Journals", ItemInterface::RDOJournalItem, Field::Subject, kJournalRows},
 };
 
 /// An item of the kind answers to every field that is read of it, with the type that the form of the row takes.
@@ -239,20 +239,6 @@ constexpr bool CanBeRead(const FillKind& kind) {
 }
 static_assert(std::all_of(std::begin(kKinds), std::end(kKinds), CanBeRead));
 
-struct ClassRow {
-  text::TextView containerClass;
-  PaneMessage message;
-};
-
-constexpr ClassRow kClasses[] = {
-    {u"IPM.Contact", kFillContactsMessage},     {u"IPF.Contact", kFillContactsMessage},
-    {u"IPM.Task", kFillTasksMessage},           {u"IPF.Task", kFillTasksMessage},
-    {u"IPM.Appointment", kFillCalendarMessage}, {u"IPF.Appointment", kFillCalendarMessage},
-    {u"IPM.StickyNote", kFillNotesMessage},     {u"IPF.StickyNote", kFillNotesMessage},
-    {u"IPM.Journal", kFillJournalMessage},      {u"IPF.Journal", kFillJournalMessage},
-    {u"IPM.Activity", kFillJournalMessage},     {u"IPF.Activity", kFillJournalMessage},
-};
-
 }  // namespace
 
 std::span<const FillKind> FillKinds() { return kKinds; }
@@ -263,8 +249,13 @@ const FillKind* FillKindOf(std::uint32_t message) {
 }
 
 const FillKind* FillKindOfClass(text::TextView containerClass) {
-  const auto* const found = std::ranges::find(kClasses, containerClass, &ClassRow::containerClass);
-  return found == std::end(kClasses) ? nullptr : FillKindOf(found->message);
+  const std::optional<ItemKind> kind = KindOfClass(containerClass);
+  // No folder is made for these alone: they stand among the contacts and the tasks.
+  if (containerClass.ends_with(u".DistList") || containerClass.find(u".TaskRequest") != text::TextView::npos) {
+    return nullptr;
+  }
+  const auto* const found = std::ranges::find(kKinds, kind, &FillKind::items);
+  return found == std::end(kKinds) ? nullptr : found;
 }
 
 }  // namespace velmora::workflow

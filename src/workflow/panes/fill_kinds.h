@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "store/format/classes.h"
 #include "workflow/panes/grid_row.h"
 #include "workflow/panes/pane_messages.h"
 
@@ -10,6 +11,7 @@ namespace velmora::workflow {
 
 struct FillKind {
   PaneMessage message;              ///< that starts the fill
+  ItemKind items;                   ///< whose classes stand on the folders
   text::TextView dialogText;        ///< of the dialog that stands over it
   output::ItemInterface interface;  ///< that every item has to answer to
   output::Field caption;            ///< names the category of an item

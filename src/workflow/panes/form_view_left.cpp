@@ -99,7 +99,6 @@ void CFormViewLeft::OnFoldersKnown(const engine::FoldersKnown& known) {
 }
 
 void CFormViewLeft::Clear() {
-  known_.clear();
   folders_.Clear();
   tree_->clear();
   lostAndFoundMade_ = orphansMade_ = false;

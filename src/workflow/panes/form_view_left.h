@@ -39,7 +39,7 @@ class CFormViewLeft : public QWidget {
   /// MSG_ADD_FOLDER and kRenewSelectionMessage.
   void OnMessage(const RunMessage& message);
 
-  /// Forgets all folders, ahead of a run.
+  /// Empties the tree, ahead of a run. A run before it that still goes on adds the folders that it reaches from now on.
   void Clear();
 
   const TreeFolders& Folders() const { return folders_; }

@@ -25,7 +25,7 @@ enum HtmlGroup : std::uint32_t {
 
 struct HtmlRule {
   enum Treatment {
-    kShow,         ///< the element, with the attributes that stand the test
+    kShow,         ///< the element, with the attributes that are allowed
     kShowVoid,     ///< the same for one without content
     kDropTag,      ///< its content alone
     kDropContent,  ///< nothing of it

@@ -5,9 +5,6 @@
 namespace velmora::workflow {
 namespace {
 
-/// Announces the end of a run, ahead of the closing of its session.
-constexpr std::uint32_t kClosingStage = 9;
-
 FinishedStore::Opener OpenerOf(conversion::RunState& state, conversion::OutputFactory makeOutput) {
   return [&state, makeOutput = std::move(makeOutput)](text::TextView path) {
     // What a run is still writing is not read: a session shows a store as it was when it was opened.
@@ -69,8 +66,6 @@ void ResultPanes::EndRun() {
   body_->ReleaseFolder();
   store_->LetGo();
 }
-
-void ResultPanes::OnFoldersKnown(const engine::FoldersKnown& known) { folders_->OnFoldersKnown(known); }
 
 void ResultPanes::OnMessage(const RunMessage& message) {
   switch (message.code) {

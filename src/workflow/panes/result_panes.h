@@ -33,9 +33,10 @@ class ResultPanes : public QSplitter {
   /// Once the page of a run is left: the file of the new store is in use no longer, until a folder is opened.
   void EndRun();
 
+  void OnFoldersKnown(const engine::FoldersKnown& known) { folders_->OnFoldersKnown(known); }
+
   /// Every message of a run and every message of the panes, in the thread of the windows; those that are
-  /// meant for nobody here are passed over. During a run the worker waits meanwhile.
-  void OnFoldersKnown(const engine::FoldersKnown& known);
+  /// meant for nobody here are passed over. During a run the worker goes on meanwhile, but for the closing stage.
   void OnMessage(const RunMessage& message);
 
   /// While true, the frame opens no start page.

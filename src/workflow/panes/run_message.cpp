@@ -6,7 +6,7 @@ namespace {
 struct Translation {
   using Result = std::optional<RunMessage>;
   Result operator()(const engine::StageBegun& begun) const {
-    return RunMessage{MSG_STAGE, begun.stage, begun.stage == 9 ? 1u : 0u, {}};
+    return RunMessage{MSG_STAGE, begun.stage, begun.stage == kClosingStage ? 1u : 0u, {}};
   }
   Result operator()(const engine::Progress& progress) const {
     return RunMessage{MSG_PROGRESS, progress.percentage, static_cast<std::uint32_t>(progress.phase), {}};

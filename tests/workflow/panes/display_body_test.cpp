@@ -3,6 +3,7 @@
 #include <QTextCursor>
 
 #include "workflow/panes/body_fixture.h"
+#include "workflow/panes/one_folder_session.h"
 
 namespace velmora::workflow {
 namespace {
@@ -52,52 +53,30 @@ TEST_F(DisplayBodyTest, TextAndLinksCanBeReadUnderADarkThemeToo) {
 }
 
 /// An item of any size, which has both bodies.
-class SizedItem : public output::RDOMail {
+class SizedItem : public StubItem {
  public:
   explicit SizedItem(std::int32_t size) : size_(size) {}
-  void Save() override {}
-  void Put(Field, const output::FieldValue&) override {}
   output::FieldRead Get(Field field) const override {
     return {text::Text(field == Field::HTMLBody ? u"html" : u"plain"), true};
   }
-  bool Answers(output::ItemInterface) const override { return true; }
-  output::Ref<output::RDOAttachments> Attachments() override { return nullptr; }
-  void Delete() override {}
-  output::Ref<RDOMail> Reply() override { return nullptr; }
-  output::Ref<RDOMail> Forward() override { return nullptr; }
-  void AddPicture(const output::ContentSource&) override {}
-  text::Text MessageClass() const override { return u"IPM.Note"; }
   std::int32_t Size() const override { return size_; }
-  std::int32_t AttachmentCount() const override { return 0; }
 
  private:
   std::int32_t size_;
 };
 
-class SizedSession : public output::RDOSession,
-                     public output::RDOFolder,
-                     public output::RDOItems,
-                     public std::enable_shared_from_this<SizedSession> {
+class SizedSession : public ItemsSession {
  public:
   explicit SizedSession(std::int32_t size) : size_(size) {}
-  void Logon(text::TextView) override {}
-  output::Ref<output::RDOStores> Stores() override { return nullptr; }
-  output::Ref<output::RDOFolder> GetDefaultFolder(output::DefaultFolder) override { return nullptr; }
-  output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView) override {
+  output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView path) override {
     ++opened;
     if (meanwhile) meanwhile();
-    return shared_from_this();
+    return ItemsSession::GetFolderFromPath(path);
   }
-  output::Ref<output::RDOItems> Items() override { return shared_from_this(); }
-  output::Ref<output::RDOFolders> Folders() override { return nullptr; }
-  output::Ref<output::RDOFolder2> QueryFolder2() override { return nullptr; }
-  text::Text Name() const override { return {}; }
-  text::Text ContainerClass() const override { return {}; }
   std::int32_t Count() const override { return 3; }
-  output::Ref<output::RDOMail> Add(text::TextView) override { return nullptr; }
   output::Ref<output::RDOMail> GetFirst() override {
     ++started;
-    return std::make_shared<SizedItem>(size_);
+    return GetNext();
   }
   output::Ref<output::RDOMail> GetNext() override { return std::make_shared<SizedItem>(size_); }
 

@@ -1,6 +1,7 @@
 #include "workflow/panes/fill.h"
 
 #include "workflow/panes/listed_samples.h"
+#include "workflow/panes/one_folder_session.h"
 #include "workflow/panes/store_fixture.h"
 #include "workflow/qt_text.h"
 
@@ -134,47 +135,23 @@ TEST_F(FillTest, ACancelEndsTheFill) {
 }
 
 /// An item whose reads fail from a certain field on.
-class FailingItem : public output::RDOMail {
+class FailingItem : public StubItem {
  public:
   explicit FailingItem(Field failing) : failing_(failing) {}
-  void Save() override {}
-  void Put(Field, const FieldValue&) override {}
   output::FieldRead Get(Field field) const override {
     if (field == failing_) throw output::OutputFailure(output::ResultCode::STG_E_READFAULT);
     return {text::Text(u"x"), true};
   }
-  bool Answers(output::ItemInterface) const override { return true; }
-  output::Ref<output::RDOAttachments> Attachments() override { return nullptr; }
-  void Delete() override {}
-  output::Ref<RDOMail> Reply() override { return nullptr; }
-  output::Ref<RDOMail> Forward() override { return nullptr; }
-  void AddPicture(const output::ContentSource&) override {}
-  text::Text MessageClass() const override { return u"IPM.Task"; }
-  std::int32_t Size() const override { return 0; }
-  std::int32_t AttachmentCount() const override { return 0; }
 
  private:
   Field failing_;
 };
 
-/// A session of one folder of one item.
-class FailingFolder : public output::RDOSession,
-                      public output::RDOFolder,
-                      public output::RDOItems,
-                      public std::enable_shared_from_this<FailingFolder> {
+/// A session of one folder of two such items.
+class FailingFolder : public ItemsSession {
  public:
   explicit FailingFolder(Field failing) : failing_(failing) {}
-  void Logon(text::TextView) override {}
-  output::Ref<output::RDOStores> Stores() override { return nullptr; }
-  output::Ref<output::RDOFolder> GetDefaultFolder(output::DefaultFolder) override { return nullptr; }
-  output::Ref<output::RDOFolder> GetFolderFromPath(text::TextView) override { return shared_from_this(); }
-  output::Ref<output::RDOItems> Items() override { return shared_from_this(); }
-  output::Ref<output::RDOFolders> Folders() override { return nullptr; }
-  output::Ref<output::RDOFolder2> QueryFolder2() override { return nullptr; }
-  text::Text Name() const override { return {}; }
-  text::Text ContainerClass() const override { return {}; }
   std::int32_t Count() const override { return 2; }
-  output::Ref<output::RDOMail> Add(text::TextView) override { return nullptr; }
   output::Ref<output::RDOMail> GetFirst() override { return std::make_shared<FailingItem>(failing_); }
   output::Ref<output::RDOMail> GetNext() override { return GetFirst(); }
 

@@ -210,6 +210,14 @@ TEST_F(FolderTreeTest, ANewRunBeginsWithAnEmptyTree) {
   EXPECT_EQ(Names(Root()), QStringList({"Orphaned Mails"}));
 }
 
+TEST_F(FolderTreeTest, ARunThatGoesOnBehindAnotherFillsTheEmptyTree) {
+  Recover({{0x8082, kTop, u"Inbox", u"IPF.Note"}, {0x80A2, kTop, u"Drafts", u"IPF.Note"}});
+  Add(0x8082);
+  pane_.Clear();  // a second run was asked for, and waits for the end of this one
+  Add(0x80A2);
+  EXPECT_EQ(Names(Root()), QStringList({"Drafts"}));
+}
+
 TEST_F(FolderTreeTest, AChainOfAnyLengthIsTaken) {
   std::vector<engine::FolderRecord> folders;
   constexpr std::uint32_t kDepth = 20000;

@@ -1,11 +1,11 @@
-// What the objects of a Tee have in common. One object stands for one object of each library.
+// The items of a Tee, and what all its objects have in common: one object stands for one object of each library.
 #pragma once
 
 #include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "output/trace/tee.h"
+#include "store/operations.h"
 
 namespace velmora::output {
 
