@@ -6,11 +6,11 @@
 
 #include "engine/block_trailer.h"
 #include "store/format/encoding.h"
+#include "store/format/heap_format.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::engine {
 namespace {
-
-constexpr std::uint32_t kAttachmentTable = 0x671;
 
 /// What the tests look at: the count, the first entry of a sub-node block, the signature of a heap.
 using Head = std::array<std::byte, 12>;
@@ -24,8 +24,8 @@ void ListOrphan(ScannedStore& found, const OrphanBlock& orphan) {
 /// A sub-node block of the size that its count asks for, with the attachment table in its first entry.
 bool IsAttachmentSubNode(const Generation& layout, const Head& head, std::uint32_t size) {
   const ByteView bytes(head);
-  const std::uint32_t width = layout.Pitch();
-  return bytes.U32(width) == kAttachmentTable && static_cast<std::uint16_t>((3u * bytes.U16(2) + 1u) * width) == size;
+  const std::uint32_t asked = layout.subnodeHeadSize + bytes.U16(2) * layout.SubnodeEntrySize();
+  return bytes.U32(layout.subnodeHeadSize) == Value(nid::kAttachmentTable) && static_cast<std::uint16_t>(asked) == size;
 }
 
 void TryToDetectEncoding(StoreScan& scan, SourceWindow& window, const PlacedBlock& block) {
@@ -56,7 +56,7 @@ bool ClassifyBlock(StoreScan& scan, SourceWindow& window, const PlacedBlock& blo
   }
   if (scan.encodingUnknown) TryToDetectEncoding(scan, window, block);
   DecodeBlock(found.blockEncoding, block.bid, std::span(head).first(std::min<std::size_t>(block.size, head.size())));
-  if (!AcceptsSignature(found.storeKind, ByteView(head).U16(2), false)) return false;
+  if (!AcceptsSignature(found.storeKind, ByteView(head).U16(kOffHeapWord), false)) return false;
   if (scan.encodingUnknown || referenced) return false;
   ListOrphan(found, {.bidData = id, .bidSub = 0});
   return true;

@@ -9,6 +9,8 @@
 
 namespace velmora::engine {
 
+// Numbers of these rules, whatever the generation has.
+
 /// Most bytes behind a block's data in which HasBlockTrailer looks.
 constexpr std::uint32_t kTrailerReach = 8176;
 
