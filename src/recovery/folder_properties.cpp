@@ -7,23 +7,18 @@
 
 namespace velmora::recovery {
 
-namespace {
-
-tl::unexpected<FolderFault> Fault(text::TextView reason) { return tl::unexpected(FolderFault{{}, reason}); }
-tl::unexpected<FolderFault> Fault(const BlockFault& fault) { return tl::unexpected(FolderFault{fault, {}}); }
-
-}  // namespace
-
-tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::ScannedStore& store,
-                                                                  const engine::BlockRecord& record,
-                                                                  const text::CodePage& codePage,
-                                                                  ContentAllowance& allowance) {
+tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::ScannedStore& store,
+                                                                 const engine::BlockRecord& record,
+                                                                 const text::CodePage& codePage,
+                                                                 ContentAllowance& allowance) {
+  using Cause = BlockFault::Cause;
+  const auto fault = [&record](Cause cause) { return tl::unexpected(BlockFault::Of(cause, record)); };
   const auto bytes = ReadHeapBlock(store, record, record.bid, kFolderRules, allowance);
-  if (!bytes) return Fault(bytes.error());
+  if (!bytes) return tl::unexpected(bytes.error());
   const ByteView block(*bytes);
   const PropertyContext context(block, store, kFolderRules);
   if (context.GetFault() != PropertyContext::Fault::kNone) {
-    return Fault(context.BlockFaultOf(store, record, kFolderRules));
+    return tl::unexpected(context.BlockFaultOf(store, record, kFolderRules));
   }
 
   const bool wide = store.layout.wideFormat;
@@ -31,13 +26,13 @@ tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::
   bool named = false;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
     const PropertyRecord property = context.Record(index);
-    if (property.wPropId == IdOf(tag::kMessageClass)) return Fault(u"its data block is that of a message");
+    if (property.wPropId == IdOf(tag::kMessageClass)) return fault(Cause::kMessage);
     if (property.wPropId != IdOf(tag::kDisplayName) && property.wPropId != IdOf(tag::kContainerClass)) continue;
 
     text::Text value;
     if (property.dwValueHnid != 0) {  // identifier 0 names no allocation: the text is empty
       const auto range = RangeOf(block, context.Header().ibHnpm, property.dwValueHnid, kFolderRules.emptyEnd);
-      if (!range) return Fault(u"its name or class does not stand in its block");
+      if (!range) return fault(Cause::kOutside);
       value = CopyHeapText(range->In(block), wide, codePage);
     }
     if (property.wPropId == IdOf(tag::kContainerClass)) {
@@ -47,7 +42,7 @@ tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::
     named = true;
     folder.name = wide && !text::LooksLikeText(value) ? text::Text() : std::move(value);
   }
-  if (!named) return Fault(u"it has no name");
+  if (!named) return fault(Cause::kNoName);
   return folder;
 }
 

@@ -1,7 +1,6 @@
 // What a folder's own block tells of it.
 #pragma once
 
-#include <optional>
 #include <tl/expected.hpp>
 
 #include "engine/block_record.h"
@@ -18,17 +17,11 @@ struct FolderProperties {
   text::Text containerClass;  ///< empty when the block has none
 };
 
-/// Why a block gave no folder: what is wrong with it, or else a reason in plain words.
-struct FolderFault {
-  std::optional<BlockFault> block;
-  text::TextView reason;
-};
-
 /// A fault when the block is no property context, has no display name, or is a message; and when the allowance is
 /// spent.
-tl::expected<FolderProperties, FolderFault> ParseFolderProperties(const engine::ScannedStore& store,
-                                                                  const engine::BlockRecord& record,
-                                                                  const text::CodePage& codePage,
-                                                                  ContentAllowance& allowance);
+tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::ScannedStore& store,
+                                                                 const engine::BlockRecord& record,
+                                                                 const text::CodePage& codePage,
+                                                                 ContentAllowance& allowance);
 
 }  // namespace velmora::recovery

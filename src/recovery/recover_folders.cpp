@@ -47,7 +47,7 @@ class FolderRecovery {
     // A second node of a known folder stays in the list: the first block that gave a folder wins.
     if (node.MayBeFolder() && folders_.Contains(node.nid)) return;
     const bool isFolder = node.MayBeFolder() && TryFolder(node, index);
-    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
+    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, BlockFault::NotFound(0));
 
     if (node.nid == Value(nid::kNameToIdMap)) {
       const CryptMethod encoding = IsEncodingKnownAt(index) ? store_.blockEncoding : CryptMethod::kNone;
@@ -67,24 +67,23 @@ class FolderRecovery {
   bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingToldBy; }
 
   bool TryFolder(const NodeRecord& node, std::size_t index) {
-    const auto none = [&](const FolderFault& fault) {
+    using Cause = BlockFault::Cause;
+    const auto none = [&](const BlockFault& fault) {
       unread_.Note(node, fault);
       return false;
     };
     const auto record = blocks_.FindBlockOrLower(engine::LowBid(node.bidData));
-    if (!record) return none({BlockFault::NotFound(engine::LowBid(node.bidData)), {}});
-    if (!IsEncodingKnownAt(index)) {
-      return none({{}, u"the encoding of the store could not be told from its block"});
-    }
+    if (!record) return none(BlockFault::NotFound(engine::LowBid(node.bidData)));
+    if (!IsEncodingKnownAt(index)) return none(BlockFault::Of(Cause::kNoEncoding, *record));
     state_.allowance.BeginNode();
     auto properties = ParseFolderProperties(store_, *record, *state_.codePage, state_.allowance);
     if (!properties) return none(properties.error());
-    if (properties->name.empty()) return none({{}, u"its name is empty or does not look like text"});
+    if (properties->name.empty()) return none(BlockFault::Of(Cause::kNoText, *record));
     ContentAllowance& allowance = state_.allowance;
     if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
-      return none({{}, kClaimsTooMuch});
+      return none(BlockFault::Of(Cause::kTooMuch, *record));
     }
-    if (properties->containerClass.empty()) properties->containerClass = u"IPF.Note";
+    if (properties->containerClass.empty()) properties->containerClass = kMailContainerClass;
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;
     folders_.AddFolderRecord(
         {node.nid, node.nidParent, std::move(properties->name), std::move(properties->containerClass)});

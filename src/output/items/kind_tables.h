@@ -1,5 +1,6 @@
 // The tables by which the records of the six kinds that are no mail become writes: one row an id, the ids
-// being long ids. What has no row is dropped.
+// being long ids. What has no row is dropped. Ids are numbers here and in the mail converter, since the field beside
+// each says what it is, and half of them are names of the store's own map, which have no tag.
 #pragma once
 
 #include <array>
