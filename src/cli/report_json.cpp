@@ -141,9 +141,9 @@ class ReportText {
 
 std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& report) {
   const recovery::RecoveryReport& recovery = report.recovery;
-  std::optional<Json> untold;
+  std::optional<Json> beyond;
   if (recovery.lostNotListed != 0) {
-    untold = Json{{"kind", "more"},
+    beyond = Json{{"kind", "more"},
                   {"nid", 0},
                   {"bidData", 0},
                   {"class", ""},
@@ -164,7 +164,7 @@ std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& re
   json.Add("attachments", recovery.attachments);
   json.Add("embedded", recovery.embedded);
   json.Add("skipped", SkippedOf(recovery));
-  json.AddList("lost", recovery.lost, LostOf, untold);
+  json.AddList("lost", recovery.lost, LostOf, beyond);
   json.Add("refusal", frame.refusal.empty() ? Json(nullptr) : Json(text::ToUtf8(frame.refusal)));
   json.Add("seconds", frame.seconds);
   json.Add("peakRssKiB", frame.peakRssKiB);

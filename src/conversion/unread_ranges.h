@@ -1,7 +1,7 @@
 // What of the source could not be read, as losses.
 #pragma once
 
-#include "engine/bad_ranges.h"
+#include "engine/source.h"
 #include "recovery/recovery_report.h"
 
 namespace velmora::conversion {

@@ -64,7 +64,7 @@ class FolderRecovery {
 
   /// The rules learn the encoding on their way through the list, from the first block that tells it: what stands ahead
   /// of that node is no folder, and a name map there is read as it is stored.
-  bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingToldBy; }
+  bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingFoundAt; }
 
   bool TryFolder(const NodeRecord& node, std::size_t index) {
     using Cause = BlockFault::Cause;

@@ -45,8 +45,6 @@ struct Generation {
   std::uint8_t hidItemBits = 0;    ///< of the id of a heap item, above its 5 bits of type; the rest is the block
   std::uint8_t rowNumberSize = 0;  ///< of a row's number in the row index of a table
 
-  /// Width of a field of a node entry, of a sub-node entry and of a block id: 4 or 8.
-  constexpr std::uint32_t Pitch() const { return idWidth; }
   /// Of a block that lists sub-nodes: id, data and sub-nodes.
   constexpr std::uint32_t SubnodeEntrySize() const { return 3u * idWidth; }
 

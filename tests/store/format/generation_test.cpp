@@ -14,16 +14,16 @@ TEST(Generation, AnUnknownFormatGivesTheAnsiValues) {
   EXPECT_EQ(LayoutOf(77).formatId, FORMAT_ANSI);
 }
 
-TEST(Generation, TheFieldPitchIsFourInAnsiAndEightInTheWideFormats) {
-  EXPECT_EQ(LayoutOf(FORMAT_ANSI).Pitch(), 4u);
-  EXPECT_EQ(LayoutOf(FORMAT_UNICODE).Pitch(), 8u);
-  EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).Pitch(), 8u);
+TEST(Generation, AnIdHasFourBytesInAnsiAndEightInTheWideFormats) {
+  EXPECT_EQ(LayoutOf(FORMAT_ANSI).idWidth, 4u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE).idWidth, 8u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).idWidth, 8u);
 }
 
-TEST(Generation, ANodeEntryIsFourFieldsOfTheFieldPitch) {
+TEST(Generation, ANodeEntryIsFourFieldsOfTheWidthOfAnId) {
   for (const FormatId format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
-    EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).Pitch());
-    EXPECT_EQ(LayoutOf(format).idWidth, LayoutOf(format).Pitch());
+    EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).idWidth);
+    EXPECT_EQ(LayoutOf(format).SubnodeEntrySize(), 3u * LayoutOf(format).idWidth);
     EXPECT_EQ(LayoutOf(format).wideFormat, format != FORMAT_ANSI);
   }
 }
