@@ -37,6 +37,11 @@ struct MessageBlock {
   std::uint32_t Position(std::uint32_t value) const { return HeapPosition(heapPageMapOffset, value); }
 };
 
+/// Types of the numbers and flags that the kinds of item have: the record itself holds the value.
+constexpr bool IsNumberType(PropType type) {
+  return type == PropType::kBoolean || type == PropType::kInteger16 || type == PropType::kInteger32;
+}
+
 /// Per-message working values of the mail converter, cleared at the start of each message.
 struct MailState {
   bool fromSeen = false;

@@ -115,7 +115,7 @@ class ItemLosses {
     Text reason = text::FromUtf8(output::InfoOf(lost.field).name);
     if (!lost.reason.empty()) {
       reason += u": " + lost.reason;
-    } else if (IsInlineType(lost.record.wPropType)) {
+    } else if (IsNumberType(lost.record.wPropType)) {
       // The new store forms this one from start and end.
       if (lost.field == Field::AppointmentDuration) return;
       reason += u": its value " + DecimalOf(lost.record.dwValueHnid) + u" is not taken";
@@ -123,10 +123,6 @@ class ItemLosses {
       reason += u": a value of " + SizeText(lost.record) + u" outside the message's own block is not read";
     }
     List(isAddress ? LossKind::kRecipients : LossKind::kText, std::move(reason));
-  }
-
-  static bool IsInlineType(PropType type) {
-    return type == PropType::kBoolean || type == PropType::kInteger16 || type == PropType::kInteger32;
   }
 
   /// A list of values begins with their number.
