@@ -23,12 +23,11 @@ bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   return !held.written || !held.AsText().empty();
 }
 
-/// The row of a record that is no number; none for one that is not believed.
-const FieldRow* FindField(const KindTables& tables, const recovery::ConversionScope& scope, std::uint32_t id) {
-  const auto row = std::ranges::lower_bound(tables.fields, id, {}, &FieldRow::id);
-  const bool isTaken = row != tables.fields.end() && row->id == id &&
-                       (row->sort != FieldSort::kOstText || scope.storeKind == engine::StoreKind::kOst);
-  return isTaken ? &*row : nullptr;
+/// The row of a record that is no number; null for one that is not believed.
+const FieldRow* BelievedField(const KindTables& tables, const recovery::ConversionScope& scope, std::uint16_t id) {
+  const FieldRow* row = FindField(tables, LongIdOf(scope, id));
+  const bool isOther = row != nullptr && row->sort == FieldSort::kOstText && scope.storeKind != engine::StoreKind::kOst;
+  return isOther ? nullptr : row;
 }
 
 output::FieldValue FlagValue(PropType type, std::uint32_t value) {
@@ -56,15 +55,16 @@ void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recove
 
 std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionScope& scope,
                                                     const PropertyRecord& record) const {
-  const std::uint32_t id = LongIdOf(scope, record.wPropId);
-  if (recovery::IsNumberType(record.wPropType)) return FindFlag(tables_, record.wPropType, id);
-  const FieldRow* row = FindField(tables_, scope, id);
+  if (recovery::IsNumberType(record.wPropType)) {
+    return FindFlag(tables_, record.wPropType, LongIdOf(scope, record.wPropId));
+  }
+  const FieldRow* row = BelievedField(tables_, scope, record.wPropId);
   return row == nullptr ? std::nullopt : std::optional(row->field);
 }
 
 void KindConverter::ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                               const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
-  const FieldRow* row = FindField(tables_, scope, LongIdOf(scope, record.wPropId));
+  const FieldRow* row = BelievedField(tables_, scope, record.wPropId);
   if (row == nullptr) return;
   const std::uint32_t position = block.Position(record.dwValueHnid);
   text::Text text = ReadStringValue(block, *scope.codePage, record.wPropType, position);

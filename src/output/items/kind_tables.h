@@ -35,7 +35,8 @@ struct FieldRow {
 
 struct KindTables {
   recovery::ItemKind kind;
-  std::span<const FlagRow> flags;    ///< those of this kind alone
+  // Those of this kind alone.
+  std::span<const FlagRow> flags;
   std::span<const FieldRow> fields;  ///< ascending by id
 };
 
@@ -45,5 +46,8 @@ extern const std::array<KindTables, recovery::kItemKinds - 1> kKindTables;
 /// The field that a record of this type and long id writes on an item of this kind: by a row of the kind, or by one
 /// that several kinds share.
 std::optional<output::Field> FindFlag(const KindTables& tables, PropType type, std::uint32_t id);
+
+/// The same for a record of any other type; null: none.
+const FieldRow* FindField(const KindTables& tables, std::uint32_t id);
 
 }  // namespace velmora::items
