@@ -85,19 +85,19 @@ class Conversion {
       if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + conversion::CauseOf(ended_->cause));
       const ExitCode code = ExitCodeOf(ended_->kind);
       // Nobody knows whether a store is valid that could not be read.
-      return code == ExitCode::kNotValid && TellReadFailure() ? ExitCode::kInputOutput : code;
+      return code == ExitCode::kNotValid && ReportReadFailure() ? ExitCode::kInputOutput : code;
     }
     if (end == conversion::RunEnd::kStopped) {
       console_.Say(StopText());
       return ExitCode::kStopped;
     }
     if (!console_.IsDone()) return ExitCode::kAborted;
-    TellReadFailure();
+    ReportReadFailure();
     return outLook_.Report().recovery.lost.empty() ? ExitCode::kDone : ExitCode::kLosses;
   }
 
   /// Names the first read of the source that failed; false where none did.
-  bool TellReadFailure() {
+  bool ReportReadFailure() {
     if (!outLook_.Report().readFailure) return false;
     const platform::Failure& failure = *outLook_.Report().readFailure;
     console_.Say(

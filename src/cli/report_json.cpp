@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/result_text.h"
+
 namespace velmora::cli {
 namespace {
 
@@ -75,33 +77,8 @@ Json FolderOf(const engine::FolderRecord& folder) {
           {"containerClass", text::ToUtf8(folder.containerClass)}};
 }
 
-struct LossRow {
-  recovery::LossKind kind;
-  const char* name;
-};
-
-constexpr LossRow kLossKinds[] = {
-    {recovery::LossKind::kMessage, "message"},
-    {recovery::LossKind::kEmbedded, "embedded message"},
-    {recovery::LossKind::kAttachment, "attachment"},
-    {recovery::LossKind::kFolder, "folder"},
-    {recovery::LossKind::kBody, "body"},
-    {recovery::LossKind::kText, "text"},
-    {recovery::LossKind::kRecipients, "recipients"},
-    {recovery::LossKind::kMembers, "members"},
-    {recovery::LossKind::kRow, "row"},
-    {recovery::LossKind::kSourceRange, "source range"},
-    {recovery::LossKind::kRun, "run"},
-};
-
-const char* NameOf(recovery::LossKind kind) {
-  const auto* row = std::find_if(std::begin(kLossKinds), std::end(kLossKinds),
-                                 [&](const LossRow& candidate) { return candidate.kind == kind; });
-  return row == std::end(kLossKinds) ? "" : row->name;
-}
-
 Json LostOf(const recovery::LostObject& object) {
-  return {{"kind", NameOf(object.kind)},
+  return {{"kind", std::ranges::find(kLossNames, object.kind, &LossName::kind)->name},
           {"nid", object.nid},
           {"bidData", object.bidData},
           {"class", text::ToUtf8(object.messageClass)},
@@ -141,9 +118,9 @@ class ReportText {
 
 std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& report) {
   const recovery::RecoveryReport& recovery = report.recovery;
-  std::optional<Json> untold;
+  std::optional<Json> beyond;
   if (recovery.lostNotListed != 0) {
-    untold = Json{{"kind", "more"},
+    beyond = Json{{"kind", "more"},
                   {"nid", 0},
                   {"bidData", 0},
                   {"class", ""},
@@ -164,7 +141,7 @@ std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& re
   json.Add("attachments", recovery.attachments);
   json.Add("embedded", recovery.embedded);
   json.Add("skipped", SkippedOf(recovery));
-  json.AddList("lost", recovery.lost, LostOf, untold);
+  json.AddList("lost", recovery.lost, LostOf, beyond);
   json.Add("refusal", frame.refusal.empty() ? Json(nullptr) : Json(text::ToUtf8(frame.refusal)));
   json.Add("seconds", frame.seconds);
   json.Add("peakRssKiB", frame.peakRssKiB);

@@ -5,36 +5,10 @@
 #include <map>
 
 namespace velmora::cli {
-namespace {
-
-using recovery::LossKind;
-
-struct LossName {
-  LossKind kind;
-  std::string_view one;
-  std::string_view many;
-};
-
-/// In the order in which they are named: what is whole comes before its parts.
-constexpr LossName kLossNames[] = {
-    {LossKind::kMessage, "message", "messages"},
-    {LossKind::kEmbedded, "embedded message", "embedded messages"},
-    {LossKind::kFolder, "folder", "folders"},
-    {LossKind::kAttachment, "attachment", "attachments"},
-    {LossKind::kBody, "body", "bodies"},
-    {LossKind::kText, "field", "fields"},
-    {LossKind::kRecipients, "sender or list of recipients", "senders or lists of recipients"},
-    {LossKind::kMembers, "list of members", "lists of members"},
-    {LossKind::kRow, "row of a folder", "rows of folders"},
-    {LossKind::kSourceRange, "unreadable range of the source", "unreadable ranges of the source"},
-    {LossKind::kRun, "step of the run", "steps of the run"},
-};
-
-}  // namespace
 
 std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath) {
   if (report.lost.empty() && report.lostNotListed == 0) return {};
-  std::map<LossKind, std::uint64_t> counts;
+  std::map<recovery::LossKind, std::uint64_t> counts;
   for (const recovery::LostObject& object : report.lost) ++counts[object.kind];
 
   std::string named;

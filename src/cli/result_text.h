@@ -9,6 +9,30 @@
 
 namespace velmora::cli {
 
+/// What a kind of loss is called: in the report, and where losses are counted.
+struct LossName {
+  recovery::LossKind kind;
+  std::string_view name;
+  std::string_view one;
+  std::string_view many;
+};
+
+/// In the order in which they are counted out: what is whole comes before its parts.
+inline constexpr LossName kLossNames[] = {
+    {recovery::LossKind::kMessage, "message", "message", "messages"},
+    {recovery::LossKind::kEmbedded, "embedded message", "embedded message", "embedded messages"},
+    {recovery::LossKind::kFolder, "folder", "folder", "folders"},
+    {recovery::LossKind::kAttachment, "attachment", "attachment", "attachments"},
+    {recovery::LossKind::kBody, "body", "body", "bodies"},
+    {recovery::LossKind::kText, "text", "field", "fields"},
+    {recovery::LossKind::kRecipients, "recipients", "sender or list of recipients", "senders or lists of recipients"},
+    {recovery::LossKind::kMembers, "members", "list of members", "lists of members"},
+    {recovery::LossKind::kRow, "row", "row of a folder", "rows of folders"},
+    {recovery::LossKind::kSourceRange, "source range", "unreadable range of the source",
+     "unreadable ranges of the source"},
+    {recovery::LossKind::kRun, "run", "step of the run", "steps of the run"},
+};
+
 /// A line a folder, and one for all.
 std::string ContentsText(text::TextView storeName, const conversion::StoreContents& contents);
 

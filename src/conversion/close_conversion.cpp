@@ -39,6 +39,33 @@ void ReportFullTable(recovery::RecoveryReport& report, const output::FullTable& 
                              text::FromUtf8(std::to_string(table.valuesLeftOut))});
 }
 
+void AddItems(output::RDOSession& session, text::TextView path, LeftStore& left) {
+  const auto folder = session.GetFolderFromPath(path);
+  if (!folder) return;
+  const auto items = folder->Items();
+  for (auto item = items->GetFirst(); item; item = items->GetNext()) {
+    ++left.items[item->MessageClass()];
+    const output::AttachmentTotals attachments = item->SavedAttachments();
+    left.attachments.files += attachments.files;
+    left.attachments.messages += attachments.messages;
+  }
+}
+
+/// Opens the new store anew and counts what is in it; the log, if there is one, gets its summary. A store that cannot
+/// be opened holds nothing.
+LeftStore ReadLeftStore(output::OutputLibrary& library, const RunState& state) {
+  LeftStore left;
+  try {
+    const auto session = library.CreateRDOSession();
+    session->Stores()->OpenPSTStore(state.destinationPath);
+    left.contents = CountStore(*session, state.convertedName, state.logPath);
+    for (const SummaryFolder& folder : left.contents.folders) AddItems(*session, folder.path, left);
+  } catch (const output::OutputFailure&) {
+    // What was counted so far is there.
+  }
+  return left;
+}
+
 }  // namespace
 
 void COutLook::CloseConversion() {
@@ -70,7 +97,7 @@ void COutLook::CompleteReport() {
   if (read == nullptr) return;
   report_.blockEncoding = read->blockEncoding;
   report_.readFailure = read->source.FirstFailure();
-  TellUnreadRanges(read->source.Unread(), report_.recovery);
+  ReportUnreadRanges(read->source.Unread(), report_.recovery);
 }
 
 void COutLook::ReleaseSession() {
@@ -95,7 +122,7 @@ void COutLook::SealOutput() {
 }
 
 void COutLook::LookAtWhatIsLeft(output::OutputLibrary& library) {
-  report_.left = ReadLeftStore(library, state_.destinationPath, state_.convertedName, state_.logPath);
+  report_.left = ReadLeftStore(library, state_);
   recovery::RecoveryReport& recovery = report_.recovery;
   recovery.items = report_.left->items;
   recovery.attachments = report_.left->attachments.files;

@@ -2,15 +2,25 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 
-#include "conversion/left_store.h"
+#include "conversion/summary.h"
 #include "engine/heap_evidence.h"
 #include "platform/failure.h"
 #include "recovery/recovery_report.h"
 #include "store/format/generation.h"
+#include "store/operations.h"
 
 namespace velmora::conversion {
+
+/// What a run that could not go on has left behind: the store on disk as whoever opens it finds it, whatever the run
+/// believed to have written.
+struct LeftStore {
+  StoreContents contents;
+  std::map<text::Text, std::uint64_t> items;  ///< by message class
+  output::AttachmentTotals attachments;
+};
 
 struct RunReport {
   engine::StoreKind storeKind = engine::StoreKind::kNone;

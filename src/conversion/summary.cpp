@@ -2,6 +2,7 @@
 
 #include "conversion/run_log.h"
 #include "platform/file.h"
+#include "recovery/folder_path.h"
 #include "store/format/classes.h"
 
 namespace velmora::conversion {
@@ -50,7 +51,7 @@ std::optional<std::int32_t> CountInto(LogEnd& log, output::RDOSession& session, 
 }
 
 bool IsSkipped(const SummaryFolder& folder) {
-  return !folder.hasParent && folder.name != u"Lost & Found" && folder.name != u"Orphaned Mails";
+  return !folder.hasParent && folder.name != recovery::kLostFolderName && folder.name != recovery::kOrphanFolderName;
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ void RunStep(COutLook& outLook, void (COutLook::*step)()) {
   }
 }
 
-void TellSealFailure(COutLook& outLook, const RunState& state) {
+void ReportSealFailure(COutLook& outLook, const RunState& state) {
   if (!outLook.SealFailure() || state.run.runAborted) return;
   outLook.ReportStoreFailure(*outLook.SealFailure());
 }
@@ -37,12 +37,12 @@ RunEnd RunConversion(COutLook& outLook, RunState& state) {
       RunStep(outLook, step);
     }
     outLook.CloseConversion();
-    TellSealFailure(outLook, state);
+    ReportSealFailure(outLook, state);
   } catch (const engine::WorkerEnded&) {
     return RunEnd::kEndedEarly;
   } catch (const engine::RunStopped&) {
     outLook.DropRun();
-    TellSealFailure(outLook, state);
+    ReportSealFailure(outLook, state);
     run.runAborted = false;
     return RunEnd::kStopped;
   }

@@ -11,6 +11,12 @@
 
 namespace velmora::engine {
 
+/// The Smart Scan's look into a block: is it a message that no node refers to? Lists the block in `orphans` if it looks
+/// like a message (a heap signature, or a sub-node block that begins with an attachment table) and no node refers to
+/// it; true when it was listed. While the encoding of the store is unknown, a block with a sound trailer also serves to
+/// detect it.
+bool ClassifyBlock(StoreScan& scan, SourceWindow& window, const PlacedBlock& block);
+
 /// Remembers the block at hand, which is the last one that was kept or proposed, since a trailer whose
 /// block would lie outside the file records that one again.
 class BlockCollector {
@@ -38,7 +44,7 @@ class BlockCollector {
     atHand_ = block;
     if (block.size >= kTrailerView || block.offset >= fileSize_) return;
     const ByteView tail = window_.Peek(block.offset + block.size, kTrailerView - block.size);
-    if (HasTrailerAt(scan_.found->layout.Pitch(), LowBid(block.bid), block.size, tail)) ClassifyAndRecord();
+    if (HasTrailerAt(scan_.found->layout.idWidth, LowBid(block.bid), block.size, tail)) ClassifyAndRecord();
   }
 
   bool IsSmart() const { return smart_; }

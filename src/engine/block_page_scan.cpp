@@ -2,13 +2,11 @@
 #include "engine/page_walk.h"
 #include "engine/steps.h"
 #include "engine/trailer_scan.h"
-#include "store/format/signature.h"
+#include "store/format/page.h"
 
 namespace velmora::engine {
 namespace {
 
-constexpr std::uint16_t kBlockPage = 0x8080;
-constexpr std::uint32_t kMostEntrySize = 65512;  ///< one more than a trailer's slot may say
 constexpr std::uint64_t kLeastRecords = 2;
 
 constexpr std::uint32_t kScanStep = 4096;  ///< in every format
@@ -19,7 +17,7 @@ constexpr std::uint32_t kReach = 16384;
 /// A page of the block tree that proves itself. Its level is not looked at: the entries of upper levels
 /// fail the tests of a block's place as a rule.
 bool IsBlockPage(const Generation& layout, std::uint64_t offset, ByteView page) {
-  if (page.U16(layout.offPageType) != kBlockPage) return false;
+  if (page.U16(layout.offPageType) != TypeWord(PageType::kBbt)) return false;
   const std::uint8_t entrySize = page.U8(layout.offEntrySize);
   const std::uint8_t most = page.U8(layout.offEntryMax);
   return (entrySize == layout.nodeEntrySize || entrySize == layout.blockEntrySize) && most != 0 &&
@@ -48,18 +46,17 @@ class BlockPages : public PageVisitor {
   /// Takes the entries up to the first that cannot be a block's place. The count may tell of more entries than fit, so
   /// they are read to the end of what was read with the page.
   void ReadBlockPage(ByteView page, std::uint64_t readOffset) {
-    const std::uint32_t pitch = layout_.formatId == FORMAT_ANSI ? 12 : 24;
+    const std::uint32_t pitch = layout_.blockEntrySize;
     const std::uint32_t width = layout_.idWidth;
-    const auto number = [&](std::uint32_t at) { return width == 4 ? page.U32(at) : page.U64(at); };
     const std::uint32_t end = page.U8(layout_.offEntryCount) * pitch;
     for (std::uint32_t i = 0; i < end; i += pitch) {
-      const std::uint64_t id = number(i);
-      const std::uint64_t offset = number(i + width);
+      const std::uint64_t id = page.Word(i, width);
+      const std::uint64_t offset = page.Word(i + width, width);
       const std::uint16_t size = page.U16(i + 2 * width);
-      if (id == 0 || offset == 0 || size > kMostEntrySize || size == 0 || offset > fileSize_ || offset % 16 != 0)
+      if (id == 0 || offset == 0 || size > kMostBlockData || size == 0 || offset > fileSize_ || offset % 16 != 0)
         return;
       collector_.Keep({id, size, offset});
-      if (collector_.IsSmart()) collector_.Propose({number(layout_.offPageId), size, readOffset});
+      if (collector_.IsSmart()) collector_.Propose({page.Word(layout_.offPageId, width), size, readOffset});
     }
   }
 

@@ -6,40 +6,12 @@
 #include <tuple>
 
 #include "engine/source_window.h"
+#include "store/format/block.h"
 #include "store/format/checksum.h"
 #include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {
-
-/// Where the published formats put the trailer: the last bytes of the block, which is rounded up. Its size
-/// and signature lead in each of them.
-struct TrailerPlace {
-  std::uint32_t rounding;
-  std::uint32_t trailerSize;
-  std::uint32_t offId;
-  std::uint32_t offChecksum;
-};
-
-constexpr std::uint32_t kOffSize = 0;
-constexpr std::uint32_t kOffSignature = 2;
-constexpr std::uint32_t kOffInflatedSize = 18;  ///< 4K format alone
-
-TrailerPlace PlaceOf(const Generation& layout) {
-  switch (layout.formatId) {
-    case FORMAT_UNICODE:
-      return {64, 16, 8, 4};
-    case FORMAT_UNICODE_4K:
-      return {512, 24, 8, 4};
-    default:
-      return {64, 12, 4, 8};
-  }
-}
-
-ByteView Trailer(const Generation& layout, const PlacedBlock& block, ByteView bytes) {
-  const std::uint32_t size = PlaceOf(layout).trailerSize;
-  return bytes.Slice(EndOf(layout, block) - block.offset - size, size);
-}
 
 /// Most bytes that are read at once, and the widest gap between two blocks that is read along with them.
 constexpr std::uint64_t kMostAtOnce = 1 << 20;
@@ -48,27 +20,19 @@ constexpr std::uint64_t kGap = 16384;
 }  // namespace
 
 std::uint64_t EndOf(const Generation& layout, const PlacedBlock& block) {
-  const TrailerPlace place = PlaceOf(layout);
-  const std::uint64_t length = std::uint64_t{block.size} + place.trailerSize + place.rounding - 1;
-  return block.offset + length / place.rounding * place.rounding;
+  return block.offset + BlockSizeOnDisk(block.size, layout);
 }
 
 Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView bytes, std::uint64_t& mostSummed) {
-  const TrailerPlace place = PlaceOf(layout);
-  const ByteView trailer = Trailer(layout, block, bytes);
-  if (trailer.Size() < place.trailerSize || trailer.U32(place.offId) != LowBid(block.bid)) return Proof::kNone;
-  if (trailer.U16(kOffSignature) != ComputeSig(block.offset, Value(block.bid))) return Proof::kNone;
-  if (trailer.U16(kOffSize) != block.size || block.size > mostSummed) return Proof::kTrailer;
+  const std::size_t wholeSize = BlockSizeOnDisk(block.size, layout);
+  if (bytes.Size() < wholeSize) return Proof::kNone;
+  const auto whole = bytes.Bytes().first(wholeSize);
+  const BlockTrailer trailer = DecodeBlockTrailer(whole.last(layout.blockTrailerSize), layout);
+  if (LowBid(trailer.bid) != LowBid(block.bid)) return Proof::kNone;
+  if (trailer.wSig != ComputeSig(block.offset, Value(block.bid))) return Proof::kNone;
+  if (trailer.cb != block.size || block.size > mostSummed) return Proof::kTrailer;
   mostSummed -= block.size;
-  const bool fits = trailer.U32(place.offChecksum) == WeakCrc(bytes.Bytes().first(block.size));
-  return fits ? Proof::kWhole : Proof::kTrailer;
-}
-
-ProvenTrailer TrailerOf(const Generation& layout, const PlacedBlock& block, ByteView bytes) {
-  const ByteView trailer = Trailer(layout, block, bytes);
-  const std::uint32_t offId = PlaceOf(layout).offId;
-  return {Bid{layout.wideFormat ? trailer.U64(offId) : trailer.U32(offId)},
-          layout.formatId == FORMAT_UNICODE_4K ? trailer.U16(kOffInflatedSize) : block.size};
+  return trailer.dwCRC == WeakCrc(whole.first(block.size)) ? Proof::kWhole : Proof::kTrailer;
 }
 
 std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, RunContext& run,

@@ -28,13 +28,6 @@ std::uint64_t EndOf(const Generation& layout, const PlacedBlock& block);
 /// off.
 Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView bytes, std::uint64_t& mostSummed);
 
-/// The id that stands in the trailer of a block that proves itself, and its size once it is inflated.
-struct ProvenTrailer {
-  Bid bid{};
-  std::uint32_t inflatedSize = 0;
-};
-ProvenTrailer TrailerOf(const Generation& layout, const PlacedBlock& block, ByteView bytes);
-
 /// Proves each of `blocks`.
 ///
 /// The blocks are read in the order of their places, so no part of the source is read twice but for the

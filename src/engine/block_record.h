@@ -3,12 +3,16 @@
 
 #include <cstdint>
 
+#include "store/format/generation.h"
 #include "store/format/ids.h"
 
 namespace velmora::engine {
 
 /// The field-by-field rules know a block by the low 32 bits of its id, wherever they sort, compare or look up.
 constexpr std::uint32_t LowBid(Bid bid) { return static_cast<std::uint32_t>(Value(bid)); }
+
+/// The most data that a block of any generation has. The scans take what a store says of larger ones for chance.
+inline constexpr std::uint32_t kMostBlockData = generations::kUnicode4k.maxBlockData;
 
 struct PlacedBlock {
   PlacedBlock() = default;

@@ -95,7 +95,7 @@ struct Done {
 using Event = std::variant<StageBegun, Progress, FoldersKnown, FolderReached, FieldListed, AttachmentsListed,
                            ListCleared, Notice, Done>;
 
-/// Is told everything, in order and in the thread of the run, which waits for it.
+/// Receives everything, in order and in the thread of the run, which waits for it.
 class RunObserver {
  public:
   virtual ~RunObserver() = default;

@@ -11,7 +11,7 @@ namespace {
 void FindEncoding(ScannedStore& found, RunContext& run) {
   const BlockReader blocks(found);
   const auto& nodes = found.nodes.Records();
-  for (std::size_t& i = found.encodingToldBy; i < nodes.size() && !run.runEnded; ++i) {
+  for (std::size_t& i = found.encodingFoundAt; i < nodes.size() && !run.runEnded; ++i) {
     run.control.PausePoint();
     if (!nodes[i].MayBeFolder()) continue;
     const auto block = blocks.FindBlockOrLower(LowBid(nodes[i].bidData));

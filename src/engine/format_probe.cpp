@@ -1,28 +1,33 @@
 #include <optional>
 
+#include "engine/page_walk.h"
 #include "engine/source_window.h"
 #include "engine/steps.h"
-#include "store/format/signature.h"
+#include "store/format/header.h"
+#include "store/format/page.h"
 
 namespace velmora::engine {
 namespace {
 
-constexpr std::uint64_t kFirstPage = 18432;
+using generations::kAnsi;
+using generations::kUnicode;
+using generations::kUnicode4k;
+
 constexpr std::uint64_t kProbeStep = 4096;  ///< positions examined by one look
 constexpr std::size_t kLook =
     2 * kProbeStep;  ///< read, so that a 4K page's trailer lies in the buffer at every position
-constexpr std::uint64_t kSmallPage = 512;
-constexpr std::uint16_t kMax4kEntries = 169;  ///< most entries of 24 bytes in a 4K page
+constexpr std::uint64_t kSmallPage = kAnsi.pageSize;
 
-bool IsMarked(std::uint16_t word) { return word == 0x8080 || word == 0x8181; }
+/// Is this the word in which a page of one of the trees tells its type?
+bool IsMarked(std::uint16_t word) { return word == TypeWord(PageType::kBbt) || word == TypeWord(PageType::kNbt); }
 
 StoreKind KindOf(std::uint16_t clientMagic) {
   switch (clientMagic) {
-    case 0x4D53:
+    case kMagicClientPst:
       return StoreKind::kPst;
-    case 0x4F53:
+    case kMagicClientOst:
       return StoreKind::kOst;
-    case 0x4241:
+    case kMagicClientPab:
       return StoreKind::kPab;
     default:
       return StoreKind::kNone;
@@ -32,12 +37,13 @@ StoreKind KindOf(std::uint16_t clientMagic) {
 /// A trailer that proves itself by its signature. `page` begins at the page and reaches 4096 bytes beyond
 /// the last position.
 std::optional<FormatId> ProvenTrailer(std::uint64_t offset, ByteView page) {
-  const bool marked4k = IsMarked(page.U16(4072));
-  const bool markedUnicode = IsMarked(page.U16(496));
-  const bool markedAnsi = IsMarked(page.U16(500));
+  const bool marked4k = IsMarked(page.U16(kUnicode4k.offPageType));
+  const bool markedUnicode = IsMarked(page.U16(kUnicode.offPageType));
+  const bool markedAnsi = IsMarked(page.U16(kAnsi.offPageType));
   if (!markedUnicode && !markedAnsi) return std::nullopt;
-  const std::uint16_t signature = page.U16(marked4k ? 4074 : markedUnicode ? 498 : 502);
-  const std::uint32_t id = page.U32(marked4k ? 4080 : 504);
+  const Generation& layout = marked4k ? kUnicode4k : markedUnicode ? kUnicode : kAnsi;
+  const std::uint16_t signature = page.U16(layout.offPageSig);
+  const std::uint32_t id = page.U32(layout.offPageId);
   if (signature == 0 || signature != ComputeSig(offset, id)) return std::nullopt;
   if (markedAnsi) return FORMAT_ANSI;
   if (markedUnicode) return FORMAT_UNICODE;
@@ -45,7 +51,11 @@ std::optional<FormatId> ProvenTrailer(std::uint64_t offset, ByteView page) {
 }
 
 /// The last 512 bytes of a 4K page, known by its counters alone.
-bool LooksLike4kTail(ByteView page) { return page.U16(474) == kMax4kEntries && IsMarked(page.U16(488)); }
+bool LooksLike4kTail(ByteView page) {
+  constexpr std::uint64_t kAhead = kUnicode4k.pageSize - kSmallPage;
+  return page.U16(kUnicode4k.offEntryMax - kAhead) == MaxEntries(kUnicode4k.blockEntrySize, kUnicode4k) &&
+         IsMarked(page.U16(kUnicode4k.offPageType - kAhead));
+}
 
 std::optional<FormatId> FormatOfWindow(std::uint64_t offset, ByteView bytes) {
   std::optional<FormatId> found;
@@ -60,8 +70,10 @@ std::optional<FormatId> FormatOfWindow(std::uint64_t offset, ByteView bytes) {
 /// The last resort: root offsets of the header that have the shape of a page's place.
 std::optional<FormatId> FormatOfHeader(ByteView header) {
   const auto isPlace = [&](std::uint64_t at) { return header.U32(at) != 0 && header.U8(at) == 0; };
-  if (isPlace(196) && isPlace(188)) return FORMAT_ANSI;
-  if (isPlace(240) && isPlace(224)) return FORMAT_UNICODE;
+  for (const Generation& layout : {kAnsi, kUnicode}) {
+    const HeaderPlaces& roots = PlacesInHeader(layout);  // of each the id, and the place behind it
+    if (isPlace(roots.brefBbt + layout.idWidth) && isPlace(roots.brefNbt + layout.idWidth)) return layout.formatId;
+  }
   return std::nullopt;
 }
 
@@ -73,11 +85,11 @@ ProbeResult ProbeFormat(StoreScan& scan, RunContext& run) {
 
   ScannedStore& found = *scan.found;
   SourceWindow window(found.source);
-  found.storeKind = KindOf(window.Peek(0, 512).U16(8));
+  found.storeKind = KindOf(window.Peek(0, kSmallPage).U16(kWMagicClient));
   if (found.storeKind != StoreKind::kPst && found.storeKind != StoreKind::kOst) return ProbeResult::kRefused;
 
   std::optional<FormatId> format;
-  std::uint64_t offset = kFirstPage;
+  std::uint64_t offset = FirstPage(kAnsi);
   for (bool more = true; more && !format;) {
     if (run.runEnded) return ProbeResult::kFound;
     run.control.PausePoint();

@@ -5,25 +5,26 @@
 #include <span>
 
 #include "store/format/byte_view.h"
+#include "store/format/heap_format.h"
 
 namespace velmora::engine {
 namespace {
 
-/// The word that tells a heap lies behind a two-byte offset.
-constexpr std::size_t kSignatureOffset = 2;
+constexpr std::uint16_t kContext = HeapWord(ClientSig::kPropertyContext);
+
+/// Two words that no store writes count as well.
+constexpr std::uint16_t kSignatures[] = {kContext, HeapWord(ClientSig::kTableContext), 0x8CEC, 0xECEC};
 
 }  // namespace
 
-bool IsHeapSignature(std::uint16_t word) {
-  return word == 0xBCEC || word == 0x7CEC || word == 0x8CEC || word == 0xECEC;
-}
+bool IsHeapSignature(std::uint16_t word) { return std::ranges::count(kSignatures, word) != 0; }
 
 bool AcceptsSignature(StoreKind kind, std::uint16_t word, bool whenOther) {
   switch (kind) {
     case StoreKind::kOst:
       return IsHeapSignature(word);
     case StoreKind::kPst:
-      return word == 0xBCEC;
+      return word == kContext;
     default:
       return whenOther;
   }
@@ -37,7 +38,7 @@ std::optional<CryptMethod> DetectEncoding(const Source& source, StoreKind kind, 
   for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
     std::array<std::byte, 4> head = stored;
     DecodeBlock(method, Bid{block.bid}, head);
-    if (AcceptsSignature(kind, ByteView(head).U16(kSignatureOffset), false)) return method;
+    if (AcceptsSignature(kind, ByteView(head).U16(kOffHeapWord), false)) return method;
   }
   return std::nullopt;
 }

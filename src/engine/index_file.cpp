@@ -1,20 +1,14 @@
 #include "engine/index_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
+
+#include "store/format/little_endian.h"
 
 namespace velmora::engine {
 namespace {
 
 constexpr std::size_t kRecordBytes = 16;
-
-void Store(std::byte* at, const BlockRecord& record) {
-  // The hosts that this runs on are little-endian; platform asserts it.
-  std::memcpy(at, &record.bid, 4);
-  std::memcpy(at + 4, &record.size, 4);
-  std::memcpy(at + 8, &record.offset, 8);
-}
 
 }  // namespace
 
@@ -40,8 +34,13 @@ void IndexFile::WriteChunk() {
   std::ranges::stable_sort(chunk_, {}, [](const PlacedBlock& block) { return LowBid(block.bid); });
   index_->Add(chunk_);
   if (state_) {
-    std::vector<std::byte> bytes(chunk_.size() * kRecordBytes);
-    for (std::size_t i = 0; i < chunk_.size(); ++i) Store(bytes.data() + i * kRecordBytes, RecordOf(chunk_[i]));
+    std::vector<std::byte> bytes;
+    bytes.reserve(chunk_.size() * kRecordBytes);
+    for (const PlacedBlock& block : chunk_) {
+      velmora::Append(bytes, LowBid(block.bid));
+      velmora::Append(bytes, block.size);
+      velmora::Append(bytes, block.offset);
+    }
     state_ = file_->WriteAt(written_ * kRecordBytes, bytes);
     written_ += chunk_.size();
   }

@@ -1,18 +1,18 @@
 #include "engine/page_walk.h"
 #include "engine/steps.h"
-#include "store/format/signature.h"
+#include "store/format/page.h"
 
 namespace velmora::engine {
 namespace {
 
-constexpr std::uint16_t kNodePage = 0x8181;
-constexpr std::uint8_t kUpperEntrySize = 24;  ///< of the upper levels of Unicode and 4K trees
+/// Of the upper levels of wide trees; asked for in ANSI stores as well, whose own are smaller.
+constexpr std::uint8_t kUpperEntrySize = generations::kUnicode.blockEntrySize;
 constexpr std::uint32_t kIdBound = 0xFFFFFF;
 
 /// A page with the exact entry size is taken even unproven; one of an upper level's size only if its
 /// signature holds. Neither its level nor the number of its entries decides.
 bool IsNodePage(const Generation& layout, std::uint64_t offset, ByteView page) {
-  if (page.U16(layout.offPageType) != kNodePage) return false;
+  if (page.U16(layout.offPageType) != TypeWord(PageType::kNbt)) return false;
   const std::uint8_t entrySize = page.U8(layout.offEntrySize);
   if (entrySize == layout.nodeEntrySize) return true;
   return entrySize == kUpperEntrySize && page.U16(layout.offPageSig) == ComputeSig(offset, page.U32(layout.offPageId));
@@ -22,6 +22,13 @@ bool IsNodePage(const Generation& layout, std::uint64_t offset, ByteView page) {
 /// say so: either alone may be a damaged byte of a leaf. The level stands right behind the entry size.
 bool IsUpperPage(const Generation& layout, ByteView page) {
   return page.U8(layout.offEntrySize) != layout.nodeEntrySize && page.U8(layout.offEntrySize + 1u) != 0;
+}
+
+/// Where the entries end by the rule of this scan: those that fit ahead of their count, but in the 4K format all up to
+/// the trailer, so that the last one reaches into it.
+std::uint32_t EntryAreaEnd(const Generation& layout) {
+  if (layout.formatId == FORMAT_UNICODE_4K) return layout.offPageType;
+  return std::uint32_t{MaxEntries(layout.nodeEntrySize, layout)} * layout.nodeEntrySize;
 }
 
 /// Keeps the entries of every node page.
@@ -34,14 +41,14 @@ class NodePages : public PageVisitor {
   }
 
  private:
-  /// Takes the entries up to the first without a node id. In the 4K format the area is no multiple of the
-  /// entry size, and its last entry reaches into the trailer.
+  /// Takes the entries up to the first without a node id.
   void ReadNodePage(ByteView page) {
-    const std::uint32_t pitch = layout_.Pitch();
+    const std::uint32_t width = layout_.idWidth;
     const bool upper = IsUpperPage(layout_, page);
-    const auto bid = [&](std::uint32_t at) { return layout_.wideFormat ? page.U64(at) : page.U32(at); };
-    for (std::uint32_t i = 0; i < layout_.entryAreaEnd; i += 4 * pitch) {
-      const NodeRecord node(page.U32(i), bid(i + pitch), bid(i + 2 * pitch), page.U32(i + 3 * pitch), upper);
+    const std::uint32_t end = EntryAreaEnd(layout_);
+    for (std::uint32_t i = 0; i < end; i += layout_.nodeEntrySize) {
+      const NodeRecord node(page.U32(i), page.Word(i + width, width), page.Word(i + 2 * width, width),
+                            page.U32(i + 3 * width), upper);
       if (node.nid == 0) return;
       const bool bounded =
           LowBid(node.bidData) < kIdBound && LowBid(node.bidSub) < kIdBound && node.nidParent < kIdBound;

@@ -1,12 +1,8 @@
 #include "engine/page_walk.h"
 
 namespace velmora::engine {
-namespace {
 
-/// Of the first page: there is none ahead of the first allocation map.
 std::uint64_t FirstPage(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 147456 : 18432; }
-
-}  // namespace
 
 std::uint32_t StrideOf(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 4096 : 512; }
 

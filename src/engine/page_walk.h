@@ -27,6 +27,9 @@ struct WalkSizes {
   std::uint32_t reach;  ///< what the window holds from the beginning of a step on, for the visitor; no less than `read`
 };
 
+/// Of the first page: there is none ahead of the first allocation map.
+std::uint64_t FirstPage(const Generation& layout);
+
 /// From one page to the next, in a store of that format or of none.
 std::uint32_t StrideOf(const Generation& layout);
 

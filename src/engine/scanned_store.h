@@ -47,9 +47,9 @@ struct ScannedStore : ndb::BlockSource {
   std::uint32_t orphanBlockCount = 0;
 
   CryptMethod blockEncoding = CryptMethod::kNone;
-  /// Position in the node list of the node whose block told the encoding: 0 where the block scan did, the size of the
+  /// Position in the node list of the node whose block showed the encoding: 0 where the block scan did, the size of the
   /// list where none does.
-  std::size_t encodingToldBy = 0;
+  std::size_t encodingFoundAt = 0;
 };
 
 }  // namespace velmora::engine

@@ -1,6 +1,7 @@
 #include "engine/source.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace velmora::engine {
@@ -19,6 +20,25 @@ std::size_t Available(std::uint64_t size, std::uint64_t offset, std::size_t most
 }
 
 }  // namespace
+
+void BadRanges::Add(std::uint64_t offset, std::uint64_t length) {
+  if (length == 0) return;
+  std::uint64_t end = offset + length;
+  auto next = ranges_.lower_bound(offset);
+  const bool hasBefore = next != ranges_.begin();
+  if (next != ranges_.end() && next->first < end) return;
+  if (hasBefore && std::prev(next)->second > offset) return;
+
+  if (next != ranges_.end() && next->first == end) {
+    end = next->second;
+    next = ranges_.erase(next);
+  }
+  if (hasBefore && std::prev(next)->second == offset) {
+    std::prev(next)->second = end;
+  } else {
+    ranges_.emplace_hint(next, offset, end);
+  }
+}
 
 platform::Result<std::size_t> Source::Read(std::uint64_t offset, std::span<std::byte> out) const {
   if (!IsOffset(offset) || bytes_ == nullptr) {

@@ -1,14 +1,40 @@
 // What the scanning steps hand from one to the next on the way to a ScannedStore.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
-#include "engine/referenced_ids.h"
 #include "engine/scanned_store.h"
 
 namespace velmora::engine {
+
+/// The block ids that node entries refer to, for the Smart Scan.
+class ReferencedIds {
+ public:
+  /// Takes `bidData` and `bidSub` of every record that has a `bidSub`; records without one contribute
+  /// nothing. Fewer than two ids build no table at all, and only id 0 counts as referenced then.
+  void Build(const NodeList& nodes) {
+    ids_.clear();
+    for (const NodeRecord& node : nodes.Records()) {
+      if (LowBid(node.bidSub) == 0) continue;
+      ids_.push_back(LowBid(node.bidData));
+      ids_.push_back(LowBid(node.bidSub));
+    }
+    std::ranges::sort(ids_);
+    ids_.erase(std::ranges::unique(ids_).begin(), ids_.end());
+  }
+
+  /// True for id 0 and for every id of the table.
+  bool IsReferencedId(std::uint32_t id) const { return id == 0 || std::ranges::binary_search(ids_, id); }
+
+  void Clear() { ids_ = {}; }
+
+ private:
+  std::vector<std::uint32_t> ids_;  ///< sorted
+};
 
 struct StoreScan {
   std::unique_ptr<ScannedStore> found = std::make_unique<ScannedStore>();  ///< so far; null behind FinishScan

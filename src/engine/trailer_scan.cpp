@@ -3,27 +3,19 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
 #include <type_traits>
 
 #include "engine/zero_runs.h"
+#include "store/format/little_endian.h"
 #include "store/format/signature.h"
 
 namespace velmora::engine {
 namespace {
 
 constexpr std::size_t kSlot = 16;
-constexpr std::uint32_t kSizeBound = 65512;
 
 /// Bytes read at a time where a run of zeros reaches back out of the window.
 constexpr std::size_t kBackStep = 16384;
-
-template <class T>
-T Load(const std::byte* at) {
-  T value;
-  std::memcpy(&value, at, sizeof value);
-  return value;
-}
 
 /// The first place at which a block of this size may begin whose last byte that is not 0 lies at `last`.
 /// Wraps below the start of the file, as the signature does.
@@ -52,18 +44,19 @@ void TrailerScan::ScanWindow(std::size_t begin, std::size_t end) {
   const bool smart = collector_.IsSmart();
   for (std::size_t at = begin; at < end; at += kSlot) {
     std::array<std::byte, kSlot> partial{};
-    const std::byte* slot = window_.Bytes().data() + at;
-    if (end - at < kSlot) {
-      std::memcpy(partial.data(), slot, end - at);
-      slot = partial.data();
+    auto bytes = window_.Bytes().subspan(at, std::min(kSlot, end - at));
+    if (bytes.size() < kSlot) {
+      std::ranges::copy(bytes, partial.begin());
+      bytes = partial;
     }
-    const auto size = Load<std::uint16_t>(slot + kIdWidth);
-    const std::uint64_t id = Load<Id>(slot + 8);
-    if (size == 0 || size >= kSizeBound || static_cast<std::uint32_t>(id) == 0) continue;
-    const auto signature = Load<std::uint16_t>(slot + kIdWidth + 2);
+    const auto slot = bytes.first<kSlot>();
+    const auto size = Load<std::uint16_t>(slot, kIdWidth);
+    const std::uint64_t id = Load<Id>(slot, 8);
+    if (size == 0 || size >= kMostBlockData || static_cast<std::uint32_t>(id) == 0) continue;
+    const auto signature = Load<std::uint16_t>(slot, kIdWidth + 2);
 
     const std::uint64_t offset = window_.Base() + at;
-    const std::uint64_t before = at >= 8 ? Load<std::uint64_t>(window_.Bytes().data() + at - 8) : 0;
+    const std::uint64_t before = at >= 8 ? Load<std::uint64_t>(window_.Bytes(), at - 8) : 0;
     if (before == 0) {
       if (const auto last = LastNonZeroBefore(offset)) RecoverFromTrailer(offset, *last, {id, size, signature});
       continue;

@@ -4,6 +4,7 @@
 
 #include "recovery/heap_text.h"
 #include "recovery/value_stream.h"
+#include "store/format/block.h"
 #include "store/format/property_tags.h"
 #include "text/plausibility.h"
 
@@ -20,9 +21,6 @@ constexpr text::TextView kNoContent = u"it has no content";
 /// (docs/fidelity.md#wandering-block).
 constexpr std::uint32_t kWanderingBid = 0x21DA;
 constexpr std::uint32_t kLastTriedBid = kWanderingBid + 100;
-
-constexpr std::uint16_t kExtendedBlock = 0x0101;
-constexpr std::uint16_t kSubNodeBlock = 0x0002;
 
 /// Characters that may not stand in a file name become blanks.
 void ReplaceForbidden(Text& name) {
@@ -53,8 +51,8 @@ std::optional<PropertyRecord> DataRecordOf(const PropertyContext& context) {
 }
 
 /// The first entry of the list is what is read; does the data lie in another one, or not in the list at all?
-bool IsOtherSubNode(ByteView list, std::uint32_t width, std::uint32_t nidOfData) {
-  return list.U16(0) == kSubNodeBlock && list.U32(width) != nidOfData;
+bool IsOtherSubNode(ByteView list, const Generation& layout, std::uint32_t nidOfData) {
+  return list.U16(0) == kSlBlock && list.U32(layout.subnodeHeadSize) != nidOfData;
 }
 
 }  // namespace
@@ -218,11 +216,11 @@ void AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry, const st
 
   attachment.outOfLine = true;
   const ByteView block(*bytes);
-  if (block.U16(0) != kExtendedBlock && left_.isEmbedded) {
+  if (block.U16(0) != kXBlock && left_.isEmbedded) {
     attachment.message = ReadEmbeddedSlots(block);
   } else if (left_.file) {
     attachment.missing = ReadDataBlocks(*record);
-    if (data && IsOtherSubNode(block, source_.store.layout.Pitch(), data->dwValueHnid)) {
+    if (data && IsOtherSubNode(block, source_.store.layout, data->dwValueHnid)) {
       attachment.missing = u"its content is not read; that of another sub-node, " + DecimalOf(left_.file->Size()) +
                            u" bytes, stands in its place";
     }
@@ -248,7 +246,7 @@ Text AttachmentReader::ReadDataBlocks(const engine::BlockRecord& record) {
 /// The way from slot to slot is none from entry to entry: only the first is a true one
 /// (docs/fidelity.md#embedded-slots).
 std::vector<EmbeddedSlot> AttachmentReader::ReadEmbeddedSlots(ByteView block) const {
-  const std::uint32_t width = source_.store.layout.wideFormat ? 8 : 4;
+  const std::uint32_t width = source_.store.layout.idWidth;
   const std::uint32_t entryCount = block.U16(2);
   std::vector<EmbeddedSlot> slots;
   std::uint32_t counter = 0;

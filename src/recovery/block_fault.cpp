@@ -19,25 +19,41 @@ text::Text DecimalOf(std::uint64_t number) { return FormatNumber(number, 10); }
 
 text::Text TextOf(const BlockFault& fault) {
   using Cause = BlockFault::Cause;
-  if (fault.cause == Cause::kTooMuch) return text::Text(kClaimsTooMuch);
-  if (fault.cause == Cause::kNotFound && fault.bid == 0) return u"it has no data block";
-  text::Text text = u"its data block " + HexOf(fault.bid);
-  if (fault.cause == Cause::kNotFound) return text + u" was not found";
-  text += u" at offset " + DecimalOf(fault.offset);
+  const text::Text block = u"its data block " + HexOf(fault.bid);
+  const text::Text placed = block + u" at offset " + DecimalOf(fault.offset);
   switch (fault.cause) {
+    case Cause::kNotFound:
+      return fault.bid == 0 ? u"it has no data block" : block + u" was not found";
     case Cause::kNotRead:
-      return text + u" could not be read";
+      return placed + u" could not be read";
     case Cause::kCutOff:
-      return text + u" is cut off by the end of the source";
+      return placed + u" is cut off by the end of the source";
     case Cause::kNotInflated:
-      return text + u" could not be inflated";
+      return placed + u" could not be inflated";
     case Cause::kList:
-      return text + u" is a list of blocks, and only what stands in one block is read";
+      return placed + u" is a list of blocks, and only what stands in one block is read";
     case Cause::kSignature:
-      return text + u" is no property context: its signature is " + HexOf(fault.signature);
-    default:
-      return text + u" holds a property context that is damaged";
+      return placed + u" is no property context: its signature is " + HexOf(fault.signature);
+    case Cause::kBrokenHeap:
+      return placed + u" holds a property context that is damaged";
+    case Cause::kTooMuch:
+      return text::Text(kClaimsTooMuch);
+    case Cause::kOverfull:
+      return block + u" claims more entries than it can hold";
+    case Cause::kUpperLevel:
+      return u"the list of its sub-nodes has an upper level, which is not read";
+    case Cause::kNoEncoding:
+      return u"the encoding of the store could not be told from its block";
+    case Cause::kMessage:
+      return u"its data block is that of a message";
+    case Cause::kOutside:
+      return u"its name or class does not stand in its block";
+    case Cause::kNoName:
+      return u"it has no name";
+    case Cause::kNoText:
+      return u"its name is empty or does not look like text";
   }
+  return {};
 }
 
 }  // namespace velmora::recovery

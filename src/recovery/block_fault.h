@@ -1,4 +1,4 @@
-// Why a block gave nothing: found where it happens, and carried to the report unchanged.
+// Why a node or block gave nothing: found where it happens, and carried to the report unchanged.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,15 @@ struct BlockFault {
     kSignature,    ///< not the signature of what was looked for
     kBrokenHeap,   ///< the signature is right; the heap or the tree in it is not
     kTooMuch,      ///< not read: the store claims more than it can hold
+    // Of lists of sub-nodes
+    kOverfull,    ///< more entries than it can hold
+    kUpperLevel,  ///< a list of lists
+    // Of folders
+    kNoEncoding,  ///< looked at before the encoding of the store was known
+    kMessage,     ///< the block of a message
+    kOutside,     ///< its name or class is not in the block
+    kNoName,
+    kNoText,  ///< its name is empty, or does not look like text
   };
 
   Cause cause = Cause::kNotFound;

@@ -5,7 +5,7 @@
 
 namespace velmora::recovery {
 
-void UnreadFolders::Note(const engine::NodeRecord& node, const FolderFault& fault) {
+void UnreadFolders::Note(const engine::NodeRecord& node, const BlockFault& fault) {
   const bool isFolder = HasNidType(node.nid, NidType::kNormalFolder) && node.nid != Value(nid::kRootFolder);
   const bool hasPlace = node.nidParent != 0 && node.nidParent != Value(nid::kRootFolder) && node.nidParent != node.nid;
   if (isFolder && hasPlace && !node.upperPage)
@@ -15,8 +15,7 @@ void UnreadFolders::Note(const engine::NodeRecord& node, const FolderFault& faul
 void UnreadFolders::Report(RecoveryState& state, const FolderCollector& folders) const {
   for (const auto& [nid, unread] : unread_) {
     if (folders.Contains(nid)) continue;
-    const text::Text why = unread.fault.block ? TextOf(*unread.fault.block) : text::Text(unread.fault.reason);
-    ReportLoss(state, {LossKind::kFolder, nid, unread.bidData, {}, u"folder: " + why});
+    ReportLoss(state, {LossKind::kFolder, nid, unread.bidData, {}, u"folder: " + TextOf(unread.fault)});
   }
 }
 
@@ -25,7 +24,8 @@ void FolderLosses::ReportMoved() {
     const bool atTopByRule = folder.parentNid == Value(nid::kRootFolder) || folder.parentNid == state_.topFolderNid ||
                              folder.nid == state_.topFolderNid || leftOut_.contains(folder.parentNid);
     if (atTopByRule || state_.folders.Find(folder.parentNid) != nullptr) continue;
-    Tell(folder, u"its parent " + HexOf(folder.parentNid) + u" is no folder that could be read: it stands at the top");
+    Report(folder,
+           u"its parent " + HexOf(folder.parentNid) + u" is no folder that could be read: it stands at the top");
   }
 }
 
@@ -36,19 +36,19 @@ void FolderLosses::NoteThere(const FolderRecord& folder, std::size_t pathKey) {
   // Below two folders of the root: the subtrees of mailbox and public folders are one by rule.
   const bool ofTwoRoots =
       other.parentNid != folder.parentNid && leftOut_.contains(other.parentNid) && leftOut_.contains(folder.parentNid);
-  if (!isFirst && !ofTwoRoots) Tell(folder, u"merged with folder " + HexOf(other.nid) + u", which has the same path");
-  if (isFirst && split) Tell(folder, u"the backslash in its name put it below another folder");
+  if (!isFirst && !ofTwoRoots) Report(folder, u"merged with folder " + HexOf(other.nid) + u", which has the same path");
+  if (isFirst && split) Report(folder, u"the backslash in its name put it below another folder");
 }
 
 void FolderLosses::ReportNotMade(const FolderRecord& folder) {
   if (folder.nid == state_.topFolderNid) return;  // the new store has a top of its own
   const bool split = folder.name.find(u'\\') != text::Text::npos;
-  Tell(folder, split ? u"not made: the backslash in its name leads to a folder that is not there"
-                     : u"not made: it has no parent in the new store, or no name that a folder can have");
+  Report(folder, split ? u"not made: the backslash in its name leads to a folder that is not there"
+                       : u"not made: it has no parent in the new store, or no name that a folder can have");
 }
 
 /// Other nodes may have a name too, and become folders by it: nobody would miss those.
-void FolderLosses::Tell(const FolderRecord& folder, text::TextView reason) {
+void FolderLosses::Report(const FolderRecord& folder, text::TextView reason) {
   if (!HasNidType(folder.nid, NidType::kNormalFolder)) return;
   ReportLoss(state_, {LossKind::kFolder,
                       folder.nid,

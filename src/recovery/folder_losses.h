@@ -7,8 +7,8 @@
 #include <unordered_set>
 
 #include "engine/node_list.h"
+#include "recovery/block_fault.h"
 #include "recovery/folder_list.h"
-#include "recovery/folder_properties.h"
 #include "recovery/recovery_state.h"
 
 namespace velmora::recovery {
@@ -16,7 +16,7 @@ namespace velmora::recovery {
 /// Nodes that are folders by their identifier and gave none. A second node of the same identifier may still.
 class UnreadFolders {
  public:
-  void Note(const engine::NodeRecord& node, const FolderFault& fault);
+  void Note(const engine::NodeRecord& node, const BlockFault& fault);
 
   /// Lists those that no node gave; to be called behind the last node. A folder right below the root, where the rules
   /// make none, is no loss, and neither is the root.
@@ -25,7 +25,7 @@ class UnreadFolders {
  private:
   struct Unread {
     std::uint32_t bidData = 0;
-    FolderFault fault;
+    BlockFault fault;
   };
   std::map<std::uint32_t, Unread> unread_;  ///< the first node of each identifier
 };
@@ -50,7 +50,7 @@ class FolderLosses {
     std::uint32_t nid = 0;
     std::uint32_t parentNid = 0;
   };
-  void Tell(const FolderRecord& folder, text::TextView reason);
+  void Report(const FolderRecord& folder, text::TextView reason);
 
   RecoveryState& state_;
   std::unordered_set<std::uint32_t> leftOut_;

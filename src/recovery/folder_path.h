@@ -11,6 +11,9 @@ namespace velmora::recovery {
 /// Stands for a folder that is not known. No folder's own path can be equal to it: those begin with a backslash.
 inline constexpr text::TextView kLostFolderName = u"Lost & Found";
 
+/// The folder of all orphans, which the new store has below its top.
+inline constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
+
 /// UTF-16 units and levels: several times what the deepest folder that people make needs.
 inline constexpr std::size_t kLongestPath = 8192;
 inline constexpr std::size_t kDeepestFolder = 1000;

@@ -21,6 +21,11 @@ namespace velmora::recovery {
 using velmora::ItemKind;
 inline constexpr std::size_t kItemKinds = 7;
 
+/// The place of the page map at which start and end of the allocation that `hid` names stand. The block index
+/// of the identifier is not masked out, so an identifier into a later block of the heap gives a place far
+/// behind this one.
+constexpr std::uint32_t HeapPosition(std::uint16_t ibHnpm, std::uint32_t hid) { return ibHnpm + 2u + (hid >> 4); }
+
 /// The decoded and inflated block of the message under work, and what stands around it.
 struct MessageBlock {
   ByteView bytes;              ///< readBuffer
@@ -29,8 +34,13 @@ struct MessageBlock {
 
   /// The place in `bytes` at which the page map holds start and end of the allocation that `value` names.
   /// For an inline value it means nothing but is formed and tested all the same.
-  std::uint32_t Position(std::uint32_t value) const { return heapPageMapOffset + 2u + (value >> 4); }
+  std::uint32_t Position(std::uint32_t value) const { return HeapPosition(heapPageMapOffset, value); }
 };
+
+/// Types of the numbers and flags that the kinds of item have: the record itself holds the value.
+constexpr bool IsNumberType(PropType type) {
+  return type == PropType::kBoolean || type == PropType::kInteger16 || type == PropType::kInteger32;
+}
 
 /// Per-message working values of the mail converter, cleared at the start of each message.
 struct MailState {

@@ -9,14 +9,13 @@
 #include "recovery/lost_items.h"
 #include "recovery/property_context.h"
 #include "recovery/value_stream.h"
+#include "store/format/block.h"
 
 namespace velmora::recovery {
 namespace {
 
 using output::Field;
 using text::Text;
-
-constexpr std::uint16_t kUpperLevel = 0x0102;  ///< block type 2, level 1: pairs of a sub-node id and a block of entries
 
 constexpr text::TextView kBodyNames[kBodyKinds] = {u"HTML", u"plain text", u"RTF"};
 
@@ -97,7 +96,7 @@ class ItemLosses {
       found += (found.empty() ? u"" : u"; ") + Text(kBodyNames[kind]) + u" of " + SizeText(*losses_.bodies[kind]);
     }
     if (found.empty()) return;
-    const Text why = subNodes_.unread.why.empty() ? Text() : u"; " + subNodes_.unread.why;
+    const Text why = subNodes_.unread.fault ? u"; " + TextOf(*subNodes_.unread.fault) : Text();
     List(LossKind::kBody, u"body: none is read of " + found + why);
   }
 
@@ -116,7 +115,7 @@ class ItemLosses {
     Text reason = text::FromUtf8(output::InfoOf(lost.field).name);
     if (!lost.reason.empty()) {
       reason += u": " + lost.reason;
-    } else if (IsInlineType(lost.record.wPropType)) {
+    } else if (IsNumberType(lost.record.wPropType)) {
       // The new store forms this one from start and end.
       if (lost.field == Field::AppointmentDuration) return;
       reason += u": its value " + DecimalOf(lost.record.dwValueHnid) + u" is not taken";
@@ -124,10 +123,6 @@ class ItemLosses {
       reason += u": a value of " + SizeText(lost.record) + u" outside the message's own block is not read";
     }
     List(isAddress ? LossKind::kRecipients : LossKind::kText, std::move(reason));
-  }
-
-  static bool IsInlineType(PropType type) {
-    return type == PropType::kBoolean || type == PropType::kInteger16 || type == PropType::kInteger32;
   }
 
   /// A list of values begins with their number.
@@ -141,8 +136,8 @@ class ItemLosses {
   }
 
   void ReportUnreadAttachments() {
-    const Text& why = subNodes_.unread.why;
-    if (why.empty()) return;
+    if (!subNodes_.unread.fault) return;
+    const Text why = TextOf(*subNodes_.unread.fault);
     bool known = false;
     for (const SubNodeEntry& entry : subNodes_.unread.entries) {
       if (!HasNidType(entry.nid, NidType::kAttachment)) continue;
@@ -169,22 +164,24 @@ class ItemLosses {
 }  // namespace
 
 UnreadSubNodes ReadUnreadSubNodes(const RecoveryRun& run, std::uint32_t bidSub, const SubNodeList& read) {
+  using Cause = BlockFault::Cause;
   // A list of several entries is one: an upper level never looks like that.
   if (bidSub == 0 || read.size() > 1) return {};
   const engine::BlockReader blocks(run.store);
   const auto record = blocks.FindBlockOrLower(bidSub);
-  if (!record) return {{}, TextOf(BlockFault::NotFound(bidSub))};
+  if (!record) return {{}, BlockFault::NotFound(bidSub)};
   const bool allowed = run.state.reportAllowance.TakeBytes(record->size);
   const auto bytes = allowed ? blocks.ReadChunk(record->offset, record->size) : std::nullopt;
-  if (!bytes) return {{}, TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, *record))};
+  if (!bytes) return {{}, BlockFault::Of(Cause::kNotRead, *record)};
 
   const ByteView block(*bytes);
-  const std::uint32_t width = run.store.layout.Pitch();
-  if (block.U16(0) != kUpperLevel) {
-    if (block.U16(2) * 3u * width <= block.Size()) return {};
-    return {{}, u"its data block " + HexOf(record->bid) + u" claims more entries than it can hold"};
+  const Generation& layout = run.store.layout;
+  if (block.U16(0) != kSiBlock) {
+    if (block.U16(2) * layout.SubnodeEntrySize() <= block.Size()) return {};
+    return {{}, BlockFault::Of(Cause::kOverfull, *record)};
   }
-  UnreadSubNodes unread{{}, u"the list of its sub-nodes has an upper level, which is not read"};
+  UnreadSubNodes unread{{}, BlockFault::Of(Cause::kUpperLevel, *record)};
+  const std::uint32_t width = layout.idWidth;  // an entry is a sub-node and the block that lists those from it on
   const std::uint64_t count = block.U16(2);
   for (std::uint64_t at = width; at < width * (1 + 2 * count) && at < block.Size(); at += 2ull * width) {
     const auto leaf = blocks.FindBlockOrLower(block.U32(at + width));

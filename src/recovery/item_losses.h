@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "recovery/message_reader.h"
 #include "recovery/recovery_state.h"
@@ -12,8 +13,8 @@ namespace velmora::recovery {
 
 /// The sub-nodes that the reading of a message's list leaves out.
 struct UnreadSubNodes {
-  SubNodeList entries;  ///< those that are known: of a list with an upper level
-  text::Text why;       ///< in plain words; empty when the list was read, or there is none
+  SubNodeList entries;              ///< those that are known: of a list with an upper level
+  std::optional<BlockFault> fault;  ///< nothing when the list was read, or there is none
 };
 
 /// The sub-nodes of one message.

@@ -106,7 +106,7 @@ bool CreateItemForClass(RecoveryState& state, const Ref<RDOFolder>& folder, text
 
 void CreateFallbackMail(RecoveryState& state, const Ref<RDOFolder>& folder, MessageItems& made) {
   made.kindSet[static_cast<std::size_t>(ItemKind::kMail)] = true;
-  const auto mail = AddItem(state, folder, u"IPM.Note");
+  const auto mail = AddItem(state, folder, kMailMessageClass);
   if (!mail) throw output::OutputFailure(output::ResultCode::E_POINTER);
   TakeMail(made, mail);
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 
+#include "store/format/block.h"
 #include "store/format/prop_tag.h"
 
 namespace velmora::recovery {
@@ -19,9 +20,6 @@ constexpr std::uint32_t kLowestLongId = 0x8001;
 constexpr std::uint32_t kLongIdLimit = 0x8FFF;
 constexpr std::uint32_t kReadBehindBucket = 512;
 constexpr int kDeepestWalk = 32;
-
-constexpr std::uint16_t kExtendedBlock = 0x0101;
-constexpr std::uint16_t kSubNodeBlock = 2;
 
 /// The last six bytes, read as a big-endian number, of the property sets whose names the converters know.
 constexpr std::array<std::uint64_t, 4> kAcceptedGuidTails = {0x46, 0xAA003F1305, 0x317A210CC15B, 0xF0580DBBDF};
@@ -124,8 +122,8 @@ bool NameMapReader::ReadNameEntries(ByteView block, std::uint64_t size) {
 
 void NameMapReader::FallbackWalks(std::uint16_t word, std::uint32_t bidData, std::uint32_t bidSub) {
   for (const std::uint32_t bid : {bidSub, bidData}) {
-    if (word == kSubNodeBlock && WalkNameBlocks(bid)) return;
-    if (word == kExtendedBlock && WalkNameBlocksDeep(bid)) return;
+    if (word == kSlBlock && WalkNameBlocks(bid)) return;
+    if (word == kXBlock && WalkNameBlocksDeep(bid)) return;
   }
   for (const std::uint32_t bid : {bidSub, bidData}) {
     if (WalkNameBlocks(bid) || WalkNameBlocksDeep(bid)) return;
@@ -148,11 +146,11 @@ bool NameMapReader::WalkBlocks(Walk walk, std::uint32_t bid, int depth) {
   const auto bytes = blocks_.ReadChunk(record->offset, record->size);
   if (!bytes) return false;
   switch (ByteView(*bytes).U16(0)) {
-    case kExtendedBlock: {
+    case kXBlock: {
       const auto behind = blocks_.ReadChunk(record->offset + 4, record->size);
       return behind && StepThroughSlots(ByteView(*behind), record->size, depth);
     }
-    case kSubNodeBlock:
+    case kSlBlock:
       return WalkListed(walk, bid, *record, depth);
     default:
       return false;
@@ -166,10 +164,10 @@ bool NameMapReader::StepThroughSlots(ByteView block, std::uint32_t size, int dep
   for (std::uint32_t slot = 0; slot < size / 4; ++slot) {
     // The value is the id, to the letter: a slot of 2 leads to block 2.
     switch (const std::uint16_t value = block.U16(slot * 4ull)) {
-      case kSubNodeBlock:
+      case kSlBlock:
         result = WalkNameBlocks(value, depth + 1);
         break;
-      case kExtendedBlock:
+      case kXBlock:
         result = WalkNameBlocksDeep(value, depth + 1);
         break;
       default:
@@ -192,7 +190,7 @@ bool NameMapReader::WalkListed(Walk walk, std::uint32_t bid, const engine::Block
     DecodeBlock(encoding_, Bid{record->bid}, *inner);
     if (InflateUnlessHeap(store_, *inner) && !Take(inner->size())) continue;
     const auto innerSize = static_cast<std::uint32_t>(inner->size());
-    if (ByteView(*inner).U16(0) != kExtendedBlock) {
+    if (ByteView(*inner).U16(0) != kXBlock) {
       if (ReadNameEntries(ByteView(*inner), innerSize)) result = true;
     } else if (walk == Walk::kNameBlocks) {
       result = WalkNameBlocksDeep(bid, depth + 1);

@@ -16,10 +16,19 @@ class NamedPropMap {
   void AddNamedPropGroup(std::uint8_t groupKey) { groups_.set(groupKey); }
 
   /// Takes the pair in unless some pair has the same local id or the same long id: the first to arrive wins.
-  void AddNamedProp(std::uint32_t longId, std::uint32_t localId);
+  void AddNamedProp(std::uint32_t longId, std::uint32_t localId) {
+    if (groups_.none()) groups_.set(0);
+    if (!groups_.test(0)) return;
+    if (longByLocal_.contains(localId) || localByLong_.contains(longId)) return;
+    longByLocal_.emplace(localId, longId);
+    localByLong_.emplace(longId, localId);
+  }
 
   /// The long id of a local id; an id without a pair is returned as it is.
-  std::uint32_t TranslateNamedId(std::uint32_t localId) const;
+  std::uint32_t TranslateNamedId(std::uint32_t localId) const {
+    const auto pair = longByLocal_.find(localId);
+    return pair == longByLocal_.end() ? localId : pair->second;
+  }
 
   void Clear() { *this = {}; }
 

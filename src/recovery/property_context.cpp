@@ -19,7 +19,7 @@ bool Inflates(const engine::ScannedStore& store, const ContextRules& rules) {
 
 }  // namespace
 
-HeapHeader ReadHeapHeader(ByteView block) { return {block.U16(0), block.U16(2), block.U32(4)}; }
+HeapHeader ReadHeapHeader(ByteView block) { return {block.U16(0), block.U16(kOffHeapWord), block.U32(4)}; }
 
 PropertyRecord ReadPropertyRecord(ByteView block, std::uint64_t offset) {
   return {block.U16(offset), static_cast<PropType>(block.U16(offset + 2)), block.U32(offset + 4)};
@@ -39,7 +39,7 @@ std::optional<HeapRange> RangeOf(ByteView block, std::uint16_t ibHnpm, std::uint
 
 bool InflateUnlessHeap(const engine::ScannedStore& store, Bytes& bytes) {
   if (store.layout.formatId != FORMAT_UNICODE_4K) return false;
-  if (engine::IsHeapSignature(ByteView(bytes).U16(2))) return false;
+  if (engine::IsHeapSignature(ByteView(bytes).U16(kOffHeapWord))) return false;
   Bytes inflated = bytes;
   if (engine::BlockReader(store).InflateBlock(inflated) == 0) return false;
   bytes = std::move(inflated);

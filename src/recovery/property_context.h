@@ -19,11 +19,13 @@
 #include "recovery/content_allowance.h"
 #include "recovery/item_converter.h"
 #include "store/format/byte_view.h"
+#include "store/format/heap_format.h"
 
 namespace velmora::recovery {
 
-inline constexpr std::uint16_t kTreeMarker = 0x02B5;
-inline constexpr std::uint32_t kPropertyRecordSize = 8;
+/// Type of the tree and size of its keys, as one word.
+inline constexpr std::uint16_t kTreeMarker = kPropertyKeySize << 8 | static_cast<std::uint16_t>(ClientSig::kBTree);
+inline constexpr std::uint32_t kPropertyRecordSize = kPropertyKeySize + kPropertyDataSize;
 
 struct HeapHeader {
   std::uint16_t ibHnpm = 0;
@@ -41,11 +43,6 @@ struct HeapRange {
 
   ByteView In(ByteView block) const { return block.Range(start, end); }
 };
-
-/// The place of the page map at which start and end of the allocation that `hid` names stand. The block index
-/// of the identifier is not masked out, so an identifier into a later block of the heap gives a place far
-/// behind this one.
-constexpr std::uint32_t HeapPosition(std::uint16_t ibHnpm, std::uint32_t hid) { return ibHnpm + 2u + (hid >> 4); }
 
 /// Start and end as they stand at `position`; nothing when they do not lie wholly in the block.
 std::optional<HeapRange> ReadHeapRange(ByteView block, std::uint32_t position);

@@ -4,11 +4,14 @@
 #include "engine/block_reader.h"
 #include "recovery/catching_frame.h"
 #include "recovery/folder_losses.h"
-#include "recovery/folder_properties.h"
+#include "recovery/heap_text.h"
 #include "recovery/lost_items.h"
 #include "recovery/name_to_id_map.h"
+#include "recovery/property_context.h"
 #include "recovery/steps.h"
+#include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
+#include "text/plausibility.h"
 
 namespace velmora::recovery {
 
@@ -19,6 +22,53 @@ using engine::ScannedStore;
 namespace {
 
 constexpr std::uint32_t kFolderStage = 6;
+
+/// What a folder's own block says of it.
+struct FolderProperties {
+  text::Text name;            ///< may be empty: a name that does not look like text is none
+  text::Text containerClass;  ///< empty when the block has none
+};
+
+/// A fault when the block is no property context, has no display name, or is a message; and when the allowance is
+/// spent.
+tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::ScannedStore& store,
+                                                                 const engine::BlockRecord& record,
+                                                                 const text::CodePage& codePage,
+                                                                 ContentAllowance& allowance) {
+  using Cause = BlockFault::Cause;
+  const auto fault = [&record](Cause cause) { return tl::unexpected(BlockFault::Of(cause, record)); };
+  const auto bytes = ReadHeapBlock(store, record, record.bid, kFolderRules, allowance);
+  if (!bytes) return tl::unexpected(bytes.error());
+  const ByteView block(*bytes);
+  const PropertyContext context(block, store, kFolderRules);
+  if (context.GetFault() != PropertyContext::Fault::kNone) {
+    return tl::unexpected(context.BlockFaultOf(store, record, kFolderRules));
+  }
+
+  const bool wide = store.layout.wideFormat;
+  FolderProperties folder;
+  bool named = false;
+  for (std::uint32_t index = 0; index < context.Count(); ++index) {
+    const PropertyRecord property = context.Record(index);
+    if (property.wPropId == IdOf(tag::kMessageClass)) return fault(Cause::kMessage);
+    if (property.wPropId != IdOf(tag::kDisplayName) && property.wPropId != IdOf(tag::kContainerClass)) continue;
+
+    text::Text value;
+    if (property.dwValueHnid != 0) {  // identifier 0 names no allocation: the text is empty
+      const auto range = RangeOf(block, context.Header().ibHnpm, property.dwValueHnid, kFolderRules.emptyEnd);
+      if (!range) return fault(Cause::kOutside);
+      value = CopyHeapText(range->In(block), wide, codePage);
+    }
+    if (property.wPropId == IdOf(tag::kContainerClass)) {
+      folder.containerClass = std::move(value);
+      break;
+    }
+    named = true;
+    folder.name = wide && !text::LooksLikeText(value) ? text::Text() : std::move(value);
+  }
+  if (!named) return fault(Cause::kNoName);
+  return folder;
+}
 
 /// The walk over the node list.
 class FolderRecovery {
@@ -47,7 +97,7 @@ class FolderRecovery {
     // A second node of a known folder stays in the list: the first block that gave a folder wins.
     if (node.MayBeFolder() && folders_.Contains(node.nid)) return;
     const bool isFolder = node.MayBeFolder() && TryFolder(node, index);
-    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, {BlockFault::NotFound(0), {}});
+    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, BlockFault::NotFound(0));
 
     if (node.nid == Value(nid::kNameToIdMap)) {
       const CryptMethod encoding = IsEncodingKnownAt(index) ? store_.blockEncoding : CryptMethod::kNone;
@@ -64,27 +114,26 @@ class FolderRecovery {
 
   /// The rules learn the encoding on their way through the list, from the first block that tells it: what stands ahead
   /// of that node is no folder, and a name map there is read as it is stored.
-  bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingToldBy; }
+  bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingFoundAt; }
 
   bool TryFolder(const NodeRecord& node, std::size_t index) {
-    const auto none = [&](const FolderFault& fault) {
+    using Cause = BlockFault::Cause;
+    const auto none = [&](const BlockFault& fault) {
       unread_.Note(node, fault);
       return false;
     };
     const auto record = blocks_.FindBlockOrLower(engine::LowBid(node.bidData));
-    if (!record) return none({BlockFault::NotFound(engine::LowBid(node.bidData)), {}});
-    if (!IsEncodingKnownAt(index)) {
-      return none({{}, u"the encoding of the store could not be told from its block"});
-    }
+    if (!record) return none(BlockFault::NotFound(engine::LowBid(node.bidData)));
+    if (!IsEncodingKnownAt(index)) return none(BlockFault::Of(Cause::kNoEncoding, *record));
     state_.allowance.BeginNode();
     auto properties = ParseFolderProperties(store_, *record, *state_.codePage, state_.allowance);
     if (!properties) return none(properties.error());
-    if (properties->name.empty()) return none({{}, u"its name is empty or does not look like text"});
+    if (properties->name.empty()) return none(BlockFault::Of(Cause::kNoText, *record));
     ContentAllowance& allowance = state_.allowance;
     if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
-      return none({{}, kClaimsTooMuch});
+      return none(BlockFault::Of(Cause::kTooMuch, *record));
     }
-    if (properties->containerClass.empty()) properties->containerClass = u"IPF.Note";
+    if (properties->containerClass.empty()) properties->containerClass = kMailContainerClass;
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;
     folders_.AddFolderRecord(
         {node.nid, node.nidParent, std::move(properties->name), std::move(properties->containerClass)});

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "recovery/folder_path.h"
 #include "recovery/lost_items.h"
 #include "recovery/process_node.h"
 #include "recovery/steps.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr std::uint32_t kItemStage = 8;
 constexpr std::uint32_t kLastPercent = 100;
 constexpr std::uint32_t kOrphanedMailsMarker = 0x1122;  ///< stands for a folder that has no node
-constexpr text::TextView kOrphanFolderName = u"Orphaned Mails";
 
 class ItemRecovery {
  public:

@@ -14,14 +14,14 @@ SubNodeList ReadSubNodeList(const engine::ScannedStore& store, std::uint32_t bid
   if (!bytes) return emptyList;
 
   const ByteView block(*bytes);
-  const std::uint32_t width = store.layout.Pitch();
-  const std::uint32_t stride = 3 * width;
+  const std::uint32_t width = store.layout.idWidth;
+  const std::uint32_t stride = store.layout.SubnodeEntrySize();
   const std::uint32_t count = block.U16(2);
   if (count * stride > block.Size()) return emptyList;
 
   SubNodeList list;
   list.reserve(count + 1u);
-  std::uint32_t at = width;
+  std::uint32_t at = store.layout.subnodeHeadSize;
   do {
     list.push_back({block.U32(at), block.U32(at + width), block.U32(at + 2 * width)});
     at += stride;

@@ -3,6 +3,7 @@
 #include "engine/block_reader.h"
 #include "recovery/heap_text.h"
 #include "recovery/value_stream.h"
+#include "store/format/heap_format.h"
 #include "store/format/prop_tag.h"
 
 namespace velmora::recovery {
@@ -29,7 +30,7 @@ text::Text SubNodeText::ReadSubnodeString(PropType type, std::uint32_t value) {
   const engine::BlockReader blocks(source_.store);
   const auto record = blocks.FindBlockOrLower(entry->second);
   if (!record) return {};
-  const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(2));
+  const bool inflates = !engine::IsHeapSignature(messageBlock_.U16(kOffHeapWord));
   const auto block = ReadDataBlock(source_.store, *record, record->bid, source_.allowance, inflates);
   if (!block || !source_.allowance.TakeHeld(block->bytes.size())) return {};
   if (type == PropType::kString) return WithSinglePercents(WideText(ByteView(block->bytes)));

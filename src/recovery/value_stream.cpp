@@ -5,6 +5,7 @@
 #include "recovery/block_fault.h"
 #include "recovery/heap_text.h"
 #include "recovery/property_context.h"
+#include "store/format/block.h"
 #include "store/format/property_tags.h"
 
 namespace velmora::recovery {
@@ -13,11 +14,6 @@ using engine::ScannedStore;
 
 namespace {
 
-constexpr std::uint16_t kExtendedBlock = 0x0101;
-constexpr std::uint16_t kExtendedBlockOfLists = 0x0201;
-constexpr std::uint16_t kSubNodeBlock = 0x0002;
-constexpr std::uint32_t kListStart = 8;
-
 /// Sub-node blocks that lead to sub-node blocks: a sound value has one level, one that names itself has no end.
 constexpr int kDeepestChain = 32;
 
@@ -25,22 +21,19 @@ constexpr int kDeepestChain = 32;
 constexpr std::uint32_t kIdListBelow = 1001;
 constexpr std::uint32_t kIdListArea = 100000;
 
-/// The largest size of a full data block.
-constexpr std::uint32_t kFullBlock = 0xFFE8;
-
 enum class Reached { kPlainBlock, kList, kThroughSubNode };
 
 /// What the last block of a walk tells of the whole value. A list that is none, since its id is that of a data block,
 /// stands for the data in it.
 std::uint64_t TotalOf(const engine::BlockRecord& record, ByteView block) {
   const std::uint16_t signature = block.U16(0);
-  if (!IsInternalBid(record.bid)) return signature == kExtendedBlock ? record.size : 0;
-  return signature == kExtendedBlock || signature == kExtendedBlockOfLists ? block.U32(4) : 0;
+  if (!IsInternalBid(record.bid)) return signature == kXBlock ? record.size : 0;
+  return signature == kXBlock || signature == kXxBlock ? block.U32(4) : 0;
 }
 
 Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, ContentAllowance& allowance, BlockChain& chain) {
   const engine::BlockReader blocks(store);
-  const bool wide = store.layout.wideFormat;
+  const Generation& layout = store.layout;
   bool throughSubNode = false;
   for (int depth = 0; depth < kDeepestChain; ++depth) {
     if (!allowance.TakeBytes(at.size)) break;
@@ -51,15 +44,16 @@ Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, ContentAllo
     chain.last = at;
     chain.lastSignature = signature;
     chain.total = TotalOf(at, block);
-    if (signature == kExtendedBlock) {
+    if (signature == kXBlock) {
       chain.singleDataBid = 0;
       chain.hasList = true;
-      const std::uint32_t step = wide ? 8 : 4;
-      for (std::uint32_t slot = kListStart; slot < block.Size(); slot += step) chain.pieces.push_back(block.U32(slot));
+      for (std::uint32_t slot = InternalHead::kSize; slot < block.Size(); slot += layout.idWidth) {
+        chain.pieces.push_back(block.U32(slot));
+      }
       return throughSubNode ? Reached::kThroughSubNode : Reached::kList;
     }
-    if (signature != kSubNodeBlock) break;
-    const std::uint32_t bid = block.U32(wide ? 16 : 8);  // bidData of the first entry
+    if (signature != kSlBlock) break;
+    const std::uint32_t bid = block.U32(layout.subnodeHeadSize + layout.idWidth);  // bidData of the first entry
     const auto record = blocks.FindBlockOrLower(bid);
     if (!record) {
       chain.missing = bid;
@@ -85,11 +79,11 @@ void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, ContentAllow
   chain.takenForList = true;
   chain.total = block->bytes.size();
   const ByteView list = ByteView(block->bytes).Slice(0, kIdListArea);
-  for (std::uint32_t at = kListStart; at < list.Size(); at += 8) {
+  for (std::uint32_t at = InternalHead::kSize; at < list.Size(); at += 8) {
     const std::uint16_t listed = list.U16(at);
     const auto listedRecord = blocks.FindBlockOrLower(listed);
     if (!listedRecord) continue;
-    const bool full = listedRecord->size >= kFullBlock;
+    const bool full = listedRecord->size >= engine::kMostBlockData;
     if (const auto piece = ReadDataBlock(store, *listedRecord, listed, allowance, !full)) write(piece->bytes);
   }
 }
@@ -116,7 +110,7 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
   if (chain.missing != 0) return TextOf(BlockFault::NotFound(chain.missing)) + instead;
   if (chain.takenForList) return u"its " + DecimalOf(chain.total) + u" bytes were taken for a list of blocks" + instead;
   if (!chain.hasList && IsInternalBid(chain.last.bid)) {
-    if (chain.lastSignature != kExtendedBlockOfLists) return u"its list of sub-nodes cannot be read" + instead;
+    if (chain.lastSignature != kXxBlock) return u"its list of sub-nodes cannot be read" + instead;
     return u"its " + DecimalOf(chain.total) + u" bytes stand in a data tree of two levels, which is not read" + instead;
   }
   if (!chain.hasList && written == 0) {

@@ -1,6 +1,4 @@
-// Values that lie in data blocks of their own: in one, or in a list of them.
-//
-//   list of pieces (published structure: extended block)   0: u16 0x0101   8: block ids, 8 bytes or 4 each
+// Values that lie in data blocks of their own: in one, or in a list of them (XBLOCK, see store/format/block.h).
 #pragma once
 
 #include <cstdint>

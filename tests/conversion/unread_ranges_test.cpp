@@ -19,7 +19,7 @@ std::vector<std::string> ReasonsOf(const recovery::RecoveryReport& report) {
 
 std::vector<std::string> Told(const engine::BadRanges& bad) {
   recovery::RecoveryReport report;
-  TellUnreadRanges(bad, report);
+  ReportUnreadRanges(bad, report);
   return ReasonsOf(report);
 }
 

@@ -41,14 +41,14 @@ TEST_F(FinishScanTest, TheFirstNodeThatMayBeAFolderAndWhoseBlockIsAHeapTellsTheE
   AddNode(0x8062, Encoded(forge::Encoding::kPermute), 0x8022);
   const auto store = Finish();
   EXPECT_EQ(store->blockEncoding, CryptMethod::kCyclic);
-  EXPECT_EQ(store->encodingToldBy, 3u);
+  EXPECT_EQ(store->encodingFoundAt, 3u);
 }
 
 TEST_F(FinishScanTest, WhereNoNodeTellsItBlocksAreTakenAsTheyAre) {
   AddNode(0x8042, forge::Bytes(100), 0x122);
   const auto store = Finish();
   EXPECT_EQ(store->blockEncoding, CryptMethod::kNone);
-  EXPECT_EQ(store->encodingToldBy, 1u);
+  EXPECT_EQ(store->encodingFoundAt, 1u);
 }
 
 TEST_F(FinishScanTest, WhatTheBlockScanToldStays) {
@@ -57,7 +57,7 @@ TEST_F(FinishScanTest, WhatTheBlockScanToldStays) {
   Found().blockEncoding = CryptMethod::kCyclic;
   const auto store = Finish();
   EXPECT_EQ(store->blockEncoding, CryptMethod::kCyclic);
-  EXPECT_EQ(store->encodingToldBy, 0u);
+  EXPECT_EQ(store->encodingFoundAt, 0u);
 }
 
 TEST_F(FinishScanTest, ARunThatWasAbortedOrHasEndedTellsNone) {

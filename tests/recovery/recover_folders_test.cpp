@@ -212,7 +212,7 @@ TEST_F(RecoverFoldersTest, WhatStandsAheadOfTheNodeThatToldTheEncodingIsNoFolder
   AddNode(0x21, 0, 0, 0x22);
   AddFolder(0x8042, 0x8062, u"Inbox");
   AddFolder(0x8062, 0x122, u"Sent");
-  engine_.encodingToldBy = 2;
+  engine_.encodingFoundAt = 2;
   Folders();
   EXPECT_THAT(Recovered(), ElementsAre(std::pair(u"Sent", u"IPF.Note")));
   EXPECT_THAT(NodesLeft(), ElementsAre(0x21, 0x8042));
@@ -224,12 +224,12 @@ TEST_F(RecoverFoldersTest, ANameMapAheadOfTheNodeThatToldTheEncodingIsReadAsItIs
   engine_.blockEncoding = CryptMethod::kPermute;
   AddNode(0x21, 0, 0, 0x22);
   AddNode(0x61, AddBlock(0x40, MapOfOneName()), 0, 0);
-  engine_.encodingToldBy = 2;
+  engine_.encodingFoundAt = 2;
   Folders();
   EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8503u);
 
   state_.namedProps.Clear();
-  engine_.encodingToldBy = 1;
+  engine_.encodingFoundAt = 1;
   Folders();
   EXPECT_EQ(state_.namedProps.TranslateNamedId(0x8001), 0x8001u) << "decoded, it is no map";
 }
@@ -237,7 +237,7 @@ TEST_F(RecoverFoldersTest, ANameMapAheadOfTheNodeThatToldTheEncodingIsReadAsItIs
 TEST_F(RecoverFoldersTest, WithoutAnEncodingNoBlockIsReadAsAFolder) {
   AddNode(0x21, 0, 0, 0x22);
   AddFolder(0x8042, 0x122, u"Inbox");
-  engine_.encodingToldBy = 2;  // as many as there are nodes
+  engine_.encodingFoundAt = 2;  // as many as there are nodes
   Folders();
   EXPECT_THAT(Recovered(), IsEmpty());
 }

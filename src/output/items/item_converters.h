@@ -31,8 +31,6 @@ class KindConverter : public recovery::ItemConverter {
                                        const PropertyRecord& record) const override;
 
  private:
-  void ApplyFlag(const recovery::ConversionScope& scope, const PropertyRecord& record,
-                 const output::Ref<output::RDOMail>& item) const;
   void ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                  const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const;
 

@@ -23,10 +23,11 @@ bool ItemGuard(const output::Ref<output::RDOMail>& item, output::Field field) {
   return !held.written || !held.AsText().empty();
 }
 
-const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
-  const auto row = std::lower_bound(tables.fields.begin(), tables.fields.end(), id,
-                                    [](const FieldRow& field, std::uint32_t wanted) { return field.id < wanted; });
-  return row != tables.fields.end() && row->id == id ? &*row : nullptr;
+/// The row of a record that is no number; null for one that is not believed.
+const FieldRow* BelievedField(const KindTables& tables, const recovery::ConversionScope& scope, std::uint16_t id) {
+  const FieldRow* row = FindField(tables, LongIdOf(scope, id));
+  const bool isOther = row != nullptr && row->sort == FieldSort::kOstText && scope.storeKind != engine::StoreKind::kOst;
+  return isOther ? nullptr : row;
 }
 
 output::FieldValue FlagValue(PropType type, std::uint32_t value) {
@@ -45,57 +46,33 @@ output::FieldValue FlagValue(PropType type, std::uint32_t value) {
 void KindConverter::ApplyProperty(recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                                   const PropertyRecord& record, const output::Ref<output::RDOMail>& item) {
   if (std::uint64_t{block.Position(record.dwValueHnid)} + 4 > block.record.size) return;
-  switch (record.wPropType) {
-    case PropType::kBoolean:
-    case PropType::kInteger32:
-    case PropType::kInteger16:
-      ApplyFlag(scope, record, item);
-      return;
-    default:
-      recovery::WithinFrame([&] { ApplyText(scope, block, record, item); });
+  if (!recovery::IsNumberType(record.wPropType)) {
+    recovery::WithinFrame([&] { ApplyText(scope, block, record, item); });
+  } else if (const auto field = FieldOf(scope, record)) {
+    item->Put(*field, FlagValue(record.wPropType, record.dwValueHnid));
   }
 }
 
 std::optional<output::Field> KindConverter::FieldOf(const recovery::ConversionScope& scope,
                                                     const PropertyRecord& record) const {
-  const std::uint32_t id = LongIdOf(scope, record.wPropId);
-  switch (record.wPropType) {
-    case PropType::kBoolean:
-    case PropType::kInteger32:
-    case PropType::kInteger16:
-      return FindFlag(tables_, record.wPropType, id);
-    default:
-      break;
+  if (recovery::IsNumberType(record.wPropType)) {
+    return FindFlag(tables_, record.wPropType, LongIdOf(scope, record.wPropId));
   }
-  const FieldRow* row = FindField(tables_, id);
-  const bool isTaken =
-      row != nullptr && (row->sort != FieldSort::kOstText || scope.storeKind == engine::StoreKind::kOst);
-  return isTaken ? std::optional(row->field) : std::nullopt;
-}
-
-void KindConverter::ApplyFlag(const recovery::ConversionScope& scope, const PropertyRecord& record,
-                              const output::Ref<output::RDOMail>& item) const {
-  const std::optional<output::Field> field = FindFlag(tables_, record.wPropType, LongIdOf(scope, record.wPropId));
-  if (field) item->Put(*field, FlagValue(record.wPropType, record.dwValueHnid));
+  const FieldRow* row = BelievedField(tables_, scope, record.wPropId);
+  return row == nullptr ? std::nullopt : std::optional(row->field);
 }
 
 void KindConverter::ApplyText(const recovery::ConversionScope& scope, const recovery::MessageBlock& block,
                               const PropertyRecord& record, const output::Ref<output::RDOMail>& item) const {
-  const FieldRow* row = FindField(tables_, LongIdOf(scope, record.wPropId));
+  const FieldRow* row = BelievedField(tables_, scope, record.wPropId);
   if (row == nullptr) return;
   const std::uint32_t position = block.Position(record.dwValueHnid);
   text::Text text = ReadStringValue(block, *scope.codePage, record.wPropType, position);
   if (text.empty() && record.wPropType != PropType::kTime) return;
-  switch (row->sort) {
-    case FieldSort::kDate:
-      item->Put(row->field, ReadTimeValue(block, record.wPropType, position));
-      return;
-    case FieldSort::kOstText:
-      if (scope.storeKind != engine::StoreKind::kOst) return;
-      [[fallthrough]];
-    case FieldSort::kText:
-      if (ItemGuard(item, row->field)) item->Put(row->field, std::move(text));
-      return;
+  if (row->sort == FieldSort::kDate) {
+    item->Put(row->field, ReadTimeValue(block, record.wPropType, position));
+  } else if (ItemGuard(item, row->field)) {
+    item->Put(row->field, std::move(text));
   }
 }
 

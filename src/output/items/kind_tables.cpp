@@ -1,4 +1,4 @@
-// The tables of the six kinds that are no mail, and the numbers and flags that several of them share.
+// The tables of the six kinds that are no mail, and the rows that several of them share.
 #include "output/items/kind_tables.h"
 
 #include <algorithm>
@@ -24,18 +24,18 @@ constexpr bool Fits(PropType type, output::Field field) {
   }
 }
 
-constexpr bool IsSound(const KindTables& tables) {
-  const auto notAscending = [](const FieldRow& a, const FieldRow& b) { return a.id >= b.id; };
-  return std::ranges::all_of(tables.flags, [](const FlagRow& row) { return Fits(row.type, row.field); }) &&
-         std::ranges::adjacent_find(tables.fields, notAscending) == tables.fields.end() &&
-         std::ranges::all_of(tables.fields, [](const FieldRow& row) {
-           return output::InfoOf(row.field).type ==
-                  (row.sort == FieldSort::kDate ? output::FieldType::Date : output::FieldType::Text);
-         });
+constexpr bool FitsField(const FieldRow& row) {
+  const auto type = row.sort == FieldSort::kDate ? output::FieldType::Date : output::FieldType::Text;
+  return output::InfoOf(row.field).type == type;
 }
 
 struct CommonFlag {
   FlagRow flag;
+  bool kinds[recovery::kItemKinds - 1];
+};
+
+struct CommonField {
+  FieldRow field;
   bool kinds[recovery::kItemKinds - 1];
 };
 
@@ -62,22 +62,35 @@ constexpr CommonFlag kCommonFlags[] = {
   {{kInteger32, 0x1090, FlagStatus},                          {x,      x,   x,          x,      x,      x}},
 };
 
+constexpr CommonField kCommonFields[] = {
+  //                                               contact task appointment meeting journal note
+  {{0x0037, Subject,                    kText},    {x,      x,   x,          x,      x,      x}},
+  {{0x0042, SentOnBehalfOfName,         kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0064, SentOnBehalfOfEmailType,    kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0065, SentOnBehalfOfEmailAddress, kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0070, ConversationTopic,          kText},    {x,      x,   x,          x,      x,      x}},
+  {{0x0C1A, SenderName,                 kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0C1E, SenderEmailType,            kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0C1F, SenderEmailAddress,         kText},    {x,      x,   x,          x,      x,      o}},
+  {{0x0E02, BCC,                        kText},    {o,      x,   x,          x,      x,      o}},
+  {{0x0E03, CC,                         kText},    {o,      x,   x,          x,      x,      o}},
+  {{0x0E04, To,                         kText},    {o,      x,   x,          x,      x,      o}},
+  {{0x0E06, ReceivedTime,               kDate},    {x,      x,   x,          x,      x,      x}},
+  {{0x1000, Body,                       kText},    {x,      x,   x,          x,      x,      x}},
+  {{0x8012, Categories,                 kText},    {x,      x,   x,          x,      x,      x}},
+  {{0x8502, ReminderTime,               kDate},    {o,      o,   x,          x,      o,      o}},
+  {{0x8530, FlagRequest,                kText},    {o,      x,   x,          x,      x,      o}},
+  {{0x8534, Mileage,                    kText},    {x,      x,   o,          o,      o,      o}},
+  {{0x8535, BillingInformation,         kText},    {x,      x,   o,          o,      o,      o}},
+  {{0x8539, Companies,                  kText},    {o,      x,   x,          x,      x,      o}},
+};
+
 // Contacts, and distribution lists, which have no handling of their own: their members have no row.
 constexpr FlagRow kContactFlags[] = {
   {kInteger16, 0x3A4D, Gender},
 };
 
 constexpr FieldRow kContactFields[] = {
-  {0x0037, Subject,                      kText},
-  {0x0042, SentOnBehalfOfName,           kText},
-  {0x0064, SentOnBehalfOfEmailType,      kText},
-  {0x0065, SentOnBehalfOfEmailAddress,   kText},
-  {0x0070, ConversationTopic,            kText},
-  {0x0C1A, SenderName,                   kText},
-  {0x0C1E, SenderEmailType,              kText},
-  {0x0C1F, SenderEmailAddress,           kText},
-  {0x0E06, ReceivedTime,                 kDate},
-  {0x1000, Body,                         kText},
   {0x3001, FullName,                     kText},
   {0x3A00, Account,                      kText},
   {0x3A02, CallbackTelephoneNumber,      kText},
@@ -149,7 +162,6 @@ constexpr FieldRow kContactFields[] = {
   {0x3A64, OtherAddressPostOfficeBox,    kText},
   {0x6619, Body,                         kOstText},
   {0x6849, InternetFreeBusyAddress,      kText},
-  {0x8012, Categories,                   kText},
   {0x801A, HomeAddress,                  kText},
   {0x801B, BusinessAddress,              kText},
   {0x801C, OtherAddress,                 kText},
@@ -175,8 +187,6 @@ constexpr FieldRow kContactFields[] = {
   {0x80A0, Email3DisplayName,            kText},
   {0x80A2, Email3AddressType,            kText},
   {0x80A3, Email3Address,                kText},
-  {0x8534, Mileage,                      kText},
-  {0x8535, BillingInformation,           kText},
 };
 
 // Tasks and task requests.
@@ -188,28 +198,10 @@ constexpr FlagRow kTaskFlags[] = {
 
 constexpr FieldRow kTaskFields[] = {
   {0x0026, SchedulePlusPriority,       kText},
-  {0x0037, Subject,                    kText},
-  {0x0042, SentOnBehalfOfName,         kText},
-  {0x0064, SentOnBehalfOfEmailType,    kText},
-  {0x0065, SentOnBehalfOfEmailAddress, kText},
-  {0x0070, ConversationTopic,          kText},
-  {0x0C1A, SenderName,                 kText},
-  {0x0C1E, SenderEmailType,            kText},
-  {0x0C1F, SenderEmailAddress,         kText},
-  {0x0E02, BCC,                        kText},
-  {0x0E03, CC,                         kText},
-  {0x0E04, To,                         kText},
-  {0x0E06, ReceivedTime,               kDate},
-  {0x1000, Body,                       kText},
-  {0x8012, Categories,                 kText},
   {0x8104, StartDate,                  kDate},
   {0x8105, DueDate,                    kDate},
   {0x810F, DateCompleted,              kDate},
   {0x811F, Owner,                      kText},
-  {0x8530, FlagRequest,                kText},
-  {0x8534, Mileage,                    kText},
-  {0x8535, BillingInformation,         kText},
-  {0x8539, Companies,                  kText},
 };
 
 // Appointments. Recurrence and time zone have no row.
@@ -221,48 +213,10 @@ constexpr FlagRow kAppointmentFlags[] = {
 };
 
 constexpr FieldRow kAppointmentFields[] = {
-  {0x0037, Subject,                    kText},
-  {0x0042, SentOnBehalfOfName,         kText},
-  {0x0064, SentOnBehalfOfEmailType,    kText},
-  {0x0065, SentOnBehalfOfEmailAddress, kText},
-  {0x0070, ConversationTopic,          kText},
-  {0x0C1A, SenderName,                 kText},
-  {0x0C1E, SenderEmailType,            kText},
-  {0x0C1F, SenderEmailAddress,         kText},
-  {0x0E02, BCC,                        kText},
-  {0x0E03, CC,                         kText},
-  {0x0E04, To,                         kText},
-  {0x0E06, ReceivedTime,               kDate},
-  {0x1000, Body,                       kText},
-  {0x8012, Categories,                 kText},
   {0x8208, Location,                   kText},
   {0x820D, AppointmentStart,           kDate},
   {0x820E, End,                        kDate},
-  {0x8502, ReminderTime,               kDate},
-  {0x8530, FlagRequest,                kText},
-  {0x8539, Companies,                  kText},
   {0x8560, ReminderSignalTime,         kDate},
-};
-
-// Meeting messages: they get the fields of every item alone, no start, no end and no place.
-constexpr FieldRow kMeetingFields[] = {
-  {0x0037, Subject,                    kText},
-  {0x0042, SentOnBehalfOfName,         kText},
-  {0x0064, SentOnBehalfOfEmailType,    kText},
-  {0x0065, SentOnBehalfOfEmailAddress, kText},
-  {0x0070, ConversationTopic,          kText},
-  {0x0C1A, SenderName,                 kText},
-  {0x0C1E, SenderEmailType,            kText},
-  {0x0C1F, SenderEmailAddress,         kText},
-  {0x0E02, BCC,                        kText},
-  {0x0E03, CC,                         kText},
-  {0x0E04, To,                         kText},
-  {0x0E06, ReceivedTime,               kDate},
-  {0x1000, Body,                       kText},
-  {0x8012, Categories,                 kText},
-  {0x8502, ReminderTime,               kDate},
-  {0x8530, FlagRequest,                kText},
-  {0x8539, Companies,                  kText},
 };
 
 // Journal entries. The end time has no row.
@@ -275,22 +229,6 @@ constexpr FlagRow kJournalFlags[] = {
 };
 
 constexpr FieldRow kJournalFields[] = {
-  {0x0037, Subject,                    kText},
-  {0x0042, SentOnBehalfOfName,         kText},
-  {0x0064, SentOnBehalfOfEmailType,    kText},
-  {0x0065, SentOnBehalfOfEmailAddress, kText},
-  {0x0070, ConversationTopic,          kText},
-  {0x0C1A, SenderName,                 kText},
-  {0x0C1E, SenderEmailType,            kText},
-  {0x0C1F, SenderEmailAddress,         kText},
-  {0x0E02, BCC,                        kText},
-  {0x0E03, CC,                         kText},
-  {0x0E04, To,                         kText},
-  {0x0E06, ReceivedTime,               kDate},
-  {0x1000, Body,                       kText},
-  {0x8012, Categories,                 kText},
-  {0x8530, FlagRequest,                kText},
-  {0x8539, Companies,                  kText},
   {0x8700, JournalType,                kText},
   {0x8706, JournalStart,               kDate},
 };
@@ -301,18 +239,31 @@ constexpr FlagRow kNoteFlags[] = {
   {kInteger32, 0x8B02, Width},
   {kInteger32, 0x8B03, Height},
 };
-
-constexpr FieldRow kNoteFields[] = {
-  {0x0037, Subject,           kText},
-  {0x0070, ConversationTopic, kText},
-  {0x0E06, ReceivedTime,      kDate},
-  {0x1000, Body,              kText},
-  {0x8012, Categories,        kText},
-};
 // clang-format on
 
-static_assert(std::all_of(std::begin(kCommonFlags), std::end(kCommonFlags),
-                          [](const CommonFlag& row) { return Fits(row.flag.type, row.flag.field); }));
+constexpr std::size_t ColumnOf(const KindTables& tables) {
+  return static_cast<std::size_t>(tables.kind) - static_cast<std::size_t>(recovery::ItemKind::kContact);
+}
+
+/// The row of that id in the columns of a kind.
+constexpr const FieldRow* FindCommonField(const KindTables& tables, std::uint32_t id) {
+  const auto row = std::ranges::find_if(kCommonFields, [&](const CommonField& common) {
+    return common.field.id == id && common.kinds[ColumnOf(tables)];
+  });
+  return row == std::end(kCommonFields) ? nullptr : &row->field;
+}
+
+constexpr bool IsSound(const KindTables& tables) {
+  const auto notAscending = [](const FieldRow& a, const FieldRow& b) { return a.id >= b.id; };
+  return std::ranges::all_of(tables.flags, [](const FlagRow& row) { return Fits(row.type, row.field); }) &&
+         std::ranges::all_of(tables.fields, FitsField) &&
+         std::ranges::adjacent_find(tables.fields, notAscending) == tables.fields.end() &&
+         std::ranges::none_of(tables.fields, [&](const FieldRow& row) { return FindCommonField(tables, row.id); });
+}
+
+static_assert(std::ranges::all_of(
+    kCommonFlags, [](const FlagRow& row) { return Fits(row.type, row.field); }, &CommonFlag::flag));
+static_assert(std::ranges::all_of(kCommonFields, FitsField, &CommonField::field));
 
 }  // namespace
 
@@ -320,9 +271,9 @@ constexpr std::array<KindTables, recovery::kItemKinds - 1> kKindTables = {{
     {recovery::ItemKind::kContact, kContactFlags, kContactFields},
     {recovery::ItemKind::kTask, kTaskFlags, kTaskFields},
     {recovery::ItemKind::kAppointment, kAppointmentFlags, kAppointmentFields},
-    {recovery::ItemKind::kMeeting, {}, kMeetingFields},
+    {recovery::ItemKind::kMeeting, {}, {}},  // what kinds share alone: no start, no end and no place
     {recovery::ItemKind::kJournal, kJournalFlags, kJournalFields},
-    {recovery::ItemKind::kNote, kNoteFlags, kNoteFields},
+    {recovery::ItemKind::kNote, kNoteFlags, {}},
 }};
 static_assert(std::ranges::all_of(kKindTables, IsSound));
 
@@ -330,11 +281,15 @@ std::optional<output::Field> FindFlag(const KindTables& tables, PropType type, s
   for (const FlagRow& row : tables.flags) {
     if (row.type == type && row.id == id) return row.field;
   }
-  const auto column = static_cast<std::size_t>(tables.kind) - static_cast<std::size_t>(recovery::ItemKind::kContact);
   for (const CommonFlag& row : kCommonFlags) {
-    if (row.flag.type == type && row.flag.id == id && row.kinds[column]) return row.flag.field;
+    if (row.flag.type == type && row.flag.id == id && row.kinds[ColumnOf(tables)]) return row.flag.field;
   }
   return std::nullopt;
+}
+
+const FieldRow* FindField(const KindTables& tables, std::uint32_t id) {
+  const auto row = std::ranges::lower_bound(tables.fields, id, {}, &FieldRow::id);
+  return row != tables.fields.end() && row->id == id ? &*row : FindCommonField(tables, id);
 }
 
 }  // namespace velmora::items

@@ -71,7 +71,7 @@ output::OleDate ReadTimeValue(const recovery::MessageBlock& block, PropType type
   if (type != PropType::kTime) return {};
   const std::uint32_t start = block.bytes.U16(position);
   const std::uint32_t end = block.bytes.U16(std::uint64_t{position} + 2);
-  return DateOfFileTime(end > start && end - start == 8 ? block.bytes.U64(start) : 0);
+  return text::DateOf(end > start && end - start == 8 ? block.bytes.U64(start) : 0);
 }
 
 text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery::MessageBlock& block, PropType type,
@@ -91,7 +91,5 @@ text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery
       return {};
   }
 }
-
-output::OleDate DateOfFileTime(std::uint64_t fileTime) { return text::DateOf(fileTime); }
 
 }  // namespace velmora::items

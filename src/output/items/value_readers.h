@@ -37,8 +37,4 @@ output::OleDate ReadTimeValue(const recovery::MessageBlock& block, PropType type
 text::Text ReadHeapString(const recovery::ConversionScope& scope, const recovery::MessageBlock& block, PropType type,
                           std::uint32_t position, std::uint32_t value);
 
-/// The date of a file time (units of 100 ns since 1601), its fraction of a second dropped. The platform's
-/// conversion refuses a time with the top bit set and one beyond the year 9999; such a time gives 0.0.
-output::OleDate DateOfFileTime(std::uint64_t fileTime);
-
 }  // namespace velmora::items

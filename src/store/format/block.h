@@ -60,6 +60,15 @@ bool UnpackBlock(std::vector<std::byte>& block, Bid bid, std::size_t cb, CryptMe
 
 enum class BlockType : std::uint8_t { kDataTree = 1, kSubnodeTree = 2 };
 
+/// Type and level as one word, by which a block is told at a glance.
+constexpr std::uint16_t HeadWord(BlockType type, std::uint8_t level) {
+  return static_cast<std::uint16_t>(level << 8 | static_cast<int>(type));
+}
+inline constexpr std::uint16_t kXBlock = HeadWord(BlockType::kDataTree, 1);
+inline constexpr std::uint16_t kXxBlock = HeadWord(BlockType::kDataTree, 2);
+inline constexpr std::uint16_t kSlBlock = HeadWord(BlockType::kSubnodeTree, 0);
+inline constexpr std::uint16_t kSiBlock = HeadWord(BlockType::kSubnodeTree, 1);
+
 struct InternalHead {
   static constexpr std::size_t kSize = 8;  ///< but for the sub-node blocks of ANSI
   BlockType btype = BlockType::kDataTree;

@@ -29,6 +29,9 @@ class ByteView {
   std::uint32_t U32(std::uint64_t offset) const { return Number<std::uint32_t>(offset); }
   std::uint64_t U64(std::uint64_t offset) const { return Number<std::uint64_t>(offset); }
 
+  /// An id or offset, of 4 or 8 bytes.
+  std::uint64_t Word(std::uint64_t offset, std::uint32_t width) const { return width == 4 ? U32(offset) : U64(offset); }
+
   /// The bytes from `start` to before `end`, cut at the end of the view; empty when start >= end.
   ByteView Range(std::uint64_t start, std::uint64_t end) const {
     end = std::min<std::uint64_t>(end, bytes_.size());

@@ -20,7 +20,6 @@ struct Generation {
 
   // Pages of the two trees; the level stands behind the size of an entry.
   std::uint32_t pageSize = 0;       ///< and the multiple at which pages stand
-  std::uint16_t entryAreaEnd = 0;   ///< end of what a scan takes for entries of a node page
   std::uint16_t offEntryCount = 0;  ///< where the entries end
   std::uint16_t offEntryMax = 0;
   std::uint16_t offEntrySize = 0;
@@ -46,8 +45,8 @@ struct Generation {
   std::uint8_t hidItemBits = 0;    ///< of the id of a heap item, above its 5 bits of type; the rest is the block
   std::uint8_t rowNumberSize = 0;  ///< of a row's number in the row index of a table
 
-  /// Width of a field of a node entry, of a sub-node entry and of a block id: 4 or 8.
-  constexpr std::uint32_t Pitch() const { return idWidth; }
+  /// Of a block that lists sub-nodes: id, data and sub-nodes.
+  constexpr std::uint32_t SubnodeEntrySize() const { return 3u * idWidth; }
 
   /// An id or offset at that place.
   std::uint64_t LoadWord(std::span<const std::byte> bytes, std::size_t at) const {
@@ -63,7 +62,6 @@ inline constexpr Generation kAnsi = {.formatId = FORMAT_ANSI,
                                      .wideFormat = false,
                                      .idWidth = 4,
                                      .pageSize = 512,
-                                     .entryAreaEnd = 496,
                                      .offEntryCount = 496,
                                      .offEntryMax = 497,
                                      .offEntrySize = 498,
@@ -87,7 +85,6 @@ inline constexpr Generation kUnicode = {.formatId = FORMAT_UNICODE,
                                         .wideFormat = true,
                                         .idWidth = 8,
                                         .pageSize = 512,
-                                        .entryAreaEnd = 480,
                                         .offEntryCount = 488,
                                         .offEntryMax = 489,
                                         .offEntrySize = 490,
@@ -111,7 +108,6 @@ inline constexpr Generation kUnicode4k = {.formatId = FORMAT_UNICODE_4K,
                                           .wideFormat = true,
                                           .idWidth = 8,
                                           .pageSize = 4096,
-                                          .entryAreaEnd = 4072,
                                           .offEntryCount = 4056,
                                           .offEntryMax = 4058,
                                           .offEntrySize = 4060,

@@ -13,6 +13,51 @@
 
 namespace velmora {
 
+/// What kind of store it is, and where the header says so in both layouts.
+inline constexpr std::size_t kWMagicClient = 0x008;
+inline constexpr std::uint16_t kMagicClientPst = 0x4D53;  // "SM"
+inline constexpr std::uint16_t kMagicClientOst = 0x4F53;  // "SO"
+inline constexpr std::uint16_t kMagicClientPab = 0x4241;  // "AB"
+
+/// Offsets of the fields whose place depends on the layout.
+struct HeaderPlaces {
+  std::size_t bidNextP, bidNextB, dwUnique, rgnid;
+  std::size_t ibFileEof, ibAMapLast, cbAMapFree, brefNbt, brefBbt, fAMapValid;
+  std::size_t rgbFM, bSentinel, bCryptMethod;
+};
+
+inline constexpr HeaderPlaces kNarrowHeader = {.bidNextP = 0x01C,
+                                               .bidNextB = 0x018,
+                                               .dwUnique = 0x020,
+                                               .rgnid = 0x024,
+                                               .ibFileEof = 0x0A8,
+                                               .ibAMapLast = 0x0AC,
+                                               .cbAMapFree = 0x0B0,
+                                               .brefNbt = 0x0B8,
+                                               .brefBbt = 0x0C0,
+                                               .fAMapValid = 0x0C8,
+                                               .rgbFM = 0x0CC,
+                                               .bSentinel = 0x1CC,
+                                               .bCryptMethod = 0x1CD};
+
+inline constexpr HeaderPlaces kWideHeader = {.bidNextP = 0x020,
+                                             .bidNextB = 0x204,
+                                             .dwUnique = 0x028,
+                                             .rgnid = 0x02C,
+                                             .ibFileEof = 0x0B8,
+                                             .ibAMapLast = 0x0C0,
+                                             .cbAMapFree = 0x0C8,
+                                             .brefNbt = 0x0D8,
+                                             .brefBbt = 0x0E8,
+                                             .fAMapValid = 0x0F8,
+                                             .rgbFM = 0x100,
+                                             .bSentinel = 0x200,
+                                             .bCryptMethod = 0x201};
+
+constexpr const HeaderPlaces& PlacesInHeader(const Generation& generation) {
+  return generation.wideFormat ? kWideHeader : kNarrowHeader;
+}
+
 /// What the header says of the maps.
 enum class AMapValid : std::uint8_t {
   kInvalid = 0,  ///< whoever writes has to rebuild them first

@@ -49,6 +49,12 @@ static_assert(kMaxHeapItemsPerBlock == 2047 && kMaxHeapBlocks == 65536);
 enum class ClientSig : std::uint8_t { kTableContext = 0x7C, kBTree = 0xB5, kPropertyContext = 0xBC };
 
 inline constexpr std::uint8_t kHeapSig = 0xEC;
+
+/// The word behind the first of a heap: bSig and bClientSig.
+constexpr std::uint16_t HeapWord(ClientSig sig) {
+  return static_cast<std::uint16_t>(static_cast<int>(sig) << 8 | kHeapSig);
+}
+inline constexpr std::size_t kOffHeapWord = 2;
 inline constexpr std::size_t kHnHdrSize = 12;
 inline constexpr std::size_t kHnPageHdrSize = 2;
 inline constexpr std::size_t kHnBitmapHdrSize = 66;

@@ -10,11 +10,6 @@ std::uint16_t PageSignature(PageType type, const Bref& ref) {
   return IsMap(type) ? 0 : ComputeSig(ref.ib, Value(ref.bid));
 }
 
-/// The type twice.
-std::uint16_t TypeWord(PageType type) {
-  return static_cast<std::uint16_t>(static_cast<std::uint16_t>(type) << 8 | static_cast<std::uint16_t>(type));
-}
-
 }  // namespace
 
 void SealPage(Page& page, PageType type, const Bref& ref) {

@@ -31,6 +31,9 @@ enum class PageType : std::uint8_t {
   kDList = 0x86,
 };
 
+/// The type as it stands in a trailer: twice, which reads as one word.
+constexpr std::uint16_t TypeWord(PageType type) { return static_cast<std::uint16_t>(0x0101 * static_cast<int>(type)); }
+
 /// Whether a page is one of the maps that stand at fixed places: their wSig is 0 and their bid their offset.
 constexpr bool IsMap(PageType type) { return type >= PageType::kFMap && type <= PageType::kFPMap; }
 

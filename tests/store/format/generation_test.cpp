@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/header.h"
+#include "store/format/heap_format.h"
 #include "store/format/signature.h"
 
 namespace velmora {
@@ -14,18 +16,36 @@ TEST(Generation, AnUnknownFormatGivesTheAnsiValues) {
   EXPECT_EQ(LayoutOf(77).formatId, FORMAT_ANSI);
 }
 
-TEST(Generation, TheFieldPitchIsFourInAnsiAndEightInTheWideFormats) {
-  EXPECT_EQ(LayoutOf(FORMAT_ANSI).Pitch(), 4u);
-  EXPECT_EQ(LayoutOf(FORMAT_UNICODE).Pitch(), 8u);
-  EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).Pitch(), 8u);
+TEST(Generation, AnIdHasFourBytesInAnsiAndEightInTheWideFormats) {
+  EXPECT_EQ(LayoutOf(FORMAT_ANSI).idWidth, 4u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE).idWidth, 8u);
+  EXPECT_EQ(LayoutOf(FORMAT_UNICODE_4K).idWidth, 8u);
 }
 
-TEST(Generation, ANodeEntryIsFourFieldsOfTheFieldPitch) {
+TEST(Generation, ANodeEntryIsFourFieldsOfTheWidthOfAnId) {
   for (const FormatId format : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
-    EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).Pitch());
-    EXPECT_EQ(LayoutOf(format).idWidth, LayoutOf(format).Pitch());
+    EXPECT_EQ(LayoutOf(format).nodeEntrySize, 4 * LayoutOf(format).idWidth);
+    EXPECT_EQ(LayoutOf(format).SubnodeEntrySize(), 3u * LayoutOf(format).idWidth);
     EXPECT_EQ(LayoutOf(format).wideFormat, format != FORMAT_ANSI);
   }
+}
+
+TEST(Generation, ThePlacesInItsHeaderAreThoseOfItsWidth) {
+  EXPECT_EQ(PlacesInHeader(generations::kAnsi).brefNbt, 0xB8u);
+  EXPECT_EQ(PlacesInHeader(generations::kAnsi).brefBbt, 0xC0u);
+  EXPECT_EQ(PlacesInHeader(generations::kUnicode).brefNbt, 0xD8u);
+  EXPECT_EQ(PlacesInHeader(generations::kUnicode4k).brefBbt, 0xE8u);
+}
+
+TEST(Words, AsTheyStandInPagesAndBlocks) {
+  EXPECT_EQ(TypeWord(PageType::kBbt), 0x8080);
+  EXPECT_EQ(TypeWord(PageType::kNbt), 0x8181);
+  EXPECT_EQ(kXBlock, 0x0101);
+  EXPECT_EQ(kXxBlock, 0x0201);
+  EXPECT_EQ(kSlBlock, 0x0002);
+  EXPECT_EQ(kSiBlock, 0x0102);
+  EXPECT_EQ(HeapWord(ClientSig::kPropertyContext), 0xBCEC);
+  EXPECT_EQ(HeapWord(ClientSig::kTableContext), 0x7CEC);
 }
 
 TEST(SignatureTest, FoldsOffsetAndId) {

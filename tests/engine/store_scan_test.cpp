@@ -1,4 +1,4 @@
-#include "engine/referenced_ids.h"
+#include "engine/store_scan.h"
 
 #include "engine/run_fixture.h"
 

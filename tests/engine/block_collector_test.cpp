@@ -1,4 +1,4 @@
-#include "engine/block_classifier.h"
+#include "engine/block_collector.h"
 
 #include <algorithm>
 #include <optional>
@@ -13,7 +13,7 @@ namespace {
 using forge::Format;
 
 /// A store of one block, at the place and with the trailer that a sound store gives it.
-class BlockClassifierTest : public RunTest {
+class BlockCollectorTest : public RunTest {
  protected:
   /// The block of that data, classified in a store of which nothing is known yet.
   bool Classify(const forge::Bytes& data, forge::StoreOptions options = {}, forge::BlockOptions block = {}) {
@@ -44,7 +44,7 @@ forge::Bytes Heap(std::uint16_t signature = 0xBCEC, std::size_t size = 100) {
   return data;
 }
 
-TEST_F(BlockClassifierTest, AHeapThatNoNodeRefersToIsListed) {
+TEST_F(BlockCollectorTest, AHeapThatNoNodeRefersToIsListed) {
   EXPECT_TRUE(Classify(Heap()));
   EXPECT_EQ(Found().orphanBlockCount, 1u);
   ASSERT_EQ(Found().orphans.size(), 2u) << "it and the empty element at the end";
@@ -53,7 +53,7 @@ TEST_F(BlockClassifierTest, AHeapThatNoNodeRefersToIsListed) {
   EXPECT_EQ(Found().orphans[1].bidData, 0u);
 }
 
-TEST_F(BlockClassifierTest, TheFirstHeapTellsTheEncoding) {
+TEST_F(BlockCollectorTest, TheFirstHeapTellsTheEncoding) {
   for (const auto encoding : {forge::Encoding::kNone, forge::Encoding::kPermute, forge::Encoding::kCyclic}) {
     for (const Format format : {Format::kAnsi, Format::kUnicode}) {
       scan_.encodingUnknown = true;
@@ -65,7 +65,7 @@ TEST_F(BlockClassifierTest, TheFirstHeapTellsTheEncoding) {
   }
 }
 
-TEST_F(BlockClassifierTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotListed) {
+TEST_F(BlockCollectorTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotListed) {
   EXPECT_FALSE(Classify(Heap(), {}, {.trailerSignature = std::uint16_t{0x1234}}));
   EXPECT_TRUE(scan_.encodingUnknown);
   scan_.encodingUnknown = false;
@@ -73,13 +73,13 @@ TEST_F(BlockClassifierTest, ABlockWithoutASoundTrailerTellsNoEncodingAndIsNotLis
   EXPECT_TRUE(ClassifyAgain(4)) << "but listed where the encoding is known";
 }
 
-TEST_F(BlockClassifierTest, TheTrailerOfA4kBlockIsNotWhereItIsLookedFor) {
+TEST_F(BlockCollectorTest, TheTrailerOfA4kBlockIsNotWhereItIsLookedFor) {
   Found().storeKind = StoreKind::kOst;
   EXPECT_FALSE(Classify(Heap(), {.format = Format::kUnicode4k, .encoding = forge::Encoding::kNone}));
   EXPECT_TRUE(scan_.encodingUnknown);
 }
 
-TEST_F(BlockClassifierTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
+TEST_F(BlockCollectorTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
   for (const std::uint64_t slot : {8272u, 8288u}) {
     Canvas canvas;
     canvas.Put(64, Heap(0xBCEC, 112));
@@ -95,7 +95,7 @@ TEST_F(BlockClassifierTest, ATrailerIsLookedForIn8176BytesBehindTheData) {
   }
 }
 
-TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncoding) {
+TEST_F(BlockCollectorTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncoding) {
   NodeList nodes;
   nodes.Insert({0x21, 4, 6, 0});
   scan_.referencedIds.Build(nodes);
@@ -104,7 +104,7 @@ TEST_F(BlockClassifierTest, ABlockThatANodeRefersToIsNotListedButTellsTheEncodin
   EXPECT_EQ(Found().orphans.size(), 1u);
 }
 
-TEST_F(BlockClassifierTest, ATableIsListedInAnOfflineStoreAlone) {
+TEST_F(BlockCollectorTest, ATableIsListedInAnOfflineStoreAlone) {
   scan_.encodingUnknown = false;
   Found().blockEncoding = CryptMethod::kPermute;
   EXPECT_FALSE(Classify(Heap(0x7CEC)));
@@ -114,12 +114,12 @@ TEST_F(BlockClassifierTest, ATableIsListedInAnOfflineStoreAlone) {
   EXPECT_FALSE(ClassifyAgain(4));
 }
 
-TEST_F(BlockClassifierTest, DataThatIsNoHeapIsNotListed) {
+TEST_F(BlockCollectorTest, DataThatIsNoHeapIsNotListed) {
   EXPECT_FALSE(Classify(forge::Noise(100, 1)));
   EXPECT_TRUE(scan_.encodingUnknown);
 }
 
-class EveryFormatClassifierTest : public BlockClassifierTest, public testing::WithParamInterface<Format> {
+class EveryFormatClassifierTest : public BlockCollectorTest, public testing::WithParamInterface<Format> {
  protected:
   /// A list of sub-nodes, as a block of its own.
   bool ClassifyList(const std::vector<forge::Subnode>& subnodes) {
@@ -154,14 +154,14 @@ TEST_P(EveryFormatClassifierTest, AListThatANodeRefersToIsNotListed) {
 INSTANTIATE_TEST_SUITE_P(Smart, EveryFormatClassifierTest,
                          testing::Values(Format::kAnsi, Format::kUnicode, Format::kUnicode4k), FormatName);
 
-TEST_F(BlockClassifierTest, AnOffsetThatNoFileHasListsNothing) {
+TEST_F(BlockCollectorTest, AnOffsetThatNoFileHasListsNothing) {
   Attach(forge::Bytes(100));
   scan_.encodingUnknown = false;
   SourceWindow window(Found().source);
   EXPECT_FALSE(ClassifyBlock(scan_, window, {4, 100, 0xFFFFFFFFFFFFFFF0}));
 }
 
-TEST_F(BlockClassifierTest, ASmartScanListsWhatTheNodesDoNotReferTo) {
+TEST_F(BlockCollectorTest, ASmartScanListsWhatTheNodesDoNotReferTo) {
   forge::Mailbox box({.format = Format::kUnicode});
   const auto inbox = box.AddFolder({.name = u"Inbox"});
   box.AddMessage(inbox, {.subject = u"Kept"});
