@@ -51,11 +51,9 @@ void Data(benchmark::State& state) {
   const std::vector<std::byte> bytes = Sample(1 << 20);
   for (auto _ : state) {
     NoFile file;
-    const auto ndb = ndb::NdbWriter::Create(file).value();
+    const auto ndb = ndb::NdbWriter::Create(file);
     ndb::DataTreeWriter tree(*ndb);
-    for (int i = 0; i < 256; ++i) {
-      if (!tree.Append(bytes)) state.SkipWithError("the data cannot be written");
-    }
+    for (int i = 0; i < 256; ++i) tree.Append(bytes);
     benchmark::DoNotOptimize(tree.Finish());
   }
   state.SetBytesProcessed(state.iterations() * 256 * static_cast<std::int64_t>(bytes.size()));
@@ -70,14 +68,15 @@ Nid WriteItem(ndb::NdbWriter& ndb, ltp::PropertyContextWriter& item) {
   for (std::uint16_t i = 0; i < 12; ++i) item.AddText(MakeTag(0x0E00 + i, PropType::kString), kText);
   for (std::uint16_t i = 0; i < 4; ++i) item.AddInteger64(MakeTag(0x3000 + i, PropType::kTime), i);
   item.AddText(MakeTag(0x1000, PropType::kString), kBody);
-  const ndb::WrittenNode node = item.Finish().value();
+  const ndb::WrittenNode node = item.Finish();
   const Nid nid = ndb.NewNid(NidType::kNormalMessage);
-  return ndb.SetNode(nid, node.trees, Nid{0x8022}) ? nid : kNoNid;
+  ndb.SetNode(nid, node.trees, Nid{0x8022});
+  return nid;
 }
 
 void Items(benchmark::State& state) {
   NoFile file;
-  const auto ndb = ndb::NdbWriter::Create(file).value();
+  const auto ndb = ndb::NdbWriter::Create(file);
   ltp::PropertyContextWriter item(*ndb);
   for (auto _ : state) benchmark::DoNotOptimize(WriteItem(*ndb, item));
   state.SetItemsProcessed(state.iterations());
@@ -86,7 +85,7 @@ BENCHMARK(Items);
 
 void OpenItem(benchmark::State& state) {
   platform::MemoryFile file;
-  const auto ndb = ndb::NdbWriter::Create(file).value();
+  const auto ndb = ndb::NdbWriter::Create(file);
   ltp::PropertyContextWriter item(*ndb);
   const Nid nid = WriteItem(*ndb, item);
   for (auto _ : state) {
@@ -111,11 +110,9 @@ void TableRows(benchmark::State& state) {
   const std::array<ltp::PropertyView, 2> cells{{{0x3001001F, name}, {0x0E070003, number}}};
   for (auto _ : state) {
     NoFile file;
-    const auto ndb = ndb::NdbWriter::Create(file).value();
+    const auto ndb = ndb::NdbWriter::Create(file);
     ltp::TableContextWriter table(*ndb, kSchema);
-    for (std::uint32_t i = 0; i < state.range(0); ++i) {
-      if (!table.AddRow(i, cells)) state.SkipWithError("the row cannot be written");
-    }
+    for (std::uint32_t i = 0; i < state.range(0); ++i) table.AddRow(i, cells);
     benchmark::DoNotOptimize(table.Finish());
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));

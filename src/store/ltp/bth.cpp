@@ -17,27 +17,23 @@ static_assert(MaxRecords(kPropertyLayout.LeafRecord()) == 447 && MaxRecords(kPro
 static_assert(MaxRecords(kRowIndexLayout.LeafRecord()) == 447 && MaxRecords(kRowIndexLayout.IndexRecord()) == 447);
 
 /// Writes one level: `count` records into as many items as they need, whose ids go to `items`.
-Result<void> WriteLevel(HeapWriter& heap, std::size_t recordSize, std::size_t count, const EncodeRecord& encode,
-                        std::vector<Hid>& items) {
+void WriteLevel(HeapWriter& heap, std::size_t recordSize, std::size_t count, const EncodeRecord& encode,
+                std::vector<Hid>& items) {
   std::array<std::byte, kMaxHeapItem> item;
   for (std::size_t first = 0; first < count; first += MaxRecords(recordSize)) {
     const std::size_t here = std::min(count - first, MaxRecords(recordSize));
     for (std::size_t i = 0; i < here; ++i) {
       encode(first + i, std::span(item).subspan(i * recordSize, recordSize));
     }
-    const Result<Hid> hid = heap.Add(std::span(item).first(here * recordSize));
-    if (!hid) return tl::unexpected(hid.error());
-    items.push_back(*hid);
+    items.push_back(heap.Add(std::span(item).first(here * recordSize)));
   }
-  return {};
 }
 
 }  // namespace
 
-Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
-                      const EncodeRecord& encode) {
+void WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count, const EncodeRecord& encode) {
   std::vector<Hid> items;
-  if (auto written = WriteLevel(heap, layout.LeafRecord(), count, encode, items); !written) return written;
+  WriteLevel(heap, layout.LeafRecord(), count, encode, items);
   // Record `r` of index level 1 begins with the key of leaf record r * span; of the next level, of
   // r * span * (records of an index item), and so on.
   std::size_t span = MaxRecords(layout.LeafRecord());
@@ -51,9 +47,7 @@ Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, 
       std::copy_n(record.begin(), layout.cbKey, out.begin());
       Store<std::uint32_t>(out, layout.cbKey, children[index]);
     };
-    if (auto written = WriteLevel(heap, layout.IndexRecord(), children.size(), encodeIndex, items); !written) {
-      return written;
-    }
+    WriteLevel(heap, layout.IndexRecord(), children.size(), encodeIndex, items);
     span *= MaxRecords(layout.IndexRecord());
     ++bIdxLevels;
   }
@@ -64,7 +58,6 @@ Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, 
   Store<std::uint8_t>(header, 3, bIdxLevels);
   Store<std::uint32_t>(header, 4, items.empty() ? 0 : items[0]);
   heap.Patch(hidHeader, header);
-  return {};
 }
 
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count) {

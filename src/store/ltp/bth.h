@@ -44,8 +44,7 @@ using EncodeRecord = std::function<void(std::size_t index, std::span<std::byte> 
 
 /// Writes `count` records by ascending key into a heap and then their tree's header over `hidHeader`, an item
 /// of kBthHeaderSize bytes in block 0.
-[[nodiscard]] Result<void> WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count,
-                                    const EncodeRecord& encode);
+void WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::size_t count, const EncodeRecord& encode);
 
 /// Moves `position` behind the items that WriteBth writes for `count` records.
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count);

@@ -34,19 +34,17 @@ HeapWriter::HeapWriter(ndb::NdbWriter& ndb, ClientSig clientSig, std::size_t max
 
 HeapWriter::~HeapWriter() { Clear(); }
 
-Result<Hid> HeapWriter::Add(std::span<const std::byte> item) {
+Hid HeapWriter::Add(std::span<const std::byte> item) {
   if (item.empty() || item.size() > kMaxHeapItem) {
-    return Corrupt("heap", item.size(), "a heap item is empty or too large");
+    RaiseCorrupt("heap", item.size(), "a heap item is empty or too large");
   }
   HeapPosition next = position_;
   next.Advance(item.size());
-  if (next.block >= maxBlocks_) return Fail(FailureKind::kNotSupported, "heap", next.block, "the heap is full");
-  if (bids_.empty()) {
-    if (auto opened = OpenBlock(0); !opened) return tl::unexpected(opened.error());
-  }
+  if (next.block >= maxBlocks_) Raise(FailureKind::kNotSupported, "heap", next.block, "the heap is full");
+  if (bids_.empty()) OpenBlock(0);
   if (next.block != position_.block) {
-    if (auto closed = CloseBlock(kMaxBlockData); !closed) return tl::unexpected(closed.error());
-    if (auto opened = OpenBlock(next.block); !opened) return tl::unexpected(opened.error());
+    CloseBlock(kMaxBlockData);
+    OpenBlock(next.block);
   }
   position_ = next;
   std::memcpy(Buffer()->data() + next.itemsEnd - item.size(), item.data(), item.size());
@@ -63,28 +61,28 @@ void HeapWriter::Patch(Hid hid, std::span<const std::byte> bytes) {
   std::memcpy(first_->data() + start, bytes.data(), bytes.size());
 }
 
-Result<ndb::DataTree> HeapWriter::Finish(Hid hidUserRoot) {
+ndb::DataTree HeapWriter::Finish(Hid hidUserRoot) {
   assert(!bids_.empty());
   const std::size_t last = position_.block;
   const std::uint64_t size = position_.HeapSize();
   const auto sizeOf = [&](std::size_t block) {
     return block == last ? static_cast<std::size_t>(size - last * kMaxBlockData) : kMaxBlockData;
   };
-  if (auto closed = CloseBlock(sizeOf(last)); !closed) return tl::unexpected(closed.error());
+  CloseBlock(sizeOf(last));
   if (last >= kFillLevelsInHnHdr) {
     const std::size_t held = last - (last - kFillLevelsInHnHdr) % kFillLevelsInBitmapHdr;
-    if (auto written = WriteBlock(held, sizeOf(held)); !written) return tl::unexpected(written.error());
+    WriteBlock(held, sizeOf(held));
   }
   Store<std::uint32_t>(*first_, 4, hidUserRoot);
-  if (auto written = WriteBlock(0, sizeOf(0)); !written) return tl::unexpected(written.error());
-  Result<ndb::DataTree> tree = ndb_.WriteTreeOver(bids_, size);
-  if (tree) bids_.clear();
+  WriteBlock(0, sizeOf(0));
+  const ndb::DataTree tree = ndb_.WriteTreeOver(bids_, size);
+  bids_.clear();
   Clear();
   return tree;
 }
 
 void HeapWriter::Clear() {
-  for (const Bid bid : bids_) static_cast<void>(ndb_.Discard({bid}));
+  for (const Bid bid : bids_) ndb_.Discard({bid});
   bids_.clear();
   ends_.clear();
   position_ = {};
@@ -93,9 +91,9 @@ void HeapWriter::Clear() {
   current_ = {};
 }
 
-Result<void> HeapWriter::OpenBlock(std::size_t block) {
+void HeapWriter::OpenBlock(std::size_t block) {
   if (HasBitmapHdr(block) && block > kFillLevelsInHnHdr) {
-    if (auto written = WriteBlock(block - kFillLevelsInBitmapHdr, kMaxBlockData); !written) return written;
+    WriteBlock(block - kFillLevelsInBitmapHdr, kMaxBlockData);
   }
   ndb::BlockBuffer& buffer = BufferOf(block);
   if (!buffer) buffer = ndb_.TakeBuffer();
@@ -106,12 +104,11 @@ Result<void> HeapWriter::OpenBlock(std::size_t block) {
   }
   bids_.push_back(kNoBid);
   ends_.clear();
-  return {};
 }
 
 // Ends the block at hand with its page map, and cuts or fills it to `size` bytes. Block 0 and the blocks with
 // fill levels stay in memory.
-Result<void> HeapWriter::CloseBlock(std::size_t size) {
+void HeapWriter::CloseBlock(std::size_t size) {
   const std::size_t block = position_.block;
   const std::size_t ibHnpm = (position_.itemsEnd + 1) & ~std::size_t{1};
   const std::span<std::byte> bytes = std::span(*Buffer()).first(size);
@@ -122,8 +119,7 @@ Result<void> HeapWriter::CloseBlock(std::size_t size) {
   for (std::size_t i = 0; i < ends_.size(); ++i) Store<std::uint16_t>(bytes, ibHnpm + 6 + 2 * i, ends_[i]);
   SetFillLevel(block, FillLevel(position_.itemsEnd, position_.itemCount));
   if (block == 0) firstEnds_ = ends_;
-  if (block == 0 || HasBitmapHdr(block)) return {};
-  return WriteBlock(block, size);
+  if (block != 0 && !HasBitmapHdr(block)) WriteBlock(block, size);
 }
 
 // The level of a block stands in block 0 or in the last block with a HNBITMAPHDR up to it.
@@ -134,11 +130,8 @@ void HeapWriter::SetFillLevel(std::size_t block, std::uint8_t level) {
   byte |= static_cast<std::byte>(level << (nibble % 2 * 4));
 }
 
-Result<void> HeapWriter::WriteBlock(std::size_t block, std::size_t size) {
-  const Result<Bid> bid = ndb_.WriteDataBlock(std::span(*BufferOf(block)).first(size));
-  if (!bid) return tl::unexpected(bid.error());
-  bids_[block] = *bid;
-  return {};
+void HeapWriter::WriteBlock(std::size_t block, std::size_t size) {
+  bids_[block] = ndb_.WriteDataBlock(std::span(*BufferOf(block)).first(size));
 }
 
 }  // namespace velmora::ltp

@@ -33,8 +33,8 @@ class HeapWriter {
   HeapWriter(const HeapWriter&) = delete;
   HeapWriter& operator=(const HeapWriter&) = delete;
 
-  /// Adds an item of 1 to kMaxHeapItem bytes. kNotSupported when the heap has no block left.
-  [[nodiscard]] Result<Hid> Add(std::span<const std::byte> item);
+  /// Adds an item of 1 to kMaxHeapItem bytes. Raises kNotSupported when the heap has no block left.
+  Hid Add(std::span<const std::byte> item);
 
   /// Overwrites the beginning of an item of block 0 that was added.
   void Patch(Hid hid, std::span<const std::byte> bytes);
@@ -43,7 +43,7 @@ class HeapWriter {
 
   /// Writes the rest; there must be an item. Nothing refers to the tree yet. The writer is ready for the next
   /// heap afterwards.
-  [[nodiscard]] Result<ndb::DataTree> Finish(Hid hidUserRoot);
+  [[nodiscard]] ndb::DataTree Finish(Hid hidUserRoot);
 
   /// Gives up the heap.
   void Clear();
@@ -53,10 +53,10 @@ class HeapWriter {
   ndb::BlockBuffer& BufferOf(std::size_t block) {
     return block == 0 ? first_ : HasBitmapHdr(block) ? levels_ : current_;
   }
-  [[nodiscard]] Result<void> OpenBlock(std::size_t block);
-  [[nodiscard]] Result<void> CloseBlock(std::size_t size);
+  void OpenBlock(std::size_t block);
+  void CloseBlock(std::size_t size);
   void SetFillLevel(std::size_t block, std::uint8_t level);
-  [[nodiscard]] Result<void> WriteBlock(std::size_t block, std::size_t size);
+  void WriteBlock(std::size_t block, std::size_t size);
 
   ndb::NdbWriter& ndb_;
   ClientSig clientSig_;

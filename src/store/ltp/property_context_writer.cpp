@@ -21,7 +21,7 @@ PropertyContextWriter::PropertyContextWriter(ndb::NdbWriter& ndb)
     : ndb_(ndb), heap_(ndb, ClientSig::kPropertyContext), subnodes_(ndb), nextSubnodeIndex_(kFirstFreeNidIndex) {}
 
 void PropertyContextWriter::Add(PropTag tag, std::span<const std::byte> value) {
-  if (auto fits = CheckValue(tag, value); !fits) return Fail(fits.error());
+  CheckValue(tag, value);
   valueBytes_ += value.size();
   if (IsInline(TypeOf(tag))) {
     std::array<std::byte, sizeof(std::uint32_t)> word{};
@@ -29,9 +29,7 @@ void PropertyContextWriter::Add(PropTag tag, std::span<const std::byte> value) {
     return AddRecord(tag, Load<std::uint32_t>(word, 0));
   }
   if (value.size() <= kHeapValueLimit) return AddHeapValue(tag, value);
-  const Result<ndb::DataTree> tree = ndb_.WriteData(value);
-  if (!tree) return Fail(tree.error());
-  AddSubnodeValue(tag, *tree);
+  AddSubnodeValue(tag, ndb_.WriteData(value));
 }
 
 void PropertyContextWriter::AddBoolean(PropTag tag, bool value) { Add(tag, BytesOf<std::uint8_t>(value ? 1 : 0)); }
@@ -62,23 +60,19 @@ void PropertyContextWriter::AddStream(PropTag tag, ndb::DataTreeWriter& value) {
     value.Clear();
     return;
   }
-  const Result<ndb::DataTree> tree = value.Finish();
-  if (!tree) return Fail(tree.error());
-  AddTree(tag, *tree);
+  AddTree(tag, value.Finish());
 }
 
 void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
-  if (FixedSize(TypeOf(tag))) {
-    return Fail({FailureKind::kCorrupt, Named("property", tag), tree.size, "the property has no tree"});
-  }
-  if (auto fits = CheckSize(tag, tree.size); !fits) return Fail(fits.error());
+  if (FixedSize(TypeOf(tag))) RaiseCorrupt(Named("property", tag), tree.size, "the property has no tree");
+  CheckSize(tag, tree.size);
   valueBytes_ += tree.size;
   AddSubnodeValue(tag, tree);
 }
 
 void PropertyContextWriter::AddObject(PropTag tag, Nid nid, std::uint32_t size) {
   if (TypeOf(tag) != PropType::kObject) {
-    return Fail({FailureKind::kCorrupt, Named("property", tag), Value(nid), "the property is no object"});
+    RaiseCorrupt(Named("property", tag), Value(nid), "the property is no object");
   }
   valueBytes_ += size;
   std::array<std::byte, 8> value;
@@ -100,27 +94,27 @@ bool PropertyContextWriter::Has(std::uint16_t id) const {
   return std::any_of(records_.begin(), records_.end(), [id](const PropertyRecord& r) { return r.wPropId == id; });
 }
 
-Result<ndb::WrittenNode> PropertyContextWriter::Finish() {
-  Result<ndb::WrittenNode> node = WriteNode();
-  Clear();
-  return node;
+ndb::WrittenNode PropertyContextWriter::Finish() {
+  struct ClearAtEnd {
+    PropertyContextWriter& writer;
+    ~ClearAtEnd() { writer.Clear(); }
+  } clear{*this};
+  return WriteNode();
 }
 
-Result<ndb::WrittenNode> PropertyContextWriter::WriteNode() {
+ndb::WrittenNode PropertyContextWriter::WriteNode() {
   OpenHeap();
-  if (failure_) return tl::unexpected(*failure_);
   std::sort(records_.begin(), records_.end(), [](const auto& a, const auto& b) { return a.wPropId < b.wPropId; });
   for (std::size_t i = 1; i < records_.size(); ++i) {
     if (records_[i - 1].wPropId == records_[i].wPropId) {
-      return Corrupt(Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
+      RaiseCorrupt(Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
     }
   }
-  const Result<ndb::SubnodeTree> subnodes = subnodes_.Finish();
-  if (!subnodes) return tl::unexpected(subnodes.error());
+  const ndb::SubnodeTree subnodes = subnodes_.Finish();
   // The size does not depend on its own value, so it can stand in the tree that it counts.
   HeapPosition end = heap_.Position();
   AdvanceOverBth(end, kPropertyLayout, records_.size());
-  const std::uint64_t dataSize = end.HeapSize() + subnodes->dataSize;
+  const std::uint64_t dataSize = end.HeapSize() + subnodes.dataSize;
   for (PropertyRecord& record : records_) {
     if (record.wPropId == dataSizeId_)
       record.dwValueHnid = static_cast<std::uint32_t>(std::min(dataSize, kMaxInteger32));
@@ -131,12 +125,8 @@ Result<ndb::WrittenNode> PropertyContextWriter::WriteNode() {
     Store<std::uint16_t>(out, 2, static_cast<std::uint16_t>(record.wPropType));
     Store<std::uint32_t>(out, 4, record.dwValueHnid);
   };
-  if (auto written = WriteBth(heap_, kHeaderHid, kPropertyLayout, records_.size(), encode); !written) {
-    return tl::unexpected(written.error());
-  }
-  const Result<ndb::DataTree> data = heap_.Finish(kHeaderHid);
-  if (!data) return tl::unexpected(data.error());
-  return ndb::WrittenNode{{data->bid, subnodes->bid}, dataSize};
+  WriteBth(heap_, kHeaderHid, kPropertyLayout, records_.size(), encode);
+  return {{heap_.Finish(kHeaderHid).bid, subnodes.bid}, dataSize};
 }
 
 void PropertyContextWriter::Clear() {
@@ -146,12 +136,10 @@ void PropertyContextWriter::Clear() {
   dataSizeId_.reset();
   nextSubnodeIndex_ = kFirstFreeNidIndex;
   valueBytes_ = 0;
-  failure_.reset();
 }
 
 void PropertyContextWriter::OpenHeap() {
-  if (failure_ || heap_.Position().itemCount > 0) return;
-  if (const Result<Hid> header = heap_.Add(std::array<std::byte, kBthHeaderSize>{}); !header) Fail(header.error());
+  if (heap_.Position().itemCount == 0) heap_.Add(std::array<std::byte, kBthHeaderSize>{});
 }
 
 void PropertyContextWriter::AddRecord(PropTag tag, std::uint32_t dwValueHnid) {
@@ -161,20 +149,13 @@ void PropertyContextWriter::AddRecord(PropTag tag, std::uint32_t dwValueHnid) {
 void PropertyContextWriter::AddHeapValue(PropTag tag, std::span<const std::byte> value) {
   if (value.empty()) return AddRecord(tag, 0);
   OpenHeap();
-  if (failure_) return;
-  const Result<Hid> hid = heap_.Add(value);
-  if (!hid) return Fail(hid.error());
-  AddRecord(tag, *hid);
+  AddRecord(tag, heap_.Add(value));
 }
 
 void PropertyContextWriter::AddSubnodeValue(PropTag tag, const ndb::DataTree& tree) {
   const Nid nid = NewSubnodeNid();
   subnodes_.Add(nid, {{tree.bid}, tree.size});
   AddRecord(tag, Value(nid));
-}
-
-void PropertyContextWriter::Fail(const Failure& failure) {
-  if (!failure_) failure_ = failure;
 }
 
 }  // namespace velmora::ltp

@@ -19,7 +19,7 @@ namespace velmora::ltp {
 /// One property context after another: properties and sub-nodes are added in any order, then Finish writes
 /// the node and leaves the writer ready for the next. Values are bytes as the store holds them: numbers
 /// little-endian in the size of their type, texts UTF-16LE without terminator, multiple values as
-/// multi_value.h encodes them. The Add functions keep the first failure; Finish returns it.
+/// multi_value.h encodes them. What cannot be added is raised at once; the node is to be given up then (Clear).
 class PropertyContextWriter {
  public:
   /// Larger values go to a sub-node of their own.
@@ -28,7 +28,7 @@ class PropertyContextWriter {
   explicit PropertyContextWriter(ndb::NdbWriter& ndb);
 
   /// A property of any type but PtypObject. A value whose size does not fit its type, a text of odd length
-  /// and a second property of the same id are failures (kCorrupt). An empty value of a type of variable
+  /// and a second property of the same id (by Finish) raise kCorrupt. An empty value of a type of variable
   /// size is a property that is there and empty.
   void Add(PropTag tag, std::span<const std::byte> value);
 
@@ -66,8 +66,8 @@ class PropertyContextWriter {
 
   bool Has(std::uint16_t id) const;
 
-  /// Writes the node; nothing refers to it yet.
-  [[nodiscard]] Result<ndb::WrittenNode> Finish();
+  /// Writes the node; nothing refers to it yet. Gives up what was added where that fails.
+  [[nodiscard]] ndb::WrittenNode Finish();
 
   /// Gives up what was added.
   void Clear();
@@ -77,8 +77,7 @@ class PropertyContextWriter {
   void AddRecord(PropTag tag, std::uint32_t dwValueHnid);
   void AddHeapValue(PropTag tag, std::span<const std::byte> value);
   void AddSubnodeValue(PropTag tag, const ndb::DataTree& tree);
-  [[nodiscard]] Result<ndb::WrittenNode> WriteNode();
-  void Fail(const Failure& failure);
+  [[nodiscard]] ndb::WrittenNode WriteNode();
 
   ndb::NdbWriter& ndb_;
   HeapWriter heap_;
@@ -87,7 +86,6 @@ class PropertyContextWriter {
   std::optional<std::uint16_t> dataSizeId_;  ///< the property that AddDataSize named
   std::uint32_t nextSubnodeIndex_;
   std::uint64_t valueBytes_ = 0;
-  std::optional<Failure> failure_;
 };
 
 }  // namespace velmora::ltp

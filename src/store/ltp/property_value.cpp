@@ -39,20 +39,19 @@ std::size_t UnitOf(PropType type) {
 
 }  // namespace
 
-Result<void> CheckSize(PropTag tag, std::uint64_t size) {
+void CheckSize(PropTag tag, std::uint64_t size) {
   const std::optional<std::size_t> fixed = FixedSize(TypeOf(tag));
   const std::size_t unit = fixed ? *fixed : UnitOf(TypeOf(tag));
-  if (unit != 0 && (fixed ? size == unit : size % unit == 0)) return {};
-  return Corrupt(Named("property", tag), size, "the value does not fit its type");
+  if (unit != 0 && (fixed ? size == unit : size % unit == 0)) return;
+  RaiseCorrupt(Named("property", tag), size, "the value does not fit its type");
 }
 
-Result<void> CheckValue(PropTag tag, std::span<const std::byte> value) {
-  if (auto fits = CheckSize(tag, value.size()); !fits) return fits;
+void CheckValue(PropTag tag, std::span<const std::byte> value) {
+  CheckSize(tag, value.size());
   const PropType type = TypeOf(tag);
   if (type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary) {
-    if (const auto elements = DecodeMultiple(value); !elements) return tl::unexpected(elements.error());
+    ValueOrRaise(DecodeMultiple(value));
   }
-  return {};
 }
 
 }  // namespace velmora::ltp

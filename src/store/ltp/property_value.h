@@ -6,14 +6,13 @@
 #include <span>
 
 #include "store/format/prop_tag.h"
-#include "store/ndb/block_source.h"
 
 namespace velmora::ltp {
 
-/// kCorrupt when the store has no such type, or when no value of it has `size` bytes. Objects are no values.
-[[nodiscard]] Result<void> CheckSize(PropTag tag, std::uint64_t size);
+/// Raises kCorrupt when the store has no such type, or when no value of it has `size` bytes. Objects are no values.
+void CheckSize(PropTag tag, std::uint64_t size);
 
 /// CheckSize, and of multiple values of variable size: whether the table of offsets fits.
-[[nodiscard]] Result<void> CheckValue(PropTag tag, std::span<const std::byte> value);
+void CheckValue(PropTag tag, std::span<const std::byte> value);
 
 }  // namespace velmora::ltp

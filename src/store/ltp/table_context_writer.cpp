@@ -42,8 +42,8 @@ TableContextWriter::TableContextWriter(ndb::NdbWriter& ndb, const TableSchema& s
   assert(IsSound(schema));
 }
 
-Result<void> TableContextWriter::AddRow(std::uint32_t rowId, std::span<const PropertyView> cells) {
-  if (auto opened = OpenHeap(); !opened) return opened;
+void TableContextWriter::AddRow(std::uint32_t rowId, std::span<const PropertyView> cells) {
+  OpenHeap();
   std::fill(row_.begin(), row_.end(), std::byte{0});
   Store<std::uint32_t>(row_, 0, rowId);
   Store<std::uint32_t>(row_, 4, ndb_.NewRowVersion());
@@ -53,58 +53,50 @@ Result<void> TableContextWriter::AddRow(std::uint32_t rowId, std::span<const Pro
     const auto column = std::lower_bound(schema_.columns.begin(), schema_.columns.end(), cell.tag,
                                          [](const Column& c, PropTag tag) { return c.tag < tag; });
     if (column == schema_.columns.end() || column->tag != cell.tag || column->iBit < 2) continue;
-    if (auto set = SetCell(*column, cell.value); !set) return set;
+    SetCell(*column, cell.value);
   }
   // Rows do not cross blocks: the rest of a full block is filled before the next row.
   const std::size_t rowsPerBlock = kMaxBlockData / row_.size();
   if (!rowIds_.empty() && rowIds_.size() % rowsPerBlock == 0) {
     static constexpr std::array<std::byte, 1024> kZeros{};
     const std::size_t gap = kMaxBlockData - rowsPerBlock * row_.size();
-    if (auto filled = matrix_.Append(std::span(kZeros).first(gap)); !filled) return filled;
+    matrix_.Append(std::span(kZeros).first(gap));
   }
-  if (auto appended = matrix_.Append(row_); !appended) return appended;
+  matrix_.Append(row_);
   rowIds_.push_back(rowId);
-  return {};
 }
 
-Result<void> TableContextWriter::SetCell(const Column& column, std::span<const std::byte> value) {
-  if (auto fits = CheckValue(column.tag, value); !fits) return fits;
+void TableContextWriter::SetCell(const Column& column, std::span<const std::byte> value) {
+  CheckValue(column.tag, value);
   const std::size_t cebOffset = schema_.rgib[2];
   if (HasCell(row_, cebOffset, column.iBit)) {
-    return Corrupt(Named("property", column.tag), column.tag, "a row has two cells of one column");
+    RaiseCorrupt(Named("property", column.tag), column.tag, "a row has two cells of one column");
   }
   const std::optional<std::size_t> size = FixedSize(TypeOf(column.tag));
   if (size && *size == column.cbData) {
     std::memcpy(row_.data() + column.ibData, value.data(), value.size());
     SetExists(column.iBit);
-    return {};
+    return;
   }
-  Hnid hnid = 0;
-  if (!value.empty()) {
-    const Result<Hnid> stored = StoreValue(value);
-    if (!stored) return tl::unexpected(stored.error());
-    if (*stored == 0) {
-      ++cellsLeftOut_;
-      return {};
-    }
-    hnid = *stored;
+  const Hnid hnid = value.empty() ? 0 : StoreValue(value);
+  if (hnid == 0 && !value.empty()) {
+    ++cellsLeftOut_;
+    return;
   }
   Store<std::uint32_t>(row_, column.ibData, hnid);
   SetExists(column.iBit);
-  return {};
 }
 
-Result<Hnid> TableContextWriter::StoreValue(std::span<const std::byte> value) {
+Hnid TableContextWriter::StoreValue(std::span<const std::byte> value) {
   if (value.size() <= kMaxHeapItem) {
     // The index comes last and must find room.
-    if (heap_.Position().block + 1 + IndexBlocks(rowIds_.size() + 1) >= maxHeapBlocks_) return Hnid{0};
+    if (heap_.Position().block + 1 + IndexBlocks(rowIds_.size() + 1) >= maxHeapBlocks_) return 0;
     return heap_.Add(value);
   }
-  if (subnodes_.Count() + 1 >= ndb::SubnodeTreeWriter::kMaxEntries) return Hnid{0};  // one is the matrix
-  const Result<ndb::DataTree> tree = ndb_.WriteData(value);
-  if (!tree) return tl::unexpected(tree.error());
+  if (subnodes_.Count() + 1 >= ndb::SubnodeTreeWriter::kMaxEntries) return 0;  // one is the matrix
+  const ndb::DataTree tree = ndb_.WriteData(value);
   const Nid nid = MakeNid(NidType::kLtp, nextSubnodeIndex_++);
-  subnodes_.Add(nid, {{tree->bid}, tree->size});
+  subnodes_.Add(nid, {{tree.bid}, tree.size});
   return Value(nid);
 }
 
@@ -112,10 +104,9 @@ void TableContextWriter::SetExists(std::uint8_t iBit) {
   row_[schema_.rgib[2] + iBit / 8u] |= std::byte(0x80 >> iBit % 8);
 }
 
-Result<ndb::WrittenNode> TableContextWriter::Finish() {
-  if (auto opened = OpenHeap(); !opened) return tl::unexpected(opened.error());
-  Result<Hnid> hnidRows = FinishMatrix();
-  if (!hnidRows) return tl::unexpected(hnidRows.error());
+ndb::WrittenNode TableContextWriter::Finish() {
+  OpenHeap();
+  const Hnid hnidRows = FinishMatrix();
 
   struct IndexEntry {
     std::uint32_t rowId;
@@ -127,42 +118,35 @@ Result<ndb::WrittenNode> TableContextWriter::Finish() {
   std::sort(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId < b.rowId; });
   const auto twin =
       std::adjacent_find(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId == b.rowId; });
-  if (twin != index.end()) return Corrupt(Named("row", twin->rowId), twin->rowId, "two rows share an id");
+  if (twin != index.end()) RaiseCorrupt(Named("row", twin->rowId), twin->rowId, "two rows share an id");
   const auto encode = [&index](std::size_t i, std::span<std::byte> out) {
     Store<std::uint32_t>(out, 0, index[i].rowId);
     Store<std::uint32_t>(out, 4, index[i].matrixRow);
   };
-  if (auto written = WriteBth(heap_, kRowIndexHid, kRowIndexLayout, index.size(), encode); !written) {
-    return tl::unexpected(written.error());
-  }
-  heap_.Patch(kTableInfoHid, Encode(Info(*hnidRows)));
-  const Result<ndb::DataTree> data = heap_.Finish(kTableInfoHid);
-  if (!data) return tl::unexpected(data.error());
-  const Result<ndb::SubnodeTree> subnodes = subnodes_.Finish();
-  if (!subnodes) return tl::unexpected(subnodes.error());
-  return ndb::WrittenNode{{data->bid, subnodes->bid}, data->size + subnodes->dataSize};
+  WriteBth(heap_, kRowIndexHid, kRowIndexLayout, index.size(), encode);
+  heap_.Patch(kTableInfoHid, Encode(Info(hnidRows)));
+  const ndb::DataTree data = heap_.Finish(kTableInfoHid);
+  const ndb::SubnodeTree subnodes = subnodes_.Finish();
+  return {{data.bid, subnodes.bid}, data.size + subnodes.dataSize};
 }
 
-Result<Hnid> TableContextWriter::FinishMatrix() {
-  if (rowIds_.empty()) return Hnid{0};
+Hnid TableContextWriter::FinishMatrix() {
+  if (rowIds_.empty()) return 0;
   if (matrix_.Size() <= kHeapMatrixLimit) {
-    const Result<Hid> hid = heap_.Add(matrix_.Buffered());
+    const Hid hid = heap_.Add(matrix_.Buffered());
     matrix_.Clear();
     return hid;
   }
-  const Result<ndb::DataTree> tree = matrix_.Finish();
-  if (!tree) return tl::unexpected(tree.error());
-  subnodes_.Add(kMatrixNid, {{tree->bid}, tree->size});
+  const ndb::DataTree tree = matrix_.Finish();
+  subnodes_.Add(kMatrixNid, {{tree.bid}, tree.size});
   return Value(kMatrixNid);
 }
 
 // The two items that others refer to by number come first; both are written again at the end.
-Result<void> TableContextWriter::OpenHeap() {
-  if (heap_.Position().itemCount > 0) return {};
-  if (const Result<Hid> hid = heap_.Add(std::array<std::byte, kBthHeaderSize>{}); !hid)
-    return tl::unexpected(hid.error());
-  if (const Result<Hid> hid = heap_.Add(Encode(Info(0))); !hid) return tl::unexpected(hid.error());
-  return {};
+void TableContextWriter::OpenHeap() {
+  if (heap_.Position().itemCount > 0) return;
+  heap_.Add(std::array<std::byte, kBthHeaderSize>{});
+  heap_.Add(Encode(Info(0)));
 }
 
 TableInfo TableContextWriter::Info(Hnid hnidRows) const {

@@ -29,9 +29,9 @@ class TableContextWriter {
   TableContextWriter(ndb::NdbWriter& ndb, const TableSchema& schema, std::size_t maxHeapBlocks = kMaxHeapBlocks);
 
   /// Adds a row. `cells` may be in any order; a property that the table has no column for is left out, and
-  /// so are the row id and version, which the writer sets. A cell that is not given is absent. kCorrupt when
+  /// so are the row id and version, which the writer sets. A cell that is not given is absent. Raises kCorrupt when
   /// a value does not fit its type.
-  [[nodiscard]] Result<void> AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
+  void AddRow(std::uint32_t rowId, std::span<const PropertyView> cells);
 
   std::size_t RowCount() const { return rowIds_.size(); }
 
@@ -39,15 +39,15 @@ class TableContextWriter {
   /// them.
   std::size_t CellsLeftOut() const { return cellsLeftOut_; }
 
-  /// Writes the table; nothing refers to it yet. kCorrupt when two rows share an id. The writer is used up.
-  [[nodiscard]] Result<ndb::WrittenNode> Finish();
+  /// Writes the table; nothing refers to it yet. Raises kCorrupt when two rows share an id. The writer is used up.
+  [[nodiscard]] ndb::WrittenNode Finish();
 
  private:
-  [[nodiscard]] Result<void> OpenHeap();
-  [[nodiscard]] Result<void> SetCell(const Column& column, std::span<const std::byte> value);
-  [[nodiscard]] Result<Hnid> StoreValue(std::span<const std::byte> value);
+  void OpenHeap();
+  void SetCell(const Column& column, std::span<const std::byte> value);
+  [[nodiscard]] Hnid StoreValue(std::span<const std::byte> value);
   void SetExists(std::uint8_t iBit);
-  [[nodiscard]] Result<Hnid> FinishMatrix();
+  [[nodiscard]] Hnid FinishMatrix();
   TableInfo Info(Hnid hnidRows) const;
 
   ndb::NdbWriter& ndb_;

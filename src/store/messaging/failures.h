@@ -1,7 +1,7 @@
 // Failures of the layers below, as the operations raise them.
 #pragma once
 
-#include "platform/failure.h"
+#include "store/format/failures.h"
 #include "store/operations.h"
 
 namespace velmora::messaging {
@@ -13,22 +13,21 @@ namespace velmora::messaging {
 /// what the format cannot hold, else STG_E_WRITEFAULT.
 [[noreturn]] void RaiseWriteFailure(const platform::Failure& failure);
 
-/// The value of a result of reading, or of writing; raises otherwise.
+/// The value of a result of reading; raises otherwise.
 template <class T>
 T ReadOrRaise(platform::Result<T> result) {
   if (!result) RaiseReadFailure(result.error());
   return std::move(*result);
 }
-inline void ReadOrRaise(const platform::Result<void>& result) {
-  if (!result) RaiseReadFailure(result.error());
-}
-template <class T>
-T WrittenOrRaise(platform::Result<T> result) {
-  if (!result) RaiseWriteFailure(result.error());
-  return std::move(*result);
-}
-inline void WrittenOrRaise(const platform::Result<void>& result) {
-  if (!result) RaiseWriteFailure(result.error());
+
+/// Runs a step that writes. A failure of the layers below becomes one of the operations here, and nowhere else.
+template <class Step>
+decltype(auto) AsOperation(Step step) {
+  try {
+    return step();
+  } catch (const FailureError& failure) {
+    RaiseWriteFailure(failure.Cause());
+  }
 }
 
 }  // namespace velmora::messaging

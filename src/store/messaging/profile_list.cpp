@@ -22,9 +22,7 @@ std::vector<text::Text> ProfileFile::Read() const {
   const auto file = platform::OpenForReading(folder_ / kFileName);
   if (!file) return names;
   std::string bytes(std::min((*file)->Size(), kSizeLimit), '\0');
-  const auto read = (*file)->ReadAt(0, std::as_writable_bytes(std::span(bytes)));
-  if (!read) RaiseReadFailure(read.error());
-  bytes.resize(*read);
+  bytes.resize(ReadOrRaise((*file)->ReadAt(0, std::as_writable_bytes(std::span(bytes)))));
   for (std::size_t start = 0; start < bytes.size();) {
     const std::size_t end = std::min(bytes.find('\n', start), bytes.size());
     if (end > start) names.push_back(text::FromUtf8(std::string_view(bytes).substr(start, end - start)));
@@ -39,13 +37,11 @@ void ProfileFile::Write(const std::vector<text::Text>& names) const {
   std::error_code error;
   std::filesystem::create_directories(folder_, error);
   const std::filesystem::path fresh = folder_ / kNewFileName;
-  const auto write = [&]() -> platform::Result<void> {
-    auto file = platform::CreateFile(fresh, platform::Existing::kReplace);
-    if (!file) return tl::unexpected(file.error());
-    if (auto written = (*file)->WriteAt(0, std::as_bytes(std::span(bytes))); !written) return written;
-    return (*file)->Flush();
-  };
-  if (const auto written = write(); !written) RaiseWriteFailure(written.error());
+  AsOperation([&] {
+    const auto file = ValueOrRaise(platform::CreateFile(fresh, platform::Existing::kReplace));
+    ValueOrRaise(file->WriteAt(0, std::as_bytes(std::span(bytes))));
+    ValueOrRaise(file->Flush());
+  });
   std::filesystem::rename(fresh, folder_ / kFileName, error);
   if (error) {
     throw output::OutputFailure(output::ResultCode::STG_E_WRITEFAULT,

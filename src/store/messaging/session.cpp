@@ -34,7 +34,7 @@ class StoresObject : public output::RDOStores {
 
   Ref<output::RDOStore> AddPSTStore(text::TextView path, text::TextView displayName) override {
     const std::filesystem::path file = text::ToFileName(path);
-    auto bytes = WrittenOrRaise(platform::CreateFile(file, platform::Existing::kRefuse));
+    auto bytes = AsOperation([&] { return ValueOrRaise(platform::CreateFile(file, platform::Existing::kRefuse)); });
     try {
       auto store = StoreWriter::Create(std::move(bytes), displayName, library_->options);
       library_->writers.push_back(store);

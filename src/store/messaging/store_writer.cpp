@@ -64,7 +64,7 @@ bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode:
 StoreWriter::StoreWriter(std::unique_ptr<platform::ByteStore> file, text::TextView displayName,
                          const StoreOptions& options)
     : file_(std::move(file)),
-      ndb_(WrittenOrRaise(ndb::NdbWriter::Create(*file_))),
+      ndb_(AsOperation([&] { return ndb::NdbWriter::Create(*file_); })),
       options_(options),
       uids_(options.sourceDateEpoch, text::ToUtf8(displayName)),
       messages_(*ndb_) {
@@ -77,7 +77,7 @@ decltype(auto) StoreWriter::Change(Step step) {
   if (failure_) throw OutputFailure(*failure_);
   if (sealed_) throw OutputFailure(ResultCode::E_FAIL, "The store is closed.");
   try {
-    return step();
+    return AsOperation(step);
   } catch (const OutputFailure& failure) {
     if (output::IsStoreFailure(failure)) failure_ = failure;
     throw;
@@ -89,7 +89,7 @@ std::shared_ptr<StoreWriter> StoreWriter::Create(std::unique_ptr<platform::ByteS
   std::shared_ptr<StoreWriter> store(new StoreWriter(std::move(file), displayName, options));
   store->identity_ = {store->uids_.Next(), store->uids_.Next(), store->displayName_};
   store->Change([&] {
-    WrittenOrRaise(WriteSkeleton(*store->ndb_, store->nameMap_));
+    WriteSkeleton(*store->ndb_, store->nameMap_);
     const auto add = [&](Folder* parent, Nid nid, text::TextView name, text::TextView containerClass) -> Folder& {
       Folder& folder = store->folders_.Add(parent, nid, name, containerClass);
       store->MarkChanged(folder, &Folder::propertiesChanged);
@@ -104,7 +104,7 @@ std::shared_ptr<StoreWriter> StoreWriter::Create(std::unique_ptr<platform::ByteS
     Folder& deletedItems = add(store->top_, newNid(), kDeletedItemsName, kMailContainerClass);
     store->defaults_.Set(output::DefaultFolder::kDeletedItems, deletedItems.nid);
     store->WriteChanges();
-    WrittenOrRaise(store->ndb_->Commit());
+    store->ndb_->Commit();
     store->Reserve(0);
   });
   store->changesToCommit_ = store->changes_ + kFirstCommitDistance;
@@ -135,7 +135,7 @@ std::uint64_t StoreWriter::BytesToMark(const Folder& folder, bool Folder::*what)
 
 /// Sees to it that what is to be written will find room on the disk, with so much more, whatever comes between.
 void StoreWriter::Reserve(std::uint64_t bytes, std::size_t nodes) {
-  WrittenOrRaise(ndb_->Reserve(bytesToWrite_ + bytes + kOtherObjects, nodesToAdd_ + nodes));
+  ndb_->Reserve(bytesToWrite_ + bytes + kOtherObjects, nodesToAdd_ + nodes);
 }
 
 void StoreWriter::MarkChanged(Folder& folder, bool Folder::*what) {
@@ -153,15 +153,15 @@ void StoreWriter::WriteChanges() {
   ndb_->DrawOnReserve();
   if (messageStoreChanged_) {
     const Nid deletedItems = defaults_.Of(output::DefaultFolder::kDeletedItems);
-    WrittenOrRaise(WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems));
+    WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems);
     messageStoreChanged_ = false;
   }
-  if (nameMapChanged_) WrittenOrRaise(WriteNameMap(*ndb_, nameMap_));
+  if (nameMapChanged_) WriteNameMap(*ndb_, nameMap_);
   nameMapChanged_ = false;
   for (Folder* folder : changedFolders_) {
     PropertyBag extra;
     if (folder == root_) defaults_.PutIntoRoot(identity_.recordKey, extra);
-    WrittenOrRaise(WriteFolder(*ndb_, rows_, extra, options_.maxTableBlocks, *folder));
+    WriteFolder(*ndb_, rows_, extra, options_.maxTableBlocks, *folder);
     folder->isListed = false;
   }
   changedFolders_.clear();
@@ -174,13 +174,13 @@ void StoreWriter::CommitNowAndThen() {
   if (changes_ < changesToCommit_ && ndb_->FileSize() < sizeToCommit_) return;
   try {
     WriteChanges();
-    WrittenOrRaise(ndb_->Commit());
+    ndb_->Commit();
     changesToCommit_ = changes_ + std::max(changes_ / 2, kFirstCommitDistance);
     sizeToCommit_ = ndb_->FileSize() + std::max(ndb_->FileSize() / 2, kSmallestGrowth);
     Reserve(0);
-  } catch (const OutputFailure& failure) {
+  } catch (const FailureError& failure) {
     // The change itself is made, and Seal may still have its room; the next change meets the full disk.
-    if (!IsFull(failure)) throw;
+    if (failure.Cause().kind != FailureKind::kFull) throw;
   }
 }
 
@@ -267,16 +267,16 @@ Nid StoreWriter::Save(Message message, Folder& folder, std::optional<Nid> nid) {
     ItemRows& items = hidden ? folder.hiddenItems : folder.items;
     bool Folder::*const changed = hidden ? &Folder::hiddenItemsChanged : &Folder::itemsChanged;
     if (nid && items.Find(*nid) == nullptr) CheckGiven(*nid, type);
-    const WrittenMessage written = WrittenOrRaise(messages_.Write(std::move(message)));
+    const WrittenMessage written = messages_.Write(std::move(message));
     const PropertyBag row = RowOf(hidden ? schema::kAssocContents : schema::kContents, written.properties);
     const std::vector<ltp::PropertyView> cells = row.Views();
     ItemRow item;
-    item.place = WrittenOrRaise(rows_.Append(cells));
+    item.place = rows_.Append(cells);
     item.size = static_cast<std::uint16_t>(std::min<std::size_t>(ValueBytesOf(cells), 0xFFFF));
     item.unread = (written.properties.Integer32(tag::kMessageFlags) & kMessageRead) == 0;
     Reserve(ItemBytes(item.size) + BytesToMark(folder, changed) + BytesToMark(folder, &Folder::propertiesChanged), 1);
     item.nid = nid ? *nid : ndb_->NewNid(type);
-    WrittenOrRaise(ndb_->SetNode(item.nid, written.node.trees, folder.nid));
+    ndb_->SetNode(item.nid, written.node.trees, folder.nid);
     items.Put(item);
     MarkChanged(folder, changed);
     MarkChanged(folder, &Folder::propertiesChanged);
@@ -290,7 +290,7 @@ void StoreWriter::Delete(Folder& folder, Nid nid) {
   Change([&] {
     if (folder.items.Find(nid) == nullptr) return;
     Reserve(BytesToMark(folder, &Folder::itemsChanged) + BytesToMark(folder, &Folder::propertiesChanged));
-    WrittenOrRaise(ndb_->RemoveNode(nid));
+    ndb_->RemoveNode(nid);
     folder.items.Delete(nid);
     MarkChanged(folder, &Folder::itemsChanged);
     MarkChanged(folder, &Folder::propertiesChanged);
@@ -304,13 +304,13 @@ void StoreWriter::PutStream(PropertyBag& bag, PropTag tag, const output::Content
     Bytes piece(static_cast<std::size_t>(std::min<std::uint64_t>(content.Size(), kStreamPiece)));
     std::uint64_t offset = 0;
     while (const std::size_t length = content.ReadAt(offset, piece)) {
-      WrittenOrRaise(tree.Append(std::span(piece).first(length)));
+      tree.Append(std::span(piece).first(length));
       offset += length;
     }
     if (tree.Size() <= ltp::PropertyContextWriter::kHeapValueLimit) {
       bag.PutBytes(tag, tree.Buffered());
     } else {
-      PutTree(bag, tag, WrittenOrRaise(tree.Finish()));
+      PutTree(bag, tag, tree.Finish());
     }
   });
 }
@@ -322,7 +322,7 @@ void StoreWriter::PutTree(PropertyBag& bag, PropTag tag, const ndb::DataTree& tr
 
 void StoreWriter::PutMessage(PropertyBag& attachment, Message message) {
   Change([&] {
-    const ndb::WrittenNode node = WrittenOrRaise(messages_.Write(std::move(message))).node;
+    const ndb::WrittenNode node = messages_.Write(std::move(message)).node;
     // An id that no other message has: some readers look among all of the store.
     const Nid nid = ndb_->NewNid(NidType::kNormalMessage);
     attachment.PutStored(tag::kAttachDataObject, std::make_shared<StoredValue>(*ndb_, node, nid));
@@ -381,7 +381,7 @@ void StoreWriter::Seal() {
   const std::optional<OutputFailure> full = failure_ && IsFull(*failure_) ? std::exchange(failure_, {}) : std::nullopt;
   Change([&] {
     WriteChanges();
-    WrittenOrRaise(ndb_->Seal());
+    ndb_->Seal();
   });
   sealed_ = true;
   if (full) throw OutputFailure(*full);

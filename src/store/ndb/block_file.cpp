@@ -12,17 +12,17 @@ namespace velmora::ndb {
 BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod)
     : file_(file), cryptMethod_(cryptMethod), window_(file) {}
 
-Result<void> BlockFile::Start() {
-  if (auto emptied = Kept(file_.Resize(0)); !emptied) return emptied;
-  return OpenAreas();
+void BlockFile::Start() {
+  Kept(file_.Resize(0));
+  OpenAreas();
 }
 
-Result<void> BlockFile::Reserve(std::uint64_t bytes, std::size_t blocks) {
-  if (auto usable = Usable(); !usable) return usable;
+void BlockFile::Reserve(std::uint64_t bytes, std::size_t blocks) {
+  CheckUsable();
   reservedBytes_ = bytes;
   reservedBlocks_ = blocks;
   drawsOnReserve_ = false;
-  return KeepReserve();
+  KeepReserve();
 }
 
 void BlockFile::DrawOnReserve() {
@@ -34,32 +34,30 @@ void BlockFile::Trim() {
   if (file_.Size() > map_.FileSize()) static_cast<void>(file_.Resize(map_.FileSize()));
 }
 
-Result<Bid> BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data); }
+Bid BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data); }
 
-Result<Bid> BlockFile::WriteInternal(std::span<const std::byte> content) {
+Bid BlockFile::WriteInternal(std::span<const std::byte> content) {
   std::vector<Bid> references;
   ForEachReference(InternalBlock(content, generations::kUnicode),
                    [&references](Bid bid) { references.push_back(bid); });
-  if (auto referred = Refer(references); !referred) return tl::unexpected(referred.error());
+  Refer(references);
   return Write(true, content);
 }
 
-Result<Bid> BlockFile::Write(bool internal, std::span<const std::byte> data) {
+Bid BlockFile::Write(bool internal, std::span<const std::byte> data) {
   assert(!data.empty() && data.size() <= kMaxBlockData);
   const std::optional<Bid> bid = table_.NextBid(internal);
-  if (!bid) return Fail(FailureKind::kNotSupported, "store", 0, "block ids are used up");
+  if (!bid) Raise(FailureKind::kNotSupported, "store", 0, "block ids are used up");
   const std::size_t size = BlockSizeOnDisk(data.size());
-  const Result<std::uint64_t> ib = Allocate(size, kSlotSize);
-  if (!ib) return tl::unexpected(ib.error());
-  const Result<std::span<std::byte>> place = Kept(window_.Place(*ib, size));
-  if (!place) return tl::unexpected(place.error());
-  const auto stored = place->first(data.size());
-  const auto padding = place->subspan(data.size(), size - data.size() - kBlockTrailerSize);
+  const std::uint64_t ib = Allocate(size, kSlotSize);
+  const std::span<std::byte> place = Kept(window_.Place(ib, size));
+  const auto stored = place.first(data.size());
+  const auto padding = place.subspan(data.size(), size - data.size() - kBlockTrailerSize);
   EncodeBlock(internal ? CryptMethod::kNone : cryptMethod_, *bid, data, stored);
   std::fill(padding.begin(), padding.end(), std::byte{0});
   const auto cb = static_cast<std::uint16_t>(data.size());
-  Encode(BlockTrailer{cb, ComputeSig(*ib, Value(*bid)), WeakCrc(stored), *bid}, place->last(kBlockTrailerSize));
-  table_.Append(internal, *ib, cb);
+  Encode(BlockTrailer{cb, ComputeSig(ib, Value(*bid)), WeakCrc(stored), *bid}, place.last(kBlockTrailerSize));
+  table_.Append(internal, ib, cb);
   return *bid;
 }
 
@@ -74,7 +72,7 @@ Result<void> BlockFile::Read(Bid bid, std::vector<std::byte>& out) const {
   return {};
 }
 
-Result<void> BlockFile::Refer(std::span<const Bid> bids) {
+void BlockFile::Refer(std::span<const Bid> bids) {
   for (std::size_t i = 0; i < bids.size(); ++i) {
     const Bid bid = bids[i];
     if (bid == kNoBid || table_.AddReference(bid)) continue;
@@ -82,55 +80,54 @@ Result<void> BlockFile::Refer(std::span<const Bid> bids) {
       if (counted != kNoBid) table_.DropReference(counted);
     }
     const std::string name = Named("block", bid);
-    if (!table_.Find(bid)) return Fail(FailureKind::kNotFound, name, Value(bid), "the store has no such block");
-    return Fail(FailureKind::kNotSupported, name, Value(bid), "too many nodes share the block");
+    if (!table_.Find(bid)) Raise(FailureKind::kNotFound, name, Value(bid), "the store has no such block");
+    Raise(FailureKind::kNotSupported, name, Value(bid), "too many nodes share the block");
   }
-  return {};
 }
 
-Result<void> BlockFile::Release(Bid bid) {
-  if (bid == kNoBid || table_.DropReference(bid) > 0 || holds_.contains(bid)) return {};
-  return Free(bid);
+void BlockFile::Release(Bid bid) {
+  if (bid == kNoBid || table_.DropReference(bid) > 0 || holds_.contains(bid)) return;
+  Free(bid);
 }
 
-Result<void> BlockFile::Discard(Bid bid) {
+void BlockFile::Discard(Bid bid) {
   const std::optional<BlockTable::Block> block = table_.Find(bid);
-  if (!block || block->references > 0 || holds_.contains(bid)) return {};
-  return Free(bid);
+  if (!IsUsable() || !block || block->references > 0 || holds_.contains(bid)) return;
+  try {
+    Free(bid);
+  } catch (const FailureError&) {
+    // It has stopped the writing.
+  }
 }
 
 void BlockFile::Hold(Bid bid) {
   if (bid != kNoBid) ++holds_[bid];
 }
 
-Result<void> BlockFile::LetGo(Bid bid) {
+void BlockFile::LetGo(Bid bid) {
   const auto held = holds_.find(bid);
-  if (held == holds_.end() || --held->second > 0) return {};
+  if (held == holds_.end() || --held->second > 0) return;
   holds_.erase(held);
-  return Discard(bid);
+  Discard(bid);
 }
 
-Result<void> BlockFile::DiscardUnreferenced() {
+void BlockFile::DiscardUnreferenced() {
   holds_.clear();
   std::vector<Bid> loose;
   table_.ForEach([&loose](Bid bid, const BlockTable::Block& block) {
     if (block.references == 0) loose.push_back(bid);
-    return true;
   });
-  for (const Bid bid : loose) {
-    if (auto freed = Free(bid); !freed) return freed;
-  }
-  return {};
+  for (const Bid bid : loose) Free(bid);
 }
 
-Result<void> BlockFile::Free(Bid root) {
+void BlockFile::Free(Bid root) {
   std::vector<Bid> unreferenced{root};
   std::vector<std::byte> content;
   while (!unreferenced.empty()) {
     const Bid bid = unreferenced.back();
     unreferenced.pop_back();
     if (IsInternal(bid)) {
-      if (auto read = Kept(Read(bid, content)); !read) return read;
+      Kept(Read(bid, content));
       ForEachReference(InternalBlock(content, generations::kUnicode), [&](Bid child) {
         if (table_.DropReference(child) == 0 && !holds_.contains(child)) unreferenced.push_back(child);
       });
@@ -144,30 +141,26 @@ Result<void> BlockFile::Free(Bid root) {
     }
     table_.Remove(bid);
   }
-  return {};
 }
 
-Result<Bref> BlockFile::WritePage(PageType type, Page& page) {
-  const Result<std::uint64_t> ib = Allocate(kPageSize, kPageSize);
-  if (!ib) return tl::unexpected(ib.error());
-  const Bref ref{NewPageBid(), *ib};
+Bref BlockFile::WritePage(PageType type, Page& page) {
+  const std::uint64_t ib = Allocate(kPageSize, kPageSize);
+  const Bref ref{NewPageBid(), ib};
   SealPage(page, type, ref);
-  const Result<std::span<std::byte>> place = Kept(window_.Place(*ib, kPageSize));
-  if (!place) return tl::unexpected(place.error());
-  std::copy(page.begin(), page.end(), place->begin());
+  std::copy(page.begin(), page.end(), Kept(window_.Place(ib, kPageSize)).begin());
   return ref;
 }
 
-Result<void> BlockFile::WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes) {
-  if (auto usable = Usable(); !usable) return usable;
-  if (auto flushed = Kept(window_.Flush()); !flushed) return flushed;
-  return Kept(file_.WriteAt(ib, bytes));
+void BlockFile::WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes) {
+  CheckUsable();
+  Kept(window_.Flush());
+  Kept(file_.WriteAt(ib, bytes));
 }
 
-Result<void> BlockFile::Flush() {
-  if (auto usable = Usable(); !usable) return usable;
-  if (auto flushed = Kept(window_.Flush()); !flushed) return flushed;
-  return Kept(file_.Flush());
+void BlockFile::Flush() {
+  CheckUsable();
+  Kept(window_.Flush());
+  Kept(file_.Flush());
 }
 
 void BlockFile::Settle(std::span<const std::uint64_t> freedPages) {
@@ -176,31 +169,32 @@ void BlockFile::Settle(std::span<const std::uint64_t> freedPages) {
   firstUncommitted_ = table_.BidNextB();
 }
 
-Result<void> BlockFile::Usable() const {
-  if (failure_) return tl::unexpected(*failure_);
-  if (full_) return tl::unexpected(*full_);
-  return {};
+void BlockFile::CheckUsable() const {
+  if (failure_) throw FailureError(*failure_);
+  if (full_) throw FailureError(*full_);
 }
 
 void BlockFile::Stop(const Failure& failure) {
   if (!failure_) failure_ = failure;
 }
 
-Result<std::uint64_t> BlockFile::Allocate(std::size_t size, std::size_t alignment) {
-  if (auto usable = Usable(); !usable) return tl::unexpected(usable.error());
+std::uint64_t BlockFile::Allocate(std::size_t size, std::size_t alignment) {
+  CheckUsable();
   const auto slots = static_cast<std::uint32_t>(size / kSlotSize);
   const std::optional<std::uint64_t> ib = map_.Allocate(slots, static_cast<std::uint32_t>(alignment / kSlotSize));
-  if (!ib) return Fail(FailureKind::kNotSupported, "store", map_.FileSize(), "the store has reached its largest size");
+  if (!ib) Raise(FailureKind::kNotSupported, "store", map_.FileSize(), "the store has reached its largest size");
   if (openAreas_ == map_.AreaCount()) return *ib;
-  if (auto opened = OpenAreas(); !opened) {
+  try {
+    OpenAreas();
+  } catch (...) {
     map_.Free(*ib, slots);
-    return tl::unexpected(opened.error());
+    throw;
   }
   return *ib;
 }
 
 // The file grows here and nowhere else, so a disk that has no room left says so before anything is lost.
-Result<void> BlockFile::KeepReserve() {
+void BlockFile::KeepReserve() {
   std::uint64_t size = map_.FileSize();
   if (!drawsOnReserve_) {
     const std::uint64_t bytes = reservedBytes_ + TreeBytes(table_.Count() + reservedBlocks_, BbtEntry::kSize);
@@ -210,27 +204,25 @@ Result<void> BlockFile::KeepReserve() {
   }
   auto reserved = file_.Reserve(size);
   if (!reserved && reserved.error().kind == FailureKind::kFull) {
-    full_ = reserved.error();
-    return reserved;
+    full_ = std::move(reserved.error());
+    throw FailureError(*full_);
   }
-  return Kept(reserved);
+  Kept(std::move(reserved));
 }
 
 // The maps of a new area say that all of it is in use, until Seal writes what is: whoever trusts them
 // although the header calls them not valid writes nowhere where the next commit will be.
-Result<void> BlockFile::OpenAreas() {
-  if (auto kept = KeepReserve(); !kept) return kept;
+void BlockFile::OpenAreas() {
+  KeepReserve();
   for (; openAreas_ < map_.AreaCount(); ++openAreas_) {
     std::uint64_t ib = AreaOffset(openAreas_);
     for (const PageType type : MapPagesOf(openAreas_)) {
-      const Result<std::span<std::byte>> place = Kept(window_.Place(ib, kPageSize));
-      if (!place) return tl::unexpected(place.error());
+      const std::span<std::byte> place = Kept(window_.Place(ib, kPageSize));
       const Page page = FullMapPage(type, ib);
-      std::copy(page.begin(), page.end(), place->begin());
+      std::copy(page.begin(), page.end(), place.begin());
       ib += kPageSize;
     }
   }
-  return {};
 }
 
 }  // namespace velmora::ndb

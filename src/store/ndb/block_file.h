@@ -10,6 +10,7 @@
 
 #include "platform/file.h"
 #include "store/format/encoding.h"
+#include "store/format/failures.h"
 #include "store/format/page.h"
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/block_source.h"
@@ -18,8 +19,8 @@
 
 namespace velmora::ndb {
 
-/// After a failing write every further write fails with the same failure. A disk that is full shows earlier, as the
-/// file is lengthened ahead of what is written: see Reserve.
+/// A failing write is raised (FailureError), and so is the same failure by every further write. A disk that is full
+/// shows earlier, as the file is lengthened ahead of what is written: see Reserve.
 class BlockFile {
  public:
   BlockFile(platform::ByteStore& file, CryptMethod cryptMethod);
@@ -30,11 +31,11 @@ class BlockFile {
   BlockFile& operator=(const BlockFile&) = delete;
 
   /// Makes the file that of an empty store, but for the header.
-  [[nodiscard]] Result<void> Start();
+  void Start();
 
   /// From now on the disk has, whatever else is written, room for `bytes` more of so many `blocks` and of pages, and
   /// for the tree of all blocks with them. kFull when it has not: every change fails with that, until DrawOnReserve.
-  [[nodiscard]] Result<void> Reserve(std::uint64_t bytes, std::size_t blocks);
+  void Reserve(std::uint64_t bytes, std::size_t blocks);
 
   /// What is written from now on may use up the reserve, until Reserve is called again. On a disk that turned out to
   /// be full writing goes on; one that failed to write stays unusable.
@@ -44,41 +45,42 @@ class BlockFile {
   void Trim();
 
   /// Writes a data block, encoded, that nothing refers to yet.
-  [[nodiscard]] Result<Bid> WriteData(std::span<const std::byte> data);
+  [[nodiscard]] Bid WriteData(std::span<const std::byte> data);
 
   /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
-  [[nodiscard]] Result<Bid> WriteInternal(std::span<const std::byte> content);
+  [[nodiscard]] Bid WriteInternal(std::span<const std::byte> content);
 
   /// Replaces `out` by the content of a block.
   [[nodiscard]] Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
 
   /// Counts one reference to each block, or to none when it fails. 0 names no block.
-  [[nodiscard]] Result<void> Refer(std::span<const Bid> bids);
+  void Refer(std::span<const Bid> bids);
 
   /// Takes one reference to a block back; one without any is freed and releases what it refers to.
-  [[nodiscard]] Result<void> Release(Bid bid);
+  void Release(Bid bid);
 
-  /// Frees a block that nothing refers to, and what only it refers to.
-  [[nodiscard]] Result<void> Discard(Bid bid);
+  /// Frees a block that nothing refers to, and what only it refers to, unless writing has stopped. Raises nothing: a
+  /// failure stops the writing, so the next change tells of it.
+  void Discard(Bid bid);
 
   /// Keeps a block, though nothing refers to it, until it was let go as often as it was held. 0 names none.
   void Hold(Bid bid);
-  [[nodiscard]] Result<void> LetGo(Bid bid);
+  void LetGo(Bid bid);
 
   /// Discards every block that nothing refers to, held or not.
-  [[nodiscard]] Result<void> DiscardUnreferenced();
+  void DiscardUnreferenced();
 
   /// Gives a new page its place and id and writes it.
-  [[nodiscard]] Result<Bref> WritePage(PageType type, Page& page);
+  [[nodiscard]] Bref WritePage(PageType type, Page& page);
 
   /// Frees a page that no commit refers to.
   void FreePage(std::uint64_t ib) { map_.Free(ib, kPageSize / kSlotSize); }
 
   /// Writes bytes at a fixed place: header and maps.
-  [[nodiscard]] Result<void> WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
+  void WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes);
 
   /// Hands what was written to the disk.
-  [[nodiscard]] Result<void> Flush();
+  void Flush();
 
   /// Everything written so far, but the pages at `freedPages`, belongs to the commit at hand: places freed
   /// since the last one may be taken again once this one is on disk.
@@ -91,24 +93,25 @@ class BlockFile {
   Bid NewPageBid() { return Bid{bidNextP_++}; }
   Bid BidNextP() const { return Bid{bidNextP_}; }
 
-  /// The failure that stopped the writing, if one has.
-  [[nodiscard]] Result<void> Usable() const;
+  /// CheckUsable raises the failure that stopped the writing, if one has.
+  bool IsUsable() const { return !failure_ && !full_; }
+  void CheckUsable() const;
 
   /// Makes every further write fail with `failure`.
   void Stop(const Failure& failure);
 
  private:
-  [[nodiscard]] Result<Bid> Write(bool internal, std::span<const std::byte> data);
-  [[nodiscard]] Result<std::uint64_t> Allocate(std::size_t size, std::size_t alignment);
-  [[nodiscard]] Result<void> KeepReserve();
-  [[nodiscard]] Result<void> OpenAreas();
-  [[nodiscard]] Result<void> Free(Bid bid);
+  [[nodiscard]] Bid Write(bool internal, std::span<const std::byte> data);
+  [[nodiscard]] std::uint64_t Allocate(std::size_t size, std::size_t alignment);
+  void KeepReserve();
+  void OpenAreas();
+  void Free(Bid bid);
 
-  /// Remembers the failure of a result, if it is one.
+  /// What a result holds; a failure stops the writing.
   template <class T>
-  [[nodiscard]] Result<T> Kept(Result<T> result) {
+  T Kept(Result<T> result) {
     if (!result) Stop(result.error());
-    return result;
+    return ValueOrRaise(std::move(result));
   }
 
   platform::ByteStore& file_;

@@ -43,12 +43,12 @@ class BlockTable {
   std::size_t Count() const { return count_; }
   Bid BidNextB() const { return Bid{NumberOf(entries_.size())}; }
 
-  /// Calls `visit(bid, block)` for each block by ascending id, as long as it returns true.
+  /// Calls `visit(bid, block)` for each block by ascending id.
   template <class Visit>
   void ForEach(Visit visit) const {
     for (std::size_t i = 1; i < entries_.size(); ++i) {
       const Entry& entry = entries_[i];
-      if (entry.slot != 0 && !visit(BidOf(i), BlockOf(entry))) return;
+      if (entry.slot != 0) visit(BidOf(i), BlockOf(entry));
     }
   }
 

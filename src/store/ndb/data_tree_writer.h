@@ -20,8 +20,8 @@ class DataTreeWriter {
   DataTreeWriter(const DataTreeWriter&) = delete;
   DataTreeWriter& operator=(const DataTreeWriter&) = delete;
 
-  /// Fails with kNotSupported when the tree would grow beyond NdbWriter::kMaxTreeSize; the tree is unchanged then.
-  [[nodiscard]] Result<void> Append(std::span<const std::byte> bytes);
+  /// Raises kNotSupported when the tree would grow beyond NdbWriter::kMaxTreeSize; the tree is unchanged then.
+  void Append(std::span<const std::byte> bytes);
 
   /// Bytes appended so far.
   std::uint64_t Size() const { return size_; }
@@ -31,13 +31,13 @@ class DataTreeWriter {
 
   /// Writes the rest and the blocks above. Nothing refers to the tree yet: it must be handed to a node, a
   /// sub-node tree or NdbWriter::Discard. The writer is empty again afterwards and can take the next tree.
-  [[nodiscard]] Result<DataTree> Finish();
+  [[nodiscard]] DataTree Finish();
 
   /// Forgets what was appended and frees its blocks.
   void Clear();
 
  private:
-  [[nodiscard]] Result<void> WriteBlock(std::span<const std::byte> bytes);
+  void WriteBlock(std::span<const std::byte> bytes);
 
   NdbWriter& ndb_;
   BlockBuffer buffer_;

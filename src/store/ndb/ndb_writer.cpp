@@ -30,12 +30,11 @@ std::array<std::uint32_t, kNidTypeCount> FirstCounters() {
 NdbWriter::NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod)
     : blocks_(file, cryptMethod), rgnid_(FirstCounters()) {}
 
-Result<std::unique_ptr<NdbWriter>> NdbWriter::Create(platform::ByteStore& file, CryptMethod cryptMethod) {
+std::unique_ptr<NdbWriter> NdbWriter::Create(platform::ByteStore& file, CryptMethod cryptMethod) {
   std::unique_ptr<NdbWriter> ndb(new NdbWriter(file, cryptMethod));
-  if (auto started = ndb->blocks_.Start(); !started) return tl::unexpected(started.error());
-  const Page dList = DListPage(ndb->blocks_.Map(), ndb->blocks_.NewPageBid());
-  if (auto written = ndb->blocks_.WriteFixed(kDListOffset, dList); !written) return tl::unexpected(written.error());
-  if (auto committed = ndb->Commit(); !committed) return tl::unexpected(committed.error());
+  ndb->blocks_.Start();
+  ndb->blocks_.WriteFixed(kDListOffset, DListPage(ndb->blocks_.Map(), ndb->blocks_.NewPageBid()));
+  ndb->Commit();
   return ndb;
 }
 
@@ -59,38 +58,37 @@ void NdbWriter::NoteNid(Nid nid) {
   }
 }
 
-Result<void> NdbWriter::SetNode(Nid nid, const NodeTrees& trees, Nid nidParent) {
-  if (auto usable = blocks_.Usable(); !usable) return usable;
-  if (nid == kNoNid) return Fail(FailureKind::kNotSupported, "node", 0, "node ids are used up");
+void NdbWriter::SetNode(Nid nid, const NodeTrees& trees, Nid nidParent) {
+  blocks_.CheckUsable();
+  if (nid == kNoNid) Raise(FailureKind::kNotSupported, "node", 0, "node ids are used up");
   if (trees.bidSub != kNoBid && !IsInternal(trees.bidSub)) {
-    return Corrupt(Named("node", nid), Value(trees.bidSub), "the sub-node tree is a data block");
+    RaiseCorrupt(Named("node", nid), Value(trees.bidSub), "the sub-node tree is a data block");
   }
-  if (auto referred = blocks_.Refer(std::array{trees.bidData, trees.bidSub}); !referred) return referred;
+  blocks_.Refer(std::array{trees.bidData, trees.bidSub});
   const NodeTrees old = nodes_.Find(nid).value_or(NodeEntry{}).trees;
   nodes_.Set({nid, trees, nidParent});
   NoteNid(nid);
   changed_ = true;
-  return Release(old);
+  Release(old);
 }
 
-Result<void> NdbWriter::RemoveNode(Nid nid) {
-  if (auto usable = blocks_.Usable(); !usable) return usable;
+void NdbWriter::RemoveNode(Nid nid) {
+  blocks_.CheckUsable();
   const std::optional<NodeEntry> node = nodes_.Find(nid);
-  if (!node) return {};
+  if (!node) return;
   nodes_.Remove(nid);
   changed_ = true;
-  return Release(node->trees);
+  Release(node->trees);
 }
 
-Result<void> NdbWriter::Release(const NodeTrees& trees) {
-  if (auto released = blocks_.Release(trees.bidData); !released) return released;
-  return blocks_.Release(trees.bidSub);
+void NdbWriter::Release(const NodeTrees& trees) {
+  blocks_.Release(trees.bidData);
+  blocks_.Release(trees.bidSub);
 }
 
-Result<void> NdbWriter::Discard(const NodeTrees& trees) {
-  if (auto usable = blocks_.Usable(); !usable) return usable;
-  if (auto freed = blocks_.Discard(trees.bidData); !freed) return freed;
-  return blocks_.Discard(trees.bidSub);
+void NdbWriter::Discard(const NodeTrees& trees) {
+  blocks_.Discard(trees.bidData);
+  blocks_.Discard(trees.bidSub);
 }
 
 void NdbWriter::Hold(const NodeTrees& trees) {
@@ -99,38 +97,32 @@ void NdbWriter::Hold(const NodeTrees& trees) {
 }
 
 void NdbWriter::LetGo(const NodeTrees& trees) {
-  if (!blocks_.Usable()) return;
-  // A failure to free stops the writing, so the next change tells of it.
-  (void)blocks_.LetGo(trees.bidData);
-  (void)blocks_.LetGo(trees.bidSub);
+  if (!blocks_.IsUsable()) return;
+  blocks_.LetGo(trees.bidData);
+  blocks_.LetGo(trees.bidSub);
 }
 
-Result<DataTree> NdbWriter::WriteData(std::span<const std::byte> bytes) {
+DataTree NdbWriter::WriteData(std::span<const std::byte> bytes) {
   if (bytes.size() > kMaxTreeSize) {
-    return Fail(FailureKind::kNotSupported, "data tree", bytes.size(), "a value cannot be larger than 4 GiB");
+    Raise(FailureKind::kNotSupported, "data tree", bytes.size(), "a value cannot be larger than 4 GiB");
   }
   std::vector<Bid> bids;
-  Result<DataTree> tree;
-  for (std::size_t at = 0; tree && at < bytes.size(); at += kMaxBlockData) {
-    const Result<Bid> bid = WriteDataBlock(bytes.subspan(at, std::min(bytes.size() - at, kMaxBlockData)));
-    if (bid) {
-      bids.push_back(*bid);
-    } else {
-      tree = tl::unexpected(bid.error());
+  try {
+    for (std::size_t at = 0; at < bytes.size(); at += kMaxBlockData) {
+      bids.push_back(WriteDataBlock(bytes.subspan(at, std::min(bytes.size() - at, kMaxBlockData))));
     }
+    return WriteTreeOver(bids, bytes.size());
+  } catch (...) {
+    for (const Bid bid : bids) Discard({bid});
+    throw;
   }
-  if (tree) tree = WriteTreeOver(bids, bytes.size());
-  if (!tree) {
-    for (const Bid bid : bids) static_cast<void>(Discard({bid}));
-  }
-  return tree;
 }
 
-Result<Bid> NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }
+Bid NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }
 
-Result<Bid> NdbWriter::WriteInternalBlock(std::span<const std::byte> content) { return blocks_.WriteInternal(content); }
+Bid NdbWriter::WriteInternalBlock(std::span<const std::byte> content) { return blocks_.WriteInternal(content); }
 
-Result<DataTree> NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size) {
+DataTree NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size) {
   if (dataBids.empty()) return DataTree{};
   if (dataBids.size() == 1) return DataTree{dataBids[0], size};
   const BlockBuffer buffer = TakeBuffer();
@@ -147,16 +139,12 @@ Result<DataTree> NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::ui
   for (std::uint64_t left = size; !dataBids.empty();) {
     const std::size_t count = std::min(dataBids.size(), kMaxXEntries);
     const std::uint64_t below = std::min<std::uint64_t>(left, count * kMaxBlockData);
-    const Result<Bid> xblock = write(dataBids.first(count), 1, below);
-    if (!xblock) return tl::unexpected(xblock.error());
-    xblocks.push_back(*xblock);
+    xblocks.push_back(write(dataBids.first(count), 1, below));
     dataBids = dataBids.subspan(count);
     left -= below;
   }
   if (xblocks.size() == 1) return DataTree{xblocks[0], size};
-  const Result<Bid> root = write(xblocks, 2, size);
-  if (!root) return tl::unexpected(root.error());
-  return DataTree{*root, size};
+  return DataTree{write(xblocks, 2, size), size};
 }
 
 std::uint32_t NdbWriter::NewRowVersion() { return dwUnique_++; }
@@ -165,68 +153,67 @@ Result<void> NdbWriter::ReadBlock(Bid bid, std::vector<std::byte>& out) const { 
 
 std::optional<NodeEntry> NdbWriter::FindNode(Nid nid) const { return nodes_.Find(nid); }
 
-Result<void> NdbWriter::Reserve(std::uint64_t bytes, std::size_t nodes) {
+void NdbWriter::Reserve(std::uint64_t bytes, std::size_t nodes) {
   // The object or table of a node has a data tree and a sub-node tree.
   const std::size_t blocks = 2 * nodes + static_cast<std::size_t>(bytes / kMaxBlockData);
-  return blocks_.Reserve(bytes + TreeBytes(nodes_.Count() + nodes, NbtEntry::kSize), blocks);
+  blocks_.Reserve(bytes + TreeBytes(nodes_.Count() + nodes, NbtEntry::kSize), blocks);
 }
 
 void NdbWriter::DrawOnReserve() { blocks_.DrawOnReserve(); }
 
-Result<void> NdbWriter::Commit() {
-  if (auto usable = blocks_.Usable(); !usable) return usable;
-  if (!changed_) return {};
-  return Publish(AMapValid::kInvalid);
+void NdbWriter::Commit() {
+  blocks_.CheckUsable();
+  if (changed_) Publish(AMapValid::kInvalid);
 }
 
-Result<void> NdbWriter::Seal() {
-  if (sealed_) return {};
-  if (auto usable = blocks_.Usable(); !usable) return usable;
-  if (auto discarded = blocks_.DiscardUnreferenced(); !discarded) return discarded;
-  if (auto published = Publish(AMapValid::kValid2); !published) return published;
+void NdbWriter::Seal() {
+  if (sealed_) return;
+  blocks_.CheckUsable();
+  blocks_.DiscardUnreferenced();
+  Publish(AMapValid::kValid2);
   sealed_ = true;
   blocks_.Trim();
   blocks_.Stop({FailureKind::kDenied, "store", 0, "the store is closed"});
-  return {};
 }
 
 // Everything that the header will name is on disk before the header is.
-Result<void> NdbWriter::Publish(AMapValid mapsValid) {
+void NdbWriter::Publish(AMapValid mapsValid) {
   nodes_.Compact();
   blocks_.DrawOnReserve();
   std::vector<std::uint64_t> pages;
-  const Result<Bref> blockTree = WriteBlockTree(blocks_, pages);
-  const Result<Bref> nodeTree = blockTree ? WriteNodeTree(blocks_, nodes_, pages) : blockTree;
-  if (!nodeTree) {
+  Bref blockTree;
+  Bref nodeTree;
+  try {
+    blockTree = WriteBlockTree(blocks_, pages);
+    nodeTree = WriteNodeTree(blocks_, nodes_, pages);
+  } catch (...) {
     for (const std::uint64_t ib : pages) blocks_.FreePage(ib);
-    return tl::unexpected(nodeTree.error());
+    throw;
   }
   blocks_.Settle(treePages_);
   treePages_ = std::move(pages);
-  if (mapsValid == AMapValid::kValid2) {
-    if (auto written = WriteMaps(); !written) return written;
-  }
-  if (auto flushed = blocks_.Flush(); !flushed) return flushed;
+  if (mapsValid == AMapValid::kValid2) WriteMaps();
+  blocks_.Flush();
 
   const AllocationMap& map = blocks_.Map();
   const Root root{.ibFileEof = map.FileSize(),
                   .ibAMapLast = AreaOffset(map.AreaCount() - 1),
                   .cbAMapFree = map.FreeBytes(),
-                  .brefNbt = *nodeTree,
-                  .brefBbt = *blockTree,
+                  .brefNbt = nodeTree,
+                  .brefBbt = blockTree,
                   .fAMapValid = mapsValid};
   const Header header{blocks_.BidNextP(), blocks_.Table().BidNextB(), dwUnique_, rgnid_, root, blocks_.Method()};
-  if (auto written = blocks_.WriteFixed(0, Encode(header)); !written) return written;
+  blocks_.WriteFixed(0, Encode(header));
   changed_ = false;
-  return blocks_.Flush();
+  blocks_.Flush();
 }
 
-Result<void> NdbWriter::WriteMaps() {
+void NdbWriter::WriteMaps() {
   const AllocationMap& map = blocks_.Map();
   for (std::uint32_t area = 0; area < map.AreaCount(); ++area) {
-    if (auto written = blocks_.WriteFixed(AreaOffset(area), AMapPage(map, area)); !written) return written;
+    blocks_.WriteFixed(AreaOffset(area), AMapPage(map, area));
   }
-  return blocks_.WriteFixed(kDListOffset, DListPage(map, blocks_.NewPageBid()));
+  blocks_.WriteFixed(kDListOffset, DListPage(map, blocks_.NewPageBid()));
 }
 
 }  // namespace velmora::ndb

@@ -12,9 +12,9 @@
 // its blocks are freed with all that they refer to. What nothing refers to when the store is sealed is
 // freed then.
 //
-// After a failing write every further change fails with the same failure; reading still works. A disk that is
-// full need not come to that: the file is lengthened ahead of what is written, by room for the next commit
-// (Reserve). One thread at a time.
+// A change that fails raises a FailureError. After a failing write every further change raises the same failure;
+// reading still works. A disk that is full need not come to that: the file is lengthened ahead of what is written,
+// by room for the next commit (Reserve). One thread at a time.
 #pragma once
 
 #include <array>
@@ -36,8 +36,8 @@ class NdbWriter : public BlockSource {
  public:
   /// Makes an empty store of nothing but a header, maps and empty trees in `file`, which should be empty
   /// and must outlive the writer, and commits it.
-  [[nodiscard]] static Result<std::unique_ptr<NdbWriter>> Create(platform::ByteStore& file,
-                                                                 CryptMethod cryptMethod = CryptMethod::kPermute);
+  [[nodiscard]] static std::unique_ptr<NdbWriter> Create(platform::ByteStore& file,
+                                                         CryptMethod cryptMethod = CryptMethod::kPermute);
 
   // -- nodes
 
@@ -49,13 +49,14 @@ class NdbWriter : public BlockSource {
   /// Adds a node, or gives an existing one other trees (its old ones are released) and parent. `trees` may
   /// be empty, or shared with other nodes. kNotSupported for nid 0, and when a block would be referred to
   /// more than 65534 times.
-  [[nodiscard]] Result<void> SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
+  void SetNode(Nid nid, const NodeTrees& trees, Nid nidParent = kNoNid);
 
   /// Removes a node and releases its trees; a node that is not there is no failure.
-  [[nodiscard]] Result<void> RemoveNode(Nid nid);
+  void RemoveNode(Nid nid);
 
-  /// Frees a written tree that nothing refers to; one that is referred to stays as it is.
-  [[nodiscard]] Result<void> Discard(const NodeTrees& trees);
+  /// Frees a written tree that nothing refers to; one that is referred to stays as it is. Raises nothing: where
+  /// freeing fails, the next change tells of it.
+  void Discard(const NodeTrees& trees);
 
   /// Keeps a tree, though nothing may refer to it, until it is let go as often as it was held; it is freed
   /// then if nothing refers to it. What is held when the store is sealed is not kept.
@@ -68,7 +69,7 @@ class NdbWriter : public BlockSource {
   static constexpr std::uint64_t kMaxTreeSize = 0xFFFFFFFF;
 
   /// Writes a value of any size up to kMaxTreeSize in one step; no bytes give an empty tree.
-  [[nodiscard]] Result<DataTree> WriteData(std::span<const std::byte> bytes);
+  [[nodiscard]] DataTree WriteData(std::span<const std::byte> bytes);
 
   /// A number for the version cell of a table row; distinct over the whole store, never 0.
   std::uint32_t NewRowVersion();
@@ -83,7 +84,7 @@ class NdbWriter : public BlockSource {
   /// From now on, whatever else is written, the disk has room for a commit of all of it, for `bytes` of blocks that
   /// will be written for it, and for so many `nodes` more. kFull when it has not: every change fails with that,
   /// until DrawOnReserve.
-  [[nodiscard]] Result<void> Reserve(std::uint64_t bytes, std::size_t nodes);
+  void Reserve(std::uint64_t bytes, std::size_t nodes);
 
   /// What is written from now on may use up the reserve, until Reserve is called again: to be called ahead of what
   /// was reserved for. On a disk that turned out to be full changes are possible again then; after a failing write
@@ -91,11 +92,11 @@ class NdbWriter : public BlockSource {
   void DrawOnReserve();
 
   /// Makes all nodes set so far permanent. Costs a rewrite of both trees (24 bytes a block, 32 a node).
-  [[nodiscard]] Result<void> Commit();
+  void Commit();
 
   /// Commits, with exact allocation maps, and closes the store: every further change fails with kDenied.
   /// Sealing a sealed store does nothing.
-  [[nodiscard]] Result<void> Seal();
+  void Seal();
 
   /// Length of the file in bytes.
   std::uint64_t FileSize() const { return blocks_.Map().FileSize(); }
@@ -108,25 +109,25 @@ class NdbWriter : public BlockSource {
   // -- for the writers of trees and heaps
 
   /// Writes a data block of 1 to kMaxBlockData bytes that nothing refers to yet.
-  [[nodiscard]] Result<Bid> WriteDataBlock(std::span<const std::byte> bytes);
+  [[nodiscard]] Bid WriteDataBlock(std::span<const std::byte> bytes);
 
   /// Puts an XBLOCK, or XBLOCKs and a XXBLOCK, over data blocks of `size` bytes in all. One block stands for
   /// itself, none for an empty tree.
-  [[nodiscard]] Result<DataTree> WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
+  [[nodiscard]] DataTree WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
 
   BlockBuffer TakeBuffer() { return buffers_.Take(); }
 
   /// Writes an internal block that nothing refers to yet and refers to all that it names.
-  [[nodiscard]] Result<Bid> WriteInternalBlock(std::span<const std::byte> content);
+  [[nodiscard]] Bid WriteInternalBlock(std::span<const std::byte> content);
 
   /// Sees to it that no id handed out later is this one.
   void NoteNid(Nid nid);
 
  private:
   NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod);
-  [[nodiscard]] Result<void> Release(const NodeTrees& trees);
-  [[nodiscard]] Result<void> Publish(AMapValid mapsValid);
-  [[nodiscard]] Result<void> WriteMaps();
+  void Release(const NodeTrees& trees);
+  void Publish(AMapValid mapsValid);
+  void WriteMaps();
 
   BlockBufferPool buffers_;
   BlockFile blocks_;

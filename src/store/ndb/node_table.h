@@ -26,12 +26,12 @@ class NodeTable {
   /// Forgets the places of removed nodes.
   void Compact();
 
-  /// Calls `visit(node)` for each node by ascending id, as long as it returns true.
+  /// Calls `visit(node)` for each node by ascending id.
   template <class Visit>
   void ForEach(Visit visit) const {
     std::array<std::size_t, kNidTypeCount> at{};
     while (const Entry* next = NextOf(at)) {
-      if (next->data != kRemoved && !visit(NodeOf(*next))) return;
+      if (next->data != kRemoved) visit(NodeOf(*next));
     }
   }
 

@@ -10,18 +10,16 @@
 namespace velmora::ndb {
 namespace {
 
-Result<void> CheckEntries(std::span<const SubnodeEntry> entries) {
+void CheckEntries(std::span<const SubnodeEntry> entries) {
   if (entries.size() > SubnodeTreeWriter::kMaxEntries) {
-    return Fail(FailureKind::kNotSupported, "sub-node tree", entries.size(), "a node has too many sub-nodes");
+    Raise(FailureKind::kNotSupported, "sub-node tree", entries.size(), "a node has too many sub-nodes");
   }
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const Nid nid = entries[i].nid;
     if (i > 0 && entries[i - 1].nid == nid)
-      return Corrupt(Named("sub-node", nid), Value(nid), "two sub-nodes share an id");
-    if (entries[i].trees.bidData == kNoBid)
-      return Corrupt(Named("sub-node", nid), Value(nid), "a sub-node has no data");
+      RaiseCorrupt(Named("sub-node", nid), Value(nid), "two sub-nodes share an id");
+    if (entries[i].trees.bidData == kNoBid) RaiseCorrupt(Named("sub-node", nid), Value(nid), "a sub-node has no data");
   }
-  return {};
 }
 
 }  // namespace
@@ -36,11 +34,11 @@ void SubnodeTreeWriter::Clear() {
   dataSize_ = 0;
 }
 
-Result<SubnodeTree> SubnodeTreeWriter::Finish() {
+SubnodeTree SubnodeTreeWriter::Finish() {
   std::vector<SubnodeEntry> entries = std::exchange(entries_, {});
   SubnodeTree tree{kNoBid, std::exchange(dataSize_, 0)};
   std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.nid < b.nid; });
-  if (auto sound = CheckEntries(entries); !sound) return tl::unexpected(sound.error());
+  CheckEntries(entries);
   for (const SubnodeEntry& entry : entries) ndb_.NoteNid(entry.nid);
 
   const BlockBuffer buffer = ndb_.TakeBuffer();
@@ -62,9 +60,7 @@ Result<SubnodeTree> SubnodeTreeWriter::Finish() {
       Store(*buffer, at + 8, entry.trees.bidData);
       Store(*buffer, at + 16, entry.trees.bidSub);
     }
-    const Result<Bid> leaf = write(0, kSlEntrySize, count);
-    if (!leaf) return tl::unexpected(leaf.error());
-    leaves.push_back({entries[first].nid, *leaf});
+    leaves.push_back({entries[first].nid, write(0, kSlEntrySize, count)});
   }
   if (leaves.size() == 1) tree.bid = leaves[0].bid;
   if (leaves.size() > 1) {
@@ -73,9 +69,7 @@ Result<SubnodeTree> SubnodeTreeWriter::Finish() {
       Store<std::uint64_t>(*buffer, at, Value(leaves[i].firstNid));
       Store(*buffer, at + 8, leaves[i].bid);
     }
-    const Result<Bid> root = write(1, kSiEntrySize, leaves.size());
-    if (!root) return tl::unexpected(root.error());
-    tree.bid = *root;
+    tree.bid = write(1, kSiEntrySize, leaves.size());
   }
   return tree;
 }

@@ -38,7 +38,7 @@ class SubnodeTreeWriter {
 
   /// Writes the blocks and refers to the trees of all entries. kCorrupt when two entries share an id,
   /// kNotSupported above kMaxEntries. The writer is empty again afterwards.
-  [[nodiscard]] Result<SubnodeTree> Finish();
+  [[nodiscard]] SubnodeTree Finish();
 
   /// Forgets what was added.
   void Clear();

@@ -19,10 +19,10 @@ class TreePagesWriter {
       : file_(file), type_(type), leafEntrySize_(leafEntrySize), offsets_(offsets) {}
 
   /// Adds a leaf entry; keys ascend.
-  [[nodiscard]] Result<void> Add(std::uint64_t key, std::span<const std::byte> entry) { return AddTo(0, key, entry); }
+  void Add(std::uint64_t key, std::span<const std::byte> entry) { AddTo(0, key, entry); }
 
   /// Gives the root. A tree of no entries is one empty leaf.
-  [[nodiscard]] Result<Bref> Finish();
+  [[nodiscard]] Bref Finish();
 
  private:
   struct Level {
@@ -33,9 +33,9 @@ class TreePagesWriter {
   };
 
   std::size_t EntrySize(std::size_t level) const { return level == 0 ? leafEntrySize_ : BtEntry::kSize; }
-  [[nodiscard]] Result<void> AddTo(std::size_t level, std::uint64_t key, std::span<const std::byte> entry);
-  [[nodiscard]] Result<Bref> WriteLevel(std::size_t level);
-  [[nodiscard]] Result<void> MoveUp(std::size_t level);
+  void AddTo(std::size_t level, std::uint64_t key, std::span<const std::byte> entry);
+  [[nodiscard]] Bref WriteLevel(std::size_t level);
+  void MoveUp(std::size_t level);
 
   BlockFile& file_;
   PageType type_;
@@ -45,7 +45,7 @@ class TreePagesWriter {
 };
 
 /// Both give the root and add the offsets of all pages to `offsets`, those of a tree that fails on the way too.
-[[nodiscard]] Result<Bref> WriteBlockTree(BlockFile& file, std::vector<std::uint64_t>& offsets);
-[[nodiscard]] Result<Bref> WriteNodeTree(BlockFile& file, const NodeTable& nodes, std::vector<std::uint64_t>& offsets);
+[[nodiscard]] Bref WriteBlockTree(BlockFile& file, std::vector<std::uint64_t>& offsets);
+[[nodiscard]] Bref WriteNodeTree(BlockFile& file, const NodeTable& nodes, std::vector<std::uint64_t>& offsets);
 
 }  // namespace velmora::ndb

@@ -17,16 +17,16 @@ class Bths : public testing::Test {
     EXPECT_EQ(writer.Add(std::array<std::byte, 8>{}), 0x20u);
     HeapPosition foreseen = writer.Position();
     AdvanceOverBth(foreseen, kRowIndexLayout, count);
-    EXPECT_TRUE(WriteBth(writer, 0x20, kRowIndexLayout, count, [](std::size_t i, std::span<std::byte> out) {
+    WriteBth(writer, 0x20, kRowIndexLayout, count, [](std::size_t i, std::span<std::byte> out) {
       Store<std::uint32_t>(out, 0, static_cast<std::uint32_t>(i * 3));
       Store<std::uint32_t>(out, 4, static_cast<std::uint32_t>(i));
-    }));
+    });
     EXPECT_EQ(foreseen.HeapSize(), writer.Position().HeapSize());
-    return Heap::Open(*ndb_, writer.Finish(0x20)->bid, ClientSig::kTableContext).value();
+    return Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
   }
 
   platform::MemoryFile file_;
-  std::unique_ptr<ndb::NdbWriter> ndb_ = ndb::NdbWriter::Create(file_).value();
+  std::unique_ptr<ndb::NdbWriter> ndb_ = ndb::NdbWriter::Create(file_);
 };
 
 TEST_F(Bths, GrowALevelWhereAnItemDoesNotHoldTheirRecords) {
@@ -70,13 +70,13 @@ TEST_F(Bths, OfAnotherLayoutAreRefused) {
 TEST_F(Bths, ThatReferToThemselvesEnd) {
   HeapWriter writer(*ndb_, ClientSig::kTableContext);
   std::vector<std::byte> header = test::Bytes({0xB5, 4, 4, 8, 0x40, 0, 0, 0});
-  writer.Add(header).value();
+  writer.Add(header);
   std::vector<std::byte> index;  // 400 records that all lead to this same item
   for (int i = 0; i < 400; ++i) {
     for (const int byte : {i & 0xFF, i >> 8, 0, 0, 0x40, 0, 0, 0}) index.push_back(static_cast<std::byte>(byte));
   }
-  writer.Add(index).value();
-  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20)->bid, ClientSig::kTableContext).value();
+  writer.Add(index);
+  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
   EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
 }
 
@@ -88,8 +88,8 @@ TEST_F(Bths, OfMoreRecordsThanTheyMayHaveAreRefused) {
 
 TEST_F(Bths, OfTooManyLevelsAreRefused) {
   HeapWriter writer(*ndb_, ClientSig::kTableContext);
-  writer.Add(test::Bytes({0xB5, 4, 4, 9, 0x20, 0, 0, 0})).value();
-  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20)->bid, ClientSig::kTableContext).value();
+  writer.Add(test::Bytes({0xB5, 4, 4, 9, 0x20, 0, 0, 0}));
+  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
   EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
 }
 

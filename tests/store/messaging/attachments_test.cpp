@@ -58,10 +58,10 @@ TEST_F(AttachmentsTest, KeepTheirBytesWhateverTheirSize) {
 TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne) {
   constexpr std::int32_t kLargest = 0x7FFFFFFF;
   platform::MemoryFile file;
-  const auto ndb = ndb::NdbWriter::Create(file).value();
+  const auto ndb = ndb::NdbWriter::Create(file);
   // What counts is the size that a tree is said to have; these bytes are few.
   const auto large = [&](std::uint64_t size) {
-    const ndb::WrittenNode value{{ndb->WriteData(std::vector<std::byte>(2000)).value().bid, {}}, size};
+    const ndb::WrittenNode value{{ndb->WriteData(std::vector<std::byte>(2000)).bid, {}}, size};
     PropertyBag attachment;
     attachment.PutStored(tag::kAttachDataBinary, std::make_shared<StoredValue>(*ndb, value));
     return attachment;
@@ -81,7 +81,7 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
                             std::vector<std::uint64_t>{0xFFFFFFF0, 0x80000000}}) {
     Message message;
     for (const std::uint64_t size : sizes) message.attachments.push_back(large(size));
-    const WrittenMessage inner = messages.Write(std::move(message)).value();
+    const WrittenMessage inner = messages.Write(std::move(message));
     EXPECT_GT(inner.node.dataSize, sizes.front());
     EXPECT_EQ(RowOf(schema::kContents, inner.properties).Integer32(tag::kMessageSize), kLargest);
     sizesOf(inner);
@@ -89,7 +89,7 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
     Message outer;
     outer.attachments.emplace_back().PutStored(
         tag::kAttachDataObject, std::make_shared<StoredValue>(*ndb, inner.node, ndb->NewNid(NidType::kNormalMessage)));
-    auto embedded = sizesOf(messages.Write(std::move(outer)).value());
+    auto embedded = sizesOf(messages.Write(std::move(outer)));
     EXPECT_EQ(embedded.ReadObject(tag::kAttachDataObject)->size, static_cast<std::uint32_t>(kLargest));
   }
 }

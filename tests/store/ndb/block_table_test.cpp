@@ -56,10 +56,7 @@ TEST(BlockTable, ListsBlocksByAscendingId) {
   table.Append(false, 0x4880, 1);
   table.Remove(Bid{4});
   std::vector<Bid> bids;
-  table.ForEach([&](Bid bid, const BlockTable::Block&) {
-    bids.push_back(bid);
-    return true;
-  });
+  table.ForEach([&](Bid bid, const BlockTable::Block&) { bids.push_back(bid); });
   EXPECT_EQ(bids, (std::vector{Bid{10}, Bid{12}}));
 }
 

@@ -10,6 +10,7 @@
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/ndb_writer.h"
 #include "store/ndb/store_reader.h"
+#include "store/support/failures.h"
 #include "store/support/pst_check.h"
 #include "store/support/test_files.h"
 
@@ -47,28 +48,31 @@ Nodes NodesOfFile(const std::vector<std::byte>& bytes) {
   return NodesOf(**store, (*store)->Nodes());
 }
 
-/// Sets, replaces and removes nodes by chance, and commits now and then. `committed` is called after each
-/// commit with all nodes.
+/// Sets, replaces and removes nodes by chance, and commits now and then, until something fails. `committed` is called
+/// after each commit with all nodes.
 void ChangeByChance(NdbWriter& ndb, std::uint32_t seed, int steps, const std::function<void(const Nodes&)>& committed) {
   test::Random random(seed);
   Nodes nodes;
-  for (int step = 0; step < steps; ++step) {
+  const auto change = [&](int step) {
     const Nid nid = MakeNid(NidType::kInternal, 1 + random() % 40);
     if (random() % 4 == 0) {
-      if (!ndb.RemoveNode(nid)) return;
+      ndb.RemoveNode(nid);
       nodes.erase(nid);
     } else {
       const std::vector<std::byte> bytes = test::Noise(1 + random() % (step % 5 == 0 ? 40000 : 3000), random());
-      const Result<DataTree> tree = ndb.WriteData(bytes);
-      if (!tree || !ndb.SetNode(nid, {tree->bid})) return;
+      ndb.SetNode(nid, {ndb.WriteData(bytes).bid});
       nodes[nid] = bytes;
     }
     if (random() % 12 == 0) {
-      if (!ndb.Commit()) return;
+      ndb.Commit();
       committed(nodes);
     }
-  }
-  if (ndb.Seal()) committed(nodes);
+  };
+  test::FailureOf([&] {
+    for (int step = 0; step < steps; ++step) change(step);
+    ndb.Seal();
+    committed(nodes);
+  });
 }
 
 TEST(Commit, IsWhatTheFileHoldsWheneverTheProcessEnds) {
@@ -80,7 +84,7 @@ TEST(Commit, IsWhatTheFileHoldsWheneverTheProcessEnds) {
   test::WatchedFile file([&](const std::vector<std::byte>& bytes) {
     if (exists) sinceCommit.push_back(bytes);
   });
-  const auto ndb = NdbWriter::Create(file).value();
+  const auto ndb = NdbWriter::Create(file);
   exists = true;
   ChangeByChance(*ndb, 3, 150, [&](const Nodes& nodes) {
     for (const auto& bytes : sinceCommit) {
@@ -97,21 +101,21 @@ TEST(Commit, IsWhatTheFileHoldsWheneverTheProcessEnds) {
 
 TEST(Commit, SurvivesADiskThatIsFullAtAnyByte) {
   platform::MemoryFile whole;
-  ChangeByChance(*NdbWriter::Create(whole).value(), 5, 60, [](const Nodes&) {});
+  ChangeByChance(*NdbWriter::Create(whole), 5, 60, [](const Nodes&) {});
   const std::uint64_t created = 0x4400 + 4 * 512;
   int failures = 0;
   for (std::uint64_t limit = created + 10000; limit < 3 * whole.Size(); limit += 2003) {
     test::FailingFile file(limit);
-    auto ndb = NdbWriter::Create(file);
-    ASSERT_TRUE(ndb);
+    const auto ndb = NdbWriter::Create(file);
     Nodes committed;
-    ChangeByChance(**ndb, 5, 60, [&](const Nodes& nodes) { committed = nodes; });
+    ChangeByChance(*ndb, 5, 60, [&](const Nodes& nodes) { committed = nodes; });
     ASSERT_EQ(NodesOfFile(file.Bytes()), committed) << limit;
     if (!file.Failed()) break;
     ++failures;
-    ASSERT_FALSE((*ndb)->WriteData(test::Noise(10))) << "a failed store stays failed";
-    ASSERT_FALSE((*ndb)->Commit());
-    ASSERT_FALSE((*ndb)->Seal());
+    ASSERT_TRUE(test::FailureOf([&] { static_cast<void>(ndb->WriteData(test::Noise(10))); }))
+        << "a failed store stays failed";
+    ASSERT_TRUE(test::FailureOf([&] { ndb->Commit(); }));
+    ASSERT_TRUE(test::FailureOf([&] { ndb->Seal(); }));
   }
   EXPECT_GT(failures, 50);
 }
@@ -119,18 +123,18 @@ TEST(Commit, SurvivesADiskThatIsFullAtAnyByte) {
 TEST(Commit, OfAFileThatCannotBeMadeFails) {
   for (const std::uint64_t limit : {0, 100, 3000}) {
     test::FailingFile file(limit);
-    EXPECT_FALSE(NdbWriter::Create(file)) << limit;
+    EXPECT_TRUE(test::FailureOf([&] { static_cast<void>(NdbWriter::Create(file)); })) << limit;
   }
 }
 
 TEST(Commit, WithoutAChangeWritesNothing) {
   int changes = 0;
   test::WatchedFile file([&](const auto&) { ++changes; });
-  const auto ndb = NdbWriter::Create(file).value();
-  ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10))->bid}));
-  ASSERT_TRUE(ndb->Commit());
+  const auto ndb = NdbWriter::Create(file);
+  ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10)).bid});
+  ndb->Commit();
   changes = 0;
-  ASSERT_TRUE(ndb->Commit());
+  ndb->Commit();
   EXPECT_EQ(changes, 0);
 }
 
@@ -150,40 +154,40 @@ class OrderedFile : public platform::MemoryFile {
 
 TEST(Commit, HandsEverythingToTheDiskBeforeTheHeaderAndThenTheHeader) {
   OrderedFile file;
-  const auto ndb = NdbWriter::Create(file).value();
+  const auto ndb = NdbWriter::Create(file);
   file.steps.clear();
-  ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10))->bid}));
-  ASSERT_TRUE(ndb->Commit());
+  ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(10)).bid});
+  ndb->Commit();
   EXPECT_THAT(file.steps, testing::MatchesRegex("w+.H.")) << "blocks and trees";
   EXPECT_EQ(std::count(file.steps.begin(), file.steps.end(), '|'), 2);
   file.steps.clear();
-  ASSERT_TRUE(ndb->Seal());
+  ndb->Seal();
   EXPECT_THAT(file.steps, testing::MatchesRegex("w+.H.")) << "trees and maps";
   EXPECT_EQ(std::count(file.steps.begin(), file.steps.end(), '|'), 2);
 }
 
 TEST(Commit, LetsAStoreThatIsRewrittenAllTheTimeStaySmall) {
   platform::MemoryFile file;
-  const auto ndb = NdbWriter::Create(file).value();
+  const auto ndb = NdbWriter::Create(file);
   for (int round = 0; round < 200; ++round) {
     const auto seed = static_cast<std::uint32_t>(round);
-    ASSERT_TRUE(ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(60000, seed))->bid}));
+    ndb->SetNode(Nid{0x21}, {ndb->WriteData(test::Noise(60000, seed)).bid});
     if (round % 3 == 0) {
-      ASSERT_TRUE(ndb->Commit());
+      ndb->Commit();
     }
   }
-  ASSERT_TRUE(ndb->Seal());
+  ndb->Seal();
   EXPECT_LE(file.Size(), AreaOffset(2)) << "60 KB of content";
   EXPECT_EQ(NodesOfFile(file.Bytes()), (Nodes{{Nid{0x21}, test::Noise(60000, 199)}}));
 }
 
 TEST(Commit, OfAKilledStoreHasItsMapsMarkedAsNotValidAndTheRestSound) {
   platform::MemoryFile file;
-  const auto ndb = NdbWriter::Create(file).value();
+  const auto ndb = NdbWriter::Create(file);
   for (std::uint32_t i = 0; i < 200; ++i) {
-    ASSERT_TRUE(ndb->SetNode(MakeNid(NidType::kInternal, i + 1), {ndb->WriteData(test::Noise(9000, i))->bid}));
+    ndb->SetNode(MakeNid(NidType::kInternal, i + 1), {ndb->WriteData(test::Noise(9000, i)).bid});
     if (i % 60 == 59) {
-      ASSERT_TRUE(ndb->Commit());
+      ndb->Commit();
     }
   }
   VELMORA_NEEDS_PST_CHECK();
@@ -195,7 +199,7 @@ TEST(Seal, FormsAStoreThatTheCheckerAcceptsAfterAnyHistory) {
   VELMORA_NEEDS_PST_CHECK();
   for (std::uint32_t seed = 1; seed < 6; ++seed) {
     platform::MemoryFile file;
-    ChangeByChance(*NdbWriter::Create(file).value(), seed, 150, [](const Nodes&) {});
+    ChangeByChance(*NdbWriter::Create(file), seed, 150, [](const Nodes&) {});
     EXPECT_EQ(test::PstCheck(file.Bytes(), test::Check::kBlocks), "") << seed;
   }
 }

@@ -8,6 +8,7 @@
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/support/failures.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ndb {
@@ -20,12 +21,10 @@ class DataTrees : public testing::Test {
   DataTree Written(std::span<const std::byte> bytes, std::size_t piece) {
     DataTreeWriter writer(*ndb_);
     for (std::size_t at = 0; at < bytes.size(); at += piece) {
-      EXPECT_TRUE(writer.Append(bytes.subspan(at, std::min(piece, bytes.size() - at))));
+      writer.Append(bytes.subspan(at, std::min(piece, bytes.size() - at)));
     }
     EXPECT_EQ(writer.Size(), bytes.size());
-    const Result<DataTree> tree = writer.Finish();
-    EXPECT_TRUE(tree);
-    return tree.value_or(DataTree{});
+    return writer.Finish();
   }
 
   std::vector<std::byte> Content(const DataTree& tree) {
@@ -42,12 +41,12 @@ class DataTrees : public testing::Test {
   }
 
   platform::MemoryFile file_;
-  std::unique_ptr<NdbWriter> ndb_ = NdbWriter::Create(file_).value();
+  std::unique_ptr<NdbWriter> ndb_ = NdbWriter::Create(file_);
 };
 
 TEST_F(DataTrees, OfNoBytesHaveNoBlock) {
   EXPECT_EQ(Written({}, 1).bid, kNoBid);
-  EXPECT_EQ(ndb_->WriteData({})->bid, kNoBid);
+  EXPECT_EQ(ndb_->WriteData({}).bid, kNoBid);
   EXPECT_EQ(ndb_->BlockCount(), 0u);
   Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, kNoBid);
   ASSERT_TRUE(reader);
@@ -62,7 +61,7 @@ TEST_F(DataTrees, OfUpToABlockAreThatBlock) {
     EXPECT_FALSE(IsInternal(tree.bid));
     EXPECT_EQ(tree.size, size);
     EXPECT_EQ(Content(tree), bytes);
-    EXPECT_EQ(Content(*ndb_->WriteData(bytes)), bytes);
+    EXPECT_EQ(Content(ndb_->WriteData(bytes)), bytes);
   }
 }
 
@@ -123,34 +122,44 @@ TEST_F(DataTrees, ShowTheirBytesWhileTheyAreOneBlock) {
   const std::vector<std::byte> bytes = test::Noise(kMaxBlockData);
   DataTreeWriter writer(*ndb_);
   EXPECT_TRUE(writer.Buffered().empty());
-  ASSERT_TRUE(writer.Append(bytes));
+  writer.Append(bytes);
   EXPECT_TRUE(std::ranges::equal(writer.Buffered(), bytes));
   EXPECT_EQ(ndb_->BlockCount(), 0u) << "a small value may still go to a heap";
-  ASSERT_TRUE(writer.Append(test::Bytes({1})));
+  writer.Append(test::Bytes({1}));
   EXPECT_TRUE(writer.Buffered().empty());
 }
 
 TEST_F(DataTrees, GivenUpLeaveNothing) {
   {
     DataTreeWriter writer(*ndb_);
-    ASSERT_TRUE(writer.Append(test::Noise(10 * kMaxBlockData)));
+    writer.Append(test::Noise(10 * kMaxBlockData));
     EXPECT_GT(ndb_->BlockCount(), 0u);
   }
   EXPECT_EQ(ndb_->BlockCount(), 0u);
   const DataTree tree = Written(test::Noise(10 * kMaxBlockData), 5000);
   EXPECT_EQ(ndb_->BlockCount(), 11u);
-  ASSERT_TRUE(ndb_->Discard({tree.bid}));
+  ndb_->Discard({tree.bid});
   EXPECT_EQ(ndb_->BlockCount(), 0u);
+}
+
+TEST_F(DataTrees, GivenUpAfterAFailingWriteRaiseItOnce) {
+  test::FailingFile file(1'000'000);
+  const auto ndb = NdbWriter::Create(file);
+  const auto append = [&] {
+    DataTreeWriter writer(*ndb);
+    for (int i = 0; i < 300; ++i) writer.Append(test::Noise(kMaxBlockData));
+  };
+  EXPECT_EQ(test::FailureOf(append), FailureKind::kFull) << "of the write, and not of freeing what it left";
+  EXPECT_EQ(test::FailureOf([&] { ndb->Commit(); }), FailureKind::kFull);
 }
 
 TEST_F(DataTrees, LargerThanTheir32BitSizeAreRefused) {
   DataTreeWriter writer(*ndb_);
   const std::vector<std::byte> bytes(1000);
-  ASSERT_TRUE(writer.Append(bytes));
+  writer.Append(bytes);
   const std::byte* anywhere = bytes.data();
-  const Result<void> appended = writer.Append(std::span(anywhere, NdbWriter::kMaxTreeSize - 999));
-  ASSERT_FALSE(appended);
-  EXPECT_EQ(appended.error().kind, FailureKind::kNotSupported);
+  EXPECT_EQ(test::FailureOf([&] { writer.Append(std::span(anywhere, NdbWriter::kMaxTreeSize - 999)); }),
+            FailureKind::kNotSupported);
   EXPECT_EQ(writer.Size(), 1000u);
   EXPECT_EQ(ndb_->BlockCount(), 0u);
 }

@@ -7,10 +7,7 @@ namespace {
 
 std::vector<std::uint32_t> List(const NodeTable& table) {
   std::vector<std::uint32_t> nids;
-  table.ForEach([&](const NodeEntry& node) {
-    nids.push_back(Value(node.nid));
-    return true;
-  });
+  table.ForEach([&](const NodeEntry& node) { nids.push_back(Value(node.nid)); });
   return nids;
 }
 

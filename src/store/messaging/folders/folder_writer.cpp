@@ -25,39 +25,25 @@ PropertyBag PropertiesOf(const Folder& folder) {
   return bag;
 }
 
-Result<ndb::WrittenNode> HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
+ndb::WrittenNode HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
-  for (const Folder* child : folder.children) {
-    if (auto added = table.AddRow(Value(child->nid), PropertiesOf(*child).Views()); !added)
-      return tl::unexpected(added.error());
-  }
+  for (const Folder* child : folder.children) table.AddRow(Value(child->nid), PropertiesOf(*child).Views());
   if (folder.nid == nid::kRootFolder) {
     Folder search;
     search.name = kSpamSearchFolderName;
     PropertyBag row = PropertiesOf(search);
     row.Remove(tag::kPstHiddenCount);
     row.Remove(tag::kPstHiddenUnread);
-    if (auto added = table.AddRow(Value(nid::kSpamSearchFolder), row.Views()); !added)
-      return tl::unexpected(added.error());
+    table.AddRow(Value(nid::kSpamSearchFolder), row.Views());
   }
   folder.childCellsLeftOut = table.CellsLeftOut();
   return table.Finish();
 }
 
-Result<ndb::WrittenNode> ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& schema, const ItemRows& items,
-                                   RowSpool& rows, std::size_t maxHeapBlocks, std::size_t& cellsLeftOut) {
+ndb::WrittenNode ItemTable(ndb::NdbWriter& ndb, const ltp::TableSchema& schema, const ItemRows& items, RowSpool& rows,
+                           std::size_t maxHeapBlocks, std::size_t& cellsLeftOut) {
   ltp::TableContextWriter table(ndb, schema, maxHeapBlocks);
-  Result<void> result;
-  items.ForEach([&](const ItemRow& item) {
-    if (!result) return;
-    const auto row = rows.Read(item.place);
-    if (!row) {
-      result = tl::unexpected(row.error());
-    } else {
-      result = table.AddRow(Value(item.nid), *row);
-    }
-  });
-  if (!result) return tl::unexpected(result.error());
+  items.ForEach([&](const ItemRow& item) { table.AddRow(Value(item.nid), rows.Read(item.place)); });
   cellsLeftOut = table.CellsLeftOut();
   return table.Finish();
 }
@@ -94,22 +80,21 @@ std::uint64_t MostBytesOf(const Folder& folder, bool Folder::*part) {
          MostBytesOf(folder.others);
 }
 
-Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
-                         Folder& folder) {
+void WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                 Folder& folder) {
   const auto tableNid = [&](NidType type) { return Sibling(folder.nid, type); };
   const Nid hiddenItems = tableNid(NidType::kAssocContentsTable);
   if (folder.hiddenItemsChanged || !ndb.FindNode(hiddenItems)) {
     const auto table =
         ItemTable(ndb, schema::kAssocContents, folder.hiddenItems, rows, maxHeapBlocks, folder.hiddenCellsLeftOut);
-    if (auto set = SetWritten(ndb, hiddenItems, table); !set) return set;
+    SetWritten(ndb, hiddenItems, table);
   }
   if (folder.childrenChanged) {
-    const auto table = HierarchyTable(ndb, maxHeapBlocks, folder);
-    if (auto set = SetWritten(ndb, tableNid(NidType::kHierarchyTable), table); !set) return set;
+    SetWritten(ndb, tableNid(NidType::kHierarchyTable), HierarchyTable(ndb, maxHeapBlocks, folder));
   }
   if (folder.itemsChanged) {
     const auto table = ItemTable(ndb, schema::kContents, folder.items, rows, maxHeapBlocks, folder.itemCellsLeftOut);
-    if (auto set = SetWritten(ndb, tableNid(NidType::kContentsTable), table); !set) return set;
+    SetWritten(ndb, tableNid(NidType::kContentsTable), table);
   }
   if (folder.propertiesChanged) {
     ltp::PropertyContextWriter node(ndb);
@@ -117,10 +102,9 @@ Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag&
     folder.others.AddTo(node);
     extra.AddTo(node);
     const Nid parent = folder.parent != nullptr ? folder.parent->nid : folder.nid;
-    if (auto set = SetWritten(ndb, folder.nid, node.Finish(), parent); !set) return set;
+    SetWritten(ndb, folder.nid, node.Finish(), parent);
   }
   folder.propertiesChanged = folder.childrenChanged = folder.itemsChanged = folder.hiddenItemsChanged = false;
-  return {};
 }
 
 }  // namespace velmora::messaging

@@ -27,7 +27,7 @@ inline constexpr std::size_t kFolderNodes = 4;
 
 /// Writes what changed of a folder, and notes that nothing is changed any more. `extra` are properties that
 /// this folder has beside its own; `maxHeapBlocks` is what a table has for its values.
-[[nodiscard]] Result<void> WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra,
-                                       std::size_t maxHeapBlocks, Folder& folder);
+void WriteFolder(ndb::NdbWriter& ndb, RowSpool& rows, const PropertyBag& extra, std::size_t maxHeapBlocks,
+                 Folder& folder);
 
 }  // namespace velmora::messaging

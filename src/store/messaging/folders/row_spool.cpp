@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "store/format/failures.h"
 #include "store/format/little_endian.h"
 
 namespace velmora::messaging {
@@ -18,7 +19,7 @@ std::uint32_t TakeNumber(std::span<const std::byte>& bytes) {
 
 }  // namespace
 
-platform::Result<std::uint64_t> RowSpool::Append(std::span<const ltp::PropertyView> cells) {
+std::uint64_t RowSpool::Append(std::span<const ltp::PropertyView> cells) {
   const std::uint64_t place = file_.Size() + pending_.size();
   std::size_t size = 0;
   for (const ltp::PropertyView& cell : cells) size += 2 * sizeof(std::uint32_t) + cell.value.size();
@@ -29,42 +30,35 @@ platform::Result<std::uint64_t> RowSpool::Append(std::span<const ltp::PropertyVi
     ::velmora::Append(pending_, cell.value);
   }
   if (pending_.size() >= kPieceSize) {
-    if (auto appended = file_.Append(pending_); !appended) return tl::unexpected(appended.error());
+    ValueOrRaise(file_.Append(pending_));
     pending_.clear();
   }
   return place;
 }
 
-platform::Result<std::span<const std::byte>> RowSpool::BytesAt(std::uint64_t place, std::size_t size) {
+std::span<const std::byte> RowSpool::BytesAt(std::uint64_t place, std::size_t size) {
   if (place >= file_.Size()) return std::span(pending_).subspan(place - file_.Size(), size);
   if (place < windowAt_ || place + size > windowAt_ + window_.size()) {
     window_.resize(std::max(size, kPieceSize));
-    const auto read = file_.ReadAt(place, window_);
-    if (!read) return tl::unexpected(read.error());
-    window_.resize(*read);
+    window_.resize(ValueOrRaise(file_.ReadAt(place, window_)));
     windowAt_ = place;
-    if (window_.size() < size) {
-      return tl::unexpected(
-          platform::Failure{platform::FailureKind::kInputOutput, "temporary file", place, "it was cut"});
-    }
+    if (window_.size() < size) Raise(FailureKind::kInputOutput, "temporary file", place, "it was cut");
   }
   return std::span(window_).subspan(place - windowAt_, size);
 }
 
-platform::Result<std::span<const ltp::PropertyView>> RowSpool::Read(std::uint64_t place) {
+std::span<const ltp::PropertyView> RowSpool::Read(std::uint64_t place) {
   auto head = BytesAt(place, sizeof(std::uint32_t));
-  if (!head) return tl::unexpected(head.error());
-  const auto size = TakeNumber(*head);
+  const auto size = TakeNumber(head);
   auto row = BytesAt(place + sizeof size, size);
-  if (!row) return tl::unexpected(row.error());
   cells_.clear();
-  while (!row->empty()) {
-    const auto tag = TakeNumber(*row);
-    const auto length = TakeNumber(*row);
-    cells_.push_back({tag, row->first(length)});
-    *row = row->subspan(length);
+  while (!row.empty()) {
+    const auto tag = TakeNumber(row);
+    const auto length = TakeNumber(row);
+    cells_.push_back({tag, row.first(length)});
+    row = row.subspan(length);
   }
-  return std::span<const ltp::PropertyView>(cells_);
+  return cells_;
 }
 
 }  // namespace velmora::messaging

@@ -11,18 +11,19 @@
 
 namespace velmora::messaging {
 
-/// A row costs memory while it is written or read; between, it lies in a temporary file.
+/// A row costs memory while it is written or read; between, it lies in a temporary file. What fails there is
+/// raised (FailureError).
 class RowSpool {
  public:
   /// Keeps a row and gives its place.
-  [[nodiscard]] platform::Result<std::uint64_t> Append(std::span<const ltp::PropertyView> cells);
+  [[nodiscard]] std::uint64_t Append(std::span<const ltp::PropertyView> cells);
 
   /// The row at a place that Append gave, valid until the next call. Rows read in the order of their places
   /// are read in large pieces.
-  [[nodiscard]] platform::Result<std::span<const ltp::PropertyView>> Read(std::uint64_t place);
+  [[nodiscard]] std::span<const ltp::PropertyView> Read(std::uint64_t place);
 
  private:
-  [[nodiscard]] platform::Result<std::span<const std::byte>> BytesAt(std::uint64_t place, std::size_t size);
+  [[nodiscard]] std::span<const std::byte> BytesAt(std::uint64_t place, std::size_t size);
 
   platform::SpoolFile file_;
   Bytes pending_;  ///< rows behind the end of the file

@@ -66,21 +66,18 @@ class RecipientColumns {
 
 }  // namespace
 
-Result<void> MessageWriter::AddRecipients(const std::vector<PropertyBag>& recipients) {
-  if (recipients.empty()) return {};
+void MessageWriter::AddRecipients(const std::vector<PropertyBag>& recipients) {
+  if (recipients.empty()) return;
   const RecipientColumns columns(recipients);
   ltp::TableContextWriter table(ndb_, columns.Schema());
   for (std::size_t i = 0; i < recipients.size(); ++i) {
-    if (auto added = table.AddRow(static_cast<std::uint32_t>(i), recipients[i].Views()); !added) return added;
+    table.AddRow(static_cast<std::uint32_t>(i), recipients[i].Views());
   }
-  const auto written = table.Finish();
-  if (!written) return tl::unexpected(written.error());
-  message_.AddSubnode(nid::kRecipientTable, *written);
-  return {};
+  message_.AddSubnode(nid::kRecipientTable, table.Finish());
 }
 
-Result<void> MessageWriter::AddAttachments(std::vector<PropertyBag>& attachments) {
-  if (attachments.empty()) return {};
+void MessageWriter::AddAttachments(std::vector<PropertyBag>& attachments) {
+  if (attachments.empty()) return;
   ltp::TableContextWriter table(ndb_, schema::kAttachments);
   for (std::size_t i = 0; i < attachments.size(); ++i) {
     PropertyBag& attachment = attachments[i];
@@ -89,41 +86,32 @@ Result<void> MessageWriter::AddAttachments(std::vector<PropertyBag>& attachments
     // The size counts all values, its own four bytes included.
     attachment.PutInteger32(tag::kAttachSize, Size32(attachment_.ValueBytes() + sizeof(std::int32_t)));
     attachment_.AddInteger32(tag::kAttachSize, attachment.Integer32(tag::kAttachSize));
-    const auto written = attachment_.Finish();
-    if (!written) return tl::unexpected(written.error());
     const Nid nid = MakeNid(NidType::kAttachment, kFirstAttachmentIndex + static_cast<std::uint32_t>(i));
-    message_.AddSubnode(nid, *written);
-    if (auto added = table.AddRow(Value(nid), attachment.Views()); !added) return added;
+    message_.AddSubnode(nid, attachment_.Finish());
+    table.AddRow(Value(nid), attachment.Views());
   }
-  const auto written = table.Finish();
-  if (!written) return tl::unexpected(written.error());
-  message_.AddSubnode(nid::kAttachmentTable, *written);
-  return {};
+  message_.AddSubnode(nid::kAttachmentTable, table.Finish());
 }
 
-Result<WrittenMessage> MessageWriter::Write(Message message) {
-  const auto write = [&]() -> Result<WrittenMessage> {
-    PropertyBag& properties = message.properties;
-    const std::int32_t flags =
-        properties.Integer32(tag::kMessageFlags) & ~(kMessageHasAttachments | kMessageAssociated);
-    properties.PutInteger32(tag::kMessageFlags, flags | (message.attachments.empty() ? 0 : kMessageHasAttachments) |
-                                                    (message.isAssociated ? kMessageAssociated : 0));
-    properties.Remove(tag::kMessageSize);
-    if (auto added = AddRecipients(message.recipients); !added) return tl::unexpected(added.error());
-    if (auto added = AddAttachments(message.attachments); !added) return tl::unexpected(added.error());
+WrittenMessage MessageWriter::Write(Message message) {
+  PropertyBag& properties = message.properties;
+  const std::int32_t flags = properties.Integer32(tag::kMessageFlags) & ~(kMessageHasAttachments | kMessageAssociated);
+  properties.PutInteger32(tag::kMessageFlags, flags | (message.attachments.empty() ? 0 : kMessageHasAttachments) |
+                                                  (message.isAssociated ? kMessageAssociated : 0));
+  properties.Remove(tag::kMessageSize);
+  try {
+    AddRecipients(message.recipients);
+    AddAttachments(message.attachments);
     properties.AddTo(message_);
     message_.AddDataSize(tag::kMessageSize);
-    const auto node = message_.Finish();
-    if (!node) return tl::unexpected(node.error());
-    properties.PutInteger32(tag::kMessageSize, Size32(node->dataSize));
-    return WrittenMessage{*node, std::move(properties)};
-  };
-  auto written = write();
-  if (!written) {
+    const ndb::WrittenNode node = message_.Finish();
+    properties.PutInteger32(tag::kMessageSize, Size32(node.dataSize));
+    return {node, std::move(properties)};
+  } catch (...) {
     message_.Clear();
     attachment_.Clear();
+    throw;
   }
-  return written;
 }
 
 PropertyBag RowOf(const ltp::TableSchema& schema, const PropertyBag& message) {

@@ -37,12 +37,12 @@ class MessageWriter {
  public:
   explicit MessageWriter(ndb::NdbWriter& ndb) : ndb_(ndb), message_(ndb), attachment_(ndb) {}
 
-  /// kCorrupt for a value that does not fit its type; the writer is ready for the next message then.
-  [[nodiscard]] Result<WrittenMessage> Write(Message message);
+  /// Raises kCorrupt for a value that does not fit its type; the writer is ready for the next message then.
+  [[nodiscard]] WrittenMessage Write(Message message);
 
  private:
-  [[nodiscard]] Result<void> AddRecipients(const std::vector<PropertyBag>& recipients);
-  [[nodiscard]] Result<void> AddAttachments(std::vector<PropertyBag>& attachments);
+  void AddRecipients(const std::vector<PropertyBag>& recipients);
+  void AddAttachments(std::vector<PropertyBag>& attachments);
 
   ndb::NdbWriter& ndb_;
   ltp::PropertyContextWriter message_;

@@ -49,61 +49,55 @@ constexpr std::int32_t kFinderIsThere = 0x80;
 constexpr std::int32_t kPstVersion = 0x000E000D;
 
 /// Every class of message is received in the root folder: an archive receives nothing.
-Result<ndb::WrittenNode> ReceiveFolders(ndb::NdbWriter& ndb) {
+ndb::WrittenNode ReceiveFolders(ndb::NdbWriter& ndb) {
   ltp::TableContextWriter table(ndb, schema::kReceiveFolders);
   PropertyBag row;
   row.PutBytes(tag::kMessageClass, {});
   row.PutInteger32(tag::kReceiveFolderNid, static_cast<std::int32_t>(Value(nid::kRootFolder)));
-  if (auto added = table.AddRow(1, row.Views()); !added) return tl::unexpected(added.error());
+  table.AddRow(1, row.Views());
   return table.Finish();
 }
 
-Result<void> WriteSearchFolder(ndb::NdbWriter& ndb) {
+void WriteSearchFolder(ndb::NdbWriter& ndb) {
   ltp::PropertyContextWriter node(ndb);
   node.AddText(tag::kDisplayName, kSpamSearchFolderName);
   node.AddInteger32(tag::kContentCount, 0);
   node.AddInteger32(tag::kContentUnreadCount, 0);
   node.AddBoolean(tag::kSubfolders, false);
-  if (auto set = SetWritten(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder); !set) return set;
+  SetWritten(ndb, nid::kSpamSearchFolder, node.Finish(), nid::kRootFolder);
   node.AddInteger32(tag::kSearchFlags, 0);
-  return SetWritten(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
+  SetWritten(ndb, Sibling(nid::kSpamSearchFolder, NidType::kSearchCriteriaObject), node.Finish());
 }
 
 }  // namespace
 
-Result<void> SetWritten(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node, Nid parent) {
-  if (!node) return tl::unexpected(node.error());
-  return ndb.SetNode(nid, node->trees, parent);
+void SetWritten(ndb::NdbWriter& ndb, Nid nid, const ndb::WrittenNode& node, Nid parent) {
+  ndb.SetNode(nid, node.trees, parent);
 }
 
-Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
+void WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names) {
   for (const EmptyTable& row : kEmptyTables) {
     ltp::TableContextWriter table(ndb, row.schema);
-    if (auto set = SetWritten(ndb, row.nid, table.Finish()); !set) return set;
+    SetWritten(ndb, row.nid, table.Finish());
   }
-  for (const Nid nid : kEmptyNodes) {
-    if (auto set = ndb.SetNode(nid, {}, Nid{}); !set) return set;
-  }
-  if (auto set = SetWritten(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb)); !set) return set;
+  for (const Nid nid : kEmptyNodes) ndb.SetNode(nid, {}, Nid{});
+  SetWritten(ndb, nid::kReceiveFolderTable, ReceiveFolders(ndb));
 
   Bytes searches;
   Append(searches, Value(nid::kSpamSearchFolder));
-  const auto list = ndb.WriteData(searches);
-  if (!list) return tl::unexpected(list.error());
-  if (auto set = ndb.SetNode(nid::kSearchActivityList, {list->bid, {}}, Nid{}); !set) return set;
+  ndb.SetNode(nid::kSearchActivityList, {ndb.WriteData(searches).bid, {}}, Nid{});
 
-  if (auto set = WriteNameMap(ndb, names); !set) return set;
-  return WriteSearchFolder(ndb);
+  WriteNameMap(ndb, names);
+  WriteSearchFolder(ndb);
 }
 
-Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
+void WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
   ltp::PropertyContextWriter node(ndb);
   names.AddTo(node);
-  return SetWritten(ndb, nid::kNameToIdMap, node.Finish());
+  SetWritten(ndb, nid::kNameToIdMap, node.Finish());
 }
 
-Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
-                               Nid deletedItems) {
+void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, Nid deletedItems) {
   Bytes history;
   Append(history, std::uint32_t{1});
   Append(history, identity.replicaId);
@@ -121,7 +115,7 @@ Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identit
   node.Add(tag::kReplVersionHistory, history);
   node.AddInteger32(tag::kReplFlags, 0);
   node.AddInteger32(tag::kLatestPstEnsure, kPstVersion);
-  return SetWritten(ndb, nid::kMessageStore, node.Finish());
+  SetWritten(ndb, nid::kMessageStore, node.Finish());
 }
 
 }  // namespace velmora::messaging

@@ -9,11 +9,10 @@
 namespace velmora::messaging {
 
 /// Sets a node from what was written for it.
-[[nodiscard]] Result<void> SetWritten(ndb::NdbWriter& ndb, Nid nid, const Result<ndb::WrittenNode>& node,
-                                      Nid parent = Nid{});
+void SetWritten(ndb::NdbWriter& ndb, Nid nid, const ndb::WrittenNode& node, Nid parent = Nid{});
 
 /// Writes the nodes that every store has and that belong to no folder, and the search folder of the root.
-[[nodiscard]] Result<void> WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
+void WriteSkeleton(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 inline constexpr text::TextView kSpamSearchFolderName = u"SPAM Search Folder 2";
 
@@ -24,10 +23,9 @@ struct StoreIdentity {
 };
 
 /// Writes the node that tells which properties the names are.
-[[nodiscard]] Result<void> WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
+void WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 /// Writes the message store object, which names the folders of the store.
-[[nodiscard]] Result<void> WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top,
-                                             Nid searchRoot, Nid deletedItems);
+void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, Nid deletedItems);
 
 }  // namespace velmora::messaging

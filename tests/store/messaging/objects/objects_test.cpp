@@ -164,17 +164,17 @@ TEST_F(ObjectsTest, AttachmentsComeInEveryWay) {
   attachments.push_back(NewAttachment(1));
   store_->PutStream(attachments.back(), tag::kAttachDataBinary, TextContent(large));
   attachments.push_back(NewAttachment(1));
-  store_->PutTree(attachments.back(), tag::kAttachDataBinary, store_->Ndb().WriteData(BytesOf(large)).value());
+  store_->PutTree(attachments.back(), tag::kAttachDataBinary, store_->Ndb().WriteData(BytesOf(large)));
   attachments.push_back(NewAttachment(kLinked));
   attachments.back().PutText(0x3708001F, u"\\\\server\\file");
 
   // An object with a storage and a sub-node of its own.
-  const ndb::DataTree storage = store_->Ndb().WriteData(BytesOf("storage")).value();
-  const ndb::DataTree part = store_->Ndb().WriteData(BytesOf("a part")).value();
+  const ndb::DataTree storage = store_->Ndb().WriteData(BytesOf("storage"));
+  const ndb::DataTree part = store_->Ndb().WriteData(BytesOf("a part"));
   ndb::SubnodeTreeWriter parts(store_->Ndb());
   parts.Add(MakeNid(NidType::kLtp, 0x401), {{part.bid, {}}, part.size});
   attachments.push_back(NewAttachment(kObject));
-  store_->PutObject(attachments.back(), {{storage.bid, parts.Finish().value().bid}, storage.size + part.size});
+  store_->PutObject(attachments.back(), {{storage.bid, parts.Finish().bid}, storage.size + part.size});
 
   Message inner = NewMessage(u"inner");
   Message innermost = NewMessage(u"innermost");
@@ -324,7 +324,14 @@ TEST_F(ObjectsTest, WhatTheFormatCannotHoldIsRefusedAndTheStoreGoesOn) {
   message.properties.PutBytes(0x66190003, BytesOf("five!"));
   message.attachments.push_back(NewAttachment(1));
   message.attachments.back().PutBytes(tag::kAttachDataBinary, BytesOf(PatternOf(20000)));
-  EXPECT_EQ(CodeOf([&] { store_->Save(std::move(message), *inbox_); }), ResultCode::E_FAIL);
+  try {
+    store_->Save(std::move(message), *inbox_);
+    ADD_FAILURE() << "a number of five bytes";
+  } catch (const output::OutputFailure& failure) {
+    EXPECT_EQ(failure.Code(), ResultCode::E_FAIL);
+    EXPECT_EQ(failure.Information(),
+              "The store cannot hold this (property 0x66190003): the value does not fit its type");
+  }
   store_->Save(NewMessage(u"sound"), *inbox_);
   EXPECT_EQ(Sealed().Message().Text(tag::kSubject), u"sound");
 }
