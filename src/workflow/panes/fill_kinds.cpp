@@ -220,11 +220,14 @@ constexpr GridRow kJournalRows[] = {
 };
 
 constexpr FillKind kKinds[] = {
-    {kFillContactsMessage, ItemKind::kContact, u"Updating Contacts", ItemInterface::RDOContactItem, Field::FullName, kContactRows},
+    {kFillContactsMessage, ItemKind::kContact, u"Updating Contacts", ItemInterface::RDOContactItem, Field::FullName,
+     kContactRows},
     {kFillTasksMessage, ItemKind::kTask, u"Updating Tasks", ItemInterface::RDOTaskItem, Field::Subject, kTaskRows},
-    {kFillCalendarMessage, ItemKind::kAppointment, u"Updating Calendars", ItemInterface::RDOAppointmentItem, Field::Subject, kCalendarRows},
+    {kFillCalendarMessage, ItemKind::kAppointment, u"Updating Calendars", ItemInterface::RDOAppointmentItem,
+     Field::Subject, kCalendarRows},
     {kFillNotesMessage, ItemKind::kNote, u"Updating Notes", ItemInterface::RDONoteItem, Field::Subject, kNoteRows},
-    {kFillJournalMessage, ItemKind::kJournal, u"Updating Journals", ItemInterface::RDOJournalItem, Field::Subject, kJournalRows},
+    {kFillJournalMessage, ItemKind::kJournal, u"Updating Journals", ItemInterface::RDOJournalItem, Field::Subject,
+     kJournalRows},
 };
 
 /// An item of the kind answers to every field that is read of it, with the type that the form of the row takes.

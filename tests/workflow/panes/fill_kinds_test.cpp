@@ -79,9 +79,10 @@ TEST(FillKindsTest, AFolderOfAKindIsShownByTheFillOfThatKind) {
 }
 
 TEST(FillKindsTest, AnyOtherFolderIsShownByTheList) {
-  for (const char16_t* containerClass : {u"", u"IPF.Note", u"IPF.DistList", u"ipf.contact", u"IPF.Contact.Custom", u"IPM.TaskRequest",
-                                         u"IPF.TaskRequest.Update", u"IPM.TaskRequest.Decline", u"IPF.TaskRequest.Accept",
-                                         u"IPM.Schedule.Meeting.Request", u"IPF.Meeting", u"Contact", u"IPX.Contact"}) {
+  for (const char16_t* containerClass :
+       {u"", u"IPF.Note", u"IPF.DistList", u"ipf.contact", u"IPF.Contact.Custom", u"IPM.TaskRequest",
+        u"IPF.TaskRequest.Update", u"IPM.TaskRequest.Decline", u"IPF.TaskRequest.Accept",
+        u"IPM.Schedule.Meeting.Request", u"IPF.Meeting", u"Contact", u"IPX.Contact"}) {
     EXPECT_EQ(FillKindOfClass(containerClass), nullptr) << text::ToUtf8(containerClass);
   }
 }
