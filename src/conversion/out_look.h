@@ -61,8 +61,7 @@ class COutLook {
   /// The session of the run, for whoever counts folders before it closes; null outside a run.
   const output::Ref<output::RDOSession>& Session() const { return session_; }
 
-  /// What the recovery holds: the folders, which the panes climb during the run, and the map of named
-  /// properties. Both are empty once a run is over.
+  /// What the recovery holds: the folders and the map of named properties. Both are empty once a run is over.
   const recovery::RecoveryState& Recovery() const { return recovery_; }
 
   /// Why the store of the last run could not be completed on disk; nothing when it could.
