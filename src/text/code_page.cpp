@@ -131,20 +131,22 @@ Text CodePage::Decode(std::string_view bytes) const {
 std::string CodePage::Encode(TextView text) const {
   std::string out;
   if (tables_->icuName.empty()) {
-    out.reserve(text.size());
+    out.resize(text.size());
+    char* end = out.data();
     for (const char16_t unit : text) {
       if (unit < 0x80 || (unit >= 0xA0 && unit < 0x100)) {
-        out.push_back(static_cast<char>(unit));
+        *end++ = static_cast<char>(unit);
         continue;
       }
       std::size_t i = 0;
       while (i < kRow80.size() && kRow80[i] != unit) ++i;
       if (i < kRow80.size()) {
-        out.push_back(static_cast<char>(0x80 + i));
+        *end++ = static_cast<char>(0x80 + i);
       } else if (unit < 0xDC00 || unit > 0xDFFF) {
-        out.push_back('?');  // one mark a character: the trailing surrogate of a pair adds none
+        *end++ = '?';  // one mark a character: the trailing surrogate of a pair adds none
       }
     }
+    out.resize(static_cast<std::size_t>(end - out.data()));
     return out;
   }
   const Converter converter = Open(tables_->icuName);

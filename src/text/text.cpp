@@ -13,6 +13,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 constexpr char16_t kByteEscape = 0xDC00;
 
 void AppendUtf8(std::string& out, char32_t c) {
+  if (c < 0x80) return out.push_back(static_cast<char>(c));
   char buffer[4];
   int32_t length = 0;
   U8_APPEND_UNSAFE(buffer, length, static_cast<UChar32>(c));
