@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "store/format/block.h"
+#include "store/format/name_map.h"
 #include "store/format/prop_tag.h"
 
 namespace velmora::recovery {
@@ -12,10 +13,7 @@ namespace velmora::recovery {
 namespace {
 
 constexpr std::uint32_t kFewestRecords = 50;
-constexpr std::uint32_t kGuidSize = 16;
-constexpr std::uint32_t kBucketSize = 16;
-constexpr std::uint32_t kNameEntrySize = 8;
-constexpr std::uint32_t kLocalIdBase = 0x8000;
+constexpr std::uint32_t kBucketSize = 2 * name_map::kEntrySize;
 constexpr std::uint32_t kLowestLongId = 0x8001;
 constexpr std::uint32_t kLongIdLimit = 0x8FFF;
 constexpr std::uint32_t kReadBehindBucket = 512;
@@ -26,7 +24,7 @@ constexpr std::array<std::uint64_t, 4> kAcceptedGuidTails = {0x46, 0xAA003F1305,
 
 std::uint64_t GuidTail(ByteView block, std::uint64_t guid) {
   std::uint64_t tail = 0;
-  for (std::uint64_t at = guid + 10; at < guid + kGuidSize; ++at) tail = tail << 8 | block.U8(at);
+  for (std::uint64_t at = guid + 10; at < guid + name_map::kSetSize; ++at) tail = tail << 8 | block.U8(at);
   return tail;
 }
 
@@ -97,24 +95,25 @@ NameMapReader::NextStep NameMapReader::ReadContext(Bytes bytes, const engine::Bl
 
 void NameMapReader::ReadGuids(ByteView block, HeapRange stream) {
   std::uint8_t groupKey = 0;  // one byte: a longer stream begins again at 0
-  for (std::uint32_t guid = stream.start; guid < stream.end; guid += kGuidSize, ++groupKey) {
+  for (std::uint32_t guid = stream.start; guid < stream.end; guid += name_map::kSetSize, ++groupKey) {
     if (std::ranges::count(kAcceptedGuidTails, GuidTail(block, guid)) != 0) map_.AddNamedPropGroup(groupKey);
   }
 }
 
 bool NameMapReader::ReadNameEntry(ByteView block, std::uint64_t offset) {
-  if (offset + kNameEntrySize > block.Size()) return false;
+  if (offset + name_map::kEntrySize > block.Size()) return false;
   const bool stringName = (block.U8(offset + 4) & 1) != 0;
   if (stringName) return false;
   const std::uint32_t longId = block.U32(offset);
   if (longId < kLowestLongId || longId >= kLongIdLimit) return false;
-  map_.AddNamedProp(longId, kLocalIdBase + block.U16(offset + 6));
+  map_.AddNamedProp(longId, name_map::kFirstNamedId + block.U16(offset + name_map::kOffEntryId));
   return true;
 }
 
 bool NameMapReader::ReadNameEntries(ByteView block, std::uint64_t size) {
   bool taken = false;
-  for (std::uint64_t offset = 0; offset <= std::min<std::uint64_t>(size, block.Size()); offset += kNameEntrySize) {
+  for (std::uint64_t offset = 0; offset <= std::min<std::uint64_t>(size, block.Size());
+       offset += name_map::kEntrySize) {
     if (ReadNameEntry(block, offset)) taken = true;
   }
   return taken;

@@ -38,14 +38,7 @@ constexpr std::uint16_t kPublicStringsNumber = 2;
 constexpr std::uint16_t kFirstSet = 3;
 constexpr std::size_t kMostNames = 0x7FFE;
 
-constexpr PropTag kBucketCount = 0x00010003;
-constexpr PropTag kGuidStream = 0x00020102;
-constexpr PropTag kEntryStream = 0x00030102;
-constexpr PropTag kStringStream = 0x00040102;
-constexpr std::uint16_t kFirstBucket = 0x1000;
 constexpr std::uint32_t kBuckets = 251;
-constexpr std::size_t kEntrySize = 8;
-constexpr std::size_t kGuidSize = 16;
 
 AnyPropertyName FullName(const PropertyName& name) {
   const Uid& set = kSets[static_cast<std::size_t>(name.set)].guid;  // kSets stands in order of PropertySet
@@ -78,7 +71,7 @@ std::uint16_t NewNameMap::NumberOf(const Uid& set) {
 std::optional<std::uint16_t> NewNameMap::IdOf(const AnyPropertyName& name) {
   if (const auto found = ids_.find(name); found != ids_.end()) return found->second;
   if (names_.size() == kMostNames) return std::nullopt;
-  const auto id = static_cast<std::uint16_t>(kFirstNamedId + names_.size());
+  const auto id = static_cast<std::uint16_t>(name_map::kFirstNamedId + names_.size());
   names_.emplace_back(NumberOf(name.set), name);
   ids_.emplace(name, id);
   textBytes_ += name.text.size() * sizeof(char16_t);
@@ -104,30 +97,30 @@ void NewNameMap::AddTo(ltp::PropertyContextWriter& node) const {
       Append(strings, std::as_bytes(std::span(name.text)));
       strings.resize((strings.size() + 3) / 4 * 4);
     }
-    const auto bucket = static_cast<std::uint16_t>(kFirstBucket + (hash ^ setAndKind) % kBuckets);
+    const auto bucket = static_cast<std::uint16_t>(name_map::kFirstBucket + (hash ^ setAndKind) % kBuckets);
     AppendEntry(buckets[bucket], hash, setAndKind, i);
   }
 
-  node.AddInteger32(kBucketCount, kBuckets);
-  node.Add(kGuidStream, sets);
-  node.Add(kEntryStream, entries);
-  node.Add(kStringStream, strings);
+  node.AddInteger32(name_map::kBucketCount, kBuckets);
+  node.Add(name_map::kSetStream, sets);
+  node.Add(name_map::kEntryStream, entries);
+  node.Add(name_map::kTextStream, strings);
   for (auto& [bucket, bytes] : buckets) node.Add(MakeTag(bucket, PropType::kBinary), bytes);
 }
 
 NamedPropertyMap::NamedPropertyMap() {
-  for (std::size_t i = 0; i < ids_.size(); ++i) ids_[i] = static_cast<std::uint16_t>(kFirstNamedId + i);
+  for (std::size_t i = 0; i < ids_.size(); ++i) ids_[i] = static_cast<std::uint16_t>(name_map::kFirstNamedId + i);
 }
 
 NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
-  const Bytes guids = node.Binary(kGuidStream).value_or(Bytes());
-  const Bytes entries = node.Binary(kEntryStream).value_or(Bytes());
-  const Bytes strings = node.Binary(kStringStream).value_or(Bytes());
+  const Bytes guids = node.Binary(name_map::kSetStream).value_or(Bytes());
+  const Bytes entries = node.Binary(name_map::kEntryStream).value_or(Bytes());
+  const Bytes strings = node.Binary(name_map::kTextStream).value_or(Bytes());
   const auto setOf = [&](std::uint32_t number) -> const SetRow* {
     if (number == kPublicStringsNumber) return &kSets[0];
-    const std::size_t at = (number - kFirstSet) * kGuidSize;
-    if (number < kFirstSet || at + kGuidSize > guids.size()) return nullptr;
-    const auto guid = std::span(guids).subspan(at, kGuidSize);
+    const std::size_t at = (number - kFirstSet) * name_map::kSetSize;
+    if (number < kFirstSet || at + name_map::kSetSize > guids.size()) return nullptr;
+    const auto guid = std::span(guids).subspan(at, name_map::kSetSize);
     const auto* const found =
         std::ranges::find_if(kSets, [&](const SetRow& row) { return std::ranges::equal(guid, row.guid); });
     return found != std::end(kSets) ? found : nullptr;
@@ -137,12 +130,13 @@ NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
     return Load<std::uint32_t>(strings, at) == name.size() && at + 4 + name.size() <= strings.size() &&
            std::ranges::equal(std::span(strings).subspan(at + 4, name.size()), name);
   };
-  for (std::size_t at = 0; at + kEntrySize <= entries.size(); at += kEntrySize) {
+  for (std::size_t at = 0; at + name_map::kEntrySize <= entries.size(); at += name_map::kEntrySize) {
     const std::uint32_t number = Load<std::uint32_t>(entries, at);
     const std::uint32_t guidAndKind = Load<std::uint16_t>(entries, at + 4);
-    const auto id = static_cast<std::uint16_t>(kFirstNamedId + Load<std::uint16_t>(entries, at + 6));
+    const auto id =
+        static_cast<std::uint16_t>(name_map::kFirstNamedId + Load<std::uint16_t>(entries, at + name_map::kOffEntryId));
     const SetRow* set = setOf(guidAndKind >> 1);
-    if (set == nullptr || id < kFirstNamedId) continue;
+    if (set == nullptr || id < name_map::kFirstNamedId) continue;
     const bool byText = (guidAndKind & 1) != 0;
     for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
       if (kPropertyNames[i].set != set->set || (kPropertyNames[i].id == 0) != byText) continue;
@@ -153,8 +147,8 @@ NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
 
 PropTag NamedPropertyMap::InStore(PropTag tag) const {
   const std::uint16_t id = IdOf(tag);
-  if (id < kFirstNamedId) return tag;
-  const std::size_t index = id - kFirstNamedId;
+  if (id < name_map::kFirstNamedId) return tag;
+  const std::size_t index = id - name_map::kFirstNamedId;
   if (index >= ids_.size() || ids_[index] == 0) return 0;
   return MakeTag(ids_[index], TypeOf(tag));
 }

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "store/format/name_map.h"
 #include "store/format/prop_tag.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
@@ -72,13 +73,12 @@ inline constexpr PropertyName kPropertyNames[] = {
 };
 // clang-format on
 inline constexpr std::size_t kPropertyNameCount = std::size(kPropertyNames);
-inline constexpr std::uint16_t kFirstNamedId = 0x8000;
 
 /// Tag of a named property in the stores that this layer writes. A name that the table lacks does not compile.
 consteval PropTag Named(PropertySet set, std::uint16_t id, PropType type) {
   for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
     if (kPropertyNames[i].set == set && kPropertyNames[i].id == id) {
-      return MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), type);
+      return MakeTag(static_cast<std::uint16_t>(name_map::kFirstNamedId + i), type);
     }
   }
   throw "no such name in kPropertyNames";
@@ -102,8 +102,8 @@ class NewNameMap {
  public:
   NewNameMap();
 
-  /// The identifier of a name, from kFirstNamedId up; a name that has none gets the next one. Nothing when all
-  /// 32766 are used up.
+  /// The identifier of a name, from name_map::kFirstNamedId up; a name that has none gets the next one. Nothing when
+  /// all 32766 are used up.
   std::optional<std::uint16_t> IdOf(const AnyPropertyName& name);
 
   std::size_t Count() const { return names_.size(); }

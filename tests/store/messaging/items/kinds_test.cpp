@@ -467,7 +467,7 @@ TEST_F(KindsTest, NamedPropertiesAreFoundInAStoreThatNumbersThemOtherwise) {
   const NamedPropertyMap own(node);
   const NamedPropertyMap fixed;
   for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
-    const PropTag tag = MakeTag(static_cast<std::uint16_t>(kFirstNamedId + i), PropType::kString);
+    const PropTag tag = MakeTag(static_cast<std::uint16_t>(name_map::kFirstNamedId + i), PropType::kString);
     EXPECT_EQ(own.InStore(tag), tag);
     EXPECT_EQ(fixed.InStore(tag), tag);
   }

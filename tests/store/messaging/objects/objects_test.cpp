@@ -296,9 +296,9 @@ TEST_F(ObjectsTest, NamesOfPropertiesInAnySetGetIdentifiersOfTheirOwn) {
   Uid common{std::byte{0x08}, std::byte{0x20}, std::byte{0x06}};
   common[8] = std::byte{0xC0};
   common[15] = std::byte{0x46};
-  EXPECT_EQ(store_->NamedId({common, 0x8501, {}}), kFirstNamedId + 1) << "a name that every store has";
+  EXPECT_EQ(store_->NamedId({common, 0x8501, {}}), name_map::kFirstNamedId + 1) << "a name that every store has";
   const std::uint16_t first = store_->NamedId({set, 0x8501, {}});
-  EXPECT_EQ(first, kFirstNamedId + kPropertyNameCount);
+  EXPECT_EQ(first, name_map::kFirstNamedId + kPropertyNameCount);
   EXPECT_EQ(store_->NamedId({set, 0, u"x-header"}), first + 1);
   EXPECT_EQ(store_->NamedId({Uid{}, 0, u"of no set"}), first + 2);
   EXPECT_EQ(store_->NamedId({set, 0, u"x-header"}), first + 1);
