@@ -15,8 +15,12 @@ SKIPPED = 77  # what ctest takes for "skipped"
 
 
 def aid(variable, folder):
-    """A folder of aids that lies beside the sources, or where the variable says."""
-    return pathlib.Path(os.environ.get(variable) or SOURCE.parent / "shared" / folder)
+    """A folder of aids that lies beside the sources, or where the variable says. A variable that names no folder is a
+    mistake: it must not look like a machine without aids."""
+    given = os.environ.get(variable)
+    if given and not os.path.isdir(given):
+        sys.exit(f"{variable} names no folder: {given}")
+    return pathlib.Path(given or SOURCE.parent / "shared" / folder)
 
 
 def main():

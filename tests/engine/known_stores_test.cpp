@@ -1,20 +1,15 @@
 // The scans over stores whose counts an independent model of the same rules has computed.
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "aids/aids.h"
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
 
 namespace velmora::engine {
 namespace {
-
-std::filesystem::path Shared(const char* variable, const char* name) {
-  const char* told = std::getenv(variable);
-  return told != nullptr ? std::filesystem::path(told) : std::filesystem::path(VELMORA_SOURCE_DIR) / "../shared" / name;
-}
 
 const std::map<StoreKind, std::string> kKindNames = {
     {StoreKind::kNone, ""}, {StoreKind::kPst, "pst"}, {StoreKind::kOst, "ost"}, {StoreKind::kPab, "pab"}};
@@ -51,10 +46,10 @@ class KnownStoresTest : public RunTest {
   }
 
   void CheckAll(bool smart) {
-    const std::filesystem::path stores = Shared("VELMORA_STORES", "stores");
-    const std::filesystem::path expected = Shared("VELMORA_EXPECTED", "expected");
-    if (!std::filesystem::exists(stores)) GTEST_SKIP() << "no folder of stores at " << stores;
-    if (!std::filesystem::exists(expected)) GTEST_SKIP() << "no folder of expected reports at " << expected;
+    const std::filesystem::path stores = test::StoresFolder();
+    const std::filesystem::path expected = test::ExpectedFolder();
+    if (stores.empty()) GTEST_SKIP() << "no folder of stores beside the sources; VELMORA_STORES names one";
+    ASSERT_FALSE(expected.empty()) << "stores without their expected reports; VELMORA_EXPECTED names them";
     std::size_t checked = 0;
     for (const auto& [folder, reports] : {std::pair(stores, "stores"), std::pair(stores / "forged", "forged")}) {
       for (const auto& entry : std::filesystem::directory_iterator(folder)) {

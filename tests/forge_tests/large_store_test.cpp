@@ -37,7 +37,7 @@ TEST_F(LargeStore, GrowsToTheSizeAskedFor) {
 }
 
 TEST_F(LargeStore, HasNothingForTheStrictCheckerToFind) {
-  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "pstcheck.py is not there; VELMORA_TOOLS names its folder";
+  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
   Make({.bytes = 2 << 20});
   EXPECT_TRUE(Check("--strict")) << TextOf(folder_.path() / "output");
 }
@@ -59,7 +59,7 @@ TEST_F(LargeStore, SplitsItsMessagesOverFoldersThatEveryReaderLists) {
 }
 
 TEST_F(LargeStore, TakesOneFolderForAllWhenAsked) {
-  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "pstcheck.py is not there; VELMORA_TOOLS names its folder";
+  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
   const LargeStoreCounts counts = Make({.items = 460, .small = true, .oneFolder = true});
   EXPECT_EQ(counts.folders, 2U);
   EXPECT_TRUE(Check("--strict")) << TextOf(folder_.path() / "output");

@@ -7,6 +7,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "aids/aids.h"
+
 namespace velmora::forge {
 namespace fs = std::filesystem;
 
@@ -49,10 +51,6 @@ int CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
-fs::path ToolsFolder() {
-  const char* given = std::getenv("VELMORA_TOOLS");
-  const fs::path folder = given != nullptr ? fs::path(given) : fs::path(VELMORA_SOURCE_DIR) / ".." / "shared" / "tools";
-  return fs::exists(folder / "pstcheck.py") ? folder : fs::path();
-}
+fs::path ToolsFolder() { return test::ToolsFolder(); }
 
 }  // namespace velmora::forge

@@ -2,12 +2,12 @@
 // shares no line with them: every folder and message, its properties, and the rows of its tables.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "aids/aids.h"
 #include "platform/file.h"
 #include "platform/user_folders.h"
 #include "store/format/store_nodes.h"
@@ -21,11 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-
-fs::path KnownStores() {
-  const char* given = std::getenv("VELMORA_STORES");
-  return given != nullptr ? fs::path(given) : fs::path(VELMORA_SOURCE_DIR) / ".." / "shared" / "stores";
-}
 
 std::string Hex(std::span<const std::byte> bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
@@ -104,12 +99,13 @@ void CompareObject(const ndb::BlockSource& store, const ndb::NodeTrees& node, co
 }
 
 TEST(KnownStores, AreReadAsTheCheckerReadsThem) {
-  if (!fs::exists(KnownStores())) GTEST_SKIP() << "no folder of stores; VELMORA_STORES names it";
+  const fs::path stores = test::StoresFolder();
+  if (stores.empty()) GTEST_SKIP() << "no folder of stores beside the sources; VELMORA_STORES names one";
   VELMORA_NEEDS_PST_CHECK();
   const auto folder = platform::TemporaryFolder::Create().value();
   std::set<FormatId> formats;
   Tally tally;
-  for (const auto& entry : fs::directory_iterator(KnownStores())) {
+  for (const auto& entry : fs::directory_iterator(stores)) {
     if (entry.path().extension() != ".pst" && entry.path().extension() != ".ost") continue;
     SCOPED_TRACE(entry.path().filename().string());
     const fs::path dump = folder.Path() / "dump";

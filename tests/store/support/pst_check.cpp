@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "aids/aids.h"
 #include "platform/user_folders.h"
 
 namespace velmora::test {
@@ -14,11 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path Checker() {
-  const char* given = std::getenv("VELMORA_TOOLS");
-  const fs::path folder = given != nullptr ? fs::path(given) : fs::path(VELMORA_SOURCE_DIR) / ".." / "shared" / "tools";
-  return folder / "pstcheck.py";
-}
+fs::path Checker() { return ToolsFolder() / "pstcheck.py"; }
 
 // What a store of a few made-up nodes lacks: all that concerns folders and messages.
 std::string MailboxCodes() {
@@ -29,7 +26,7 @@ std::string MailboxCodes() {
 
 }  // namespace
 
-bool HasPstCheck() { return fs::exists(Checker()); }
+bool HasPstCheck() { return !ToolsFolder().empty(); }
 
 std::string PstCheck(std::span<const std::byte> store, Check check, const std::string& ignored) {
   const auto folder = platform::TemporaryFolder::Create();

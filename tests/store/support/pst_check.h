@@ -30,4 +30,4 @@ bool DumpStore(const std::filesystem::path& store, const std::filesystem::path& 
 
 /// Ends a test with a reason where the checker is not there.
 #define VELMORA_NEEDS_PST_CHECK() \
-  if (!velmora::test::HasPstCheck()) GTEST_SKIP() << "pstcheck.py is not there; VELMORA_TOOLS names its folder"
+  if (!velmora::test::HasPstCheck()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one"

@@ -4,19 +4,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdlib>
 
+#include "aids/aids.h"
 #include "workflow/panes/result_fixture.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
 namespace {
-
-std::filesystem::path Shared(const char* variable, const char* name) {
-  const char* set = std::getenv(variable);
-  return set != nullptr ? std::filesystem::path(set)
-                        : std::filesystem::path(VELMORA_SOURCE_DIR) / ".." / "shared" / name;
-}
 
 QByteArray ContentOf(const std::filesystem::path& path) {
   QFile file(PathToQt(path));
@@ -24,11 +18,16 @@ QByteArray ContentOf(const std::filesystem::path& path) {
   return file.readAll();
 }
 
+constexpr const char* kForged = "forged";
+
 class KnownStoresTest : public ResultFixture {
  protected:
-  void ShowAll(const std::filesystem::path& stores, const std::filesystem::path& expected) {
-    if (!std::filesystem::exists(stores)) GTEST_SKIP() << "no folder of stores at " << stores;
-    if (!std::filesystem::exists(expected)) GTEST_SKIP() << "nothing to compare with at " << expected;
+  void ShowAll(const char* group) {
+    if (test::StoresFolder().empty())
+      GTEST_SKIP() << "no folder of stores beside the sources; VELMORA_STORES names one";
+    ASSERT_FALSE(test::ExpectedFolder().empty()) << "stores without their traces; VELMORA_EXPECTED names them";
+    const auto stores = group == kForged ? test::StoresFolder() / kForged : test::StoresFolder();
+    const auto expected = test::ExpectedFolder() / group;
     int rows = 0;
     for (const auto& entry : std::filesystem::directory_iterator(stores)) {
       if (entry.path().extension() != ".pst" && entry.path().extension() != ".ost") continue;
@@ -73,13 +72,9 @@ class KnownStoresTest : public ResultFixture {
   }
 };
 
-TEST_F(KnownStoresTest, EveryFolderOfARealStoreShowsWhatWasWritten) {
-  ShowAll(Shared("VELMORA_STORES", "stores"), Shared("VELMORA_EXPECTED", "expected") / "stores");
-}
+TEST_F(KnownStoresTest, EveryFolderOfARealStoreShowsWhatWasWritten) { ShowAll("stores"); }
 
-TEST_F(KnownStoresTest, EveryFolderOfAForgedStoreShowsWhatWasWritten) {
-  ShowAll(Shared("VELMORA_STORES", "stores") / "forged", Shared("VELMORA_EXPECTED", "expected") / "forged");
-}
+TEST_F(KnownStoresTest, EveryFolderOfAForgedStoreShowsWhatWasWritten) { ShowAll(kForged); }
 
 }  // namespace
 }  // namespace velmora::workflow
