@@ -1,6 +1,8 @@
 #include "engine/block_index.h"
 
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "engine/block_proof.h"
 
@@ -10,23 +12,23 @@ namespace {
 /// Records that wait at least before they are merged.
 constexpr std::size_t kLeastMerge = 65536;
 
-struct Proven {
-  PlacedBlock block;
-  Proof proof;
-};
+bool Lower(const PackedBlock& a, const PackedBlock& b) { return a.LowId() < b.LowId(); }
 
-/// Of blocks that share the low half of an id: the best of all, then the best of each other id.
-std::vector<PlacedBlock> BestOfEachId(std::vector<Proven> group) {
-  std::ranges::stable_sort(group, std::ranges::greater{}, &Proven::proof);
-  const auto bid = [](const Proven& proven) { return Value(proven.block.bid); };
-  const std::uint64_t first = bid(group.front());
-  std::ranges::stable_sort(group, [&](const Proven& a, const Proven& b) {
-    return std::pair(bid(a) != first, bid(a)) < std::pair(bid(b) != first, bid(b));
-  });
-  group.erase(std::ranges::unique(group, {}, bid).begin(), group.end());
-  std::vector<PlacedBlock> best;
-  for (const Proven& proven : group) best.push_back(proven.block);
-  return best;
+/// Where the records end that share the low half of their ids with the one at `begin`.
+std::size_t EndOfGroup(std::span<const PackedBlock> sorted, std::size_t begin) {
+  std::size_t end = begin + 1;
+  while (end < sorted.size() && !Lower(sorted[begin], sorted[end])) ++end;
+  return end;
+}
+
+/// Positions of the records whose ids have others, by their low halves.
+std::vector<std::uint32_t> Contested(std::span<const PackedBlock> sorted) {
+  std::vector<std::uint32_t> positions;
+  for (std::size_t begin = 0, end = 0; begin < sorted.size(); begin = end) {
+    end = EndOfGroup(sorted, begin);
+    for (std::size_t i = begin; i < end && end - begin > 1; ++i) positions.push_back(static_cast<std::uint32_t>(i));
+  }
+  return positions;
 }
 
 }  // namespace
@@ -50,57 +52,55 @@ void BlockIndex::Merge() {
   pending_.clear();
   // Stable, as the sort is: what came first stays ahead.
   std::inplace_merge(sorted_.begin(), sorted_.begin() + middle, sorted_.end(), Lower);
-  const auto isCopy = [](const Entry& a, const Entry& b) { return a.Block() == b.Block(); };
-  sorted_.erase(std::unique(sorted_.begin(), sorted_.end(), isCopy), sorted_.end());
+  sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
 }
 
 void BlockIndex::KeepTheBestOfEachId(const Source& source, const Generation& layout, RunContext& run) {
-  const auto endOf = [&](std::size_t begin) {
-    std::size_t end = begin + 1;
-    while (end < sorted_.size() && !Lower(sorted_[begin], sorted_[end])) ++end;
-    return end;
-  };
-  std::vector<PlacedBlock> contested;
-  for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
-    end = endOf(begin);
-    for (std::size_t i = begin; i < end && end - begin > 1; ++i) contested.push_back(sorted_[i].Block());
-  }
+  auto contested = Contested(sorted_);
   if (contested.empty()) return;
-  const std::vector<Proof> proofs = ProveBlocks(source, layout, run, contested);
-
+  const std::vector<Proof> proofs = ProveBlocks(source, layout, run, sorted_, std::move(contested));
   std::size_t kept = 0;
-  std::size_t proven = 0;
   for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
-    end = endOf(begin);
-    if (end - begin == 1) {
-      sorted_[kept++] = sorted_[begin];
-      continue;
+    end = EndOfGroup(sorted_, begin);
+    const auto best = std::max_element(proofs.begin() + static_cast<std::ptrdiff_t>(begin),
+                                       proofs.begin() + static_cast<std::ptrdiff_t>(end));
+    const PackedBlock leader = sorted_[static_cast<std::size_t>(best - proofs.begin())];
+    std::vector<std::uint32_t> others;  // few: in a store the whole ids of a low half are one
+    for (std::size_t i = begin; i < end; ++i) {
+      if (sorted_[i].Id() != leader.Id()) others.push_back(static_cast<std::uint32_t>(i));
     }
-    std::vector<Proven> group;
-    for (; group.size() < end - begin; ++proven) group.push_back({contested[proven], proofs[proven]});
-    for (const PlacedBlock& block : BestOfEachId(std::move(group))) sorted_[kept++] = Entry(block);
+    // By whole id, the best proof first, in file order among equals.
+    std::ranges::sort(others, {}, [&](std::uint32_t i) {
+      return std::tuple(sorted_[i].Id(), Proof::kWhole > proofs[i], Proof::kTrailer > proofs[i], i);
+    });
+    others.erase(std::ranges::unique(others, {}, [&](std::uint32_t i) { return sorted_[i].Id(); }).begin(),
+                 others.end());
+    std::vector<PackedBlock> blocks;
+    for (const std::uint32_t i : others) blocks.push_back(sorted_[i]);
+    sorted_[kept++] = leader;
+    for (const PackedBlock& block : blocks) sorted_[kept++] = block;
   }
   sorted_.resize(kept);
 }
 
-std::span<const BlockIndex::Entry> BlockIndex::EntriesOf(std::uint32_t low) const {
-  const auto [first, last] = std::equal_range(sorted_.begin(), sorted_.end(), Entry({low, 0, 0}), Lower);
+std::span<const PackedBlock> BlockIndex::EntriesOf(std::uint32_t low) const {
+  const auto [first, last] = std::equal_range(sorted_.begin(), sorted_.end(), PackedBlock({low, 0, 0}), Lower);
   return {first, last};
 }
 
 std::optional<BlockRecord> BlockIndex::Find(std::uint32_t low) const {
-  const auto found = std::lower_bound(sorted_.begin(), sorted_.end(), Entry({low, 0, 0}), Lower);
-  if (found == sorted_.end() || static_cast<std::uint32_t>(found->bid) != low) return std::nullopt;
+  const auto found = std::lower_bound(sorted_.begin(), sorted_.end(), PackedBlock({low, 0, 0}), Lower);
+  if (found == sorted_.end() || found->LowId() != low) return std::nullopt;
   return RecordOf(found->Block());
 }
 
 std::optional<PlacedBlock> BlockIndex::FindExact(Bid bid) const {
   const auto entries = EntriesOf(LowBid(bid));
   if (entries.empty()) return std::nullopt;
-  if (entries.front().bid == Value(bid)) return entries.front().Block();
+  if (entries.front().Id() == Value(bid)) return entries.front().Block();
   const auto others = entries.subspan(1);
-  const auto found = std::ranges::lower_bound(others, Value(bid), {}, &Entry::bid);
-  if (found == others.end() || found->bid != Value(bid)) return std::nullopt;
+  const auto found = std::ranges::lower_bound(others, Value(bid), {}, &PackedBlock::Id);
+  if (found == others.end() || found->Id() != Value(bid)) return std::nullopt;
   return found->Block();
 }
 

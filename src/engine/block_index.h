@@ -22,7 +22,7 @@ namespace velmora::engine {
 ///
 /// Memory: 16 bytes for each id once it is settled. While it is built, at most about four times as much for
 /// each record: those that were taken in but not merged are never more than those that were (or 65,536),
-/// and a merge works on a copy. Settling takes about 30 bytes for each record whose id has others.
+/// and a merge works on a copy. Settling takes one byte more a record, and four where its id has others.
 class BlockIndex {
  public:
   /// Takes in blocks; those of one id in file order, within one call and from call to call.
@@ -39,36 +39,14 @@ class BlockIndex {
   std::optional<PlacedBlock> FindExact(Bid bid) const;
 
  private:
-  struct Entry {
-    Entry() = default;
-    explicit Entry(const PlacedBlock& block)
-        : bid(Value(block.bid)), offsetAndSize(block.offset << kSizeBits | (block.size & 0xFFFF)) {}
-
-    /// Offsets are below the size of a file, or up to 64 KiB below 0 where a trailer tells so; the sign gives these
-    /// back.
-    PlacedBlock Block() const {
-      const auto offset = static_cast<std::int64_t>(offsetAndSize) >> kSizeBits;
-      return {bid, static_cast<std::uint16_t>(offsetAndSize), static_cast<std::uint64_t>(offset)};
-    }
-
-    static constexpr int kSizeBits = 16;
-    std::uint64_t bid = 0;
-    std::uint64_t offsetAndSize = 0;
-  };
-  static_assert(sizeof(Entry) == 16);
-
-  static bool Lower(const Entry& a, const Entry& b) {
-    return static_cast<std::uint32_t>(a.bid) < static_cast<std::uint32_t>(b.bid);
-  }
-  std::span<const Entry> EntriesOf(std::uint32_t low) const;
-
+  std::span<const PackedBlock> EntriesOf(std::uint32_t low) const;
   void Merge();
   void KeepTheBestOfEachId(const Source& source, const Generation& layout, RunContext& run);
 
   /// By the low half of the id, in file order among equals; copies side by side are dropped. Once settled, the block
   /// that counts for a low half leads, and those of other whole ids follow in the order of these.
-  std::vector<Entry> sorted_;
-  std::vector<Entry> pending_;  ///< not merged yet
+  std::vector<PackedBlock> sorted_;
+  std::vector<PackedBlock> pending_;  ///< not merged yet
 };
 
 }  // namespace velmora::engine

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
 #include <tuple>
 
 #include "engine/source_window.h"
@@ -36,31 +35,30 @@ Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView by
 }
 
 std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, RunContext& run,
-                               std::span<const PlacedBlock> blocks) {
-  std::vector<std::uint32_t> order(blocks.size());
-  std::iota(order.begin(), order.end(), 0u);
-  std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-    const auto key = [](const PlacedBlock& block) { return std::tuple(block.offset, block.size, LowBid(block.bid)); };
-    return key(blocks[a]) < key(blocks[b]);
+                               std::span<const PackedBlock> blocks, std::vector<std::uint32_t> chosen) {
+  std::ranges::sort(chosen, {}, [&](std::uint32_t i) {
+    const PlacedBlock block = blocks[i].Block();
+    return std::tuple(block.offset, block.size, LowBid(block.bid));
   });
 
   std::vector<Proof> proofs(blocks.size(), Proof::kNone);
   std::uint64_t mostSummed = source.Size();
   SourceWindow window(source);
-  for (auto at = order.begin(); at != order.end();) {
+  for (auto at = chosen.begin(); at != chosen.end();) {
     run.control.PausePoint();
-    const std::uint64_t begin = blocks[*at].offset;
+    const std::uint64_t begin = blocks[*at].Block().offset;
     std::uint64_t end = begin;
     auto last = at;
-    for (; last != order.end() && (last == at || blocks[*last].offset <= end + kGap); ++last) {
-      const std::uint64_t reach = std::max(end, EndOf(layout, blocks[*last]));
-      if (reach - begin > kMostAtOnce) break;
+    for (; last != chosen.end(); ++last) {
+      const PlacedBlock block = blocks[*last].Block();
+      const std::uint64_t reach = std::max(end, EndOf(layout, block));
+      if (last != at && (block.offset > end + kGap || reach - begin > kMostAtOnce)) break;
       end = reach;
     }
     const ByteView bytes = window.Peek(begin, end - begin);
     for (; at != last; ++at) {
-      const PlacedBlock& block = blocks[*at];
-      const bool again = at != order.begin() && RecordOf(block) == RecordOf(blocks[*std::prev(at)]);
+      const PlacedBlock block = blocks[*at].Block();
+      const bool again = at != chosen.begin() && RecordOf(block) == RecordOf(blocks[*std::prev(at)].Block());
       const ByteView its = bytes.Slice(block.offset - begin, EndOf(layout, block) - block.offset);
       proofs[*at] = again ? proofs[*std::prev(at)] : ProveBlock(layout, block, its, mostSummed);
     }

@@ -28,13 +28,13 @@ std::uint64_t EndOf(const Generation& layout, const PlacedBlock& block);
 /// off.
 Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView bytes, std::uint64_t& mostSummed);
 
-/// Proves each of `blocks`.
+/// Proves the blocks at the positions `chosen`; the others keep kNone. By position.
 ///
 /// The blocks are read in the order of their places, so no part of the source is read twice but for the
 /// ends of its blocks, however many records point into it. Blocks of a sound store do not overlap; where
 /// those of the records do, checksums are computed over as many bytes as the source has, and blocks beyond
 /// that are proven by their trailers alone.
 std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, RunContext& run,
-                               std::span<const PlacedBlock> blocks);
+                               std::span<const PackedBlock> blocks, std::vector<std::uint32_t> chosen);
 
 }  // namespace velmora::engine
