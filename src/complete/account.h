@@ -1,0 +1,117 @@
+// What became of everything that the source holds: the account of a complete conversion.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "store/format/failures.h"
+#include "store/format/ids.h"
+#include "store/format/prop_tag.h"
+#include "text/calendar.h"
+#include "text/text.h"
+
+namespace velmora::complete {
+
+/// What became of a node that some page of the file names. Each has just one fate, so their counts add up to the number
+/// of nodes found.
+enum class NodeFate : std::size_t {
+  kWritten,       ///< the object is in the new store, whole
+  kPartial,       ///< it is there without something that could not be read
+  kOlderVersion,  ///< an old page names it as it was before: with other blocks than now
+  kDeleted,       ///< no longer live
+  kDeletedWritten,
+  kHidden,        ///< an associated message, which was not asked for
+  kSearchFolder,  ///< a search folder or what belongs to one: it holds nothing of its own
+  kInternal,      ///< of the store itself (tables, queues, its name map, folders without a message that nobody sees): made
+                  ///< anew or not needed
+  kUnreadable,    ///< live, and nothing of it could be read
+};
+inline constexpr std::size_t kNodeFates = 9;
+
+/// The messages of one class.
+struct ItemCounts {
+  std::uint64_t live = 0;
+  std::uint64_t whole = 0;
+  std::uint64_t partial = 0;
+  std::uint64_t lost = 0;
+};
+
+/// Something of a message or attachment that did not come across.
+struct MissingPart {
+  enum class Kind {
+    kObject,      ///< all of it
+    kProperty,    ///< one property: `tag`
+    kRecipients,  ///< the table of recipients, or rows of it
+    kAttachment,  ///< `name`, of `size` bytes
+    kBytes,       ///< `size` bytes of a value, which read as zeros
+    kText,        ///< 8-bit text in no known code page, kept byte for byte: `tag`
+  };
+  Kind kind = Kind::kObject;
+  PropTag tag = 0;
+  text::Text name = {};
+  std::uint64_t size = 0;
+  Failure cause = {};  ///< kind, object, offset and cause in plain words
+};
+
+/// A message or folder of which not everything came across, named as a person knows it.
+struct Loss {
+  Nid source{};
+  std::optional<Nid> target = {};  ///< nothing where nothing of it could be written
+  text::Text folder = {};          ///< path in the new store, each name behind a slash
+  text::Text messageClass = {};
+  text::Text subject = {};
+  text::Text sender = {};
+  std::optional<text::FileTime> date = {};
+  std::vector<MissingPart> missing = {};
+};
+
+/// On what the answer stands.
+struct Evidence {
+  bool headerUsed = false;
+  bool treesUsed = false;           ///< both trees of the header's root could be read to the end
+  std::uint64_t treeNodes = 0;      ///< nodes in the node tree
+  std::uint64_t treeBlocks = 0;     ///< blocks in the block tree
+  std::uint64_t nodePages = 0;      ///< pages of node trees that prove themselves, old ones too
+  std::vector<Failure> treeFaults;  ///< pages of the trees that could not be used
+};
+
+/// A difference that a comparison of the two stores found.
+struct Difference {
+  Nid source{};
+  Nid target{};
+  std::string what;  ///< in plain words: "property 0x1000001F", "recipient 3: ..."
+};
+
+struct Account {
+  std::array<std::uint64_t, kNodeFates> nodes{};
+  std::uint64_t NodesFound() const;
+
+  std::map<text::Text, ItemCounts> items;  ///< by message class
+  std::uint64_t folders = 0;               ///< of the source that are in the new store
+  std::uint64_t recipients = 0;
+  std::uint64_t attachments = 0;  ///< with those of embedded messages
+  std::uint64_t embedded = 0;     ///< messages in attachments
+  std::uint64_t bytes = 0;        ///< of values that were copied
+
+  std::vector<Loss> losses;
+  std::uint64_t lossesNotListed = 0;
+  Evidence evidence;
+
+  /// Of a comparison, where one was asked for.
+  bool isVerified = false;
+  std::uint64_t objectsCompared = 0;
+  std::vector<Difference> differences;
+  std::uint64_t differencesNotListed = 0;
+
+  ItemCounts Totals() const;
+
+  /// Whether everything that is live came across whole.
+  bool IsWhole() const { return losses.empty() && lossesNotListed == 0; }
+};
+
+}  // namespace velmora::complete

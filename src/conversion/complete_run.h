@@ -1,0 +1,41 @@
+// One complete conversion, from opening the source to sealing the new store, on the calling thread.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "complete/account.h"
+#include "complete/copy_store.h"
+#include "conversion/worker.h"
+#include "engine/heap_evidence.h"
+#include "engine/run.h"
+#include "platform/file.h"
+#include "store/format/generation.h"
+
+namespace velmora::conversion {
+
+struct CompleteRequest {
+  std::filesystem::path source;
+  std::filesystem::path destination;  ///< the folder in which the new one is made; must exist
+  complete::CopyOptions copy;
+  bool verify = false;
+  bool dryRun = false;  ///< everything is read, and written to a store without a file
+  bool log = false;     ///< LogInformation.log beside the new store
+  platform::SourceOpener open = platform::OpenForReading;
+};
+
+struct CompleteReport {
+  engine::StoreKind storeKind = engine::StoreKind::kNone;
+  std::optional<FormatId> format;  ///< nothing while no format was found
+  std::filesystem::path store;     ///< of the new store; empty while none was made
+  complete::Account account;
+  std::optional<Failure> readFailure;  ///< the first read of the source that failed
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> unread;  ///< ranges of the source: from, to
+};
+
+/// Says stages 1 (opening), 2 (probe), 3 (set-up), 4 (scan), 8 (items) and 9 (closing), progress, and at the end Done or
+/// the one notice of what ended it; never both. A stop leaves the store sealed with what was copied.
+RunEnd RunComplete(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report);
+
+}  // namespace velmora::conversion
