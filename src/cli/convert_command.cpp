@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "cli/complete_conversion.h"
 #include "cli/console.h"
 #include "cli/field_conversion.h"
 #include "conversion/free_space.h"
@@ -38,6 +39,12 @@ text::Text FullPath(const std::string& path) {
   return text::FromFileName(error ? path : full.string());
 }
 
+std::unique_ptr<Conversion> MakeConversion(const Options& options, const text::Text& source, RunTargets& targets,
+                                           const platform::SourceOpener& openSource) {
+  if (options.complete) return std::make_unique<CompleteConversion>(options, source, openSource);
+  return std::make_unique<FieldConversion>(options, source, targets, openSource);
+}
+
 /// Everything of one call of the program that the parts of its work share.
 class ConvertCommand {
  public:
@@ -46,7 +53,7 @@ class ConvertCommand {
         progress_(StyleOfTerminal(), WriteError),
         console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError,
                  [this] { conversion_->BeforeClose(); }),
-        conversion_(std::make_unique<FieldConversion>(options, source_, targets_, openSource)) {
+        conversion_(MakeConversion(options, source_, targets_, openSource)) {
     conversion_->Context().observer = &console_;
   }
 
