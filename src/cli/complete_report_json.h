@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "cli/report_json.h"
+#include "cli/report_frame.h"
 #include "conversion/complete_run.h"
 
 namespace velmora::cli {

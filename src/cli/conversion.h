@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/report_json.h"
+#include "cli/report_frame.h"
 #include "conversion/worker.h"
 
 namespace velmora::cli {

@@ -3,6 +3,7 @@
 
 #include "cli/conversion.h"
 #include "cli/options.h"
+#include "cli/report_json.h"
 #include "cli/run_targets.h"
 #include "conversion/out_look.h"
 

@@ -7,9 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "cli/report_json.h"
-#include "engine/heap_evidence.h"
-#include "store/format/generation.h"
+#include "cli/report_frame.h"
+#include "conversion/run_report.h"
 
 namespace velmora::cli {
 

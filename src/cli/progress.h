@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "engine/event.h"
+#include "conversion/notices.h"
 
 namespace velmora::cli {
 
