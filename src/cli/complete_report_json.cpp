@@ -81,9 +81,6 @@ Json MissingJson(const MissingPart& part) {
     case MissingPart::Kind::kBytes:
       json["kind"] = "bytes";
       break;
-    case MissingPart::Kind::kText:
-      json["kind"] = "text";
-      break;
   }
   if (part.tag != 0) json["tag"] = fmt::format("0x{:08X}", part.tag);
   if (part.kind == MissingPart::Kind::kAttachment || part.size != 0) json["size"] = part.size;
@@ -174,6 +171,7 @@ std::string CompleteReportJson(const ReportFrame& frame, const conversion::Compl
   json.Add("attachments", account.attachments);
   json.Add("embedded", account.embedded);
   json.Add("bytes", account.bytes);
+  json.Add("undefinedBytes", account.undefinedBytes);
   json.AddList("losses", account.losses, LossJson);
   json.Add("lossesNotListed", account.lossesNotListed);
   json.Add("evidence", EvidenceJson(report));

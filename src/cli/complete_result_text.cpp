@@ -40,9 +40,8 @@ std::string PartWords(const MissingPart& part) {
     case MissingPart::Kind::kAttachment:
       return fmt::format("attachment \"{}\" ({})", OneLine(part.name), SizeText(part.size));
     case MissingPart::Kind::kBytes:
-      return SizeText(part.size) + (part.tag == 0 ? "" : " of " + PropertyWords(part.tag));
-    case MissingPart::Kind::kText:
-      return PropertyWords(part.tag) + ", in a code page that is not known";
+      return (part.size == 0 ? "a part" : SizeText(part.size)) +
+             (part.tag == 0 ? "" : " of " + PropertyWords(part.tag));
   }
   return {};
 }
@@ -74,8 +73,13 @@ std::string NameOfLoss(const Loss& loss) {
 
 std::string CountsText(const complete::Account& account) {
   const complete::ItemCounts totals = account.Totals();
-  return fmt::format("{:>10}  items whole\n{:>10}  items in part\n{:>10}  items lost\n{:>10}  folders\n", totals.whole,
-                     totals.partial, totals.lost, account.folders);
+  std::string text = fmt::format("{:>10}  items whole\n{:>10}  items in part\n{:>10}  items lost\n{:>10}  folders\n",
+                                 totals.whole, totals.partial, totals.lost, account.folders);
+  if (account.undefinedBytes != 0) {
+    text += fmt::format("\n{} of 8-bit text stand for no letter of its code page; --codepage may name the right one.\n",
+                        SizeText(account.undefinedBytes));
+  }
+  return text;
 }
 
 std::string LossesText(const complete::Account& account, std::string_view reportPath) {

@@ -26,9 +26,10 @@ std::vector<std::string> NamesOf(const Object& json) {
 TEST(CompleteReportJson, HasAllFieldsInTheirOrder) {
   const Object json = Parsed({});
   EXPECT_EQ(NamesOf(json),
-            (std::vector<std::string>{"schemaVersion", "conversion", "source", "destination", "storeKind", "format",
-                                      "nodes", "items", "folders", "recipients", "attachments", "embedded", "bytes",
-                                      "losses", "lossesNotListed", "evidence", "refusal", "seconds", "peakRssKiB"}));
+            (std::vector<std::string>{"schemaVersion",   "conversion", "source",  "destination",    "storeKind",
+                                      "format",          "nodes",      "items",   "folders",        "recipients",
+                                      "attachments",     "embedded",   "bytes",   "undefinedBytes", "losses",
+                                      "lossesNotListed", "evidence",   "refusal", "seconds",        "peakRssKiB"}));
   EXPECT_EQ(json["schemaVersion"], 2);
   EXPECT_EQ(json["conversion"], "complete");
   EXPECT_TRUE(json["format"].is_null());
@@ -77,6 +78,7 @@ TEST(CompleteReportJson, CountsItemsByClassAndTheRestInAll) {
   account.attachments = 6;
   account.embedded = 7;
   account.bytes = 1ull << 40;
+  account.undefinedBytes = 8;
   const Object json = Parsed(report);
   EXPECT_EQ(json["items"], (Object::parse(R"({"IPM.Note":{"live":10,"whole":7,"partial":2,"lost":1},
                                               "\uFFFD":{"live":3,"whole":1,"partial":1,"lost":1}})")));
@@ -85,6 +87,7 @@ TEST(CompleteReportJson, CountsItemsByClassAndTheRestInAll) {
   EXPECT_EQ(json["attachments"], 6);
   EXPECT_EQ(json["embedded"], 7);
   EXPECT_EQ(json["bytes"], 1ull << 40);
+  EXPECT_EQ(json["undefinedBytes"], 8);
 }
 
 TEST(CompleteReportJson, TellsOfALossWhatItWasAndWhatOfItIsMissing) {
@@ -101,8 +104,7 @@ TEST(CompleteReportJson, TellsOfALossWhatItWasAndWhatOfItIsMissing) {
                             .missing = {{.kind = Kind::kProperty, .tag = 0x0037001F, .cause = cause},
                                         {.kind = Kind::kRecipients},
                                         {.kind = Kind::kAttachment, .name = u"a.txt", .size = 0},
-                                        {.kind = Kind::kBytes, .size = 8176},
-                                        {.kind = Kind::kText, .tag = 0x0037001E}}},
+                                        {.kind = Kind::kBytes, .tag = 0x1000001F, .size = 8176}}},
                            {.source = Nid{0x200064}, .missing = {{.kind = Kind::kObject}}}};
   report.account.lossesNotListed = 9;
   const Object json = Parsed(report);
@@ -113,8 +115,7 @@ TEST(CompleteReportJson, TellsOfALossWhatItWasAndWhatOfItIsMissing) {
                                                      "message":"the checksum is wrong"}},
       {"kind":"recipients","cause":null},
       {"kind":"attachment","name":"a.txt","size":0,"cause":null},
-      {"kind":"bytes","size":8176,"cause":null},
-      {"kind":"text","tag":"0x0037001E","cause":null}]},
+      {"kind":"bytes","tag":"0x1000001F","size":8176,"cause":null}]},
     {"source":2097252,"target":null,"folder":"","subject":"","sender":"","date":null,"class":"","missing":[
       {"kind":"object","cause":null}]}])"));
   EXPECT_EQ(json["lossesNotListed"], 9);

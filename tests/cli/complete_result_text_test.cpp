@@ -46,6 +46,15 @@ TEST(CompleteResultText, CountsItemsOfAllClassesAndFolders) {
             "         4  folders\n");
 }
 
+TEST(CompleteResultText, TextInAnotherCodePageIsToldWithTheOptionForIt) {
+  Account account;
+  account.undefinedBytes = 12;
+  EXPECT_THAT(
+      CountsText(account),
+      EndsWith("  folders\n\n12 bytes of 8-bit text stand for no letter of its code page; --codepage may name the "
+               "right one.\n"));
+}
+
 TEST(CompleteResultText, SaysNothingOfLossesWhereNothingIsLost) { EXPECT_EQ(LossesText({}, "report.json"), ""); }
 
 TEST(CompleteResultText, NamesALossByFolderSubjectSenderAndDate) {
@@ -63,8 +72,7 @@ TEST(CompleteResultText, SaysWhatIsMissing) {
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kBytes, .size = 8176})), EndsWith(": 8.2 KB"));
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kBytes, .tag = 0x1000001F, .size = 8176})),
               EndsWith(": 8.2 KB of the plain text"));
-  EXPECT_THAT(LineOf(LossOf({.kind = Kind::kText, .tag = 0x0037001E})),
-              EndsWith(": the subject, in a code page that is not known"));
+  EXPECT_THAT(LineOf(LossOf({.kind = Kind::kBytes, .tag = 0x0037001F})), EndsWith(": a part of the subject"));
 }
 
 TEST(CompleteResultText, OfManyMissingPartsTheFirstThreeAreNamed) {
