@@ -19,7 +19,7 @@ CONVERSIONS = (("field by field", ()), ("`--complete`", ("--complete",)), ("`--c
 
 # What is counted of a comparison, and how it is called.
 ROWS = (
-    ("items that a user sees", "source"),
+    ("items in the source", "source"),
     ("come across", "matched"),
     ("with all their properties, recipients and attachments", "intact"),
     ("do not come across", "missing"),
@@ -30,12 +30,13 @@ ROWS = (
     ("attachments with other bytes", "atts_changed"),
     ("items in the new store that are not from the source, or there twice", "extra"),
     ("folders that are missing", "folders"),
-    ("stores that the program refuses", "refused"),
+    ("stores of which no new one is made", "refused"),
 )
+OF_ITEMS = ("source", "matched", "intact", "missing", "other_folder")
 
 
 def compare(source, options):
-    """The sums of one store over all kinds of items; hidden ones count where they were asked for."""
+    """The sums of one store over all kinds of items; hidden ones are among them where they were asked for."""
     with tempfile.TemporaryDirectory() as work:
         subprocess.run([stores.PROGRAM, "--quiet", *options, source, work], capture_output=True,
                        env={**os.environ, "XDG_CONFIG_HOME": work})
@@ -51,9 +52,10 @@ def compare(source, options):
     # Folders beside the tree that people see begin with two slashes.
     sums = collections.Counter(extra=difference["extra_items"],
                                folders=sum(not path.startswith("//") for path, _ in difference["folders_lost"]))
-    for kind in difference["kinds"].values():
-        for _, name in ROWS:
-            sums[name] += kind.get(name, 0)
+    for name, kind in difference["kinds"].items():
+        # A message in a message is no item; but it has a body, recipients and attachments.
+        counted = {row for _, row in ROWS if not (name.startswith("(embedded)") and row in OF_ITEMS)}
+        sums.update({row: kind[row] for row in counted if row in kind})
     return sums
 
 
