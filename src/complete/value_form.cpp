@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "store/format/failures.h"
 #include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
 #include "store/ltp/property_value.h"
