@@ -6,6 +6,7 @@
 
 #include "cli/plain_words.h"
 #include "cli/result_text.h"
+#include "conversion/notices.h"
 
 namespace velmora::cli {
 namespace {
@@ -52,16 +53,17 @@ std::string MissingWords(const Loss& loss) {
     const MissingPart& part = loss.missing[i];
     words += (i == 0 ? "" : "; ") + PartWords(part);
     if (!part.cause.message.empty()) {
-      words += fmt::format(" ({})", OneLine(text::FromUtf8(CauseWithPlace(part.cause))));
+      words += fmt::format(" ({})", OneLine(text::FromUtf8(conversion::CauseOf(part.cause))));
     }
   }
   if (loss.missing.size() > kPartsNamed) words += fmt::format("; {} more", loss.missing.size() - kPartsNamed);
   return words;
 }
 
-/// A folder has no message class; it is known by its path.
+/// A folder has no message class; it is known by its path. Of a message that cannot be read at all nothing may be known
+/// but its node.
 std::string NameOfLoss(const Loss& loss) {
-  std::string name = OneLine(loss.folder);
+  std::string name = loss.folder.empty() ? Named("node", loss.source) : OneLine(loss.folder);
   if (loss.messageClass.empty() && loss.subject.empty() && loss.sender.empty() && !loss.date) return name;
   name += loss.subject.empty() ? ", no subject" : fmt::format(", \"{}\"", OneLine(loss.subject));
   if (!loss.sender.empty()) name += " from " + OneLine(loss.sender);

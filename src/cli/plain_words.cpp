@@ -42,10 +42,4 @@ std::string OneLine(text::TextView text) {
   return text::ToUtf8(line);
 }
 
-std::string CauseWithPlace(const platform::Failure& failure) {
-  const std::string place = failure.offset == 0 ? "" : fmt::format(" at {}", failure.offset);
-  return fmt::format("{}{}{}{}", failure.object, place, failure.object.empty() && place.empty() ? "" : ": ",
-                     failure.message);
-}
-
 }  // namespace velmora::cli

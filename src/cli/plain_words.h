@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/failure.h"
 #include "text/calendar.h"
 #include "text/text.h"
 
@@ -19,8 +18,5 @@ std::string DateText(text::FileTime time);
 /// A text of a store on one line of a terminal: what would move the cursor, color or turn the line becomes a blank, and
 /// a long text is cut.
 std::string OneLine(text::TextView text);
-
-/// Why, and where in the file: "block 0x1A4 at 5632: the checksum is wrong".
-std::string CauseWithPlace(const platform::Failure& failure);
 
 }  // namespace velmora::cli

@@ -59,7 +59,7 @@ TEST(CompleteResultText, SaysNothingOfLossesWhereNothingIsLost) { EXPECT_EQ(Loss
 
 TEST(CompleteResultText, NamesALossByFolderSubjectSenderAndDate) {
   EXPECT_EQ(LineOf(LossOf({.kind = Kind::kRecipients, .cause = kBadBlock})),
-            "/Inbox/Projects, \"Re: Plan\" from Anna Berg, 2021-05-03 14:02: recipients (block 0x1A4 at 5632: the "
+            "/Inbox/Projects, \"Re: Plan\" from Anna Berg, 2021-05-03 14:02: recipients (block 0x1A4: the "
             "checksum is wrong)");
 }
 
@@ -89,6 +89,8 @@ TEST(CompleteResultText, AMessageWithoutASubjectAndAFolderAreTold) {
   EXPECT_EQ(LineOf(loss), "/Inbox/Projects, no subject: all of it");
   loss.messageClass = u"";
   EXPECT_EQ(LineOf(loss), "/Inbox/Projects: all of it");
+  loss.folder = u"";
+  EXPECT_EQ(LineOf(loss), "node 0x200024: all of it") << "nothing else is known of it";
 }
 
 TEST(CompleteResultText, ASubjectCannotMoveTheCursor) {

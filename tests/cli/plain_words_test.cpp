@@ -32,15 +32,5 @@ TEST(PlainWords, ALongTextIsCut) {
   EXPECT_EQ(OneLine(text::Text(81, u'a')), std::string(80, 'a') + "...");
 }
 
-TEST(PlainWords, ACauseHasItsPlaceWhereOneIsKnown) {
-  using platform::Failure;
-  using platform::FailureKind;
-  EXPECT_EQ(CauseWithPlace({FailureKind::kCorrupt, "block 0x1A4", 5632, "the checksum is wrong"}),
-            "block 0x1A4 at 5632: the checksum is wrong");
-  EXPECT_EQ(CauseWithPlace({FailureKind::kCorrupt, "block 0x1A4", 0, "it is not there"}),
-            "block 0x1A4: it is not there");
-  EXPECT_EQ(CauseWithPlace({FailureKind::kCorrupt, "", 0, "why"}), "why");
-}
-
 }  // namespace
 }  // namespace velmora::cli
