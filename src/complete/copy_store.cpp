@@ -75,9 +75,10 @@ class StoreCopy {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (!IsMessage(node.nid)) continue;
       run_.control.PausePoint();
-      run_.SayProgress(++done * 100 / count);
+      run_.SayCopied({done++, count, account_.bytes});
       CopyMessage(node);
     }
+    run_.SayCopied({done, count, account_.bytes});
     CountNodes();
   }
 

@@ -59,7 +59,12 @@ class CompleteRun {
     messaging::StoreOptions options;
     options.sourceDateEpoch = messaging::PstLibraryOptions::EpochOfEnvironment();
     options.codePage = request_.copy.codePage;
-    target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+    try {
+      target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+    } catch (const output::OutputFailure& failure) {
+      report_.store.clear();  // what lies there is no store yet
+      run_.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
+    }
   }
 
   /// A new folder for the store: "NAME0", or the next number that no folder has.
@@ -107,7 +112,8 @@ class CompleteRun {
   void Verify() {
     run_.BeginStage(9);
     const auto written = platform::OpenForReading(report_.store);
-    if (!written) return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
+    if (!written)
+      return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
     complete::CompareStores(*store_, **written, request_.copy, run_, report_.account);
   }
 

@@ -2,9 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "cli/convert_command.h"
 #include "engine/bad_disk.h"
@@ -31,6 +33,7 @@ class CompleteConversionRun : public testing::Test {
   }
 
   std::filesystem::path Source() const { return folder_.Path() / "outlook.pst"; }
+  std::filesystem::path Store() const { return folder_.Path() / "outlook Converted0" / "outlook Converted.pst"; }
 
   ExitCode Run(const platform::SourceOpener& open = platform::OpenForReading) {
     options_.report = (folder_.Path() / "report.json").string();
@@ -98,6 +101,63 @@ class DyingDisk : public platform::ByteSource {
   int most_;
 };
 
+/// A disk from which the program is told to stop at one of the reads.
+class InterruptingDisk : public platform::ByteSource {
+ public:
+  InterruptingDisk(std::unique_ptr<const platform::ByteSource> content, int& reads, int stopAt)
+      : content_(std::move(content)), reads_(reads), stopAt_(stopAt) {}
+  std::uint64_t Size() const override { return content_->Size(); }
+  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    if (++reads_ == stopAt_) std::raise(SIGINT);
+    return content_->ReadAt(offset, out);
+  }
+
+ private:
+  std::unique_ptr<const platform::ByteSource> content_;
+  int& reads_;
+  int stopAt_;
+};
+
+TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatWasCopied) {
+  forge::Mailbox box({.fullLength = true});
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .containerClass = u"IPF.Note"});
+  const text::Text body(20'000, u'x');
+  constexpr int kMails = 12;
+  for (int i = 0; i < kMails; ++i) box.AddMessage(inbox, {.subject = u"Mail", .plain = body});
+  box.Finish().Save(Source());
+
+  int reads = 0;
+  int stopAt = 0;
+  const platform::SourceOpener open = [&](const std::filesystem::path& path) {
+    reads = 0;
+    return platform::OpenForReading(path).map([&](std::unique_ptr<platform::ByteSource> file) {
+      return std::unique_ptr<platform::ByteSource>(std::make_unique<InterruptingDisk>(std::move(file), reads, stopAt));
+    });
+  };
+  ASSERT_EQ(Run(open), ExitCode::kDone);
+  const int all = reads;
+  std::set<std::uint64_t> counts;
+  for (stopAt = 1; stopAt <= all; stopAt += 1 + all / 40) {
+    SCOPED_TRACE(stopAt);
+    const ExitCode code = Run(open);
+    if (code == ExitCode::kDone) continue;  // told behind the last pause point
+    ASSERT_EQ(code, ExitCode::kStopped) << said_;
+    if (said_ == "Stopped. No store was written.\n") continue;
+    EXPECT_EQ(said_, "Stopped. Recovered at: " + Store().string() + "\n");
+    Options again = options_;
+    again.source = Store().string();
+    again.dryRun = true;
+    again.report = (folder_.Path() / "again.json").string();
+    std::filesystem::remove(again.report);
+    EXPECT_EQ(Convert(again), ExitCode::kDone);
+    std::ifstream file(again.report);
+    const auto items = nlohmann::json::parse(file)["items"];
+    counts.insert(items.empty() ? 0 : items["IPM.Note"]["whole"].get<std::uint64_t>());
+  }
+  EXPECT_GT(counts.size(), 3u);
+  EXPECT_LE(*counts.rbegin(), kMails);
+}
+
 TEST_F(CompleteConversionRun, ADifferenceThatIsFoundIsAFailureAndNamed) {
   int reads = 0;
   int most = std::numeric_limits<int>::max();
@@ -114,7 +174,7 @@ TEST_F(CompleteConversionRun, ADifferenceThatIsFoundIsAFailureAndNamed) {
   ASSERT_FALSE(report_["verify"]["differences"].empty());
   EXPECT_THAT(said_, HasSubstr("velmora-convert: --verify: node 0x"));
   EXPECT_THAT(said_, HasSubstr(report_["verify"]["differences"][0]["what"].get<std::string>()));
-  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / "outlook Converted0" / "outlook Converted.pst"));
+  EXPECT_TRUE(std::filesystem::exists(Store()));
 }
 
 }  // namespace
