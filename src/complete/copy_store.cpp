@@ -67,6 +67,7 @@ class StoreCopy {
   }
 
   void Run() {
+    CountOldNodes();
     KeepIdsApart();
     folders_.CopyAll();
     std::uint64_t count = 0;
@@ -78,7 +79,7 @@ class StoreCopy {
       run_.SayProgress(++done * 100 / count);
       CopyMessage(node);
     }
-    CountNodes();
+    for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
   }
 
  private:
@@ -151,13 +152,17 @@ class StoreCopy {
       ++counts.live;
       ++(isWhole ? counts.whole : loss.target ? counts.partial : counts.lost);
     }
-    fates_[node.nid] = isWhole ? NodeFate::kWritten : loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
-    if (!isWhole) account_.AddLoss(std::move(loss));
+    if (isWhole) return;
+    fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
+    account_.AddLoss(std::move(loss));
   }
 
   NodeFate FateOfLive(const ndb::NodeEntry& node) {
     if (const auto fate = fates_.find(node.nid); fate != fates_.end()) return fate->second;
     switch (TypeOf(node.nid)) {
+      case NidType::kNormalMessage:
+      case NidType::kAssocMessage:
+        return NodeFate::kWritten;
       case NidType::kNormalFolder: {
         const SourceFolder* folder = plan_.Find(node.nid);
         return folder->target != nullptr ? NodeFate::kWritten : NodeFate::kInternal;
@@ -172,19 +177,18 @@ class StoreCopy {
     }
   }
 
-  /// Gives each node that some page names its one fate.
-  void CountNodes() {
+  void Count(NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; }
+
+  /// What pages name that is no longer so. A node that is not live counts as deleted once, whatever it was before.
+  void CountOldNodes() {
     const engine::NodeVersions found = engine::FindNodeVersions(source_.Found().source, source_.Format(), run_);
     account_.evidence.nodePages = found.pages;
-    const auto count = [&](NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; };
-    for (const ndb::NodeEntry& node : source_.Nodes()) count(FateOfLive(node));
-    const ndb::NodeEntry* last = nullptr;
+    Nid lastDead = kNoNid;
     for (const ndb::NodeEntry& entry : found.entries) {
       const auto live = source_.FindNode(entry.nid);
-      if (live && live->trees == entry.trees && live->nidParent == entry.nidParent) continue;
-      const bool isFirstOfDead = !live && (last == nullptr || last->nid != entry.nid);
-      count(isFirstOfDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
-      last = &entry;
+      if (live && *live == entry) continue;
+      Count(!live && entry.nid != lastDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
+      if (!live) lastDead = entry.nid;
     }
   }
 
@@ -201,7 +205,7 @@ class StoreCopy {
   CopyTools tools_;
   FolderCopier folders_;
   MessageCopier messages_;
-  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages
+  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages that were not written whole
 };
 
 }  // namespace
