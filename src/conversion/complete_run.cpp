@@ -133,7 +133,8 @@ class CompleteRun {
     const engine::ScannedStore* read = store_ != nullptr ? store_.get() : scan_.found.get();
     if (read != nullptr) {
       report_.readFailure = read->source.FirstFailure();
-      for (const auto& range : read->source.Unread().Ranges()) report_.unread.push_back(range);
+      const engine::BadRanges unread = read->source.Unread();
+      report_.unread.assign(unread.Ranges().begin(), unread.Ranges().end());
     }
     if (end == RunEnd::kFinished && !run_.runAborted) run_.Say(engine::Done{});
     run_.log = nullptr;
