@@ -23,9 +23,7 @@ constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
 /// The highest indexes stay free for the nodes that the new store makes itself.
 constexpr std::uint32_t kLastKeptIndex = kMaxNidIndex - (1u << 20);
 
-bool IsMessage(Nid nid) {
-  return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
-}
+bool IsMessage(Nid nid) { return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage; }
 
 bool KeepsId(Nid nid) { return IndexOf(nid) >= kFirstFreeNidIndex && IndexOf(nid) <= kLastKeptIndex; }
 
@@ -67,18 +65,22 @@ class StoreCopy {
   }
 
   void Run() {
+    run_.BeginStage(4);
     CountOldNodes();
+    run_.BeginStage(8);
     KeepIdsApart();
     folders_.CopyAll();
-    std::uint64_t count = 0;
-    std::uint64_t done = 0;
-    for (const ndb::NodeEntry& node : source_.Nodes()) count += IsMessage(node.nid) ? 1 : 0;
+    engine::ItemsCopied progress;
+    for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (!IsMessage(node.nid)) continue;
       run_.control.PausePoint();
-      run_.SayProgress(++done * 100 / count);
+      run_.SayCopied(progress);
       CopyMessage(node);
+      ++progress.items;
+      progress.bytes = account_.bytes;
     }
+    run_.SayCopied(progress);
     for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
   }
 
@@ -141,7 +143,8 @@ class StoreCopy {
       Folder& folder = FolderOf(node);
       loss.folder = PathOf(folder);
       copied->message.isAssociated = isHidden;
-      loss.target = target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
+      loss.target =
+          target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
     }

@@ -133,7 +133,9 @@ void FolderCopier::Copy(SourceFolder& folder) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }
   if (missing.empty()) return;
-  Loss loss{.source = folder.nid, .folder = PathOf(folder.target != nullptr ? *folder.target : parent), .subject = folder.name};
+  Loss loss{.source = folder.nid,
+            .folder = PathOf(folder.target != nullptr ? *folder.target : parent),
+            .subject = folder.name};
   if (folder.target != nullptr) loss.target = folder.target->nid;
   loss.missing = std::move(missing);
   tools_.account.AddLoss(std::move(loss));

@@ -98,7 +98,6 @@ class CompleteRun {
     }
     store_ = engine::FinishScan(scan_, run_);
     if (run_.runAborted) return;
-    run_.BeginStage(8);
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
     Seal();
     if (request_.verify && !request_.dryRun) Verify();
@@ -107,7 +106,8 @@ class CompleteRun {
   void Verify() {
     run_.BeginStage(9);
     const auto written = platform::OpenForReading(report_.store);
-    if (!written) return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
+    if (!written)
+      return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
     complete::CompareStores(*store_, **written, request_.copy, run_, report_.account);
   }
 
