@@ -88,8 +88,7 @@ class StoreCopy {
   /// So that ids which the new store gives itself never meet one that an object has brought along.
   void KeepIdsApart() {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
-      const bool isFolder = TypeOf(node.nid) == NidType::kNormalFolder;
-      if ((isFolder || IsMessage(node.nid)) && KeepsId(node.nid)) target_.Ndb().NoteNid(node.nid);
+      if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
     }
   }
 
@@ -102,8 +101,22 @@ class StoreCopy {
     return nid;
   }
 
+  bool IsCopied(const ndb::NodeEntry& node) {
+    const SourceFolder* folder = plan_.Find(IsMessage(node.nid) ? node.nidParent : node.nid);
+    switch (TypeOf(node.nid)) {
+      case NidType::kNormalFolder:
+        return folder->isCopied;
+      case NidType::kNormalMessage:
+        return true;
+      case NidType::kAssocMessage:  // that of a folder which stays behind is of use to nobody
+        return folder != nullptr && folder->isCopied && IsWanted(node);
+      default:
+        return false;
+    }
+  }
+
   bool IsWanted(const ndb::NodeEntry& node) {
-    if (TypeOf(node.nid) != NidType::kAssocMessage || options_.hidden) return true;
+    if (options_.hidden) return true;
     ndb::Faults faults;
     auto context = ltp::PropertyContext::Open(source_, node.trees, &faults);
     if (!context) return false;
@@ -122,9 +135,7 @@ class StoreCopy {
 
   void CopyMessage(const ndb::NodeEntry& node) {
     const bool isHidden = TypeOf(node.nid) == NidType::kAssocMessage;
-    const SourceFolder* const of = plan_.Find(node.nidParent);
-    // Hidden messages of a folder that stays behind are of use to nobody.
-    if (isHidden && (of == nullptr || of->target == nullptr || !IsWanted(node))) {
+    if (!IsCopied(node)) {
       fates_[node.nid] = NodeFate::kHidden;
       return;
     }
