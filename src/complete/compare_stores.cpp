@@ -51,9 +51,8 @@ class StoreComparison {
         target_(ValueOrRaise(ndb::StoreReader::Open(target))),
         references_(plan_.RecordKey(), TargetKey(), [this](Nid nid) { return TargetOf(nid); }) {
     for (const Loss& loss : account_.losses) losses_.emplace(loss.source, &loss);
-    SourceNames(*target_).ForEach([this](std::uint16_t id, const messaging::AnyPropertyName& name) {
-      targetIds_.emplace(name, id);
-    });
+    SourceNames(*target_).ForEach(
+        [this](std::uint16_t id, const messaging::AnyPropertyName& name) { targetIds_.emplace(name, id); });
   }
 
   void Run() {
@@ -85,7 +84,8 @@ class StoreComparison {
   messaging::Uid TargetKey() const {
     messaging::Uid key{};
     const auto node = target_->FindNode(nid::kMessageStore);
-    auto store = node ? ltp::PropertyContext::Open(*target_, node->trees) : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+    auto store = node ? ltp::PropertyContext::Open(*target_, node->trees)
+                      : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
     const auto bytes = store ? store->Binary(tag::kRecordKey) : std::nullopt;
     if (bytes && bytes->size() == key.size()) std::ranges::copy(*bytes, key.begin());
     return key;
@@ -120,7 +120,8 @@ class StoreComparison {
     const Pair pair{node.nid, *target, loss};
     const SourceFolder* parent = plan_.ParentOf(*folder);
     const auto written = target_->FindNode(*target);
-    if (parent != nullptr && TargetOf(parent->nid) != written->nidParent) Note(pair, "the folder stands in another one");
+    if (parent != nullptr && TargetOf(parent->nid) != written->nidParent)
+      Note(pair, "the folder stands in another one");
     try {
       auto from = ValueOrRaise(ltp::PropertyContext::Open(source_, node.trees, &faults_));
       auto to = ValueOrRaise(ltp::PropertyContext::Open(*target_, written->trees));
@@ -331,7 +332,8 @@ class StoreComparison {
     for (const auto& [folder, count] : held) {
       if (countIn_[folder] != count) Note({{}, folder}, "the folder holds messages that are not the source's");
       const auto node = target_->FindNode(folder);
-      auto context = node ? ltp::PropertyContext::Open(*target_, node->trees) : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+      auto context = node ? ltp::PropertyContext::Open(*target_, node->trees)
+                          : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
       if (!context) {
         Note({{}, folder}, "the folder cannot be read");
         continue;

@@ -23,9 +23,7 @@ constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
 /// The highest indexes stay free for the nodes that the new store makes itself.
 constexpr std::uint32_t kLastKeptIndex = kMaxNidIndex - (1u << 20);
 
-bool IsMessage(Nid nid) {
-  return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
-}
+bool IsMessage(Nid nid) { return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage; }
 
 bool KeepsId(Nid nid) { return IndexOf(nid) >= kFirstFreeNidIndex && IndexOf(nid) <= kLastKeptIndex; }
 
@@ -67,27 +65,30 @@ class StoreCopy {
   }
 
   void Run() {
+    run_.BeginStage(4);
+    CountOldNodes();
+    run_.BeginStage(8);
     KeepIdsApart();
     folders_.CopyAll();
-    std::uint64_t count = 0;
-    std::uint64_t done = 0;
-    for (const ndb::NodeEntry& node : source_.Nodes()) count += IsMessage(node.nid) ? 1 : 0;
+    engine::ItemsCopied progress;
+    for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (!IsMessage(node.nid)) continue;
       run_.control.PausePoint();
-      run_.SayCopied({done++, count, account_.bytes});
+      run_.SayCopied(progress);
       CopyMessage(node);
+      ++progress.items;
+      progress.bytes = account_.bytes;
     }
-    run_.SayCopied({done, count, account_.bytes});
-    CountNodes();
+    run_.SayCopied(progress);
+    for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
   }
 
  private:
   /// So that ids which the new store gives itself never meet one that an object has brought along.
   void KeepIdsApart() {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
-      const bool isFolder = TypeOf(node.nid) == NidType::kNormalFolder;
-      if ((isFolder || IsMessage(node.nid)) && KeepsId(node.nid)) target_.Ndb().NoteNid(node.nid);
+      if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
     }
   }
 
@@ -100,8 +101,22 @@ class StoreCopy {
     return nid;
   }
 
+  bool IsCopied(const ndb::NodeEntry& node) {
+    const SourceFolder* folder = plan_.Find(IsMessage(node.nid) ? node.nidParent : node.nid);
+    switch (TypeOf(node.nid)) {
+      case NidType::kNormalFolder:
+        return folder->isCopied;
+      case NidType::kNormalMessage:
+        return true;
+      case NidType::kAssocMessage:  // that of a folder which stays behind is of use to nobody
+        return folder != nullptr && folder->isCopied && IsWanted(node);
+      default:
+        return false;
+    }
+  }
+
   bool IsWanted(const ndb::NodeEntry& node) {
-    if (TypeOf(node.nid) != NidType::kAssocMessage || options_.hidden) return true;
+    if (options_.hidden) return true;
     ndb::Faults faults;
     auto context = ltp::PropertyContext::Open(source_, node.trees, &faults);
     if (!context) return false;
@@ -120,9 +135,7 @@ class StoreCopy {
 
   void CopyMessage(const ndb::NodeEntry& node) {
     const bool isHidden = TypeOf(node.nid) == NidType::kAssocMessage;
-    const SourceFolder* const of = plan_.Find(node.nidParent);
-    // Hidden messages of a folder that stays behind are of use to nobody.
-    if (isHidden && (of == nullptr || of->target == nullptr || !IsWanted(node))) {
+    if (!IsCopied(node)) {
       fates_[node.nid] = NodeFate::kHidden;
       return;
     }
@@ -141,7 +154,8 @@ class StoreCopy {
       Folder& folder = FolderOf(node);
       loss.folder = PathOf(folder);
       copied->message.isAssociated = isHidden;
-      loss.target = target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
+      loss.target =
+          target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
     }
@@ -152,13 +166,17 @@ class StoreCopy {
       ++counts.live;
       ++(isWhole ? counts.whole : loss.target ? counts.partial : counts.lost);
     }
-    fates_[node.nid] = isWhole ? NodeFate::kWritten : loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
-    if (!isWhole) account_.AddLoss(std::move(loss));
+    if (isWhole) return;
+    fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
+    account_.AddLoss(std::move(loss));
   }
 
   NodeFate FateOfLive(const ndb::NodeEntry& node) {
     if (const auto fate = fates_.find(node.nid); fate != fates_.end()) return fate->second;
     switch (TypeOf(node.nid)) {
+      case NidType::kNormalMessage:
+      case NidType::kAssocMessage:
+        return NodeFate::kWritten;
       case NidType::kNormalFolder: {
         const SourceFolder* folder = plan_.Find(node.nid);
         return folder->target != nullptr ? NodeFate::kWritten : NodeFate::kInternal;
@@ -173,19 +191,18 @@ class StoreCopy {
     }
   }
 
-  /// Gives each node that some page names its one fate.
-  void CountNodes() {
+  void Count(NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; }
+
+  /// What pages name that is no longer so. A node that is not live counts as deleted once, whatever it was before.
+  void CountOldNodes() {
     const engine::NodeVersions found = engine::FindNodeVersions(source_.Found().source, source_.Format(), run_);
     account_.evidence.nodePages = found.pages;
-    const auto count = [&](NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; };
-    for (const ndb::NodeEntry& node : source_.Nodes()) count(FateOfLive(node));
-    const ndb::NodeEntry* last = nullptr;
+    Nid lastDead = kNoNid;
     for (const ndb::NodeEntry& entry : found.entries) {
       const auto live = source_.FindNode(entry.nid);
-      if (live && live->trees == entry.trees && live->nidParent == entry.nidParent) continue;
-      const bool isFirstOfDead = !live && (last == nullptr || last->nid != entry.nid);
-      count(isFirstOfDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
-      last = &entry;
+      if (live && *live == entry) continue;
+      Count(!live && entry.nid != lastDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
+      if (!live) lastDead = entry.nid;
     }
   }
 
@@ -202,7 +219,7 @@ class StoreCopy {
   CopyTools tools_;
   FolderCopier folders_;
   MessageCopier messages_;
-  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages
+  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages that were not written whole
 };
 
 }  // namespace

@@ -55,9 +55,8 @@ constexpr LeftOut kLeftOut[] = {
 }  // namespace
 
 bool IsLeftOut(std::uint16_t id, Owner owner) {
-  return std::ranges::any_of(kLeftOut, [&](const LeftOut& row) {
-    return (row.owners & owner) != 0 && row.first <= id && id <= row.last;
-  });
+  return std::ranges::any_of(
+      kLeftOut, [&](const LeftOut& row) { return (row.owners & owner) != 0 && row.first <= id && id <= row.last; });
 }
 
 }  // namespace velmora::complete

@@ -48,7 +48,8 @@ PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
   PropertyBag defaults;
   const auto html = MakeTag(IdOf(tag::kHtml), PropType::kString8);
   if (message.Find(IdOf(tag::kHtml)) != nullptr && message.Find(IdOf(tag::kHtml))->Tag() == html) {
-    defaults.PutInteger32(tag::kInternetCodepage, tools_.pages.Of(message).WindowsNumber());  // it was in that of the store
+    defaults.PutInteger32(tag::kInternetCodepage,
+                          tools_.pages.Of(message).WindowsNumber());  // it was in that of the store
   }
   const auto when = created ? static_cast<text::FileTime>(*created) : tools_.target.Now();
   defaults.PutText(tag::kMessageClass, kMailMessageClass);
@@ -115,7 +116,8 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
     out.message.recipients.push_back(CopyRow(*table, row, *from.page, kRecipient, missing));
   }
   tools_.account.recipients += out.message.recipients.size();
-  if (missing.empty() && from.faults.Count() != faultsBefore) missing.push_back({.cause = from.faults.List().back().cause});
+  if (missing.empty() && from.faults.Count() != faultsBefore)
+    missing.push_back({.cause = from.faults.List().back().cause});
   for (MissingPart& part : missing) {
     part.kind = MissingPart::Kind::kRecipients;
     out.missing.push_back(std::move(part));
@@ -131,7 +133,8 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
 
   std::optional<ltp::TableContext> rows;
   if (const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kAttachmentTable)) {
-    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults)) rows.emplace(std::move(*table));
+    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults))
+      rows.emplace(std::move(*table));
   }
   std::size_t row = 0;
   // An attachment whose sub-node is lost is known by its row alone: what that tells of it comes across.
@@ -153,7 +156,8 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
     copyRowsBefore(Value(subnode->nid));
     if (rows && row < rows->RowCount() && rows->RowId(row) == Value(subnode->nid)) ++row;
     if (!tools_.allowance.TakePart()) {
-      out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
+      out.missing.push_back(
+          {.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
       continue;
     }
     out.message.attachments.push_back(CopyAttachment(from, *subnode, out.missing));
@@ -192,7 +196,8 @@ void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBa
   const auto object = from.ReadObject(tag::kAttachDataObject);
   if (!object) return;
   const auto subnode = ValueOrRaise(from.FindSubnode(object->nid));
-  if (!subnode) RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
+  if (!subnode)
+    RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
   if (depth == kMostDepth) RaiseCorrupt(Named("sub-node", object->nid), depth, "messages nest too deep");
   if (TypeOf(object->nid) != NidType::kNormalMessage) {
     tools_.target.PutObject(out, CopyNode(subnode->trees, from.FaultList(), depth));

@@ -21,8 +21,8 @@ class MessageCopier {
  public:
   explicit MessageCopier(CopyTools& tools) : tools_(tools), properties_(tools) {}
 
-  /// Reads the message of these trees; what is long of it is in the new store already. Raises FailureError when not even
-  /// its property context can be opened.
+  /// Reads the message of these trees; what is long of it is in the new store already. Raises FailureError when not
+  /// even its property context can be opened.
   CopiedMessage Copy(const ndb::NodeTrees& trees) { return Copy(trees, 0); }
 
  private:

@@ -103,7 +103,6 @@ class CompleteRun {
     }
     store_ = engine::FinishScan(scan_, run_);
     if (run_.runAborted) return;
-    run_.BeginStage(8);
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
     Seal();
     if (request_.verify && !request_.dryRun) Verify();
