@@ -94,6 +94,17 @@ class CompleteRun {
     run_.Log(u"\r\n\r\nStart date and time : " + LogTime());
   }
 
+  void LogSummary() {
+    run_.Log(u"\r\n\r\n-------------------Summary--------------------");
+    for (const auto& [messageClass, counts] : report_.account.items) {
+      run_.Log(u"\r\n\r\n" + messageClass + u" : " + text::Decimal(counts.whole) + u" whole, " +
+               text::Decimal(counts.partial) + u" in part, " + text::Decimal(counts.lost) + u" lost");
+    }
+    const complete::ItemCounts totals = report_.account.Totals();
+    run_.Log(u"\r\n\r\nTotal recovered mail items : " + text::Decimal(totals.whole + totals.partial));
+    run_.Log(u"\r\n\r\nDate and time : " + LogTime());
+  }
+
   void Copy() {
     // Only what the trees do not lead to has to be looked for.
     if (!complete::HasSoundTrees(scan_.found->source)) {
@@ -142,6 +153,7 @@ class CompleteRun {
       report_.unread.assign(unread.Ranges().begin(), unread.Ranges().end());
     }
     if (end == RunEnd::kFinished && !run_.runAborted) run_.Say(engine::Done{});
+    LogSummary();
     run_.log = nullptr;
   }
 

@@ -137,7 +137,7 @@ TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatW
   ASSERT_EQ(Run(open), ExitCode::kDone);
   const int all = reads;
   std::set<std::uint64_t> counts;
-  for (stopAt = 1; stopAt <= all; stopAt += 1 + all / 40) {
+  for (stopAt = 1; stopAt <= all; stopAt += 1 + all / 15) {
     SCOPED_TRACE(stopAt);
     const ExitCode code = Run(open);
     if (code == ExitCode::kDone) continue;  // told behind the last pause point

@@ -96,11 +96,13 @@ class CompleteProgram(program_fixture.ProgramTest):
         self.assertRegex(ended.stdout, r"\n +[1-9]\d*  items whole\n")
         self.assertEqual(self.produced(self.work), before)
 
-    def test_a_log_names_the_stores(self):
+    def test_a_log_holds_header_and_summary(self):
         self.convert("--log")
         log = (self.store.parent / "LogInformation.log").read_bytes().decode("utf-16")
         self.assertIn(f"Source File Path:{self.source}\r\n", log)
         self.assertIn(f"Destination File Path:{self.store}\r\n", log)
+        self.assertRegex(log, r"\r\n\r\nIPM\.Note : [1-9]\d* whole, 0 in part, 0 lost\r\n")
+        self.assertRegex(log, r"\r\n\r\nTotal recovered mail items : [1-9]\d*\r\n\r\nDate and time : \w+day, [^\r\n]+$")
 
     def test_a_terminal_gets_a_bar_with_items_and_bytes(self):
         text = self.on_a_terminal("--complete", NO_COLOR="1")
@@ -168,7 +170,9 @@ class CompleteProgram(program_fixture.ProgramTest):
         self.assertEqual((taken.read_bytes(), self.produced()), (b"mine", []))
         self.convert()
         before = self.store.read_bytes()
-        self.convert()
+        second = self.convert()
+        self.assertEqual(second.returncode, 0, second.stderr)
+        self.assertIn(f"Recovered at: {self.out}/sound Converted1/sound Converted.pst\n", second.stdout)
         self.assertEqual(self.store.read_bytes(), before)
 
     def test_a_disk_that_fills_up_ends_the_run_with_one_message_and_a_store_that_opens(self):
