@@ -48,8 +48,7 @@ struct MissingPart {
     kProperty,    ///< one property: `tag`
     kRecipients,  ///< the table of recipients, or rows of it
     kAttachment,  ///< `name`, of `size` bytes
-    kBytes,       ///< `size` bytes of a value, which read as zeros
-    kText,        ///< 8-bit text in no known code page, kept byte for byte: `tag`
+    kBytes,       ///< a part of the value `tag`, which reads as zeros
   };
   Kind kind = Kind::kObject;
   PropTag tag = 0;
@@ -97,6 +96,7 @@ struct Account {
   std::uint64_t attachments = 0;  ///< with those of embedded messages
   std::uint64_t embedded = 0;     ///< messages in attachments
   std::uint64_t bytes = 0;        ///< of values that were copied
+  std::uint64_t undefinedBytes = 0;  ///< of 8-bit texts, in no place of their code page: kept one by one
 
   std::vector<Loss> losses;
   std::uint64_t lossesNotListed = 0;
@@ -112,6 +112,10 @@ struct Account {
 
   /// Whether everything that is live came across whole.
   bool IsWhole() const { return losses.empty() && lossesNotListed == 0; }
+
+  /// Lists a loss, or counts it where there are as many as `mostLosses` already.
+  void AddLoss(Loss loss);
+  std::uint64_t mostLosses = 10000;
 };
 
 }  // namespace velmora::complete

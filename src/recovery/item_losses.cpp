@@ -60,7 +60,7 @@ class ItemLosses {
     if (reported.size || !IsSubNodeValue(reported.dwValueHnid)) return reported.size;
     auto block = engine::BlockReader(run_.store).FindBlockOrLower(BlockOf(reported.dwValueHnid));
     if (!block) return std::nullopt;
-    ContentAllowance& allowance = run_.state.reportAllowance;
+    engine::ContentAllowance& allowance = run_.state.reportAllowance;
     std::optional<std::uint64_t> total;
     if (IsInternalBid(block->bid)) {
       BlockChain chain;

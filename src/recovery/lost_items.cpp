@@ -34,7 +34,7 @@ void ReportLoss(RecoveryState& state, LostObject lost) {
 
 text::Text ReportText(RecoveryState& state, text::TextView text) {
   const bool whole = state.allowance.TakeKept(text.size());
-  return text::Text(whole ? text : text.substr(0, ContentAllowance::kLongestName));
+  return text::Text(whole ? text : text.substr(0, engine::ContentAllowance::kLongestName));
 }
 
 void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const ItemOutcome& outcome) {

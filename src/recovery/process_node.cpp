@@ -36,7 +36,7 @@ class WorkQueueRun {
  private:
   void ProcessRecord(ItemWorkRecord& record) {
     run_.context.control.PausePoint();
-    ContentAllowance& allowance = run_.state.allowance;
+    engine::ContentAllowance& allowance = run_.state.allowance;
     if (allowance.BytesSpent()) {
       record.outcome.skip = SkipReason::kNoBlock;
       record.outcome.fault = BlockFault{.cause = BlockFault::Cause::kTooMuch, .bid = record.bidData};
@@ -88,7 +88,7 @@ class WorkQueueRun {
       return ReportUntried(record, subNodes, u"the message does not begin with an attachment table");
     }
 
-    ContentAllowance& allowance = run_.state.allowance;
+    engine::ContentAllowance& allowance = run_.state.allowance;
     AttachmentReader reader(run_.Values());
     bool listed = false;
     for (const SubNodeEntry& entry : subNodes.entries) {

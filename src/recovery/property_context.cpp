@@ -58,7 +58,7 @@ tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store,
 
 tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
                                               std::uint32_t id, const ContextRules& rules,
-                                              ContentAllowance& allowance) {
+                                              engine::ContentAllowance& allowance) {
   const tl::unexpected<BlockFault> tooMuch(BlockFault::Of(Cause::kTooMuch, record));
   if (!allowance.TakeBytes(record.size)) return tooMuch;
   auto bytes = ReadHeapBlock(store, store.blockEncoding, record, id, rules);

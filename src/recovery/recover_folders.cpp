@@ -34,7 +34,7 @@ struct FolderProperties {
 tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::ScannedStore& store,
                                                                  const engine::BlockRecord& record,
                                                                  const text::CodePage& codePage,
-                                                                 ContentAllowance& allowance) {
+                                                                 engine::ContentAllowance& allowance) {
   using Cause = BlockFault::Cause;
   const auto fault = [&record](Cause cause) { return tl::unexpected(BlockFault::Of(cause, record)); };
   const auto bytes = ReadHeapBlock(store, record, record.bid, kFolderRules, allowance);
@@ -129,7 +129,7 @@ class FolderRecovery {
     auto properties = ParseFolderProperties(store_, *record, *state_.codePage, state_.allowance);
     if (!properties) return none(properties.error());
     if (properties->name.empty()) return none(BlockFault::Of(Cause::kNoText, *record));
-    ContentAllowance& allowance = state_.allowance;
+    engine::ContentAllowance& allowance = state_.allowance;
     if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
       return none(BlockFault::Of(Cause::kTooMuch, *record));
     }
@@ -164,8 +164,8 @@ void RecoverFolders(RecoveryState& state, const ScannedStore& store, RunContext&
   run.BeginStage(kFolderStage);
 
   state.usedNodes = {};
-  state.allowance = ContentAllowance::Of(store, state.usedNodes.Left(store));
-  state.reportAllowance = ContentAllowance::ForReport(store);
+  state.allowance = engine::ContentAllowance::Of(store, state.usedNodes.Left(store));
+  state.reportAllowance = engine::ContentAllowance::ForReport(store);
   FolderRecovery recovery(state, store, run);
   WithinFrame([&recovery] { recovery.WalkNodes(); });
   std::vector<FolderRecord> recovered = recovery.Finish();

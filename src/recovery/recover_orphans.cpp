@@ -127,8 +127,8 @@ void RecoverOrphans(RecoveryState& state, const ScannedStore& store, RunContext&
   if (run.runEnded || run.runAborted) return;
   run.BeginStage(kItemStage);
 
-  state.allowance = ContentAllowance::Of(store, state.usedNodes.Left(store));
-  state.reportAllowance = ContentAllowance::ForReport(store);
+  state.allowance = engine::ContentAllowance::Of(store, state.usedNodes.Left(store));
+  state.reportAllowance = engine::ContentAllowance::ForReport(store);
 
   ItemRecovery recovery(state, store, run);
   recovery.ProcessNodes();

@@ -7,7 +7,7 @@
 
 #include "engine/run.h"
 #include "engine/scanned_store.h"
-#include "recovery/content_allowance.h"
+#include "engine/content_allowance.h"
 #include "recovery/folder_list.h"
 #include "recovery/item_converter.h"
 #include "recovery/named_prop_map.h"
@@ -43,8 +43,8 @@ struct RecoveryState {
   std::uint32_t topFolderNid = 0;  ///< of the folder "Top of Personal Folders"; 0 until one is seen
 
   // Items
-  ContentAllowance allowance;
-  ContentAllowance reportAllowance;  ///< what is read for the report of losses
+  engine::ContentAllowance allowance;
+  engine::ContentAllowance reportAllowance;  ///< what is read for the report of losses
 
   RecoveryReport report;
 };
@@ -53,7 +53,7 @@ struct RecoveryState {
 struct ValueSource {
   const engine::ScannedStore& store;
   const text::CodePage& codePage;
-  ContentAllowance& allowance;
+  engine::ContentAllowance& allowance;
 };
 
 /// For a step that writes as well: what is read, what is written, and who hears of it.

@@ -31,7 +31,7 @@ std::uint64_t TotalOf(const engine::BlockRecord& record, ByteView block) {
   return signature == kXBlock || signature == kXxBlock ? block.U32(4) : 0;
 }
 
-Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, ContentAllowance& allowance, BlockChain& chain) {
+Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, engine::ContentAllowance& allowance, BlockChain& chain) {
   const engine::BlockReader blocks(store);
   const Generation& layout = store.layout;
   bool throughSubNode = false;
@@ -66,7 +66,7 @@ Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, ContentAllo
   return throughSubNode ? Reached::kThroughSubNode : Reached::kPlainBlock;
 }
 
-void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, ContentAllowance& allowance,
+void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, engine::ContentAllowance& allowance,
                       const PieceWriter& write) {
   const std::uint32_t id = chain.singleDataBid;
   const engine::BlockReader blocks(store);
@@ -94,12 +94,12 @@ const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& code
   return tag == IdOf(tag::kHtml) || tag == IdOf(tag::kRtfCompressed) ? text::CodePage::Lossless() : codePage;
 }
 
-bool BuildBlockChain(const ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
+bool BuildBlockChain(const ScannedStore& store, const engine::BlockRecord& record, engine::ContentAllowance& allowance,
                      BlockChain& chain) {
   return WalkChain(store, record, allowance, chain) == Reached::kList;
 }
 
-bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
+bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& record, engine::ContentAllowance& allowance,
                        BlockChain& chain) {
   return WalkChain(store, record, allowance, chain) != Reached::kPlainBlock;
 }
@@ -125,7 +125,7 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
 }
 
 std::optional<DataBlock> ReadDataBlock(const ScannedStore& store, const engine::BlockRecord& record, std::uint32_t id,
-                                       ContentAllowance& allowance, bool inflates) {
+                                       engine::ContentAllowance& allowance, bool inflates) {
   if (!allowance.TakeBytes(record.size)) return std::nullopt;
   const engine::BlockReader blocks(store);
   auto bytes = blocks.ReadChunk(record.offset, record.size);
@@ -137,7 +137,7 @@ std::optional<DataBlock> ReadDataBlock(const ScannedStore& store, const engine::
 }
 
 text::Text ReadStreamAsText(const ScannedStore& store, BlockChain& chain, std::uint16_t kind,
-                            const text::CodePage& codePage, ContentAllowance& allowance) {
+                            const text::CodePage& codePage, engine::ContentAllowance& allowance) {
   const engine::BlockReader blocks(store);
   const bool wide = store.layout.wideFormat;
   const text::CodePage& page = BodyCodePage(kind, codePage);
@@ -166,7 +166,7 @@ text::Text ReadStreamAsText(const ScannedStore& store, BlockChain& chain, std::u
   return result;
 }
 
-void WriteStreamToFile(const ScannedStore& store, BlockChain& chain, ContentAllowance& allowance,
+void WriteStreamToFile(const ScannedStore& store, BlockChain& chain, engine::ContentAllowance& allowance,
                        const PieceWriter& write) {
   if (!chain.hasList) return WriteSingleBlock(store, chain, allowance, write);
   const engine::BlockReader blocks(store);

@@ -8,7 +8,7 @@
 
 #include "engine/block_reader.h"
 #include "engine/scanned_store.h"
-#include "recovery/content_allowance.h"
+#include "engine/content_allowance.h"
 #include "text/code_page.h"
 #include "text/text.h"
 
@@ -35,12 +35,12 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written);
 /// Fills the chain from the block at the record, and `total` too where it is a list of lists, which is no list here.
 /// True when the value is a list of pieces; false when it is one plain block, and also when a sub-node block led to the
 /// pieces.
-bool BuildBlockChain(const engine::ScannedStore& store, const engine::BlockRecord& record, ContentAllowance& allowance,
+bool BuildBlockChain(const engine::ScannedStore& store, const engine::BlockRecord& record, engine::ContentAllowance& allowance,
                      BlockChain& chain);
 
 /// The same walk, but true as soon as a sub-node block led to a block that is there.
 bool BuildBlockChainAt(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                       ContentAllowance& allowance, BlockChain& chain);
+                       engine::ContentAllowance& allowance, BlockChain& chain);
 
 struct DataBlock {
   Bytes bytes;
@@ -50,18 +50,18 @@ struct DataBlock {
 /// A data block, decoded with the key `id`; in the 4K format inflated, unless it shows a heap signature, is no packed
 /// stream, or `inflates` is false. Nothing when it cannot be read or the allowance is spent.
 std::optional<DataBlock> ReadDataBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                                       std::uint32_t id, ContentAllowance& allowance, bool inflates = true);
+                                       std::uint32_t id, engine::ContentAllowance& allowance, bool inflates = true);
 
 /// The pieces as one text. `kind` is the id of the property: 0x1013 is always 8-bit text, others have the width
 /// of the store. Each piece ends at its first NUL and is converted by itself. A piece that is missing, or that
 /// only the lower id finds, is left out.
 text::Text ReadStreamAsText(const engine::ScannedStore& store, BlockChain& chain, std::uint16_t kind,
-                            const text::CodePage& codePage, ContentAllowance& allowance);
+                            const text::CodePage& codePage, engine::ContentAllowance& allowance);
 
 using PieceWriter = std::function<void(const Bytes&)>;
 
 /// Gives each piece, in order, to `write`; a piece that is missing is left out.
-void WriteStreamToFile(const engine::ScannedStore& store, BlockChain& chain, ContentAllowance& allowance,
+void WriteStreamToFile(const engine::ScannedStore& store, BlockChain& chain, engine::ContentAllowance& allowance,
                        const PieceWriter& write);
 
 /// The 8-bit page of a body: HTML and RTF travel by the one that changes no byte, whatever the setting is.

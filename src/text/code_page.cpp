@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 
 namespace velmora::text {
 namespace {
@@ -37,6 +38,24 @@ Converter Open(const std::string& name) {
   constexpr char kQuestionMark[] = "?";
   ucnv_setSubstChars(converter.get(), kQuestionMark, 1, &status);
   return converter;
+}
+
+char16_t LosslessUnit(char byte) {
+  const auto value = static_cast<unsigned char>(byte);
+  return value >= 0x80 && value < 0xA0 ? kRow80[value - 0x80] : value;
+}
+
+/// What the converter calls for bytes that its page does not define: writes them as the lossless page has them, and
+/// counts them in the number that `context` points at.
+void U_CALLCONV KeepUndefined(const void* context, UConverterToUnicodeArgs* args, const char* bytes, std::int32_t length,
+                              UConverterCallbackReason reason, UErrorCode* status) {
+  if (reason > UCNV_IRREGULAR) return;  // the converter is reset or closed
+  *status = U_ZERO_ERROR;
+  for (std::int32_t i = 0; i < length; ++i) {
+    const char16_t unit = LosslessUnit(bytes[i]);
+    ucnv_cbToUWriteUChars(args, &unit, 1, 0, status);
+  }
+  *static_cast<std::uint64_t*>(const_cast<void*>(context)) += static_cast<std::uint64_t>(length);
 }
 
 }  // namespace
@@ -102,17 +121,24 @@ const CodePage& CodePage::Lossless() {
   return page;
 }
 
-Text CodePage::Decode(std::string_view bytes) const {
+Text CodePage::Decode(std::string_view bytes) const { return DecodeWith(bytes, nullptr); }
+
+Text CodePage::DecodeKeepingAll(std::string_view bytes, std::uint64_t& undefined) const {
+  return DecodeWith(bytes, &undefined);
+}
+
+Text CodePage::DecodeWith(std::string_view bytes, std::uint64_t* undefined) const {
   Text out(bytes.size(), u'\0');
   if (tables_->icuName.empty()) {
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-      const auto byte = static_cast<unsigned char>(bytes[i]);
-      out[i] = byte >= 0x80 && byte < 0xA0 ? kRow80[byte - 0x80] : byte;
-    }
+    for (std::size_t i = 0; i < bytes.size(); ++i) out[i] = LosslessUnit(bytes[i]);
     return out;
   }
   const Converter converter = Open(tables_->icuName);
   if (converter == nullptr) return {};
+  if (undefined != nullptr) {
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), KeepUndefined, undefined, nullptr, nullptr, &status);
+  }
   const char* source = bytes.data();
   const char* sourceEnd = source + bytes.size();
   std::size_t used = 0;

@@ -1,6 +1,7 @@
 // 8-bit text of mail stores, to and from UTF-16.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,10 @@ class CodePage {
   /// Every byte of `bytes` in order; what the page does not define becomes U+FFFD.
   Text Decode(std::string_view bytes) const;
 
+  /// The same, but that a byte which the page does not define becomes what the lossless page has for it, and is counted
+  /// in `undefined`.
+  Text DecodeKeepingAll(std::string_view bytes, std::uint64_t& undefined) const;
+
   /// Bytes of `text` in this page; a character that it does not have becomes "?".
   std::string Encode(TextView text) const;
 
@@ -36,6 +41,7 @@ class CodePage {
 
  private:
   struct Tables;
+  Text DecodeWith(std::string_view bytes, std::uint64_t* undefined) const;
   explicit CodePage(std::shared_ptr<const Tables> tables) : tables_(std::move(tables)) {}
   std::shared_ptr<const Tables> tables_;
 };

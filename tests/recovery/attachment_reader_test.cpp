@@ -19,7 +19,7 @@ class AttachmentReaderTest : public RecoveryTest {
     return bytes;
   }
 
-  ContentAllowance allowance_{1 << 20, false, 100};
+  engine::ContentAllowance allowance_{1 << 20, false, 100};
   AttachmentReader reader_{{engine_, *state_.codePage, allowance_}};
 };
 

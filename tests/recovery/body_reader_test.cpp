@@ -195,7 +195,7 @@ TEST_F(BodyReaderTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   engine::BlockReader(engine_).DecodeBlock(0x41, decoded);
   AddBlock(0x40, stored);
   Settle();
-  ContentAllowance allowance(1000, false, 10);
+  engine::ContentAllowance allowance(1000, false, 10);
   BodyProperties properties;
   properties.slots[kHtmlBody] = {.tag = 0x1013, .value = kHtmlNid, .bid = 0x41};
   const Body body = ReadOutOfLineBody({engine_, *state_.codePage, allowance}, properties);

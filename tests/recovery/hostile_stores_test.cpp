@@ -126,7 +126,7 @@ TEST_F(HostileStoresTest, AMessageWithAClassInEveryRecordDoesNotBecomeAnItemForE
   for (int i = 0; i < 5000; ++i) records.push_back(Value(0x001A, 0x001F, HidOf(2)));
   AddMessage(records);
   Recover();
-  EXPECT_EQ(Trace("AddItem").size(), 1 + ContentAllowance::kLeastParts);
+  EXPECT_EQ(Trace("AddItem").size(), 1 + engine::ContentAllowance::kLeastParts);
 }
 
 TEST_F(HostileStoresTest, TheTextsOfMessagesInOneMessageStayInProportionToTheStore) {
@@ -145,7 +145,7 @@ TEST_F(HostileStoresTest, TheTextsOfMessagesInOneMessageStayInProportionToTheSto
   for (const std::string& line : Trace("Put")) length += line.size();
   for (const std::string& line : Trace("AddAttachment")) length += line.size();
   EXPECT_GT(length, 1u << 20);
-  EXPECT_LT(2 * length, ContentAllowance::kLeastHeld + (1u << 20));
+  EXPECT_LT(2 * length, engine::ContentAllowance::kLeastHeld + (1u << 20));
   EXPECT_FALSE(state_.report.lost.empty());
 }
 

@@ -18,7 +18,7 @@ class SubNodeTextTest : public RecoveryTest {
 
   SubNodeList subNodes_ = {{0x671, 0, 0}, {0x803F, 8, 0}};
   Bytes messageBlock_ = HeapBlock({});
-  ContentAllowance allowance_{1 << 20, false, 100};
+  engine::ContentAllowance allowance_{1 << 20, false, 100};
 };
 
 TEST_F(SubNodeTextTest, TheTextIsThatOfTheSubNodeWhoseIdIsTheValue) {

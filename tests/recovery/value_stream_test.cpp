@@ -34,7 +34,7 @@ class ValueStreamTest : public RecoveryTest {
   }
 
   BlockChain chain_;
-  ContentAllowance allowance_{1 << 20, true, 100};
+  engine::ContentAllowance allowance_{1 << 20, true, 100};
 };
 
 TEST_F(ValueStreamTest, AListOfPiecesIsTakenFromTheStoredSizeAndNotFromItsCount) {
@@ -214,9 +214,9 @@ TEST_F(ValueStreamTest, AListThatRepeatsOneBlockEndsWhenTheAllowanceIsSpent) {
   AddBlock(12, Bytes(60000, std::byte{'x'}));
   AddBlock(8, ChainBlock(std::vector<std::uint32_t>(1000, 12)));
   ASSERT_TRUE(Build(8));
-  allowance_ = ContentAllowance(500000, false, 1);
+  allowance_ = engine::ContentAllowance(500000, false, 1);
   EXPECT_EQ(WriteAll().size(), 533u * 60000) << "64 times the size of the source, in whole pieces";
-  allowance_ = ContentAllowance(99, false, 1);
+  allowance_ = engine::ContentAllowance(99, false, 1);
   EXPECT_EQ(WriteAll().size(), 279u * 60000) << "16 MiB, however small the source";
 }
 
@@ -226,13 +226,13 @@ TEST_F(ValueStreamTest, OneTextIsNoLongerThanItsSourceCouldHold) {
   ASSERT_TRUE(Build(8));
   constexpr std::uint64_t kMiB = std::uint64_t{1} << 20;
   const auto lengthFor = [this](std::uint64_t sourceBytes) {
-    allowance_ = ContentAllowance(sourceBytes, false, 1);
+    allowance_ = engine::ContentAllowance(sourceBytes, false, 1);
     return ReadText(0x1013).size();
   };
   EXPECT_EQ(lengthFor(5 * kMiB), 279u * 60000) << "16 MiB at least";
   EXPECT_EQ(lengthFor(20 * kMiB), 349u * 60000);
-  EXPECT_TRUE(ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB)) << "and 128 MiB at most";
-  EXPECT_FALSE(ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB + 1));
+  EXPECT_TRUE(engine::ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB)) << "and 128 MiB at most";
+  EXPECT_FALSE(engine::ContentAllowance(kMiB * 1000, false, 1).TakeHeld(128 * kMiB + 1));
 }
 
 }  // namespace

@@ -52,15 +52,19 @@ constexpr std::optional<ItemKind> KindOfClass(text::TextView itemClass) {
 /// Default folder kinds (the values of Outlook's enumeration).
 enum class DefaultFolder : std::int32_t {
   kDeletedItems = 3,
+  kOutbox = 4,
+  kSentMail = 5,
   kCalendar = 9,
   kContacts = 10,
   kJournal = 11,
   kNotes = 12,
   kTasks = 13,
+  kDrafts = 16,
   kConflicts = 19,
   kSyncIssues = 20,
   kLocalFailures = 21,
   kServerFailures = 22,
+  kJunk = 23,
 };
 
 /// Container class of a folder that nobody gave another.

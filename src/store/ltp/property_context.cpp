@@ -46,7 +46,7 @@ const PropertyRecord* PropertyContext::FindTag(PropTag tag) const {
   return record != nullptr && record->Tag() == tag ? record : nullptr;
 }
 
-Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag) {
+Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag, std::uint64_t limit) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr) return std::nullopt;
   const std::optional<std::size_t> size = FixedSize(record->wPropType);
@@ -56,7 +56,7 @@ Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag)
     value.resize(*size);
     return value;
   }
-  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, kMaxValue, faults_);
+  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, limit, faults_);
   if (!value) return tl::unexpected(value.error());
   if (size && value->size() != *size) {
     return Corrupt(Named("property", tag), value->size(), "the value does not fit its type");

@@ -32,9 +32,9 @@ class PropertyContext {
   const PropertyRecord* Find(std::uint16_t id) const;
 
   /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
-  /// Values larger than kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
+  /// Values larger than `limit` give kNotSupported: open TreeOf with a DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
-  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
+  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Read(PropTag tag, std::uint64_t limit = kMaxValue);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
   std::optional<bool> Boolean(PropTag tag);
@@ -58,6 +58,9 @@ class PropertyContext {
   /// The tree of a value that lies in a sub-node, e.g. to share it with another node; nothing when the value
   /// lies in the heap or is not there.
   [[nodiscard]] Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
+
+  /// The list that a tolerant reader was given; null for a strict one.
+  ndb::Faults* FaultList() const { return faults_; }
 
   /// A sub-node of the node.
   [[nodiscard]] Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;

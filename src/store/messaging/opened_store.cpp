@@ -8,6 +8,7 @@
 #include "store/ltp/table_context.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/values/identity.h"
+#include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
 namespace {
@@ -60,12 +61,12 @@ void OpenedStore::ReadMessageStore() {
   const Nid top = folderOf(tag::kIpmSubTreeEntryId);
   auto topProperties = PropertiesOf(*reader_, top);
   if (!topProperties) RaiseNoStore("The store does not tell its top folder.");
-  top_ = &folders_.Add(nullptr, top, topProperties->Text(tag::kDisplayName).value_or(text::Text()),
-                       topProperties->Text(tag::kContainerClass).value_or(text::Text()));
+  top_ = &folders_.Add(nullptr, top, NameOf(topProperties->Text(tag::kDisplayName).value_or(text::Text())),
+                       NameOf(topProperties->Text(tag::kContainerClass).value_or(text::Text())));
 
   if (auto names = PropertiesOf(*reader_, nid::kNameToIdMap)) names_ = NamedPropertyMap(*names);
   if (auto root = PropertiesOf(*reader_, nid::kRootFolder)) defaults_.ReadFromRoot(recordKey_, *root);
-  defaults_.Set(output::DefaultFolder::kDeletedItems, folderOf(tag::kIpmWastebasketEntryId));
+  defaults_.ReadFromStore(recordKey_, *properties);
 }
 
 void OpenedStore::ReadFolders() {
@@ -86,8 +87,8 @@ void OpenedStore::ReadChildren(Folder& folder) {
     // A folder that is met a second time would lead round in a circle.
     if (TypeOf(child) != NidType::kNormalFolder || folders_.OfNid(child) != nullptr) continue;
     if (!reader_->FindNode(child)) continue;
-    folders_.Add(&folder, child, table->Text(row, tag::kDisplayName).value_or(text::Text()),
-                 table->Text(row, tag::kContainerClass).value_or(text::Text()));
+    folders_.Add(&folder, child, NameOf(table->Text(row, tag::kDisplayName).value_or(text::Text())),
+                 NameOf(table->Text(row, tag::kContainerClass).value_or(text::Text())));
   }
 }
 

@@ -43,7 +43,7 @@ constexpr std::uint32_t kLastFixedIndex = 0x400;
 /// The properties of a folder, sorted by who needs them; the counts that they tell are left out.
 struct FolderProperties {
   explicit FolderProperties(PropertyBag properties)
-      : name(NameOf(ltp::DecodeText(properties.Value(tag::kDisplayName)))),
+      : name(ltp::DecodeText(properties.Value(tag::kDisplayName))),
         containerClass(ltp::DecodeText(properties.Value(tag::kContainerClass))),
         others(std::move(properties)) {
     for (const PropTag tag : {tag::kDisplayName, tag::kContainerClass, tag::kContentCount, tag::kContentUnreadCount,
@@ -56,6 +56,13 @@ struct FolderProperties {
   text::Text containerClass;
   PropertyBag others;
 };
+
+/// What a folder's names take in the file beyond kNewFolderBytes: in its object and in its row, as often as both are
+/// written.
+std::uint64_t LongNameBytes(const FolderProperties& folder) {
+  const std::size_t units = folder.name.size() + folder.containerClass.size();
+  return units > 2 * kNameLimit ? 4 * units * sizeof(char16_t) : 0;
+}
 
 bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode::STG_E_MEDIUMFULL; }
 
@@ -152,8 +159,7 @@ void StoreWriter::MarkChanged(Folder& folder, bool Folder::*what) {
 void StoreWriter::WriteChanges() {
   ndb_->DrawOnReserve();
   if (messageStoreChanged_) {
-    const Nid deletedItems = defaults_.Of(output::DefaultFolder::kDeletedItems);
-    WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, deletedItems);
+    WriteMessageStore(*ndb_, identity_, top_->nid, searchRoot_->nid, defaults_);
     messageStoreChanged_ = false;
   }
   if (nameMapChanged_) WriteNameMap(*ndb_, nameMap_);
@@ -202,7 +208,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::opti
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
     if (nid) CheckGiven(*nid, NidType::kNormalFolder);
-    Reserve(kNewFolderBytes + MostBytesOf(split.others) + BytesToMark(parent, &Folder::propertiesChanged) +
+    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) + BytesToMark(parent, &Folder::propertiesChanged) +
                 BytesToMark(parent, &Folder::childrenChanged),
             kFolderNodes);
     Folder& folder =
@@ -237,7 +243,7 @@ void StoreWriter::SetProperties(Folder& folder, PropertyBag properties) {
     if (twin != nullptr && twin != &folder) {
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
-    Reserve(kNewFolderBytes + MostBytesOf(split.others) + BytesToMark(folder, &Folder::propertiesChanged));
+    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) + BytesToMark(folder, &Folder::propertiesChanged));
     folders_.Rename(folder, split.name, split.containerClass);
     folder.others = split.others;
     MarkChanged(folder, &Folder::propertiesChanged);
@@ -247,7 +253,7 @@ void StoreWriter::SetProperties(Folder& folder, PropertyBag properties) {
 
 void StoreWriter::SetContainerClass(Folder& folder, text::TextView containerClass) {
   Change([&] {
-    folders_.Rename(folder, folder.name, containerClass);
+    folders_.Rename(folder, folder.name, NameOf(containerClass));
     MarkChanged(folder, &Folder::propertiesChanged);
   });
 }
@@ -255,7 +261,7 @@ void StoreWriter::SetContainerClass(Folder& folder, text::TextView containerClas
 void StoreWriter::SetDefaultFolder(output::DefaultFolder kind, Folder& folder) {
   Change([&] {
     defaults_.Set(kind, folder.nid);
-    messageStoreChanged_ = messageStoreChanged_ || kind == output::DefaultFolder::kDeletedItems;
+    messageStoreChanged_ = messageStoreChanged_ || DefaultFolders::IsOfStore(kind);
     MarkChanged(*root_, &Folder::propertiesChanged);
   });
 }

@@ -90,6 +90,8 @@ class StoreWriter : public Store {
 
   // -- for the items of the operations
 
+  const Uid& RecordKey() const { return identity_.recordKey; }
+
   Uid NewUid() { return uids_.Next(); }
   text::FileTime Now() const;
   const text::CodePage& CodePage() const { return options_.codePage; }

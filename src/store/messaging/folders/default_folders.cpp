@@ -11,23 +11,28 @@ namespace {
 
 struct KindRow {
   DefaultFolder kind;
-  PropTag entryId = 0;  ///< on the root folder; 0 where it has no such property
+  PropTag ofRoot = 0;   ///< its entry id on the root folder; 0 where it has no such property
+  PropTag ofStore = 0;  ///< the same on the message store
 };
 
-// The last four stand in one property, in this order.
+// The last five stand in one property of the root, in this order.
 constexpr KindRow kKindRows[] = {
-    {DefaultFolder::kDeletedItems},
+    {DefaultFolder::kDeletedItems, 0, tag::kIpmWastebasketEntryId},
+    {DefaultFolder::kOutbox, 0, tag::kIpmOutboxEntryId},
+    {DefaultFolder::kSentMail, 0, tag::kIpmSentMailEntryId},
     {DefaultFolder::kCalendar, 0x36D00102},
     {DefaultFolder::kContacts, 0x36D10102},
     {DefaultFolder::kJournal, 0x36D20102},
     {DefaultFolder::kNotes, 0x36D30102},
     {DefaultFolder::kTasks, 0x36D40102},
+    {DefaultFolder::kDrafts, 0x36D70102},
     {DefaultFolder::kConflicts},
     {DefaultFolder::kSyncIssues},
     {DefaultFolder::kLocalFailures},
     {DefaultFolder::kServerFailures},
+    {DefaultFolder::kJunk},
 };
-constexpr std::size_t kFirstOfArray = 6;
+constexpr std::size_t kFirstOfArray = 9;
 
 const KindRow* RowOf(DefaultFolder kind) {
   const auto* const row = std::ranges::find(kKindRows, kind, &KindRow::kind);
@@ -46,12 +51,32 @@ void DefaultFolders::Set(DefaultFolder kind, Nid folder) {
   if (row != nullptr) folders_[static_cast<std::size_t>(row - kKindRows)] = folder;
 }
 
+std::vector<std::pair<DefaultFolder, Nid>> DefaultFolders::All() const {
+  std::vector<std::pair<DefaultFolder, Nid>> all;
+  for (std::size_t i = 0; i < kKinds; ++i) {
+    if (folders_[i] != Nid{}) all.emplace_back(kKindRows[i].kind, folders_[i]);
+  }
+  return all;
+}
+
+bool DefaultFolders::IsOfStore(DefaultFolder kind) {
+  const KindRow* row = RowOf(kind);
+  return row != nullptr && row->ofStore != 0;
+}
+
+void DefaultFolders::PutIntoStore(const Uid& recordKey, PropertyBag& store) const {
+  for (std::size_t i = 0; i < kKinds; ++i) {
+    if (kKindRows[i].ofStore == 0 || folders_[i] == Nid{}) continue;
+    store.PutBytes(kKindRows[i].ofStore, NodeEntryId(recordKey, folders_[i]));
+  }
+}
+
 void DefaultFolders::PutIntoRoot(const Uid& recordKey, PropertyBag& root) const {
   static_assert(std::size(kKindRows) == kKinds);
   std::vector<Bytes> array;
   for (std::size_t i = 0; i < kKinds; ++i) {
     const Bytes entryId = folders_[i] != Nid{} ? NodeEntryId(recordKey, folders_[i]) : Bytes();
-    if (kKindRows[i].entryId != 0 && !entryId.empty()) root.PutBytes(kKindRows[i].entryId, entryId);
+    if (kKindRows[i].ofRoot != 0 && !entryId.empty()) root.PutBytes(kKindRows[i].ofRoot, entryId);
     if (i >= kFirstOfArray) array.push_back(entryId);
   }
   if (std::ranges::all_of(array, &Bytes::empty)) return;
@@ -64,12 +89,20 @@ void DefaultFolders::ReadFromRoot(const Uid& recordKey, ltp::PropertyContext& ro
   const auto elements = ltp::DecodeMultiple(array);
   for (std::size_t i = 0; i < kKinds; ++i) {
     Bytes entryId;
-    if (kKindRows[i].entryId != 0) {
-      entryId = root.Binary(kKindRows[i].entryId).value_or(Bytes());
+    if (kKindRows[i].ofRoot != 0) {
+      entryId = root.Binary(kKindRows[i].ofRoot).value_or(Bytes());
     } else if (i >= kFirstOfArray && elements && i - kFirstOfArray < elements->size()) {
       const auto element = (*elements)[i - kFirstOfArray];
       entryId.assign(element.begin(), element.end());
     }
+    if (const auto nid = NodeOfEntryId(entryId, recordKey)) folders_[i] = *nid;
+  }
+}
+
+void DefaultFolders::ReadFromStore(const Uid& recordKey, ltp::PropertyContext& store) {
+  for (std::size_t i = 0; i < kKinds; ++i) {
+    if (kKindRows[i].ofStore == 0) continue;
+    const Bytes entryId = store.Binary(kKindRows[i].ofStore).value_or(Bytes());
     if (const auto nid = NodeOfEntryId(entryId, recordKey)) folders_[i] = *nid;
   }
 }

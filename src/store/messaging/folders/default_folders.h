@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <utility>
+#include <vector>
 
 #include "store/format/classes.h"
 #include "store/format/ids.h"
@@ -19,15 +21,23 @@ class DefaultFolders {
   Nid Of(DefaultFolder kind) const;
   void Set(DefaultFolder kind, Nid folder);
 
-  /// Puts the entry ids into the properties of the root folder, where Outlook looks for them. That of the
-  /// deleted items is a property of the store instead.
-  void PutIntoRoot(const Uid& recordKey, PropertyBag& root) const;
+  /// Those that are there.
+  std::vector<std::pair<DefaultFolder, Nid>> All() const;
 
-  /// Takes them from there.
+  /// Puts the entry ids into the properties of the root folder, where Outlook looks for them, and those of the folders
+  /// that belong to sending and deleting into the properties of the store.
+  void PutIntoRoot(const Uid& recordKey, PropertyBag& root) const;
+  void PutIntoStore(const Uid& recordKey, PropertyBag& store) const;
+
+  /// Whether the folder of that kind stands in the properties of the store.
+  static bool IsOfStore(DefaultFolder kind);
+
+  /// Takes them from there. What else names them, an inbox, may be read like a root.
   void ReadFromRoot(const Uid& recordKey, ltp::PropertyContext& root);
+  void ReadFromStore(const Uid& recordKey, ltp::PropertyContext& store);
 
  private:
-  static constexpr std::size_t kKinds = 10;
+  static constexpr std::size_t kKinds = 14;
   std::array<Nid, kKinds> folders_{};
 };
 

@@ -2,6 +2,7 @@
 
 #include "store/messaging/mail_item.h"
 #include "store/messaging/store_writer.h"
+#include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
 namespace {
@@ -52,7 +53,7 @@ class FoldersObject : public output::RDOFolders {
     }
     return RefOf(store_, &folder);
   }
-  Ref<output::RDOFolder> Item(text::TextView name) override { return RefOf(store_, ChildOf(folder_, name)); }
+  Ref<output::RDOFolder> Item(text::TextView name) override { return RefOf(store_, ChildOf(folder_, NameOf(name))); }
   std::int32_t Count() const override { return static_cast<std::int32_t>(folder_.children.size()); }
   Ref<output::RDOFolder> At(std::int32_t index) override {
     if (index < 0 || index >= Count())

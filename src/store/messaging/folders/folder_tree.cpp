@@ -56,8 +56,8 @@ Folder& FolderTree::Add(Folder* parent, Nid nid, text::TextView name, text::Text
   Folder& folder = *folders_.emplace_back(std::make_unique<Folder>());
   folder.nid = nid;
   folder.parent = parent;
-  folder.name = NameOf(name);
-  folder.containerClass = NameOf(containerClass);
+  folder.name = name;
+  folder.containerClass = containerClass;
   folderOfNid_.emplace(nid, &folder);
   if (parent != nullptr) {
     parent->children.push_back(&folder);
@@ -72,8 +72,8 @@ void FolderTree::Rename(Folder& folder, text::TextView name, text::TextView cont
   const auto forget = parent.childOfName.find(text::CaseFolded(folder.name));
   if (forget != parent.childOfName.end() && forget->second == &folder) parent.childOfName.erase(forget);
   parent.childTextBytes -= TextBytes(folder);
-  folder.name = NameOf(name);
-  folder.containerClass = NameOf(containerClass);
+  folder.name = name;
+  folder.containerClass = containerClass;
   parent.childTextBytes += TextBytes(folder);
   parent.childOfName.try_emplace(text::CaseFolded(folder.name), &folder);
 }
@@ -84,7 +84,7 @@ Folder* FolderTree::OfNid(Nid nid) const {
 }
 
 Folder* ChildOf(const Folder& parent, text::TextView name) {
-  const auto found = parent.childOfName.find(text::CaseFolded(NameOf(name)));
+  const auto found = parent.childOfName.find(text::CaseFolded(name));
   return found != parent.childOfName.end() ? found->second : nullptr;
 }
 
@@ -94,7 +94,7 @@ Folder* FolderAt(Folder& top, text::TextView path) {
     if (path.front() != u'\\') return nullptr;
     path.remove_prefix(1);
     const text::TextView name = path.substr(0, path.find(u'\\'));
-    folder = name.empty() ? nullptr : ChildOf(*folder, name);
+    folder = name.empty() ? nullptr : ChildOf(*folder, NameOf(name));
     path.remove_prefix(name.size());
   }
   return folder;

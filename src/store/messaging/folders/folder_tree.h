@@ -86,7 +86,7 @@ struct Folder {
 /// Owns the folders; they keep their addresses.
 class FolderTree {
  public:
-  /// Adds a folder below `parent` (null for the root). `name` is taken as a name of a store: see NameOf.
+  /// Adds a folder below `parent` (null for the root).
   Folder& Add(Folder* parent, Nid nid, text::TextView name, text::TextView containerClass);
 
   /// Gives a folder that has a parent another name and class.
@@ -108,7 +108,7 @@ class FolderTree {
 /// The child folder of that name, letter case ignored; null when there is none.
 Folder* ChildOf(const Folder& parent, text::TextView name);
 
-/// The folder at the end of a path of names, each behind a backslash, from `top` on; `top` itself for an
+/// The folder at the end of a path of names (see NameOf), each behind a backslash, from `top` on; `top` itself for an
 /// empty path. Null where a name, an empty one included, is not there.
 Folder* FolderAt(Folder& top, text::TextView path);
 

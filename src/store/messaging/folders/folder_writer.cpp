@@ -19,7 +19,9 @@ PropertyBag PropertiesOf(const Folder& folder) {
   bag.PutInteger32(tag::kContentCount, static_cast<std::int32_t>(folder.items.Count()));
   bag.PutInteger32(tag::kContentUnreadCount, static_cast<std::int32_t>(folder.items.UnreadCount()));
   bag.PutBoolean(tag::kSubfolders, !folder.children.empty());
-  bag.PutText(tag::kContainerClass, folder.containerClass);
+  if (!folder.containerClass.empty()) {
+    bag.PutBytes(tag::kContainerClass, std::as_bytes(std::span(folder.containerClass)));
+  }
   bag.PutInteger32(tag::kPstHiddenCount, static_cast<std::int32_t>(folder.hiddenItems.Count()));
   bag.PutInteger32(tag::kPstHiddenUnread, static_cast<std::int32_t>(folder.hiddenItems.UnreadCount()));
   return bag;

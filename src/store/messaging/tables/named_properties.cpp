@@ -6,6 +6,7 @@
 
 #include "store/format/checksum.h"
 #include "store/format/little_endian.h"
+#include "store/ltp/multi_value.h"
 
 namespace velmora::messaging {
 namespace {
@@ -112,35 +113,45 @@ NamedPropertyMap::NamedPropertyMap() {
   for (std::size_t i = 0; i < ids_.size(); ++i) ids_[i] = static_cast<std::uint16_t>(name_map::kFirstNamedId + i);
 }
 
-NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
-  const Bytes guids = node.Binary(name_map::kSetStream).value_or(Bytes());
+std::vector<IdentifiedName> ReadNames(ltp::PropertyContext& node) {
+  const Bytes sets = node.Binary(name_map::kSetStream).value_or(Bytes());
   const Bytes entries = node.Binary(name_map::kEntryStream).value_or(Bytes());
-  const Bytes strings = node.Binary(name_map::kTextStream).value_or(Bytes());
-  const auto setOf = [&](std::uint32_t number) -> const SetRow* {
-    if (number == kPublicStringsNumber) return &kSets[0];
+  const Bytes texts = node.Binary(name_map::kTextStream).value_or(Bytes());
+  const auto setOf = [&](std::uint32_t number) -> std::optional<Uid> {
+    if (number == 0) return kNoSet;
+    if (number == 1) return kMapiSet;
+    if (number == kPublicStringsNumber) return kSets[0].guid;
     const std::size_t at = (number - kFirstSet) * name_map::kSetSize;
-    if (number < kFirstSet || at + name_map::kSetSize > guids.size()) return nullptr;
-    const auto guid = std::span(guids).subspan(at, name_map::kSetSize);
-    const auto* const found =
-        std::ranges::find_if(kSets, [&](const SetRow& row) { return std::ranges::equal(guid, row.guid); });
-    return found != std::end(kSets) ? found : nullptr;
+    if (at + name_map::kSetSize > sets.size()) return std::nullopt;
+    Uid set;
+    std::ranges::copy(std::span(sets).subspan(at, name_map::kSetSize), set.begin());
+    return set;
   };
-  const auto isKeywords = [&](std::uint32_t at) {
-    const auto name = std::as_bytes(std::span(text::TextView(kKeywordsName)));
-    return Load<std::uint32_t>(strings, at) == name.size() && at + 4 + name.size() <= strings.size() &&
-           std::ranges::equal(std::span(strings).subspan(at + 4, name.size()), name);
+  const auto textAt = [&](std::size_t at) -> text::Text {
+    const std::size_t size = Load<std::uint32_t>(texts, at);
+    if (at + 4 > texts.size() || size > texts.size() - at - 4) return {};
+    return ltp::DecodeText(std::span(texts).subspan(at + 4, size));
   };
+  std::vector<IdentifiedName> names;
   for (std::size_t at = 0; at + name_map::kEntrySize <= entries.size(); at += name_map::kEntrySize) {
     const std::uint32_t number = Load<std::uint32_t>(entries, at);
-    const std::uint32_t guidAndKind = Load<std::uint16_t>(entries, at + 4);
+    const std::uint32_t setAndKind = Load<std::uint16_t>(entries, at + 4);
     const auto id =
         static_cast<std::uint16_t>(name_map::kFirstNamedId + Load<std::uint16_t>(entries, at + name_map::kOffEntryId));
-    const SetRow* set = setOf(guidAndKind >> 1);
-    if (set == nullptr || id < name_map::kFirstNamedId) continue;
-    const bool byText = (guidAndKind & 1) != 0;
+    const std::optional<Uid> set = setOf(setAndKind >> 1);
+    if (!set || id < name_map::kFirstNamedId) continue;
+    const bool byText = (setAndKind & 1) != 0;
+    AnyPropertyName name{*set, byText ? 0 : number, byText ? textAt(number) : text::Text()};
+    if (byText && name.text.empty()) continue;
+    names.push_back({id, std::move(name)});
+  }
+  return names;
+}
+
+NamedPropertyMap::NamedPropertyMap(ltp::PropertyContext& node) {
+  for (const auto& [id, name] : ReadNames(node)) {
     for (std::size_t i = 0; i < kPropertyNameCount; ++i) {
-      if (kPropertyNames[i].set != set->set || (kPropertyNames[i].id == 0) != byText) continue;
-      if (byText ? isKeywords(number) : kPropertyNames[i].id == number) ids_[i] = id;
+      if (FullName(kPropertyNames[i]) == name) ids_[i] = id;
     }
   }
 }

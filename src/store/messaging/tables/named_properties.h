@@ -97,6 +97,15 @@ struct AnyPropertyName {
   auto operator<=>(const AnyPropertyName&) const = default;
 };
 
+/// A name and the identifier that a store has given to it.
+struct IdentifiedName {
+  std::uint16_t id = 0;
+  AnyPropertyName name;
+};
+
+/// All names of the map that node 0x61 of a store holds, in its order. Entries that cannot be read are left out.
+std::vector<IdentifiedName> ReadNames(ltp::PropertyContext& node);
+
 /// The map of a store that is written: the names of the table and behind them those that were asked for.
 class NewNameMap {
  public:

@@ -42,7 +42,9 @@ constexpr Nid kEmptyNodes[] = {
 
 // Bits of PidTagValidFolderMask: the folders that the store names.
 constexpr std::int32_t kTopIsThere = 0x01;
+constexpr std::int32_t kOutboxIsThere = 0x04;
 constexpr std::int32_t kDeletedItemsIsThere = 0x08;
+constexpr std::int32_t kSentMailIsThere = 0x10;
 constexpr std::int32_t kFinderIsThere = 0x80;
 
 /// The version that current Outlook notes in the stores that it makes.
@@ -97,19 +99,26 @@ void WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names) {
   SetWritten(ndb, nid::kNameToIdMap, node.Finish());
 }
 
-void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, Nid deletedItems) {
+void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
+                       const DefaultFolders& defaults) {
   Bytes history;
   Append(history, std::uint32_t{1});
   Append(history, identity.replicaId);
   Append(history, std::uint32_t{1});
 
+  PropertyBag folders;
+  defaults.PutIntoStore(identity.recordKey, folders);
+  const std::int32_t mask = kTopIsThere | kDeletedItemsIsThere | kFinderIsThere |
+                            (folders.Has(tag::kIpmOutboxEntryId) ? kOutboxIsThere : 0) |
+                            (folders.Has(tag::kIpmSentMailEntryId) ? kSentMailIsThere : 0);
+
   ltp::PropertyContextWriter node(ndb);
   node.Add(tag::kRecordKey, identity.recordKey);
   node.AddText(tag::kDisplayName, NameOf(identity.displayName));
   node.Add(tag::kIpmSubTreeEntryId, NodeEntryId(identity.recordKey, top));
-  node.Add(tag::kIpmWastebasketEntryId, NodeEntryId(identity.recordKey, deletedItems));
+  folders.AddTo(node);
   node.Add(tag::kFinderEntryId, NodeEntryId(identity.recordKey, searchRoot));
-  node.AddInteger32(tag::kValidFolderMask, kTopIsThere | kDeletedItemsIsThere | kFinderIsThere);
+  node.AddInteger32(tag::kValidFolderMask, mask);
   node.AddInteger32(tag::kPstPassword, 0);
   node.AddBoolean(tag::kPstLrNoRestrictions, true);
   node.Add(tag::kReplVersionHistory, history);

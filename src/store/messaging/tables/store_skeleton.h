@@ -1,6 +1,7 @@
 // What a store has before its first folder: templates, queues, the search folder, the map of names.
 #pragma once
 
+#include "store/messaging/folders/default_folders.h"
 #include "store/messaging/tables/named_properties.h"
 #include "store/messaging/values/identity.h"
 #include "store/ndb/ndb_writer.h"
@@ -26,6 +27,6 @@ struct StoreIdentity {
 void WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 /// Writes the message store object, which names the folders of the store.
-void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, Nid deletedItems);
+void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, const DefaultFolders& defaults);
 
 }  // namespace velmora::messaging

@@ -1,8 +1,8 @@
-#include "recovery/content_allowance.h"
+#include "engine/content_allowance.h"
 
 #include <algorithm>
 
-namespace velmora::recovery {
+namespace velmora::engine {
 
 ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks)
     : bytes_(std::max(kLeastBytes, sourceBytes * (packed ? kPackedTimesOver : kTimesOver))),
@@ -12,12 +12,12 @@ ContentAllowance::ContentAllowance(std::uint64_t sourceBytes, bool packed, std::
       kept_(kLeastKept + sourceBytes),
       losses_(kLeastLosses + sourceBytes / kBytesOfLoss) {}
 
-ContentAllowance ContentAllowance::Of(const engine::ScannedStore& store, std::uint32_t nodesLeft) {
+ContentAllowance ContentAllowance::Of(const ScannedStore& store, std::uint32_t nodesLeft) {
   return {store.source.Size(), store.layout.formatId == FORMAT_UNICODE_4K,
           std::uint64_t{nodesLeft} + store.blockRecordCount};
 }
 
-ContentAllowance ContentAllowance::ForReport(const engine::ScannedStore& store) {
+ContentAllowance ContentAllowance::ForReport(const ScannedStore& store) {
   return {store.source.Size() / kTimesOver, false, 0};
 }
 
@@ -41,4 +41,4 @@ bool ContentAllowance::Take(std::uint64_t& left, std::uint64_t count) {
   return true;
 }
 
-}  // namespace velmora::recovery
+}  // namespace velmora::engine

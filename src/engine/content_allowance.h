@@ -5,7 +5,7 @@
 
 #include "engine/scanned_store.h"
 
-namespace velmora::recovery {
+namespace velmora::engine {
 
 /// How much a step of the run may still take out of a store.
 ///
@@ -51,10 +51,10 @@ class ContentAllowance {
   ContentAllowance(std::uint64_t sourceBytes, bool packed, std::uint64_t nodesAndBlocks);
 
   /// That of a run at the beginning of a step, when so many nodes are left.
-  static ContentAllowance Of(const engine::ScannedStore& store, std::uint32_t nodesLeft);
+  static ContentAllowance Of(const ScannedStore& store, std::uint32_t nodesLeft);
 
   /// What the report may read to say how much is lost: so much as the source has. It takes nothing from the run's.
-  static ContentAllowance ForReport(const engine::ScannedStore& store);
+  static ContentAllowance ForReport(const ScannedStore& store);
 
   /// To be called ahead of each node.
   void BeginNode();
@@ -90,4 +90,4 @@ class ContentAllowance {
   std::uint64_t losses_ = 0;
 };
 
-}  // namespace velmora::recovery
+}  // namespace velmora::engine

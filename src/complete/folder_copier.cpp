@@ -1,0 +1,140 @@
+#include "complete/folder_copier.h"
+
+#include "store/format/property_tags.h"
+#include "store/ltp/multi_value.h"
+
+namespace velmora::complete {
+namespace {
+
+using messaging::Folder;
+using messaging::PropertyBag;
+
+constexpr text::TextView kLostAndFoundName = u"Lost & Found";
+constexpr text::TextView kNameOfNone = u"Folder without a name";
+
+constexpr std::size_t kLongestPath = 8192;
+
+/// The four nodes of a folder share an index.
+constexpr NidType kTypesOfFolder[] = {NidType::kNormalFolder, NidType::kHierarchyTable, NidType::kContentsTable,
+                                      NidType::kAssocContentsTable};
+
+}  // namespace
+
+text::Text PathOf(const Folder& folder) {
+  text::Text path;
+  const auto isTop = [](const Folder* at) { return at->parent == nullptr || at->parent->parent == nullptr; };
+  for (const Folder* at = &folder; !isTop(at) && path.size() < kLongestPath; at = at->parent) {
+    path.insert(0, u"/" + at->name);
+  }
+  return path.empty() ? u"/" : path;
+}
+
+void FolderCopier::CopyAll() {
+  SourceFolder* const top = plan_.Top();
+  if (top == nullptr) return;
+  top->target = &tools_.target.Top();
+  ++tools_.account.folders;
+  std::vector<SourceFolder*> next;
+  // Those beside the tree that people see hang under its top.
+  const auto addChildren = [&](SourceFolder& folder) {
+    for (auto child = folder.children.rbegin(); child != folder.children.rend(); ++child) {
+      if ((*child)->isCopied && plan_.ParentOf(**child) == &folder) next.push_back(*child);
+    }
+  };
+  for (auto folder = plan_.Folders().rbegin(); folder != plan_.Folders().rend(); ++folder) {
+    SourceFolder& beside = folder->second;
+    if (beside.isCopied && !beside.isInTree && plan_.ParentOf(beside) == top) next.push_back(&beside);
+  }
+  addChildren(*top);
+  while (!next.empty()) {
+    SourceFolder& folder = *next.back();
+    next.pop_back();
+    Copy(folder);
+    if (folder.target != nullptr) addChildren(folder);
+  }
+  for (const auto& [kind, nid] : plan_.Defaults().All()) {
+    const SourceFolder* folder = plan_.Find(nid);
+    if (folder != nullptr && folder->target != nullptr && folder != top) {
+      tools_.target.SetDefaultFolder(kind, *folder->target);
+    }
+  }
+}
+
+Folder& FolderCopier::LostAndFound() {
+  if (lostAndFound_ == nullptr) {
+    PropertyBag properties;
+    properties.PutName(tag::kDisplayName, kLostAndFoundName);
+    properties.PutName(tag::kContainerClass, kMailContainerClass);
+    GiveFreeName(tools_.target.Top(), nullptr, properties);
+    lostAndFound_ = &tools_.target.AddFolder(tools_.target.Top(), std::move(properties));
+  }
+  return *lostAndFound_;
+}
+
+PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& missing) {
+  ndb::Faults faults(folder.nid);
+  PropertyBag properties;
+  try {
+    auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, folder.trees, &faults));
+    for (const ndb::Fault& fault : faults.List()) {
+      missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault.cause});
+    }
+    properties = properties_.Copy(context, kFolder, tools_.pages.OfStore(), faults, {}, missing);
+  } catch (const std::exception&) {
+    missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
+  }
+  if (properties.Value(tag::kDisplayName).empty()) properties.PutName(tag::kDisplayName, kNameOfNone);
+  return properties;
+}
+
+/// Of siblings of one name the second gets " (2)".
+void FolderCopier::GiveFreeName(const Folder& parent, const Folder* self, PropertyBag& properties) {
+  const text::Text name = ltp::DecodeText(properties.Value(tag::kDisplayName));
+  const auto isTaken = [&](text::TextView candidate) {
+    const Folder* child = ChildOf(parent, candidate);
+    return child != nullptr && child != self;
+  };
+  if (!isTaken(name)) return;
+  std::uint32_t& number = numbers_.try_emplace({&parent, text::CaseFolded(name)}, 1).first->second;
+  text::Text candidate;
+  do {
+    candidate = name + u" (" + text::Decimal(++number) + u")";
+  } while (isTaken(candidate));
+  properties.PutBytes(tag::kDisplayName, ltp::EncodeText(candidate));
+}
+
+bool FolderCopier::IsFree(Nid nid) const {
+  if (IndexOf(nid) < kFirstFreeNidIndex) return false;
+  for (const NidType type : kTypesOfFolder) {
+    if (tools_.target.Source().FindNode(Sibling(nid, type))) return false;
+  }
+  return tools_.target.OfNid(nid) == nullptr;
+}
+
+void FolderCopier::Copy(SourceFolder& folder) {
+  Missing missing;
+  PropertyBag properties = PropertiesOf(folder, missing);
+  Folder& parent = *plan_.ParentOf(folder)->target;
+  tools_.allowance.BeginNode();
+  try {
+    if (&folder == plan_.DeletedItems()) {
+      folder.target = tools_.target.OfNid(tools_.target.Defaults().Of(DefaultFolder::kDeletedItems));
+      GiveFreeName(parent, folder.target, properties);
+      tools_.target.SetProperties(*folder.target, std::move(properties));
+    } else {
+      GiveFreeName(parent, nullptr, properties);
+      const auto nid = IsFree(folder.nid) ? std::optional(folder.nid) : std::nullopt;
+      folder.target = &tools_.target.AddFolder(parent, std::move(properties), nid);
+    }
+    ++tools_.account.folders;
+  } catch (const std::exception&) {
+    missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
+  }
+  if (missing.empty()) return;
+  Loss loss{.source = folder.nid, .folder = PathOf(folder.target != nullptr ? *folder.target : parent), .subject = folder.name};
+  if (folder.target != nullptr) loss.target = folder.target->nid;
+  loss.missing = std::move(missing);
+  tools_.account.AddLoss(std::move(loss));
+}
+
+}  // namespace velmora::complete

@@ -1,0 +1,181 @@
+#include "complete/folder_plan.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
+#include "store/ltp/property_context.h"
+
+namespace velmora::complete {
+namespace {
+
+constexpr text::TextView kTopName = u"IPM_SUBTREE";
+constexpr text::TextView kDeletedItemsName = u"Deleted Items";
+
+// The ids of folders that every offline store has.
+constexpr Nid kOfflineTop{0x2142};
+constexpr Nid kOfflineDeletedItems{0x2162};
+constexpr Nid kOfflineOutbox{0x21A2};
+constexpr Nid kOfflineSentMail{0x21C2};
+
+std::optional<ltp::PropertyContext> Open(const LiveStore& source, const ndb::NodeTrees& trees, ndb::Faults& faults) {
+  auto context = ltp::PropertyContext::Open(source, trees, &faults);
+  if (!context) return std::nullopt;
+  return std::move(*context);
+}
+
+text::Text NameOf(ltp::PropertyContext& folder, const text::CodePage& page) {
+  if (const auto name = folder.Text(tag::kDisplayName)) return *name;
+  const auto bytes = folder.Binary(MakeTag(IdOf(tag::kDisplayName), PropType::kString8));
+  if (!bytes) return {};
+  return page.Decode({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+}
+
+}  // namespace
+
+FolderPlan::FolderPlan(const LiveStore& source, const TextPages& pages) {
+  ReadFolders(source, pages);
+  JoinToTree(source);
+  ReadMarks(source);
+  FindTop(source);
+  FindDeletedItems();
+  ChooseCopied();
+}
+
+SourceFolder* FolderPlan::Find(Nid nid) {
+  const auto found = folders_.find(nid);
+  return found != folders_.end() ? &found->second : nullptr;
+}
+
+SourceFolder* FolderPlan::ParentOf(const SourceFolder& folder) const {
+  const bool staysBelow = folder.parent != nullptr && folder.parent->isCopied && folder.parent->isInTree == folder.isInTree;
+  return staysBelow ? folder.parent : top_;
+}
+
+void FolderPlan::ReadFolders(const LiveStore& source, const TextPages& pages) {
+  for (const ndb::NodeEntry& node : source.Nodes()) {
+    if (TypeOf(node.nid) != NidType::kNormalFolder) continue;
+    SourceFolder& folder = folders_[node.nid];
+    folder.nid = node.nid;
+    folder.trees = node.trees;
+    ndb::Faults faults(node.nid);
+    if (auto context = Open(source, node.trees, faults)) folder.name = NameOf(*context, pages.OfStore());
+  }
+}
+
+void FolderPlan::JoinToTree(const LiveStore& source) {
+  for (const ndb::NodeEntry& node : source.Nodes()) {
+    SourceFolder* parent = Find(node.nidParent);
+    if (parent == nullptr) continue;
+    if (TypeOf(node.nid) == NidType::kNormalMessage) ++parent->messages;
+    if (TypeOf(node.nid) == NidType::kNormalFolder && node.nid != node.nidParent) Find(node.nid)->parent = parent;
+  }
+  // A folder whose parents lead round in a circle is taken out of it, and stands alone.
+  std::unordered_set<const SourceFolder*> rooted;
+  for (auto& [nid, folder] : folders_) {
+    std::unordered_set<const SourceFolder*> path;
+    SourceFolder* last = nullptr;
+    for (SourceFolder* at = &folder; at != nullptr && !rooted.contains(at); last = at, at = at->parent) {
+      if (path.insert(at).second) continue;
+      last->parent = nullptr;
+      break;
+    }
+    rooted.merge(path);
+  }
+  for (auto& [nid, folder] : folders_) {
+    if (folder.parent != nullptr) {
+      folder.parent->children.push_back(&folder);
+    } else {
+      parentsFirst_.push_back(&folder);
+    }
+  }
+  for (std::size_t i = 0; i < parentsFirst_.size(); ++i) {
+    const auto& children = parentsFirst_[i]->children;
+    parentsFirst_.insert(parentsFirst_.end(), children.begin(), children.end());
+  }
+  for (auto folder = parentsFirst_.rbegin(); folder != parentsFirst_.rend(); ++folder) {
+    (*folder)->messagesBelow += (*folder)->messages;
+    if (SourceFolder* parent = (*folder)->parent) {
+      parent->foldersBelow += (*folder)->foldersBelow + 1;
+      parent->messagesBelow += (*folder)->messagesBelow;
+    }
+  }
+}
+
+void FolderPlan::ReadMarks(const LiveStore& source) {
+  const auto node = source.FindNode(nid::kMessageStore);
+  ndb::Faults faults;
+  auto store = node ? Open(source, node->trees, faults) : std::nullopt;
+  const auto key = store ? store->Binary(tag::kRecordKey) : std::nullopt;
+  if (!key || key->size() != sizeof(messaging::Uid)) return;
+  std::ranges::copy(*key, recordKey_.emplace().begin());
+  const auto top = messaging::NodeOfEntryId(store->Binary(tag::kIpmSubTreeEntryId).value_or(Bytes()), *recordKey_);
+  topOfStore_ = top.value_or(kNoNid);
+  defaults_.ReadFromStore(*recordKey_, *store);
+  const auto rootNode = source.FindNode(nid::kRootFolder);
+  if (auto root = rootNode ? Open(source, rootNode->trees, faults) : std::nullopt) {
+    defaults_.ReadFromRoot(*recordKey_, *root);
+  }
+}
+
+SourceFolder* FolderPlan::LargestOf(const std::vector<SourceFolder*>& folders) const {
+  const auto size = [](const SourceFolder* folder) { return std::pair(folder->foldersBelow, folder->messagesBelow); };
+  const auto largest = std::ranges::max_element(folders, {}, size);  // the first of equals
+  return largest != folders.end() ? *largest : nullptr;
+}
+
+void FolderPlan::FindTop(const LiveStore& source) {
+  const bool isOffline = source.Found().storeKind == engine::StoreKind::kOst;
+  top_ = Find(topOfStore_);
+  if (top_ == nullptr && isOffline) {
+    top_ = Find(kOfflineTop);
+    if (top_ != nullptr) {
+      for (const auto& [kind, nid] : {std::pair(DefaultFolder::kDeletedItems, kOfflineDeletedItems),
+                                      std::pair(DefaultFolder::kOutbox, kOfflineOutbox),
+                                      std::pair(DefaultFolder::kSentMail, kOfflineSentMail)}) {
+        if (defaults_.Of(kind) == kNoNid && Find(nid) != nullptr) defaults_.Set(kind, nid);
+      }
+    }
+  }
+  if (top_ == nullptr) {
+    std::vector<SourceFolder*> named;
+    for (auto& [nid, folder] : folders_) {
+      if (text::EqualIgnoringCase(folder.name, kTopName)) named.push_back(&folder);
+    }
+    top_ = LargestOf(named);
+  }
+  SourceFolder* const root = Find(nid::kRootFolder);
+  if (top_ == nullptr && root != nullptr) top_ = root->children.empty() ? root : LargestOf(root->children);
+  if (top_ == nullptr) {
+    std::vector<SourceFolder*> alone;
+    std::ranges::copy_if(parentsFirst_, std::back_inserter(alone),
+                         [](const SourceFolder* folder) { return folder->parent == nullptr; });
+    top_ = LargestOf(alone);
+  }
+}
+
+void FolderPlan::FindDeletedItems() {
+  if (top_ == nullptr) return;
+  deletedItems_ = Find(defaults_.Of(DefaultFolder::kDeletedItems));
+  for (SourceFolder* child : top_->children) {
+    if (deletedItems_ == nullptr && text::EqualIgnoringCase(child->name, kDeletedItemsName)) deletedItems_ = child;
+  }
+  if (deletedItems_ != nullptr && deletedItems_->parent != top_) deletedItems_ = nullptr;
+}
+
+void FolderPlan::ChooseCopied() {
+  if (top_ == nullptr) return;
+  std::unordered_set<const SourceFolder*> aboveTop;
+  for (const SourceFolder* above = top_->parent; above != nullptr; above = above->parent) aboveTop.insert(above);
+  for (SourceFolder* folder : parentsFirst_) {
+    folder->isInTree = folder == top_ || (folder->parent != nullptr && folder->parent->isInTree);
+    if (folder->isInTree) {
+      folder->isCopied = true;
+    } else if (folder->nid != nid::kRootFolder) {
+      folder->isCopied = (aboveTop.contains(folder) ? folder->messages : folder->messagesBelow) != 0;
+    }
+  }
+}
+
+}  // namespace velmora::complete

@@ -1,0 +1,226 @@
+#include "complete/message_copier.h"
+
+#include <algorithm>
+
+#include "store/format/classes.h"
+#include "store/format/property_tags.h"
+#include "store/format/store_nodes.h"
+#include "store/ltp/multi_value.h"
+#include "store/messaging/failures.h"
+#include "store/ndb/data_tree_reader.h"
+#include "store/ndb/subnode_tree_writer.h"
+
+namespace velmora::complete {
+namespace {
+
+using messaging::PropertyBag;
+
+/// Messages in messages, and sub-nodes in sub-nodes: as deep as the readers of sub-nodes go.
+constexpr int kMostDepth = 64;
+
+constexpr std::int32_t kNotInText = -1;  ///< rendering position of an attachment beside the text
+
+const ndb::SubnodeEntry* Find(const std::vector<ndb::SubnodeEntry>& subnodes, Nid nid) {
+  const auto found = std::ranges::find(subnodes, nid, &ndb::SubnodeEntry::nid);
+  return found != subnodes.end() ? &*found : nullptr;
+}
+
+text::Text NameOf(const PropertyBag& attachment) {
+  for (const PropTag tag : {tag::kAttachLongFilename, tag::kAttachFilename, tag::kDisplayName}) {
+    if (!attachment.Value(tag).empty()) return ltp::DecodeText(attachment.Value(tag));
+  }
+  return {};
+}
+
+Failure TooMuch(std::string object) {
+  return {FailureKind::kNotSupported, std::move(object), 0, "the store claims more than it can hold"};
+}
+
+}  // namespace
+
+/// What every message has, for one that lacks it.
+PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
+  const auto time = [&](PropTag tag) { return message.Integer64(tag); };
+  std::optional<std::int64_t> created = time(tag::kCreationTime);
+  for (const PropTag tag : {tag::kMessageDeliveryTime, tag::kClientSubmitTime, tag::kLastModificationTime}) {
+    if (!created) created = time(tag);
+  }
+  PropertyBag defaults;
+  const auto when = created ? static_cast<text::FileTime>(*created) : tools_.target.Now();
+  defaults.PutText(tag::kMessageClass, kMailMessageClass);
+  defaults.PutTime(tag::kCreationTime, when);
+  defaults.PutTime(tag::kLastModificationTime, when);
+  if (message.Find(IdOf(tag::kSearchKey)) == nullptr) defaults.PutBytes(tag::kSearchKey, tools_.target.NewUid());
+  return defaults;
+}
+
+CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
+  Opened from{trees, ndb::Faults(), {}, nullptr, depth};
+  auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, trees, &from.faults));
+  CopiedMessage out;
+  from.page = &tools_.pages.Of(context);
+  for (const ndb::Fault& fault : from.faults.List()) {
+    out.missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault.cause});
+  }
+  out.message.properties =
+      properties_.Copy(context, kMessage, *from.page, from.faults, DefaultsOf(context), out.missing);
+  try {
+    from.subnodes = ValueOrRaise(context.Subnodes());
+  } catch (const std::exception&) {
+    out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = CauseOfLoss()});
+    return out;
+  }
+  CopyRecipients(from, out);
+  CopyAttachments(from, out);
+  return out;
+}
+
+PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, const text::CodePage& page, Owner owner,
+                                   Missing& missing) {
+  PropertyBag out;
+  for (const ltp::Column& column : table.Columns()) {
+    if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || IsLeftOut(IdOf(column.tag), owner)) continue;
+    try {
+      auto value = ValueOrRaise(table.Cell(row, column.tag));
+      if (!value) continue;
+      tools_.account.bytes += value->size();
+      if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch(Named("property", column.tag)));
+      properties_.Put(properties_.TargetTag(column.tag), std::move(*value), page, out);
+    } catch (const std::exception&) {
+      missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
+    }
+  }
+  return out;
+}
+
+void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
+  const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kRecipientTable);
+  if (subnode == nullptr) return;
+  const std::size_t faultsBefore = from.faults.Count();
+  auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults);
+  if (!table) {
+    out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = table.error()});
+    return;
+  }
+  Missing missing;
+  for (std::size_t row = 0; row < table->RowCount(); ++row) {
+    if (!tools_.allowance.TakeHeld(sizeof(PropertyBag))) {
+      missing.push_back({.cause = TooMuch(Named("sub-node", nid::kRecipientTable))});
+      break;
+    }
+    out.message.recipients.push_back(CopyRow(*table, row, *from.page, kRecipient, missing));
+  }
+  tools_.account.recipients += out.message.recipients.size();
+  if (missing.empty() && from.faults.Count() != faultsBefore) missing.push_back({.cause = from.faults.List().back().cause});
+  for (MissingPart& part : missing) {
+    part.kind = MissingPart::Kind::kRecipients;
+    out.missing.push_back(std::move(part));
+  }
+}
+
+void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
+  std::vector<const ndb::SubnodeEntry*> attachments;
+  for (const ndb::SubnodeEntry& subnode : from.subnodes) {
+    if (TypeOf(subnode.nid) == NidType::kAttachment) attachments.push_back(&subnode);
+  }
+  std::ranges::sort(attachments, {}, &ndb::SubnodeEntry::nid);
+
+  std::optional<ltp::TableContext> rows;
+  if (const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kAttachmentTable)) {
+    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults)) rows.emplace(std::move(*table));
+  }
+  std::size_t row = 0;
+  // An attachment whose sub-node is lost is known by its row alone: what that tells of it comes across.
+  const auto copyRowsBefore = [&](std::uint32_t nid) {
+    for (; rows && row < rows->RowCount() && rows->RowId(row) < nid; ++row) {
+      Missing missing;
+      PropertyBag attachment = CopyRow(*rows, row, *from.page, kAttachment, missing);
+      out.missing.push_back({.kind = MissingPart::Kind::kAttachment,
+                             .name = NameOf(attachment),
+                             .size = static_cast<std::uint32_t>(rows->Integer32(row, tag::kAttachSize).value_or(0)),
+                             .cause = {FailureKind::kCorrupt, Named("sub-node", rows->RowId(row)), 0,
+                                       "the attachment's sub-node is not there"}});
+      attachment.PutInteger32(tag::kAttachMethod, 0);
+      if (!attachment.Has(tag::kRenderingPosition)) attachment.PutInteger32(tag::kRenderingPosition, kNotInText);
+      out.message.attachments.push_back(std::move(attachment));
+    }
+  };
+  for (const ndb::SubnodeEntry* subnode : attachments) {
+    copyRowsBefore(Value(subnode->nid));
+    if (rows && row < rows->RowCount() && rows->RowId(row) == Value(subnode->nid)) ++row;
+    if (!tools_.allowance.TakePart()) {
+      out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
+      continue;
+    }
+    out.message.attachments.push_back(CopyAttachment(from, *subnode, out.missing));
+    ++tools_.account.attachments;
+  }
+  copyRowsBefore(UINT32_MAX);
+}
+
+PropertyBag MessageCopier::CopyAttachment(Opened& from, const ndb::SubnodeEntry& subnode, Missing& missing) {
+  PropertyBag attachment;
+  Missing ofThis;
+  ndb::Faults faults(subnode.nid);
+  try {
+    auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, subnode.trees, &faults));
+    for (const ndb::Fault& fault : faults.List()) ofThis.push_back({.cause = fault.cause});
+    PropertyBag defaults;
+    defaults.PutInteger32(tag::kAttachMethod, 0);
+    defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
+    attachment = properties_.Copy(context, kAttachment, *from.page, faults, defaults, ofThis);
+    CopyObject(context, from.depth, attachment, ofThis);
+  } catch (const std::exception&) {
+    ofThis.push_back({.cause = CauseOfLoss()});
+    attachment.PutInteger32(tag::kAttachMethod, 0);
+    attachment.PutInteger32(tag::kRenderingPosition, kNotInText);
+  }
+  for (MissingPart& part : ofThis) {
+    if (part.kind != MissingPart::Kind::kProperty) part.kind = MissingPart::Kind::kAttachment;
+    part.name = part.name.empty() ? NameOf(attachment) : part.name;
+    missing.push_back(std::move(part));
+  }
+  return attachment;
+}
+
+/// The sub-node that an attachment's data are: a message, or whatever else another program has put there.
+void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBag& out, Missing& missing) {
+  const auto object = from.ReadObject(tag::kAttachDataObject);
+  if (!object) return;
+  const auto subnode = ValueOrRaise(from.FindSubnode(object->nid));
+  if (!subnode) RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
+  if (depth == kMostDepth) RaiseCorrupt(Named("sub-node", object->nid), depth, "messages nest too deep");
+  if (TypeOf(object->nid) != NidType::kNormalMessage) {
+    tools_.target.PutObject(out, CopyNode(subnode->trees, from.FaultList(), depth));
+    return;
+  }
+  CopiedMessage embedded = Copy(subnode->trees, depth + 1);
+  std::ranges::move(embedded.missing, std::back_inserter(missing));
+  tools_.target.PutMessage(out, std::move(embedded.message));
+  ++tools_.account.embedded;
+}
+
+ndb::WrittenNode MessageCopier::CopyNode(const ndb::NodeTrees& trees, ndb::Faults* faults, int depth) {
+  if (depth == kMostDepth) RaiseCorrupt(Named("block", trees.bidSub), depth, "sub-nodes nest too deep");
+  if (!tools_.allowance.TakePart()) throw FailureError(TooMuch(Named("block", trees.bidSub)));
+  ndb::NdbWriter& ndb = tools_.target.Ndb();
+  ndb::WrittenNode node;
+  const ndb::DataTree data = properties_.CopyTree(trees.bidData, faults);
+  node.trees.bidData = data.bid;
+  node.dataSize = data.size;
+  ndb::SubnodeTreeWriter below(ndb);
+  try {
+    for (const ndb::SubnodeEntry& subnode : ValueOrRaise(ndb::ListSubnodes(tools_.source, trees.bidSub, faults))) {
+      below.Add(subnode.nid, CopyNode(subnode.trees, faults, depth + 1));
+    }
+    const ndb::SubnodeTree tree = messaging::AsOperation([&] { return below.Finish(); });
+    node.trees.bidSub = tree.bid;
+    node.dataSize += tree.dataSize;
+    return node;
+  } catch (...) {
+    ndb.Discard(node.trees);
+    throw;
+  }
+}
+
+}  // namespace velmora::complete

@@ -1,0 +1,54 @@
+// A message with its recipients, its attachments and the messages in them.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "complete/property_copier.h"
+#include "store/ltp/table_context.h"
+#include "store/messaging/objects/message_writer.h"
+#include "store/ndb/subnode_tree_reader.h"
+
+namespace velmora::complete {
+
+/// What was read of a message, with what was not.
+struct CopiedMessage {
+  messaging::Message message;
+  Missing missing;
+};
+
+class MessageCopier {
+ public:
+  explicit MessageCopier(CopyTools& tools) : tools_(tools), properties_(tools) {}
+
+  /// Reads the message of these trees; what is long of it is in the new store already. Raises FailureError when not even
+  /// its property context can be opened.
+  CopiedMessage Copy(const ndb::NodeTrees& trees) { return Copy(trees, 0); }
+
+ private:
+  using Subnodes = std::vector<ndb::SubnodeEntry>;
+
+  /// The object of a message under work, opened.
+  struct Opened {
+    const ndb::NodeTrees& trees;
+    ndb::Faults faults;
+    Subnodes subnodes;
+    const text::CodePage* page = nullptr;
+    int depth = 0;  ///< of the embedding
+  };
+
+  CopiedMessage Copy(const ndb::NodeTrees& trees, int depth);
+  void CopyRecipients(Opened& from, CopiedMessage& out);
+  void CopyAttachments(Opened& from, CopiedMessage& out);
+  messaging::PropertyBag CopyAttachment(Opened& from, const ndb::SubnodeEntry& subnode, Missing& missing);
+  void CopyObject(ltp::PropertyContext& from, int depth, messaging::PropertyBag& out, Missing& missing);
+  ndb::WrittenNode CopyNode(const ndb::NodeTrees& trees, ndb::Faults* faults, int depth);
+  messaging::PropertyBag CopyRow(ltp::TableContext& table, std::size_t row, const text::CodePage& page, Owner owner,
+                                 Missing& missing);
+  messaging::PropertyBag DefaultsOf(ltp::PropertyContext& message);
+
+  CopyTools& tools_;
+  PropertyCopier properties_;
+};
+
+}  // namespace velmora::complete

@@ -1,0 +1,173 @@
+#include "complete/property_copier.h"
+
+#include <algorithm>
+
+#include "store/format/property_tags.h"
+#include "store/ltp/multi_value.h"
+#include "store/ltp/property_value.h"
+#include "store/messaging/failures.h"
+#include "store/ndb/data_tree_reader.h"
+#include "store/ndb/data_tree_writer.h"
+
+namespace velmora::complete {
+namespace {
+
+using messaging::PropertyBag;
+
+/// Longer values go from store to store piece by piece. No row of a table shows one of that length. Of the contents of
+/// attachments, all that a heap does not hold: a message may have thousands of them.
+constexpr std::uint64_t MostInMemory(PropTag tag) {
+  return tag == tag::kAttachDataBinary ? ltp::PropertyContextWriter::kHeapValueLimit : std::uint64_t{256} << 10;
+}
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+
+/// 8-bit texts are converted whole, whatever their length.
+constexpr std::uint64_t kMostConverted = std::uint64_t{256} << 20;
+
+bool Is8Bit(PropType type) { return type == PropType::kString8 || type == PropType::kMultipleString8; }
+
+/// The type that a value has in the new store.
+PropTag Widened(PropTag tag) {
+  if (TypeOf(tag) == PropType::kString8) return MakeTag(IdOf(tag), PropType::kString);
+  if (TypeOf(tag) == PropType::kMultipleString8) return MakeTag(IdOf(tag), PropType::kMultipleString);
+  return tag;
+}
+
+std::string_view AsChars(std::span<const std::byte> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// Contents that people made, in which an entry id would be a coincidence.
+bool MayRefer(PropTag tag) {
+  if (TypeOf(tag) != PropType::kBinary && TypeOf(tag) != PropType::kMultipleBinary) return false;
+  return tag != tag::kAttachDataBinary && tag != tag::kHtml && tag != tag::kRtfCompressed;
+}
+
+}  // namespace
+
+Failure CauseOfLoss() {
+  try {
+    throw;
+  } catch (const FailureError& failure) {
+    return failure.Cause();
+  } catch (const output::OutputFailure& failure) {
+    if (output::IsStoreFailure(failure)) throw;
+    return {FailureKind::kNotSupported, "object", 0, failure.what()};
+  }
+}
+
+void PropertyCopier::TakeBytes(std::uint64_t count) {
+  if (tools_.allowance.TakeBytes(count)) return;
+  Raise(FailureKind::kNotSupported, "value", count, "the store claims more than it can hold");
+}
+
+PropTag PropertyCopier::TargetTag(PropTag tag) {
+  if (IdOf(tag) < name_map::kFirstNamedId) return tag;
+  const messaging::AnyPropertyName* name = tools_.names.Of(IdOf(tag));
+  if (name == nullptr) RaiseCorrupt(Named("property", tag), IdOf(tag), "the store has no name for it");
+  return MakeTag(tools_.target.NamedId(*name), TypeOf(tag));
+}
+
+void PropertyCopier::Put(PropTag tag, std::vector<std::byte> value, const text::CodePage& page, PropertyBag& out) {
+  const auto decoded = [&](std::span<const std::byte> bytes) {
+    return page.DecodeKeepingAll(AsChars(bytes), tools_.account.undefinedBytes);
+  };
+  // Some programs put 8-bit text into a property for UTF-16; an odd length tells.
+  if (TypeOf(tag) == PropType::kString8 || (TypeOf(tag) == PropType::kString && value.size() % 2 != 0)) {
+    value = ltp::EncodeText(decoded(value));
+  } else if (TypeOf(tag) == PropType::kMultipleString8) {
+    std::vector<text::Text> texts;
+    for (const auto& element : ValueOrRaise(ltp::DecodeMultiple(value))) texts.push_back(decoded(element));
+    value = ltp::EncodeMultiple(texts);
+  } else if (TypeOf(tag) == PropType::kBoolean && !value.empty()) {
+    value[0] = std::byte(value[0] != std::byte{0});
+  } else if (MayRefer(tag)) {
+    if (tools_.references.Rewrite(value) != 0 && tools_.references.IsEntryId(value)) return;  // it would lead nowhere
+  }
+  tag = Widened(tag);
+  ltp::CheckValue(tag, value);
+  if (value.size() > MostInMemory(tag)) {
+    tools_.target.PutTree(out, tag, messaging::AsOperation([&] { return tools_.target.Ndb().WriteData(value); }));
+  } else {
+    out.PutBytes(tag, value);
+  }
+}
+
+ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
+  auto from = ValueOrRaise(ndb::DataTreeReader::Open(tools_.source, bidData, faults));
+  TakeBytes(from.Size());
+  ndb::DataTreeWriter to(tools_.target.Ndb());
+  std::vector<std::byte> piece(kPiece);
+  std::uint64_t offset = 0;
+  while (const std::size_t count = ValueOrRaise(from.ReadAt(offset, piece))) {
+    messaging::AsOperation([&] { to.Append(std::span(piece).first(count)); });
+    offset += count;
+  }
+  tools_.account.bytes += offset;
+  return messaging::AsOperation([&] { return to.Finish(); });
+}
+
+void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
+                             PropertyBag& out) {
+  const std::uint64_t size = ValueOrRaise(from.SizeOf(tag)).value_or(0);
+  const bool streams = size > MostInMemory(tag) && !Is8Bit(TypeOf(tag)) && !(TypeOf(tag) == PropType::kString && size % 2 != 0);
+  if (streams) {
+    ltp::CheckSize(targetTag, size);
+    const auto tree = ValueOrRaise(from.TreeOf(tag));
+    if (!tree) RaiseCorrupt(Named("property", tag), size, "the value lies in no sub-node");
+    tools_.target.PutTree(out, targetTag, CopyTree(tree->bid, from.FaultList()));
+    return;
+  }
+  if (!tools_.allowance.TakeText(size)) {
+    Raise(FailureKind::kNotSupported, Named("property", tag), size, "the store claims more than it can hold");
+  }
+  auto value = ValueOrRaise(from.Read(tag, kMostConverted));
+  tools_.account.bytes += value->size();
+  Put(targetTag, std::move(*value), page, out);
+}
+
+PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
+                                 const ndb::Faults& faults, const PropertyBag& defaults, Missing& missing) {
+  struct Step {
+    PropTag targetTag;
+    const PropertyRecord* record;  ///< null: the default
+  };
+  std::vector<Step> steps;
+  for (const PropertyRecord& record : from.Records()) {
+    const PropTag tag = record.Tag();
+    if (IsLeftOut(IdOf(tag), owner) || tag == tag::kAttachDataObject) continue;
+    try {
+      steps.push_back({TargetTag(tag), &record});
+    } catch (const std::exception&) {
+      missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = tag, .cause = CauseOfLoss()});
+    }
+  }
+  for (const ltp::PropertyView& property : defaults.Views()) {
+    if (from.Find(IdOf(property.tag)) == nullptr) steps.push_back({property.tag, nullptr});
+  }
+  // In the order of the new store's ids, so that a copy of the copy is the same to the byte.
+  std::ranges::stable_sort(steps, {}, &Step::targetTag);
+
+  PropertyBag out;
+  for (const Step& step : steps) {
+    if (step.record == nullptr) {
+      out.PutBytes(step.targetTag, defaults.Value(step.targetTag));
+      continue;
+    }
+    const PropTag tag = step.record->Tag();
+    const std::size_t faultsBefore = faults.Count();
+    try {
+      CopyOne(from, tag, step.targetTag, page, out);
+    } catch (const std::exception&) {
+      missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = tag, .cause = CauseOfLoss()});
+      continue;
+    }
+    if (faults.Count() != faultsBefore) {
+      const Failure cause = faults.List().size() > faultsBefore ? faults.List()[faultsBefore].cause : Failure{};
+      missing.push_back({.kind = MissingPart::Kind::kBytes, .tag = tag, .cause = cause});
+    }
+  }
+  return out;
+}
+
+}  // namespace velmora::complete

@@ -1,0 +1,63 @@
+// The properties of one object, from its property context or its row into a list for the new store.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "complete/account.h"
+#include "complete/left_out.h"
+#include "complete/live_store.h"
+#include "complete/references.h"
+#include "complete/source_names.h"
+#include "complete/text_pages.h"
+#include "engine/content_allowance.h"
+#include "store/ltp/property_context.h"
+#include "store/messaging/objects/property_bag.h"
+#include "store/messaging/store_writer.h"
+
+namespace velmora::complete {
+
+/// What everyone who copies needs.
+struct CopyTools {
+  const LiveStore& source;
+  const SourceNames& names;
+  const TextPages& pages;
+  const References& references;
+  messaging::StoreWriter& target;
+  engine::ContentAllowance& allowance;
+  Account& account;
+};
+
+using Missing = std::vector<MissingPart>;
+
+/// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes on.
+Failure CauseOfLoss();
+
+class PropertyCopier {
+ public:
+  explicit PropertyCopier(CopyTools& tools) : tools_(tools) {}
+
+  /// All properties but those that are left out and `kAttachDataObject` (a sub-node, see AttachmentCopier), by ascending
+  /// identifier in the new store; of those that the object lacks, the ones of `defaults`. What cannot be read or written
+  /// goes to `missing`. `faults` is the list that the context was opened with.
+  messaging::PropertyBag Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
+                              const ndb::Faults& faults, const messaging::PropertyBag& defaults, Missing& missing);
+
+  /// Puts one value in the form of the new store. Raises FailureError for one that its type cannot have.
+  void Put(PropTag tag, std::vector<std::byte> value, const text::CodePage& page, messaging::PropertyBag& out);
+
+  /// The tag in the new store. Raises FailureError for an identifier from 0x8000 on that has no name.
+  PropTag TargetTag(PropTag tag);
+
+  /// A data tree of the source, written to the new store piece by piece.
+  ndb::DataTree CopyTree(Bid bidData, ndb::Faults* faults);
+
+ private:
+  void CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
+               messaging::PropertyBag& out);
+  void TakeBytes(std::uint64_t count);
+
+  CopyTools& tools_;
+};
+
+}  // namespace velmora::complete

@@ -1,0 +1,24 @@
+// The names of a source's named properties.
+#pragma once
+
+#include <unordered_map>
+
+#include "store/messaging/tables/named_properties.h"
+#include "store/ndb/block_source.h"
+
+namespace velmora::complete {
+
+/// The name-to-id map of a store, by identifier. Entries that cannot be read are not there.
+class SourceNames {
+ public:
+  SourceNames() = default;
+  explicit SourceNames(const ndb::BlockSource& source);
+
+  /// Null for an identifier without a name.
+  const messaging::AnyPropertyName* Of(std::uint16_t id) const;
+
+ private:
+  std::unordered_map<std::uint16_t, messaging::AnyPropertyName> names_;
+};
+
+}  // namespace velmora::complete

@@ -1,0 +1,152 @@
+#include "conversion/complete_run.h"
+
+#include "complete/live_store.h"
+#include "conversion/notices.h"
+#include "conversion/out_look.h"
+#include "conversion/run_log.h"
+#include "engine/index_file.h"
+#include "engine/steps.h"
+#include "store/messaging/pst_library.h"
+#include "store/messaging/store_writer.h"
+#include "text/text.h"
+
+namespace velmora::conversion {
+namespace {
+
+using engine::NoticeKind;
+
+class CompleteRun {
+ public:
+  CompleteRun(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report)
+      : request_(request), run_(run), report_(report) {}
+
+  RunEnd Run() {
+    RunEnd end = RunEnd::kFinished;
+    try {
+      Read();
+      MakeStore();
+      if (!run_.runAborted) Copy();
+    } catch (const engine::WorkerEnded&) {
+      end = RunEnd::kEndedEarly;
+    } catch (const engine::RunStopped&) {
+      end = RunEnd::kStopped;
+    } catch (const output::OutputFailure& failure) {
+      NoteStoreFailure(failure);
+    }
+    Close(end);
+    return end;
+  }
+
+ private:
+  void Read() {
+    engine::OpenSource(scan_, run_, request_.source, request_.open);
+    if (engine::ProbeFormat(scan_, run_) != engine::ProbeResult::kFound) {
+      report_.storeKind = scan_.found->storeKind;
+      run_.Say(engine::Notice{NoticeKind::kNotValid, {}, {}});
+      throw engine::WorkerEnded{};
+    }
+    report_.storeKind = scan_.found->storeKind;
+    report_.format = scan_.found->layout.formatId;
+  }
+
+  void MakeStore() {
+    run_.BeginStage(3);
+    scan_.outputFolder = request_.destination;  // of a dry run
+    const std::string name = request_.source.stem().string() + " Converted";
+    auto file = request_.dryRun ? platform::CreateUnnamedFile() : CreateFileIn(FreeFolder(name), name);
+    if (!file) return run_.Abort({NoticeKind::kStoreNotMade, {}, file.error()});
+    StartLog();
+    messaging::StoreOptions options;
+    options.sourceDateEpoch = messaging::PstLibraryOptions::EpochOfEnvironment();
+    options.codePage = request_.copy.codePage;
+    target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+  }
+
+  /// A new folder for the store: "NAME0", or the next number that no folder has.
+  platform::Result<std::filesystem::path> FreeFolder(const std::string& name) {
+    for (std::uint32_t number = 0;; ++number) {
+      const std::filesystem::path folder = request_.destination / (name + std::to_string(number));
+      const auto made = platform::CreateFolder(folder);
+      if (made) return folder;
+      if (made.error().kind != platform::FailureKind::kExists) return tl::unexpected(made.error());
+    }
+  }
+
+  platform::Result<std::unique_ptr<platform::ByteStore>> CreateFileIn(
+      const platform::Result<std::filesystem::path>& folder, const std::string& name) {
+    if (!folder) return tl::unexpected(folder.error());
+    scan_.outputFolder = *folder;
+    report_.store = *folder / (name + ".pst");
+    return platform::CreateFile(report_.store, platform::Existing::kRefuse);
+  }
+
+  void StartLog() {
+    if (!request_.log || report_.store.empty()) return;
+    log_.Open(report_.store.parent_path() / "LogInformation.log");
+    run_.log = &log_;
+    run_.Log(u"Complete conversion\r\n\r\nSource File Path:" + text::FromFileName(request_.source.string()));
+    run_.Log(u"\r\n\r\nDestination File Path:" + text::FromFileName(report_.store.string()));
+    run_.Log(u"\r\n\r\nStart date and time : " + LogTime());
+  }
+
+  void Copy() {
+    // Only what the trees do not lead to has to be looked for.
+    if (!complete::HasSoundTrees(scan_.found->source)) {
+      hasIndexFile_ = true;
+      engine::ScanNodePages(scan_, run_);
+      engine::ScanBlockPages(scan_, run_);
+    }
+    store_ = engine::FinishScan(scan_, run_);
+    if (run_.runAborted) return;
+    run_.BeginStage(8);
+    complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
+    Seal();
+  }
+
+  void Seal() {
+    if (target_ != nullptr) target_->Seal();
+  }
+
+  void NoteStoreFailure(const output::OutputFailure& failure) {
+    const platform::Failure cause = FailureOf(failure);
+    const bool isFull = cause.kind == platform::FailureKind::kFull;
+    run_.Abort({isFull ? NoticeKind::kDiskFull : NoticeKind::kStoreNotWritten,
+                text::FromFileName(report_.store.string()), cause});
+  }
+
+  void Close(RunEnd& end) {
+    run_.BeginStage(9);
+    try {
+      Seal();
+    } catch (const output::OutputFailure& failure) {
+      if (!run_.runAborted) NoteStoreFailure(failure);
+    }
+    if (hasIndexFile_) static_cast<void>(platform::DeleteFile(scan_.outputFolder / engine::kIndexFileName));
+    const engine::ScannedStore* read = store_ != nullptr ? store_.get() : scan_.found.get();
+    if (read != nullptr) {
+      report_.readFailure = read->source.FirstFailure();
+      for (const auto& range : read->source.Unread().Ranges()) report_.unread.push_back(range);
+    }
+    if (end == RunEnd::kFinished && !run_.runAborted) run_.Say(engine::Done{});
+    run_.log = nullptr;
+  }
+
+  const CompleteRequest& request_;
+  engine::RunContext& run_;
+  CompleteReport& report_;
+  RunLogFile log_;
+  engine::StoreScan scan_;
+  std::unique_ptr<const engine::ScannedStore> store_;  ///< from the end of the scans on
+  bool hasIndexFile_ = false;
+  std::shared_ptr<messaging::StoreWriter> target_;
+};
+
+}  // namespace
+
+RunEnd RunComplete(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report) {
+  run.runAborted = false;
+  report = {};
+  return CompleteRun(request, run, report).Run();
+}
+
+}  // namespace velmora::conversion
