@@ -102,6 +102,9 @@ struct Account {
   std::uint64_t lossesNotListed = 0;
   Evidence evidence;
 
+  /// Objects that have another id in the new store than in the source, and which.
+  std::map<Nid, Nid> newIds;
+
   /// Of a comparison, where one was asked for.
   bool isVerified = false;
   std::uint64_t objectsCompared = 0;

@@ -56,7 +56,7 @@ class StoreCopy {
         source_(found, account.evidence),
         names_(source_),
         pages_(source_, options.codePage),
-        plan_(source_, pages_),
+        plan_(source_, pages_, options.hidden),
         references_(plan_.RecordKey(), target.RecordKey(), [this](Nid nid) { return TargetOf(nid); }),
         allowance_(engine::ContentAllowance(found.source.Size(), found.layout.formatId == FORMAT_UNICODE_4K,
                                             source_.Nodes().size() + account.evidence.treeBlocks)),
@@ -144,6 +144,7 @@ class StoreCopy {
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
     }
+    if (loss.target && *loss.target != node.nid) account_.newIds.emplace(node.nid, *loss.target);
     const bool isWhole = loss.target && loss.missing.empty();
     if (!isHidden) {
       ItemCounts& counts = account_.items[loss.messageClass];

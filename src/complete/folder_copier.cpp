@@ -33,6 +33,7 @@ void FolderCopier::CopyAll() {
   SourceFolder* const top = plan_.Top();
   if (top == nullptr) return;
   top->target = &tools_.target.Top();
+  tools_.account.newIds.emplace(top->nid, top->target->nid);
   ++tools_.account.folders;
   std::vector<SourceFolder*> next;
   // Those beside the tree that people see hang under its top.
@@ -127,6 +128,7 @@ void FolderCopier::Copy(SourceFolder& folder) {
       folder.target = &tools_.target.AddFolder(parent, std::move(properties), nid);
     }
     ++tools_.account.folders;
+    if (folder.target->nid != folder.nid) tools_.account.newIds.emplace(folder.nid, folder.target->nid);
   } catch (const std::exception&) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }

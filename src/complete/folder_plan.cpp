@@ -34,9 +34,9 @@ text::Text NameOf(ltp::PropertyContext& folder, const text::CodePage& page) {
 
 }  // namespace
 
-FolderPlan::FolderPlan(const LiveStore& source, const TextPages& pages) {
+FolderPlan::FolderPlan(const LiveStore& source, const TextPages& pages, bool hidden) {
   ReadFolders(source, pages);
-  JoinToTree(source);
+  JoinToTree(source, hidden);
   ReadMarks(source);
   FindTop(source);
   FindDeletedItems();
@@ -64,12 +64,13 @@ void FolderPlan::ReadFolders(const LiveStore& source, const TextPages& pages) {
   }
 }
 
-void FolderPlan::JoinToTree(const LiveStore& source) {
+void FolderPlan::JoinToTree(const LiveStore& source, bool hidden) {
   for (const ndb::NodeEntry& node : source.Nodes()) {
     SourceFolder* parent = Find(node.nidParent);
     if (parent == nullptr) continue;
-    if (TypeOf(node.nid) == NidType::kNormalMessage) ++parent->messages;
-    if (TypeOf(node.nid) == NidType::kNormalFolder && node.nid != node.nidParent) Find(node.nid)->parent = parent;
+    const NidType type = TypeOf(node.nid);
+    if (type == NidType::kNormalMessage || (hidden && type == NidType::kAssocMessage)) ++parent->messages;
+    if (type == NidType::kNormalFolder && node.nid != node.nidParent) Find(node.nid)->parent = parent;
   }
   // A folder whose parents lead round in a circle is taken out of it, and stands alone.
   std::unordered_set<const SourceFolder*> rooted;

@@ -19,7 +19,7 @@ struct SourceFolder {
   SourceFolder* parent = nullptr;         ///< null for the root and for one whose parent is not there
   std::vector<SourceFolder*> children{};  ///< by ascending id
   text::Text name{};                      ///< empty where it cannot be read
-  std::uint64_t messages = 0;             ///< ordinary ones in it
+  std::uint64_t messages = 0;             ///< in it; ordinary ones, unless hidden ones come across too
   std::uint64_t foldersBelow = 0;
   std::uint64_t messagesBelow = 0;
   bool isInTree = false;                ///< the top that people see, or below it
@@ -31,7 +31,8 @@ struct SourceFolder {
 /// in them or below.
 class FolderPlan {
  public:
-  FolderPlan(const LiveStore& source, const TextPages& pages);
+  /// `hidden`: hidden messages count as well.
+  FolderPlan(const LiveStore& source, const TextPages& pages, bool hidden);
 
   /// Null for an id that is no folder's.
   SourceFolder* Find(Nid nid);
@@ -55,7 +56,7 @@ class FolderPlan {
 
  private:
   void ReadFolders(const LiveStore& source, const TextPages& pages);
-  void JoinToTree(const LiveStore& source);
+  void JoinToTree(const LiveStore& source, bool hidden);
   void ReadMarks(const LiveStore& source);
   SourceFolder* LargestOf(const std::vector<SourceFolder*>& folders) const;
   void FindTop(const LiveStore& source);

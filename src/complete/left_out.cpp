@@ -46,6 +46,7 @@ constexpr LeftOut kLeftOut[] = {
     {0x5D09, 0x5DFF, kAll, "state of synchronisation"},
     {0x6600, 0x6618, kAll, "of the store that held the object"},
     {0x661A, 0x6634, kAll, "of the store that held the object"},
+    {0x6635, 0x6636, kFolder, "counts of hidden messages: computed of what is written"},
     {0x6637, 0x67FF, kAll, "of the store that held the object"},
     {0x7C00, 0x7CFF, kObjects, "state of synchronisation"},
 };

@@ -46,6 +46,10 @@ PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
     if (!created) created = time(tag);
   }
   PropertyBag defaults;
+  const auto html = MakeTag(IdOf(tag::kHtml), PropType::kString8);
+  if (message.Find(IdOf(tag::kHtml)) != nullptr && message.Find(IdOf(tag::kHtml))->Tag() == html) {
+    defaults.PutInteger32(tag::kInternetCodepage, tools_.pages.Of(message).WindowsNumber());  // it was in that of the store
+  }
   const auto when = created ? static_cast<text::FileTime>(*created) : tools_.target.Now();
   defaults.PutText(tag::kMessageClass, kMailMessageClass);
   defaults.PutTime(tag::kCreationTime, when);
@@ -85,7 +89,7 @@ PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, co
       if (!value) continue;
       tools_.account.bytes += value->size();
       if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch(Named("property", column.tag)));
-      properties_.Put(properties_.TargetTag(column.tag), std::move(*value), page, out);
+      properties_.Put(column.tag, properties_.TargetTag(column.tag), std::move(*value), page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
     }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "complete/value_form.h"
 #include "store/format/property_tags.h"
-#include "store/ltp/multi_value.h"
 #include "store/ltp/property_value.h"
 #include "store/messaging/failures.h"
 #include "store/ndb/data_tree_reader.h"
@@ -24,25 +24,6 @@ constexpr std::size_t kPiece = std::size_t{64} << 10;
 /// 8-bit texts are converted whole, whatever their length.
 constexpr std::uint64_t kMostConverted = std::uint64_t{256} << 20;
 
-bool Is8Bit(PropType type) { return type == PropType::kString8 || type == PropType::kMultipleString8; }
-
-/// The type that a value has in the new store.
-PropTag Widened(PropTag tag) {
-  if (TypeOf(tag) == PropType::kString8) return MakeTag(IdOf(tag), PropType::kString);
-  if (TypeOf(tag) == PropType::kMultipleString8) return MakeTag(IdOf(tag), PropType::kMultipleString);
-  return tag;
-}
-
-std::string_view AsChars(std::span<const std::byte> bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-/// Contents that people made, in which an entry id would be a coincidence.
-bool MayRefer(PropTag tag) {
-  if (TypeOf(tag) != PropType::kBinary && TypeOf(tag) != PropType::kMultipleBinary) return false;
-  return tag != tag::kAttachDataBinary && tag != tag::kHtml && tag != tag::kRtfCompressed;
-}
-
 }  // namespace
 
 Failure CauseOfLoss() {
@@ -62,34 +43,21 @@ void PropertyCopier::TakeBytes(std::uint64_t count) {
 }
 
 PropTag PropertyCopier::TargetTag(PropTag tag) {
+  tag = TargetForm(tag);
   if (IdOf(tag) < name_map::kFirstNamedId) return tag;
   const messaging::AnyPropertyName* name = tools_.names.Of(IdOf(tag));
   if (name == nullptr) RaiseCorrupt(Named("property", tag), IdOf(tag), "the store has no name for it");
   return MakeTag(tools_.target.NamedId(*name), TypeOf(tag));
 }
 
-void PropertyCopier::Put(PropTag tag, std::vector<std::byte> value, const text::CodePage& page, PropertyBag& out) {
-  const auto decoded = [&](std::span<const std::byte> bytes) {
-    return page.DecodeKeepingAll(AsChars(bytes), tools_.account.undefinedBytes);
-  };
-  // Some programs put 8-bit text into a property for UTF-16; an odd length tells.
-  if (TypeOf(tag) == PropType::kString8 || (TypeOf(tag) == PropType::kString && value.size() % 2 != 0)) {
-    value = ltp::EncodeText(decoded(value));
-  } else if (TypeOf(tag) == PropType::kMultipleString8) {
-    std::vector<text::Text> texts;
-    for (const auto& element : ValueOrRaise(ltp::DecodeMultiple(value))) texts.push_back(decoded(element));
-    value = ltp::EncodeMultiple(texts);
-  } else if (TypeOf(tag) == PropType::kBoolean && !value.empty()) {
-    value[0] = std::byte(value[0] != std::byte{0});
-  } else if (MayRefer(tag)) {
-    if (tools_.references.Rewrite(value) != 0 && tools_.references.IsEntryId(value)) return;  // it would lead nowhere
-  }
-  tag = Widened(tag);
-  ltp::CheckValue(tag, value);
-  if (value.size() > MostInMemory(tag)) {
-    tools_.target.PutTree(out, tag, messaging::AsOperation([&] { return tools_.target.Ndb().WriteData(value); }));
+void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page,
+                         PropertyBag& out) {
+  if (!BringIntoForm(tag, value, page, tools_.references, tools_.account.undefinedBytes)) return;
+  if (value.size() > MostInMemory(targetTag)) {
+    const auto write = [&] { return tools_.target.Ndb().WriteData(value); };
+    tools_.target.PutTree(out, targetTag, messaging::AsOperation(write));
   } else {
-    out.PutBytes(tag, value);
+    out.PutBytes(targetTag, value);
   }
 }
 
@@ -110,8 +78,7 @@ ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
 void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
                              PropertyBag& out) {
   const std::uint64_t size = ValueOrRaise(from.SizeOf(tag)).value_or(0);
-  const bool streams = size > MostInMemory(tag) && !Is8Bit(TypeOf(tag)) && !(TypeOf(tag) == PropType::kString && size % 2 != 0);
-  if (streams) {
+  if (size > MostInMemory(targetTag) && IsCopiedAsItIs(tag, size)) {
     ltp::CheckSize(targetTag, size);
     const auto tree = ValueOrRaise(from.TreeOf(tag));
     if (!tree) RaiseCorrupt(Named("property", tag), size, "the value lies in no sub-node");
@@ -123,7 +90,7 @@ void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag ta
   }
   auto value = ValueOrRaise(from.Read(tag, kMostConverted));
   tools_.account.bytes += value->size();
-  Put(targetTag, std::move(*value), page, out);
+  Put(tag, targetTag, std::move(*value), page, out);
 }
 
 PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,

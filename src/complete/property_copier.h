@@ -43,8 +43,9 @@ class PropertyCopier {
   messaging::PropertyBag Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
                               const ndb::Faults& faults, const messaging::PropertyBag& defaults, Missing& missing);
 
-  /// Puts one value in the form of the new store. Raises FailureError for one that its type cannot have.
-  void Put(PropTag tag, std::vector<std::byte> value, const text::CodePage& page, messaging::PropertyBag& out);
+  /// Puts one value in the form of the new store, where it has the tag `targetTag`. Raises FailureError for one that its
+  /// type cannot have.
+  void Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page, messaging::PropertyBag& out);
 
   /// The tag in the new store. Raises FailureError for an identifier from 0x8000 on that has no name.
   PropTag TargetTag(PropTag tag);

@@ -17,6 +17,12 @@ class SourceNames {
   /// Null for an identifier without a name.
   const messaging::AnyPropertyName* Of(std::uint16_t id) const;
 
+  /// Calls `visit(id, name)` for each.
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    for (const auto& [id, name] : names_) visit(id, name);
+  }
+
  private:
   std::unordered_map<std::uint16_t, messaging::AnyPropertyName> names_;
 };

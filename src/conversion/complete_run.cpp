@@ -101,6 +101,14 @@ class CompleteRun {
     run_.BeginStage(8);
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
     Seal();
+    if (request_.verify && !request_.dryRun) Verify();
+  }
+
+  void Verify() {
+    run_.BeginStage(9);
+    const auto written = platform::OpenForReading(report_.store);
+    if (!written) return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
+    complete::CompareStores(*store_, **written, request_.copy, run_, report_.account);
   }
 
   void Seal() {
