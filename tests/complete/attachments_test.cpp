@@ -97,7 +97,8 @@ TEST_P(AttachmentsTest, AnObjectComesAcrossWithItsSubnodeTree) {
   ASSERT_EQ(item.attachments[1].object->parts.size(), 3U);
   EXPECT_EQ(item.attachments[1].object->parts.at(0x805F).data, withParts.parts[1]);
   EXPECT_EQ(item.attachments[2].object->data, tree.storage);
-  EXPECT_EQ(forge::Get(Find(item.attachments[1].properties, 0x3701)->bytes, 4, 4), withParts.storage.size());
+  EXPECT_EQ(forge::Get(Find(item.attachments[1].properties, 0x3701)->bytes, 4, 4),
+            forge::Get(Find(sourceItem_.attachments[1].properties, 0x3701)->bytes, 4, 4));
   ExpectAllWhole();
   ExpectSound();
 }

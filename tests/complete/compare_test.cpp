@@ -6,6 +6,11 @@ namespace {
 
 class CompareTest : public CompleteTest {
  protected:
+  /// The new store that was copied last, compared with what it came from.
+  void Compare(const CopyOptions& options = {}) {
+    const auto scanned = Scan(source_->File());
+    CompareStores(*scanned, target_->Source(), options, run_, account_);
+  }
   /// A store of one of each; `change` is done to the mail.
   Bytes Forge(const std::function<void(forge::Message&)>& change = {}) {
     forge::Mailbox box = NewBox();
@@ -29,8 +34,8 @@ class CompareTest : public CompleteTest {
   }
   void ExpectOneDifference(const std::string& what) const {
     ASSERT_EQ(account_.differences.size(), 1U);
-    EXPECT_EQ(account_.differences[0].source, IdOf(nid_));
-    EXPECT_EQ(account_.differences[0].target, IdOf(nid_));
+    EXPECT_EQ(account_.differences[0].source, NodeOf(nid_));
+    EXPECT_EQ(account_.differences[0].target, NodeOf(nid_));
     EXPECT_THAT(account_.differences[0].what, testing::HasSubstr(what));
   }
   forge::Nid nid_ = 0;
@@ -110,7 +115,7 @@ TEST_P(CompareTest, AMessageThatIsMissingIsNamed) {
   source_ = std::make_unique<StoreObjects>(box.Finish().bytes);
   Compare();
   bool isNamed = false;
-  for (const Difference& difference : account_.differences) isNamed |= difference.source == IdOf(0x212344);
+  for (const Difference& difference : account_.differences) isNamed |= difference.source == NodeOf(0x212344);
   EXPECT_TRUE(isNamed);
 }
 

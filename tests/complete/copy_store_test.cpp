@@ -64,7 +64,7 @@ TEST_P(CopyStoreTest, AStoreWithoutTablesComesAcrossByTheParentsOfItsNodes) {
   const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
   box.AddMessage(inbox, Mail(u"No row names it"));
   Copy(box);
-  EXPECT_EQ(target_->FolderOf(IdOf(inbox)).messages.size(), 1U);
+  EXPECT_EQ(target_->FolderOf(NodeOf(inbox)).messages.size(), 1U);
   ExpectAllWhole();
   ExpectSound();
 }
@@ -73,7 +73,7 @@ TEST_P(CopyStoreTest, AStoreOfNothingButMessagesComesAcross) {
   forge::Mailbox box = NewBox({.base = false, .nameMap = false});
   const forge::Nid message = box.AddMessage(0x8082, Mail(u"Alone")).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(message)));
+  ASSERT_TRUE(target_->Has(NodeOf(message)));
   ExpectSound();
 }
 
@@ -163,7 +163,8 @@ class CopyDemoStoreTest : public CompleteTest {};
 TEST_F(CopyDemoStoreTest, EveryItemOfTheDemoStoreComesAcross) {
   Copy(forge::ForgeDemoStore(forge::DemoState::kSound).bytes);
   for (const auto& [name, count] : forge::DemoItems()) {
-    EXPECT_EQ(account_.items[std::u16string(name.begin(), name.end())].whole, static_cast<std::uint64_t>(count)) << name;
+    EXPECT_EQ(account_.items[std::u16string(name.begin(), name.end())].whole, static_cast<std::uint64_t>(count))
+        << name;
   }
   EXPECT_EQ(account_.Totals().whole, account_.Totals().live);
   ExpectSound();

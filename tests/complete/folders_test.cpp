@@ -23,7 +23,7 @@ class FoldersTest : public CompleteTest {
   velmora::Nid LedTo(const Properties& properties, std::uint16_t id) const {
     const Value* value = Find(properties, id);
     if (value == nullptr || value->bytes.size() != 24) return kNoNid;
-    const Bytes& key = Find(target_->PropertiesOf(velmora::Nid{0x21}), 0x0FF9)->bytes;
+    const Bytes key = Find(target_->PropertiesOf(velmora::Nid{0x21}), 0x0FF9)->bytes;
     EXPECT_TRUE(std::equal(key.begin(), key.end(), value->bytes.begin() + 4)) << "the key of another store";
     return velmora::Nid{static_cast<std::uint32_t>(forge::Get(value->bytes, 20, 4))};
   }
@@ -43,12 +43,12 @@ TEST_P(FoldersTest, TheTreeComesAcrossWithIdsClassesAndProperties) {
   Copy(box);
   EXPECT_THAT(TargetFolders(),
               testing::ElementsAre(u"/Deleted Items", u"/Empty", u"/Tasks", u"/Tasks/Inner", u"/Tasks/Inner/Deep"));
-  EXPECT_EQ(TargetFolder(u"/Tasks"), IdOf(tasks));
-  EXPECT_EQ(TargetFolder(u"/Tasks/Inner/Deep"), IdOf(deep));
-  ExpectHas(target_->PropertiesOf(IdOf(tasks)), said);
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(tasks)), 0x3613), u"IPF.Task");
-  EXPECT_EQ(Find(target_->PropertiesOf(IdOf(inner)), 0x3613), nullptr) << "none where the source has none";
-  EXPECT_EQ(target_->FolderOf(IdOf(deep)).messages.size(), 1U);
+  EXPECT_EQ(TargetFolder(u"/Tasks"), NodeOf(tasks));
+  EXPECT_EQ(TargetFolder(u"/Tasks/Inner/Deep"), NodeOf(deep));
+  ExpectHas(target_->PropertiesOf(NodeOf(tasks)), said);
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(tasks)), 0x3613), u"IPF.Task");
+  EXPECT_EQ(Find(target_->PropertiesOf(NodeOf(inner)), 0x3613), nullptr) << "none where the source has none";
+  EXPECT_EQ(target_->FolderOf(NodeOf(deep)).messages.size(), 1U);
   ExpectAllWhole();
   ExpectSound();
 }
@@ -64,7 +64,7 @@ TEST_P(FoldersTest, CountsAreThoseOfWhatIsWritten) {
     box.AddMessage(inbox, message);
   }
   Copy(box);
-  ExpectHas(target_->PropertiesOf(IdOf(inbox)), {Int32(0x3602, 3), Int32(0x3603, 1), Bool(0x360A, true)});
+  ExpectHas(target_->PropertiesOf(NodeOf(inbox)), {Int32(0x3602, 3), Int32(0x3603, 1), Bool(0x360A, true)});
   ExpectSound();
 }
 
@@ -95,8 +95,8 @@ TEST_P(FoldersTest, NamesComeAcrossWhateverTheyAreMadeOf) {
   }
   Copy(box);
   for (std::size_t i = 0; i < names.size(); ++i) {
-    EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(nids[i])), 0x3001), names[i]);
-    EXPECT_EQ(target_->FolderOf(IdOf(nids[i])).messages.size(), 1U);
+    EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(nids[i])), 0x3001), names[i]);
+    EXPECT_EQ(target_->FolderOf(NodeOf(nids[i])).messages.size(), 1U);
   }
   ExpectAllWhole();
 }
@@ -107,7 +107,7 @@ TEST_P(FoldersTest, ANameOfTenThousandCharactersComesAcross) {
   const forge::Nid nid = box.AddFolder({.name = name});
   box.AddMessage(nid, Mail(u"Inside"));
   Copy(box);
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(nid)), 0x3001), name);
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(nid)), 0x3001), name);
   ExpectAllWhole();
 }
 
@@ -116,10 +116,10 @@ TEST_P(FoldersTest, AFolderWithoutANameKeepsItsMessages) {
   const forge::Nid nid = box.AddFolder({.name = u""});
   const forge::Nid message = box.AddMessage(nid, Mail(u"Inside")).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(message)));
-  const velmora::Nid parent = target_->Reader().FindNode(IdOf(message))->nidParent;
+  ASSERT_TRUE(target_->Has(NodeOf(message)));
+  const velmora::Nid parent = target_->Reader().FindNode(NodeOf(message))->nidParent;
   EXPECT_NE(TextOf(target_->PropertiesOf(parent), 0x3001), u"") << "it has some name";
-  EXPECT_EQ(target_->FolderOf(parent).parent, IdOf(forge::kTopFolder));
+  EXPECT_EQ(target_->FolderOf(parent).parent, NodeOf(forge::kTopFolder));
   ExpectSound();
 }
 
@@ -131,11 +131,11 @@ TEST_P(FoldersTest, SiblingsOfOneNameAreToldApartByANumber) {
   box.AddMessage(first, Mail(u"In the first"));
   box.AddMessage(second, Mail(u"In the second"));
   Copy(box);
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(first)), 0x3001), u"Twin");
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(second)), 0x3001), u"Twin (2)");
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(elsewhere)), 0x3001), u"Twin");
-  EXPECT_EQ(target_->FolderOf(IdOf(first)).messages.size(), 1U);
-  EXPECT_EQ(target_->FolderOf(IdOf(second)).messages.size(), 1U);
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(first)), 0x3001), u"Twin");
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(second)), 0x3001), u"Twin (2)");
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(elsewhere)), 0x3001), u"Twin");
+  EXPECT_EQ(target_->FolderOf(NodeOf(first)).messages.size(), 1U);
+  EXPECT_EQ(target_->FolderOf(NodeOf(second)).messages.size(), 1U);
   ExpectAllWhole();
   ExpectSound();
 }
@@ -146,7 +146,7 @@ TEST_P(FoldersTest, ThreeHundredOneInTheOtherComeAcross) {
   for (int i = 0; i < 300; ++i) parent = box.AddFolder({.name = u"f", .parent = parent});
   const forge::Nid message = box.AddMessage(parent, Mail(u"At the bottom")).nid;
   Copy(box);
-  EXPECT_EQ(target_->Reader().FindNode(IdOf(message))->nidParent, IdOf(parent));
+  EXPECT_EQ(target_->Reader().FindNode(NodeOf(message))->nidParent, NodeOf(parent));
   EXPECT_EQ(TargetFolders().size(), 301U);
   ExpectAllWhole();
 }
@@ -159,7 +159,7 @@ TEST_P(FoldersTest, TheTopIsTheFolderToWhichTheStorePoints) {
   const forge::Nid beside = box.AddFolder({.name = u"Beside"});
   box.AddMessage(beside, Mail(u"Under another folder"));
   Copy(box);
-  EXPECT_EQ(TargetFolder(u"/Posteingang"), IdOf(inbox));
+  EXPECT_EQ(TargetFolder(u"/Posteingang"), NodeOf(inbox));
   EXPECT_TRUE(account_.IsWhole());
   EXPECT_EQ(target_->Messages().size(), 2U) << "a folder outside of the tree that holds a message comes along";
   ExpectSound();
@@ -173,7 +173,7 @@ TEST_P(FoldersTest, WithoutAPointerTheTopIsTheLargestTreeBelowTheRoot) {
   const forge::Nid inner = box.AddFolder({.name = u"Cinq", .parent = 0x9002});
   box.AddMessage(inner, Mail(u"Inside"));
   Copy(box);
-  EXPECT_EQ(TargetFolder(u"/Cinq"), IdOf(inner));
+  EXPECT_EQ(TargetFolder(u"/Cinq"), NodeOf(inner));
   EXPECT_FALSE(target_->Folders().contains(kTop + u"/Haut de la bo\u00EEte"));
   ExpectSound();
 }
@@ -181,8 +181,8 @@ TEST_P(FoldersTest, WithoutAPointerTheTopIsTheLargestTreeBelowTheRoot) {
 TEST_P(FoldersTest, DeletedItemsKeepTheirNameAndTheirPlace) {
   forge::Mailbox box = NewBox();
   box.AddFolder({.name = u"Gel\u00F6schte Elemente",
-                 .properties = {forge::Text(0x3004, u"Kommentar")},
-                 .nid = forge::kDeletedItems});
+                 .nid = forge::kDeletedItems,
+                 .properties = {forge::Text(0x3004, u"Kommentar")}});
   box.AddMessage(forge::kDeletedItems, Mail(u"Deleted"));
   box.AddFolder({.name = u"Inside", .parent = forge::kDeletedItems});
   Copy(box);
@@ -219,7 +219,7 @@ TEST_P(FoldersTest, AFolderThatNobodySeesComesAcrossWhereItHoldsAMessage) {
   box.AddMessage(settings, hidden, 0x100028);
   Copy(box);
   EXPECT_THAT(TargetFolders(), testing::ElementsAre(u"/Deleted Items", u"/Shared Data", u"/Shared Data/Inner"));
-  EXPECT_EQ(target_->FolderOf(IdOf(inner)).messages.size(), 1U);
+  EXPECT_EQ(target_->FolderOf(NodeOf(inner)).messages.size(), 1U);
   EXPECT_GE(Count(NodeFate::kInternal), 2U) << "the folders of no message among them";
   EXPECT_TRUE(account_.IsWhole());
   ExpectSound();
@@ -231,9 +231,9 @@ TEST_P(FoldersTest, SearchFoldersStayBehind) {
   const forge::Nid message = box.AddMessage(inbox, Mail(u"Found")).nid;
   box.AddFolder({.name = u"Unread Mail", .parent = forge::kSearchRoot, .nid = 0x80023, .found = {message}});
   Copy(box);
-  EXPECT_THAT(target_->Messages(), testing::ElementsAre(IdOf(message)));
+  EXPECT_THAT(target_->Messages(), testing::ElementsAre(NodeOf(message)));
   EXPECT_THAT(TargetFolders(), testing::ElementsAre(u"/Deleted Items", u"/Inbox"));
-  EXPECT_FALSE(target_->Has(IdOf(0x80023)));
+  EXPECT_FALSE(target_->Has(NodeOf(0x80023)));
   EXPECT_EQ(Count(NodeFate::kSearchFolder), 8U) << "two folders, each with queue, criteria and table";
   ExpectSound();
 }
@@ -258,12 +258,12 @@ TEST_P(FoldersTest, DefaultFoldersAreMarkedAsInTheSource) {
   box.AddFolder({.name = u"", .parent = forge::kRootFolder, .nid = forge::kRootFolder, .properties = pointers});
   Copy(box);
   const Properties root = target_->PropertiesOf(velmora::Nid{0x122});
-  EXPECT_EQ(LedTo(root, 0x36D0), IdOf(calendar));
-  EXPECT_EQ(LedTo(root, 0x36D1), IdOf(contacts));
-  EXPECT_EQ(LedTo(root, 0x36D2), IdOf(journal));
-  EXPECT_EQ(LedTo(root, 0x36D3), IdOf(notes));
-  EXPECT_EQ(LedTo(root, 0x36D4), IdOf(tasks));
-  EXPECT_EQ(LedTo(root, 0x36D7), IdOf(drafts));
+  EXPECT_EQ(LedTo(root, 0x36D0), NodeOf(calendar));
+  EXPECT_EQ(LedTo(root, 0x36D1), NodeOf(contacts));
+  EXPECT_EQ(LedTo(root, 0x36D2), NodeOf(journal));
+  EXPECT_EQ(LedTo(root, 0x36D3), NodeOf(notes));
+  EXPECT_EQ(LedTo(root, 0x36D4), NodeOf(tasks));
+  EXPECT_EQ(LedTo(root, 0x36D7), NodeOf(drafts));
   const Value* array = Find(root, 0x36D8);
   ASSERT_NE(array, nullptr) << "where the junk folder is pointed to";
   ASSERT_GE(array->bytes.size(), 24U);
@@ -277,8 +277,8 @@ TEST_P(FoldersTest, WithoutMarksAFolderIsKnownByItsClassAlone) {
   const forge::Nid first = box.AddFolder({.name = u"First", .containerClass = u"IPF.Appointment"});
   const forge::Nid second = box.AddFolder({.name = u"Second", .containerClass = u"IPF.Appointment"});
   Copy(box);
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(first)), 0x3613), u"IPF.Appointment");
-  EXPECT_EQ(TextOf(target_->PropertiesOf(IdOf(second)), 0x3613), u"IPF.Appointment");
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(first)), 0x3613), u"IPF.Appointment");
+  EXPECT_EQ(TextOf(target_->PropertiesOf(NodeOf(second)), 0x3613), u"IPF.Appointment");
   EXPECT_THAT(TargetFolders(), testing::ElementsAre(u"/Deleted Items", u"/First", u"/Second")) << "none is made for it";
 }
 
@@ -289,8 +289,8 @@ TEST_P(FoldersTest, OutboxAndSentItemsAreMarkedAsInTheSource) {
   box.AddFolder({.name = u"Gesendet", .nid = 0x9022});
   Copy(box);
   const Properties store = target_->PropertiesOf(velmora::Nid{0x21});
-  EXPECT_EQ(LedTo(store, 0x35E2), IdOf(0x9002));
-  EXPECT_EQ(LedTo(store, 0x35E4), IdOf(0x9022));
+  EXPECT_EQ(LedTo(store, 0x35E2), NodeOf(0x9002));
+  EXPECT_EQ(LedTo(store, 0x35E4), NodeOf(0x9022));
   ExpectSound();
 }
 
@@ -300,8 +300,8 @@ TEST_P(FoldersTest, AMessageWhoseFolderIsGoneIsInLostAndFound) {
   box.AddMessage(inbox, Mail(u"At home"));
   const forge::Nid lost = box.AddMessage(0xABC2, Mail(u"Homeless")).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(lost)));
-  EXPECT_EQ(target_->Reader().FindNode(IdOf(lost))->nidParent, TargetFolder(u"/Lost & Found"));
+  ASSERT_TRUE(target_->Has(NodeOf(lost)));
+  EXPECT_EQ(target_->Reader().FindNode(NodeOf(lost))->nidParent, TargetFolder(u"/Lost & Found"));
   ExpectAllWhole();
   ExpectSound();
 }
@@ -311,8 +311,8 @@ TEST_P(FoldersTest, AFolderWhoseParentIsGoneComesAcross) {
   const forge::Nid orphan = box.AddFolder({.name = u"Orphan", .parent = 0xABC2});
   const forge::Nid message = box.AddMessage(orphan, Mail(u"Inside")).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(message)));
-  const velmora::Nid home = target_->Reader().FindNode(IdOf(message))->nidParent;
+  ASSERT_TRUE(target_->Has(NodeOf(message)));
+  const velmora::Nid home = target_->Reader().FindNode(NodeOf(message))->nidParent;
   EXPECT_EQ(TextOf(target_->PropertiesOf(home), 0x3001), u"Orphan");
   ExpectSound();
 }
@@ -323,7 +323,7 @@ TEST_P(FoldersTest, FoldersInARingCostNoMessage) {
   box.AddFolder({.name = u"Other", .parent = 0x9002, .nid = 0x9022});
   const forge::Nid message = box.AddMessage(0x9022, Mail(u"Inside")).nid;
   Copy(box);
-  EXPECT_TRUE(target_->Has(IdOf(message)));
+  EXPECT_TRUE(target_->Has(NodeOf(message)));
   ExpectSound();
 }
 
@@ -332,8 +332,8 @@ TEST_P(FoldersTest, MessagesOfTheTopAndOfTheRootComeAcross) {
   const forge::Nid top = box.AddMessage(forge::kTopFolder, Mail(u"In the top")).nid;
   const forge::Nid root = box.AddMessage(forge::kRootFolder, Mail(u"In the root")).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(top)) && target_->Has(IdOf(root)));
-  EXPECT_EQ(target_->Reader().FindNode(IdOf(top))->nidParent, IdOf(forge::kTopFolder));
+  ASSERT_TRUE(target_->Has(NodeOf(top)) && target_->Has(NodeOf(root)));
+  EXPECT_EQ(target_->Reader().FindNode(NodeOf(top))->nidParent, NodeOf(forge::kTopFolder));
   ExpectAllWhole();
   ExpectSound();
 }
@@ -359,7 +359,7 @@ TEST_P(OfflineFoldersTest, TheFoldersOfAnOfflineStoreAreKnownByTheirFixedIds) {
     EXPECT_EQ(target_->FolderOf(TargetFolder(path)).messages.size(), 1U);
     EXPECT_GT(IndexOf(TargetFolder(path)), 0x400U);
   }
-  EXPECT_EQ(TargetFolder(u"/Inbox/Own"), IdOf(own));
+  EXPECT_EQ(TargetFolder(u"/Inbox/Own"), NodeOf(own));
   ExpectAllWhole();
   ExpectSound();
 }

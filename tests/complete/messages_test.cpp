@@ -24,7 +24,7 @@ TEST_P(MessagesTest, ReadUnreadSentAndDraftStayWhatTheyAre) {
   Copy(box);
   for (std::size_t i = 0; i < nids.size(); ++i) {
     EXPECT_EQ(NumberOf(TargetItem(nids[i]).properties, 0x0E07), kFlags[i]);
-    EXPECT_EQ(NumberOf(target_->RowOf(IdOf((inbox & ~0x1FU) | 0x0E), IdOf(nids[i])), 0x0E07), kFlags[i]);
+    EXPECT_EQ(NumberOf(target_->RowOf(NodeOf((inbox & ~0x1FU) | 0x0E), NodeOf(nids[i])), 0x0E07), kFlags[i]);
   }
   ExpectAllWhole();
   ExpectSound();
@@ -196,15 +196,15 @@ TEST_P(MessagesTest, HiddenOnesComeAcrossOnRequestAlone) {
     return box.Finish().bytes;
   };
   Copy(forged());
-  EXPECT_THAT(target_->FolderOf(IdOf(0x8082)).associated, testing::ElementsAre(IdOf(0x100048)))
+  EXPECT_THAT(target_->FolderOf(NodeOf(0x8082)).associated, testing::ElementsAre(NodeOf(0x100048)))
       << "the list of categories alone";
   EXPECT_EQ(Count(NodeFate::kHidden), 1U);
-  EXPECT_FALSE(target_->Has(IdOf(0x100028)));
+  EXPECT_FALSE(target_->Has(NodeOf(0x100028)));
   ExpectSound();
 
   Copy(forged(), {.hidden = true});
-  EXPECT_THAT(target_->FolderOf(IdOf(0x8082)).associated, testing::ElementsAre(IdOf(0x100028), IdOf(0x100048)));
-  EXPECT_THAT(target_->FolderOf(IdOf(0x8082)).messages, testing::ElementsAre(IdOf(0x200024)));
+  EXPECT_THAT(target_->FolderOf(NodeOf(0x8082)).associated, testing::ElementsAre(NodeOf(0x100028), NodeOf(0x100048)));
+  EXPECT_THAT(target_->FolderOf(NodeOf(0x8082)).messages, testing::ElementsAre(NodeOf(0x200024)));
   EXPECT_EQ(NumberOf(TargetItem(0x100028).properties, 0x0E07), 0x41U);
   EXPECT_EQ(Count(NodeFate::kHidden), 0U);
   ExpectSound();
@@ -219,7 +219,7 @@ TEST_P(MessagesTest, TheListOfCategoriesKeepsItsNamesAndColours) {
   list.flags = 0x41;
   const forge::Nid nid = box.AddMessage(calendar, list, 0x100028).nid;
   Copy(box);
-  ASSERT_TRUE(target_->Has(IdOf(nid)));
+  ASSERT_TRUE(target_->Has(NodeOf(nid)));
   // The names and colours are the value of 7C08 of just this class.
   ExpectHas(TargetItem(nid).properties, values);
 }
@@ -233,7 +233,7 @@ TEST_P(MessagesTest, IdsStayUnlessTheNewStoreNeedsThem) {
   Copy(box);
   EXPECT_EQ(TextOf(TargetItem(high).properties, 0x0037), u"High");
   EXPECT_EQ(TextOf(TargetItem(usual).properties, 0x0037), u"Usual");
-  EXPECT_FALSE(target_->Has(IdOf(low))) << "below what a store gives out";
+  EXPECT_FALSE(target_->Has(NodeOf(low))) << "below what a store gives out";
   EXPECT_EQ(target_->Messages().size(), 3U);
   EXPECT_TRUE(account_.IsWhole());
   ExpectSound();
@@ -247,7 +247,7 @@ TEST_P(MessagesTest, TheRowOfAFolderShowsWhatTheMessageHas) {
   message.importance = 2;
   const forge::Nid nid = box.AddMessage(inbox, message).nid;
   Copy(box);
-  const Properties row = target_->RowOf(IdOf((inbox & ~0x1FU) | 0x0E), IdOf(nid));
+  const Properties row = target_->RowOf(NodeOf((inbox & ~0x1FU) | 0x0E), NodeOf(nid));
   const Item item = TargetItem(nid);
   for (const std::uint16_t id :
        {0x0017, 0x001A, 0x0037, 0x0039, 0x0042, 0x0070, 0x0E04, 0x0E06, 0x0E07, 0x0E08, 0x3008}) {

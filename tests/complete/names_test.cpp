@@ -48,7 +48,7 @@ TEST_P(NamesTest, ANameIsOneInTheWholeStore) {
   message.attachments = {{.name = u"a.txt", .properties = {named(4)}}};
   const forge::Nid nid = box.AddMessage(folder, message).nid;
   Copy(box);
-  ExpectHas(target_->PropertiesOf(IdOf(folder)), {named(1)});
+  ExpectHas(target_->PropertiesOf(NodeOf(folder)), {named(1)});
   const Item item = TargetItem(nid);
   ExpectHas(item.properties, {named(2)});
   ASSERT_EQ(item.recipients.size(), 1U);

@@ -57,8 +57,8 @@ struct Attached {
 
 struct Item {
   Properties properties;
-  std::vector<Properties> recipients;  ///< by ascending row id
-  std::vector<Attached> attachments;   ///< by ascending node id
+  std::vector<Properties> recipients = {};  ///< by ascending row id
+  std::vector<Attached> attachments = {};   ///< by ascending node id
 };
 
 struct FolderObject {

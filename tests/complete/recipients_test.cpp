@@ -62,7 +62,7 @@ TEST_P(RecipientsTest, KindsNamesAndAddressesComeAcross) {
   EXPECT_THAT(kinds, testing::ElementsAre(1, 2, 3, 0, 0x10000001));
   EXPECT_THAT(addresses, testing::ElementsAre(u"to@example.org", u"cc@example.org", u"bcc@example.org", u"", u""));
   EXPECT_EQ(TextOf(item.recipients.at(3), 0x3002), u"EX");
-  EXPECT_EQ(TextOf(item.properties, 0x0E04), u"To");
+  EXPECT_EQ(TextOf(item.properties, 0x0E04), u"To; Originator; Resent");
   EXPECT_EQ(TextOf(item.properties, 0x0E02), u"Bcc");
   ExpectAllWhole();
   ExpectSound();

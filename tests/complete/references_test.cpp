@@ -26,7 +26,7 @@ class ReferencesTest : public CompleteTest {
   }
   /// The entry id of an object as the new store has it, in the form in which members stand.
   Bytes InTarget(Bytes member, velmora::Nid nid) const {
-    const Bytes& key = Find(target_->PropertiesOf(velmora::Nid{0x21}), 0x0FF9)->bytes;
+    const Bytes key = Find(target_->PropertiesOf(velmora::Nid{0x21}), 0x0FF9)->bytes;
     std::copy(key.begin(), key.end(), member.end() - 20);
     forge::Put(member, member.size() - 4, velmora::Value(nid), 4);
     return member;
@@ -58,10 +58,10 @@ TEST_P(ReferencesTest, MembersOfAListPointAtTheContactsOfTheNewStore) {
   box.AddMessage(contacts, Contact(u"Bo"), 0x200164);
   Copy(box);
   EXPECT_NE(Find(target_->PropertiesOf(velmora::Nid{0x21}), 0x0FF9)->bytes, forge::RecordKey());
-  EXPECT_THAT(MembersOf(list), testing::ElementsAre(InTarget(MemberEntryId(ana), IdOf(ana)),
-                                                    InTarget(MemberEntryId(inner, MemberKind::kList), IdOf(inner)),
-                                                    oneOff, InTarget(MemberEntryId(0x200164), IdOf(0x200164))));
-  EXPECT_THAT(MembersOf(inner), testing::ElementsAre(InTarget(MemberEntryId(ana), IdOf(ana))));
+  EXPECT_THAT(MembersOf(list), testing::ElementsAre(InTarget(MemberEntryId(ana), NodeOf(ana)),
+                                                    InTarget(MemberEntryId(inner, MemberKind::kList), NodeOf(inner)),
+                                                    oneOff, InTarget(MemberEntryId(0x200164), NodeOf(0x200164))));
+  EXPECT_THAT(MembersOf(inner), testing::ElementsAre(InTarget(MemberEntryId(ana), NodeOf(ana))));
   EXPECT_EQ(*Find(TargetItem(list).properties, PropertySet::kAddress, 0x8054),
             ValueOf(Binaries(0, std::vector<Bytes>(4, Noise(60, 1)))));
   EXPECT_TRUE(account_.IsWhole());

@@ -133,9 +133,9 @@ WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment
     }
   } else if (attachment.object) {
     subnodes.push_back(WriteObject(store, *attachment.object));
-    const std::size_t size = attachment.object->storage.size();
+    std::size_t size = attachment.object->storage.size();
+    for (const Bytes& part : attachment.object->parts) size += part.size();
     written.size += size;
-    for (const Bytes& part : attachment.object->parts) written.size += part.size();
     list.push_back(Raw(0x3701, kObject, ObjectValue(kObjectNode, size), Place::kHeap));
   } else if (!attachment.data.empty()) {
     list.push_back(Binary(0x3701, attachment.data, attachment.place));
