@@ -92,7 +92,7 @@ TEST_P(CompareTest, ARecipientThatIsAnotherIsNamed) {
 
 TEST_P(CompareTest, AFileThatIsAnotherIsNamed) {
   CompareWith([](forge::Message& message) { message.attachments[0].data[29'999] ^= std::byte{1}; });
-  ExpectOneDifference("attachment");
+  ExpectOneDifference("37010102");
 }
 
 TEST_P(CompareTest, AnObjectWhosePartIsAnotherIsNamed) {

@@ -38,7 +38,9 @@ std::u16string Letters(const Value& value) { return TextOf({{{.id = 1}, value}},
 void ExpectSameValue(const Value& source, const Value& target, const std::string& where) {
   if (source.type == PropType::kString8) {
     EXPECT_EQ(target.type, PropType::kString) << where;
-    if (target.type == PropType::kString) EXPECT_EQ(Letters(source), Letters(target)) << where;
+    if (target.type == PropType::kString) {
+      EXPECT_EQ(Letters(source), Letters(target)) << where;
+    }
   } else if (source.type == PropType::kMultipleString8) {
     EXPECT_EQ(target.type, PropType::kMultipleString) << where;
   } else {

@@ -249,8 +249,9 @@ TEST_P(MessagesTest, TheRowOfAFolderShowsWhatTheMessageHas) {
   Copy(box);
   const Properties row = target_->RowOf(NodeOf((inbox & ~0x1FU) | 0x0E), NodeOf(nid));
   const Item item = TargetItem(nid);
-  for (const std::uint16_t id :
-       {0x0017, 0x001A, 0x0037, 0x0039, 0x0042, 0x0070, 0x0E04, 0x0E06, 0x0E07, 0x0E08, 0x3008}) {
+  constexpr std::uint16_t kShown[] = {0x0017, 0x001A, 0x0037, 0x0039, 0x0042, 0x0070,
+                                      0x0E04, 0x0E06, 0x0E07, 0x0E08, 0x3008};
+  for (const std::uint16_t id : kShown) {
     const Value* cell = Find(row, id);
     ASSERT_NE(cell, nullptr) << std::hex << id;
     EXPECT_EQ(*cell, *Find(item.properties, id)) << std::hex << id;

@@ -25,7 +25,8 @@ std::u16string FromUtf16(std::span<const std::byte> bytes) {
 
 StoreObjects::StoreObjects(Bytes bytes)
     : file_(std::move(bytes)), reader_(ValueOrRaise(ndb::StoreReader::Open(file_))) {
-  if (reader_->Damage().Count() != 0) throw std::runtime_error("a tree of the store is damaged");
+  for (const ndb::Fault& fault : reader_->Damage().List())
+    throw std::runtime_error(fault.cause.object + ": " + fault.cause.message);
   ReadNames();
 }
 

@@ -32,7 +32,7 @@ void Mailbox::WriteFixedNodes() {
   for (const auto& [nid, folder] : folders_) {
     if ((nid & 0x1F) == 3) Append(active, nid, 4);
   }
-  store_.AddNode(kSearchActivity, store_.AddBlock(active), 0, 0);
+  store_.AddNode(kSearchActivity, store_.AddData(active), 0, 0);
 }
 
 }  // namespace velmora::forge
