@@ -6,6 +6,7 @@
 
 #include "complete/folder_copier.h"
 #include "complete/message_copier.h"
+#include "complete/value_form.h"
 #include "engine/content_allowance.h"
 #include "engine/node_versions.h"
 #include "store/format/property_tags.h"
@@ -90,6 +91,10 @@ class StoreCopy {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
     }
+    for (const ndb::NodeEntry& node : source_.Nodes()) {
+      if (!IsMessage(node.nid) || KeepsId(node.nid) || !IsCopied(node)) continue;
+      account_.newIds.emplace(node.nid, target_.Ndb().NewNid(TypeOf(node.nid)));
+    }
   }
 
   /// Of folders that are made already, and of messages that will be.
@@ -97,8 +102,13 @@ class StoreCopy {
     if (const SourceFolder* folder = plan_.Find(nid)) {
       return folder->target != nullptr ? std::optional(folder->target->nid) : std::nullopt;
     }
-    if (!IsMessage(nid) || !KeepsId(nid) || !source_.FindNode(nid)) return std::nullopt;
-    return nid;
+    const auto node = source_.FindNode(nid);
+    return node && IsCopied(*node) ? std::optional(TargetIdOf(nid)) : std::nullopt;
+  }
+
+  Nid TargetIdOf(Nid message) const {
+    const auto renamed = account_.newIds.find(message);
+    return renamed != account_.newIds.end() ? renamed->second : message;
   }
 
   bool IsCopied(const ndb::NodeEntry& node) {
@@ -144,22 +154,16 @@ class StoreCopy {
     std::optional<CopiedMessage> copied;
     try {
       copied = messages_.Copy(node.trees);
-      const PropertyBag& properties = copied->message.properties;
-      loss.messageClass = TextIn(properties, tag::kMessageClass);
-      loss.subject = SubjectIn(properties);
-      loss.sender = TextIn(properties, tag::kSenderName);
-      if (loss.sender.empty()) loss.sender = TextIn(properties, tag::kSentRepresentingName);
-      loss.date = DateIn(properties);
+      Describe(copied->message.properties, loss);
       loss.missing = std::move(copied->missing);
       Folder& folder = FolderOf(node);
       loss.folder = PathOf(folder);
       copied->message.isAssociated = isHidden;
-      loss.target =
-          target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
+      loss.target = target_.Save(std::move(copied->message), folder, TargetIdOf(node.nid));
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
+      NameByRow(node, loss);
     }
-    if (loss.target && *loss.target != node.nid) account_.newIds.emplace(node.nid, *loss.target);
     const bool isWhole = loss.target && loss.missing.empty();
     if (!isHidden) {
       ItemCounts& counts = account_.items[loss.messageClass];
@@ -169,6 +173,38 @@ class StoreCopy {
     if (isWhole) return;
     fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
     account_.AddLoss(std::move(loss));
+  }
+
+  /// What the table of its folder tells of a message that cannot be read.
+  void NameByRow(const ndb::NodeEntry& node, Loss& loss) {
+    const SourceFolder* folder = plan_.Find(node.nidParent);
+    if (loss.folder.empty() && folder != nullptr && folder->target != nullptr) loss.folder = PathOf(*folder->target);
+    if (!loss.messageClass.empty()) return;
+    const auto tableNode = source_.FindNode(Sibling(node.nidParent, NidType::kContentsTable));
+    if (!tableNode) return;
+    ndb::Faults faults(tableNode->nid);
+    auto table = ltp::TableContext::Open(source_, tableNode->trees, &faults);
+    const auto row = table ? table->FindRow(Value(node.nid)) : std::nullopt;
+    if (!row) return;
+    PropertyBag properties;
+    PropertyCopier copier(tools_);
+    for (const ltp::Column& column : table->Columns()) {
+      const auto cell = IdOf(column.tag) < name_map::kFirstNamedId ? table->Cell(*row, column.tag) : std::nullopt;
+      try {
+        if (cell && *cell) copier.Put(column.tag, TargetForm(column.tag), **cell, pages_.OfStore(), properties);
+      } catch (const FailureError&) {
+        // The others name it as well.
+      }
+    }
+    Describe(properties, loss);
+  }
+
+  static void Describe(const PropertyBag& properties, Loss& loss) {
+    loss.messageClass = TextIn(properties, tag::kMessageClass);
+    loss.subject = SubjectIn(properties);
+    loss.sender = TextIn(properties, tag::kSenderName);
+    if (loss.sender.empty()) loss.sender = TextIn(properties, tag::kSentRepresentingName);
+    loss.date = DateIn(properties);
   }
 
   NodeFate FateOfLive(const ndb::NodeEntry& node) {
@@ -184,8 +220,9 @@ class StoreCopy {
       case NidType::kSearchFolder:
       case NidType::kSearchUpdateQueue:
       case NidType::kSearchCriteriaObject:
-      case NidType::kSearchContentsTable:
-        return NodeFate::kSearchFolder;
+      case NidType::kSearchContentsTable:  // or the template of all of them
+        return source_.FindNode(Sibling(node.nid, NidType::kSearchFolder)) ? NodeFate::kSearchFolder
+                                                                           : NodeFate::kInternal;
       default:
         return NodeFate::kInternal;
     }

@@ -13,7 +13,6 @@ constexpr PropTag kInternetCodepage = 0x3FDE0003;
 /// Messages that are asked for their page; more do not change the answer.
 constexpr std::size_t kMostAsked = 500;
 
-constexpr int kUtf8 = 65001;  // no page that a program keeps its 8-bit texts in
 constexpr int kWesternEurope = 1252;
 
 struct NumberPair {
@@ -52,7 +51,7 @@ int PageOfLanguage(int locale) {
 /// What a message tells of its texts; nothing where it tells nothing.
 std::optional<int> NumberOf(ltp::PropertyContext& message) {
   const int page = message.Integer32(kMessageCodepage).value_or(0);
-  if (page > 0 && page != kUtf8 && page <= 0xFFFF) return page;
+  if (page > 0 && page <= 0xFFFF) return page;
   const int locale = message.Integer32(kMessageLocaleId).value_or(0);
   if ((locale & 0xFFFF) != 0) return PageOfLanguage(locale);
   const int internet = message.Integer32(kInternetCodepage).value_or(0);
