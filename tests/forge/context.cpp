@@ -17,6 +17,7 @@ class ValueWriter {
 
   std::uint32_t Write(const Property& property) {
     if (property.reference) return *property.reference;
+    if (property.tree) return AddSubnode(*property.tree);
     Bytes data = StoredData(property, store_.traits().wide);
     if (IsInline(property.type)) {
       data.resize(4);
@@ -26,15 +27,19 @@ class ValueWriter {
     const bool inHeap =
         property.place == Place::kHeap || (property.place == Place::kAuto && data.size() <= kAutoHeapLimit);
     if (inHeap) return heap_.Add(data);
-    const Nid nid = nextNid_;
-    nextNid_ += 0x20;
-    const std::size_t piece = property.place == Place::kChain ? store_.traits().maxBlockData : 0;
-    context_.subnodes.push_back({.nid = nid, .bidData = store_.AddData(data, piece)});
     context_.valueBytes += data.size();
-    return nid;
+    if (property.place == Place::kTree) return AddSubnode(store_.AddTree(data));
+    return AddSubnode(store_.AddData(data, property.place == Place::kChain ? store_.traits().maxBlockData : 0));
   }
 
  private:
+  Nid AddSubnode(Bid tree) {
+    const Nid nid = nextNid_;
+    nextNid_ += 0x20;
+    context_.subnodes.push_back({.nid = nid, .bidData = tree});
+    return nid;
+  }
+
   Store& store_;
   Heap& heap_;
   Context& context_;

@@ -10,10 +10,17 @@ constexpr std::uint32_t kRead = 1;
 constexpr Nid kHierarchyTable = 0x0D;
 constexpr Nid kContentsTable = 0x0E;
 constexpr Nid kAssociatedTable = 0x0F;
+constexpr Nid kSearchQueue = 0x06;
+constexpr Nid kSearchCriteria = 0x07;
+constexpr Nid kSearchTable = 0x10;
 
 bool IsAssociated(Nid nid) { return (nid & 0x1F) == 8; }
 
 Nid TableOf(Nid folder, Nid type) { return (folder & ~Nid{0x1F}) | type; }
+
+bool IsSearch(Nid nid) { return (nid & 0x1F) == 3; }
+
+}  // namespace
 
 Bytes RecordKey() { return Noise(16, 0x5EED); }
 
@@ -24,7 +31,16 @@ Bytes EntryId(Nid nid) {
   return id;
 }
 
-}  // namespace
+Bytes MemberEntryId(Nid nid, MemberKind kind) {
+  Bytes id(4);
+  for (const unsigned b :
+       {0xC0, 0x91, 0xAD, 0xD3, 0x51, 0x9D, 0xCF, 0x11, 0xA4, 0xA9, 0x00, 0xAA, 0x00, 0x47, 0xFA, 0xA4}) {
+    Append(id, b, 1);
+  }
+  Append(id, static_cast<std::uint8_t>(kind), 1);
+  Append(id, EntryId(nid));
+  return id;
+}
 
 Mailbox::Mailbox(StoreOptions store, MailboxOptions options) : options_(std::move(options)), store_(store) {
   AddBaseFolders();
@@ -38,6 +54,16 @@ Mailbox::Mailbox(const std::filesystem::path& path, StoreOptions store, MailboxO
 void Mailbox::AddBaseFolders() {
   if (!options_.base) return;
   AddFolder({.name = u"", .parent = kRootFolder, .nid = kRootFolder});
+  if (options_.offline) {
+    AddFolder({.name = u"Root - Mailbox", .parent = kRootFolder, .nid = kOfflineRoot});
+    AddFolder({.name = u"Finder", .parent = kOfflineRoot, .nid = kOfflineFinder});
+    AddFolder({.name = u"IPM_SUBTREE", .parent = kOfflineRoot, .nid = kOfflineTop});
+    AddFolder({.name = u"Deleted Items", .parent = kOfflineTop, .nid = kOfflineDeletedItems});
+    AddFolder({.name = u"Inbox", .parent = kOfflineTop, .nid = kOfflineInbox});
+    AddFolder({.name = u"Outbox", .parent = kOfflineTop, .nid = kOfflineOutbox});
+    AddFolder({.name = u"Sent Items", .parent = kOfflineTop, .nid = kOfflineSentItems});
+    return;
+  }
   AddFolder({.name = options_.topName, .parent = kRootFolder, .nid = kTopFolder});
   AddFolder({.name = u"Search Root", .parent = kRootFolder, .nid = kSearchRoot});
   AddFolder({.name = u"Deleted Items", .nid = kDeletedItems});
@@ -104,8 +130,8 @@ PropertyList Mailbox::FolderProperties(const Folder& folder) const {
 void Mailbox::WriteFolder(Folder& folder) {
   folder.given.properties = Resolve(names_, folder.given.properties);
   AddContextNode(store_, folder.nid, folder.given.parent, FolderProperties(folder), folder.given.context);
-  // A search folder has a table of its own kind.
-  if (!options_.tables || folder.nid == kSearchFolder) return;
+  if (IsSearch(folder.nid)) return WriteSearch(folder);
+  if (!options_.tables) return;
   CloseFolder(folder);
   std::vector<Row> rows;
   for (const Nid child : folder.children) {
@@ -114,11 +140,27 @@ void Mailbox::WriteFolder(Folder& folder) {
   AddTableNode(store_, TableOf(folder.nid, kHierarchyTable), HierarchyColumns(), rows);
 }
 
+// A search folder has a table of its own kind, a queue of updates and the criteria.
+void Mailbox::WriteSearch(const Folder& folder) {
+  if (!options_.tables) return;
+  std::vector<Row> rows;
+  for (const Nid nid : folder.given.found) rows.push_back({.id = nid, .cells = {Int32(0x0E17, 0)}});
+  store_.AddNode(TableOf(folder.nid, kSearchQueue), 0, 0, 0);
+  AddContextNode(store_, TableOf(folder.nid, kSearchCriteria), 0, {Int32(0x660B, 0)});
+  AddTableNode(store_, TableOf(folder.nid, kSearchTable), SearchColumns(), rows);
+}
+
 void Mailbox::WriteStoreNode() {
-  AddContextNode(store_, kStoreNode, 0,
-                 {Binary(0x0FF9, RecordKey()), Text(0x3001, u"Forged store"), Int32(0x35DF, 0x89),
-                  Binary(0x35E0, EntryId(kTopFolder)), Binary(0x35E3, EntryId(kDeletedItems)),
-                  Binary(0x35E7, EntryId(kSearchRoot)), Int32(0x67FF, 0)});
+  PropertyList list = {Binary(0x0FF9, RecordKey()), Text(0x3001, u"Forged store"), Int32(0x67FF, 0)};
+  if (!options_.offline) {
+    for (const auto& [id, folder] :
+         {std::pair(0x35E0, kTopFolder), std::pair(0x35E3, kDeletedItems), std::pair(0x35E7, kSearchRoot)}) {
+      list.push_back(Binary(static_cast<std::uint16_t>(id), EntryId(folder)));
+    }
+    list.push_back(Int32(0x35DF, 0x89));
+  }
+  for (const Property& property : Resolve(names_, options_.storeProperties)) Set(list, property);
+  AddContextNode(store_, kStoreNode, 0, list);
 }
 
 Image Mailbox::Finish() {

@@ -28,9 +28,30 @@ inline constexpr Nid kTopFolder = 0x8022;
 inline constexpr Nid kSearchRoot = 0x8042;
 inline constexpr Nid kDeletedItems = 0x8062;
 
+/// The folders that an offline store has in their place. Its own node names none of them.
+inline constexpr Nid kOfflineRoot = 0x20A2;
+inline constexpr Nid kOfflineFinder = 0x20E2;
+inline constexpr Nid kOfflineTop = 0x2142;
+inline constexpr Nid kOfflineDeletedItems = 0x2162;
+inline constexpr Nid kOfflineInbox = 0x2182;
+inline constexpr Nid kOfflineOutbox = 0x21A2;
+inline constexpr Nid kOfflineSentItems = 0x21C2;
+
+/// The key that the entry ids of the store carry.
+Bytes RecordKey();
+
+/// The entry id of a folder or message of the store.
+Bytes EntryId(Nid nid);
+
+/// The entry id of a member of a distribution list: a contact of the store, or another list.
+enum class MemberKind : std::uint8_t { kContact = 0xC3, kList = 0xB4 };
+Bytes MemberEntryId(Nid nid, MemberKind kind = MemberKind::kContact);
+
 struct MailboxOptions {
-  bool tables = false;  ///< hierarchy, contents and associated contents tables of every folder
-  bool base = true;     ///< the store's own node, the root, the top folder and Deleted Items
+  bool tables = false;   ///< hierarchy, contents and associated contents tables of every folder
+  bool base = true;      ///< the store's own node, the root, the top folder and Deleted Items
+  bool offline = false;  ///< with the folders of an offline store, and a node of its own that points to none
+  PropertyList storeProperties = {};  ///< of the store's own node; they replace what it has
   std::u16string topName = u"Top of Personal Folders";
   bool nameMap = true;           ///< node 0x61
   std::size_t namesAtLeast = 0;  ///< fills the name-to-id map up with names that nothing uses
@@ -43,6 +64,7 @@ struct FolderSpec {
   std::u16string containerClass = {};  ///< 3613, none if empty
   std::optional<Nid> nid = {};         ///< otherwise the next free one, from 0x8082
   PropertyList properties = {};        ///< any others; they replace what the fields above give
+  std::vector<Nid> found = {};         ///< of a search folder (a nid of type 3): the messages that it shows
   ContextOptions context = {};
 };
 
@@ -92,6 +114,7 @@ class Mailbox {
   void CloseFolder(Folder& folder);
   PropertyList FolderProperties(const Folder& folder) const;
   void WriteFolder(Folder& folder);
+  void WriteSearch(const Folder& folder);
   void WriteStoreNode();
   void WriteFixedNodes();
 

@@ -4,9 +4,6 @@
 namespace velmora::forge {
 namespace {
 
-constexpr Nid kSearchQueue = 0x2226;
-constexpr Nid kSearchCriteria = 0x2227;
-constexpr Nid kSearchContents = 0x2230;
 constexpr Nid kSearchManagement = 0x1E1;
 constexpr Nid kSearchActivity = 0x201;
 constexpr Nid kSearchDomain = 0x261;
@@ -19,9 +16,8 @@ struct Template {
 };
 
 // The empty tables from which the tables of a new folder or message are made.
-constexpr Template kTemplates[] = {
-    {0x60D, HierarchyColumns},  {0x60E, ContentsColumns},  {0x60F, AssociatedColumns},      {0x610, SearchColumns},
-    {0x671, AttachmentColumns}, {0x692, RecipientColumns}, {kSearchContents, SearchColumns}};
+constexpr Template kTemplates[] = {{0x60D, HierarchyColumns}, {0x60E, ContentsColumns},   {0x60F, AssociatedColumns},
+                                   {0x610, SearchColumns},    {0x671, AttachmentColumns}, {0x692, RecipientColumns}};
 
 }  // namespace
 
@@ -31,11 +27,12 @@ void Mailbox::WriteFixedNodes() {
                {{.id = 1, .cells = {Text(0x001A, u""), Int32(0x6605, kRootFolder)}}});
   AddTableNode(store_, kOutgoingQueue, {{0x0039, kTime}, {0x0E10, kInt32}, {0x0E14, kInt32}}, {});
 
-  for (const Nid empty : {kSearchManagement, kSearchDomain, kSearchQueue}) store_.AddNode(empty, 0, 0, 0);
+  for (const Nid empty : {kSearchManagement, kSearchDomain}) store_.AddNode(empty, 0, 0, 0);
   Bytes active;
-  Append(active, kSearchFolder, 4);
-  store_.AddNode(kSearchActivity, store_.AddBlock(active), 0, 0);
-  AddContextNode(store_, kSearchCriteria, 0, {Int32(0x660B, 0)});
+  for (const auto& [nid, folder] : folders_) {
+    if ((nid & 0x1F) == 3) Append(active, nid, 4);
+  }
+  store_.AddNode(kSearchActivity, store_.AddData(active), 0, 0);
 }
 
 }  // namespace velmora::forge

@@ -14,6 +14,7 @@ constexpr Nid kFirstAttachment = 0x8025;
 constexpr Nid kEmbeddedMessage = 0x200024;
 constexpr std::uint32_t kByValue = 1;
 constexpr std::uint32_t kEmbedded = 5;
+constexpr std::uint32_t kOle = 6;
 constexpr std::uint32_t kHasAttachments = 0x10;
 
 void SetText(PropertyList& list, std::uint16_t id, const std::u16string& text) {
@@ -66,7 +67,8 @@ Bytes AddressKey(const Recipient& recipient) {
   return key;
 }
 
-Context FormRecipients(Store& store, const std::vector<Recipient>& recipients) {
+Context FormRecipients(Store& store, NameMap& names, const std::vector<Recipient>& recipients) {
+  std::vector<Column> columns = RecipientColumns();
   std::vector<Row> rows;
   for (const Recipient& recipient : recipients) {
     const Bytes entryId = OneOffEntryId(recipient);
@@ -76,8 +78,14 @@ Context FormRecipients(Store& store, const std::vector<Recipient>& recipients) {
                    Binary(0x0FF9, entryId), Int32(0x0FFE, 6), Binary(0x0FFF, entryId), Text(0x3001, recipient.name),
                    Text(0x3002, u"SMTP"), Text(0x3003, recipient.address), Binary(0x300B, AddressKey(recipient)),
                    Int32(0x3900, 0), Text(0x39FF, recipient.name), Bool(0x3A40, false)}});
+    for (const Property& property : Resolve(names, recipient.properties)) {
+      Set(rows.back().cells, property);
+      const bool isThere =
+          std::any_of(columns.begin(), columns.end(), [&](const Column& column) { return column.id == property.id; });
+      if (!isThere) columns.push_back({property.id, property.type});
+    }
   }
-  return FormTable(store, RecipientColumns(), rows);
+  return FormTable(store, columns, rows);
 }
 
 // What the values of an attachment take, as its size property counts them.
@@ -95,6 +103,22 @@ struct WrittenAttachment {
   PropertyList properties;
 };
 
+Bytes ObjectValue(Nid nid, std::uint64_t size) {
+  Bytes value;
+  Append(value, nid, 4);
+  Append(value, size, 4);
+  return value;
+}
+
+Subnode WriteObject(Store& store, const OleObject& object) {
+  std::vector<Subnode> parts;
+  for (const Bytes& part : object.parts) {
+    parts.push_back({.nid = 0x803F + static_cast<Nid>(0x20 * parts.size()), .bidData = store.AddData(part)});
+  }
+  const Bid storage = object.place == Place::kTree ? store.AddTree(object.storage) : store.AddData(object.storage);
+  return {.nid = kObjectNode, .bidData = storage, .bidSub = store.AddSubnodes(parts)};
+}
+
 WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment& attachment, Nid nid) {
   std::vector<Subnode> subnodes;
   WrittenAttachment written;
@@ -104,10 +128,15 @@ WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment
     const WrittenMessage inner = WriteMessage(store, names, *attachment.embedded);
     subnodes.push_back({.nid = kEmbeddedMessage, .bidData = inner.bidData, .bidSub = inner.bidSub});
     written.size += inner.size;
-    Bytes object;
-    Append(object, kEmbeddedMessage, 4);
-    Append(object, inner.size, 4);
-    if (!attachment.bare) list.push_back(Raw(0x3701, kObject, object, Place::kHeap));
+    if (!attachment.bare) {
+      list.push_back(Raw(0x3701, kObject, ObjectValue(kEmbeddedMessage, inner.size), Place::kHeap));
+    }
+  } else if (attachment.object) {
+    subnodes.push_back(WriteObject(store, *attachment.object));
+    std::size_t size = attachment.object->storage.size();
+    for (const Bytes& part : attachment.object->parts) size += part.size();
+    written.size += size;
+    list.push_back(Raw(0x3701, kObject, ObjectValue(kObjectNode, size), Place::kHeap));
   } else if (!attachment.data.empty()) {
     list.push_back(Binary(0x3701, attachment.data, attachment.place));
   }
@@ -116,7 +145,7 @@ WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment
   SetText(list, 0x370E, attachment.mimeType);
   SetText(list, 0x3712, attachment.contentId);
   if (!attachment.bare) {
-    list.push_back(Int32(0x3705, attachment.embedded ? kEmbedded : kByValue));
+    list.push_back(Int32(0x3705, attachment.embedded ? kEmbedded : attachment.object ? kOle : kByValue));
     list.push_back(Int32(0x370B, 0xFFFFFFFF));
     list.push_back(Int32(0x0E20, 0));
   }
@@ -199,7 +228,7 @@ WrittenMessage WriteMessage(Store& store, NameMap& names, const Message& message
     rows.push_back({.id = nid, .cells = CellsOf(AttachmentColumns(), one.properties)});
   }
   if (!rows.empty()) addTable(kAttachmentTable, FormTable(store, AttachmentColumns(), rows));
-  if (!message.recipients.empty()) addTable(kRecipientTable, FormRecipients(store, message.recipients));
+  if (!message.recipients.empty()) addTable(kRecipientTable, FormRecipients(store, names, message.recipients));
 
   if (!message.size && Find(written.properties, 0x0E08) != nullptr && Find(message.properties, 0x0E08) == nullptr) {
     Set(written.properties, Int32(0x0E08, static_cast<std::uint32_t>(written.size)));

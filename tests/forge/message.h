@@ -19,9 +19,17 @@ struct Message;
 enum class RecipientKind : std::uint8_t { kTo = 1, kCc = 2, kBcc = 3 };
 
 struct Recipient {
-  std::u16string name;
-  std::u16string address;
+  std::u16string name = {};
+  std::u16string address = {};
   RecipientKind kind = RecipientKind::kTo;
+  PropertyList properties = {};  ///< any others, a column each; they replace what the fields above give
+};
+
+/// An object of another program: a storage, and what the program keeps in sub-nodes of its own.
+struct OleObject {
+  Bytes storage;
+  std::vector<Bytes> parts = {};  ///< sub-nodes 0x803F, 0x805F, ... of the storage's node
+  Place place = Place::kAuto;     ///< of the storage
 };
 
 struct Attachment {
@@ -33,6 +41,7 @@ struct Attachment {
   Bytes data = {};                               ///< 3701
   Place place = Place::kAuto;                    ///< of the data
   std::shared_ptr<const Message> embedded = {};  ///< in place of data
+  std::optional<OleObject> object = {};          ///< in place of data
   PropertyList properties = {};                  ///< any others; they replace what the fields above give
   bool bare = false;                             ///< only what is given, no method, size or position
   ContextOptions context = {};
@@ -76,6 +85,9 @@ struct WrittenMessage {
 
 /// The property context of a message as it would be written, but for the size.
 PropertyList MessageProperties(NameMap& names, const Message& message);
+
+/// The sub-node of an attachment that holds its object.
+inline constexpr Nid kObjectNode = 0x80003F;
 
 /// Writes a message with its sub-nodes; the caller adds the node. Sub-nodes stand in ascending order: the
 /// attachment table 0x671, the recipient table 0x692, attachments from 0x8025, large values from 0x803F.

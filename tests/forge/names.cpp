@@ -38,6 +38,10 @@ GuidParts PartsOf(PropertySet set) {
       return {0x0006200A, 0, 0, kUsualTail};
     case PropertySet::kNote:
       return {0x0006200E, 0, 0, kUsualTail};
+    case PropertySet::kHeaders:
+      return {0x00020386, 0, 0, kUsualTail};
+    case PropertySet::kOwn:
+      return {0x1F0A3C5E, 0x7B21, 0x4D6F, {0x9A, 0x04, 0x5E, 0x11, 0xC7, 0x32, 0x80, 0xEE}};
     case PropertySet::kMeeting:
       break;
   }

@@ -86,6 +86,14 @@ Property Raw(std::uint16_t id, std::uint16_t type, Bytes value, Place place) {
   return {.id = id, .type = type, .data = std::move(value), .place = place};
 }
 
+Property Binaries(std::uint16_t id, const std::vector<Bytes>& values, Place place) {
+  return {.id = id, .type = kBinaryList, .data = FormList(values), .place = place};
+}
+
+Property Stored(std::uint16_t id, std::uint16_t type, std::uint64_t tree) {
+  return {.id = id, .type = type, .tree = tree};
+}
+
 Property Reference(std::uint16_t id, std::uint16_t type, std::uint32_t value) {
   return {.id = id, .type = type, .reference = value};
 }
@@ -101,7 +109,7 @@ Property Named(PropertySet set, std::u16string_view text, Property property) {
 }
 
 bool IsInline(std::uint16_t type) {
-  return type == kInt16 || type == kInt32 || type == kBool || type == 0x0004 || type == 0x000A;
+  return type == kInt16 || type == kInt32 || type == kBool || type == kFloat || type == kError;
 }
 
 std::uint16_t StoredType(const Property& property, bool wide) {

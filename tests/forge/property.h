@@ -16,7 +16,11 @@ namespace velmora::forge {
 enum PropertyType : std::uint16_t {
   kInt16 = 0x0002,
   kInt32 = 0x0003,
+  kFloat = 0x0004,
   kDouble = 0x0005,
+  kCurrency = 0x0006,
+  kFloatTime = 0x0007,
+  kError = 0x000A,
   kBool = 0x000B,
   kObject = 0x000D,
   kInt64 = 0x0014,
@@ -27,6 +31,7 @@ enum PropertyType : std::uint16_t {
   kBinary = 0x0102,
   kString8List = 0x101E,
   kStringList = 0x101F,
+  kBinaryList = 0x1102,
 };
 
 /// Where a value of variable length stands.
@@ -35,10 +40,23 @@ enum class Place {
   kHeap,   ///< in the heap, whatever its length
   kBlock,  ///< in a sub-node: one data block, or a chain if it is longer than one
   kChain,  ///< in a sub-node: a chain even of one piece
+  kTree,   ///< in a sub-node: a chain of two levels, however short
 };
 
 /// The sets that named properties belong to.
-enum class PropertySet : std::uint8_t { kMapi, kPublic, kCommon, kAddress, kAppointment, kTask, kLog, kNote, kMeeting };
+enum class PropertySet : std::uint8_t {
+  kMapi,
+  kPublic,
+  kCommon,
+  kAddress,
+  kAppointment,
+  kTask,
+  kLog,
+  kNote,
+  kMeeting,
+  kHeaders,
+  kOwn,  ///< of a program that nobody has heard of
+};
 
 /// The long name of a named property: a number or, if `text` is not empty, a text.
 struct PropertyName {
@@ -54,6 +72,7 @@ struct Property {
   Place place = Place::kAuto;
   bool textOfStore = false;                       ///< a text or list of texts that becomes 8-bit in an ANSI store
   std::optional<std::uint32_t> reference = {};    ///< stands in the record as it is, no value is stored
+  std::optional<std::uint64_t> tree = {};         ///< the block id of a value that is in the store already
   std::shared_ptr<const PropertyName> name = {};  ///< the id comes from the name-to-id map
 };
 
@@ -82,6 +101,12 @@ Property Text16(std::uint16_t id, std::u16string_view value, Place place = Place
 
 /// Any type and bytes; up to 4 bytes of a type that stands in the record go there.
 Property Raw(std::uint16_t id, std::uint16_t type, Bytes value, Place place = Place::kAuto);
+
+/// Several binary values.
+Property Binaries(std::uint16_t id, const std::vector<Bytes>& values, Place place = Place::kAuto);
+
+/// A value that is in the store already, as Store::AddData or AddChain put it there: of any length.
+Property Stored(std::uint16_t id, std::uint16_t type, std::uint64_t tree);
 
 /// A record whose value word is `value`, true or not.
 Property Reference(std::uint16_t id, std::uint16_t type, std::uint32_t value);

@@ -74,6 +74,9 @@ class Store {
   /// bytes (0: full blocks), of two levels if need be.
   Bid AddData(std::span<const std::byte> data, std::size_t pieceSize = 0);
 
+  /// Adds a value as a chain of two levels, with at most two full blocks under each list of the lower one.
+  Bid AddTree(std::span<const std::byte> data);
+
   /// Adds blocks and, for more than one, the chain over them.
   Bid AddDataBlocks(const std::vector<Bytes>& blocks);
 
@@ -116,6 +119,9 @@ class Store {
 
   Bid Place(Bytes data, std::uint16_t inflatedSize, bool internal, const BlockOptions& options);
   void CountReference(Bid bid);
+  Bid AddChainOfChains(const std::vector<Bid>& pieces, std::uint64_t total, std::size_t piecesPerList,
+                       const BlockOptions& options);
+  Bytes ListOf(std::span<const Bid> bids);
   Bid AddList(std::uint8_t type, std::uint8_t level, std::uint64_t count, std::uint64_t total, const Bytes& entries,
               const BlockOptions& options);
   TreeRoot WriteTree(PageType type, std::vector<std::uint64_t> keys, Bytes entries);

@@ -21,6 +21,14 @@ Bid Store::AddData(std::span<const std::byte> data, std::size_t pieceSize) {
   return pieces.size() == 1 && pieceSize == 0 ? pieces.front() : AddChain(pieces, data.size());
 }
 
+Bid Store::AddTree(std::span<const std::byte> data) {
+  std::vector<Bid> pieces;
+  for (std::size_t at = 0; at < data.size(); at += traits_.maxBlockData) {
+    pieces.push_back(AddBlock(data.subspan(at, std::min<std::size_t>(traits_.maxBlockData, data.size() - at))));
+  }
+  return AddChainOfChains(pieces, data.size(), 2, {});
+}
+
 Bid Store::AddDataBlocks(const std::vector<Bytes>& blocks) {
   std::vector<Bid> pieces;
   std::uint64_t total = 0;
@@ -46,27 +54,32 @@ Bid Store::AddList(std::uint8_t type, std::uint8_t level, std::uint64_t count, s
 
 Bid Store::AddChain(const std::vector<Bid>& pieces, std::uint64_t total, const BlockOptions& options) {
   const std::size_t capacity = (traits_.maxBlockData - 8) / traits_.idWidth;
-  const auto listOf = [this](std::span<const Bid> bids) {
-    Bytes entries;
-    for (const Bid bid : bids) {
-      CountReference(bid);
-      Append(entries, bid, traits_.idWidth);
-    }
-    return entries;
-  };
-  if (pieces.size() <= capacity) return AddList(kDataList, 1, pieces.size(), total, listOf(pieces), options);
+  if (pieces.size() <= capacity) return AddList(kDataList, 1, pieces.size(), total, ListOf(pieces), options);
+  return AddChainOfChains(pieces, total, capacity, options);
+}
 
+Bytes Store::ListOf(std::span<const Bid> bids) {
+  Bytes entries;
+  for (const Bid bid : bids) {
+    CountReference(bid);
+    Append(entries, bid, traits_.idWidth);
+  }
+  return entries;
+}
+
+Bid Store::AddChainOfChains(const std::vector<Bid>& pieces, std::uint64_t total, std::size_t piecesPerList,
+                            const BlockOptions& options) {
   std::vector<Bid> lists;
-  for (std::size_t at = 0; at < pieces.size(); at += capacity) {
-    const auto part = std::span(pieces).subspan(at, std::min(capacity, pieces.size() - at));
+  for (std::size_t at = 0; at < pieces.size(); at += piecesPerList) {
+    const auto part = std::span(pieces).subspan(at, std::min(piecesPerList, pieces.size() - at));
     std::uint64_t partTotal = 0;
     for (const Bid bid : part) {
       const auto found = blockIndex_.find(bid);
       if (found != blockIndex_.end()) partTotal += blocks_[found->second].inflatedSize;
     }
-    lists.push_back(AddList(kDataList, 1, part.size(), partTotal, listOf(part), {}));
+    lists.push_back(AddList(kDataList, 1, part.size(), partTotal, ListOf(part), {}));
   }
-  return AddList(kDataList, 2, lists.size(), total, listOf(lists), options);
+  return AddList(kDataList, 2, lists.size(), total, ListOf(lists), options);
 }
 
 Bid Store::AddSubnodes(const std::vector<Subnode>& subnodes, const BlockOptions& options) {

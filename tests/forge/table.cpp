@@ -34,6 +34,8 @@ std::uint8_t CellSize(std::uint16_t type) {
     case kInt64:
     case kTime:
     case kDouble:
+    case kCurrency:
+    case kFloatTime:
       return 8;
     default:
       return 4;

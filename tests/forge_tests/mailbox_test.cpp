@@ -136,6 +136,64 @@ TEST(Mailbox, PutsAnEmbeddedMessageFirstAmongTheSubnodesOfItsAttachment) {
   EXPECT_EQ(NidsOf(reader.Subnodes(holder.bidSub)), (std::vector<Nid>{0x671, 0x8025}));
 }
 
+TEST(Mailbox, PutsTheStorageOfAnObjectAndItsPartsBelowTheAttachment) {
+  Mailbox box(kPlain);
+  const Bytes storage = Noise(9000, 1);
+  const Bytes part = Noise(50, 2);
+  const auto added = box.AddMessage(kTopFolder, {.attachments = {{.object = OleObject{storage, {part}}}}});
+  const Image image = box.Finish();
+  const Reader reader(image);
+  const auto object = reader.Subnodes(reader.Subnodes(added.bidSub).at(1).bidSub).at(0);
+  EXPECT_EQ(object.nid, kObjectNode);
+  EXPECT_EQ(Get(reader.Data(object.bidData), 4, 4), storage.size()) << "the chain over its blocks";
+  EXPECT_EQ(reader.Data(reader.Subnodes(object.bidSub).at(0).bidData), part);
+}
+
+TEST(Mailbox, GivesTheRecipientTableAColumnForEachPropertyThatARecipientHas) {
+  Mailbox box(kPlain);
+  const auto added = box.AddMessage(
+      kTopFolder, {.recipients = {{.name = u"A", .properties = {Text(0x39FE, u"a@b"), Int32(0x3900, 6)}}, {.name = u"B"}}});
+  const Image image = box.Finish();
+  const Reader reader(image);
+  const Bytes table = reader.Data(reader.Subnodes(added.bidSub).at(0).bidData);
+  // The description of the table is its second allocation.
+  EXPECT_EQ(Get(table, 20, 1), 0x7CU);
+  EXPECT_EQ(Get(table, 21, 1), 2U + RecipientColumns().size() + 1);
+}
+
+TEST(Mailbox, GivesASearchFolderItsQueueItsCriteriaAndItsTable) {
+  Mailbox box(kPlain, {.tables = true});
+  box.AddFolder({.name = u"Unread", .parent = kSearchRoot, .nid = 0x80023});
+  const Image image = box.Finish();
+  for (const Nid nid : {0x80026U, 0x80027U, 0x80030U, 0x2226U, 0x2227U, 0x2230U}) EXPECT_NO_THROW(image.Node(nid));
+  for (const Nid nid : {0x8002DU, 0x8002EU, 0x8002FU}) EXPECT_THROW(image.Node(nid), std::out_of_range);
+  const Bytes active = Reader(image).Data(image.Node(0x201).bidData);
+  EXPECT_EQ(Get(active, 0, 4), kSearchFolder);
+  EXPECT_EQ(Get(active, 4, 4), 0x80023U);
+}
+
+TEST(Mailbox, HasTheFixedFoldersOfAnOfflineStoreWhereItIsToldTo) {
+  const Image image = Mailbox(kPlain, {.offline = true}).Finish();
+  EXPECT_EQ(image.Node(kOfflineInbox).nidParent, kOfflineTop);
+  EXPECT_EQ(image.Node(kOfflineTop).nidParent, kOfflineRoot);
+  EXPECT_THROW(image.Node(kTopFolder), std::out_of_range);
+  EXPECT_EQ(Reader(image).Records(image.Node(kStoreNode).bidData), (std::vector<std::uint64_t>{0x0FF9, 0x3001, 0x67FF}))
+      << "it points to no folder";
+}
+
+TEST(Mailbox, LeadsToAValueInAStoreThroughAChainOfTwoLevels) {
+  Mailbox box(kPlain);
+  const Bytes data = Noise(3 * 8176 + 5, 1);
+  const auto added = box.AddMessage(kTopFolder, {.properties = {Binary(0x7001, data, Place::kTree)}, .bare = true});
+  const Image image = box.Finish();
+  const Reader reader(image);
+  const Bytes upper = reader.Data(reader.Subnodes(added.bidSub).at(0).bidData);
+  EXPECT_EQ(Get(upper, 0, 2), 0x0201U);
+  EXPECT_EQ(Get(upper, 2, 2), 2U) << "lists, of two blocks each";
+  EXPECT_EQ(Get(upper, 4, 4), data.size());
+  EXPECT_EQ(Get(reader.Data(Get(upper, 8, 8)), 0, 4), 0x00020101U);
+}
+
 TEST(Mailbox, TakesTheSizeOfAMessageFromItsDataUnlessOneIsGiven) {
   Mailbox box(kPlain);
   NameMap names;
