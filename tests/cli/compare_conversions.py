@@ -15,7 +15,9 @@ import tempfile
 
 import stores
 
-CONVERSIONS = (("field by field", ()), ("`--complete`", ("--complete",)), ("`--complete --hidden`", ("--complete", "--hidden")))
+CONVERSIONS = (("field by field", ()),
+               ("`--complete`", ("--complete",)),
+               ("`--complete --hidden`", ("--complete", "--hidden")))
 
 # What is counted of a comparison, and how it is called.
 ROWS = (

@@ -9,6 +9,7 @@ import time
 import unittest
 
 import program_fixture
+import stores
 
 
 
@@ -130,8 +131,8 @@ class CompleteProgram(program_fixture.ProgramTest):
     # ---------------------------------------------------------------- refusals
 
     def test_usage(self):
-        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",), ("--verify",),
-                      ("--complete", "--deleted"), ("--complete", "--verify", "--dry-run")):
+        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",),
+                      ("--verify",), ("--complete", "--deleted"), ("--complete", "--verify", "--dry-run")):
             ended = self.run_program(*words, self.source, self.out)
             self.assertEqual((ended.returncode, ended.stdout), (64, ""), words)
             self.assertIn("--help", ended.stderr)
@@ -205,8 +206,8 @@ class CompleteProgram(program_fixture.ProgramTest):
     @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is always full")
     def test_a_report_that_nobody_takes(self):
         with open("/dev/full", "w") as full:
-            ended = subprocess.run([program_fixture.stores.PROGRAM, "--complete", "--quiet", "--report", "-", self.source,
-                                    self.out], stdout=full, stderr=subprocess.PIPE, env=self.environment)
+            ended = subprocess.run([stores.PROGRAM, "--complete", "--quiet", "--report", "-", self.source, self.out],
+                                   stdout=full, stderr=subprocess.PIPE, env=self.environment)
         self.assertEqual(ended.returncode, 74)
         self.check_store(self.store)
 

@@ -58,8 +58,8 @@ class ProgramTest(unittest.TestCase):
         """What a conversion says on a terminal; `more` is of its environment."""
         main, side = pty.openpty()
         self.addCleanup(os.close, main)
-        child = subprocess.Popen([stores.PROGRAM, *options, self.demo, self.out], stdout=subprocess.DEVNULL, stderr=side,
-                                 env={**self.environment, **more})
+        child = subprocess.Popen([stores.PROGRAM, *options, self.demo, self.out], stdout=subprocess.DEVNULL,
+                                 stderr=side, env={**self.environment, **more})
         os.close(side)
         text = b""
         while True:
