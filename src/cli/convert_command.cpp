@@ -60,7 +60,7 @@ class Conversion {
 
   ExitCode Run() {
     if (const auto opened = targets_.Open(options_); !opened) {
-      console_.Say("velmora-convert: " + conversion::CauseOf(opened.error()));
+      console_.Say("velmora-convert: " + TextOf(opened.error()));
       return ExitCode::kNoOutput;
     }
     const ExitCode code = RunSteps();
@@ -82,7 +82,7 @@ class Conversion {
     const conversion::RunEnd end = conversion::RunConversion(outLook_, state_);
     ended_ = console_.LastError();
     if (ended_) {
-      if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + conversion::CauseOf(ended_->cause));
+      if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + TextOf(ended_->cause));
       const ExitCode code = ExitCodeOf(ended_->kind);
       // Nobody knows whether a store is valid that could not be read.
       return code == ExitCode::kNotValid && ReportReadFailure() ? ExitCode::kInputOutput : code;
@@ -100,8 +100,8 @@ class Conversion {
   bool ReportReadFailure() {
     if (!outLook_.Report().readFailure) return false;
     const platform::Failure& failure = *outLook_.Report().readFailure;
-    console_.Say(
-        fmt::format("velmora-convert: reading failed: {} at {}: {}", failure.object, failure.offset, failure.message));
+    console_.Say(fmt::format("velmora-convert: reading failed: {} at {}: {}", TextOf(failure.object),
+                             failure.offset.value_or(0), failure.message));
     return true;
   }
 
@@ -114,7 +114,7 @@ class Conversion {
   ExitCode Finish(ExitCode code) {
     bool written = true;
     const auto note = [&](const platform::Failure& failure) {
-      console_.Say("velmora-convert: " + conversion::CauseOf(failure));
+      console_.Say("velmora-convert: " + TextOf(failure));
       written = false;
     };
     const auto& left = outLook_.Report().left;

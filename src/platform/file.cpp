@@ -41,7 +41,7 @@ FailureKind KindOf(int error) {
   }
 }
 
-tl::unexpected<Failure> Fail(int error, const std::string& object, std::uint64_t offset = 0) {
+tl::unexpected<Failure> Fail(int error, const std::string& object, std::optional<std::uint64_t> offset = {}) {
   return tl::unexpected(Failure{KindOf(error), object, offset, std::generic_category().message(error)});
 }
 
@@ -145,7 +145,7 @@ Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int 
   if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path.string());
   if (S_ISDIR(status.st_mode)) return Fail(EISDIR, path.string());
   if (!S_ISREG(status.st_mode))
-    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), 0, "no regular file"});
+    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, "no regular file"});
   return std::make_unique<SystemFile>(std::move(descriptor), path.string(), static_cast<std::uint64_t>(status.st_size));
 }
 

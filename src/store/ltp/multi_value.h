@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
-#include "platform/failure.h"
 #include "text/text.h"
 
 namespace velmora::ltp {
@@ -17,10 +17,9 @@ std::vector<std::byte> EncodeMultiple(std::span<const std::span<const std::byte>
 /// The value bytes of PtypMultipleString.
 std::vector<std::byte> EncodeMultiple(std::span<const text::Text> elements);
 
-/// The elements of a value of variable element size, as views into `value`. kCorrupt when the table of
-/// offsets does not fit.
-[[nodiscard]] platform::Result<std::vector<std::span<const std::byte>>> DecodeMultiple(
-    std::span<const std::byte> value);
+/// The elements of a value of variable element size, as views into `value`; nothing when the table of offsets does not
+/// fit.
+[[nodiscard]] std::optional<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<const std::byte> value);
 
 /// The value bytes of a text, and back (an odd last byte is dropped).
 std::vector<std::byte> EncodeText(text::TextView text);

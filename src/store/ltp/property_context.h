@@ -19,11 +19,11 @@ namespace velmora::ltp {
 /// A property context opened for reading; its records are read at opening, values on demand.
 class PropertyContext {
  public:
-  /// `source` and `faults` must outlive the reader. kCorrupt when the node is no property context. With `faults`,
-  /// records that are lost are missing, and so are the sub-nodes of a block that is lost; a value that is lost fails
-  /// alone, and what is lost in the middle of a long one reads as zeros.
-  [[nodiscard]] static Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
-                                                    ndb::Faults* faults = nullptr);
+  /// `source` and `faults` must outlive the reader. Raises kCorrupt when the node is no property context, and what
+  /// keeps its blocks from being read. With `faults`, records that are lost are missing, and so are the sub-nodes of a
+  /// block that is lost; a value that is lost fails alone, and what is lost in the middle of a long one reads as zeros.
+  [[nodiscard]] static PropertyContext Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                            ndb::Faults* faults = nullptr);
 
   /// All records by ascending id, one for each.
   std::span<const PropertyRecord> Records() const { return records_; }
@@ -32,9 +32,10 @@ class PropertyContext {
   const PropertyRecord* Find(std::uint16_t id) const;
 
   /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
-  /// Values larger than kMaxValue give kNotSupported: open TreeOf with a DataTreeReader.
+  /// Raises why it is lost where it is, and kNotSupported where it is larger than kMaxValue: open TreeOf with a
+  /// DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
-  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Read(PropTag tag);
+  [[nodiscard]] std::optional<std::vector<std::byte>> Read(PropTag tag);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
   std::optional<bool> Boolean(PropTag tag);
@@ -52,16 +53,17 @@ class PropertyContext {
   };
   std::optional<Object> ReadObject(PropTag tag);
 
-  /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type.
-  [[nodiscard]] Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
+  /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type. This and
+  /// what follows raise what keeps the blocks in question from being read.
+  [[nodiscard]] std::optional<std::uint64_t> SizeOf(PropTag tag);
 
   /// The tree of a value that lies in a sub-node, e.g. to share it with another node; nothing when the value
   /// lies in the heap or is not there.
-  [[nodiscard]] Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
+  [[nodiscard]] std::optional<ndb::DataTree> TreeOf(PropTag tag);
 
   /// A sub-node of the node.
-  [[nodiscard]] Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;
-  [[nodiscard]] Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
+  [[nodiscard]] std::optional<ndb::SubnodeEntry> FindSubnode(Nid nid) const;
+  [[nodiscard]] std::vector<ndb::SubnodeEntry> Subnodes() const;
 
  private:
   PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)

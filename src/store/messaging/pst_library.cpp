@@ -19,11 +19,6 @@ class Utils : public output::MAPIUtils {
   std::shared_ptr<LibraryState> library_;
 };
 
-platform::Failure FailureOf(const output::OutputFailure& failure) {
-  const bool full = failure.Code() == output::ResultCode::STG_E_MEDIUMFULL;
-  return {full ? platform::FailureKind::kFull : platform::FailureKind::kInputOutput, "store", 0, failure.Information()};
-}
-
 }  // namespace
 
 std::optional<std::int64_t> PstLibraryOptions::EpochOfEnvironment() {
@@ -66,7 +61,7 @@ platform::Result<void> PstLibrary::Seal() {
     try {
       store->Seal();
     } catch (const output::OutputFailure& failure) {
-      if (result) result = tl::unexpected(FailureOf(failure));
+      if (result) result = tl::unexpected(output::CauseOf(failure));
     }
   }
   return result;

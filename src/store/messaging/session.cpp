@@ -46,7 +46,8 @@ class StoresObject : public output::RDOStores {
   }
 
   Ref<output::RDOStore> OpenPSTStore(text::TextView path) override {
-    return Mount(OpenedStore::Open(ReadOrRaise(platform::OpenForReading(text::ToFileName(path)))));
+    return Mount(
+        OpenedStore::Open(AsReading([&] { return ValueOrRaise(platform::OpenForReading(text::ToFileName(path))); })));
   }
 
  private:

@@ -283,11 +283,11 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
 
 /// Cells of the table of the only folder's items that are there.
 std::size_t CellsOf(const platform::MemoryFile& file) {
-  const auto reader = ndb::StoreReader::Open(file).value();
+  const auto reader = ndb::StoreReader::Open(file);
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
     if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == Bid{}) continue;
-    auto table = ltp::TableContext::Open(*reader, node.trees).value();
+    auto table = ltp::TableContext::Open(*reader, node.trees);
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
       for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
         cells += static_cast<std::size_t>(table.Text(row, tag).has_value());
