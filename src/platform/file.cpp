@@ -137,7 +137,7 @@ class SystemFile : public ByteStore {
   std::uint64_t size_;
 };
 
-Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int flags) {
+Result<std::unique_ptr<ByteStore>> Open(const std::filesystem::path& path, int flags) {
   // O_NONBLOCK: a named pipe must not hold the program; regular files take no notice of it.
   Descriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0644));
   if (descriptor.Get() < 0) return Fail(errno, path.string());
@@ -152,21 +152,13 @@ Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int 
 }  // namespace
 
 Result<std::unique_ptr<ByteSource>> OpenForReading(const std::filesystem::path& path) {
-  auto file = Open(path, O_RDONLY);
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteSource>(std::move(*file));
+  return Open(path, O_RDONLY).map([](auto file) { return std::unique_ptr<ByteSource>(std::move(file)); });
 }
 
-Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path) {
-  auto file = Open(path, O_RDWR);
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteStore>(std::move(*file));
-}
+Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path) { return Open(path, O_RDWR); }
 
 Result<std::unique_ptr<ByteStore>> CreateFile(const std::filesystem::path& path, Existing existing) {
-  auto file = Open(path, O_RDWR | O_CREAT | (existing == Existing::kRefuse ? O_EXCL : O_TRUNC));
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteStore>(std::move(*file));
+  return Open(path, O_RDWR | O_CREAT | (existing == Existing::kRefuse ? O_EXCL : O_TRUNC));
 }
 
 Result<std::unique_ptr<ByteStore>> CreateUnnamedFile() {

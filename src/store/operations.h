@@ -21,8 +21,8 @@
 #include <utility>
 #include <variant>
 
-#include "platform/failure.h"
 #include "store/format/classes.h"
+#include "store/format/failures.h"
 #include "text/calendar.h"
 #include "text/text.h"
 
@@ -47,11 +47,11 @@ enum class ResultCode : std::uint32_t {
 /// What a failing operation raises.
 class OutputFailure : public std::exception {
  public:
-  explicit OutputFailure(ResultCode code, std::string information = {}, std::optional<platform::Failure> cause = {})
+  explicit OutputFailure(ResultCode code, std::string information = {}, std::optional<Failure> cause = {})
       : code_(code), information_(std::move(information)), cause_(std::move(cause)) {}
   ResultCode Code() const { return code_; }
   /// What happened below the operations, where that is the reason.
-  const std::optional<platform::Failure>& Cause() const { return cause_; }
+  const std::optional<Failure>& Cause() const { return cause_; }
   /// The error information of the object, for the command line's messages; may be empty.
   const std::string& Information() const { return information_; }
   const char* what() const noexcept override {
@@ -61,14 +61,14 @@ class OutputFailure : public std::exception {
  private:
   ResultCode code_;
   std::string information_;
-  std::optional<platform::Failure> cause_;
+  std::optional<Failure> cause_;
 };
 
 /// What happened, as the one value that failures are: the cause below, or what the operation says itself.
-inline platform::Failure CauseOf(const OutputFailure& failure) {
+inline Failure CauseOf(const OutputFailure& failure) {
   const bool isFull = failure.Code() == ResultCode::STG_E_MEDIUMFULL;
-  const auto kind = isFull ? platform::FailureKind::kFull : platform::FailureKind::kInputOutput;
-  return failure.Cause().value_or(platform::Failure{kind, {}, {}, failure.what()});
+  const auto kind = isFull ? FailureKind::kFull : FailureKind::kInputOutput;
+  return failure.Cause().value_or(Failure{kind, {}, {}, failure.what()});
 }
 
 /// True for a failure of the store itself rather than of one operation on it: what could not be written now

@@ -14,7 +14,6 @@
 #include "workflow/find_pst_dlg.h"
 #include "workflow/progress_dlg.h"
 #include "workflow/qt_text.h"
-#include "workflow/repair_profile_dlg.h"
 #include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {

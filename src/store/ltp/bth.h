@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "store/format/heap_format.h"
-#include "store/format/property_record.h"
+#include "store/format/prop_tag.h"
 #include "store/ltp/heap.h"
 #include "store/ltp/heap_writer.h"
 

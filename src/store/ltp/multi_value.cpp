@@ -42,6 +42,15 @@ std::optional<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<
   return elements;
 }
 
+std::optional<bool> FlagIn(const std::optional<std::vector<std::byte>>& value) {
+  const auto number = NumberIn<std::uint8_t>(value);
+  return number ? std::optional(*number != 0) : std::nullopt;
+}
+
+std::optional<text::Text> TextIn(const std::optional<std::vector<std::byte>>& value) {
+  return value ? std::optional(DecodeText(*value)) : std::nullopt;
+}
+
 std::vector<std::byte> EncodeText(text::TextView text) {
   const auto bytes = std::as_bytes(std::span(text.data(), text.size()));
   return {bytes.begin(), bytes.end()};

@@ -6,7 +6,6 @@
 #include "store/format/failures.h"
 #include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
-#include "store/ltp/multi_value.h"
 #include "store/ndb/data_tree_reader.h"
 
 namespace velmora::ltp {
@@ -23,16 +22,14 @@ PropertyContext PropertyContext::Open(const ndb::BlockSource& source, const ndb:
   }
   // In a damaged tree the order may be wrong and ids may repeat; the first of an id counts.
   std::vector<PropertyRecord>& records = context.records_;
-  const auto byId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId < b.wPropId; };
-  if (!std::is_sorted(records.begin(), records.end(), byId)) std::stable_sort(records.begin(), records.end(), byId);
-  const auto sameId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId == b.wPropId; };
-  records.erase(std::unique(records.begin(), records.end(), sameId), records.end());
+  const auto id = &PropertyRecord::wPropId;
+  if (!std::ranges::is_sorted(records, {}, id)) std::ranges::stable_sort(records, {}, id);
+  records.erase(std::ranges::unique(records, {}, id).begin(), records.end());
   return context;
 }
 
 const PropertyRecord* PropertyContext::Find(std::uint16_t id) const {
-  const auto record = std::lower_bound(records_.begin(), records_.end(), id,
-                                       [](const PropertyRecord& r, std::uint16_t key) { return r.wPropId < key; });
+  const auto record = std::ranges::lower_bound(records_, id, {}, &PropertyRecord::wPropId);
   return record != records_.end() && record->wPropId == id ? &*record : nullptr;
 }
 
@@ -66,35 +63,9 @@ std::optional<std::vector<std::byte>> PropertyContext::Binary(PropTag tag) {
   return IfReadable([&] { return Read(tag); }).value_or(std::nullopt);
 }
 
-template <class T>
-std::optional<T> PropertyContext::Number(PropTag tag) {
-  const std::optional<std::vector<std::byte>> value = Binary(tag);
-  if (!value || value->size() != sizeof(T)) return std::nullopt;
-  return Load<T>(*value, 0);
-}
-
-std::optional<bool> PropertyContext::Boolean(PropTag tag) {
-  const std::optional<std::uint8_t> number = Number<std::uint8_t>(tag);
-  if (!number) return std::nullopt;
-  return *number != 0;
-}
-
-std::optional<std::int16_t> PropertyContext::Integer16(PropTag tag) { return Number<std::uint16_t>(tag); }
-
-std::optional<std::int32_t> PropertyContext::Integer32(PropTag tag) { return Number<std::uint32_t>(tag); }
-
-std::optional<std::int64_t> PropertyContext::Integer64(PropTag tag) { return Number<std::uint64_t>(tag); }
-
 std::optional<double> PropertyContext::Floating64(PropTag tag) {
-  const std::optional<std::uint64_t> number = Number<std::uint64_t>(tag);
-  if (!number) return std::nullopt;
-  return std::bit_cast<double>(*number);
-}
-
-std::optional<text::Text> PropertyContext::Text(PropTag tag) {
-  const std::optional<std::vector<std::byte>> value = Binary(tag);
-  if (!value) return std::nullopt;
-  return DecodeText(*value);
+  const auto bits = NumberIn<std::uint64_t>(Binary(tag));
+  return bits ? std::optional(std::bit_cast<double>(*bits)) : std::nullopt;
 }
 
 std::optional<PropertyContext::Object> PropertyContext::ReadObject(PropTag tag) {

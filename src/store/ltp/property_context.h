@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "store/format/prop_tag.h"
-#include "store/format/property_record.h"
 #include "store/ltp/heap.h"
+#include "store/ltp/multi_value.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/faults.h"
 #include "store/ndb/subnode_tree_reader.h"
@@ -38,12 +38,12 @@ class PropertyContext {
   [[nodiscard]] std::optional<std::vector<std::byte>> Read(PropTag tag);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
-  std::optional<bool> Boolean(PropTag tag);
-  std::optional<std::int16_t> Integer16(PropTag tag);
-  std::optional<std::int32_t> Integer32(PropTag tag);
-  std::optional<std::int64_t> Integer64(PropTag tag);
+  std::optional<bool> Boolean(PropTag tag) { return FlagIn(Binary(tag)); }
+  std::optional<std::int16_t> Integer16(PropTag tag) { return NumberIn<std::uint16_t>(Binary(tag)); }
+  std::optional<std::int32_t> Integer32(PropTag tag) { return NumberIn<std::uint32_t>(Binary(tag)); }
+  std::optional<std::int64_t> Integer64(PropTag tag) { return NumberIn<std::uint64_t>(Binary(tag)); }
   std::optional<double> Floating64(PropTag tag);
-  std::optional<text::Text> Text(PropTag tag);
+  std::optional<text::Text> Text(PropTag tag) { return TextIn(Binary(tag)); }
   std::optional<std::vector<std::byte>> Binary(PropTag tag);
 
   /// What a PtypObject property refers to.
@@ -70,8 +70,6 @@ class PropertyContext {
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
   const PropertyRecord* FindTag(PropTag tag) const;
-  template <class T>
-  std::optional<T> Number(PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;

@@ -6,7 +6,6 @@
 #include "store/format/failures.h"
 #include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
-#include "store/ltp/multi_value.h"
 #include "store/ltp/table_info.h"
 #include "store/ndb/subnode_tree_reader.h"
 
@@ -95,14 +94,13 @@ std::size_t TableContext::OpenMatrix(Hnid hnidRows) {
 }
 
 std::optional<std::size_t> TableContext::FindRow(std::uint32_t rowId) const {
-  const auto entry = std::lower_bound(index_.begin(), index_.end(), rowId,
-                                      [](const IndexEntry& e, std::uint32_t id) { return e.rowId < id; });
+  const auto entry = std::ranges::lower_bound(index_, rowId, {}, &IndexEntry::rowId);
   if (entry == index_.end() || entry->rowId != rowId) return std::nullopt;
   return static_cast<std::size_t>(entry - index_.begin());
 }
 
 const Column* TableContext::FindColumn(PropTag tag) const {
-  const auto column = std::find_if(columns_.begin(), columns_.end(), [tag](const Column& c) { return c.tag == tag; });
+  const auto column = std::ranges::find(columns_, tag, &Column::tag);
   return column == columns_.end() ? nullptr : &*column;
 }
 
@@ -157,33 +155,6 @@ std::optional<std::vector<std::byte>> TableContext::ReadableCell(std::size_t row
   const Hnid hnid = IsWhole(*column) ? 0 : Load<std::uint32_t>(*stored, 0);
   if (hnid != 0 && IsHid(hnid) && !heap_.Find(hnid)) return std::nullopt;
   return IfReadable([&] { return ValueOf(*column, *stored); });
-}
-
-template <class T>
-std::optional<T> TableContext::Number(std::size_t row, PropTag tag) {
-  const auto value = ReadableCell(row, tag);
-  if (!value || value->size() != sizeof(T)) return std::nullopt;
-  return Load<T>(*value, 0);
-}
-
-std::optional<bool> TableContext::Boolean(std::size_t row, PropTag tag) {
-  const std::optional<std::uint8_t> number = Number<std::uint8_t>(row, tag);
-  if (!number) return std::nullopt;
-  return *number != 0;
-}
-
-std::optional<std::int32_t> TableContext::Integer32(std::size_t row, PropTag tag) {
-  return Number<std::uint32_t>(row, tag);
-}
-
-std::optional<std::int64_t> TableContext::Integer64(std::size_t row, PropTag tag) {
-  return Number<std::uint64_t>(row, tag);
-}
-
-std::optional<text::Text> TableContext::Text(std::size_t row, PropTag tag) {
-  const auto value = ReadableCell(row, tag);
-  if (!value) return std::nullopt;
-  return DecodeText(*value);
 }
 
 }  // namespace velmora::ltp

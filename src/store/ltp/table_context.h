@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "store/ltp/heap.h"
+#include "store/ltp/multi_value.h"
 #include "store/ltp/table_info.h"
 #include "store/ltp/table_schema.h"
 #include "store/ndb/block_source.h"
@@ -39,10 +40,14 @@ class TableContext {
   [[nodiscard]] std::optional<std::vector<std::byte>> Cell(std::size_t row, PropTag tag);
 
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
-  std::optional<bool> Boolean(std::size_t row, PropTag tag);
-  std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag);
-  std::optional<std::int64_t> Integer64(std::size_t row, PropTag tag);
-  std::optional<text::Text> Text(std::size_t row, PropTag tag);
+  std::optional<bool> Boolean(std::size_t row, PropTag tag) { return FlagIn(ReadableCell(row, tag)); }
+  std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag) {
+    return NumberIn<std::uint32_t>(ReadableCell(row, tag));
+  }
+  std::optional<std::int64_t> Integer64(std::size_t row, PropTag tag) {
+    return NumberIn<std::uint64_t>(ReadableCell(row, tag));
+  }
+  std::optional<text::Text> Text(std::size_t row, PropTag tag) { return TextIn(ReadableCell(row, tag)); }
 
  private:
   struct IndexEntry {
@@ -63,8 +68,6 @@ class TableContext {
   std::optional<std::vector<std::byte>> ReadableCell(std::size_t row, PropTag tag);
   std::size_t RowsPerBlock() const { return heap_.Format().maxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;
-  template <class T>
-  std::optional<T> Number(std::size_t row, PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;

@@ -29,13 +29,12 @@ std::unique_ptr<StoreReader> StoreReader::Open(const platform::ByteSource& file)
   store->ReadTree(PageType::kBbt, header.root.brefBbt);
   store->ReadTree(PageType::kNbt, header.root.brefNbt);
   const auto sortAndThin = [](auto& list, auto id) {
-    std::stable_sort(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) < id(b); });
-    list.erase(std::unique(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) == id(b); }),
-               list.end());
+    std::ranges::stable_sort(list, {}, id);
+    list.erase(std::ranges::unique(list, {}, id).begin(), list.end());
     list.shrink_to_fit();
   };
-  sortAndThin(store->blocks_, [](const Block& block) { return block.bid; });
-  sortAndThin(store->nodes_, [](const NodeEntry& node) { return node.nid; });
+  sortAndThin(store->blocks_, &Block::bid);
+  sortAndThin(store->nodes_, &NodeEntry::nid);
   return store;
 }
 
@@ -100,8 +99,7 @@ void StoreReader::ReadLeaf(PageType type, PageView page, const BtPageHead& head)
 
 bool StoreReader::FindBlock(Bid bid, std::vector<std::byte>& out) const {
   bid = Canonical(bid);
-  const auto block =
-      std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
+  const auto block = std::ranges::lower_bound(blocks_, bid, {}, &Block::bid);
   if (block == blocks_.end() || block->bid != bid) return false;
   const std::uint64_t ib = block->ibAndCb & ((std::uint64_t{1} << kIbBits) - 1);
   const std::size_t cb = block->ibAndCb >> kIbBits;
@@ -116,8 +114,7 @@ bool StoreReader::FindBlock(Bid bid, std::vector<std::byte>& out) const {
 }
 
 std::optional<NodeEntry> StoreReader::FindNode(Nid nid) const {
-  const auto node = std::lower_bound(nodes_.begin(), nodes_.end(), nid,
-                                     [](const NodeEntry& entry, Nid id) { return entry.nid < id; });
+  const auto node = std::ranges::lower_bound(nodes_, nid, {}, &NodeEntry::nid);
   if (node == nodes_.end() || node->nid != nid) return std::nullopt;
   return *node;
 }
