@@ -249,6 +249,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       };
       ResultCode code = ResultCode::S_OK;
       std::string information;
+      Failure cause;
       while (code == ResultCode::S_OK) {
         try {
           save();
@@ -256,8 +257,12 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
         } catch (const output::OutputFailure& failure) {
           code = failure.Code();
           information = failure.Information();
+          cause = CauseOf(failure);
         }
       }
+      EXPECT_EQ(cause.kind, kind) << "the failure of the disk, whole";
+      EXPECT_EQ(TextOf(cause), "store.pst: No space left on device");
+      EXPECT_TRUE(cause.offset);
       EXPECT_EQ(code, expected);
       EXPECT_NE(information.find("No space left on device"), std::string::npos) << information;
       EXPECT_EQ(CodeOf(save), expected);
