@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "cli/json_text.h"
-#include "conversion/unread_ranges.h"
+#include "conversion/run_report.h"
 
 namespace velmora::cli {
 namespace {
