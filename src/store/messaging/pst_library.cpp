@@ -78,7 +78,7 @@ class FoldersObject : public OfFolder<output::RDOFolders> {
     }
     return RefOf(store_, &folder);
   }
-  Ref<output::RDOFolder> Item(text::TextView name) override { return RefOf(store_, ChildOf(folder_, name)); }
+  Ref<output::RDOFolder> Item(text::TextView name) override { return RefOf(store_, ChildOf(folder_, NameOf(name))); }
   std::int32_t Count() const override { return static_cast<std::int32_t>(folder_.children.size()); }
   Ref<output::RDOFolder> At(std::int32_t index) override {
     if (index < 0 || index >= Count())
