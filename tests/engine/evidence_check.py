@@ -3,8 +3,8 @@
 
 Makes damaged copies of each store (TOOLS/damage.py), lets PROGRAM (velmora-evidence) judge them, and compares the live
 and doubtful nodes with the node tree of the whole store: id, data, sub-nodes and parent. Says for each case how many are
-right, missing (the store has them, the judgement has not) and wrong (otherwise than the store has them, or not in it);
-and of the blocks how many of the live ones are found, and how many live ones are called freed.
+right, missing (the store has them, the judgement has not) and wrong (otherwise than the store has them, or not in it;
+"unsure" are those of them that the judgement itself calls doubtful); and of the blocks how many of the live ones are found, and how many live ones are called freed.
 
 --floors FILE compares the figures with those of a file that --write FILE has made, and ends with 1 where one is worse."""
 import argparse
@@ -18,9 +18,10 @@ import tempfile
 
 
 def judged(program, path):
+    """nodes with their standing, blocks with what is said of them, and which trees are exact"""
     words = [line.split() for line in
              subprocess.run([program, "--blocks", path], check=True, capture_output=True, text=True).stdout.splitlines()]
-    nodes = {w[2]: tuple(w[3:6]) for w in words if w[0] == "node" and w[1] in ("live", "doubtful")}
+    nodes = {w[2]: (w[1], tuple(w[3:6])) for w in words if w[0] == "node" and w[1] in ("live", "doubtful")}
     blocks = {int(w[5], 16): (w[1], w[2], int(w[6], 16)) for w in words if w[0] == "block"}
     return nodes, blocks, next(w[1:] for w in words if w[0] == "exact")
 
@@ -29,6 +30,9 @@ def truth(tools, path):
     sys.path.insert(0, tools)
     import pstcheck
     store = pstcheck.Store(path)
+    store.load()
+    if not store.nbt or not store.bbt or store.tree_errors:
+        raise ValueError(path + " is not whole")
     nodes = {"%x" % nid: ("%x" % (data & ~1), "%x" % (sub & ~1), "%x" % parent)
              for nid, (data, sub, parent) in ((nid, entry[:3]) for nid, entry in store.nbt.items())}
     return nodes, {bid & ~1: (ib, cb, store.block_span(cb)) for bid, (ib, cb, refs) in store.bbt.items() if refs > 1}
@@ -56,9 +60,10 @@ def main():
                 if not os.path.exists(copy):
                     continue
                 found, theirs, exact = judged(a.program, copy)
-                right = sum(nodes.get(nid) == entry for nid, entry in found.items())
+                right = sum(nodes.get(nid) == entry for nid, (_, entry) in found.items())
+                wrong = sum(nodes.get(nid) != entry for nid, (by, entry) in found.items() if by == "live")
                 row = {"nodes": len(nodes), "right": right, "missing": len(nodes.keys() - found.keys()),
-                       "wrong": len(found) - right,
+                       "wrong": wrong, "unsure": len(found) - right - wrong,
                        "exact": int(exact[0]), "exact_blocks": int(exact[1]), "stores": 1, "blocks": len(blocks),
                        "found_blocks": sum(bid in theirs and theirs[bid][1] in ("proven", "moved") for bid in blocks),
                        "called_freed": sum(theirs.get(bid, ("",))[0] == "freed" for bid in blocks)}
@@ -66,11 +71,11 @@ def main():
                 total.update(row)
                 if a.verbose and row["right"] != row["nodes"]:
                     print(os.path.basename(path), case, row)
-    print("%-22s %6s %6s %7s %6s  %-6s %-6s %7s %7s %6s" % ("case", "nodes", "right", "missing", "wrong", "exact", "blocks",
-                                                          "blocks", "found", "freed"))
+    print("%-22s %6s %6s %7s %6s %6s  %-6s %-6s %7s %7s %6s" % (
+        "case", "nodes", "right", "missing", "wrong", "unsure", "exact", "blocks", "blocks", "found", "freed"))
     for case, t in sums.items():
-        print("%-22s %6d %6d %7d %6d  %d of %d %d of %d %7d %7d %6d" % (
-            case, t["nodes"], t["right"], t["missing"], t["wrong"], t["exact"], t["stores"], t["exact_blocks"], t["stores"],
+        print("%-22s %6d %6d %7d %6d %6d  %d of %d %d of %d %7d %7d %6d" % (
+            case, t["nodes"], t["right"], t["missing"], t["wrong"], t["unsure"], t["exact"], t["stores"], t["exact_blocks"], t["stores"],
             t["blocks"], t["found_blocks"], t["called_freed"]))
     if a.write:
         with open(a.write, "w") as out:
