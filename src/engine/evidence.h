@@ -151,7 +151,7 @@ struct LostNodes {
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted too.
 /// Without the latter none of kOlder or kDeleted is among them.
-LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement, bool deleted,
-                        RunContext& run);
+LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
+                        bool deleted, RunContext& run);
 
 }  // namespace velmora::engine

@@ -28,7 +28,7 @@ const std::map<std::string, std::set<std::string>> kMayUse = {
     {"store/ltp", {"platform", "text", "store/format", "store/ndb"}},
     {"store/messaging", {"platform", "text", "store/format", "store/ndb", "store/ltp", "store/operations"}},
     {"output/trace", {"text", "store/format", "store/operations"}},
-    {"engine", {"platform", "text", "store/format", "store/ndb"}},
+    {"engine", {"platform", "text", "store/format", "store/ndb", "store/ltp"}},
     {"recovery", {"platform", "text", "store/format", "engine", "store/operations"}},
     {"output/items", {"text", "store/format", "recovery", "store/operations"}},
     {"complete", {"platform", "text", "store/format", "store/ndb", "store/ltp", "store/messaging", "engine"}},
