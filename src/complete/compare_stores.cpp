@@ -49,12 +49,12 @@ std::string NameOf(PropTag tag) { return platform::TextOf({ObjectKind::kProperty
 
 class StoreComparison {
  public:
-  StoreComparison(const engine::ScannedStore& found, const platform::ByteSource& target, const CopyOptions& options,
+  StoreComparison(const engine::ProvenStore& found, const platform::ByteSource& target, const CopyOptions& options,
                   engine::RunContext& run, Account& account)
       : options_(options),
         run_(run),
         account_(account),
-        source_(found, evidence_),
+        source_(found),
         sourceNames_(source_),
         pages_(source_, options.codePage),
         plan_(source_, pages_, options.hidden),
@@ -369,7 +369,6 @@ class StoreComparison {
   const CopyOptions& options_;
   engine::RunContext& run_;
   Account& account_;
-  Evidence evidence_;
   ndb::Faults faults_;
   LiveStore source_;
   SourceNames sourceNames_;
@@ -385,7 +384,7 @@ class StoreComparison {
 
 }  // namespace
 
-void CompareStores(const engine::ScannedStore& source, const platform::ByteSource& target, const CopyOptions& options,
+void CompareStores(const engine::ProvenStore& source, const platform::ByteSource& target, const CopyOptions& options,
                    engine::RunContext& run, Account& account) {
   StoreComparison(source, target, options, run, account).Run();
 }

@@ -46,13 +46,13 @@ std::optional<text::FileTime> DateIn(const PropertyBag& properties) {
 
 class StoreCopy {
  public:
-  StoreCopy(const engine::ScannedStore& found, messaging::StoreWriter& target, const CopyOptions& options,
+  StoreCopy(const engine::ProvenStore& found, messaging::StoreWriter& target, const CopyOptions& options,
             engine::RunContext& run, Account& account)
       : options_(options),
         run_(run),
         account_(account),
         target_(target),
-        source_(found, account.evidence),
+        source_(found),
         names_(source_),
         pages_(source_, options.codePage),
         plan_(source_, pages_, options.hidden),
@@ -263,7 +263,7 @@ class StoreCopy {
 
 }  // namespace
 
-void CopyStore(const engine::ScannedStore& source, messaging::StoreWriter& target, const CopyOptions& options,
+void CopyStore(const engine::ProvenStore& source, messaging::StoreWriter& target, const CopyOptions& options,
                engine::RunContext& run, Account& account) {
   StoreCopy(source, target, options, run, account).Run();
 }

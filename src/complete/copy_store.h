@@ -3,7 +3,7 @@
 
 #include "complete/account.h"
 #include "engine/run.h"
-#include "engine/scanned_store.h"
+#include "engine/proven_store.h"
 #include "store/messaging/store_writer.h"
 #include "text/code_page.h"
 
@@ -18,12 +18,12 @@ struct CopyOptions {
 /// ItemsCopied and Progress, and passes a pause point ahead of each message. Whatever cannot be read is in the account,
 /// which is kept as the copy goes, so it holds what was done of a copy that ended early. Raises OutputFailure where
 /// `target` cannot be written and engine::RunStopped. `target` is not sealed.
-void CopyStore(const engine::ScannedStore& source, messaging::StoreWriter& target, const CopyOptions& options,
+void CopyStore(const engine::ProvenStore& source, messaging::StoreWriter& target, const CopyOptions& options,
                engine::RunContext& run, Account& account);
 
 /// Opens what was written afresh and compares it with the source, object by object, into the account's differences.
 /// `target` is sealed.
-void CompareStores(const engine::ScannedStore& source, const platform::ByteSource& target, const CopyOptions& options,
+void CompareStores(const engine::ProvenStore& source, const platform::ByteSource& target, const CopyOptions& options,
                    engine::RunContext& run, Account& account);
 
 }  // namespace velmora::complete

@@ -13,11 +13,6 @@ namespace {
 constexpr text::TextView kTopName = u"IPM_SUBTREE";
 constexpr text::TextView kDeletedItemsName = u"Deleted Items";
 
-// The ids of folders that every offline store has.
-constexpr Nid kOfflineTop{0x2142};
-constexpr Nid kOfflineDeletedItems{0x2162};
-constexpr Nid kOfflineOutbox{0x21A2};
-constexpr Nid kOfflineSentMail{0x21C2};
 
 std::optional<ltp::PropertyContext> Open(const LiveStore& source, const ndb::NodeTrees& trees, ndb::Faults& faults) {
   return IfReadable([&] { return ltp::PropertyContext::Open(source, trees, &faults); });
@@ -126,14 +121,14 @@ SourceFolder* FolderPlan::LargestOf(const std::vector<SourceFolder*>& folders) c
 }
 
 void FolderPlan::FindTop(const LiveStore& source) {
-  const bool isOffline = source.Found().storeKind == engine::StoreKind::kOst;
+  const bool isOffline = source.Found().Kind() == engine::StoreKind::kOst;
   top_ = Find(topOfStore_);
   if (top_ == nullptr && isOffline) {
-    top_ = Find(kOfflineTop);
+    top_ = Find(nid::kOfflineTop);
     if (top_ != nullptr) {
       for (const auto& [kind, nid] :
-           {std::pair(DefaultFolder::kDeletedItems, kOfflineDeletedItems),
-            std::pair(DefaultFolder::kOutbox, kOfflineOutbox), std::pair(DefaultFolder::kSentMail, kOfflineSentMail)}) {
+           {std::pair(DefaultFolder::kDeletedItems, nid::kOfflineDeletedItems),
+            std::pair(DefaultFolder::kOutbox, nid::kOfflineOutbox), std::pair(DefaultFolder::kSentMail, nid::kOfflineSentMail)}) {
         if (defaults_.Of(kind) == kNoNid && Find(nid) != nullptr) defaults_.Set(kind, nid);
       }
     }

@@ -19,7 +19,7 @@ bool CompleteNodes::IsTreeComplete(Bid bid, int depth) {
   const auto [at, isNew] = known_.try_emplace(Canonical(bid), false);  // one that leads back to itself is not complete
   if (!isNew) return at->second;
   std::vector<std::byte> bytes;
-  if (!blocks_.IsTrusted(bid) || !blocks_.ReadBlock(bid, bytes)) return false;
+  if (!blocks_.IsTrusted(bid) || !blocks_.TryBlock(bid, bytes)) return false;
   const InternalBlock list(bytes, blocks_.Format());
   bool isComplete = list.IsKnown() && list.EntryCount() == list.Head().cEnt;
   ForEachReference(list, [&](Bid child) { isComplete = isComplete && IsTreeComplete(child, depth + 1); });

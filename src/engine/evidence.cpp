@@ -51,7 +51,7 @@ const FoundBlock* Evidence::Find(Bid bid) const {
 std::optional<ToldByHeader> ReadHeader(const Source& source) {
   std::array<std::byte, Header::kSize> bytes{};
   if (source.Read(0, bytes).value_or(0) != bytes.size()) return std::nullopt;
-  const Result<Header> header = DecodeHeader(bytes);
+  const auto header = IfReadable([&] { return DecodeHeader(bytes); });
   if (!header) return std::nullopt;
   return ToldByHeader{header->generation, header->bCryptMethod, header->root.brefNbt, header->root.brefBbt};
 }

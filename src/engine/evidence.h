@@ -118,7 +118,7 @@ class EvidenceBlocks : public ndb::BlockSource {
       : source_(source), evidence_(evidence), judgement_(judgement) {}
 
   const Generation& Format() const override { return *evidence_.layout; }
-  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;  ///< live or doubtful
 
   /// Whether its content is proven.
@@ -157,7 +157,7 @@ struct LostNodes {
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted
 /// too. Without the latter none of kOlder or kDeleted is among them.
-LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement,
+LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
                         bool deleted, RunContext& run);
 
 }  // namespace velmora::engine

@@ -22,26 +22,25 @@ void UnpackPart(std::vector<std::byte>& stored, const FoundBlock& block, const E
 
 }  // namespace
 
-Result<void> EvidenceBlocks::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
+bool EvidenceBlocks::FindBlock(Bid bid, std::vector<std::byte>& out) const {
   const FoundBlock* block = evidence_.Find(bid);
-  if (block == nullptr) return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "no such block was found");
+  if (block == nullptr) return false;
   if (!IsWhole(*block)) {
     out.resize(block->cb);
     out.resize(source_.ReadAround(block->offset, out));
     UnpackPart(out, *block, evidence_);
-    if (!out.empty()) return {};
-    return Corrupt(Named("block", bid), block->offset, "nothing of the block can be read");
+    if (!out.empty()) return true;
+    RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "nothing of the block can be read");
   }
   const Generation& layout = *evidence_.layout;
   out.resize(BlockSizeOnDisk(block->cb, layout));
-  const Result<std::size_t> read = source_.Read(block->offset, out);
-  if (!read) return tl::unexpected(read.error());
+  const std::size_t read = ValueOrRaise(source_.Read(block->offset, out));
   const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(layout.blockTrailerSize), layout);
-  if (*read != out.size() || trailer.dwCRC != WeakCrc(std::span(out).first(block->cb))) {
-    return Corrupt(Named("block", bid), block->offset, "the block was whole and is not any more");
+  if (read != out.size() || trailer.dwCRC != WeakCrc(std::span(out).first(block->cb))) {
+    RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block was whole and is not any more");
   }
-  if (UnpackBlock(out, block->bid, block->cb, evidence_.encoding, layout)) return {};
-  return Corrupt(Named("block", bid), block->offset, "the block does not inflate to its size");
+  if (UnpackBlock(out, block->bid, block->cb, evidence_.encoding, layout)) return true;
+  RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block does not inflate to its size");
 }
 
 std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {

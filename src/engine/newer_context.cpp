@@ -81,7 +81,7 @@ class ContextSeeker {
 
   std::optional<Identity> IdentityOf(Bid bid) const {
     ndb::Faults faults;
-    auto context = ltp::PropertyContext::Open(blocks_, {bid, kNoBid}, &faults);
+    auto context = IfReadable([&] { return ltp::PropertyContext::Open(blocks_, {bid, kNoBid}, &faults); });
     if (!context) return std::nullopt;
     const auto key = context->Binary(tag::kSearchKey);
     if (!key || key->empty()) return std::nullopt;

@@ -24,4 +24,11 @@ inline constexpr Nid kBookkeeping6D7{0x6D7};
 inline constexpr Nid kBookkeeping6F8{0x6F8};
 inline constexpr Nid kSpamSearchFolder{0x2223};
 
+// Folders that every offline store has, where the properties of other stores name them.
+inline constexpr Nid kOfflineMailbox{0x20A2};
+inline constexpr Nid kOfflineTop{0x2142};
+inline constexpr Nid kOfflineDeletedItems{0x2162};
+inline constexpr Nid kOfflineOutbox{0x21A2};
+inline constexpr Nid kOfflineSentMail{0x21C2};
+
 }  // namespace velmora::nid

@@ -50,6 +50,11 @@ class BlockSource {
   /// The same, but for a block that the store does not have: false then, at no more cost than a look-up.
   [[nodiscard]] virtual bool FindBlock(Bid bid, std::vector<std::byte>& out) const = 0;
 
+  /// The same, but false for a block that cannot be read, whatever the cause.
+  [[nodiscard]] bool TryBlock(Bid bid, std::vector<std::byte>& out) const {
+    return IfReadable([&] { return FindBlock(bid, out); }).value_or(false);
+  }
+
   static Failure NoSuchBlock(Bid bid) {
     return {FailureKind::kNotFound, {ObjectKind::kBlock, bid}, Value(bid), "the store has no such block"};
   }

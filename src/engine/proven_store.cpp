@@ -1,0 +1,57 @@
+#include "engine/proven_store.h"
+
+#include <algorithm>
+#include <array>
+
+#include "store/format/byte_view.h"
+#include "store/format/store_nodes.h"
+#include "store/format/header.h"
+
+namespace velmora::engine {
+namespace {
+
+
+}  // namespace
+
+std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
+                                                      RunContext& run) {
+  std::unique_ptr<ProvenStore> store(new ProvenStore());
+  store->source_.Open(std::move(bytes));
+  store->told_ = ReadHeader(store->source_);
+  store->evidence_ = FindEvidence(store->source_, store->told_, run);
+  if (store->evidence_.layout == nullptr) return nullptr;
+  store->judgement_ = JudgeNodes(store->source_, store->evidence_, store->told_, run);
+  if (deleted || !store->judgement_.nodesAreExact) {
+    store->lost_ = FindLostNodes(store->blocks_, store->evidence_, store->judgement_, deleted, run);
+  }
+  store->GatherNodes();
+  store->FindKind();
+  return store;
+}
+
+void ProvenStore::GatherNodes() {
+  const auto take = [this](const NodeClaim& claim) {
+    if (claim.standing != Standing::kOlder && claim.standing != Standing::kDeleted) nodes_.push_back(claim.node);
+  };
+  std::ranges::for_each(judgement_.nodes, take);
+  std::ranges::for_each(lost_.nodes, take);
+  std::ranges::stable_sort(nodes_, {}, &ndb::NodeEntry::nid);
+  const auto repeated = std::ranges::unique(nodes_, {}, &ndb::NodeEntry::nid);
+  nodes_.erase(repeated.begin(), repeated.end());
+}
+
+void ProvenStore::FindKind() {
+  std::array<std::byte, Header::kSize> head{};
+  static_cast<void>(source_.Read(0, head));
+  const std::uint16_t client = ByteView(head).U16(kWMagicClient);
+  const bool isOffline = client == kMagicClientOst || (client != kMagicClientPst && FindNode(nid::kOfflineTop));
+  kind_ = isOffline ? StoreKind::kOst : StoreKind::kPst;
+}
+
+std::optional<ndb::NodeEntry> ProvenStore::FindNode(Nid nid) const {
+  const auto node = std::ranges::lower_bound(nodes_, nid, {}, &ndb::NodeEntry::nid);
+  if (node == nodes_.end() || node->nid != nid) return std::nullopt;
+  return *node;
+}
+
+}  // namespace velmora::engine

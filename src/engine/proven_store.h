@@ -1,0 +1,59 @@
+// What is in a file, told from its bytes alone, and read from there: the result of all that evidence.h does.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "engine/evidence.h"
+#include "engine/heap_evidence.h"
+#include "engine/run.h"
+#include "engine/source.h"
+#include "store/ndb/block_source.h"
+
+namespace velmora::engine {
+
+/// Constant once it is made: any number of threads may read it then.
+class ProvenStore : public ndb::BlockSource {
+ public:
+  /// Opens a source and looks through it. Null where nothing in it proves to be of a store. Without `deleted` what is no
+  /// longer live is not looked for beyond what old pages name. Says progress and passes pause points.
+  static std::unique_ptr<const ProvenStore> Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
+                                                  RunContext& run);
+
+  const Generation& Format() const override { return blocks_.Format(); }
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
+    return blocks_.FindBlock(bid, out);
+  }
+  std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;
+
+  /// Whether the content of a block is proven; one that is hurt is read as far as it can be.
+  bool IsTrusted(Bid bid) const { return blocks_.IsTrusted(bid); }
+
+  /// All live nodes by ascending id: those that pages name, those that stand in for them, and those that were found
+  /// without any.
+  const std::vector<ndb::NodeEntry>& Nodes() const { return nodes_; }
+
+  StoreKind Kind() const { return kind_; }
+  const Source& Bytes() const { return source_; }
+  const std::optional<ToldByHeader>& Header() const { return told_; }
+  const Evidence& Found() const { return evidence_; }
+  const Judgement& Judged() const { return judgement_; }
+  const LostNodes& Lost() const { return lost_; }
+
+ private:
+  ProvenStore() = default;
+  void GatherNodes();
+  void FindKind();
+
+  Source source_;
+  std::optional<ToldByHeader> told_;
+  Evidence evidence_;
+  Judgement judgement_;
+  LostNodes lost_;
+  EvidenceBlocks blocks_{source_, evidence_, judgement_};
+  std::vector<ndb::NodeEntry> nodes_;
+  StoreKind kind_ = StoreKind::kPst;
+};
+
+}  // namespace velmora::engine

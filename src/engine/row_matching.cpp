@@ -1,0 +1,188 @@
+#include "engine/row_matching.h"
+
+#include <algorithm>
+#include <ranges>
+#include <tuple>
+
+#include "store/format/property_tags.h"
+
+namespace velmora::engine {
+namespace {
+
+/// In the order in which they are asked: the least likely to repeat come first.
+constexpr std::uint16_t kTelling[] = {IdOf(tag::kLastModificationTime),
+                                      IdOf(tag::kMessageDeliveryTime),
+                                      0x0071,
+                                      IdOf(tag::kSubject),
+                                      IdOf(tag::kMessageSize),
+                                      0x3001};
+
+/// Cells that a row has of its own, or that are made anew for it.
+constexpr std::uint16_t kOfTheRow[] = {0x67F1, 0x67F2, 0x67F3, 0x0E17, 0x0E30, 0x0E33, 0x0E34, 0x0E05, 0x1097, 0x3013};
+
+constexpr std::uint32_t kAbsent = 0;  ///< in place of the hash of a value
+constexpr std::uint32_t kUnread = 1;  ///< it is there, but nothing can be said of it
+constexpr int kMostDifferences = 2;
+constexpr int kLeastAgreements = 6;  ///< of a copy
+constexpr std::size_t kMostColumns = 32;
+constexpr std::size_t kMostSchemas =
+    8;  ///< that a message is compared under; the stores of one program have two or three
+constexpr std::size_t kMostRows = 16;  ///< that a message is compared with for one telling property
+constexpr std::size_t kMostPairs = 8;  ///< that are kept of a message
+
+std::uint32_t Hashed(std::span<const std::byte> bytes) { return std::max(HashOf(bytes), kUnread + 1); }
+
+std::uint32_t DetailOf(std::uint32_t size, std::uint32_t subject) { return size * 31 + subject; }
+
+std::uint32_t ValueOf(ltp::PropertyContext& context, std::uint16_t id) {
+  if (context.Find(id) == nullptr) return kAbsent;
+  const auto value = SmallValue(context, id);
+  return value ? Hashed(*value) : kUnread;
+}
+
+std::uint32_t ValueOf(ltp::PropertyContext& context, PropTag column) {
+  const PropertyRecord* record = context.Find(IdOf(column));
+  if (record != nullptr && record->Tag() != column) return kUnread;
+  return ValueOf(context, IdOf(column));
+}
+
+}  // namespace
+
+std::uint16_t RowMatching::SchemaOf(const ltp::TableContext& table) {
+  std::vector<PropTag> columns;
+  for (const ltp::Column& column : table.Columns()) {
+    if (columns.size() < kMostColumns && std::ranges::count(kOfTheRow, IdOf(column.tag)) == 0) {
+      columns.push_back(column.tag);
+    }
+  }
+  const auto [number, isNew] = schemaNumbers_.emplace(columns, static_cast<std::uint16_t>(schemas_.size()));
+  if (isNew && schemas_.size() < UINT16_MAX) schemas_.push_back(std::move(columns));
+  return number->second;
+}
+
+void RowMatching::AddRow(Row row, ltp::TableContext& table, std::size_t number) {
+  row.schema = SchemaOf(table);
+  row.firstCell = static_cast<std::uint32_t>(cells_.size());
+  if (row.schema == UINT16_MAX) return;  // no store has as many kinds of tables
+  for (const PropTag column : schemas_[row.schema]) {
+    const auto cell = IfReadable([&] { return table.Cell(number, column); });
+    cells_.push_back(!cell ? kUnread : !*cell ? kAbsent : Hashed(**cell));
+  }
+  rows_.push_back(row);
+}
+
+std::uint32_t RowMatching::CellOf(const Row& row, std::uint16_t id) const {
+  const std::vector<PropTag>& columns = schemas_[row.schema];
+  const auto column = std::ranges::find(columns, id, IdOf);
+  return column == columns.end() ? kAbsent : CellsOf(row)[static_cast<std::size_t>(column - columns.begin())];
+}
+
+std::uint64_t RowMatching::WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) const {
+  std::uint64_t hash = std::uint64_t{schema} << 1 | std::uint64_t{isHidden};
+  for (const std::uint32_t cell : cells) hash = (hash ^ cell) * 0x9E3779B97F4A7C15 + (hash >> 29);
+  return hash;
+}
+
+void RowMatching::Seal() {
+  for (std::uint32_t number = 0; number < rows_.size(); ++number) {
+    const Row& row = rows_[number];
+    const auto agreeing = std::ranges::count_if(CellsOf(row), [](std::uint32_t cell) { return cell > kUnread; });
+    if (agreeing >= kLeastAgreements) equals_.emplace(WholeOf(row.schema, row.isHidden, CellsOf(row)), kNone);
+    for (std::uint8_t property = 0; property < kKeyCount; ++property) {
+      const std::uint32_t value = CellOf(row, kTelling[property]);
+      if (value <= kUnread) continue;
+      const std::uint32_t detail = DetailOf(CellOf(row, IdOf(tag::kMessageSize)), CellOf(row, IdOf(tag::kSubject)));
+      keys_.push_back({property, value, detail, number});
+      break;
+    }
+  }
+  std::ranges::sort(keys_);
+  turns_.resize(keys_.size());
+}
+
+std::optional<RowMatching::Pair> RowMatching::Compare(std::uint32_t row, std::span<const std::uint32_t> values) const {
+  Pair pair{.row = row};
+  const std::span<const std::uint32_t> cells = CellsOf(rows_[row]);
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (cells[i] == kUnread || values[i] == kUnread) continue;
+    if (cells[i] != values[i]) ++pair.differences;
+    if (cells[i] == values[i] && cells[i] != kAbsent) ++pair.agreements;
+  }
+  if (pair.differences > kMostDifferences) return std::nullopt;
+  return pair;
+}
+
+void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyContext& context) {
+  std::map<std::uint16_t, Hashes> valuesOf;  // by schema
+  const auto values = [&](std::uint16_t schema) -> const Hashes& {
+    Hashes& hashes = valuesOf[schema];
+    if (hashes.empty()) {
+      for (const PropTag column : schemas_[schema]) hashes.push_back(ValueOf(context, column));
+    }
+    return hashes;
+  };
+  for (std::uint16_t schema = 0; schema < std::min(schemas_.size(), kMostSchemas); ++schema) {
+    const auto equal = equals_.find(WholeOf(schema, isHidden, values(schema)));
+    if (equal != equals_.end()) equal->second = message;
+  }
+
+  const std::uint32_t detail =
+      DetailOf(ValueOf(context, IdOf(tag::kMessageSize)), ValueOf(context, IdOf(tag::kSubject)));
+  std::vector<Pair> found;
+  for (std::uint8_t property = 0; property < kKeyCount; ++property) {
+    const std::uint32_t value = ValueOf(context, kTelling[property]);
+    if (value <= kUnread) continue;
+    const auto like = [](const Key& key) { return std::tuple(key.property, key.value); };
+    const auto inDetail = [](const Key& key) { return std::tuple(key.property, key.value, key.detail); };
+    const auto all = std::ranges::equal_range(keys_, std::tuple(property, value), {}, like);
+    const auto equal = std::ranges::equal_range(keys_, std::tuple(property, value, detail), {}, inDetail);
+    std::size_t turn = 0;
+    const auto consider = [&](const Key& key) {
+      const Row& row = rows_[key.row];
+      const bool isKnown = valuesOf.contains(row.schema) || valuesOf.size() < kMostSchemas;
+      if (row.isHidden != isHidden || !isKnown) return;
+      if (auto pair = Compare(key.row, values(row.schema))) {
+        pair->message = message;
+        pair->turn = static_cast<std::uint8_t>(turn);
+        found.push_back(*pair);
+      }
+    };
+    if (!equal.empty()) {
+      const std::size_t first = turns_[static_cast<std::size_t>(equal.begin() - keys_.begin())]++;
+      for (; turn < std::min(equal.size(), kMostRows); ++turn) consider(equal[(first + turn) % equal.size()]);
+    }
+    for (auto key = all.begin(); key != all.end() && turn < kMostRows; ++key, ++turn) {
+      if (key->detail != detail) consider(*key);
+    }
+  }
+  std::ranges::sort(found, {},
+                    [](const Pair& pair) { return std::tuple(pair.differences, -int{pair.agreements}, pair.turn); });
+  if (found.size() > kMostPairs) found.resize(kMostPairs);
+  pairs_.insert(pairs_.end(), found.begin(), found.end());
+}
+
+std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses) const {
+  std::vector<Pair> pairs;
+  std::ranges::copy_if(pairs_, std::back_inserter(pairs),
+                       [&](const Pair& pair) { return uses[pair.message] <= Use::kFree; });
+  std::ranges::sort(pairs, {}, [&](const Pair& pair) {
+    return std::tuple(uses[pair.message], pair.differences, -int{pair.agreements}, ~pair.message, pair.turn, pair.row);
+  });
+  std::vector<std::uint32_t> messageOf(rows_.size(), kNone);
+  std::vector<bool> isTaken(uses.size());
+  for (const Pair& pair : pairs) {
+    if (messageOf[pair.row] != kNone || isTaken[pair.message]) continue;
+    messageOf[pair.row] = pair.message;
+    isTaken[pair.message] = true;
+  }
+  for (std::uint32_t row = 0; row < rows_.size(); ++row) {
+    if (messageOf[row] != kNone) continue;
+    const auto equal = equals_.find(WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row])));
+    if (equal == equals_.end() || equal->second == kNone) continue;
+    const std::uint32_t message = equal->second;
+    if (uses[message] == Use::kTaken || isTaken[message]) messageOf[row] = message;
+  }
+  return messageOf;
+}
+
+}  // namespace velmora::engine
