@@ -17,6 +17,8 @@ void Console::OnEvent(const engine::Event& event) {
     if (progress_ != nullptr) progress_->OnStage(begun->stage);
   } else if (const auto* progress = std::get_if<engine::Progress>(&event)) {
     if (progress_ != nullptr) progress_->OnPercentage(progress->percentage);
+  } else if (const auto* copied = std::get_if<engine::ItemsCopied>(&event)) {
+    if (progress_ != nullptr) progress_->OnCopied(*copied);
   } else if (const auto* notice = std::get_if<engine::Notice>(&event)) {
     const conversion::NoticeText text = conversion::TextOf(*notice);
     if (text.isError) lastError_ = *notice;

@@ -5,15 +5,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
+#include "cli/complete_conversion.h"
 #include "cli/console.h"
-#include "cli/file_output.h"
-#include "cli/report_json.h"
-#include "cli/result_text.h"
-#include "cli/run_targets.h"
+#include "cli/field_conversion.h"
 #include "conversion/free_space.h"
 #include "conversion/notices.h"
-#include "conversion/worker.h"
 #include "platform/process.h"
 #include "platform/stop_signals.h"
 #include "platform/terminal.h"
@@ -41,26 +39,27 @@ text::Text FullPath(const std::string& path) {
   return text::FromFileName(error ? path : full.string());
 }
 
+std::unique_ptr<Conversion> MakeConversion(const Options& options, const text::Text& source, RunTargets& targets,
+                                           const platform::SourceOpener& openSource) {
+  if (options.complete) return std::make_unique<CompleteConversion>(options, source, openSource);
+  return std::make_unique<FieldConversion>(options, source, targets, openSource);
+}
+
 /// Everything of one call of the program that the parts of its work share.
-class Conversion {
+class ConvertCommand {
  public:
-  Conversion(const Options& options, const platform::SourceOpener& openSource)
+  ConvertCommand(const Options& options, const platform::SourceOpener& openSource)
       : options_(options),
         progress_(StyleOfTerminal(), WriteError),
-        console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError, [this] { CountFolders(); }),
-        outLook_(
-            state_, [this] { return targets_.MakeOutput(); }, openSource) {
-    state_.run.observer = &console_;
-    state_.run.smartScan = options.smart;
-    state_.codePage = options.codePage;
-    state_.sourcePath = FullPath(options.source);
-    state_.sourceFileName = text::FromFileName(std::filesystem::path(options.source).filename().string());
-    outLook_.logEnabled = options.log;
+        console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError,
+                 [this] { conversion_->BeforeClose(); }),
+        conversion_(MakeConversion(options, source_, targets_, openSource)) {
+    conversion_->Context().observer = &console_;
   }
 
   ExitCode Run() {
     if (const auto opened = targets_.Open(options_); !opened) {
-      console_.Say("velmora-convert: " + conversion::CauseOf(opened.error()));
+      Complain(conversion::CauseOf(opened.error()));
       return ExitCode::kNoOutput;
     }
     const ExitCode code = RunSteps();
@@ -69,20 +68,21 @@ class Conversion {
   }
 
  private:
+  void Complain(std::string_view what) { console_.Say(fmt::format("velmora-convert: {}", what)); }
+
   ExitCode RunSteps() {
-    const text::Text destination = FullPath(options_.destination);
-    state_.destinationPath = options_.dryRun ? targets_.TemporaryFolder() : destination;
-    if (!options_.dryRun && !conversion::HasEnoughFreeSpace(destination, state_.sourcePath)) {
+    engine::RunContext& run = conversion_->Context();
+    if (!options_.dryRun && !conversion::HasEnoughFreeSpace(destination_, source_)) {
       ended_ = engine::Notice{engine::NoticeKind::kNotEnoughSpace, {}, {}};
-      state_.run.Say(*ended_);
+      run.Say(*ended_);
       return ExitCodeOf(ended_->kind);
     }
     const platform::StopSignals signals([](void* control) { static_cast<engine::RunControl*>(control)->RequestStop(); },
-                                        &state_.run.control);
-    const conversion::RunEnd end = conversion::RunConversion(outLook_, state_);
+                                        &run.control);
+    const conversion::RunEnd end = conversion_->Run(options_.dryRun ? targets_.TemporaryFolder() : destination_);
     ended_ = console_.LastError();
     if (ended_) {
-      if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + conversion::CauseOf(ended_->cause));
+      if (!ended_->cause.message.empty()) Complain(conversion::CauseOf(ended_->cause));
       const ExitCode code = ExitCodeOf(ended_->kind);
       // Nobody knows whether a store is valid that could not be read.
       return code == ExitCode::kNotValid && ReportReadFailure() ? ExitCode::kInputOutput : code;
@@ -93,36 +93,31 @@ class Conversion {
     }
     if (!console_.IsDone()) return ExitCode::kAborted;
     ReportReadFailure();
-    return outLook_.Report().recovery.lost.empty() ? ExitCode::kDone : ExitCode::kLosses;
+    for (const std::string& complaint : conversion_->Complaints()) Complain(complaint);
+    return conversion_->CodeOfDone();
   }
 
   /// Names the first read of the source that failed; false where none did.
   bool ReportReadFailure() {
-    if (!outLook_.Report().readFailure) return false;
-    const platform::Failure& failure = *outLook_.Report().readFailure;
-    console_.Say(
-        fmt::format("velmora-convert: reading failed: {} at {}: {}", failure.object, failure.offset, failure.message));
+    const auto& failure = conversion_->ReadFailure();
+    if (!failure) return false;
+    Complain(fmt::format("reading failed: {} at {}: {}", failure->object, failure->offset, failure->message));
     return true;
   }
 
   std::string StopText() const {
-    if (options_.dryRun || state_.logPath.empty()) return "Stopped. No store was written.";
-    return "Stopped. Recovered at: " + text::ToUtf8(state_.destinationPath);
+    if (options_.dryRun || !conversion_->HasStore()) return "Stopped. No store was written.";
+    return "Stopped. Recovered at: " + text::ToUtf8(conversion_->Destination());
   }
 
   /// Result, report and trace; a file that cannot be written is a failure of its own.
   ExitCode Finish(ExitCode code) {
     bool written = true;
     const auto note = [&](const platform::Failure& failure) {
-      console_.Say("velmora-convert: " + conversion::CauseOf(failure));
+      Complain(conversion::CauseOf(failure));
       written = false;
     };
-    const auto& left = outLook_.Report().left;
-    if ((console_.IsDone() || left) && !options_.quiet) {
-      const std::string result = (left ? ContentsText(state_.convertedName, left->contents)
-                                       : ResultText(options_.dryRun ? text::Text() : state_.destinationPath,
-                                                    state_.convertedName, contents_)) +
-                                 LossText(outLook_.Report().recovery, options_.report);
+    if (const std::string result = options_.quiet ? "" : conversion_->Result(console_.IsDone()); !result.empty()) {
       const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
       if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
     }
@@ -133,34 +128,30 @@ class Conversion {
 
   std::string Report() {
     ReportFrame frame;
-    frame.source = state_.sourcePath;
-    frame.destination = targets_.Shown(state_.destinationPath, FullPath(options_.destination));
+    frame.source = source_;
+    const text::Text made = conversion_->Destination();
+    frame.destination = made.empty() ? destination_ : targets_.Shown(made, destination_);
     if (ended_) frame.refusal = conversion::TextOf(*ended_).text;
     frame.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
     frame.peakRssKiB = platform::PeakRssKiB();
-    return ReportJson(frame, outLook_.Report());
-  }
-
-  void CountFolders() {
-    if (state_.run.runAborted || !outLook_.Session() || state_.logPath.empty()) return;
-    contents_ = conversion::CountStore(*outLook_.Session(), state_.convertedName, state_.logPath);
+    return conversion_->Report(frame);
   }
 
   const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
   const Options& options_;
+  const text::Text source_ = FullPath(options_.source);
+  const text::Text destination_ = FullPath(options_.destination);
   RunTargets targets_;
   Progress progress_;
   Console console_;
-  conversion::RunState state_;
-  conversion::COutLook outLook_;
+  const std::unique_ptr<Conversion> conversion_;
   std::optional<engine::Notice> ended_;  ///< what the run ended with before it was done
-  conversion::StoreContents contents_;
 };
 
 }  // namespace
 
 ExitCode Convert(const Options& options, const platform::SourceOpener& openSource) {
-  return Conversion(options, openSource).Run();
+  return ConvertCommand(options, openSource).Run();
 }
 
 }  // namespace velmora::cli

@@ -28,12 +28,12 @@ struct ExitCodeRow {
 inline constexpr ExitCodeRow kExitCodes[] = {
     {ExitCode::kDone, "done"},
     {ExitCode::kAborted, "the run was aborted"},
-    {ExitCode::kLosses, "done with losses: the report's \"lost\" is not empty"},
+    {ExitCode::kLosses, "done with losses, which the report lists"},
     {ExitCode::kUsage, "wrong usage"},
     {ExitCode::kNotValid, "the source is not a valid store"},
     {ExitCode::kNoSource, "the source cannot be opened"},
     {ExitCode::kNoOutput, "the output cannot be made"},
-    {ExitCode::kInputOutput, "reading or writing failed"},
+    {ExitCode::kInputOutput, "reading or writing failed, or --verify found a difference"},
     {ExitCode::kStopped, "stopped by Ctrl-C"},
 };
 

@@ -15,6 +15,8 @@ constexpr std::string_view kExamples = R"(Examples:
       /home/me/mail/outlook Converted0/outlook Converted.pst
   velmora-convert --smart --report report.json damaged.pst out
       also recovers messages that nothing in the store refers to, and says what was found
+  velmora-convert --complete --verify outlook.ost out
+      copies everything whole, and compares the new store with outlook.ost
   velmora-convert --dry-run --report - backup.ost out
       writes no store: only says what a conversion would find
 )";
@@ -26,6 +28,9 @@ Reads SOURCE, a store of Outlook (.ost or .pst), sound or damaged, and writes wh
 in a new folder under DESTINATION_FOLDER. SOURCE is only read. Nothing that exists is overwritten.
 
 Options:
+  --complete         copy folders and items whole, with everything in them, in place of field by field
+  --hidden           with --complete: hidden items too (rules, views, settings)
+  --verify           with --complete: read the new store back and compare it with SOURCE
   --smart            Smart Scan: read every block, and recover messages without a node as well
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
   --report FILE      write a JSON report of the run ("-" for standard output)
@@ -60,6 +65,9 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   app.set_help_flag();
   app.add_flag("--help", help);
   app.add_flag("--version", version);
+  app.add_flag("--complete", options.complete);
+  app.add_flag("--hidden", options.hidden);
+  app.add_flag("--verify", options.verify);
   app.add_flag("--smart", options.smart);
   app.add_option("--codepage", codePage);
   app.add_option("--report", options.report);
@@ -83,6 +91,11 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   if (version) return Answer{ExitCode::kDone, fmt::format("velmora-convert {}\n", kVersion)};
   if (options.source.empty()) return mistake("SOURCE is required");
   if (options.destination.empty()) return mistake("DESTINATION_FOLDER is required");
+  if (options.complete && options.smart) return mistake("--smart cannot go with --complete");
+  if (options.complete && !options.trace.empty()) return mistake("--trace cannot go with --complete");
+  if (!options.complete && options.hidden) return mistake("--hidden needs --complete");
+  if (!options.complete && options.verify) return mistake("--verify needs --complete");
+  if (options.dryRun && options.verify) return mistake("--verify cannot go with --dry-run, which writes no store");
   if (!codePage.empty()) {
     const auto found = text::CodePage::Find(codePage);
     if (!found) return mistake(fmt::format("--codepage: no code page is called '{}'", codePage));

@@ -13,6 +13,9 @@ struct Options {
   std::string source;
   std::string destination;
   bool smart = false;
+  bool complete = false;  ///< whole objects in place of fields
+  bool hidden = false;
+  bool verify = false;
   text::CodePage codePage = text::CodePage::Lossless();
   std::string report;  ///< empty: none; "-": standard output
   std::string trace;   ///< empty: none

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "cli/plain_words.h"
+
 namespace velmora::cli {
 namespace {
 
@@ -31,6 +33,7 @@ std::string_view StageCaption(std::uint32_t stage) {
 
 void Progress::OnStage(std::uint32_t stage) {
   caption_ = StageCaption(stage);
+  copied_.clear();
   if (style_.bar) return Draw();
   if (caption_.empty()) return;
   write_(fmt::format("{}\n", caption_));
@@ -43,18 +46,23 @@ void Progress::OnPercentage(std::uint32_t percentage) {
   if (style_.bar) return Draw();
   const auto now = std::chrono::steady_clock::now();
   if (now - lastLine_ < kBetweenLines) return;
-  write_(fmt::format("{}%\n", percentage_));
+  write_(fmt::format("{}%{}{}\n", percentage_, copied_.empty() ? "" : ": ", copied_));
   lastLine_ = now;
+}
+
+void Progress::OnCopied(const engine::ItemsCopied& copied) {
+  copied_ = fmt::format("{} of {} items, {}", copied.items, copied.itemsTotal, SizeText(copied.bytes));
 }
 
 void Progress::Draw() {
   const int filled = static_cast<int>(percentage_) * kBarWidth / 100;
   const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
                           std::string(static_cast<std::size_t>(kBarWidth - filled), '.');
-  // "[" bar "] 100% " before the caption; the last column stays free, so that no terminal wraps.
+  // "[" bar "] 100% " before the words; the last column stays free, so that no terminal wraps.
   const int room = std::max(0, style_.columns - kBarWidth - 9);
+  const std::string_view words = copied_.empty() ? caption_ : std::string_view(copied_);
   write_(fmt::format("\r\033[K[{}{}{}] {:3}% {}", style_.color ? "\033[32m" : "", bar, style_.color ? "\033[0m" : "",
-                     percentage_, caption_.substr(0, static_cast<std::size_t>(room))));
+                     percentage_, words.substr(0, static_cast<std::size_t>(room))));
   drawn_ = true;
 }
 

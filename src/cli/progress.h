@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "conversion/notices.h"
+
 namespace velmora::cli {
 
 /// The caption of a stage; empty for the one that has none.
@@ -26,6 +28,8 @@ class Progress {
   void OnStage(std::uint32_t stage);
   /// A percentage above 100 is passed over.
   void OnPercentage(std::uint32_t percentage);
+  /// Shown with the next percentage.
+  void OnCopied(const engine::ItemsCopied& copied);
 
   /// Takes the bar away, so that something else can be written.
   void Clear();
@@ -36,6 +40,7 @@ class Progress {
   ProgressStyle style_;
   Write write_;
   std::string_view caption_;
+  std::string copied_;  ///< in this stage
   std::uint32_t percentage_ = 0;
   bool drawn_ = false;
   std::chrono::steady_clock::time_point lastLine_{};

@@ -1,45 +1,12 @@
 #include "cli/report_json.h"
 
 #include <algorithm>
-#include <iterator>
-#include <nlohmann/json.hpp>
-#include <optional>
-#include <string_view>
-#include <utility>
 
+#include "cli/json_text.h"
 #include "cli/result_text.h"
 
 namespace velmora::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-const char* NameOf(engine::StoreKind kind) {
-  switch (kind) {
-    case engine::StoreKind::kPst:
-      return "pst";
-    case engine::StoreKind::kOst:
-      return "ost";
-    case engine::StoreKind::kPab:
-      return "pab";
-    case engine::StoreKind::kNone:
-      break;
-  }
-  return "";
-}
-
-Json NameOf(const std::optional<FormatId>& format) {
-  if (!format) return nullptr;
-  switch (*format) {
-    case FORMAT_ANSI:
-      return "ansi";
-    case FORMAT_UNICODE:
-      return "unicode";
-    case FORMAT_UNICODE_4K:
-      return "unicode4k";
-  }
-  return nullptr;
-}
 
 struct SkipRow {
   recovery::SkipReason reason;
@@ -85,35 +52,6 @@ Json LostOf(const recovery::LostObject& object) {
           {"reason", text::ToUtf8(object.reason)}};
 }
 
-/// Puts the object together field by field and the long lists element by element, a line each: as one tree of
-/// values they would take many times the memory of the text.
-class ReportText {
- public:
-  void Add(std::string_view name, const Json& value) { Begin(name).append(value.dump()); }
-
-  template <class Elements, class Form>
-  void AddList(std::string_view name, const Elements& elements, Form form, const std::optional<Json>& last = {}) {
-    Begin(name).push_back('[');
-    const char* separator = "\n    ";
-    const auto add = [&](const Json& element) {
-      text_.append(separator).append(element.dump());
-      separator = ",\n    ";
-    };
-    for (const auto& element : elements) add(form(element));
-    if (last) add(*last);
-    text_.push_back(']');
-  }
-
-  std::string Finish() { return std::move(text_.append("\n}\n")); }
-
- private:
-  std::string& Begin(std::string_view name) {
-    return text_.append(text_.empty() ? "{\n  \"" : ",\n  \"").append(name).append("\": ");
-  }
-
-  std::string text_;
-};
-
 }  // namespace
 
 std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& report) {
@@ -127,11 +65,8 @@ std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& re
                   {"reason", std::to_string(recovery.lostNotListed) + " more, not listed"}};
   }
 
-  ReportText json;
-  json.Add("source", text::ToUtf8(frame.source));
-  json.Add("destination", text::ToUtf8(frame.destination));
-  json.Add("storeKind", NameOf(report.storeKind));
-  json.Add("format", NameOf(report.format));
+  JsonText json;
+  json.AddStores(frame, report.storeKind, report.format);
   json.Add("nodeCount", report.nodeCount);
   json.Add("blockRecordCount", report.blockRecordCount);
   json.Add("orphanBlockCount", report.orphanBlockCount);
@@ -142,10 +77,7 @@ std::string ReportJson(const ReportFrame& frame, const conversion::RunReport& re
   json.Add("embedded", recovery.embedded);
   json.Add("skipped", SkippedOf(recovery));
   json.AddList("lost", recovery.lost, LostOf, beyond);
-  json.Add("refusal", frame.refusal.empty() ? Json(nullptr) : Json(text::ToUtf8(frame.refusal)));
-  json.Add("seconds", frame.seconds);
-  json.Add("peakRssKiB", frame.peakRssKiB);
-  return json.Finish();
+  return json.Finish(frame);
 }
 
 }  // namespace velmora::cli

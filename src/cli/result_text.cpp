@@ -19,10 +19,19 @@ std::string LossText(const recovery::RecoveryReport& report, std::string_view re
   }
   if (report.lostNotListed != 0) named += fmt::format("{}{} more", named.empty() ? "" : ", and ", report.lostNotListed);
 
-  std::string how = fmt::format("The report lists what is lost: {}", reportPath);
-  if (reportPath.empty()) how = "With --report FILE a report lists what is lost.";
-  if (reportPath == "-") how = "The report on standard output lists what is lost.";
-  return fmt::format("\nLost or not whole: {}.\n{}\n", named, how);
+  return fmt::format("\nLost or not whole: {}.\n{}\n", named, WayToTheLosses(reportPath));
+}
+
+std::string WayToTheLosses(std::string_view reportPath) {
+  if (reportPath.empty()) return "With --report FILE a report lists what is lost.";
+  if (reportPath == "-") return "The report on standard output lists what is lost.";
+  return fmt::format("The report lists what is lost: {}", reportPath);
+}
+
+std::string DoneText(text::TextView destination) {
+  return "OST file conversion completed.\n" +
+         (destination.empty() ? "Dry run: no store was written." : "Recovered at: " + text::ToUtf8(destination)) +
+         "\n\n";
 }
 
 std::string ContentsText(text::TextView storeName, const conversion::StoreContents& contents) {
@@ -38,10 +47,7 @@ std::string ContentsText(text::TextView storeName, const conversion::StoreConten
 
 std::string ResultText(text::TextView destination, text::TextView storeName,
                        const conversion::StoreContents& contents) {
-  std::string text = "OST file conversion completed.\n";
-  text += destination.empty() ? std::string("Dry run: no store was written.")
-                              : "Recovered at: " + text::ToUtf8(destination);
-  return text + "\n\n" + ContentsText(storeName, contents);
+  return DoneText(destination) + ContentsText(storeName, contents);
 }
 
 }  // namespace velmora::cli

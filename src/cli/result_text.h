@@ -40,6 +40,12 @@ std::string ContentsText(text::TextView storeName, const conversion::StoreConten
 /// `reportPath` is the value of the option: empty when there is no report.
 std::string LossText(const recovery::RecoveryReport& report, std::string_view reportPath);
 
+/// How to see one by one what is lost.
+std::string WayToTheLosses(std::string_view reportPath);
+
+/// That a conversion is complete, and where the new store is. `destination` empty: nothing was written.
+std::string DoneText(text::TextView destination);
+
 /// `destination` empty: nothing was written.
 std::string ResultText(text::TextView destination, text::TextView storeName, const conversion::StoreContents& contents);
 

@@ -27,9 +27,9 @@ enum class NodeFate : std::size_t {
   kDeletedWritten,
   kHidden,        ///< an associated message, which was not asked for
   kSearchFolder,  ///< a search folder or what belongs to one: it holds nothing of its own
-  kInternal,      ///< of the store itself (tables, queues, its name map, folders without a message that nobody sees): made
-                  ///< anew or not needed
-  kUnreadable,    ///< live, and nothing of it could be read
+  kInternal,  ///< of the store itself (tables, queues, its name map, folders without a message that nobody sees): made
+              ///< anew or not needed
+  kUnreadable,  ///< live, and nothing of it could be read
 };
 inline constexpr std::size_t kNodeFates = 9;
 
@@ -93,9 +93,9 @@ struct Account {
   std::map<text::Text, ItemCounts> items;  ///< by message class
   std::uint64_t folders = 0;               ///< of the source that are in the new store
   std::uint64_t recipients = 0;
-  std::uint64_t attachments = 0;  ///< with those of embedded messages
-  std::uint64_t embedded = 0;     ///< messages in attachments
-  std::uint64_t bytes = 0;        ///< of values that were copied
+  std::uint64_t attachments = 0;     ///< with those of embedded messages
+  std::uint64_t embedded = 0;        ///< messages in attachments
+  std::uint64_t bytes = 0;           ///< of values that were copied
   std::uint64_t undefinedBytes = 0;  ///< of 8-bit texts, in no place of their code page: kept one by one
 
   std::vector<Loss> losses;

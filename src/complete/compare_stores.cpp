@@ -29,6 +29,15 @@ constexpr int kMostCompared = 64;  ///< messages in messages, parts in parts
 
 using Subnodes = std::vector<ndb::SubnodeEntry>;
 
+/// What an object of the new store has though the source may not: sizes and counts, and what every one must have.
+constexpr std::uint16_t kMade[] = {
+    IdOf(tag::kMessageClass),        IdOf(tag::kMessageFlags),      IdOf(tag::kMessageSize),
+    IdOf(tag::kAttachSize),          IdOf(tag::kDisplayName),       IdOf(tag::kCreationTime),
+    IdOf(tag::kSearchKey),           IdOf(tag::kContentCount),      IdOf(tag::kContentUnreadCount),
+    IdOf(tag::kSubfolders),          IdOf(tag::kPstHiddenCount),    IdOf(tag::kPstHiddenUnread),
+    IdOf(tag::kAttachMethod),        IdOf(tag::kRenderingPosition), IdOf(tag::kInternetCodepage),
+    IdOf(tag::kLastModificationTime)};
+
 /// A message, folder or attachment in both stores.
 struct Pair {
   Nid source{};
@@ -42,7 +51,8 @@ class StoreComparison {
  public:
   StoreComparison(const engine::ScannedStore& found, const platform::ByteSource& target, const CopyOptions& options,
                   engine::RunContext& run, Account& account)
-      : run_(run),
+      : options_(options),
+        run_(run),
         account_(account),
         source_(found, evidence_),
         sourceNames_(source_),
@@ -51,9 +61,8 @@ class StoreComparison {
         target_(ValueOrRaise(ndb::StoreReader::Open(target))),
         references_(plan_.RecordKey(), TargetKey(), [this](Nid nid) { return TargetOf(nid); }) {
     for (const Loss& loss : account_.losses) losses_.emplace(loss.source, &loss);
-    SourceNames(*target_).ForEach([this](std::uint16_t id, const messaging::AnyPropertyName& name) {
-      targetIds_.emplace(name, id);
-    });
+    SourceNames(*target_).ForEach(
+        [this](std::uint16_t id, const messaging::AnyPropertyName& name) { targetIds_.emplace(name, id); });
   }
 
   void Run() {
@@ -85,7 +94,8 @@ class StoreComparison {
   messaging::Uid TargetKey() const {
     messaging::Uid key{};
     const auto node = target_->FindNode(nid::kMessageStore);
-    auto store = node ? ltp::PropertyContext::Open(*target_, node->trees) : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+    auto store = node ? ltp::PropertyContext::Open(*target_, node->trees)
+                      : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
     const auto bytes = store ? store->Binary(tag::kRecordKey) : std::nullopt;
     if (bytes && bytes->size() == key.size()) std::ranges::copy(*bytes, key.begin());
     return key;
@@ -120,7 +130,8 @@ class StoreComparison {
     const Pair pair{node.nid, *target, loss};
     const SourceFolder* parent = plan_.ParentOf(*folder);
     const auto written = target_->FindNode(*target);
-    if (parent != nullptr && TargetOf(parent->nid) != written->nidParent) Note(pair, "the folder stands in another one");
+    if (parent != nullptr && TargetOf(parent->nid) != written->nidParent)
+      Note(pair, "the folder stands in another one");
     try {
       auto from = ValueOrRaise(ltp::PropertyContext::Open(source_, node.trees, &faults_));
       auto to = ValueOrRaise(ltp::PropertyContext::Open(*target_, written->trees));
@@ -135,7 +146,10 @@ class StoreComparison {
     const auto target = TargetOf(node.nid);
     const auto written = target ? target_->FindNode(*target) : std::nullopt;
     if (!written || TypeOf(*target) != TypeOf(node.nid)) {
-      if (loss == nullptr && TypeOf(node.nid) == NidType::kNormalMessage && account_.lossesNotListed == 0) {
+      const SourceFolder* folder = plan_.Find(node.nidParent);
+      const bool isHiddenAndWanted = options_.hidden && folder != nullptr && folder->isCopied;
+      const bool isWanted = TypeOf(node.nid) == NidType::kNormalMessage || isHiddenAndWanted;
+      if (loss == nullptr && isWanted && account_.lossesNotListed == 0) {
         Note({node.nid}, "the message is not in the new store");
       }
       return;
@@ -186,9 +200,13 @@ class StoreComparison {
 
   void CompareProperties(const Pair& pair, ltp::PropertyContext& from, ltp::PropertyContext& to, Owner owner,
                          const text::CodePage& page) {
+    std::set<std::uint16_t> expectedIds(std::begin(kMade), std::end(kMade));
     for (const PropertyRecord& record : from.Records()) {
       const PropTag tag = record.Tag();
-      if (IsLeftOut(IdOf(tag), owner) || tag == tag::kAttachDataObject || IsMissing(pair, tag)) continue;
+      if (tag == tag::kAttachDataObject) expectedIds.insert(IdOf(tag));
+      if (IsLeftOut(IdOf(tag), owner) || tag == tag::kAttachDataObject) continue;
+      if (const auto targetTag = TargetTag(tag)) expectedIds.insert(IdOf(*targetTag));
+      if (IsMissing(pair, tag)) continue;
       if (owner == kFolder && IdOf(tag) == IdOf(tag::kDisplayName)) {
         CompareName(pair, from, to, tag, page);
         continue;
@@ -210,6 +228,9 @@ class StoreComparison {
       const bool isFlags = tag == tag::kMessageFlags && expected.size() == 4 && written.size() == 4;
       if (isFlags) expected[0] = (expected[0] & ~kComputedFlags) | (written[0] & kComputedFlags);
       if (expected != written) Note(pair, name + " has another value");
+    }
+    for (const PropertyRecord& record : to.Records()) {
+      if (!expectedIds.contains(record.wPropId)) Note(pair, NameOf(record.Tag()) + " is not the source's");
     }
   }
 
@@ -331,7 +352,8 @@ class StoreComparison {
     for (const auto& [folder, count] : held) {
       if (countIn_[folder] != count) Note({{}, folder}, "the folder holds messages that are not the source's");
       const auto node = target_->FindNode(folder);
-      auto context = node ? ltp::PropertyContext::Open(*target_, node->trees) : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+      auto context = node ? ltp::PropertyContext::Open(*target_, node->trees)
+                          : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
       if (!context) {
         Note({{}, folder}, "the folder cannot be read");
         continue;
@@ -346,6 +368,7 @@ class StoreComparison {
   /// Has attachments, is hidden: what the writer knows better.
   static constexpr std::byte kComputedFlags{messaging::kMessageHasAttachments | messaging::kMessageAssociated};
 
+  const CopyOptions& options_;
   engine::RunContext& run_;
   Account& account_;
   Evidence evidence_;

@@ -6,6 +6,7 @@
 
 #include "complete/folder_copier.h"
 #include "complete/message_copier.h"
+#include "complete/value_form.h"
 #include "engine/content_allowance.h"
 #include "engine/node_versions.h"
 #include "store/format/property_tags.h"
@@ -23,9 +24,7 @@ constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
 /// The highest indexes stay free for the nodes that the new store makes itself.
 constexpr std::uint32_t kLastKeptIndex = kMaxNidIndex - (1u << 20);
 
-bool IsMessage(Nid nid) {
-  return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
-}
+bool IsMessage(Nid nid) { return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage; }
 
 bool KeepsId(Nid nid) { return IndexOf(nid) >= kFirstFreeNidIndex && IndexOf(nid) <= kLastKeptIndex; }
 
@@ -67,26 +66,34 @@ class StoreCopy {
   }
 
   void Run() {
+    run_.BeginStage(4);
+    CountOldNodes();
+    run_.BeginStage(8);
     KeepIdsApart();
     folders_.CopyAll();
-    std::uint64_t count = 0;
-    std::uint64_t done = 0;
-    for (const ndb::NodeEntry& node : source_.Nodes()) count += IsMessage(node.nid) ? 1 : 0;
+    engine::ItemsCopied progress;
+    for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (!IsMessage(node.nid)) continue;
       run_.control.PausePoint();
-      run_.SayProgress(++done * 100 / count);
+      run_.SayCopied(progress);
       CopyMessage(node);
+      ++progress.items;
+      progress.bytes = account_.bytes;
     }
-    CountNodes();
+    run_.SayCopied(progress);
+    for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
   }
 
  private:
   /// So that ids which the new store gives itself never meet one that an object has brought along.
   void KeepIdsApart() {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
-      const bool isFolder = TypeOf(node.nid) == NidType::kNormalFolder;
-      if ((isFolder || IsMessage(node.nid)) && KeepsId(node.nid)) target_.Ndb().NoteNid(node.nid);
+      if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
+    }
+    for (const ndb::NodeEntry& node : source_.Nodes()) {
+      if (!IsMessage(node.nid) || KeepsId(node.nid) || !IsCopied(node)) continue;
+      account_.newIds.emplace(node.nid, target_.Ndb().NewNid(TypeOf(node.nid)));
     }
   }
 
@@ -95,12 +102,31 @@ class StoreCopy {
     if (const SourceFolder* folder = plan_.Find(nid)) {
       return folder->target != nullptr ? std::optional(folder->target->nid) : std::nullopt;
     }
-    if (!IsMessage(nid) || !KeepsId(nid) || !source_.FindNode(nid)) return std::nullopt;
-    return nid;
+    const auto node = source_.FindNode(nid);
+    return node && IsCopied(*node) ? std::optional(TargetIdOf(nid)) : std::nullopt;
+  }
+
+  Nid TargetIdOf(Nid message) const {
+    const auto renamed = account_.newIds.find(message);
+    return renamed != account_.newIds.end() ? renamed->second : message;
+  }
+
+  bool IsCopied(const ndb::NodeEntry& node) {
+    const SourceFolder* folder = plan_.Find(IsMessage(node.nid) ? node.nidParent : node.nid);
+    switch (TypeOf(node.nid)) {
+      case NidType::kNormalFolder:
+        return folder->isCopied;
+      case NidType::kNormalMessage:
+        return true;
+      case NidType::kAssocMessage:  // that of a folder which stays behind is of use to nobody
+        return folder != nullptr && folder->isCopied && IsWanted(node);
+      default:
+        return false;
+    }
   }
 
   bool IsWanted(const ndb::NodeEntry& node) {
-    if (TypeOf(node.nid) != NidType::kAssocMessage || options_.hidden) return true;
+    if (options_.hidden) return true;
     ndb::Faults faults;
     auto context = ltp::PropertyContext::Open(source_, node.trees, &faults);
     if (!context) return false;
@@ -119,9 +145,7 @@ class StoreCopy {
 
   void CopyMessage(const ndb::NodeEntry& node) {
     const bool isHidden = TypeOf(node.nid) == NidType::kAssocMessage;
-    const SourceFolder* const of = plan_.Find(node.nidParent);
-    // Hidden messages of a folder that stays behind are of use to nobody.
-    if (isHidden && (of == nullptr || of->target == nullptr || !IsWanted(node))) {
+    if (!IsCopied(node)) {
       fates_[node.nid] = NodeFate::kHidden;
       return;
     }
@@ -130,34 +154,65 @@ class StoreCopy {
     std::optional<CopiedMessage> copied;
     try {
       copied = messages_.Copy(node.trees);
-      const PropertyBag& properties = copied->message.properties;
-      loss.messageClass = TextIn(properties, tag::kMessageClass);
-      loss.subject = SubjectIn(properties);
-      loss.sender = TextIn(properties, tag::kSenderName);
-      if (loss.sender.empty()) loss.sender = TextIn(properties, tag::kSentRepresentingName);
-      loss.date = DateIn(properties);
+      Describe(copied->message.properties, loss);
       loss.missing = std::move(copied->missing);
       Folder& folder = FolderOf(node);
       loss.folder = PathOf(folder);
       copied->message.isAssociated = isHidden;
-      loss.target = target_.Save(std::move(copied->message), folder, KeepsId(node.nid) ? std::optional(node.nid) : std::nullopt);
+      loss.target = target_.Save(std::move(copied->message), folder, TargetIdOf(node.nid));
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
+      NameByRow(node, loss);
     }
-    if (loss.target && *loss.target != node.nid) account_.newIds.emplace(node.nid, *loss.target);
     const bool isWhole = loss.target && loss.missing.empty();
     if (!isHidden) {
       ItemCounts& counts = account_.items[loss.messageClass];
       ++counts.live;
       ++(isWhole ? counts.whole : loss.target ? counts.partial : counts.lost);
     }
-    fates_[node.nid] = isWhole ? NodeFate::kWritten : loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
-    if (!isWhole) account_.AddLoss(std::move(loss));
+    if (isWhole) return;
+    fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
+    account_.AddLoss(std::move(loss));
+  }
+
+  /// What the table of its folder tells of a message that cannot be read.
+  void NameByRow(const ndb::NodeEntry& node, Loss& loss) {
+    const SourceFolder* folder = plan_.Find(node.nidParent);
+    if (loss.folder.empty() && folder != nullptr && folder->target != nullptr) loss.folder = PathOf(*folder->target);
+    if (!loss.messageClass.empty()) return;
+    const auto tableNode = source_.FindNode(Sibling(node.nidParent, NidType::kContentsTable));
+    if (!tableNode) return;
+    ndb::Faults faults(tableNode->nid);
+    auto table = ltp::TableContext::Open(source_, tableNode->trees, &faults);
+    const auto row = table ? table->FindRow(Value(node.nid)) : std::nullopt;
+    if (!row) return;
+    PropertyBag properties;
+    PropertyCopier copier(tools_);
+    for (const ltp::Column& column : table->Columns()) {
+      const auto cell = IdOf(column.tag) < name_map::kFirstNamedId ? table->Cell(*row, column.tag) : std::nullopt;
+      try {
+        if (cell && *cell) copier.Put(column.tag, TargetForm(column.tag), **cell, pages_.OfStore(), properties);
+      } catch (const FailureError&) {
+        // The others name it as well.
+      }
+    }
+    Describe(properties, loss);
+  }
+
+  static void Describe(const PropertyBag& properties, Loss& loss) {
+    loss.messageClass = TextIn(properties, tag::kMessageClass);
+    loss.subject = SubjectIn(properties);
+    loss.sender = TextIn(properties, tag::kSenderName);
+    if (loss.sender.empty()) loss.sender = TextIn(properties, tag::kSentRepresentingName);
+    loss.date = DateIn(properties);
   }
 
   NodeFate FateOfLive(const ndb::NodeEntry& node) {
     if (const auto fate = fates_.find(node.nid); fate != fates_.end()) return fate->second;
     switch (TypeOf(node.nid)) {
+      case NidType::kNormalMessage:
+      case NidType::kAssocMessage:
+        return NodeFate::kWritten;
       case NidType::kNormalFolder: {
         const SourceFolder* folder = plan_.Find(node.nid);
         return folder->target != nullptr ? NodeFate::kWritten : NodeFate::kInternal;
@@ -165,26 +220,26 @@ class StoreCopy {
       case NidType::kSearchFolder:
       case NidType::kSearchUpdateQueue:
       case NidType::kSearchCriteriaObject:
-      case NidType::kSearchContentsTable:
-        return NodeFate::kSearchFolder;
+      case NidType::kSearchContentsTable:  // or the template of all of them
+        return source_.FindNode(Sibling(node.nid, NidType::kSearchFolder)) ? NodeFate::kSearchFolder
+                                                                           : NodeFate::kInternal;
       default:
         return NodeFate::kInternal;
     }
   }
 
-  /// Gives each node that some page names its one fate.
-  void CountNodes() {
+  void Count(NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; }
+
+  /// What pages name that is no longer so. A node that is not live counts as deleted once, whatever it was before.
+  void CountOldNodes() {
     const engine::NodeVersions found = engine::FindNodeVersions(source_.Found().source, source_.Format(), run_);
     account_.evidence.nodePages = found.pages;
-    const auto count = [&](NodeFate fate) { ++account_.nodes[static_cast<std::size_t>(fate)]; };
-    for (const ndb::NodeEntry& node : source_.Nodes()) count(FateOfLive(node));
-    const ndb::NodeEntry* last = nullptr;
+    Nid lastDead = kNoNid;
     for (const ndb::NodeEntry& entry : found.entries) {
       const auto live = source_.FindNode(entry.nid);
-      if (live && live->trees == entry.trees && live->nidParent == entry.nidParent) continue;
-      const bool isFirstOfDead = !live && (last == nullptr || last->nid != entry.nid);
-      count(isFirstOfDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
-      last = &entry;
+      if (live && *live == entry) continue;
+      Count(!live && entry.nid != lastDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
+      if (!live) lastDead = entry.nid;
     }
   }
 
@@ -201,7 +256,7 @@ class StoreCopy {
   CopyTools tools_;
   FolderCopier folders_;
   MessageCopier messages_;
-  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages
+  std::unordered_map<Nid, NodeFate> fates_;  ///< of messages that were not written whole
 };
 
 }  // namespace

@@ -14,10 +14,10 @@ struct CopyOptions {
   text::CodePage codePage = text::CodePage::Lossless();  ///< of 8-bit texts where nothing in the store tells
 };
 
-/// Copies folders and messages of `source` into `target`, an empty store. Says Progress (items, in percent) and passes
-/// a pause point ahead of each message. Whatever cannot be read is in the account, which is kept as the copy goes, so it
-/// holds what was done of a copy that ended early. Raises OutputFailure where `target` cannot be written and
-/// engine::RunStopped. `target` is not sealed.
+/// Copies folders and messages of `source` into `target`, an empty store. Says stages 4 (old pages) and 8 (items),
+/// ItemsCopied and Progress, and passes a pause point ahead of each message. Whatever cannot be read is in the account,
+/// which is kept as the copy goes, so it holds what was done of a copy that ended early. Raises OutputFailure where
+/// `target` cannot be written and engine::RunStopped. `target` is not sealed.
 void CopyStore(const engine::ScannedStore& source, messaging::StoreWriter& target, const CopyOptions& options,
                engine::RunContext& run, Account& account);
 

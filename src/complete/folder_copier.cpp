@@ -1,5 +1,10 @@
 #include "complete/folder_copier.h"
 
+#include <algorithm>
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
 #include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
 
@@ -35,23 +40,26 @@ void FolderCopier::CopyAll() {
   top->target = &tools_.target.Top();
   tools_.account.newIds.emplace(top->nid, top->target->nid);
   ++tools_.account.folders;
-  std::vector<SourceFolder*> next;
-  // Those beside the tree that people see hang under its top.
-  const auto addChildren = [&](SourceFolder& folder) {
-    for (auto child = folder.children.rbegin(); child != folder.children.rend(); ++child) {
-      if ((*child)->isCopied && plan_.ParentOf(**child) == &folder) next.push_back(*child);
-    }
-  };
-  for (auto folder = plan_.Folders().rbegin(); folder != plan_.Folders().rend(); ++folder) {
-    SourceFolder& beside = folder->second;
-    if (beside.isCopied && !beside.isInTree && plan_.ParentOf(beside) == top) next.push_back(&beside);
+  std::unordered_map<const SourceFolder*, std::vector<SourceFolder*>> below;
+  for (auto& [nid, folder] : plan_.Folders()) {
+    if (folder.isCopied && &folder != top) below[plan_.ParentOf(folder)].push_back(&folder);
   }
-  addChildren(*top);
-  while (!next.empty()) {
+  // Siblings by ascending id in the new store, where new ids follow all others, so that a copy of the copy is the same.
+  const auto placeOf = [this](const SourceFolder* folder) {
+    if (folder == plan_.DeletedItems()) return std::pair(false, OwnDeletedItems().nid);
+    return std::pair(!IsFree(folder->nid), folder->nid);
+  };
+  std::vector<SourceFolder*> next;
+  const auto addBelow = [&](const SourceFolder& folder) {
+    std::vector<SourceFolder*>& children = below[&folder];
+    std::ranges::sort(children, std::greater(), placeOf);
+    next.insert(next.end(), children.begin(), children.end());
+  };
+  for (addBelow(*top); !next.empty();) {
     SourceFolder& folder = *next.back();
     next.pop_back();
     Copy(folder);
-    if (folder.target != nullptr) addChildren(folder);
+    if (folder.target != nullptr) addBelow(folder);
   }
   for (const auto& [kind, nid] : plan_.Defaults().All()) {
     const SourceFolder* folder = plan_.Find(nid);
@@ -104,6 +112,10 @@ void FolderCopier::GiveFreeName(const Folder& parent, const Folder* self, Proper
   properties.PutBytes(tag::kDisplayName, ltp::EncodeText(candidate));
 }
 
+Folder& FolderCopier::OwnDeletedItems() const {
+  return *tools_.target.OfNid(tools_.target.Defaults().Of(DefaultFolder::kDeletedItems));
+}
+
 bool FolderCopier::IsFree(Nid nid) const {
   if (IndexOf(nid) < kFirstFreeNidIndex) return false;
   for (const NidType type : kTypesOfFolder) {
@@ -119,7 +131,7 @@ void FolderCopier::Copy(SourceFolder& folder) {
   tools_.allowance.BeginNode();
   try {
     if (&folder == plan_.DeletedItems()) {
-      folder.target = tools_.target.OfNid(tools_.target.Defaults().Of(DefaultFolder::kDeletedItems));
+      folder.target = &OwnDeletedItems();
       GiveFreeName(parent, folder.target, properties);
       tools_.target.SetProperties(*folder.target, std::move(properties));
     } else {
@@ -133,7 +145,9 @@ void FolderCopier::Copy(SourceFolder& folder) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }
   if (missing.empty()) return;
-  Loss loss{.source = folder.nid, .folder = PathOf(folder.target != nullptr ? *folder.target : parent), .subject = folder.name};
+  Loss loss{.source = folder.nid,
+            .folder = PathOf(folder.target != nullptr ? *folder.target : parent),
+            .subject = folder.name};
   if (folder.target != nullptr) loss.target = folder.target->nid;
   loss.missing = std::move(missing);
   tools_.account.AddLoss(std::move(loss));

@@ -24,6 +24,7 @@ class FolderCopier {
   void Copy(SourceFolder& folder);
   messaging::PropertyBag PropertiesOf(const SourceFolder& folder, Missing& missing);
   void GiveFreeName(const messaging::Folder& parent, const messaging::Folder* self, messaging::PropertyBag& properties);
+  messaging::Folder& OwnDeletedItems() const;
   bool IsFree(Nid nid) const;
 
   CopyTools& tools_;

@@ -49,7 +49,8 @@ SourceFolder* FolderPlan::Find(Nid nid) {
 }
 
 SourceFolder* FolderPlan::ParentOf(const SourceFolder& folder) const {
-  const bool staysBelow = folder.parent != nullptr && folder.parent->isCopied && folder.parent->isInTree == folder.isInTree;
+  const bool staysBelow =
+      folder.parent != nullptr && folder.parent->isCopied && folder.parent->isInTree == folder.isInTree;
   return staysBelow ? folder.parent : top_;
 }
 
@@ -132,9 +133,9 @@ void FolderPlan::FindTop(const LiveStore& source) {
   if (top_ == nullptr && isOffline) {
     top_ = Find(kOfflineTop);
     if (top_ != nullptr) {
-      for (const auto& [kind, nid] : {std::pair(DefaultFolder::kDeletedItems, kOfflineDeletedItems),
-                                      std::pair(DefaultFolder::kOutbox, kOfflineOutbox),
-                                      std::pair(DefaultFolder::kSentMail, kOfflineSentMail)}) {
+      for (const auto& [kind, nid] :
+           {std::pair(DefaultFolder::kDeletedItems, kOfflineDeletedItems),
+            std::pair(DefaultFolder::kOutbox, kOfflineOutbox), std::pair(DefaultFolder::kSentMail, kOfflineSentMail)}) {
         if (defaults_.Of(kind) == kNoNid && Find(nid) != nullptr) defaults_.Set(kind, nid);
       }
     }

@@ -39,8 +39,8 @@ constexpr LeftOut kLeftOut[] = {
     {0x3602, 0x3603, kFolder, "counts: computed of what is written"},
     {0x360A, 0x360A, kFolder, "has folders: computed of what is written"},
     {0x360E, 0x3611, kFolder, "tables as objects: they are nodes of their own"},
-    {0x36D0, 0x36DF, kFolder, "default folders by entry id: marked anew"},
-    {0x36E0, 0x36E4, kFolder, "folders and views by entry id in the old store"},
+    {0x36D0, 0x36D9, kFolder, "default folders by entry id: marked anew"},
+    {0x36E4, 0x36E4, kFolder, "folders of free and busy times by entry id in the old store"},
     {0x5D00, 0x5D00, kAll, "state of synchronisation"},
     {0x5D03, 0x5D04, kAll, "state of synchronisation"},
     {0x5D09, 0x5DFF, kAll, "state of synchronisation"},
@@ -48,16 +48,16 @@ constexpr LeftOut kLeftOut[] = {
     {0x661A, 0x6634, kAll, "of the store that held the object"},
     {0x6635, 0x6636, kFolder, "counts of hidden messages: computed of what is written"},
     {0x6637, 0x67FF, kAll, "of the store that held the object"},
-    {0x7C00, 0x7CFF, kObjects, "state of synchronisation"},
+    {0x7C00, 0x7C05, kObjects, "state of synchronisation"},
+    {0x7C0A, 0x7CFF, kObjects, "state of synchronisation; between them lists of categories and views keep their content"},
 };
 // clang-format on
 
 }  // namespace
 
 bool IsLeftOut(std::uint16_t id, Owner owner) {
-  return std::ranges::any_of(kLeftOut, [&](const LeftOut& row) {
-    return (row.owners & owner) != 0 && row.first <= id && id <= row.last;
-  });
+  return std::ranges::any_of(
+      kLeftOut, [&](const LeftOut& row) { return (row.owners & owner) != 0 && row.first <= id && id <= row.last; });
 }
 
 }  // namespace velmora::complete

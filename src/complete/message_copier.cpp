@@ -48,7 +48,8 @@ PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
   PropertyBag defaults;
   const auto html = MakeTag(IdOf(tag::kHtml), PropType::kString8);
   if (message.Find(IdOf(tag::kHtml)) != nullptr && message.Find(IdOf(tag::kHtml))->Tag() == html) {
-    defaults.PutInteger32(tag::kInternetCodepage, tools_.pages.Of(message).WindowsNumber());  // it was in that of the store
+    defaults.PutInteger32(tag::kInternetCodepage,
+                          tools_.pages.Of(message).WindowsNumber());  // it was in that of the store
   }
   const auto when = created ? static_cast<text::FileTime>(*created) : tools_.target.Now();
   defaults.PutText(tag::kMessageClass, kMailMessageClass);
@@ -115,7 +116,8 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
     out.message.recipients.push_back(CopyRow(*table, row, *from.page, kRecipient, missing));
   }
   tools_.account.recipients += out.message.recipients.size();
-  if (missing.empty() && from.faults.Count() != faultsBefore) missing.push_back({.cause = from.faults.List().back().cause});
+  if (missing.empty() && from.faults.Count() != faultsBefore)
+    missing.push_back({.cause = from.faults.List().back().cause});
   for (MissingPart& part : missing) {
     part.kind = MissingPart::Kind::kRecipients;
     out.missing.push_back(std::move(part));
@@ -131,57 +133,68 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
 
   std::optional<ltp::TableContext> rows;
   if (const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kAttachmentTable)) {
-    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults)) rows.emplace(std::move(*table));
+    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults))
+      rows.emplace(std::move(*table));
   }
-  std::size_t row = 0;
   // An attachment whose sub-node is lost is known by its row alone: what that tells of it comes across.
-  const auto copyRowsBefore = [&](std::uint32_t nid) {
+  const auto copyRow = [&](std::size_t row, const Failure& cause) {
+    Missing missing;
+    PropertyBag attachment = CopyRow(*rows, row, *from.page, kAttachment, missing);
+    out.missing.push_back({.kind = MissingPart::Kind::kAttachment,
+                           .name = NameOf(attachment),
+                           .size = static_cast<std::uint32_t>(rows->Integer32(row, tag::kAttachSize).value_or(0)),
+                           .cause = cause});
+    attachment.PutInteger32(tag::kAttachMethod, 0);
+    if (!attachment.Has(tag::kRenderingPosition)) attachment.PutInteger32(tag::kRenderingPosition, kNotInText);
+    out.message.attachments.push_back(std::move(attachment));
+  };
+  std::size_t row = 0;
+  const auto copyRowsBefore = [&](std::uint64_t nid) {
     for (; rows && row < rows->RowCount() && rows->RowId(row) < nid; ++row) {
-      Missing missing;
-      PropertyBag attachment = CopyRow(*rows, row, *from.page, kAttachment, missing);
-      out.missing.push_back({.kind = MissingPart::Kind::kAttachment,
-                             .name = NameOf(attachment),
-                             .size = static_cast<std::uint32_t>(rows->Integer32(row, tag::kAttachSize).value_or(0)),
-                             .cause = {FailureKind::kCorrupt, Named("sub-node", rows->RowId(row)), 0,
-                                       "the attachment's sub-node is not there"}});
-      attachment.PutInteger32(tag::kAttachMethod, 0);
-      if (!attachment.Has(tag::kRenderingPosition)) attachment.PutInteger32(tag::kRenderingPosition, kNotInText);
-      out.message.attachments.push_back(std::move(attachment));
+      copyRow(row, {FailureKind::kCorrupt, Named("sub-node", rows->RowId(row)), 0,
+                    "the attachment's sub-node is not there"});
     }
   };
   for (const ndb::SubnodeEntry* subnode : attachments) {
     copyRowsBefore(Value(subnode->nid));
-    if (rows && row < rows->RowCount() && rows->RowId(row) == Value(subnode->nid)) ++row;
+    const bool hasRow = rows && row < rows->RowCount() && rows->RowId(row) == Value(subnode->nid);
+    const std::size_t ownRow = row;
+    if (hasRow) ++row;
     if (!tools_.allowance.TakePart()) {
-      out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
+      out.missing.push_back(
+          {.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
       continue;
     }
-    out.message.attachments.push_back(CopyAttachment(from, *subnode, out.missing));
     ++tools_.account.attachments;
+    ndb::Faults faults(subnode->nid);
+    auto context = ltp::PropertyContext::Open(tools_.source, subnode->trees, &faults);
+    if (context) {
+      out.message.attachments.push_back(CopyAttachment(from, *context, faults, out.missing));
+    } else if (hasRow) {
+      copyRow(ownRow, context.error());
+    } else {
+      out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = context.error()});
+    }
   }
-  copyRowsBefore(UINT32_MAX);
+  copyRowsBefore(std::uint64_t{UINT32_MAX} + 1);
 }
 
-PropertyBag MessageCopier::CopyAttachment(Opened& from, const ndb::SubnodeEntry& subnode, Missing& missing) {
-  PropertyBag attachment;
+PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& context, const ndb::Faults& faults,
+                                          Missing& missing) {
   Missing ofThis;
-  ndb::Faults faults(subnode.nid);
+  for (const ndb::Fault& fault : faults.List()) ofThis.push_back({.cause = fault.cause});
+  PropertyBag defaults;
+  defaults.PutInteger32(tag::kAttachMethod, 0);
+  defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
+  PropertyBag attachment = properties_.Copy(context, kAttachment, *from.page, faults, defaults, ofThis);
   try {
-    auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, subnode.trees, &faults));
-    for (const ndb::Fault& fault : faults.List()) ofThis.push_back({.cause = fault.cause});
-    PropertyBag defaults;
-    defaults.PutInteger32(tag::kAttachMethod, 0);
-    defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
-    attachment = properties_.Copy(context, kAttachment, *from.page, faults, defaults, ofThis);
     CopyObject(context, from.depth, attachment, ofThis);
   } catch (const std::exception&) {
     ofThis.push_back({.cause = CauseOfLoss()});
-    attachment.PutInteger32(tag::kAttachMethod, 0);
-    attachment.PutInteger32(tag::kRenderingPosition, kNotInText);
   }
   for (MissingPart& part : ofThis) {
-    if (part.kind != MissingPart::Kind::kProperty) part.kind = MissingPart::Kind::kAttachment;
-    part.name = part.name.empty() ? NameOf(attachment) : part.name;
+    if (part.kind == MissingPart::Kind::kObject) part.kind = MissingPart::Kind::kAttachment;
+    if (part.name.empty()) part.name = NameOf(attachment);
     missing.push_back(std::move(part));
   }
   return attachment;
@@ -192,7 +205,8 @@ void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBa
   const auto object = from.ReadObject(tag::kAttachDataObject);
   if (!object) return;
   const auto subnode = ValueOrRaise(from.FindSubnode(object->nid));
-  if (!subnode) RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
+  if (!subnode)
+    RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
   if (depth == kMostDepth) RaiseCorrupt(Named("sub-node", object->nid), depth, "messages nest too deep");
   if (TypeOf(object->nid) != NidType::kNormalMessage) {
     tools_.target.PutObject(out, CopyNode(subnode->trees, from.FaultList(), depth));

@@ -21,8 +21,8 @@ class MessageCopier {
  public:
   explicit MessageCopier(CopyTools& tools) : tools_(tools), properties_(tools) {}
 
-  /// Reads the message of these trees; what is long of it is in the new store already. Raises FailureError when not even
-  /// its property context can be opened.
+  /// Reads the message of these trees; what is long of it is in the new store already. Raises FailureError when not
+  /// even its property context can be opened.
   CopiedMessage Copy(const ndb::NodeTrees& trees) { return Copy(trees, 0); }
 
  private:
@@ -40,7 +40,8 @@ class MessageCopier {
   CopiedMessage Copy(const ndb::NodeTrees& trees, int depth);
   void CopyRecipients(Opened& from, CopiedMessage& out);
   void CopyAttachments(Opened& from, CopiedMessage& out);
-  messaging::PropertyBag CopyAttachment(Opened& from, const ndb::SubnodeEntry& subnode, Missing& missing);
+  messaging::PropertyBag CopyAttachment(Opened& from, ltp::PropertyContext& context, const ndb::Faults& faults,
+                                        Missing& missing);
   void CopyObject(ltp::PropertyContext& from, int depth, messaging::PropertyBag& out, Missing& missing);
   ndb::WrittenNode CopyNode(const ndb::NodeTrees& trees, ndb::Faults* faults, int depth);
   messaging::PropertyBag CopyRow(ltp::TableContext& table, std::size_t row, const text::CodePage& page, Owner owner,

@@ -30,22 +30,24 @@ struct CopyTools {
 
 using Missing = std::vector<MissingPart>;
 
-/// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes on.
+/// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes
+/// on.
 Failure CauseOfLoss();
 
 class PropertyCopier {
  public:
   explicit PropertyCopier(CopyTools& tools) : tools_(tools) {}
 
-  /// All properties but those that are left out and `kAttachDataObject` (a sub-node, see AttachmentCopier), by ascending
-  /// identifier in the new store; of those that the object lacks, the ones of `defaults`. What cannot be read or written
-  /// goes to `missing`. `faults` is the list that the context was opened with.
+  /// All properties but those that are left out and `kAttachDataObject` (a sub-node, see AttachmentCopier), by
+  /// ascending identifier in the new store; of those that the object lacks, the ones of `defaults`. What cannot be read
+  /// or written goes to `missing`. `faults` is the list that the context was opened with.
   messaging::PropertyBag Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
                               const ndb::Faults& faults, const messaging::PropertyBag& defaults, Missing& missing);
 
-  /// Puts one value in the form of the new store, where it has the tag `targetTag`. Raises FailureError for one that its
-  /// type cannot have.
-  void Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page, messaging::PropertyBag& out);
+  /// Puts one value in the form of the new store, where it has the tag `targetTag`. Raises FailureError for one that
+  /// its type cannot have.
+  void Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page,
+           messaging::PropertyBag& out);
 
   /// The tag in the new store. Raises FailureError for an identifier from 0x8000 on that has no name.
   PropTag TargetTag(PropTag tag);

@@ -21,8 +21,8 @@ class References {
   /// Whether the value is the entry id of an object of the source and nothing else.
   bool IsEntryId(std::span<const std::byte> value) const;
 
-  /// Gives every entry id in a value (alone, wrapped, or one of several) the new store's key and id, where what it leads
-  /// to is there; others stay as they are. Returns how many stayed.
+  /// Gives every entry id in a value (alone, wrapped, or one of several) the new store's key and id, where what it
+  /// leads to is there; others stay as they are. Returns how many stayed.
   std::size_t Rewrite(std::span<std::byte> value) const;
 
  private:

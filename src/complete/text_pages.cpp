@@ -13,7 +13,6 @@ constexpr PropTag kInternetCodepage = 0x3FDE0003;
 /// Messages that are asked for their page; more do not change the answer.
 constexpr std::size_t kMostAsked = 500;
 
-constexpr int kUtf8 = 65001;  // no page that a program keeps its 8-bit texts in
 constexpr int kWesternEurope = 1252;
 
 struct NumberPair {
@@ -23,20 +22,20 @@ struct NumberPair {
 
 /// The page in which Windows keeps texts of a language: by the low 10 bits of its id.
 constexpr NumberPair kPageOfLanguage[] = {
-    {0x01, 1256}, {0x02, 1251}, {0x05, 1250}, {0x08, 1253}, {0x0D, 1255}, {0x0E, 1250}, {0x11, 932},  {0x12, 949},
-    {0x15, 1250}, {0x18, 1250}, {0x19, 1251}, {0x1A, 1250}, {0x1B, 1250}, {0x1C, 1250}, {0x1E, 874},  {0x1F, 1254},
-    {0x20, 1256}, {0x22, 1251}, {0x23, 1251}, {0x24, 1250}, {0x25, 1257}, {0x26, 1257}, {0x27, 1257}, {0x29, 1256},
-    {0x2A, 1258}, {0x2C, 1254}, {0x2D, kWesternEurope},     {0x2F, 1251},
+    {0x01, 1256}, {0x02, 1251}, {0x05, 1250}, {0x08, 1253}, {0x0D, 1255}, {0x0E, 1250},           {0x11, 932},
+    {0x12, 949},  {0x15, 1250}, {0x18, 1250}, {0x19, 1251}, {0x1A, 1250}, {0x1B, 1250},           {0x1C, 1250},
+    {0x1E, 874},  {0x1F, 1254}, {0x20, 1256}, {0x22, 1251}, {0x23, 1251}, {0x24, 1250},           {0x25, 1257},
+    {0x26, 1257}, {0x27, 1257}, {0x29, 1256}, {0x2A, 1258}, {0x2C, 1254}, {0x2D, kWesternEurope}, {0x2F, 1251},
 };
 constexpr int kChinese = 0x04;
 constexpr int kTraditionalChinese[] = {0x0404, 0x0C04, 0x1404};
 
 /// The page of the system on which a message of an internet code page is read.
 constexpr NumberPair kPageOfInternet[] = {
-    {874, 874},    {932, 932},    {936, 936},    {949, 949},    {950, 950},    {20866, 1251}, {21866, 1251},
-    {28592, 1250}, {28594, 1257}, {28595, 1251}, {28596, 1256}, {28597, 1253}, {28598, 1255}, {28599, 1254},
-    {38598, 1255}, {50220, 932},  {50221, 932},  {50222, 932},  {50225, 949},  {51932, 932},  {51949, 949},
-    {52936, 936},
+    {874, 874},    {932, 932},    {936, 936},    {949, 949},    {950, 950},    {20866, 1251},
+    {21866, 1251}, {28592, 1250}, {28594, 1257}, {28595, 1251}, {28596, 1256}, {28597, 1253},
+    {28598, 1255}, {28599, 1254}, {38598, 1255}, {50220, 932},  {50221, 932},  {50222, 932},
+    {50225, 949},  {51932, 932},  {51949, 949},  {52936, 936},
 };
 
 std::optional<int> Look(std::span<const NumberPair> table, int from) {
@@ -52,7 +51,7 @@ int PageOfLanguage(int locale) {
 /// What a message tells of its texts; nothing where it tells nothing.
 std::optional<int> NumberOf(ltp::PropertyContext& message) {
   const int page = message.Integer32(kMessageCodepage).value_or(0);
-  if (page > 0 && page != kUtf8 && page <= 0xFFFF) return page;
+  if (page > 0 && page <= 0xFFFF) return page;
   const int locale = message.Integer32(kMessageLocaleId).value_or(0);
   if ((locale & 0xFFFF) != 0) return PageOfLanguage(locale);
   const int internet = message.Integer32(kInternetCodepage).value_or(0);

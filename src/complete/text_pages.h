@@ -10,7 +10,8 @@
 
 namespace velmora::complete {
 
-/// Answers by what an object tells of itself, then by what most of the store's messages tell, then by what the user said.
+/// Answers by what an object tells of itself, then by what most of the store's messages tell, then by what the user
+/// said.
 class TextPages {
  public:
   /// Looks at a part of the messages of an ANSI store; the texts of other stores are UTF-16.

@@ -59,7 +59,12 @@ class CompleteRun {
     messaging::StoreOptions options;
     options.sourceDateEpoch = messaging::PstLibraryOptions::EpochOfEnvironment();
     options.codePage = request_.copy.codePage;
-    target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+    try {
+      target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+    } catch (const output::OutputFailure& failure) {
+      report_.store.clear();  // what lies there is no store yet
+      run_.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
+    }
   }
 
   /// A new folder for the store: "NAME0", or the next number that no folder has.
@@ -89,6 +94,17 @@ class CompleteRun {
     run_.Log(u"\r\n\r\nStart date and time : " + LogTime());
   }
 
+  void LogSummary() {
+    run_.Log(u"\r\n\r\n-------------------Summary--------------------");
+    for (const auto& [messageClass, counts] : report_.account.items) {
+      run_.Log(u"\r\n\r\n" + messageClass + u" : " + text::Decimal(counts.whole) + u" whole, " +
+               text::Decimal(counts.partial) + u" in part, " + text::Decimal(counts.lost) + u" lost");
+    }
+    const complete::ItemCounts totals = report_.account.Totals();
+    run_.Log(u"\r\n\r\nTotal recovered mail items : " + text::Decimal(totals.whole + totals.partial));
+    run_.Log(u"\r\n\r\nDate and time : " + LogTime());
+  }
+
   void Copy() {
     // Only what the trees do not lead to has to be looked for.
     if (!complete::HasSoundTrees(scan_.found->source)) {
@@ -98,7 +114,6 @@ class CompleteRun {
     }
     store_ = engine::FinishScan(scan_, run_);
     if (run_.runAborted) return;
-    run_.BeginStage(8);
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
     Seal();
     if (request_.verify && !request_.dryRun) Verify();
@@ -107,7 +122,8 @@ class CompleteRun {
   void Verify() {
     run_.BeginStage(9);
     const auto written = platform::OpenForReading(report_.store);
-    if (!written) return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
+    if (!written)
+      return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
     complete::CompareStores(*store_, **written, request_.copy, run_, report_.account);
   }
 
@@ -133,9 +149,11 @@ class CompleteRun {
     const engine::ScannedStore* read = store_ != nullptr ? store_.get() : scan_.found.get();
     if (read != nullptr) {
       report_.readFailure = read->source.FirstFailure();
-      for (const auto& range : read->source.Unread().Ranges()) report_.unread.push_back(range);
+      const engine::BadRanges unread = read->source.Unread();
+      report_.unread.assign(unread.Ranges().begin(), unread.Ranges().end());
     }
     if (end == RunEnd::kFinished && !run_.runAborted) run_.Say(engine::Done{});
+    LogSummary();
     run_.log = nullptr;
   }
 

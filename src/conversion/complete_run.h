@@ -30,12 +30,12 @@ struct CompleteReport {
   std::optional<FormatId> format;  ///< nothing while no format was found
   std::filesystem::path store;     ///< of the new store; empty while none was made
   complete::Account account;
-  std::optional<Failure> readFailure;  ///< the first read of the source that failed
+  std::optional<Failure> readFailure;                           ///< the first read of the source that failed
   std::vector<std::pair<std::uint64_t, std::uint64_t>> unread;  ///< ranges of the source: from, to
 };
 
-/// Says stages 1 (opening), 2 (probe), 3 (set-up), 4 (scan), 8 (items) and 9 (closing), progress, and at the end Done or
-/// the one notice of what ended it; never both. A stop leaves the store sealed with what was copied.
+/// Says stages 1 (opening), 2 (probe), 3 (set-up), 4 (scan), 8 (items) and 9 (closing), progress, and at the end Done
+/// or the one notice of what ended it; never both. A stop leaves the store sealed with what was copied.
 RunEnd RunComplete(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report);
 
 }  // namespace velmora::conversion

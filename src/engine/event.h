@@ -24,6 +24,14 @@ struct Progress {
   friend bool operator==(const Progress&, const Progress&) = default;
 };
 
+/// How far a copy of whole objects has come. Said ahead of the percentage that it is.
+struct ItemsCopied {
+  std::uint64_t items = 0;
+  std::uint64_t itemsTotal = 0;
+  std::uint64_t bytes = 0;  ///< of values that were copied
+  friend bool operator==(const ItemsCopied&, const ItemsCopied&) = default;
+};
+
 struct FolderRecord {
   std::uint32_t nid = 0;
   std::uint32_t parentNid = 0;  ///< nidParent of its node record
@@ -92,8 +100,8 @@ struct Done {
   friend bool operator==(const Done&, const Done&) = default;
 };
 
-using Event = std::variant<StageBegun, Progress, FoldersKnown, FolderReached, FieldListed, AttachmentsListed,
-                           ListCleared, Notice, Done>;
+using Event = std::variant<StageBegun, Progress, ItemsCopied, FoldersKnown, FolderReached, FieldListed,
+                           AttachmentsListed, ListCleared, Notice, Done>;
 
 /// Receives everything, in order and in the thread of the run, which waits for it.
 class RunObserver {

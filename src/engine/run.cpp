@@ -40,6 +40,13 @@ void RunContext::SayProgress(std::uint64_t percentage, Phase phase) {
   Say(progress);
 }
 
+void RunContext::SayCopied(const ItemsCopied& copied) {
+  const std::uint64_t percentage = copied.itemsTotal == 0 ? 100 : copied.items * 100 / copied.itemsTotal;
+  if (said_ && said_->percentage == percentage) return;
+  Say(copied);
+  SayProgress(percentage);
+}
+
 void RunContext::Abort(Notice notice) {
   Say(notice);
   runAborted = true;

@@ -14,9 +14,9 @@
 #include <tl/expected.hpp>
 
 #include "engine/block_reader.h"
+#include "engine/content_allowance.h"
 #include "engine/scanned_store.h"
 #include "recovery/block_fault.h"
-#include "engine/content_allowance.h"
 #include "recovery/item_converter.h"
 #include "store/format/byte_view.h"
 #include "store/format/heap_format.h"
@@ -91,7 +91,8 @@ tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store,
 /// The same, in the encoding of the store, for a block that any number of nodes may name. A fault as well when the
 /// allowance is spent.
 tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                                              std::uint32_t id, const ContextRules& rules, engine::ContentAllowance& allowance);
+                                              std::uint32_t id, const ContextRules& rules,
+                                              engine::ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
 class PropertyContext {

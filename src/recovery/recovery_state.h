@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/content_allowance.h"
 #include "engine/run.h"
 #include "engine/scanned_store.h"
-#include "engine/content_allowance.h"
 #include "recovery/folder_list.h"
 #include "recovery/item_converter.h"
 #include "recovery/named_prop_map.h"

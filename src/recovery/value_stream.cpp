@@ -31,7 +31,8 @@ std::uint64_t TotalOf(const engine::BlockRecord& record, ByteView block) {
   return signature == kXBlock || signature == kXxBlock ? block.U32(4) : 0;
 }
 
-Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, engine::ContentAllowance& allowance, BlockChain& chain) {
+Reached WalkChain(const ScannedStore& store, engine::BlockRecord at, engine::ContentAllowance& allowance,
+                  BlockChain& chain) {
   const engine::BlockReader blocks(store);
   const Generation& layout = store.layout;
   bool throughSubNode = false;
@@ -99,8 +100,8 @@ bool BuildBlockChain(const ScannedStore& store, const engine::BlockRecord& recor
   return WalkChain(store, record, allowance, chain) == Reached::kList;
 }
 
-bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& record, engine::ContentAllowance& allowance,
-                       BlockChain& chain) {
+bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& record,
+                       engine::ContentAllowance& allowance, BlockChain& chain) {
   return WalkChain(store, record, allowance, chain) != Reached::kPlainBlock;
 }
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "engine/block_reader.h"
-#include "engine/scanned_store.h"
 #include "engine/content_allowance.h"
+#include "engine/scanned_store.h"
 #include "text/code_page.h"
 #include "text/text.h"
 
@@ -35,8 +35,8 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written);
 /// Fills the chain from the block at the record, and `total` too where it is a list of lists, which is no list here.
 /// True when the value is a list of pieces; false when it is one plain block, and also when a sub-node block led to the
 /// pieces.
-bool BuildBlockChain(const engine::ScannedStore& store, const engine::BlockRecord& record, engine::ContentAllowance& allowance,
-                     BlockChain& chain);
+bool BuildBlockChain(const engine::ScannedStore& store, const engine::BlockRecord& record,
+                     engine::ContentAllowance& allowance, BlockChain& chain);
 
 /// The same walk, but true as soon as a sub-node block led to a block that is there.
 bool BuildBlockChainAt(const engine::ScannedStore& store, const engine::BlockRecord& record,

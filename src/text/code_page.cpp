@@ -1,19 +1,20 @@
 #include "text/code_page.h"
 
-#include <array>
-#include <cstdlib>
-
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
+
+#include <array>
+#include <cstdlib>
 
 namespace velmora::text {
 namespace {
 
 // Windows-1252 differs from the first 256 code points in this row alone; its five undefined bytes (81, 8D,
 // 8F, 90, 9D) stay the C1 control codes of the same value.
-constexpr std::array<char16_t, 32> kRow80 = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr std::array<char16_t, 32> kRow80 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                             0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                             0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                             0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 struct WindowsName {
   const char* name;
@@ -22,8 +23,8 @@ struct WindowsName {
 
 // Names of the pages that stores are made with, where the canonical name does not end in the number.
 constexpr WindowsName kWindowsNames[] = {
-    {"UTF-8", 65001}, {"Shift_JIS", 932}, {"GBK", 936}, {"GB2312", 936}, {"EUC-KR", 949}, {"Big5", 950}, {"KOI8-R", 20866},
-    {"US-ASCII", 20127}, {"TIS-620", 874}, {"GB18030", 54936}, {"EUC-JP", 51932}, {"KOI8-U", 21866},
+    {"UTF-8", 65001},  {"Shift_JIS", 932},  {"GBK", 936},     {"GB2312", 936},    {"EUC-KR", 949},   {"Big5", 950},
+    {"KOI8-R", 20866}, {"US-ASCII", 20127}, {"TIS-620", 874}, {"GB18030", 54936}, {"EUC-JP", 51932}, {"KOI8-U", 21866},
 };
 
 struct ConverterCloser {
@@ -47,8 +48,8 @@ char16_t LosslessUnit(char byte) {
 
 /// What the converter calls for bytes that its page does not define: writes them as the lossless page has them, and
 /// counts them in the number that `context` points at.
-void U_CALLCONV KeepUndefined(const void* context, UConverterToUnicodeArgs* args, const char* bytes, std::int32_t length,
-                              UConverterCallbackReason reason, UErrorCode* status) {
+void U_CALLCONV KeepUndefined(const void* context, UConverterToUnicodeArgs* args, const char* bytes,
+                              std::int32_t length, UConverterCallbackReason reason, UErrorCode* status) {
   if (reason > UCNV_IRREGULAR) return;  // the converter is reset or closed
   *status = U_ZERO_ERROR;
   for (std::int32_t i = 0; i < length; ++i) {

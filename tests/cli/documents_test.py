@@ -20,7 +20,7 @@ CODES = dict(re.findall(r"^  (\d+) +(.+)$", help_text(), re.M))
 
 class Documents(unittest.TestCase):
     def test_the_help_names_options_and_codes(self):
-        self.assertEqual(len(OPTIONS), 10)
+        self.assertEqual(len(OPTIONS), 13)
         self.assertEqual(len(CODES), 9)
 
     def test_the_manual_names_the_same_options(self):
@@ -35,7 +35,7 @@ class Documents(unittest.TestCase):
         listed = manual[manual.index(".Sh EXIT STATUS"):manual.index(".Sh EXAMPLES")]
         found = {}
         for code, lines in re.findall(r"^\.It (\d+)\n((?:(?!\.It|\.El).*\n)+)", listed, re.M):
-            found[code] = " ".join(lines.split("\n")).replace(".Dq lost", '"lost"').strip()
+            found[code] = " ".join(lines.split("\n")).replace(".Fl Fl ", "--").strip()
         self.assertEqual(found, CODES)
 
     def test_mandoc_accepts_the_manual(self):

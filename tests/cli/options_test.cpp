@@ -39,6 +39,33 @@ TEST(Options, TakesEveryOption) {
   EXPECT_EQ(options.codePage.WindowsNumber(), 932);
 }
 
+TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
+  const Options alone = std::get<Options>(Parse({"--complete", "a.ost", "out"}));
+  EXPECT_TRUE(alone.complete);
+  EXPECT_FALSE(alone.hidden || alone.verify);
+  const Options all = std::get<Options>(Parse({"--complete", "--hidden", "--verify", "--codepage", "windows-932",
+                                               "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
+  EXPECT_TRUE(all.complete && all.hidden && all.verify && all.log && all.quiet && all.noProgress);
+  EXPECT_EQ(all.codePage.WindowsNumber(), 932);
+  EXPECT_TRUE(std::get<Options>(Parse({"--complete", "--dry-run", "a.ost", "out"})).dryRun);
+  EXPECT_FALSE(std::get<Options>(Parse({"a.ost", "out"})).complete);
+}
+
+TEST(Options, OptionsThatDoNotGoTogetherAreNamed) {
+  const std::pair<std::vector<const char*>, const char*> mistakes[] = {
+      {{"--complete", "--smart", "a", "b"}, "--smart cannot go with --complete"},
+      {{"--complete", "--trace", "t", "a", "b"}, "--trace cannot go with --complete"},
+      {{"--complete", "--verify", "--dry-run", "a", "b"}, "--verify cannot go with --dry-run, which writes no store"},
+      {{"--hidden", "a", "b"}, "--hidden needs --complete"},
+      {{"--verify", "a", "b"}, "--verify needs --complete"},
+  };
+  for (const auto& [words, what] : mistakes) {
+    const Answer answer = AnswerTo(words);
+    EXPECT_EQ(answer.code, ExitCode::kUsage);
+    EXPECT_THAT(answer.text, StartsWith(std::string("velmora-convert: ") + what + "\n"));
+  }
+}
+
 TEST(Options, NamesThatBeginWithADashStandBehindTwoDashes) {
   const Options options = std::get<Options>(Parse({"--smart", "--", "-a.ost", "--out"}));
   EXPECT_EQ(options.source, "-a.ost");
@@ -50,6 +77,7 @@ TEST(Options, MistakesEndWithTheCodeForUsage) {
                                                 {"a.ost"},
                                                 {"a", "b", "c"},
                                                 {"--odd", "a", "b"},
+                                                {"--complete", "--deleted", "a", "b"},
                                                 {"a", "b", "--report"},
                                                 {"", "b"},
                                                 {"a", ""},
@@ -65,8 +93,8 @@ TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
   const Answer answer = AnswerTo({"--help"});
   EXPECT_EQ(answer.code, ExitCode::kDone);
   EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
-  for (const char* option : {"--smart", "--codepage NAME", "--report FILE", "--trace FILE", "--dry-run", "--log",
-                             "--quiet", "--no-progress", "--help", "--version"}) {
+  for (const char* option : {"--complete", "--hidden", "--verify", "--smart", "--codepage NAME", "--report FILE",
+                             "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
     EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
   }
   for (const ExitCodeRow& row : kExitCodes) EXPECT_THAT(answer.text, HasSubstr(std::string(row.meaning)));

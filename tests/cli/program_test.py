@@ -1,21 +1,15 @@
 """The program as its user meets it: exit codes, messages, files."""
 
-import fcntl
 import json
 import os
-import pathlib
-import pty
 import re
 import resource
 import shutil
-import signal
 import subprocess
-import sys
-import tempfile
-import termios
 import time
 import unittest
 
+import program_fixture
 import stores
 
 NOT_VALID = "Error: Pst/Ost file is not valid.\n"
@@ -25,37 +19,10 @@ NO_FOLDER = ("Error: Unable to create folder to save recovered .pst file.\n"
 STAGES = ["Opening OST file...", "Validating OST file...", "Creating new profile...",
           "Validating Folder Structure...", "Collecting Folder Names...", "Converting Folder Items...",
           "Converting Mail Items...", "Closing file..."]
-F_SETPIPE_SZ = 1031
-PIPE_SIZE = 4096
 
 
-class Program(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.demo_folder = tempfile.TemporaryDirectory()
-        cls.demo = pathlib.Path(cls.demo_folder.name) / "demo.ost"
-        subprocess.run([os.environ["VELMORA_FORGE_DEMO"], cls.demo], check=True)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.demo_folder.cleanup()
-
-    def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.work = pathlib.Path(self.folder.name)
-        self.out = self.work / "out"
-        self.out.mkdir()
-        self.environment = {**os.environ, "XDG_CONFIG_HOME": str(self.work / "config")}
-        self.environment.pop("SOURCE_DATE_EPOCH", None)
-
-    def run_program(self, *words, **options):
-        return subprocess.run([stores.PROGRAM, *map(str, words)], capture_output=True, text=True, errors="replace",
-                              **{"env": self.environment, **options})
-
-    def produced(self, folder=None):
-        folder = folder or self.out
-        return sorted(str(p.relative_to(folder)) for p in folder.rglob("*"))
+class Program(program_fixture.ProgramTest):
+    STAGES = STAGES
 
     # ---------------------------------------------------------------- the good case
 
@@ -176,24 +143,6 @@ class Program(unittest.TestCase):
 
     # ---------------------------------------------------------------- terminal
 
-    def on_a_terminal(self, **more):
-        main, side = pty.openpty()
-        self.addCleanup(os.close, main)
-        child = subprocess.Popen([stores.PROGRAM, self.demo, self.out], stdout=subprocess.DEVNULL, stderr=side,
-                                 env={**self.environment, **more})
-        os.close(side)
-        text = b""
-        while True:
-            try:
-                piece = os.read(main, 4096)
-            except OSError:
-                break
-            if not piece:
-                break
-            text += piece
-        self.assertEqual(child.wait(), 0)
-        return text
-
     def test_a_terminal_gets_a_bar_in_color(self):
         text = self.on_a_terminal(NO_COLOR="")
         self.assertIn(b"\r\x1b[K[\x1b[32m", text)
@@ -212,11 +161,6 @@ class Program(unittest.TestCase):
         self.assertEqual(ended.stderr, message + (cause and f"velmora-convert: {source}: {cause}\n"))
         self.assertEqual(json.loads(ended.stdout)["refusal"], message[len("Error: "):-1])
         self.assertEqual(self.produced(), [])
-
-    def write(self, name, content):
-        path = self.work / name
-        path.write_bytes(content)
-        return path
 
     def test_sources_that_cannot_be_opened(self):
         os.mkfifo(self.work / "pipe.ost")
@@ -352,7 +296,7 @@ class Program(unittest.TestCase):
         if subprocess.run(["mount", *mount, self.out], capture_output=True).returncode:
             self.skipTest("mounting is not allowed here")
         try:
-            stage = STAGES.index("Converting Mail Items...")
+            stage = "Converting Mail Items..."
             child, messages = self.start_until(stage, source, "--report", self.work / "report.json")
             disk = os.statvfs(self.out)
             (self.out / "filler").write_bytes(b"x" * (disk.f_bavail * disk.f_frsize - 1500000))
@@ -387,49 +331,10 @@ class Program(unittest.TestCase):
         self.assertEqual(sum(1 for file in exported.rglob("*file.bin") if file.stat().st_size == 40000), listed)
         return listed
 
-    def check_store(self, path, *options):
-        tool = stores.aid("VELMORA_TOOLS", "tools") / "pstcheck.py"
-        if tool.is_file():
-            checked = subprocess.run([sys.executable, tool, *options, path], capture_output=True, text=True)
-            self.assertEqual(checked.returncode, 0, checked.stdout)
-
     # ---------------------------------------------------------------- Ctrl-C
 
-    def start_until(self, stage, source, *options):
-        """Starts a conversion and lets it wait where it is to announce a stage: the pipe for its messages takes just
-        the stages before it."""
-        reading, writing = os.pipe()
-        fcntl.fcntl(writing, F_SETPIPE_SZ, PIPE_SIZE)
-        before = sum(len(s) + 1 for s in STAGES[:stage])
-        os.write(writing, b"." * (PIPE_SIZE - before - 1))
-        child = subprocess.Popen([stores.PROGRAM, *options, source, self.out], stderr=writing,
-                                 stdout=subprocess.PIPE, env=self.environment)
-        os.close(writing)
-        waiting = bytearray(4)
-        while int.from_bytes(waiting, sys.byteorder) < PIPE_SIZE - 1:  # until all that fits is said
-            self.assertIsNone(child.poll(), "the program did not wait")
-            time.sleep(0.01)
-            fcntl.ioctl(reading, termios.FIONREAD, waiting)
-        return child, reading
-
-    @staticmethod
-    def finish(child, reading):
-        """Lets it go on to its end: exit code, messages, output."""
-        with open(reading, "rb") as messages:
-            said = messages.read().decode().lstrip(".")
-        output = child.stdout.read().decode()
-        child.stdout.close()
-        return child.wait(), said, output
-
-    def stop_at(self, stage, *options):
-        """Sends an interrupt while the program waits to announce a stage."""
-        child, messages = self.start_until(stage, self.demo, *options)
-        child.send_signal(signal.SIGINT)
-        code, said, self.output = self.finish(child, messages)
-        return code, said
-
     def test_ctrl_c_seals_the_store_and_says_where_it_is(self):
-        code, said = self.stop_at(STAGES.index("Converting Mail Items..."), "--report", "-")
+        code, said = self.stop_at("Converting Mail Items...", "--report", "-")
         self.assertEqual(code, 130, said)
         store = self.out / "demo Converted0" / "demo Converted.pst"
         self.assertTrue(said.endswith(f"Stopped. Recovered at: {store}\n"), said)
@@ -439,7 +344,7 @@ class Program(unittest.TestCase):
         self.assertIsNone(json.loads(self.output)["refusal"])
 
     def test_ctrl_c_before_there_is_a_store(self):
-        code, said = self.stop_at(STAGES.index("Validating OST file..."))
+        code, said = self.stop_at("Validating OST file...")
         self.assertEqual(code, 130, said)
         self.assertTrue(said.endswith("Stopped. No store was written.\n"), said)
         self.assertEqual(self.produced(), [])

@@ -63,6 +63,29 @@ TEST(Progress, TheSamePercentageIsNotDrawnTwiceAndOneAboveAHundredNotAtAll) {
   EXPECT_EQ(screen.text, "");
 }
 
+TEST(Progress, OfACopyItemsAndBytesAreShownInPlaceOfTheCaption) {
+  Screen screen;
+  Progress progress({.bar = true, .color = false, .columns = 80}, screen.Writer());
+  Console console(&progress, screen.Writer(), [] {});
+  console.OnEvent(engine::StageBegun{8});
+  screen.text.clear();
+  console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000});
+  EXPECT_EQ(screen.text, "") << "it is drawn with its percentage";
+  console.OnEvent(engine::Progress{50, engine::Phase::kLater});
+  EXPECT_EQ(screen.text, "\r\033[K[###############...............]  50% 617 of 1234 items, 5.4 MB");
+  screen.text.clear();
+  console.OnEvent(engine::StageBegun{9});
+  EXPECT_EQ(screen.text, "\r\033[K[###############...............]  50% Closing file...");
+}
+
+TEST(Progress, OfACopyALineNowAndThenHasItemsAndBytes) {
+  Screen screen;
+  Progress progress({}, screen.Writer());
+  progress.OnCopied({617, 1234, 5'400'000});
+  progress.OnPercentage(50);
+  EXPECT_EQ(screen.text, "50%: 617 of 1234 items, 5.4 MB\n");
+}
+
 TEST(Progress, ColorIsAMatterOfStyle) {
   Screen screen;
   Progress({.bar = true, .color = true}, screen.Writer()).OnPercentage(1);

@@ -66,6 +66,25 @@ TEST(RunContextTest, APercentageIsSaidWhenItChangesAndAnewInEachStage) {
   EXPECT_EQ(recorder.Percentages(Phase::kProbe), (std::vector<std::uint32_t>{0, 1, 2, 2}));
 }
 
+TEST(RunContextTest, WhatIsCopiedIsSaidAheadOfItsPercentageAndOnlyWithANewOne) {
+  std::vector<Event> said;
+  struct Listener : RunObserver {
+    std::vector<Event>& events;
+    explicit Listener(std::vector<Event>& to) : events(to) {}
+    void OnEvent(const Event& event) override { events.push_back(event); }
+  } listener(said);
+  RunContext run;
+  run.observer = &listener;
+  for (const std::uint64_t items : {0, 1, 2, 3}) run.SayCopied({items, 200, items * 10});
+  ASSERT_EQ(said.size(), 4u);
+  EXPECT_EQ(std::get<ItemsCopied>(said[0]), (ItemsCopied{0, 200, 0}));
+  EXPECT_EQ(std::get<Progress>(said[1]).percentage, 0u);
+  EXPECT_EQ(std::get<ItemsCopied>(said[2]), (ItemsCopied{2, 200, 20}));
+  EXPECT_EQ(std::get<Progress>(said[3]).percentage, 1u);
+  run.SayCopied({0, 0, 0});
+  EXPECT_EQ(std::get<Progress>(said.back()).percentage, 100u) << "of nothing all is copied";
+}
+
 TEST(RunContextTest, AnAbortedRunSaysWhy) {
   Recorder recorder;
   RunContext run;

@@ -208,8 +208,8 @@ Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::opti
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
     if (nid) CheckGiven(*nid, NidType::kNormalFolder);
-    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) + BytesToMark(parent, &Folder::propertiesChanged) +
-                BytesToMark(parent, &Folder::childrenChanged),
+    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) +
+                BytesToMark(parent, &Folder::propertiesChanged) + BytesToMark(parent, &Folder::childrenChanged),
             kFolderNodes);
     Folder& folder =
         folders_.Add(&parent, nid ? *nid : ndb_->NewNid(NidType::kNormalFolder), split.name, split.containerClass);
@@ -243,7 +243,8 @@ void StoreWriter::SetProperties(Folder& folder, PropertyBag properties) {
     if (twin != nullptr && twin != &folder) {
       throw OutputFailure(ResultCode::MAPI_E_COLLISION, "A folder of that name is already there.");
     }
-    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) + BytesToMark(folder, &Folder::propertiesChanged));
+    Reserve(kNewFolderBytes + LongNameBytes(split) + MostBytesOf(split.others) +
+            BytesToMark(folder, &Folder::propertiesChanged));
     folders_.Rename(folder, split.name, split.containerClass);
     folder.others = split.others;
     MarkChanged(folder, &Folder::propertiesChanged);

@@ -11,6 +11,7 @@ struct Translation {
   Result operator()(const engine::Progress& progress) const {
     return RunMessage{MSG_PROGRESS, progress.percentage, static_cast<std::uint32_t>(progress.phase), {}};
   }
+  Result operator()(const engine::ItemsCopied&) const { return {}; }
   Result operator()(const engine::FolderReached& reached) const {
     return RunMessage{MSG_ADD_FOLDER, reached.nid, 0, reached.markerName};
   }

@@ -27,6 +27,7 @@ struct StoreIdentity {
 void WriteNameMap(ndb::NdbWriter& ndb, const NewNameMap& names);
 
 /// Writes the message store object, which names the folders of the store.
-void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot, const DefaultFolders& defaults);
+void WriteMessageStore(ndb::NdbWriter& ndb, const StoreIdentity& identity, Nid top, Nid searchRoot,
+                       const DefaultFolders& defaults);
 
 }  // namespace velmora::messaging

@@ -1,0 +1,49 @@
+#include "cli/complete_conversion.h"
+
+#include "cli/complete_report_json.h"
+#include "cli/complete_result_text.h"
+#include "cli/result_text.h"
+
+namespace velmora::cli {
+
+CompleteConversion::CompleteConversion(const Options& options, const text::Text& source,
+                                       const platform::SourceOpener& openSource)
+    : options_(options) {
+  request_.source = text::ToFileName(source);
+  request_.copy.hidden = options.hidden;
+  request_.copy.codePage = options.codePage;
+  request_.verify = options.verify;
+  request_.dryRun = options.dryRun;
+  request_.log = options.log;
+  request_.open = openSource;
+}
+
+conversion::RunEnd CompleteConversion::Run(const text::Text& destination) {
+  request_.destination = text::ToFileName(destination);
+  const conversion::RunEnd end = conversion::RunComplete(request_, run_, report_);
+  isStopped_ = end == conversion::RunEnd::kStopped;
+  return end;
+}
+
+text::Text CompleteConversion::Destination() const {
+  return text::FromFileName((HasStore() ? report_.store : request_.destination).string());
+}
+
+ExitCode CompleteConversion::CodeOfDone() const {
+  const complete::Account& account = report_.account;
+  if (!account.differences.empty() || account.differencesNotListed != 0) return ExitCode::kInputOutput;
+  return account.IsWhole() ? ExitCode::kDone : ExitCode::kLosses;
+}
+
+std::vector<std::string> CompleteConversion::Complaints() const { return DifferenceLines(report_.account); }
+
+std::string CompleteConversion::Result(bool isDone) const {
+  // Of a run that could not write any further people want to know how far it came.
+  if (!isDone && (isStopped_ || !HasStore())) return {};
+  const std::string done = isDone ? DoneText(options_.dryRun ? text::Text() : Destination()) : std::string();
+  return done + CountsText(report_.account) + LossesText(report_.account, options_.report);
+}
+
+std::string CompleteConversion::Report(const ReportFrame& frame) const { return CompleteReportJson(frame, report_); }
+
+}  // namespace velmora::cli

@@ -1,0 +1,157 @@
+// What the bytes of a file prove of the store that it holds, without trusting header or trees: every page and block
+// that proves itself, and by what right it is used.
+//
+//   FindEvidence   format, encoding, pages, blocks   one pass over the file
+//   JudgeNodes     which nodes are live, which blocks are in use, which entries are old   from the pages found
+//   FindLostNodes  messages and folders whose entry is gone everywhere   from blocks and the folders' tables
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "engine/run.h"
+#include "engine/source.h"
+#include "store/format/encoding.h"
+#include "store/format/generation.h"
+#include "store/format/ids.h"
+#include "store/format/page.h"
+#include "store/ndb/block_source.h"
+#include "text/text.h"
+
+namespace velmora::engine {
+
+/// How far a page or block can be relied on.
+enum class Grade : std::uint8_t {
+  kProven,  ///< signature and checksum fit
+  kMoved,   ///< the checksum fits, the signature does not: whole, but not where it was written
+  kNamed,   ///< a block that only the block tree tells of: its place and size are known, its content is not proven
+  kHurt,    ///< the signature fits, the checksum does not: some of its bytes are wrong
+};
+
+/// A page of the node or block tree, of whatever age.
+struct FoundPage {
+  std::uint64_t offset = 0;
+  std::uint64_t id = 0;  ///< grows with the age of the store
+  PageType type = PageType::kNbt;
+  std::uint8_t level = 0;
+  Grade grade = Grade::kProven;
+};
+
+/// What a block is, by its first bytes.
+enum class BlockKind : std::uint8_t {
+  kData,
+  kPropertyContext,  ///< the first block of a heap with properties
+  kTable,            ///< the first block of a heap with a table
+  kList,             ///< XBLOCK or XXBLOCK: a list of data blocks
+  kSubnodes,         ///< SLBLOCK or SIBLOCK: a list of sub-nodes
+};
+
+struct FoundBlock {
+  Bid bid{};                 ///< canonical
+  std::uint64_t offset = 0;  ///< of its first byte in the file
+  std::uint16_t cb = 0;      ///< bytes of data as stored
+  BlockKind kind = BlockKind::kData;
+  Grade grade = Grade::kProven;
+  bool isNamed = false;  ///< another block names it: it is no block that a node entry would name as its data or list
+};
+
+struct Evidence {
+  const Generation* layout = nullptr;  ///< null: no page and no block proves itself, so this is no store
+  CryptMethod encoding = CryptMethod::kNone;
+  std::vector<FoundPage> pages;    ///< of both trees, by ascending offset
+  std::vector<FoundBlock> blocks;  ///< by ascending id; one for each id, the one that counts
+  std::uint64_t failedBlocks = 0;  ///< that look like one and fail their checksum
+
+  /// The block of that id (bit 0 ignored); null where none was found.
+  const FoundBlock* Find(Bid bid) const;
+};
+
+/// One pass over the file. `told` is what a header that proves itself says of format and encoding; nothing without one.
+struct ToldByHeader {
+  const Generation* layout = nullptr;
+  CryptMethod encoding = CryptMethod::kNone;
+  Bref nodeRoot;
+  Bref blockRoot;
+};
+Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& told, RunContext& run);
+
+/// Whether a block is still in use.
+enum class BlockStatus : std::uint8_t { kLive, kFreed, kUnknown };
+
+enum class Standing : std::uint8_t {
+  kLive,      ///< a page that counts names it so
+  kDoubtful,  ///< its page is lost; the best of its older entries or of its blocks stands in
+  kFound,     ///< no entry of it is left: found by its blocks or by a folder's table
+  kOlder,     ///< what a live node was before
+  kDeleted,   ///< no longer live, but still in the file, whole or in part
+};
+
+/// A node, and by what right it is taken for one.
+struct NodeClaim {
+  ndb::NodeEntry node;
+  Standing standing = Standing::kLive;
+};
+
+struct Judgement {
+  bool nodesAreExact = false;   ///< the node tree is whole and the newest: its entries are the live nodes, no others
+  bool blocksAreExact = false;  ///< likewise of the block tree
+  std::vector<NodeClaim> nodes;        ///< by ascending id: of each id at most one that is live or doubtful, and it leads
+  std::vector<BlockStatus> statuses;   ///< of Evidence::blocks, in their order
+};
+
+Judgement JudgeNodes(const Source& source, const Evidence& evidence, const std::optional<ToldByHeader>& told,
+                     RunContext& run);
+
+/// The blocks of the evidence, decoded and inflated. May be used by several threads at once. A block that is kNamed or
+/// kHurt is handed out as far as it can be (see IsTrusted).
+class EvidenceBlocks : public ndb::BlockSource {
+ public:
+  /// All must outlive it.
+  EvidenceBlocks(const Source& source, const Evidence& evidence, const Judgement& judgement)
+      : source_(source), evidence_(evidence), judgement_(judgement) {}
+
+  const Generation& Format() const override { return *evidence_.layout; }
+  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;  ///< live or doubtful
+
+  /// Whether its content is proven.
+  bool IsTrusted(Bid bid) const;
+
+ private:
+  const Source& source_;
+  const Evidence& evidence_;
+  const Judgement& judgement_;
+};
+
+/// A folder that only its row in its parent's table tells of.
+struct FolderRow {
+  Nid nid{};
+  Nid nidParent{};
+  text::Text name;
+  text::Text containerClass;
+};
+
+/// A message that only its row in its folder's table tells of.
+struct MessageRow {
+  Nid nid{};
+  Nid nidParent{};
+  text::Text subject;
+  text::Text sender;
+  text::Text messageClass;
+  std::optional<std::uint64_t> delivered;  ///< FILETIME
+  std::uint32_t size = 0;                  ///< bytes
+};
+
+struct LostNodes {
+  std::vector<NodeClaim> nodes;         ///< by ascending id; those without a known id get one above all others
+  std::vector<FolderRow> folderRows;    ///< of folders whose own node is gone
+  std::vector<MessageRow> messageRows;  ///< of messages of which nothing else is left
+};
+
+/// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted too.
+/// Without the latter none of kOlder or kDeleted is among them.
+LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement, bool deleted,
+                        RunContext& run);
+
+}  // namespace velmora::engine
