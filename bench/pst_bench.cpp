@@ -89,7 +89,7 @@ void OpenItem(benchmark::State& state) {
   ltp::PropertyContextWriter item(*ndb);
   const Nid nid = WriteItem(*ndb, item);
   for (auto _ : state) {
-    auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees).value();
+    auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees);
     benchmark::DoNotOptimize(context.Text(MakeTag(0x0E03, PropType::kString)));
   }
   state.SetItemsProcessed(state.iterations());

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "cli/json_text.h"
-#include "conversion/unread_ranges.h"
+#include "conversion/run_report.h"
 
 namespace velmora::cli {
 namespace {
@@ -55,10 +55,10 @@ const char* FailureName(FailureKind kind) {
 std::string Valid(std::string_view bytes) { return text::ToUtf8(text::FromUtf8(bytes)); }
 
 Json CauseJson(const Failure& failure) {
-  if (failure.object.empty() && failure.message.empty()) return nullptr;
+  if (failure.message.empty()) return nullptr;
   return {{"kind", FailureName(failure.kind)},
-          {"object", Valid(failure.object)},
-          {"offset", failure.offset},
+          {"object", Valid(TextOf(failure.object))},
+          {"offset", failure.offset ? Json(*failure.offset) : Json(nullptr)},
           {"message", Valid(failure.message)}};
 }
 

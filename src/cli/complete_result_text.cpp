@@ -53,7 +53,7 @@ std::string MissingWords(const Loss& loss) {
     const MissingPart& part = loss.missing[i];
     words += (i == 0 ? "" : "; ") + PartWords(part);
     if (!part.cause.message.empty()) {
-      words += fmt::format(" ({})", OneLine(text::FromUtf8(conversion::CauseOf(part.cause))));
+      words += fmt::format(" ({})", OneLine(text::FromUtf8(TextOf(part.cause))));
     }
   }
   if (loss.missing.size() > kPartsNamed) words += fmt::format("; {} more", loss.missing.size() - kPartsNamed);
@@ -63,7 +63,7 @@ std::string MissingWords(const Loss& loss) {
 /// A folder has no message class; it is known by its path. Of a message that cannot be read at all nothing may be known
 /// but its node.
 std::string NameOfLoss(const Loss& loss) {
-  std::string name = loss.folder.empty() ? Named("node", loss.source) : OneLine(loss.folder);
+  std::string name = loss.folder.empty() ? platform::TextOf({platform::ObjectKind::kNode, loss.source}) : OneLine(loss.folder);
   if (loss.messageClass.empty() && loss.subject.empty() && loss.sender.empty() && !loss.date) return name;
   name += loss.subject.empty() ? ", no subject" : fmt::format(", \"{}\"", OneLine(loss.subject));
   if (!loss.sender.empty()) name += " from " + OneLine(loss.sender);
@@ -100,8 +100,8 @@ std::string LossesText(const complete::Account& account, std::string_view report
 std::vector<std::string> DifferenceLines(const complete::Account& account) {
   std::vector<std::string> lines;
   for (const complete::Difference& difference : account.differences) {
-    lines.push_back(fmt::format("--verify: {} of the source, {} of the new store: {}", Named("node", difference.source),
-                                Named("node", difference.target), OneLine(text::FromUtf8(difference.what))));
+    lines.push_back(fmt::format("--verify: {} of the source, {} of the new store: {}", platform::TextOf({platform::ObjectKind::kNode, difference.source}),
+                                platform::TextOf({platform::ObjectKind::kNode, difference.target}), OneLine(text::FromUtf8(difference.what))));
   }
   if (account.differencesNotListed != 0) {
     lines.push_back(fmt::format("--verify: {} more differences", account.differencesNotListed));

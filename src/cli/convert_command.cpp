@@ -59,7 +59,7 @@ class ConvertCommand {
 
   ExitCode Run() {
     if (const auto opened = targets_.Open(options_); !opened) {
-      Complain(conversion::CauseOf(opened.error()));
+      console_.Say("velmora-convert: " + TextOf(opened.error()));
       return ExitCode::kNoOutput;
     }
     const ExitCode code = RunSteps();
@@ -82,7 +82,7 @@ class ConvertCommand {
     const conversion::RunEnd end = conversion_->Run(options_.dryRun ? targets_.TemporaryFolder() : destination_);
     ended_ = console_.LastError();
     if (ended_) {
-      if (!ended_->cause.message.empty()) Complain(conversion::CauseOf(ended_->cause));
+      if (!ended_->cause.message.empty()) console_.Say("velmora-convert: " + TextOf(ended_->cause));
       const ExitCode code = ExitCodeOf(ended_->kind);
       // Nobody knows whether a store is valid that could not be read.
       return code == ExitCode::kNotValid && ReportReadFailure() ? ExitCode::kInputOutput : code;
@@ -101,7 +101,8 @@ class ConvertCommand {
   bool ReportReadFailure() {
     const auto& failure = conversion_->ReadFailure();
     if (!failure) return false;
-    Complain(fmt::format("reading failed: {} at {}: {}", failure->object, failure->offset, failure->message));
+    Complain(fmt::format("reading failed: {} at {}: {}", TextOf(failure->object), failure->offset.value_or(0),
+                         failure->message));
     return true;
   }
 
@@ -114,7 +115,7 @@ class ConvertCommand {
   ExitCode Finish(ExitCode code) {
     bool written = true;
     const auto note = [&](const platform::Failure& failure) {
-      Complain(conversion::CauseOf(failure));
+      console_.Say("velmora-convert: " + TextOf(failure));
       written = false;
     };
     if (const std::string result = options_.quiet ? "" : conversion_->Result(console_.IsDone()); !result.empty()) {

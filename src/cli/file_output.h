@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "output/trace/trace_sink.h"
+#include "output/trace/json_line.h"
 #include "platform/file.h"
 
 namespace velmora::cli {

@@ -69,6 +69,32 @@ struct Loss {
   std::vector<MissingPart> missing = {};
 };
 
+/// A folder of the new store, and what became of the messages that stood in it.
+struct FolderAccount {
+  text::Text path;  ///< as in Loss::folder; a folder stands behind the one that it is in
+  std::uint64_t whole = 0;
+  std::uint64_t partial = 0;
+  std::uint64_t lost = 0;
+  std::uint64_t deleted = 0;  ///< deleted ones that came back
+};
+
+/// What a stretch of the file holds. Where it holds several, the one that comes last here is told.
+enum class FileUse : std::uint8_t {
+  kNeverUsed,
+  kFreed,       ///< blocks that are not in use any more
+  kLive,        ///< blocks in use
+  kTree,        ///< pages of the trees and maps, and the header
+  kFailed,      ///< blocks or pages whose checksum is wrong
+  kUnreadable,  ///< the system could not read it
+};
+
+/// The file from its beginning to its end, in cells of one size.
+struct FileMap {
+  std::uint64_t cellBytes = 0;  ///< 0: there is no map
+  std::vector<FileUse> cells;   ///< no more than kMostCells
+  static constexpr std::size_t kMostCells = 4096;
+};
+
 /// On what the answer stands.
 struct Evidence {
   bool headerUsed = false;
@@ -101,6 +127,8 @@ struct Account {
   std::vector<Loss> losses;
   std::uint64_t lossesNotListed = 0;
   Evidence evidence;
+  std::vector<FolderAccount> folderAccounts;
+  FileMap fileMap;
 
   /// Objects that have another id in the new store than in the source, and which.
   std::map<Nid, Nid> newIds;

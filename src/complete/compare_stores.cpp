@@ -45,7 +45,7 @@ struct Pair {
   const Loss* loss = nullptr;  ///< what of it is known to be missing; null: nothing
 };
 
-std::string NameOf(PropTag tag) { return Named("property", tag); }
+std::string NameOf(PropTag tag) { return platform::TextOf({ObjectKind::kProperty, tag}); }
 
 class StoreComparison {
  public:
@@ -58,7 +58,7 @@ class StoreComparison {
         sourceNames_(source_),
         pages_(source_, options.codePage),
         plan_(source_, pages_, options.hidden),
-        target_(ValueOrRaise(ndb::StoreReader::Open(target))),
+        target_(ndb::StoreReader::Open(target)),
         references_(plan_.RecordKey(), TargetKey(), [this](Nid nid) { return TargetOf(nid); }) {
     for (const Loss& loss : account_.losses) losses_.emplace(loss.source, &loss);
     SourceNames(*target_).ForEach(
@@ -94,8 +94,7 @@ class StoreComparison {
   messaging::Uid TargetKey() const {
     messaging::Uid key{};
     const auto node = target_->FindNode(nid::kMessageStore);
-    auto store = node ? ltp::PropertyContext::Open(*target_, node->trees)
-                      : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+    auto store = node ? IfReadable([&] { return ltp::PropertyContext::Open(*target_, node->trees); }) : std::nullopt;
     const auto bytes = store ? store->Binary(tag::kRecordKey) : std::nullopt;
     if (bytes && bytes->size() == key.size()) std::ranges::copy(*bytes, key.begin());
     return key;
@@ -133,11 +132,11 @@ class StoreComparison {
     if (parent != nullptr && TargetOf(parent->nid) != written->nidParent)
       Note(pair, "the folder stands in another one");
     try {
-      auto from = ValueOrRaise(ltp::PropertyContext::Open(source_, node.trees, &faults_));
-      auto to = ValueOrRaise(ltp::PropertyContext::Open(*target_, written->trees));
+      auto from = ltp::PropertyContext::Open(source_, node.trees, &faults_);
+      auto to = ltp::PropertyContext::Open(*target_, written->trees);
       CompareProperties(pair, from, to, kFolder, pages_.OfStore());
     } catch (const FailureError& failure) {
-      if (loss == nullptr) Note(pair, failure.Cause().object + ": " + failure.Cause().message);
+      if (loss == nullptr) Note(pair, TextOf(failure.Cause()));
     }
   }
 
@@ -165,16 +164,16 @@ class StoreComparison {
 
   void CompareMessages(const Pair& pair, const ndb::NodeTrees& source, const ndb::NodeTrees& target, int depth) {
     try {
-      auto from = ValueOrRaise(ltp::PropertyContext::Open(source_, source, &faults_));
-      auto to = ValueOrRaise(ltp::PropertyContext::Open(*target_, target));
+      auto from = ltp::PropertyContext::Open(source_, source, &faults_);
+      auto to = ltp::PropertyContext::Open(*target_, target);
       const text::CodePage& page = pages_.Of(from);
       CompareProperties(pair, from, to, kMessage, page);
-      const Subnodes fromBelow = ValueOrRaise(from.Subnodes());
-      const Subnodes toBelow = ValueOrRaise(to.Subnodes());
+      const Subnodes fromBelow = from.Subnodes();
+      const Subnodes toBelow = to.Subnodes();
       CompareRecipients(pair, fromBelow, toBelow, page);
       CompareAttachments(pair, fromBelow, toBelow, page, depth);
     } catch (const FailureError& failure) {
-      if (pair.loss == nullptr) Note(pair, failure.Cause().object + ": " + failure.Cause().message);
+      if (pair.loss == nullptr) Note(pair, TextOf(failure.Cause()));
     }
   }
 
@@ -217,13 +216,13 @@ class StoreComparison {
         if (!LeadsNowhere(from, tag)) Note(pair, name + " is not there");
         continue;
       }
-      const std::uint64_t size = ValueOrRaise(from.SizeOf(tag)).value_or(0);
+      const std::uint64_t size = from.SizeOf(tag).value_or(0);
       if (size > kComparedAtOnce && IsCopiedAsItIs(tag, size)) {
-        CompareTrees(pair, ValueOrRaise(from.TreeOf(tag))->bid, ValueOrRaise(to.TreeOf(*targetTag))->bid, name);
+        CompareTrees(pair, from.TreeOf(tag)->bid, to.TreeOf(*targetTag)->bid, name);
         continue;
       }
-      auto expected = *ValueOrRaise(from.Read(tag, kMostFormed));
-      const auto written = *ValueOrRaise(to.Read(*targetTag, 2 * kMostFormed));
+      auto expected = *from.Read(tag, kMostFormed);
+      const auto written = *to.Read(*targetTag, 2 * kMostFormed);
       BringIntoForm(tag, expected, page, references_, undefinedBytes_);
       const bool isFlags = tag == tag::kMessageFlags && expected.size() == 4 && written.size() == 4;
       if (isFlags) expected[0] = (expected[0] & ~kComputedFlags) | (written[0] & kComputedFlags);
@@ -237,7 +236,7 @@ class StoreComparison {
   /// A folder may have got a number behind its name, or a name where it had none.
   void CompareName(const Pair& pair, ltp::PropertyContext& from, ltp::PropertyContext& to, PropTag tag,
                    const text::CodePage& page) {
-    auto bytes = *ValueOrRaise(from.Read(tag, kMostFormed));
+    auto bytes = *from.Read(tag, kMostFormed);
     BringIntoForm(tag, bytes, page, references_, undefinedBytes_);
     const auto written = to.Binary(tag::kDisplayName).value_or(Bytes());
     if (written.size() < bytes.size() || !std::ranges::equal(bytes, std::span(written).first(bytes.size()))) {
@@ -252,14 +251,14 @@ class StoreComparison {
   }
 
   void CompareTrees(const Pair& pair, Bid source, Bid target, const std::string& what) {
-    auto from = ValueOrRaise(ndb::DataTreeReader::Open(source_, source, &faults_));
-    auto to = ValueOrRaise(ndb::DataTreeReader::Open(*target_, target));
+    auto from = ndb::DataTreeReader::Open(source_, source, &faults_);
+    auto to = ndb::DataTreeReader::Open(*target_, target);
     if (from.Size() != to.Size()) return Note(pair, what + " has another length");
     Bytes a(kComparedAtOnce);
     Bytes b(kComparedAtOnce);
     for (std::uint64_t offset = 0; offset < from.Size(); offset += kComparedAtOnce) {
-      const std::size_t read = ValueOrRaise(from.ReadAt(offset, a));
-      if (ValueOrRaise(to.ReadAt(offset, b)) != read || !std::equal(a.begin(), a.begin() + read, b.begin())) {
+      const std::size_t read = from.ReadAt(offset, a);
+      if (to.ReadAt(offset, b) != read || !std::equal(a.begin(), a.begin() + read, b.begin())) {
         return Note(pair, what + " has other bytes from " + std::to_string(offset) + " on");
       }
     }
@@ -275,20 +274,20 @@ class StoreComparison {
     const ndb::SubnodeEntry* source = Find(from, nid::kRecipientTable);
     const ndb::SubnodeEntry* target = Find(to, nid::kRecipientTable);
     if (source == nullptr) return;
-    auto rows = ValueOrRaise(ltp::TableContext::Open(source_, source->trees, &faults_));
+    auto rows = ltp::TableContext::Open(source_, source->trees, &faults_);
     if (rows.RowCount() == 0) return;
     if (target == nullptr) return Note(pair, "the recipients are not there");
-    auto written = ValueOrRaise(ltp::TableContext::Open(*target_, target->trees));
+    auto written = ltp::TableContext::Open(*target_, target->trees);
     if (written.RowCount() != rows.RowCount()) return Note(pair, "there is another number of recipients");
     for (std::size_t row = 0; row < rows.RowCount(); ++row) {
       for (const ltp::Column& column : rows.Columns()) {
         if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer) continue;
         if (IsLeftOut(IdOf(column.tag), kRecipient)) continue;
-        auto expected = ValueOrRaise(rows.Cell(row, column.tag));
+        auto expected = rows.Cell(row, column.tag);
         if (!expected) continue;
         BringIntoForm(column.tag, *expected, page, references_, undefinedBytes_);
         const auto targetTag = TargetTag(column.tag);
-        const auto cell = targetTag ? ValueOrRaise(written.Cell(row, *targetTag)) : std::nullopt;
+        const auto cell = targetTag ? written.Cell(row, *targetTag) : std::nullopt;
         if (cell != expected) {
           Note(pair, "recipient " + std::to_string(row + 1) + ": " + NameOf(column.tag) + " has another value");
         }
@@ -311,8 +310,8 @@ class StoreComparison {
     const Subnodes target = AttachmentsOf(to);
     if (source.size() != target.size()) return Note(pair, "there is another number of attachments");
     for (std::size_t i = 0; i < source.size(); ++i) {
-      auto context = ValueOrRaise(ltp::PropertyContext::Open(source_, source[i].trees, &faults_));
-      auto written = ValueOrRaise(ltp::PropertyContext::Open(*target_, target[i].trees));
+      auto context = ltp::PropertyContext::Open(source_, source[i].trees, &faults_);
+      auto written = ltp::PropertyContext::Open(*target_, target[i].trees);
       CompareProperties(pair, context, written, kAttachment, page);
       CompareObjects(pair, context, written, depth);
     }
@@ -322,8 +321,8 @@ class StoreComparison {
     const auto object = from.ReadObject(tag::kAttachDataObject);
     if (!object) return;
     const auto written = to.ReadObject(tag::kAttachDataObject);
-    const auto source = ValueOrRaise(from.FindSubnode(object->nid));
-    const auto target = written ? ValueOrRaise(to.FindSubnode(written->nid)) : std::nullopt;
+    const auto source = from.FindSubnode(object->nid);
+    const auto target = written ? to.FindSubnode(written->nid) : std::nullopt;
     if (!source || !target) return Note(pair, "an attachment's object is not there");
     if (depth == kMostCompared) return;
     if (TypeOf(object->nid) == NidType::kNormalMessage) {
@@ -335,8 +334,8 @@ class StoreComparison {
 
   void CompareNodes(const Pair& pair, const ndb::NodeTrees& source, const ndb::NodeTrees& target, int depth) {
     CompareTrees(pair, source.bidData, target.bidData, "an attachment's object");
-    const Subnodes from = ValueOrRaise(ndb::ListSubnodes(source_, source.bidSub, &faults_));
-    const Subnodes to = ValueOrRaise(ndb::ListSubnodes(*target_, target.bidSub));
+    const Subnodes from = ndb::ListSubnodes(source_, source.bidSub, &faults_);
+    const Subnodes to = ndb::ListSubnodes(*target_, target.bidSub);
     if (from.size() != to.size()) return Note(pair, "an attachment's object has another number of parts");
     for (std::size_t i = 0; i < from.size() && depth < kMostCompared; ++i) {
       CompareNodes(pair, from[i].trees, to[i].trees, depth + 1);
@@ -352,8 +351,7 @@ class StoreComparison {
     for (const auto& [folder, count] : held) {
       if (countIn_[folder] != count) Note({{}, folder}, "the folder holds messages that are not the source's");
       const auto node = target_->FindNode(folder);
-      auto context = node ? ltp::PropertyContext::Open(*target_, node->trees)
-                          : Result<ltp::PropertyContext>(tl::unexpected(Failure()));
+      auto context = node ? IfReadable([&] { return ltp::PropertyContext::Open(*target_, node->trees); }) : std::nullopt;
       if (!context) {
         Note({{}, folder}, "the folder cannot be read");
         continue;

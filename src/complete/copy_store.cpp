@@ -128,7 +128,7 @@ class StoreCopy {
   bool IsWanted(const ndb::NodeEntry& node) {
     if (options_.hidden) return true;
     ndb::Faults faults;
-    auto context = ltp::PropertyContext::Open(source_, node.trees, &faults);
+    auto context = IfReadable([&] { return ltp::PropertyContext::Open(source_, node.trees, &faults); });
     if (!context) return false;
     const auto wide = context->Text(tag::kMessageClass);
     const auto narrow = context->Binary(MakeTag(IdOf(tag::kMessageClass), PropType::kString8));
@@ -183,15 +183,17 @@ class StoreCopy {
     const auto tableNode = source_.FindNode(Sibling(node.nidParent, NidType::kContentsTable));
     if (!tableNode) return;
     ndb::Faults faults(tableNode->nid);
-    auto table = ltp::TableContext::Open(source_, tableNode->trees, &faults);
+    auto table = IfReadable([&] { return ltp::TableContext::Open(source_, tableNode->trees, &faults); });
     const auto row = table ? table->FindRow(Value(node.nid)) : std::nullopt;
     if (!row) return;
     PropertyBag properties;
     PropertyCopier copier(tools_);
     for (const ltp::Column& column : table->Columns()) {
-      const auto cell = IdOf(column.tag) < name_map::kFirstNamedId ? table->Cell(*row, column.tag) : std::nullopt;
+      if (IdOf(column.tag) >= name_map::kFirstNamedId) continue;
       try {
-        if (cell && *cell) copier.Put(column.tag, TargetForm(column.tag), **cell, pages_.OfStore(), properties);
+        if (auto cell = table->Cell(*row, column.tag)) {
+          copier.Put(column.tag, TargetForm(column.tag), std::move(*cell), pages_.OfStore(), properties);
+        }
       } catch (const FailureError&) {
         // The others name it as well.
       }

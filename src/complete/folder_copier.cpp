@@ -84,9 +84,9 @@ PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& miss
   ndb::Faults faults(folder.nid);
   PropertyBag properties;
   try {
-    auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, folder.trees, &faults));
-    for (const ndb::Fault& fault : faults.List()) {
-      missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault.cause});
+    auto context = ltp::PropertyContext::Open(tools_.source, folder.trees, &faults);
+    for (const Failure& fault : faults.List()) {
+      missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault});
     }
     properties = properties_.Copy(context, kFolder, tools_.pages.OfStore(), faults, {}, missing);
   } catch (const std::exception&) {

@@ -20,9 +20,7 @@ constexpr Nid kOfflineOutbox{0x21A2};
 constexpr Nid kOfflineSentMail{0x21C2};
 
 std::optional<ltp::PropertyContext> Open(const LiveStore& source, const ndb::NodeTrees& trees, ndb::Faults& faults) {
-  auto context = ltp::PropertyContext::Open(source, trees, &faults);
-  if (!context) return std::nullopt;
-  return std::move(*context);
+  return IfReadable([&] { return ltp::PropertyContext::Open(source, trees, &faults); });
 }
 
 text::Text NameOf(ltp::PropertyContext& folder, const text::CodePage& page) {

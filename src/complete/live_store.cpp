@@ -6,23 +6,23 @@ namespace velmora::complete {
 
 bool HasSoundTrees(const engine::Source& source) {
   const engine::SourceBytes bytes(source);
-  const auto trees = ndb::StoreReader::Open(bytes);
+  const auto trees = IfReadable([&] { return ndb::StoreReader::Open(bytes); });
   return trees && (*trees)->Damage().Count() == 0 && !(*trees)->Nodes().empty();
 }
 
 LiveStore::LiveStore(const engine::ScannedStore& found, Evidence& evidence) : found_(found), bytes_(found.source) {
-  auto trees = ndb::StoreReader::Open(bytes_);
-  if (!trees) {
-    evidence.treeFaults.push_back(trees.error());
-  } else {
+  try {
+    trees_ = ndb::StoreReader::Open(bytes_);
     evidence.headerUsed = true;
-    evidence.treesUsed = (*trees)->Damage().Count() == 0;
-    for (const ndb::Fault& fault : (*trees)->Damage().List()) evidence.treeFaults.push_back(fault.cause);
-    evidence.treeNodes = (*trees)->Nodes().size();
-    evidence.treeBlocks = (*trees)->BlockCount();
-    if (!(*trees)->Nodes().empty()) trees_ = std::move(*trees);
+    evidence.treesUsed = trees_->Damage().Count() == 0;
+    evidence.treeFaults = trees_->Damage().List();
+    evidence.treeNodes = trees_->Nodes().size();
+    evidence.treeBlocks = trees_->BlockCount();
+    if (!trees_->Nodes().empty()) return;
+    trees_.reset();
+  } catch (const FailureError& failure) {
+    evidence.treeFaults.push_back(failure.Cause());
   }
-  if (trees_) return;
   for (const engine::NodeRecord& record : found_.nodes.Records()) {
     const ndb::NodeEntry* same = scannedNodes_.empty() ? nullptr : &scannedNodes_.back();
     if (record.upperPage || (same != nullptr && same->nid == Nid{record.nid})) continue;
@@ -33,11 +33,16 @@ LiveStore::LiveStore(const engine::ScannedStore& found, Evidence& evidence) : fo
   scannedNodes_.erase(repeated.begin(), repeated.end());
 }
 
-Result<void> LiveStore::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
-  if (!trees_) return found_.ReadBlock(bid, out);
-  auto read = trees_->ReadBlock(bid, out);
-  if (read || found_.ReadBlock(bid, out)) return {};
-  return read;  // what the tree says of it tells more
+bool LiveStore::FindBlock(Bid bid, std::vector<std::byte>& out) const {
+  if (!trees_) return found_.FindBlock(bid, out);
+  try {
+    if (trees_->FindBlock(bid, out)) return true;
+  } catch (const FailureError&) {
+    // What the tree says of it tells more than that the scan has no better one.
+    if (IfReadable([&] { return found_.FindBlock(bid, out); }).value_or(false)) return true;
+    throw;
+  }
+  return found_.FindBlock(bid, out);
 }
 
 std::optional<ndb::NodeEntry> LiveStore::FindNode(Nid nid) const {

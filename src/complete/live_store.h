@@ -23,7 +23,7 @@ class LiveStore : public ndb::BlockSource {
   LiveStore(const engine::ScannedStore& found, Evidence& evidence);
 
   const Generation& Format() const override { return trees_ ? trees_->Format() : found_.Format(); }
-  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;
 
   /// All live nodes by ascending id.

@@ -32,7 +32,7 @@ text::Text NameOf(const PropertyBag& attachment) {
   return {};
 }
 
-Failure TooMuch(std::string object) {
+Failure TooMuch(platform::FailedObject object) {
   return {FailureKind::kNotSupported, std::move(object), 0, "the store claims more than it can hold"};
 }
 
@@ -61,16 +61,16 @@ PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
 
 CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
   Opened from{trees, ndb::Faults(), {}, nullptr, depth};
-  auto context = ValueOrRaise(ltp::PropertyContext::Open(tools_.source, trees, &from.faults));
+  auto context = ltp::PropertyContext::Open(tools_.source, trees, &from.faults);
   CopiedMessage out;
   from.page = &tools_.pages.Of(context);
-  for (const ndb::Fault& fault : from.faults.List()) {
-    out.missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault.cause});
+  for (const Failure& fault : from.faults.List()) {
+    out.missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault});
   }
   out.message.properties =
       properties_.Copy(context, kMessage, *from.page, from.faults, DefaultsOf(context), out.missing);
   try {
-    from.subnodes = ValueOrRaise(context.Subnodes());
+    from.subnodes = context.Subnodes();
   } catch (const std::exception&) {
     out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = CauseOfLoss()});
     return out;
@@ -86,10 +86,10 @@ PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, co
   for (const ltp::Column& column : table.Columns()) {
     if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || IsLeftOut(IdOf(column.tag), owner)) continue;
     try {
-      auto value = ValueOrRaise(table.Cell(row, column.tag));
+      auto value = table.Cell(row, column.tag);
       if (!value) continue;
       tools_.account.bytes += value->size();
-      if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch(Named("property", column.tag)));
+      if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
       properties_.Put(column.tag, properties_.TargetTag(column.tag), std::move(*value), page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
@@ -102,22 +102,24 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
   const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kRecipientTable);
   if (subnode == nullptr) return;
   const std::size_t faultsBefore = from.faults.Count();
-  auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults);
-  if (!table) {
-    out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = table.error()});
+  std::optional<ltp::TableContext> table;
+  try {
+    table.emplace(ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults));
+  } catch (const FailureError& failure) {
+    out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = failure.Cause()});
     return;
   }
   Missing missing;
   for (std::size_t row = 0; row < table->RowCount(); ++row) {
     if (!tools_.allowance.TakeHeld(sizeof(PropertyBag))) {
-      missing.push_back({.cause = TooMuch(Named("sub-node", nid::kRecipientTable))});
+      missing.push_back({.cause = TooMuch({ObjectKind::kSubnode, nid::kRecipientTable})});
       break;
     }
     out.message.recipients.push_back(CopyRow(*table, row, *from.page, kRecipient, missing));
   }
   tools_.account.recipients += out.message.recipients.size();
   if (missing.empty() && from.faults.Count() != faultsBefore)
-    missing.push_back({.cause = from.faults.List().back().cause});
+    missing.push_back({.cause = from.faults.List().back()});
   for (MissingPart& part : missing) {
     part.kind = MissingPart::Kind::kRecipients;
     out.missing.push_back(std::move(part));
@@ -133,8 +135,7 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
 
   std::optional<ltp::TableContext> rows;
   if (const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kAttachmentTable)) {
-    if (auto table = ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults))
-      rows.emplace(std::move(*table));
+    rows = IfReadable([&] { return ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults); });
   }
   // An attachment whose sub-node is lost is known by its row alone: what that tells of it comes across.
   const auto copyRow = [&](std::size_t row, const Failure& cause) {
@@ -151,7 +152,7 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
   std::size_t row = 0;
   const auto copyRowsBefore = [&](std::uint64_t nid) {
     for (; rows && row < rows->RowCount() && rows->RowId(row) < nid; ++row) {
-      copyRow(row, {FailureKind::kCorrupt, Named("sub-node", rows->RowId(row)), 0,
+      copyRow(row, {FailureKind::kCorrupt, {ObjectKind::kSubnode, rows->RowId(row)}, 0,
                     "the attachment's sub-node is not there"});
     }
   };
@@ -162,19 +163,23 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
     if (hasRow) ++row;
     if (!tools_.allowance.TakePart()) {
       out.missing.push_back(
-          {.kind = MissingPart::Kind::kAttachment, .cause = TooMuch(Named("sub-node", subnode->nid))});
+          {.kind = MissingPart::Kind::kAttachment, .cause = TooMuch({ObjectKind::kSubnode, subnode->nid})});
       continue;
     }
     ++tools_.account.attachments;
     ndb::Faults faults(subnode->nid);
-    auto context = ltp::PropertyContext::Open(tools_.source, subnode->trees, &faults);
-    if (context) {
-      out.message.attachments.push_back(CopyAttachment(from, *context, faults, out.missing));
-    } else if (hasRow) {
-      copyRow(ownRow, context.error());
-    } else {
-      out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = context.error()});
+    std::optional<ltp::PropertyContext> context;
+    try {
+      context.emplace(ltp::PropertyContext::Open(tools_.source, subnode->trees, &faults));
+    } catch (const FailureError& failure) {
+      if (hasRow) {
+        copyRow(ownRow, failure.Cause());
+      } else {
+        out.missing.push_back({.kind = MissingPart::Kind::kAttachment, .cause = failure.Cause()});
+      }
+      continue;
     }
+    out.message.attachments.push_back(CopyAttachment(from, *context, faults, out.missing));
   }
   copyRowsBefore(std::uint64_t{UINT32_MAX} + 1);
 }
@@ -182,7 +187,7 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
 PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& context, const ndb::Faults& faults,
                                           Missing& missing) {
   Missing ofThis;
-  for (const ndb::Fault& fault : faults.List()) ofThis.push_back({.cause = fault.cause});
+  for (const Failure& fault : faults.List()) ofThis.push_back({.cause = fault});
   PropertyBag defaults;
   defaults.PutInteger32(tag::kAttachMethod, 0);
   defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
@@ -204,10 +209,10 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
 void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBag& out, Missing& missing) {
   const auto object = from.ReadObject(tag::kAttachDataObject);
   if (!object) return;
-  const auto subnode = ValueOrRaise(from.FindSubnode(object->nid));
+  const auto subnode = from.FindSubnode(object->nid);
   if (!subnode)
-    RaiseCorrupt(Named("sub-node", object->nid), Value(object->nid), "the attachment's object is not there");
-  if (depth == kMostDepth) RaiseCorrupt(Named("sub-node", object->nid), depth, "messages nest too deep");
+    RaiseCorrupt({ObjectKind::kSubnode, object->nid}, Value(object->nid), "the attachment's object is not there");
+  if (depth == kMostDepth) RaiseCorrupt({ObjectKind::kSubnode, object->nid}, depth, "messages nest too deep");
   if (TypeOf(object->nid) != NidType::kNormalMessage) {
     tools_.target.PutObject(out, CopyNode(subnode->trees, from.FaultList(), depth));
     return;
@@ -219,8 +224,8 @@ void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBa
 }
 
 ndb::WrittenNode MessageCopier::CopyNode(const ndb::NodeTrees& trees, ndb::Faults* faults, int depth) {
-  if (depth == kMostDepth) RaiseCorrupt(Named("block", trees.bidSub), depth, "sub-nodes nest too deep");
-  if (!tools_.allowance.TakePart()) throw FailureError(TooMuch(Named("block", trees.bidSub)));
+  if (depth == kMostDepth) RaiseCorrupt({ObjectKind::kBlock, trees.bidSub}, depth, "sub-nodes nest too deep");
+  if (!tools_.allowance.TakePart()) throw FailureError(TooMuch({ObjectKind::kBlock, trees.bidSub}));
   ndb::NdbWriter& ndb = tools_.target.Ndb();
   ndb::WrittenNode node;
   const ndb::DataTree data = properties_.CopyTree(trees.bidData, faults);
@@ -228,7 +233,7 @@ ndb::WrittenNode MessageCopier::CopyNode(const ndb::NodeTrees& trees, ndb::Fault
   node.dataSize = data.size;
   ndb::SubnodeTreeWriter below(ndb);
   try {
-    for (const ndb::SubnodeEntry& subnode : ValueOrRaise(ndb::ListSubnodes(tools_.source, trees.bidSub, faults))) {
+    for (const ndb::SubnodeEntry& subnode : ndb::ListSubnodes(tools_.source, trees.bidSub, faults)) {
       below.Add(subnode.nid, CopyNode(subnode.trees, faults, depth + 1));
     }
     const ndb::SubnodeTree tree = messaging::AsOperation([&] { return below.Finish(); });

@@ -33,20 +33,20 @@ Failure CauseOfLoss() {
     return failure.Cause();
   } catch (const output::OutputFailure& failure) {
     if (output::IsStoreFailure(failure)) throw;
-    return {FailureKind::kNotSupported, "object", 0, failure.what()};
+    return failure.Cause() ? *failure.Cause() : Failure{FailureKind::kNotSupported, {}, std::nullopt, failure.what()};
   }
 }
 
 void PropertyCopier::TakeBytes(std::uint64_t count) {
   if (tools_.allowance.TakeBytes(count)) return;
-  Raise(FailureKind::kNotSupported, "value", count, "the store claims more than it can hold");
+  Raise(FailureKind::kNotSupported, ObjectKind::kDataTree, count, "the store claims more than it can hold");
 }
 
 PropTag PropertyCopier::TargetTag(PropTag tag) {
   tag = TargetForm(tag);
   if (IdOf(tag) < name_map::kFirstNamedId) return tag;
   const messaging::AnyPropertyName* name = tools_.names.Of(IdOf(tag));
-  if (name == nullptr) RaiseCorrupt(Named("property", tag), IdOf(tag), "the store has no name for it");
+  if (name == nullptr) RaiseCorrupt({ObjectKind::kProperty, tag}, IdOf(tag), "the store has no name for it");
   return MakeTag(tools_.target.NamedId(*name), TypeOf(tag));
 }
 
@@ -62,12 +62,12 @@ void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte> 
 }
 
 ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
-  auto from = ValueOrRaise(ndb::DataTreeReader::Open(tools_.source, bidData, faults));
+  auto from = ndb::DataTreeReader::Open(tools_.source, bidData, faults);
   TakeBytes(from.Size());
   ndb::DataTreeWriter to(tools_.target.Ndb());
   std::vector<std::byte> piece(kPiece);
   std::uint64_t offset = 0;
-  while (const std::size_t count = ValueOrRaise(from.ReadAt(offset, piece))) {
+  while (const std::size_t count = from.ReadAt(offset, piece)) {
     messaging::AsOperation([&] { to.Append(std::span(piece).first(count)); });
     offset += count;
   }
@@ -77,18 +77,18 @@ ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
 
 void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
                              PropertyBag& out) {
-  const std::uint64_t size = ValueOrRaise(from.SizeOf(tag)).value_or(0);
+  const std::uint64_t size = from.SizeOf(tag).value_or(0);
   if (size > MostInMemory(targetTag) && IsCopiedAsItIs(tag, size)) {
     ltp::CheckSize(targetTag, size);
-    const auto tree = ValueOrRaise(from.TreeOf(tag));
-    if (!tree) RaiseCorrupt(Named("property", tag), size, "the value lies in no sub-node");
+    const auto tree = from.TreeOf(tag);
+    if (!tree) RaiseCorrupt({ObjectKind::kProperty, tag}, size, "the value lies in no sub-node");
     tools_.target.PutTree(out, targetTag, CopyTree(tree->bid, from.FaultList()));
     return;
   }
   if (!tools_.allowance.TakeText(size)) {
-    Raise(FailureKind::kNotSupported, Named("property", tag), size, "the store claims more than it can hold");
+    Raise(FailureKind::kNotSupported, {ObjectKind::kProperty, tag}, size, "the store claims more than it can hold");
   }
-  auto value = ValueOrRaise(from.Read(tag, kMostConverted));
+  auto value = from.Read(tag, kMostConverted);
   tools_.account.bytes += value->size();
   Put(tag, targetTag, std::move(*value), page, out);
 }
@@ -130,7 +130,7 @@ PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const 
       continue;
     }
     if (faults.Count() != faultsBefore) {
-      const Failure cause = faults.List().size() > faultsBefore ? faults.List()[faultsBefore].cause : Failure{};
+      const Failure cause = faults.List().size() > faultsBefore ? faults.List()[faultsBefore] : Failure{};
       missing.push_back({.kind = MissingPart::Kind::kBytes, .tag = tag, .cause = cause});
     }
   }

@@ -8,7 +8,7 @@ SourceNames::SourceNames(const ndb::BlockSource& source) {
   const auto node = source.FindNode(nid::kNameToIdMap);
   if (!node) return;
   ndb::Faults faults(nid::kNameToIdMap);
-  auto map = ltp::PropertyContext::Open(source, node->trees, &faults);
+  auto map = IfReadable([&] { return ltp::PropertyContext::Open(source, node->trees, &faults); });
   if (!map) return;
   for (auto& [id, name] : messaging::ReadNames(*map)) names_.emplace(id, std::move(name));
 }

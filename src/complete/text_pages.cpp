@@ -69,7 +69,7 @@ TextPages::TextPages(const LiveStore& source, const text::CodePage& last) : last
     if (TypeOf(node.nid) != NidType::kNormalMessage && TypeOf(node.nid) != NidType::kAssocMessage) continue;
     if (asked == kMostAsked) break;
     ndb::Faults faults(node.nid);
-    auto message = ltp::PropertyContext::Open(source, node.trees, &faults);
+    auto message = IfReadable([&] { return ltp::PropertyContext::Open(source, node.trees, &faults); });
     const auto number = message ? NumberOf(*message) : std::nullopt;
     if (!number || Find(*number) == nullptr) continue;
     ++told[*number];

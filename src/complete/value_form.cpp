@@ -47,7 +47,9 @@ bool BringIntoForm(PropTag tag, std::vector<std::byte>& value, const text::CodeP
     value = ltp::EncodeText(decoded(value));
   } else if (TypeOf(tag) == PropType::kMultipleString8) {
     std::vector<text::Text> texts;
-    for (const auto& element : ValueOrRaise(ltp::DecodeMultiple(value))) texts.push_back(decoded(element));
+    const auto elements = ltp::DecodeMultiple(value);
+    if (!elements) RaiseCorrupt({ObjectKind::kProperty, tag}, value.size(), "the value does not fit its type");
+    for (const auto& element : *elements) texts.push_back(decoded(element));
     value = ltp::EncodeMultiple(texts);
   } else if (TypeOf(tag) == PropType::kBoolean && !value.empty()) {
     value[0] = std::byte(value[0] != std::byte{0});

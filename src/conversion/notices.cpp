@@ -42,8 +42,4 @@ NoticeText TextOf(const Notice& notice) {
           text::Text(row.text) + (row.namesStore ? notice.path : text::Text())};
 }
 
-std::string CauseOf(const platform::Failure& failure) {
-  return failure.object.empty() ? failure.message : failure.object + ": " + failure.message;
-}
-
 }  // namespace velmora::conversion

@@ -1,8 +1,6 @@
 // What people read of the notices of a run.
 #pragma once
 
-#include <string>
-
 #include "engine/event.h"
 
 namespace velmora::conversion {
@@ -17,8 +15,5 @@ struct NoticeText {
 };
 
 NoticeText TextOf(const Notice& notice);
-
-/// Why, in plain words: "/mnt/out: Permission denied". Empty when nothing is known.
-std::string CauseOf(const platform::Failure& failure);
 
 }  // namespace velmora::conversion

@@ -83,11 +83,8 @@ void COutLook::ReportStoreFailure(const platform::Failure& cause) {
 
 platform::Failure FailureOf(const std::exception& failure) {
   const auto* output = dynamic_cast<const output::OutputFailure*>(&failure);
-  const bool isFull = output != nullptr && output->Code() == output::ResultCode::STG_E_MEDIUMFULL;
-  return {.kind = isFull ? platform::FailureKind::kFull : platform::FailureKind::kInputOutput,
-          .object = {},
-          .offset = 0,
-          .message = failure.what()};
+  return output != nullptr ? output::CauseOf(*output)
+                           : platform::Failure{platform::FailureKind::kInputOutput, {}, {}, failure.what()};
 }
 
 }  // namespace velmora::conversion

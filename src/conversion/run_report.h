@@ -7,6 +7,7 @@
 
 #include "conversion/summary.h"
 #include "engine/heap_evidence.h"
+#include "engine/source.h"
 #include "platform/failure.h"
 #include "recovery/recovery_report.h"
 #include "store/format/generation.h"
@@ -35,5 +36,11 @@ struct RunReport {
   std::optional<LeftStore> left;
   std::optional<platform::Failure> readFailure;  ///< the first read of the source that failed
 };
+
+/// Stretches that a report lists; of those beyond it has the number and the bytes.
+inline constexpr std::size_t kMostUnreadRanges = 1000;
+
+/// Adds a loss for each stretch: nobody knows what stood there, and what did is not in the new store.
+void ReportUnreadRanges(const engine::BadRanges& bad, recovery::RecoveryReport& report);
 
 }  // namespace velmora::conversion

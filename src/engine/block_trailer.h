@@ -5,8 +5,8 @@
 
 #include "engine/zero_runs.h"
 #include "store/format/byte_view.h"
+#include "store/format/checksum.h"
 #include "store/format/generation.h"
-#include "store/format/signature.h"
 
 namespace velmora::engine {
 

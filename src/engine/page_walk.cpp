@@ -2,10 +2,6 @@
 
 namespace velmora::engine {
 
-std::uint64_t FirstPage(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 147456 : 18432; }
-
-std::uint32_t StrideOf(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 4096 : 512; }
-
 void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes, Phase phase,
                PageVisitor& visitor) {
   const Generation& layout = scan.found->layout;

@@ -27,11 +27,13 @@ struct WalkSizes {
   std::uint32_t reach;  ///< what the window holds from the beginning of a step on, for the visitor; no less than `read`
 };
 
-/// Of the first page: there is none ahead of the first allocation map.
-std::uint64_t FirstPage(const Generation& layout);
-
 /// From one page to the next, in a store of that format or of none.
-std::uint32_t StrideOf(const Generation& layout);
+constexpr std::uint32_t StrideOf(const Generation& layout) { return LayoutOf(layout.formatId).pageSize; }
+
+/// Of the first page: there is none ahead of the first allocation map, which is page 34, nor of the map of pages behind
+/// it.
+constexpr std::uint64_t FirstPage(const Generation& layout) { return 36ull * StrideOf(layout); }
+static_assert(FirstPage(generations::kUnicode) == 18432 && FirstPage(generations::kUnicode4k) == 147456);
 
 /// From the first page of the store to the end of its source. Reports each step with `phase`; ends early once
 /// `runEnded` is raised.

@@ -4,22 +4,20 @@
 
 namespace velmora::engine {
 
-Result<void> ScannedStore::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
+bool ScannedStore::FindBlock(Bid bid, std::vector<std::byte>& out) const {
   const std::uint64_t id = Value(Canonical(bid));
   auto block = index.FindExact(Bid{id});
   if (!block) block = index.FindExact(Bid{id | 1});
-  if (!block || id == 0) return Fail(FailureKind::kNotFound, Named("block", id), id, "the store has no such block");
+  if (!block || id == 0) return false;
 
   out.resize(BlockSizeOnDisk(block->size, layout));
-  const auto read = source.Read(block->offset, out);
-  if (!read) return tl::unexpected(read.error());
-  out.resize(*read);
+  out.resize(ValueOrRaise(source.Read(block->offset, out)));
   const std::string_view fault = WhyNotBlock(out, {block->bid, block->offset}, block->size, layout);
-  if (!fault.empty()) return Corrupt(Named("block", id), block->offset, std::string(fault));
+  if (!fault.empty()) RaiseCorrupt({ObjectKind::kBlock, id}, block->offset, fault);
   if (!UnpackBlock(out, block->bid, block->size, blockEncoding, layout)) {
-    return Corrupt(Named("block", id), block->offset, "it cannot be inflated");
+    RaiseCorrupt({ObjectKind::kBlock, id}, block->offset, "it cannot be inflated");
   }
-  return {};
+  return true;
 }
 
 std::optional<ndb::NodeEntry> ScannedStore::FindNode(Nid nid) const {

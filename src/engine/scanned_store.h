@@ -28,7 +28,7 @@ struct ScannedStore : ndb::BlockSource {
 
   /// What the trees of a sound store hold under that id: the block proves itself by its trailer and checksum, is
   /// decoded and, in the 4K format, inflated (65,512 bytes at most). What could not be read is kept in `source`.
-  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
 
   /// Of several records the first in the order of the list.
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;

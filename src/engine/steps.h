@@ -11,7 +11,7 @@
 
 namespace velmora::engine {
 
-/// source_open.cpp. Makes the scan new, so nothing of an earlier run stays; sends stage 1, opens the file
+/// steps.cpp. Makes the scan new, so nothing of an earlier run stays; sends stage 1, opens the file
 /// with read sharing and sets `percentBase`. A source that cannot be opened shows its box and throws
 /// WorkerEnded; `source` is closed then.
 void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& path,
@@ -33,7 +33,7 @@ void ScanNodePages(StoreScan& scan, RunContext& run);
 /// written, and fewer than 2 records, show their box and raise `runAborted`.
 void ScanBlockPages(StoreScan& scan, RunContext& run);
 
-/// finish_scan.cpp. Gives what was found away, constant from now on, whatever became of the steps. In a run that goes
+/// steps.cpp. Gives what was found away, constant from now on, whatever became of the steps. In a run that goes
 /// on it tells the encoding first, unless the block scan did.
 [[nodiscard]] std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run);
 

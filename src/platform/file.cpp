@@ -41,7 +41,7 @@ FailureKind KindOf(int error) {
   }
 }
 
-tl::unexpected<Failure> Fail(int error, const std::string& object, std::uint64_t offset = 0) {
+tl::unexpected<Failure> Fail(int error, const std::string& object, std::optional<std::uint64_t> offset = {}) {
   return tl::unexpected(Failure{KindOf(error), object, offset, std::generic_category().message(error)});
 }
 
@@ -137,7 +137,7 @@ class SystemFile : public ByteStore {
   std::uint64_t size_;
 };
 
-Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int flags) {
+Result<std::unique_ptr<ByteStore>> Open(const std::filesystem::path& path, int flags) {
   // O_NONBLOCK: a named pipe must not hold the program; regular files take no notice of it.
   Descriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0644));
   if (descriptor.Get() < 0) return Fail(errno, path.string());
@@ -145,28 +145,20 @@ Result<std::unique_ptr<SystemFile>> Open(const std::filesystem::path& path, int 
   if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path.string());
   if (S_ISDIR(status.st_mode)) return Fail(EISDIR, path.string());
   if (!S_ISREG(status.st_mode))
-    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), 0, "no regular file"});
+    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, "no regular file"});
   return std::make_unique<SystemFile>(std::move(descriptor), path.string(), static_cast<std::uint64_t>(status.st_size));
 }
 
 }  // namespace
 
 Result<std::unique_ptr<ByteSource>> OpenForReading(const std::filesystem::path& path) {
-  auto file = Open(path, O_RDONLY);
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteSource>(std::move(*file));
+  return Open(path, O_RDONLY).map([](auto file) { return std::unique_ptr<ByteSource>(std::move(file)); });
 }
 
-Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path) {
-  auto file = Open(path, O_RDWR);
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteStore>(std::move(*file));
-}
+Result<std::unique_ptr<ByteStore>> OpenForWriting(const std::filesystem::path& path) { return Open(path, O_RDWR); }
 
 Result<std::unique_ptr<ByteStore>> CreateFile(const std::filesystem::path& path, Existing existing) {
-  auto file = Open(path, O_RDWR | O_CREAT | (existing == Existing::kRefuse ? O_EXCL : O_TRUNC));
-  if (!file) return tl::unexpected(file.error());
-  return std::unique_ptr<ByteStore>(std::move(*file));
+  return Open(path, O_RDWR | O_CREAT | (existing == Existing::kRefuse ? O_EXCL : O_TRUNC));
 }
 
 Result<std::unique_ptr<ByteStore>> CreateUnnamedFile() {

@@ -53,12 +53,12 @@ IniFile IniFile::Parse(std::string_view text) {
 Result<IniFile> IniFile::Load(const std::filesystem::path& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error) return tl::unexpected(Failure{FailureKind::kNotFound, path.string(), 0, error.message()});
+  if (error) return tl::unexpected(Failure{FailureKind::kNotFound, path.string(), {}, error.message()});
   if (size > kLargestFile) {
     return tl::unexpected(Failure{FailureKind::kNotSupported, path.string(), size, "too long for a settings file"});
   }
   std::ifstream file(path, std::ios::binary);
-  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), 0, "cannot be opened"});
+  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, "cannot be opened"});
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   return Parse(text);
 }
@@ -84,7 +84,8 @@ void IniFile::Set(std::string_view section, std::string_view key, std::string_vi
   const std::size_t index = Find(section);
   if (index == sections_.size()) sections_.push_back({std::string(section), {}});
   auto& values = sections_[index].values;
-  const auto found = std::find_if(values.begin(), values.end(), [&](const auto& each) { return SameName(each.first, key); });
+  const auto found =
+      std::find_if(values.begin(), values.end(), [&](const auto& each) { return SameName(each.first, key); });
   if (found != values.end()) {
     found->second = value;
   } else {
@@ -108,9 +109,9 @@ Result<void> IniFile::Save(const std::filesystem::path& path) const {
   std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
   file << ToText();
   file.close();
-  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, fresh.string(), 0, "cannot be written"});
+  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, fresh.string(), {}, "cannot be written"});
   std::filesystem::rename(fresh, path, error);
-  if (error) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), 0, error.message()});
+  if (error) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, error.message()});
   return {};
 }
 

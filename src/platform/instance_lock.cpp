@@ -11,7 +11,7 @@ namespace velmora::platform {
 
 Result<InstanceLock> InstanceLock::Take(const std::filesystem::path& file) {
   const auto failed = [&](FailureKind kind, int error) {
-    return tl::unexpected(Failure{kind, file.string(), 0, std::generic_category().message(error)});
+    return tl::unexpected(Failure{kind, file.string(), {}, std::generic_category().message(error)});
   };
   std::error_code ignored;
   std::filesystem::create_directories(file.parent_path(), ignored);

@@ -40,7 +40,7 @@ std::string NameOf(const std::filesystem::path& process) {
 Result<std::filesystem::path> ProgramPath() {
   std::error_code error;
   std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) return tl::unexpected(Failure{FailureKind::kInputOutput, "/proc/self/exe", 0, error.message()});
+  if (error) return tl::unexpected(Failure{FailureKind::kInputOutput, "/proc/self/exe", {}, error.message()});
   return path;
 }
 
@@ -53,7 +53,9 @@ Result<void> StartProgram(const std::filesystem::path& file, const std::vector<s
   argv.push_back(nullptr);
   pid_t pid = 0;
   if (const int error = ::posix_spawn(&pid, name.c_str(), nullptr, nullptr, argv.data(), environ); error != 0) {
-    return tl::unexpected(Failure{error == ENOENT ? FailureKind::kNotFound : FailureKind::kDenied, name, 0,
+    return tl::unexpected(Failure{error == ENOENT ? FailureKind::kNotFound : FailureKind::kDenied,
+                                  name,
+                                  {},
                                   std::generic_category().message(error)});
   }
   // The thread takes its result even if nobody asks for it, so that no dead process is left behind.

@@ -27,7 +27,7 @@ Result<void> WriteTo(StandardStream stream, std::string_view bytes) {
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) {
       return tl::unexpected(
-          Failure{FailureKind::kInputOutput, "standard stream", 0, std::generic_category().message(errno)});
+          Failure{FailureKind::kInputOutput, "standard stream", {}, std::generic_category().message(errno)});
     }
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }

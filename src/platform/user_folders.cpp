@@ -20,7 +20,7 @@ Result<std::filesystem::path> FolderBy(const char* variable, std::string_view be
   if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') {
     return std::filesystem::path(home) / belowHome;
   }
-  return tl::unexpected(Failure{FailureKind::kNotFound, "HOME", 0, "the user has no home folder"});
+  return tl::unexpected(Failure{FailureKind::kNotFound, "HOME", {}, "the user has no home folder"});
 }
 
 }  // namespace
@@ -51,10 +51,10 @@ std::string UserName() {
 Result<TemporaryFolder> TemporaryFolder::Create() {
   std::error_code error;
   const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
-  if (error) return tl::unexpected(Failure{FailureKind::kInputOutput, "temporary folder", 0, error.message()});
+  if (error) return tl::unexpected(Failure{FailureKind::kInputOutput, "temporary folder", {}, error.message()});
   std::string name = (parent / "velmora-XXXXXX").string();
   if (::mkdtemp(name.data()) == nullptr) {
-    return tl::unexpected(Failure{FailureKind::kDenied, name, 0, std::generic_category().message(errno)});
+    return tl::unexpected(Failure{FailureKind::kDenied, name, {}, std::generic_category().message(errno)});
   }
   return TemporaryFolder(name);
 }

@@ -66,7 +66,7 @@ Attachment AttachmentReader::ReadAttachment(const SubNodeEntry& entry, const eng
   Attachment attachment;
   const auto bytes = ReadHeapBlock(source_.store, record, entry.bidData, kAttachmentRules, source_.allowance);
   if (!bytes) {
-    attachment.missing = TextOf(bytes.error());
+    attachment.missing = ReasonOf(bytes.error());
     return attachment;
   }
   const ByteView block(*bytes);
@@ -80,7 +80,7 @@ Attachment AttachmentReader::ReadAttachment(const SubNodeEntry& entry, const eng
     }
     ReadContent(entry, block, context, *names, attachment);
   } else {
-    attachment.missing = TextOf(context.BlockFaultOf(source_.store, record, kAttachmentRules));
+    attachment.missing = ReasonOf(context.FailureOf(source_.store, record, kAttachmentRules));
     attachment.isRecord = context.GetFault() == Fault::kRecordRange;
     if (context.GetFault() == Fault::kRootRange || attachment.isRecord) return attachment;
     left_.file.reset();
@@ -205,12 +205,12 @@ void AttachmentReader::ReadAttachmentSubNode(const SubNodeEntry& entry, const st
   auto record = blocks.FindBlockOrLower(entry.bidSub);
   if (!record && entry.bidSub == kWanderingBid) record = blocks.FindBlock(kLastTriedBid);
   if (!record) {
-    attachment.missing = TextOf(BlockFault::NotFound(entry.bidSub));
+    attachment.missing = ReasonOf(BlockNotFound(entry.bidSub));
     return;
   }
   const auto bytes = blocks.ReadChunk(record->offset, record->size);
   if (!bytes) {
-    attachment.missing = TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, *record));
+    attachment.missing = ReasonOf(BlockNotRead(*record));
     return;
   }
 

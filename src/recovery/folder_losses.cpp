@@ -5,17 +5,18 @@
 
 namespace velmora::recovery {
 
-void UnreadFolders::Note(const engine::NodeRecord& node, const BlockFault& fault) {
+void UnreadFolders::Note(const engine::NodeRecord& node, Failure failure) {
   const bool isFolder = HasNidType(node.nid, NidType::kNormalFolder) && node.nid != Value(nid::kRootFolder);
   const bool hasPlace = node.nidParent != 0 && node.nidParent != Value(nid::kRootFolder) && node.nidParent != node.nid;
-  if (isFolder && hasPlace && !node.upperPage)
-    unread_.try_emplace(node.nid, Unread{engine::LowBid(node.bidData), fault});
+  if (isFolder && hasPlace && !node.upperPage) {
+    unread_.try_emplace(node.nid, Unread{engine::LowBid(node.bidData), std::move(failure)});
+  }
 }
 
 void UnreadFolders::Report(RecoveryState& state, const FolderCollector& folders) const {
   for (const auto& [nid, unread] : unread_) {
     if (folders.Contains(nid)) continue;
-    ReportLoss(state, {LossKind::kFolder, nid, unread.bidData, {}, u"folder: " + TextOf(unread.fault)});
+    ReportLoss(state, {LossKind::kFolder, nid, unread.bidData, {}, u"folder: " + ReasonOf(unread.failure)});
   }
 }
 

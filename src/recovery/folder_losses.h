@@ -7,7 +7,7 @@
 #include <unordered_set>
 
 #include "engine/node_list.h"
-#include "recovery/block_fault.h"
+#include "recovery/block_failure.h"
 #include "recovery/folder_list.h"
 #include "recovery/recovery_state.h"
 
@@ -16,7 +16,7 @@ namespace velmora::recovery {
 /// Nodes that are folders by their identifier and gave none. A second node of the same identifier may still.
 class UnreadFolders {
  public:
-  void Note(const engine::NodeRecord& node, const BlockFault& fault);
+  void Note(const engine::NodeRecord& node, Failure failure);
 
   /// Lists those that no node gave; to be called behind the last node. A folder right below the root, where the rules
   /// make none, is no loss, and neither is the root.
@@ -25,7 +25,7 @@ class UnreadFolders {
  private:
   struct Unread {
     std::uint32_t bidData = 0;
-    BlockFault fault;
+    Failure failure;
   };
   std::map<std::uint32_t, Unread> unread_;  ///< the first node of each identifier
 };

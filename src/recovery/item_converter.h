@@ -12,7 +12,7 @@
 #include "engine/run.h"
 #include "recovery/named_prop_map.h"
 #include "store/format/byte_view.h"
-#include "store/format/property_record.h"
+#include "store/format/prop_tag.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 

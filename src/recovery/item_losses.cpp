@@ -80,7 +80,7 @@ class ItemLosses {
     const auto size = SizeOf(reported);
     if (size) return DecimalOf(*size) + u" bytes";
     const std::uint32_t bid = IsSubNodeValue(reported.dwValueHnid) ? BlockOf(reported.dwValueHnid) : 0;
-    return bid == 0 ? u"unknown size" : u"unknown size, since " + TextOf(BlockFault::NotFound(bid));
+    return bid == 0 ? u"unknown size" : u"unknown size, since " + ReasonOf(BlockNotFound(bid));
   }
 
   void ReportBody() {
@@ -96,7 +96,7 @@ class ItemLosses {
       found += (found.empty() ? u"" : u"; ") + Text(kBodyNames[kind]) + u" of " + SizeText(*losses_.bodies[kind]);
     }
     if (found.empty()) return;
-    const Text why = subNodes_.unread.fault ? u"; " + TextOf(*subNodes_.unread.fault) : Text();
+    const Text why = subNodes_.unread.failure ? u"; " + ReasonOf(*subNodes_.unread.failure) : Text();
     List(LossKind::kBody, u"body: none is read of " + found + why);
   }
 
@@ -136,8 +136,8 @@ class ItemLosses {
   }
 
   void ReportUnreadAttachments() {
-    if (!subNodes_.unread.fault) return;
-    const Text why = TextOf(*subNodes_.unread.fault);
+    if (!subNodes_.unread.failure) return;
+    const Text why = ReasonOf(*subNodes_.unread.failure);
     bool known = false;
     for (const SubNodeEntry& entry : subNodes_.unread.entries) {
       if (!HasNidType(entry.nid, NidType::kAttachment)) continue;
@@ -164,23 +164,25 @@ class ItemLosses {
 }  // namespace
 
 UnreadSubNodes ReadUnreadSubNodes(const RecoveryRun& run, std::uint32_t bidSub, const SubNodeList& read) {
-  using Cause = BlockFault::Cause;
   // A list of several entries is one: an upper level never looks like that.
   if (bidSub == 0 || read.size() > 1) return {};
   const engine::BlockReader blocks(run.store);
   const auto record = blocks.FindBlockOrLower(bidSub);
-  if (!record) return {{}, BlockFault::NotFound(bidSub)};
+  if (!record) return {{}, BlockNotFound(bidSub)};
   const bool allowed = run.state.reportAllowance.TakeBytes(record->size);
   const auto bytes = allowed ? blocks.ReadChunk(record->offset, record->size) : std::nullopt;
-  if (!bytes) return {{}, BlockFault::Of(Cause::kNotRead, *record)};
+  if (!bytes) return {{}, BlockNotRead(*record)};
 
   const ByteView block(*bytes);
   const Generation& layout = run.store.layout;
   if (block.U16(0) != kSiBlock) {
     if (block.U16(2) * layout.SubnodeEntrySize() <= block.Size()) return {};
-    return {{}, BlockFault::Of(Cause::kOverfull, *record)};
+    Failure overfull = BlockFailure(FailureKind::kCorrupt, *record, "claims more entries than it can hold");
+    overfull.offset.reset();  // the report never gave it
+    return {{}, std::move(overfull)};
   }
-  UnreadSubNodes unread{{}, BlockFault::Of(Cause::kUpperLevel, *record)};
+  UnreadSubNodes unread{
+      {}, PlainFailure(FailureKind::kNotSupported, "the list of its sub-nodes has an upper level, which is not read")};
   const std::uint32_t width = layout.idWidth;  // an entry is a sub-node and the block that lists those from it on
   const std::uint64_t count = block.U16(2);
   for (std::uint64_t at = width; at < width * (1 + 2 * count) && at < block.Size(); at += 2ull * width) {

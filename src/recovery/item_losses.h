@@ -13,8 +13,8 @@ namespace velmora::recovery {
 
 /// The sub-nodes that the reading of a message's list leaves out.
 struct UnreadSubNodes {
-  SubNodeList entries;              ///< those that are known: of a list with an upper level
-  std::optional<BlockFault> fault;  ///< nothing when the list was read, or there is none
+  SubNodeList entries;             ///< those that are known: of a list with an upper level
+  std::optional<Failure> failure;  ///< nothing when the list was read, or there is none
 };
 
 /// The sub-nodes of one message.

@@ -7,8 +7,8 @@
 namespace velmora::recovery {
 namespace {
 
-text::Text ReasonOf(const ItemOutcome& outcome) {
-  if (outcome.fault) return TextOf(*outcome.fault);
+text::Text WhyNoItem(const ItemOutcome& outcome) {
+  if (outcome.failure) return ReasonOf(*outcome.failure);
   if (!outcome.skip) return u"its item could not be saved";
   switch (*outcome.skip) {
     case SkipReason::kNoClass:
@@ -18,7 +18,7 @@ text::Text ReasonOf(const ItemOutcome& outcome) {
     case SkipReason::kNoFolder:
       return u"its folder is not known or could not be opened";
     default:
-      return {};  // a block has its fault
+      return {};  // a block has its failure
   }
 }
 
@@ -45,13 +45,13 @@ void ReportNode(RecoveryState& state, const engine::NodeRecord& node, const Item
       HasNidType(node.nid, NidType::kNormalMessage) || Classify(outcome.messageClass).verdict == ClassVerdict::kItem;
   if (!isMessage) return;
   ReportLoss(state, {LossKind::kMessage, node.nid, engine::LowBid(node.bidData),
-                     ReportText(state, outcome.messageClass), ReasonOf(outcome)});
+                     ReportText(state, outcome.messageClass), WhyNoItem(outcome)});
 }
 
 void ReportEmbedded(RecoveryState& state, const ItemWorkRecord& record) {
   if (record.outcome.saved || record.outcome.skip == SkipReason::kRefusedClass) return;
   ReportLoss(state, {LossKind::kEmbedded, record.nid, record.bidData, ReportText(state, record.outcome.messageClass),
-                     text::Text(u"embedded message: ").append(ReasonOf(record.outcome))});
+                     text::Text(u"embedded message: ").append(WhyNoItem(record.outcome))});
 }
 
 text::Text MessageNameOf(const ItemWorkRecord& record) {

@@ -204,22 +204,25 @@ ParsedMessage ParseMessage(const RecoveryRun& run, std::uint32_t bidData, const 
   ParsedMessage message;
   ItemOutcome& outcome = message.outcome;
   outcome.skip = SkipReason::kNoBlock;
-  outcome.fault = BlockFault::NotFound(bidData);
   const auto record = engine::BlockReader(run.store).FindBlockOrLower(bidData);
-  if (!record) return message;
+  if (!record) {
+    outcome.failure = BlockNotFound(bidData);
+    return message;
+  }
   outcome.skip = SkipReason::kBadHeap;
   auto bytes = ReadHeapBlock(run.store, *record, record->bid, kMessageRules, run.state.allowance);
   if (!bytes) {
-    outcome.fault = bytes.error();
+    outcome.failure = std::move(bytes.error());
     return message;
   }
   message.bytes = std::move(*bytes);
   message.block = {ByteView(message.bytes), *record, 0};
   message.block.record.size = static_cast<std::uint32_t>(message.bytes.size());
   const PropertyContext context(message.block.bytes, run.store, kMessageRules);
-  outcome.fault = context.BlockFaultOf(run.store, *record, kMessageRules);
-  if (context.GetFault() != PropertyContext::Fault::kNone) return message;
-  outcome.fault.reset();
+  if (context.GetFault() != PropertyContext::Fault::kNone) {
+    outcome.failure = context.FailureOf(run.store, *record, kMessageRules);
+    return message;
+  }
   outcome.skip = SkipReason::kNoClass;
   message.block.heapPageMapOffset = context.Header().ibHnpm;
 

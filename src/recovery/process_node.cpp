@@ -39,7 +39,7 @@ class WorkQueueRun {
     engine::ContentAllowance& allowance = run_.state.allowance;
     if (allowance.BytesSpent()) {
       record.outcome.skip = SkipReason::kNoBlock;
-      record.outcome.fault = BlockFault{.cause = BlockFault::Cause::kTooMuch, .bid = record.bidData};
+      record.outcome.failure = TooMuchClaimed();
       return;
     }
     MessageSubNodes subNodes;
@@ -47,7 +47,7 @@ class WorkQueueRun {
     subNodes.unread = ReadUnreadSubNodes(run_, record.bidSub, subNodes.entries);
     if (!engine::BlockReader(run_.store).FindBlockOrLower(record.bidData)) {
       record.outcome.skip = SkipReason::kNoBlock;
-      record.outcome.fault = BlockFault::NotFound(record.bidData);
+      record.outcome.failure = BlockNotFound(record.bidData);
       return;
     }
     ParsedMessage message;
@@ -106,7 +106,7 @@ class WorkQueueRun {
         Attach(entry.nid, message.items, attachment);
         NameLastRecord(attachment);
       } else {
-        attachment.missing = TextOf(BlockFault::NotFound(entry.bidData));
+        attachment.missing = ReasonOf(BlockNotFound(entry.bidData));
       }
       ++subNodes.tried;
       // What is no attachment by its identifier and by its block alike is no loss: the tables stand among them.

@@ -5,7 +5,6 @@
 namespace velmora::recovery {
 
 using engine::StoreKind;
-using Cause = BlockFault::Cause;
 
 namespace {
 
@@ -46,36 +45,37 @@ bool InflateUnlessHeap(const engine::ScannedStore& store, Bytes& bytes) {
   return true;
 }
 
-tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
-                                              const engine::BlockRecord& record, std::uint32_t id,
-                                              const ContextRules& rules) {
+platform::Result<Bytes> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
+                                      const engine::BlockRecord& record, std::uint32_t id, const ContextRules& rules) {
   auto bytes = engine::BlockReader(store).ReadChunk(record.offset, record.size);
-  if (!bytes) return tl::unexpected(BlockFault::Of(Cause::kNotRead, record));
+  if (!bytes) return tl::unexpected(BlockNotRead(record));
   if (rules.decodesOst || store.storeKind == StoreKind::kPst) DecodeBlock(encoding, Bid{id}, *bytes);
   if (Inflates(store, rules)) InflateUnlessHeap(store, *bytes);
   return std::move(*bytes);
 }
 
-tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                                              std::uint32_t id, const ContextRules& rules,
-                                              engine::ContentAllowance& allowance) {
-  const tl::unexpected<BlockFault> tooMuch(BlockFault::Of(Cause::kTooMuch, record));
-  if (!allowance.TakeBytes(record.size)) return tooMuch;
+platform::Result<Bytes> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
+                                      std::uint32_t id, const ContextRules& rules, engine::ContentAllowance& allowance) {
+  if (!allowance.TakeBytes(record.size)) return tl::unexpected(TooMuchClaimed());
   auto bytes = ReadHeapBlock(store, store.blockEncoding, record, id, rules);
   const bool inflated = bytes && bytes->size() > record.size;
-  if (inflated && !allowance.TakeBytes(bytes->size())) return tooMuch;
+  if (inflated && !allowance.TakeBytes(bytes->size())) return tl::unexpected(TooMuchClaimed());
   return bytes;
 }
 
-BlockFault PropertyContext::BlockFaultOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                                         const ContextRules& rules) const {
-  const bool cutOff = record.offset + record.size > store.source.Size();
-  if (cutOff) return BlockFault::Of(Cause::kCutOff, record);
-  if (fault_ != Fault::kSignature) return BlockFault::Of(Cause::kBrokenHeap, record);
-  if (IsInternalBid(record.bid)) return BlockFault::Of(Cause::kList, record);
+Failure PropertyContext::FailureOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
+                                   const ContextRules& rules) const {
+  const auto corrupt = [&record](std::string_view why) { return BlockFailure(FailureKind::kCorrupt, record, why); };
+  if (record.offset + record.size > store.source.Size()) return corrupt("is cut off by the end of the source");
+  if (fault_ != Fault::kSignature) return corrupt("holds a property context that is damaged");
+  if (IsInternalBid(record.bid)) {
+    return BlockFailure(FailureKind::kNotSupported, record,
+                        "is a list of blocks, and only what stands in one block is read");
+  }
   const bool stillPacked = Inflates(store, rules) && store.layout.formatId == FORMAT_UNICODE_4K &&
                            !engine::IsHeapSignature(header_.signature) && block_.Size() == record.size;
-  return BlockFault::Of(stillPacked ? Cause::kNotInflated : Cause::kSignature, record, header_.signature);
+  if (stillPacked) return corrupt("could not be inflated");
+  return corrupt("is no property context: its signature is " + text::ToUtf8(HexOf(header_.signature)));
 }
 
 PropertyContext::PropertyContext(ByteView block, const engine::ScannedStore& store, const ContextRules& rules)

@@ -11,12 +11,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <tl/expected.hpp>
 
 #include "engine/block_reader.h"
 #include "engine/content_allowance.h"
 #include "engine/scanned_store.h"
-#include "recovery/block_fault.h"
+#include "recovery/block_failure.h"
 #include "recovery/item_converter.h"
 #include "store/format/byte_view.h"
 #include "store/format/heap_format.h"
@@ -84,15 +83,13 @@ inline constexpr ContextRules kNameMapRules{.decodesOst = false, .acceptsOtherKi
 bool InflateUnlessHeap(const engine::ScannedStore& store, Bytes& bytes);
 
 /// The bytes of a block as a walk with these rules looks at them: read, decoded with the key `id`, inflated.
-tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
-                                              const engine::BlockRecord& record, std::uint32_t id,
-                                              const ContextRules& rules);
+platform::Result<Bytes> ReadHeapBlock(const engine::ScannedStore& store, CryptMethod encoding,
+                                      const engine::BlockRecord& record, std::uint32_t id, const ContextRules& rules);
 
-/// The same, in the encoding of the store, for a block that any number of nodes may name. A fault as well when the
+/// The same, in the encoding of the store, for a block that any number of nodes may name. A failure as well when the
 /// allowance is spent.
-tl::expected<Bytes, BlockFault> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                                              std::uint32_t id, const ContextRules& rules,
-                                              engine::ContentAllowance& allowance);
+platform::Result<Bytes> ReadHeapBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
+                                      std::uint32_t id, const ContextRules& rules, engine::ContentAllowance& allowance);
 
 /// The record array of a property context; a view of the block's bytes.
 class PropertyContext {
@@ -105,8 +102,8 @@ class PropertyContext {
   Fault GetFault() const { return fault_; }
 
   /// What the fault says of the block, which ReadHeapBlock read from that record by these rules.
-  BlockFault BlockFaultOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
-                          const ContextRules& rules) const;
+  Failure FailureOf(const engine::ScannedStore& store, const engine::BlockRecord& record,
+                    const ContextRules& rules) const;
 
   const HeapHeader& Header() const { return header_; }
 

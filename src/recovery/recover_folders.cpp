@@ -29,20 +29,18 @@ struct FolderProperties {
   text::Text containerClass;  ///< empty when the block has none
 };
 
-/// A fault when the block is no property context, has no display name, or is a message; and when the allowance is
+/// A failure when the block is no property context, has no display name, or is a message; and when the allowance is
 /// spent.
-tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::ScannedStore& store,
-                                                                 const engine::BlockRecord& record,
-                                                                 const text::CodePage& codePage,
-                                                                 engine::ContentAllowance& allowance) {
-  using Cause = BlockFault::Cause;
-  const auto fault = [&record](Cause cause) { return tl::unexpected(BlockFault::Of(cause, record)); };
+platform::Result<FolderProperties> ParseFolderProperties(const engine::ScannedStore& store,
+                                                         const engine::BlockRecord& record,
+                                                         const text::CodePage& codePage, engine::ContentAllowance& allowance) {
+  const auto none = [](std::string_view why) { return tl::unexpected(PlainFailure(FailureKind::kCorrupt, why)); };
   const auto bytes = ReadHeapBlock(store, record, record.bid, kFolderRules, allowance);
   if (!bytes) return tl::unexpected(bytes.error());
   const ByteView block(*bytes);
   const PropertyContext context(block, store, kFolderRules);
   if (context.GetFault() != PropertyContext::Fault::kNone) {
-    return tl::unexpected(context.BlockFaultOf(store, record, kFolderRules));
+    return tl::unexpected(context.FailureOf(store, record, kFolderRules));
   }
 
   const bool wide = store.layout.wideFormat;
@@ -50,13 +48,13 @@ tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::S
   bool named = false;
   for (std::uint32_t index = 0; index < context.Count(); ++index) {
     const PropertyRecord property = context.Record(index);
-    if (property.wPropId == IdOf(tag::kMessageClass)) return fault(Cause::kMessage);
+    if (property.wPropId == IdOf(tag::kMessageClass)) return none("its data block is that of a message");
     if (property.wPropId != IdOf(tag::kDisplayName) && property.wPropId != IdOf(tag::kContainerClass)) continue;
 
     text::Text value;
     if (property.dwValueHnid != 0) {  // identifier 0 names no allocation: the text is empty
       const auto range = RangeOf(block, context.Header().ibHnpm, property.dwValueHnid, kFolderRules.emptyEnd);
-      if (!range) return fault(Cause::kOutside);
+      if (!range) return none("its name or class does not stand in its block");
       value = CopyHeapText(range->In(block), wide, codePage);
     }
     if (property.wPropId == IdOf(tag::kContainerClass)) {
@@ -66,7 +64,7 @@ tl::expected<FolderProperties, BlockFault> ParseFolderProperties(const engine::S
     named = true;
     folder.name = wide && !text::LooksLikeText(value) ? text::Text() : std::move(value);
   }
-  if (!named) return fault(Cause::kNoName);
+  if (!named) return none("it has no name");
   return folder;
 }
 
@@ -97,7 +95,7 @@ class FolderRecovery {
     // A second node of a known folder stays in the list: the first block that gave a folder wins.
     if (node.MayBeFolder() && folders_.Contains(node.nid)) return;
     const bool isFolder = node.MayBeFolder() && TryFolder(node, index);
-    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, BlockFault::NotFound(0));
+    if (engine::LowBid(node.bidData) == 0) unread_.Note(node, BlockNotFound(0));
 
     if (node.nid == Value(nid::kNameToIdMap)) {
       const CryptMethod encoding = IsEncodingKnownAt(index) ? store_.blockEncoding : CryptMethod::kNone;
@@ -117,21 +115,21 @@ class FolderRecovery {
   bool IsEncodingKnownAt(std::size_t index) const { return index >= store_.encodingFoundAt; }
 
   bool TryFolder(const NodeRecord& node, std::size_t index) {
-    using Cause = BlockFault::Cause;
-    const auto none = [&](const BlockFault& fault) {
-      unread_.Note(node, fault);
+    const auto none = [&](Failure failure) {
+      unread_.Note(node, std::move(failure));
       return false;
     };
+    const auto corrupt = [&](std::string_view why) { return none(PlainFailure(FailureKind::kCorrupt, why)); };
     const auto record = blocks_.FindBlockOrLower(engine::LowBid(node.bidData));
-    if (!record) return none(BlockFault::NotFound(engine::LowBid(node.bidData)));
-    if (!IsEncodingKnownAt(index)) return none(BlockFault::Of(Cause::kNoEncoding, *record));
+    if (!record) return none(BlockNotFound(engine::LowBid(node.bidData)));
+    if (!IsEncodingKnownAt(index)) return corrupt("the encoding of the store could not be told from its block");
     state_.allowance.BeginNode();
     auto properties = ParseFolderProperties(store_, *record, *state_.codePage, state_.allowance);
-    if (!properties) return none(properties.error());
-    if (properties->name.empty()) return none(BlockFault::Of(Cause::kNoText, *record));
+    if (!properties) return none(std::move(properties.error()));
+    if (properties->name.empty()) return corrupt("its name is empty or does not look like text");
     engine::ContentAllowance& allowance = state_.allowance;
     if (!allowance.TakeKept(properties->name.size()) || !allowance.TakeKept(properties->containerClass.size())) {
-      return none(BlockFault::Of(Cause::kTooMuch, *record));
+      return none(TooMuchClaimed());
     }
     if (properties->containerClass.empty()) properties->containerClass = kMailContainerClass;
     if (properties->name == u"Top of Personal Folders") state_.topFolderNid = node.nid;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "recovery/block_fault.h"
+#include "recovery/block_failure.h"
 #include "recovery/heap_text.h"
 #include "recovery/property_context.h"
 #include "store/format/block.h"
@@ -108,7 +108,7 @@ bool BuildBlockChainAt(const ScannedStore& store, const engine::BlockRecord& rec
 text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
   const text::Text instead =
       written == 0 ? text::Text() : u"; " + DecimalOf(written) + u" bytes of a list stand in its place";
-  if (chain.missing != 0) return TextOf(BlockFault::NotFound(chain.missing)) + instead;
+  if (chain.missing != 0) return ReasonOf(BlockNotFound(chain.missing)) + instead;
   if (chain.takenForList) return u"its " + DecimalOf(chain.total) + u" bytes were taken for a list of blocks" + instead;
   if (!chain.hasList && IsInternalBid(chain.last.bid)) {
     if (chain.lastSignature != kXxBlock) return u"its list of sub-nodes cannot be read" + instead;
@@ -116,7 +116,7 @@ text::Text MissingOf(const BlockChain& chain, std::uint64_t written) {
   }
   if (!chain.hasList && written == 0) {
     if (chain.last.bid == 0) return text::Text(kClaimsTooMuch);
-    return TextOf(BlockFault::Of(BlockFault::Cause::kNotRead, chain.last));
+    return ReasonOf(BlockNotRead(chain.last));
   }
   if (chain.total == 0 || written == chain.total) return {};
   if (written > chain.total) {

@@ -5,7 +5,7 @@
 #include <deque>
 #include <optional>
 
-#include "recovery/block_fault.h"
+#include "recovery/block_failure.h"
 #include "recovery/recovery_report.h"
 #include "store/operations.h"
 
@@ -13,10 +13,10 @@ namespace velmora::recovery {
 
 /// What became of a node, an orphan or an embedded message: for the report alone.
 struct ItemOutcome {
-  bool saved = false;               ///< an item of any kind reached the new store
-  std::optional<SkipReason> skip;   ///< why none was made
-  std::optional<BlockFault> fault;  ///< of its data block, where that was the reason
-  text::Text messageClass;          ///< empty when none could be read
+  bool saved = false;              ///< an item of any kind reached the new store
+  std::optional<SkipReason> skip;  ///< why none was made
+  std::optional<Failure> failure;  ///< of its data block, where that was the reason
+  text::Text messageClass;         ///< empty when none could be read
 };
 
 /// One message to convert.

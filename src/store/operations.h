@@ -22,6 +22,7 @@
 #include <variant>
 
 #include "store/format/classes.h"
+#include "store/format/failures.h"
 #include "text/calendar.h"
 #include "text/text.h"
 
@@ -46,9 +47,11 @@ enum class ResultCode : std::uint32_t {
 /// What a failing operation raises.
 class OutputFailure : public std::exception {
  public:
-  explicit OutputFailure(ResultCode code, std::string information = {})
-      : code_(code), information_(std::move(information)) {}
+  explicit OutputFailure(ResultCode code, std::string information = {}, std::optional<Failure> cause = {})
+      : code_(code), information_(std::move(information)), cause_(std::move(cause)) {}
   ResultCode Code() const { return code_; }
+  /// What happened below the operations, where that is the reason.
+  const std::optional<Failure>& Cause() const { return cause_; }
   /// The error information of the object, for the command line's messages; may be empty.
   const std::string& Information() const { return information_; }
   const char* what() const noexcept override {
@@ -58,7 +61,15 @@ class OutputFailure : public std::exception {
  private:
   ResultCode code_;
   std::string information_;
+  std::optional<Failure> cause_;
 };
+
+/// What happened, as the one value that failures are: the cause below, or what the operation says itself.
+inline Failure CauseOf(const OutputFailure& failure) {
+  const bool isFull = failure.Code() == ResultCode::STG_E_MEDIUMFULL;
+  const auto kind = isFull ? FailureKind::kFull : FailureKind::kInputOutput;
+  return failure.Cause().value_or(Failure{kind, {}, {}, failure.what()});
+}
 
 /// True for a failure of the store itself rather than of one operation on it: what could not be written now
 /// cannot be written later either, so a frame that gives up one field or one item lets it pass and the run

@@ -7,7 +7,6 @@
 #include <algorithm>
 
 #include "controls/art.h"
-#include "workflow/program_icon.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {
@@ -55,6 +54,12 @@ int Run(QMessageBox& box) {
 }
 
 }  // namespace
+
+QIcon ProgramIcon() {
+  controls::CGdiPlusBitmapResource icon;
+  icon.Load(128, "ICON");
+  return icon.ToPixmap({64, 64}, 2);
+}
 
 void ShowBox(QWidget* owner, text::TextView message, text::TextView title, BoxIcon icon) {
   QMessageBox box(owner);

@@ -1,11 +1,16 @@
-// Message boxes.
+// Message boxes, and the picture that they and all windows bear.
 #pragma once
+
+#include <QIcon>
 
 #include "text/text.h"
 
 class QWidget;
 
 namespace velmora::workflow {
+
+/// The picture of the program in title bars and lists of windows.
+QIcon ProgramIcon();
 
 enum class BoxIcon { None, Information, Warning, Error };
 

@@ -14,7 +14,6 @@
 #include "workflow/find_pst_dlg.h"
 #include "workflow/progress_dlg.h"
 #include "workflow/qt_text.h"
-#include "workflow/repair_profile_dlg.h"
 #include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {
@@ -122,7 +121,7 @@ void CMainFrame::OnNotice(const engine::Notice& notice) {
   text::Text whole = said.text;
   // What it was that stood in the way of the folder.
   if (notice.kind == engine::NoticeKind::kNoOutputFolder) {
-    whole += u"\n\n" + text::FromUtf8(conversion::CauseOf(notice.cause));
+    whole += u"\n\n" + text::FromUtf8(TextOf(notice.cause));
   }
   ShowBox(progressDialog, whole, said.title, said.isError ? BoxIcon::Error : BoxIcon::Information);
   if (progressDialog != nullptr) progressDialog->OnFailure();

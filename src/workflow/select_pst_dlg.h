@@ -1,4 +1,4 @@
-// The page on which the user browses for the source.
+// The pages on which the user picks the source: by browsing, and from the files of a profile.
 #pragma once
 
 #include "workflow/page.h"
@@ -14,6 +14,14 @@ class CSelectPstDlg : public Page {
  private:
   void OnBrowse();
   void OnSourceChanged(const QString& text);
+};
+
+/// Lists the data files of the default Outlook folder. No button of the start page leads here.
+class CRepairProfileDlg : public Page {
+  Q_OBJECT
+
+ public:
+  explicit CRepairProfileDlg(WizardFrame& frame);
 };
 
 }  // namespace velmora::workflow

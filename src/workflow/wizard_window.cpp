@@ -3,7 +3,7 @@
 #include <QCloseEvent>
 
 #include "resources/string_table.h"
-#include "workflow/program_icon.h"
+#include "workflow/boxes.h"
 #include "workflow/qt_text.h"
 
 namespace velmora::workflow {

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "conversion/unread_ranges.h"
+#include "conversion/run_report.h"
 
 namespace velmora::cli {
 namespace {

@@ -24,9 +24,9 @@ std::u16string FromUtf16(std::span<const std::byte> bytes) {
 }  // namespace
 
 StoreObjects::StoreObjects(Bytes bytes)
-    : file_(std::move(bytes)), reader_(ValueOrRaise(ndb::StoreReader::Open(file_))) {
-  for (const ndb::Fault& fault : reader_->Damage().List())
-    throw std::runtime_error(fault.cause.object + ": " + fault.cause.message);
+    : file_(std::move(bytes)), reader_(ndb::StoreReader::Open(file_)) {
+  for (const Failure& fault : reader_->Damage().List())
+    throw std::runtime_error(TextOf(fault));
   ReadNames();
 }
 
@@ -65,22 +65,22 @@ PropertyKey StoreObjects::KeyOf(std::uint16_t id) const {
 }
 
 Properties StoreObjects::ReadProperties(const ndb::NodeTrees& trees) const {
-  auto context = ValueOrRaise(ltp::PropertyContext::Open(*reader_, trees));
+  auto context = ltp::PropertyContext::Open(*reader_, trees);
   Properties properties;
   for (const PropertyRecord& record : context.Records()) {
-    properties[KeyOf(record.wPropId)] = {record.wPropType, ValueOrRaise(context.Read(record.Tag())).value()};
+    properties[KeyOf(record.wPropId)] = {record.wPropType, context.Read(record.Tag()).value()};
   }
   return properties;
 }
 
 ltp::TableContext StoreObjects::OpenTable(const ndb::NodeTrees& trees) const {
-  return ValueOrRaise(ltp::TableContext::Open(*reader_, trees));
+  return ltp::TableContext::Open(*reader_, trees);
 }
 
 Properties StoreObjects::ReadRow(ltp::TableContext& table, std::size_t row) const {
   Properties cells;
   for (const ltp::Column& column : table.Columns()) {
-    if (auto cell = ValueOrRaise(table.Cell(row, column.tag))) {
+    if (auto cell = table.Cell(row, column.tag)) {
       cells[KeyOf(IdOf(column.tag))] = {TypeOf(column.tag), std::move(*cell)};
     }
   }
@@ -89,9 +89,9 @@ Properties StoreObjects::ReadRow(ltp::TableContext& table, std::size_t row) cons
 
 RawNode StoreObjects::ReadNode(const ndb::NodeTrees& trees) const {
   RawNode node;
-  auto data = ValueOrRaise(ndb::DataTreeReader::Open(*reader_, trees.bidData));
-  node.data = ValueOrRaise(data.ReadAll(kMostBytes));
-  for (const ndb::SubnodeEntry& entry : ValueOrRaise(ndb::ListSubnodes(*reader_, trees.bidSub))) {
+  auto data = ndb::DataTreeReader::Open(*reader_, trees.bidData);
+  node.data = data.ReadAll(kMostBytes);
+  for (const ndb::SubnodeEntry& entry : ndb::ListSubnodes(*reader_, trees.bidSub)) {
     node.parts[velmora::Value(entry.nid)] = ReadNode(entry.trees);
   }
   return node;
@@ -102,7 +102,7 @@ Attached StoreObjects::ReadAttached(const ndb::NodeTrees& trees) const {
   const Value* value = Find(attached.properties, 0x3701);
   if (value == nullptr || value->type != PropType::kObject) return attached;
   const Nid nid{static_cast<std::uint32_t>(forge::Get(value->bytes, 0, 4))};
-  const auto entry = ValueOrRaise(ndb::FindSubnode(*reader_, trees.bidSub, nid));
+  const auto entry = ndb::FindSubnode(*reader_, trees.bidSub, nid);
   if (!entry) throw std::runtime_error("an object of an attachment is not among its sub-nodes");
   if (TypeOf(nid) == NidType::kNormalMessage) {
     attached.embedded = std::make_shared<Item>(ReadItem(entry->trees));
@@ -114,7 +114,7 @@ Attached StoreObjects::ReadAttached(const ndb::NodeTrees& trees) const {
 
 Item StoreObjects::ReadItem(const ndb::NodeTrees& trees) const {
   Item item{.properties = ReadProperties(trees)};
-  for (const ndb::SubnodeEntry& entry : ValueOrRaise(ndb::ListSubnodes(*reader_, trees.bidSub))) {
+  for (const ndb::SubnodeEntry& entry : ndb::ListSubnodes(*reader_, trees.bidSub)) {
     if (entry.nid == nid::kRecipientTable) {
       auto table = OpenTable(entry.trees);
       for (std::size_t row = 0; row < table.RowCount(); ++row) item.recipients.push_back(ReadRow(table, row));

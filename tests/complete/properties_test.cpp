@@ -99,7 +99,7 @@ TEST_P(PropertiesTest, AHeapOfTwoHundredBlocksComesAcross) {
   const auto added = box.AddMessage(inbox, Mail(u"Many", values));
   Copy(box);
   const auto heap = ndb::DataTreeReader::Open(source_->Reader(), Bid{added.bidData});
-  EXPECT_GE(heap->BlockCount(), 200U);
+  EXPECT_GE(heap.BlockCount(), 200U);
   ExpectHas(TargetItem(added.nid).properties, values);
   ExpectAllWhole();
 }

@@ -43,11 +43,5 @@ TEST(Notices, InformOfWhatIsNoError) {
   EXPECT_EQ(text.title, u"Error");
 }
 
-TEST(Notices, ACauseNamesItsObjectIfThereIsOne) {
-  EXPECT_EQ(CauseOf({.object = "/out", .message = "it is full"}), "/out: it is full");
-  EXPECT_EQ(CauseOf({.message = "it is full"}), "it is full");
-  EXPECT_EQ(CauseOf({}), "");
-}
-
 }  // namespace
 }  // namespace velmora::conversion

@@ -98,7 +98,7 @@ void Recorder::OnEvent(const engine::Event& event) {
   } else if (const auto* notice = std::get_if<engine::Notice>(&event)) {
     const NoticeText text = TextOf(*notice);
     said.push_back(text::ToUtf8(text.title) + ": " + text::ToUtf8(text.text));
-    causes.push_back(CauseOf(notice->cause));
+    causes.push_back(TextOf(notice->cause));
   } else if (std::holds_alternative<engine::ListCleared>(event)) {
     said.push_back("list cleared");
   } else if (std::holds_alternative<engine::Done>(event)) {

@@ -1,8 +1,7 @@
-#include "conversion/unread_ranges.h"
-
 #include <fmt/format.h>
 
 #include "conversion/run_fixture.h"
+#include "conversion/run_report.h"
 
 namespace velmora::conversion {
 namespace {

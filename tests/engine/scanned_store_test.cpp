@@ -6,6 +6,7 @@
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
 #include "store/ndb/data_tree_reader.h"
+#include "store/support/failures.h"
 
 namespace velmora::engine {
 namespace {
@@ -34,16 +35,16 @@ class ScannedStoreTest : public RunTest {
   }
 
   static std::optional<forge::Bytes> Read(const ScannedStore& store, std::uint64_t bid) {
-    forge::Bytes block;
-    if (!store.ReadBlock(Bid{bid}, block)) return std::nullopt;
-    return block;
+    return IfReadable([&] {
+      forge::Bytes block;
+      store.ReadBlock(Bid{bid}, block);
+      return block;
+    });
   }
 
-  static FailureKind FailureOf(const ScannedStore& store, std::uint64_t bid) {
+  static std::optional<FailureKind> FailureOf(const ScannedStore& store, std::uint64_t bid) {
     forge::Bytes block;
-    const auto read = store.ReadBlock(Bid{bid}, block);
-    EXPECT_FALSE(read);
-    return read ? FailureKind::kExists : read.error().kind;
+    return test::FailureOf([&] { store.ReadBlock(Bid{bid}, block); });
   }
 };
 
@@ -95,9 +96,7 @@ TEST_P(EveryFormatScannedStoreTest, ALongValueIsReadThroughItsLists) {
   const auto store = Scan(forged.Finish());
   const auto node = store->FindNode(Nid{0x200024});
   ASSERT_TRUE(node);
-  auto reader = ndb::DataTreeReader::Open(*store, node->trees.bidData);
-  ASSERT_TRUE(reader) << reader.error().message;
-  EXPECT_EQ(reader->ReadAll(value.size()), value);
+  EXPECT_EQ(ndb::DataTreeReader::Open(*store, node->trees.bidData).ReadAll(value.size()), value);
 }
 
 TEST_P(EveryFormatScannedStoreTest, ABlockThatDoesNotProveItselfIsCorrupt) {

@@ -52,7 +52,7 @@ void ReadBlocks(const ScannedStore& store) {
   const BlockReader reader(store);
   Bytes whole;
   for (const NodeRecord& node : store.nodes.Records()) {
-    if (store.ReadBlock(node.bidData, whole)) Require(whole.size() <= 65535);
+    if (IfReadable([&] { return store.FindBlock(node.bidData, whole); }) == true) Require(whole.size() <= 65535);
     Require(node.upperPage || store.FindNode(Nid{node.nid}).has_value());
     const auto block = reader.FindBlockOrLower(LowBid(node.bidData));
     if (!block) continue;

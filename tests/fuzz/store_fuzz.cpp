@@ -24,76 +24,86 @@ void Require(bool holds) {
 }
 
 void ReadProperties(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
-  auto context = ltp::PropertyContext::Open(source, node);
+  auto context = IfReadable([&] { return ltp::PropertyContext::Open(source, node); });
   if (!context) return;
   std::size_t looks = 0;
   for (const PropertyRecord& record : context->Records()) {
     if (++looks > kMostLooks) break;
-    const auto value = context->Read(record.Tag());
-    const auto size = context->SizeOf(record.Tag());
-    static_cast<void>(context->TreeOf(record.Tag()));
+    const auto value = IfReadable([&] { return context->Read(record.Tag()); });
+    const auto size = IfReadable([&] { return context->SizeOf(record.Tag()); });
+    static_cast<void>(IfReadable([&] { return context->TreeOf(record.Tag()); }));
     static_cast<void>(context->ReadObject(record.Tag()));
     Require(!value || *value);
+    Require(context->Binary(record.Tag()) == value.value_or(std::nullopt));
     if (value && size) Require((*value)->size() == **size);
   }
 }
 
 void ReadRows(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
-  auto table = ltp::TableContext::Open(source, node);
+  auto table = IfReadable([&] { return ltp::TableContext::Open(source, node); });
   if (!table) return;
   const std::vector<ltp::Column> columns(table->Columns().begin(), table->Columns().end());
   for (std::size_t row = 0; row < std::min<std::size_t>(table->RowCount(), 10); ++row) {
     Require(table->RowId(*table->FindRow(table->RowId(row))) == table->RowId(row));
-    for (const ltp::Column& column : columns) static_cast<void>(table->Cell(row, column.tag));
+    for (const ltp::Column& column : columns) {
+      const auto cell = IfReadable([&] { return table->Cell(row, column.tag); });
+      const auto text = table->Text(row, column.tag);
+      Require(text.has_value() == (cell && *cell));
+    }
   }
-  Require(!table->Cell(table->RowCount(), columns.empty() ? 0 : columns[0].tag) || columns.empty());
+  Require(!IfReadable([&] { return table->Cell(table->RowCount(), columns.empty() ? 0 : columns[0].tag); }) ||
+          columns.empty());
 }
 
 /// A tolerant reader hands on at least what a strict one does, and what it does not note is the same.
 void ReadTolerantly(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
   ndb::Faults faults;
-  if (auto tree = ndb::DataTreeReader::Open(source, node.bidData, &faults)) {
-    const auto all = tree->ReadAll(1 << 20);
-    const auto strict = ndb::DataTreeReader::Open(source, node.bidData);
-    if (all && faults.Count() == 0) Require(strict && *all == *ndb::DataTreeReader(*strict).ReadAll(1 << 20));
+  const auto strictTree = IfReadable([&] { return ndb::DataTreeReader::Open(source, node.bidData); });
+  if (auto tree = IfReadable([&] { return ndb::DataTreeReader::Open(source, node.bidData, &faults); })) {
+    const auto all = IfReadable([&] { return tree->ReadAll(1 << 20); });
+    if (all && faults.Count() == 0) Require(strictTree && *all == ndb::DataTreeReader(*strictTree).ReadAll(1 << 20));
   } else {
-    Require(!ndb::DataTreeReader::Open(source, node.bidData));
+    Require(!strictTree);
   }
-  const auto subnodes = ndb::ListSubnodes(source, node.bidSub, &faults);
-  if (const auto strict = ndb::ListSubnodes(source, node.bidSub)) Require(subnodes && *subnodes == *strict);
-  if (auto context = ltp::PropertyContext::Open(source, node, &faults)) {
+  const auto subnodes = IfReadable([&] { return ndb::ListSubnodes(source, node.bidSub, &faults); });
+  const auto strictSubnodes = IfReadable([&] { return ndb::ListSubnodes(source, node.bidSub); });
+  Require(!strictSubnodes || subnodes == strictSubnodes);
+  if (auto context = IfReadable([&] { return ltp::PropertyContext::Open(source, node, &faults); })) {
     std::size_t looks = 0;
     for (const PropertyRecord& record : context->Records()) {
       if (++looks > kMostLooks) break;
-      static_cast<void>(context->Read(record.Tag()));
+      static_cast<void>(IfReadable([&] { return context->Read(record.Tag()); }));
     }
   } else {
-    Require(!ltp::PropertyContext::Open(source, node));
+    Require(!IfReadable([&] { return ltp::PropertyContext::Open(source, node); }));
   }
-  if (auto table = ltp::TableContext::Open(source, node, &faults)) {
+  if (auto table = IfReadable([&] { return ltp::TableContext::Open(source, node, &faults); })) {
     for (std::size_t row = 0; row < std::min<std::size_t>(table->RowCount(), 10); ++row) {
-      static_cast<void>(table->Cell(row, table->Columns().empty() ? 0 : table->Columns()[0].tag));
+      static_cast<void>(
+          IfReadable([&] { return table->Cell(row, table->Columns().empty() ? 0 : table->Columns()[0].tag); }));
     }
   } else {
-    Require(!ltp::TableContext::Open(source, node));
+    Require(!IfReadable([&] { return ltp::TableContext::Open(source, node); }));
   }
   Require(faults.List().size() <= ndb::Faults::kMostListed && faults.Count() >= faults.List().size());
 }
 
 void ReadNode(const ndb::BlockSource& source, const ndb::NodeTrees& node) {
-  if (auto tree = ndb::DataTreeReader::Open(source, node.bidData)) {
-    const auto all = tree->ReadAll(1 << 20);
+  if (auto tree = IfReadable([&] { return ndb::DataTreeReader::Open(source, node.bidData); })) {
+    const auto all = IfReadable([&] { return tree->ReadAll(1 << 20); });
     if (all) Require(all->size() == tree->Size());
     std::vector<std::byte> piece(10000);
-    const auto read = tree->ReadAt(tree->Size() / 2, piece);
+    const auto read = IfReadable([&] { return tree->ReadAt(tree->Size() / 2, piece); });
     if (all && read) {
       Require(std::equal(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(*read),
                          all->begin() + static_cast<std::ptrdiff_t>(tree->Size() / 2)));
     }
   }
-  const auto subnodes = ndb::ListSubnodes(source, node.bidSub);
-  if (subnodes && !subnodes->empty()) static_cast<void>(ndb::FindSubnode(source, node.bidSub, subnodes->back().nid));
-  static_cast<void>(ndb::DataSizeOf(source, node));
+  const auto subnodes = IfReadable([&] { return ndb::ListSubnodes(source, node.bidSub); });
+  if (subnodes && !subnodes->empty()) {
+    static_cast<void>(IfReadable([&] { return ndb::FindSubnode(source, node.bidSub, subnodes->back().nid); }));
+  }
+  static_cast<void>(IfReadable([&] { return ndb::DataSizeOf(source, node); }));
   ReadProperties(source, node);
   ReadRows(source, node);
   ReadTolerantly(source, node);
@@ -113,11 +123,11 @@ class Blocks : public ndb::BlockSource {
 
   const Generation& Format() const override { return format_; }
 
-  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
-    if (blocks_.empty()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
+  bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
+    if (blocks_.empty()) return false;
     const auto block = blocks_[Value(bid) / kBidStep % blocks_.size()];
     out.assign(block.begin(), block.end());
-    return {};
+    return true;
   }
   std::optional<ndb::NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
@@ -133,7 +143,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace velmora;
   const std::span<const std::byte> bytes(reinterpret_cast<const std::byte*>(data), size);
   const platform::MemoryFile file({bytes.begin(), bytes.end()});
-  if (const auto store = ndb::StoreReader::Open(file)) {
+  if (const auto store = IfReadable([&] { return ndb::StoreReader::Open(file); })) {
     std::size_t looks = 0;
     for (const ndb::NodeEntry& node : (*store)->Nodes()) {
       if (++looks > kMostLooks) break;

@@ -6,7 +6,6 @@
 #include "workflow/find_pst_dlg.h"
 #include "workflow/harness.h"
 #include "workflow/progress_dlg.h"
-#include "workflow/repair_profile_dlg.h"
 #include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {

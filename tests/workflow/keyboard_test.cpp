@@ -14,7 +14,6 @@
 #include "workflow/harness.h"
 #include "workflow/mode_notice.h"
 #include "workflow/progress_dlg.h"
-#include "workflow/repair_profile_dlg.h"
 #include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {

@@ -3,7 +3,7 @@
 #include "workflow/custom2_dlg.h"
 #include "workflow/custom_dlg.h"
 #include "workflow/harness.h"
-#include "workflow/repair_profile_dlg.h"
+#include "workflow/select_pst_dlg.h"
 
 namespace velmora::workflow {
 namespace {

@@ -1,4 +1,4 @@
-// One line of the trace: a JSON object, its members in the order in which they are added.
+// One line of the trace: a JSON object, its members in the order in which they are added; and where lines go.
 #pragma once
 
 #include <cstdint>
@@ -35,5 +35,14 @@ class JsonLine {
 
 /// "YYYY-MM-DDTHH:MM:SS" of the Gregorian calendar, no zone.
 std::string IsoDateTime(OleDate date);
+
+class TraceSink {
+ public:
+  virtual ~TraceSink() = default;
+
+  /// Takes one line, without its line end. A sink that cannot write keeps that to itself until it is asked:
+  /// a trace never changes a run.
+  virtual void WriteLine(std::string_view line) = 0;
+};
 
 }  // namespace velmora::output

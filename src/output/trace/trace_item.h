@@ -7,7 +7,7 @@
 #include <set>
 #include <unordered_map>
 
-#include "output/trace/trace_sink.h"
+#include "output/trace/json_line.h"
 #include "store/operations.h"
 
 namespace velmora::output {

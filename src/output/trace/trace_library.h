@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "output/trace/trace_sink.h"
+#include "output/trace/json_line.h"
 #include "store/operations.h"
 
 namespace velmora::output {

@@ -6,7 +6,6 @@
 
 #include "store/format/checksum.h"
 #include "store/format/little_endian.h"
-#include "store/format/signature.h"
 
 namespace velmora {
 namespace {

@@ -75,15 +75,15 @@ std::array<std::byte, Header::kSize> Encode(const Header& header) {
   return out;
 }
 
-Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes) {
+Header DecodeHeader(std::span<const std::byte, Header::kSize> bytes) {
   if (const auto magic = Load<std::uint32_t>(bytes, kDwMagic); magic != kMagic) {
-    return Corrupt("header", magic, "the file does not begin with the magic of a store");
+    RaiseCorrupt(ObjectKind::kHeader, magic, "the file does not begin with the magic of a store");
   }
   Header header;
   const auto version = Load<std::uint16_t>(bytes, kWVer);
   header.generation = GenerationOfVersion(version);
   if (header.generation == nullptr) {
-    return Fail(FailureKind::kNotSupported, "header", version, "the version of the format is not known");
+    Raise(FailureKind::kNotSupported, ObjectKind::kHeader, version, "the version of the format is not known");
   }
   const Generation& generation = *header.generation;
   const HeaderPlaces& at = PlacesInHeader(generation);
@@ -91,15 +91,15 @@ Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes) {
   // trees that it names are complete all the same.
   const auto summed = bytes.subspan<kWMagicClient>();
   if (const auto crc = Load<std::uint32_t>(bytes, kDwCrcPartial); crc != WeakCrc(summed.first(kCrcPartialSize))) {
-    return Corrupt("header", crc, "the checksum does not fit");
+    RaiseCorrupt(ObjectKind::kHeader, crc, "the checksum does not fit");
   }
   if (bytes[at.bSentinel] != kSentinel) {
-    return Corrupt("header", std::to_integer<std::uint64_t>(bytes[at.bSentinel]), "the sentinel is wrong");
+    RaiseCorrupt(ObjectKind::kHeader, std::to_integer<std::uint64_t>(bytes[at.bSentinel]), "the sentinel is wrong");
   }
   header.bCryptMethod = static_cast<CryptMethod>(bytes[at.bCryptMethod]);
   if (header.bCryptMethod > CryptMethod::kCyclic) {
-    return Fail(FailureKind::kNotSupported, "header", std::to_integer<std::uint64_t>(bytes[at.bCryptMethod]),
-                "the blocks are encoded in a way that cannot be read");
+    Raise(FailureKind::kNotSupported, ObjectKind::kHeader, std::to_integer<std::uint64_t>(bytes[at.bCryptMethod]),
+          "the blocks are encoded in a way that cannot be read");
   }
   header.bidNextP = Bid{generation.LoadWord(bytes, at.bidNextP)};
   header.bidNextB = Bid{generation.LoadWord(bytes, at.bidNextB)};

@@ -89,8 +89,8 @@ struct Header {
 
 std::array<std::byte, Header::kSize> Encode(const Header& header);
 
-/// The header of a store of any generation. kCorrupt when the magic, the sentinel or the checksum of the first sector
-/// does not fit, kNotSupported for versions that are not known and for encodings that have no published key.
-[[nodiscard]] Result<Header> DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
+/// The header of a store of any generation. Raises kCorrupt when the magic, the sentinel or the checksum of the first
+/// sector does not fit, kNotSupported for versions that are not known and for encodings that have no published key.
+[[nodiscard]] Header DecodeHeader(std::span<const std::byte, Header::kSize> bytes);
 
 }  // namespace velmora

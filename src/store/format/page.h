@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <span>
 
+#include "store/format/checksum.h"
 #include "store/format/generation.h"
 #include "store/format/ids.h"
-#include "store/format/signature.h"
 
 namespace velmora {
 

@@ -83,32 +83,27 @@ class BthWalk {
   BthWalk(Heap& heap, const BthLayout& layout, std::size_t maxRecords, ndb::Faults* faults)
       : heap_(heap), layout_(layout), faults_(faults), recordsLeft_(maxRecords), bytesLeft_(heap.Size()) {}
 
-  Result<std::vector<std::byte>> Read(Hid root, std::size_t levels) {
+  std::vector<std::byte> Read(Hid root, std::size_t levels) {
     std::vector<Hid> items{root};
     for (;; --levels) {
-      Result<std::vector<std::byte>> records = ReadLevel(items, levels);
-      if (!records || levels == 0) return records;
+      std::vector<std::byte> records = ReadLevel(items, levels);
+      if (levels == 0) return records;
       items.clear();
-      for (std::size_t at = 0; at < records->size(); at += layout_.IndexRecord()) {
-        items.push_back(Load<std::uint32_t>(*records, at + layout_.cbKey));
+      for (std::size_t at = 0; at < records.size(); at += layout_.IndexRecord()) {
+        items.push_back(Load<std::uint32_t>(records, at + layout_.cbKey));
       }
     }
   }
 
  private:
   /// The records of all items of a level, in the order of the items.
-  Result<std::vector<std::byte>> ReadLevel(std::span<const Hid> items, std::size_t level) {
+  std::vector<std::byte> ReadLevel(std::span<const Hid> items, std::size_t level) {
     std::vector<std::size_t> order(items.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return items[i]; });
     std::vector<std::vector<std::byte>> contents(items.size());
     for (const std::size_t i : order) {
-      Result<std::vector<std::byte>> content = ReadItem(items[i], level);
-      if (content) {
-        contents[i] = std::move(*content);
-      } else if (auto noted = ndb::Tolerate(faults_, heap_.BidOf(items[i]), content.error()); !noted) {
-        return tl::unexpected(noted.error());
-      }
+      if (auto fault = ReadItem(items[i], level, contents[i])) ndb::Note(faults_, std::move(*fault));
     }
     std::vector<std::byte> records;
     for (const std::vector<std::byte>& content : contents) {
@@ -118,21 +113,22 @@ class BthWalk {
   }
 
   // No item of a sound tree is met twice, so more bytes than the heap has mean that one is.
-  Result<std::vector<std::byte>> ReadItem(Hid hid, std::size_t level) {
-    const Result<std::span<const std::byte>> item = heap_.Item(hid);
-    if (!item) return tl::unexpected(item.error());
+  std::optional<Failure> ReadItem(Hid hid, std::size_t level, std::vector<std::byte>& content) {
+    const auto item = heap_.Find(hid);
+    if (!item) return heap_.WhyLost(hid);
     const std::size_t recordSize = level == 0 ? layout_.LeafRecord() : layout_.IndexRecord();
-    const std::size_t size = item->size() / recordSize * recordSize;
+    const std::size_t count = item->size() / recordSize;
+    const std::size_t size = count * recordSize;
     if (size == 0 || size > bytesLeft_) {
-      return Corrupt(Named("heap item", hid), item->size(), "an item of the tree is empty or met twice");
+      return Corrupt({ObjectKind::kHeapItem, hid}, item->size(), "an item of the tree is empty or met twice");
     }
     bytesLeft_ -= size;
     if (level == 0) {
-      const std::size_t count = size / recordSize;
-      if (count > recordsLeft_) return Corrupt(Named("heap item", hid), count, "the tree has too many records");
+      if (count > recordsLeft_) return Corrupt({ObjectKind::kHeapItem, hid}, count, "the tree has too many records");
       recordsLeft_ -= count;
     }
-    return std::vector<std::byte>(item->begin(), item->begin() + static_cast<std::ptrdiff_t>(size));
+    content.assign(item->begin(), item->begin() + static_cast<std::ptrdiff_t>(size));
+    return std::nullopt;
   }
 
   Heap& heap_;
@@ -144,20 +140,19 @@ class BthWalk {
 
 }  // namespace
 
-Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords,
-                                       ndb::Faults* faults) {
-  const Result<std::span<const std::byte>> header = heap.Item(hidHeader);
-  if (!header) return tl::unexpected(header.error());
-  if (header->size() < kBthHeaderSize || (*header)[0] != static_cast<std::byte>(ClientSig::kBTree) ||
-      (*header)[1] != std::byte{layout.cbKey} || (*header)[2] != std::byte{layout.cbEnt}) {
-    return Corrupt(Named("heap item", hidHeader), hidHeader, "no header of a tree of that layout");
+std::vector<std::byte> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords,
+                               ndb::Faults* faults) {
+  const std::span<const std::byte> header = heap.Item(hidHeader);
+  if (header.size() < kBthHeaderSize || header[0] != static_cast<std::byte>(ClientSig::kBTree) ||
+      header[1] != std::byte{layout.cbKey} || header[2] != std::byte{layout.cbEnt}) {
+    RaiseCorrupt({ObjectKind::kHeapItem, hidHeader}, hidHeader, "no header of a tree of that layout");
   }
-  const std::size_t levels = Load<std::uint8_t>(*header, 3);
-  const auto root = Load<std::uint32_t>(*header, 4);
+  const std::size_t levels = Load<std::uint8_t>(header, 3);
+  const auto root = Load<std::uint32_t>(header, 4);
   if (levels > kMaxIndexLevels) {
-    return Corrupt(Named("heap item", hidHeader), levels, "the tree has too many levels");
+    RaiseCorrupt({ObjectKind::kHeapItem, hidHeader}, levels, "the tree has too many levels");
   }
-  if (root == 0) return std::vector<std::byte>{};
+  if (root == 0) return {};
   return BthWalk(heap, layout, maxRecords, faults).Read(root, levels);
 }
 

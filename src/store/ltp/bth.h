@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "store/format/heap_format.h"
-#include "store/format/property_record.h"
+#include "store/format/prop_tag.h"
 #include "store/ltp/heap.h"
 #include "store/ltp/heap_writer.h"
 
@@ -49,10 +49,10 @@ void WriteBth(HeapWriter& heap, Hid hidHeader, const BthLayout& layout, std::siz
 /// Moves `position` behind the items that WriteBth writes for `count` records.
 void AdvanceOverBth(HeapPosition& position, const BthLayout& layout, std::size_t count);
 
-/// All records of a tree, back to back, as they stand. kCorrupt when the tree has another layout, does not fit
+/// All records of a tree, back to back, as they stand. Raises kCorrupt when the tree has another layout, does not fit
 /// into its heap or has more than `maxRecords`; with `faults`, for the first of these alone: items that cannot be read
 /// are left out. Each block of the heap is read once for a level.
-[[nodiscard]] Result<std::vector<std::byte>> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout,
-                                                     std::size_t maxRecords, ndb::Faults* faults = nullptr);
+[[nodiscard]] std::vector<std::byte> ReadBth(Heap& heap, Hid hidHeader, const BthLayout& layout, std::size_t maxRecords,
+                                             ndb::Faults* faults = nullptr);
 
 }  // namespace velmora::ltp

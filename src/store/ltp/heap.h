@@ -1,8 +1,9 @@
-// Reads a heap of any generation.
+// Reads a heap of any generation, and the values that lie in it or in sub-nodes beside it.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -15,10 +16,10 @@ namespace velmora::ltp {
 /// A heap opened for reading. Block 0 and the block read last are kept.
 class Heap {
  public:
-  /// kCorrupt when the tree is no heap of that kind. With `faults` (see ndb/faults.h) blocks may be missing: the items
-  /// in them alone are lost.
-  [[nodiscard]] static Result<Heap> Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig,
-                                         ndb::Faults* faults = nullptr);
+  /// Raises kCorrupt when the tree is no heap of that kind. With `faults` (see ndb/faults.h) blocks may be missing: the
+  /// items in them alone are lost.
+  [[nodiscard]] static Heap Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig,
+                                 ndb::Faults* faults = nullptr);
 
   Hid UserRoot() const { return hidUserRoot_; }
 
@@ -29,11 +30,13 @@ class Heap {
 
   const Generation& Format() const { return *format_; }
 
-  /// The block that an item is in.
-  Bid BidOf(Hid hid) const { return blocks_.BidOf(BlockOf(hid, *format_)); }
+  /// The bytes of an item, valid until the next call. Raises kCorrupt when the id names no item, and why its block is
+  /// lost where that is so.
+  [[nodiscard]] std::span<const std::byte> Item(Hid hid);
 
-  /// The bytes of an item, valid until the next call. kCorrupt when the id names no item.
-  [[nodiscard]] Result<std::span<const std::byte>> Item(Hid hid);
+  /// The same; nothing where Item raises WhyLost.
+  [[nodiscard]] std::optional<std::span<const std::byte>> Find(Hid hid);
+  [[nodiscard]] Failure WhyLost(Hid hid);
 
  private:
   const Generation* format_ = &generations::kUnicode;
@@ -41,5 +44,11 @@ class Heap {
   ndb::DataTreeReader blocks_;
   Hid hidUserRoot_ = 0;
 };
+
+/// The bytes that `hnid` names in a node with that heap and those sub-nodes; none for 0. Raises kNotSupported when
+/// there are more than `limit`, and why they are lost where they are. With `faults`, what is lost of a sub-node's bytes
+/// reads as zeros.
+[[nodiscard]] std::vector<std::byte> ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid,
+                                              std::uint64_t limit, ndb::Faults* faults = nullptr);
 
 }  // namespace velmora::ltp

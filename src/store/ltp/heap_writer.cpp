@@ -36,11 +36,11 @@ HeapWriter::~HeapWriter() { Clear(); }
 
 Hid HeapWriter::Add(std::span<const std::byte> item) {
   if (item.empty() || item.size() > kMaxHeapItem) {
-    RaiseCorrupt("heap", item.size(), "a heap item is empty or too large");
+    RaiseCorrupt(ObjectKind::kHeap, item.size(), "a heap item is empty or too large");
   }
   HeapPosition next = position_;
   next.Advance(item.size());
-  if (next.block >= maxBlocks_) Raise(FailureKind::kNotSupported, "heap", next.block, "the heap is full");
+  if (next.block >= maxBlocks_) Raise(FailureKind::kNotSupported, ObjectKind::kHeap, next.block, "the heap is full");
   if (bids_.empty()) OpenBlock(0);
   if (next.block != position_.block) {
     CloseBlock(kMaxBlockData);

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "store/format/failures.h"
 #include "store/format/little_endian.h"
 
 namespace velmora::ltp {
@@ -29,20 +28,27 @@ std::vector<std::byte> EncodeMultiple(std::span<const text::Text> elements) {
   return EncodeMultiple(bytes);
 }
 
-platform::Result<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<const std::byte> value) {
+std::optional<std::vector<std::span<const std::byte>>> DecodeMultiple(std::span<const std::byte> value) {
   std::vector<std::span<const std::byte>> elements;
   if (value.empty()) return elements;
   const std::size_t count = Load<std::uint32_t>(value, 0);
-  if (value.size() < 4 || count > (value.size() - 4) / 4) {
-    return Corrupt("multiple value", count, "more elements than room");
-  }
+  if (value.size() < 4 || count > (value.size() - 4) / 4) return std::nullopt;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t start = Load<std::uint32_t>(value, 4 + 4 * i);
     const std::size_t end = i + 1 < count ? Load<std::uint32_t>(value, 8 + 4 * i) : value.size();
-    if (start > end || end > value.size()) return Corrupt("multiple value", start, "an element leaves the value");
+    if (start > end || end > value.size()) return std::nullopt;
     elements.push_back(value.subspan(start, end - start));
   }
   return elements;
+}
+
+std::optional<bool> FlagIn(const std::optional<std::vector<std::byte>>& value) {
+  const auto number = NumberIn<std::uint8_t>(value);
+  return number ? std::optional(*number != 0) : std::nullopt;
+}
+
+std::optional<text::Text> TextIn(const std::optional<std::vector<std::byte>>& value) {
+  return value ? std::optional(DecodeText(*value)) : std::nullopt;
 }
 
 std::vector<std::byte> EncodeText(text::TextView text) {

@@ -6,38 +6,30 @@
 #include "store/format/failures.h"
 #include "store/format/little_endian.h"
 #include "store/ltp/bth.h"
-#include "store/ltp/heap_value.h"
-#include "store/ltp/multi_value.h"
 #include "store/ndb/data_tree_reader.h"
 
 namespace velmora::ltp {
 
-Result<PropertyContext> PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
-                                              ndb::Faults* faults) {
-  Result<Heap> heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext, faults);
-  if (!heap) return tl::unexpected(heap.error());
-  const Result<std::vector<std::byte>> bytes =
-      ReadBth(*heap, heap->UserRoot(), kPropertyLayout, kMaxProperties, faults);
-  if (!bytes) return tl::unexpected(bytes.error());
-  PropertyContext context(source, std::move(*heap), node.bidSub, faults);
-  context.records_.reserve(bytes->size() / kPropertyLayout.LeafRecord());
-  for (std::size_t at = 0; at < bytes->size(); at += kPropertyLayout.LeafRecord()) {
-    context.records_.push_back({Load<std::uint16_t>(*bytes, at),
-                                static_cast<PropType>(Load<std::uint16_t>(*bytes, at + 2)),
-                                Load<std::uint32_t>(*bytes, at + 4)});
+PropertyContext PropertyContext::Open(const ndb::BlockSource& source, const ndb::NodeTrees& node, ndb::Faults* faults) {
+  Heap heap = Heap::Open(source, node.bidData, ClientSig::kPropertyContext, faults);
+  const std::vector<std::byte> bytes = ReadBth(heap, heap.UserRoot(), kPropertyLayout, kMaxProperties, faults);
+  PropertyContext context(source, std::move(heap), node.bidSub, faults);
+  context.records_.reserve(bytes.size() / kPropertyLayout.LeafRecord());
+  for (std::size_t at = 0; at < bytes.size(); at += kPropertyLayout.LeafRecord()) {
+    context.records_.push_back({Load<std::uint16_t>(bytes, at),
+                                static_cast<PropType>(Load<std::uint16_t>(bytes, at + 2)),
+                                Load<std::uint32_t>(bytes, at + 4)});
   }
   // In a damaged tree the order may be wrong and ids may repeat; the first of an id counts.
   std::vector<PropertyRecord>& records = context.records_;
-  const auto byId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId < b.wPropId; };
-  if (!std::is_sorted(records.begin(), records.end(), byId)) std::stable_sort(records.begin(), records.end(), byId);
-  const auto sameId = [](const PropertyRecord& a, const PropertyRecord& b) { return a.wPropId == b.wPropId; };
-  records.erase(std::unique(records.begin(), records.end(), sameId), records.end());
+  const auto id = &PropertyRecord::wPropId;
+  if (!std::ranges::is_sorted(records, {}, id)) std::ranges::stable_sort(records, {}, id);
+  records.erase(std::ranges::unique(records, {}, id).begin(), records.end());
   return context;
 }
 
 const PropertyRecord* PropertyContext::Find(std::uint16_t id) const {
-  const auto record = std::lower_bound(records_.begin(), records_.end(), id,
-                                       [](const PropertyRecord& r, std::uint16_t key) { return r.wPropId < key; });
+  const auto record = std::ranges::lower_bound(records_, id, {}, &PropertyRecord::wPropId);
   return record != records_.end() && record->wPropId == id ? &*record : nullptr;
 }
 
@@ -46,7 +38,7 @@ const PropertyRecord* PropertyContext::FindTag(PropTag tag) const {
   return record != nullptr && record->Tag() == tag ? record : nullptr;
 }
 
-Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag, std::uint64_t limit) {
+std::optional<std::vector<std::byte>> PropertyContext::Read(PropTag tag, std::uint64_t limit) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr) return std::nullopt;
   const std::optional<std::size_t> size = FixedSize(record->wPropType);
@@ -56,49 +48,24 @@ Result<std::optional<std::vector<std::byte>>> PropertyContext::Read(PropTag tag,
     value.resize(*size);
     return value;
   }
-  Result<std::vector<std::byte>> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, limit, faults_);
-  if (!value) return tl::unexpected(value.error());
-  if (size && value->size() != *size) {
-    return Corrupt(Named("property", tag), value->size(), "the value does not fit its type");
+  std::vector<std::byte> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, limit, faults_);
+  if (size && value.size() != *size) {
+    RaiseCorrupt({ObjectKind::kProperty, tag}, value.size(), "the value does not fit its type");
   }
-  return std::move(*value);
+  return value;
 }
 
 std::optional<std::vector<std::byte>> PropertyContext::Binary(PropTag tag) {
-  Result<std::optional<std::vector<std::byte>>> value = Read(tag);
-  if (!value) return std::nullopt;
-  return std::move(*value);
+  const PropertyRecord* record = FindTag(tag);
+  if (record == nullptr) return std::nullopt;
+  const bool isInHeap = !IsInline(record->wPropType) && record->dwValueHnid != 0 && IsHid(record->dwValueHnid);
+  if (isInHeap && !heap_.Find(record->dwValueHnid)) return std::nullopt;  // the common loss, found without raising
+  return IfReadable([&] { return Read(tag); }).value_or(std::nullopt);
 }
-
-template <class T>
-std::optional<T> PropertyContext::Number(PropTag tag) {
-  const std::optional<std::vector<std::byte>> value = Binary(tag);
-  if (!value || value->size() != sizeof(T)) return std::nullopt;
-  return Load<T>(*value, 0);
-}
-
-std::optional<bool> PropertyContext::Boolean(PropTag tag) {
-  const std::optional<std::uint8_t> number = Number<std::uint8_t>(tag);
-  if (!number) return std::nullopt;
-  return *number != 0;
-}
-
-std::optional<std::int16_t> PropertyContext::Integer16(PropTag tag) { return Number<std::uint16_t>(tag); }
-
-std::optional<std::int32_t> PropertyContext::Integer32(PropTag tag) { return Number<std::uint32_t>(tag); }
-
-std::optional<std::int64_t> PropertyContext::Integer64(PropTag tag) { return Number<std::uint64_t>(tag); }
 
 std::optional<double> PropertyContext::Floating64(PropTag tag) {
-  const std::optional<std::uint64_t> number = Number<std::uint64_t>(tag);
-  if (!number) return std::nullopt;
-  return std::bit_cast<double>(*number);
-}
-
-std::optional<text::Text> PropertyContext::Text(PropTag tag) {
-  const std::optional<std::vector<std::byte>> value = Binary(tag);
-  if (!value) return std::nullopt;
-  return DecodeText(*value);
+  const auto bits = NumberIn<std::uint64_t>(Binary(tag));
+  return bits ? std::optional(std::bit_cast<double>(*bits)) : std::nullopt;
 }
 
 std::optional<PropertyContext::Object> PropertyContext::ReadObject(PropTag tag) {
@@ -107,38 +74,31 @@ std::optional<PropertyContext::Object> PropertyContext::ReadObject(PropTag tag) 
   return Object{LoadNid(*value, 0), Load<std::uint32_t>(*value, 4)};
 }
 
-Result<std::optional<std::uint64_t>> PropertyContext::SizeOf(PropTag tag) {
+std::optional<std::uint64_t> PropertyContext::SizeOf(PropTag tag) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr) return std::nullopt;
   if (const std::optional<std::size_t> size = FixedSize(record->wPropType)) return *size;
   if (record->dwValueHnid == 0) return 0;
-  if (IsHid(record->dwValueHnid)) {
-    const Result<std::span<const std::byte>> item = heap_.Item(record->dwValueHnid);
-    if (!item) return tl::unexpected(item.error());
-    return item->size();
-  }
-  const Result<std::optional<ndb::DataTree>> tree = TreeOf(tag);
-  if (!tree) return tl::unexpected(tree.error());
-  return (*tree)->size;
+  if (IsHid(record->dwValueHnid)) return heap_.Item(record->dwValueHnid).size();
+  return TreeOf(tag)->size;
 }
 
-Result<std::optional<ndb::DataTree>> PropertyContext::TreeOf(PropTag tag) {
+std::optional<ndb::DataTree> PropertyContext::TreeOf(PropTag tag) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
-  const Result<std::optional<ndb::SubnodeEntry>> subnode = FindSubnode(Nid{record->dwValueHnid});
-  if (!subnode) return tl::unexpected(subnode.error());
-  if (!*subnode) return Corrupt(Named("property", tag), record->dwValueHnid, "the value's sub-node is not there");
-  const Bid bid = (*subnode)->trees.bidData;
-  const Result<ndb::DataTreeReader> tree = ndb::DataTreeReader::Open(*source_, bid, faults_);
-  if (!tree) return tl::unexpected(tree.error());
-  return ndb::DataTree{bid, tree->Size()};
+  const std::optional<ndb::SubnodeEntry> subnode = FindSubnode(Nid{record->dwValueHnid});
+  if (!subnode) {
+    RaiseCorrupt({ObjectKind::kProperty, tag}, record->dwValueHnid, "the value's sub-node is not there");
+  }
+  const Bid bid = subnode->trees.bidData;
+  return ndb::DataTree{bid, ndb::DataTreeReader::Open(*source_, bid, faults_).Size()};
 }
 
-Result<std::optional<ndb::SubnodeEntry>> PropertyContext::FindSubnode(Nid nid) const {
+std::optional<ndb::SubnodeEntry> PropertyContext::FindSubnode(Nid nid) const {
   return ndb::FindSubnode(*source_, bidSub_, nid);
 }
 
-Result<std::vector<ndb::SubnodeEntry>> PropertyContext::Subnodes() const {
+std::vector<ndb::SubnodeEntry> PropertyContext::Subnodes() const {
   return ndb::ListSubnodes(*source_, bidSub_, faults_);
 }
 

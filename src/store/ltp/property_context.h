@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "store/format/prop_tag.h"
-#include "store/format/property_record.h"
 #include "store/ltp/heap.h"
+#include "store/ltp/multi_value.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/faults.h"
 #include "store/ndb/subnode_tree_reader.h"
@@ -19,11 +19,11 @@ namespace velmora::ltp {
 /// A property context opened for reading; its records are read at opening, values on demand.
 class PropertyContext {
  public:
-  /// `source` and `faults` must outlive the reader. kCorrupt when the node is no property context. With `faults`,
-  /// records that are lost are missing, and so are the sub-nodes of a block that is lost; a value that is lost fails
-  /// alone, and what is lost in the middle of a long one reads as zeros.
-  [[nodiscard]] static Result<PropertyContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
-                                                    ndb::Faults* faults = nullptr);
+  /// `source` and `faults` must outlive the reader. Raises kCorrupt when the node is no property context, and what
+  /// keeps its blocks from being read. With `faults`, records that are lost are missing, and so are the sub-nodes of a
+  /// block that is lost; a value that is lost fails alone, and what is lost in the middle of a long one reads as zeros.
+  [[nodiscard]] static PropertyContext Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                            ndb::Faults* faults = nullptr);
 
   /// All records by ascending id, one for each.
   std::span<const PropertyRecord> Records() const { return records_; }
@@ -32,17 +32,18 @@ class PropertyContext {
   const PropertyRecord* Find(std::uint16_t id) const;
 
   /// The value bytes of a property (of an object: its 8 bytes); nothing when it is not there with exactly this type.
-  /// Values larger than `limit` give kNotSupported: open TreeOf with a DataTreeReader.
+  /// Raises why it is lost where it is, and kNotSupported where it is larger than `limit`: open TreeOf with a
+  /// DataTreeReader.
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
-  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Read(PropTag tag, std::uint64_t limit = kMaxValue);
+  [[nodiscard]] std::optional<std::vector<std::byte>> Read(PropTag tag, std::uint64_t limit = kMaxValue);
 
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
-  std::optional<bool> Boolean(PropTag tag);
-  std::optional<std::int16_t> Integer16(PropTag tag);
-  std::optional<std::int32_t> Integer32(PropTag tag);
-  std::optional<std::int64_t> Integer64(PropTag tag);
+  std::optional<bool> Boolean(PropTag tag) { return FlagIn(Binary(tag)); }
+  std::optional<std::int16_t> Integer16(PropTag tag) { return NumberIn<std::uint16_t>(Binary(tag)); }
+  std::optional<std::int32_t> Integer32(PropTag tag) { return NumberIn<std::uint32_t>(Binary(tag)); }
+  std::optional<std::int64_t> Integer64(PropTag tag) { return NumberIn<std::uint64_t>(Binary(tag)); }
   std::optional<double> Floating64(PropTag tag);
-  std::optional<text::Text> Text(PropTag tag);
+  std::optional<text::Text> Text(PropTag tag) { return TextIn(Binary(tag)); }
   std::optional<std::vector<std::byte>> Binary(PropTag tag);
 
   /// What a PtypObject property refers to.
@@ -52,27 +53,26 @@ class PropertyContext {
   };
   std::optional<Object> ReadObject(PropTag tag);
 
-  /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type.
-  [[nodiscard]] Result<std::optional<std::uint64_t>> SizeOf(PropTag tag);
+  /// Size in bytes of a property's value, without reading it; nothing when it is not there with this type. This and
+  /// what follows raise what keeps the blocks in question from being read.
+  [[nodiscard]] std::optional<std::uint64_t> SizeOf(PropTag tag);
 
   /// The tree of a value that lies in a sub-node, e.g. to share it with another node; nothing when the value
   /// lies in the heap or is not there.
-  [[nodiscard]] Result<std::optional<ndb::DataTree>> TreeOf(PropTag tag);
+  [[nodiscard]] std::optional<ndb::DataTree> TreeOf(PropTag tag);
 
   /// The list that a tolerant reader was given; null for a strict one.
   ndb::Faults* FaultList() const { return faults_; }
 
   /// A sub-node of the node.
-  [[nodiscard]] Result<std::optional<ndb::SubnodeEntry>> FindSubnode(Nid nid) const;
-  [[nodiscard]] Result<std::vector<ndb::SubnodeEntry>> Subnodes() const;
+  [[nodiscard]] std::optional<ndb::SubnodeEntry> FindSubnode(Nid nid) const;
+  [[nodiscard]] std::vector<ndb::SubnodeEntry> Subnodes() const;
 
  private:
   PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
   const PropertyRecord* FindTag(PropTag tag) const;
-  template <class T>
-  std::optional<T> Number(PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;

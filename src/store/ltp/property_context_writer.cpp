@@ -64,7 +64,7 @@ void PropertyContextWriter::AddStream(PropTag tag, ndb::DataTreeWriter& value) {
 }
 
 void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
-  if (FixedSize(TypeOf(tag))) RaiseCorrupt(Named("property", tag), tree.size, "the property has no tree");
+  if (FixedSize(TypeOf(tag))) RaiseCorrupt({ObjectKind::kProperty, tag}, tree.size, "the property has no tree");
   CheckSize(tag, tree.size);
   valueBytes_ += tree.size;
   AddSubnodeValue(tag, tree);
@@ -72,7 +72,7 @@ void PropertyContextWriter::AddTree(PropTag tag, const ndb::DataTree& tree) {
 
 void PropertyContextWriter::AddObject(PropTag tag, Nid nid, std::uint32_t size) {
   if (TypeOf(tag) != PropType::kObject) {
-    RaiseCorrupt(Named("property", tag), Value(nid), "the property is no object");
+    RaiseCorrupt({ObjectKind::kProperty, tag}, Value(nid), "the property is no object");
   }
   valueBytes_ += size;
   std::array<std::byte, 8> value;
@@ -107,7 +107,7 @@ ndb::WrittenNode PropertyContextWriter::WriteNode() {
   std::sort(records_.begin(), records_.end(), [](const auto& a, const auto& b) { return a.wPropId < b.wPropId; });
   for (std::size_t i = 1; i < records_.size(); ++i) {
     if (records_[i - 1].wPropId == records_[i].wPropId) {
-      RaiseCorrupt(Named("property", records_[i].Tag()), records_[i].Tag(), "the property is added twice");
+      RaiseCorrupt({ObjectKind::kProperty, records_[i].Tag()}, records_[i].Tag(), "the property is added twice");
     }
   }
   const ndb::SubnodeTree subnodes = subnodes_.Finish();

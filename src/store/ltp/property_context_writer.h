@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "store/format/prop_tag.h"
-#include "store/format/property_record.h"
 #include "store/ltp/heap_writer.h"
 #include "store/ndb/data_tree_writer.h"
 #include "store/ndb/ndb_writer.h"

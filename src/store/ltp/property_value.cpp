@@ -43,14 +43,16 @@ void CheckSize(PropTag tag, std::uint64_t size) {
   const std::optional<std::size_t> fixed = FixedSize(TypeOf(tag));
   const std::size_t unit = fixed ? *fixed : UnitOf(TypeOf(tag));
   if (unit != 0 && (fixed ? size == unit : size % unit == 0)) return;
-  RaiseCorrupt(Named("property", tag), size, "the value does not fit its type");
+  RaiseCorrupt({ObjectKind::kProperty, tag}, size, "the value does not fit its type");
 }
 
 void CheckValue(PropTag tag, std::span<const std::byte> value) {
   CheckSize(tag, value.size());
   const PropType type = TypeOf(tag);
-  if (type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary) {
-    ValueOrRaise(DecodeMultiple(value));
+  const bool isList =
+      type == PropType::kMultipleString || type == PropType::kMultipleString8 || type == PropType::kMultipleBinary;
+  if (isList && !DecodeMultiple(value)) {
+    RaiseCorrupt({ObjectKind::kProperty, tag}, value.size(), "the elements do not fit into the value");
   }
 }
 

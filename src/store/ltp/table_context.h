@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "store/ltp/heap.h"
+#include "store/ltp/multi_value.h"
 #include "store/ltp/table_info.h"
 #include "store/ltp/table_schema.h"
 #include "store/ndb/block_source.h"
@@ -18,10 +19,11 @@ namespace velmora::ltp {
 /// A table opened for reading; its row index is read at opening (8 bytes a row), rows on demand.
 class TableContext {
  public:
-  /// `source` and `faults` must outlive the reader. kCorrupt when the node is no table context. With `faults`, rows
-  /// whose index entry is lost are found in the matrix, by the id that they carry; cells that are lost fail alone.
-  [[nodiscard]] static Result<TableContext> Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
-                                                 ndb::Faults* faults = nullptr);
+  /// `source` and `faults` must outlive the reader. Raises kCorrupt when the node is no table context, and what keeps
+  /// its blocks from being read. With `faults`, rows whose index entry is lost are found in the matrix, by the id that
+  /// they carry; cells that are lost fail alone.
+  [[nodiscard]] static TableContext Open(const ndb::BlockSource& source, const ndb::NodeTrees& node,
+                                         ndb::Faults* faults = nullptr);
 
   std::span<const Column> Columns() const { return columns_; }
 
@@ -33,14 +35,19 @@ class TableContext {
   /// The number of the row of that id.
   std::optional<std::size_t> FindRow(std::uint32_t rowId) const;
 
-  /// The value bytes of a cell; nothing when the table has no such column or the cell is absent.
-  [[nodiscard]] Result<std::optional<std::vector<std::byte>>> Cell(std::size_t row, PropTag tag);
+  /// The value bytes of a cell; nothing when the table has no such column or the cell is absent. Raises why the row or
+  /// the value is lost where it is.
+  [[nodiscard]] std::optional<std::vector<std::byte>> Cell(std::size_t row, PropTag tag);
 
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
-  std::optional<bool> Boolean(std::size_t row, PropTag tag);
-  std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag);
-  std::optional<std::int64_t> Integer64(std::size_t row, PropTag tag);
-  std::optional<text::Text> Text(std::size_t row, PropTag tag);
+  std::optional<bool> Boolean(std::size_t row, PropTag tag) { return FlagIn(ReadableCell(row, tag)); }
+  std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag) {
+    return NumberIn<std::uint32_t>(ReadableCell(row, tag));
+  }
+  std::optional<std::int64_t> Integer64(std::size_t row, PropTag tag) {
+    return NumberIn<std::uint64_t>(ReadableCell(row, tag));
+  }
+  std::optional<text::Text> Text(std::size_t row, PropTag tag) { return TextIn(ReadableCell(row, tag)); }
 
  private:
   struct IndexEntry {
@@ -51,14 +58,16 @@ class TableContext {
   TableContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
-  [[nodiscard]] Result<void> ReadIndex(const TableInfo& info, std::size_t matrixRows);
+  void ReadIndex(const TableInfo& info, std::size_t matrixRows);
   void AddRowsWithoutIndex(std::size_t matrixRows);
-  [[nodiscard]] Result<std::size_t> OpenMatrix(Hnid hnidRows);
-  [[nodiscard]] Result<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
+  [[nodiscard]] std::size_t OpenMatrix(Hnid hnidRows);
+  [[nodiscard]] std::optional<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
+  [[nodiscard]] Failure WhyRowLost(std::size_t matrixRow);
+  [[nodiscard]] std::optional<std::span<const std::byte>> StoredCell(std::size_t row, const Column& column);
+  [[nodiscard]] std::vector<std::byte> ValueOf(const Column& column, std::span<const std::byte> stored);
+  std::optional<std::vector<std::byte>> ReadableCell(std::size_t row, PropTag tag);
   std::size_t RowsPerBlock() const { return heap_.Format().maxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;
-  template <class T>
-  std::optional<T> Number(std::size_t row, PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;

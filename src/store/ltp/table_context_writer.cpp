@@ -70,7 +70,7 @@ void TableContextWriter::SetCell(const Column& column, std::span<const std::byte
   CheckValue(column.tag, value);
   const std::size_t cebOffset = schema_.rgib[2];
   if (HasCell(row_, cebOffset, column.iBit)) {
-    RaiseCorrupt(Named("property", column.tag), column.tag, "a row has two cells of one column");
+    RaiseCorrupt({ObjectKind::kProperty, column.tag}, column.tag, "a row has two cells of one column");
   }
   const std::optional<std::size_t> size = FixedSize(TypeOf(column.tag));
   if (size && *size == column.cbData) {
@@ -118,7 +118,7 @@ ndb::WrittenNode TableContextWriter::Finish() {
   std::sort(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId < b.rowId; });
   const auto twin =
       std::adjacent_find(index.begin(), index.end(), [](const auto& a, const auto& b) { return a.rowId == b.rowId; });
-  if (twin != index.end()) RaiseCorrupt(Named("row", twin->rowId), twin->rowId, "two rows share an id");
+  if (twin != index.end()) RaiseCorrupt({ObjectKind::kRow, twin->rowId}, twin->rowId, "two rows share an id");
   const auto encode = [&index](std::size_t i, std::span<std::byte> out) {
     Store<std::uint32_t>(out, 0, index[i].rowId);
     Store<std::uint32_t>(out, 4, index[i].matrixRow);

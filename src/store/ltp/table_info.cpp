@@ -23,11 +23,11 @@ std::vector<std::byte> Encode(const TableInfo& info) {
   return out;
 }
 
-Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes, const Generation& generation) {
+TableInfo DecodeTableInfo(std::span<const std::byte> bytes, const Generation& generation) {
   const std::size_t cCols = Load<std::uint8_t>(bytes, 1);
   if (Load<std::uint8_t>(bytes, 0) != static_cast<std::uint8_t>(ClientSig::kTableContext) ||
       bytes.size() < TableInfo::kHeadSize + cCols * TableInfo::kColumnSize) {
-    return Corrupt("table", bytes.size(), "no description of a table");
+    RaiseCorrupt(ObjectKind::kTable, bytes.size(), "no description of a table");
   }
   TableInfo info;
   for (std::size_t i = 0; i < info.rgib.size(); ++i) info.rgib[i] = Load<std::uint16_t>(bytes, 2 + 2 * i);
@@ -35,7 +35,7 @@ Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes, const Genera
   const std::size_t rowSize = info.rgib[3];
   if (rowSize == 0 || rowSize > generation.maxBlockData || cebOffset > rowSize ||
       rowSize - cebOffset < (cCols + 7) / 8) {
-    return Corrupt("table", rowSize, "the size of a row does not fit");
+    RaiseCorrupt(ObjectKind::kTable, rowSize, "the size of a row does not fit");
   }
   info.hidRowIndex = Load<std::uint32_t>(bytes, 10);
   info.hnidRows = Load<std::uint32_t>(bytes, 14);

@@ -27,8 +27,8 @@ struct TableInfo {
 
 std::vector<std::byte> Encode(const TableInfo& info);
 
-/// kCorrupt when the numbers do not fit each other; a column whose cell leaves the row is left out.
-[[nodiscard]] Result<TableInfo> DecodeTableInfo(std::span<const std::byte> bytes, const Generation& generation);
+/// Raises kCorrupt when the numbers do not fit each other; a column whose cell leaves the row is left out.
+[[nodiscard]] TableInfo DecodeTableInfo(std::span<const std::byte> bytes, const Generation& generation);
 
 /// Whether the bit of a column is set in the cell-existence bytes of a row; both lie in the row.
 inline bool HasCell(std::span<const std::byte> row, std::size_t cebOffset, std::uint8_t iBit) {

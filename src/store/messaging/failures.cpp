@@ -5,32 +5,32 @@
 namespace velmora::messaging {
 namespace {
 
-std::string Sentence(const char* what, const platform::Failure& failure) {
-  std::string out = what;
-  if (!failure.object.empty()) out += " (" + failure.object + ")";
-  return failure.message.empty() ? out + "." : out + ": " + failure.message;
+using output::ResultCode;
+
+[[noreturn]] void RaiseAs(ResultCode code, const char* what, const Failure& failure) {
+  std::string sentence = what;
+  if (const std::string object = TextOf(failure.object); !object.empty()) sentence += " (" + object + ")";
+  sentence += failure.message.empty() ? "." : ": " + failure.message;
+  throw output::OutputFailure(code, std::move(sentence), failure);
 }
 
 }  // namespace
 
-void RaiseReadFailure(const platform::Failure& failure) {
-  throw output::OutputFailure(output::ResultCode::STG_E_READFAULT, Sentence("The store cannot be read", failure));
+void RaiseReadFailure(const Failure& failure) {
+  RaiseAs(ResultCode::STG_E_READFAULT, "The store cannot be read", failure);
 }
 
-void RaiseWriteFailure(const platform::Failure& failure) {
-  using output::ResultCode;
+void RaiseWriteFailure(const Failure& failure) {
   switch (failure.kind) {
-    case platform::FailureKind::kFull:
-      throw output::OutputFailure(ResultCode::STG_E_MEDIUMFULL,
-                                  Sentence("There is no space left for the store", failure));
-    case platform::FailureKind::kExists:
-      throw output::OutputFailure(ResultCode::MAPI_E_COLLISION,
-                                  Sentence("A file of that name is already there", failure));
-    case platform::FailureKind::kCorrupt:
-    case platform::FailureKind::kNotSupported:
-      throw output::OutputFailure(ResultCode::E_FAIL, Sentence("The store cannot hold this", failure));
+    case FailureKind::kFull:
+      RaiseAs(ResultCode::STG_E_MEDIUMFULL, "There is no space left for the store", failure);
+    case FailureKind::kExists:
+      RaiseAs(ResultCode::MAPI_E_COLLISION, "A file of that name is already there", failure);
+    case FailureKind::kCorrupt:
+    case FailureKind::kNotSupported:
+      RaiseAs(ResultCode::E_FAIL, "The store cannot hold this", failure);
     default:
-      throw output::OutputFailure(ResultCode::STG_E_WRITEFAULT, Sentence("The store cannot be written", failure));
+      RaiseAs(ResultCode::STG_E_WRITEFAULT, "The store cannot be written", failure);
   }
 }
 

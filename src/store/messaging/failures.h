@@ -7,26 +7,30 @@
 namespace velmora::messaging {
 
 /// Raises STG_E_READFAULT with the cause in plain words.
-[[noreturn]] void RaiseReadFailure(const platform::Failure& failure);
+[[noreturn]] void RaiseReadFailure(const Failure& failure);
 
 /// Raises STG_E_MEDIUMFULL where no space is left, MAPI_E_COLLISION where a file is in the way, E_FAIL for
 /// what the format cannot hold, else STG_E_WRITEFAULT.
-[[noreturn]] void RaiseWriteFailure(const platform::Failure& failure);
+[[noreturn]] void RaiseWriteFailure(const Failure& failure);
 
-/// The value of a result of reading; raises otherwise.
-template <class T>
-T ReadOrRaise(platform::Result<T> result) {
-  if (!result) RaiseReadFailure(result.error());
-  return std::move(*result);
-}
-
-/// Runs a step that writes. A failure of the layers below becomes one of the operations here, and nowhere else.
+/// Runs a step that writes. A failure of the layers below becomes one of the operations here and in AsReading, and
+/// nowhere else.
 template <class Step>
 decltype(auto) AsOperation(Step step) {
   try {
     return step();
   } catch (const FailureError& failure) {
     RaiseWriteFailure(failure.Cause());
+  }
+}
+
+/// The same of a step that reads.
+template <class Step>
+decltype(auto) AsReading(Step step) {
+  try {
+    return step();
+  } catch (const FailureError& failure) {
+    RaiseReadFailure(failure.Cause());
   }
 }
 

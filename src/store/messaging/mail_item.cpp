@@ -78,11 +78,9 @@ ltp::PropertyContext* MailItem::Saved() const {
   if (!saved_) {
     const auto node = store_->Source().FindNode(*nid_);
     if (!node) return nullptr;
-    auto properties = ltp::PropertyContext::Open(store_->Source(), node->trees);
-    if (!properties) return nullptr;
-    saved_ = std::move(*properties);
+    saved_ = IfReadable([&] { return ltp::PropertyContext::Open(store_->Source(), node->trees); });
   }
-  return &*saved_;
+  return saved_ ? &*saved_ : nullptr;
 }
 
 bool MailItem::Answers(output::ItemInterface interface) const {
@@ -138,7 +136,7 @@ void MailItem::Load() {
   state_.created = static_cast<text::FileTime>(saved->Integer64(tag::kCreationTime).value_or(0));
   const Bytes searchKey = saved->Binary(tag::kSearchKey).value_or(Bytes());
   std::copy_n(searchKey.begin(), std::min(searchKey.size(), state_.searchKey.size()), state_.searchKey.begin());
-  attachments_ = ReadAttachments(store_->Writer().Ndb(), *saved);
+  attachments_ = AsReading([&] { return ReadAttachments(store_->Writer().Ndb(), *saved); });
   loaded_ = true;
 }
 
@@ -240,10 +238,11 @@ std::int32_t MailItem::AttachmentCount() const {
   if (loaded_) return static_cast<std::int32_t>(attachments_.size());
   ltp::PropertyContext* saved = Saved();
   if (saved == nullptr) return 0;
-  const auto table = saved->FindSubnode(nid::kAttachmentTable);
-  if (!table || !table->has_value()) return 0;
-  const auto rows = ltp::TableContext::Open(store_->Source(), (*table)->trees);
-  return rows ? static_cast<std::int32_t>(rows->RowCount()) : 0;
+  const auto count = IfReadable([&] {
+    const auto table = saved->FindSubnode(nid::kAttachmentTable);
+    return table ? ltp::TableContext::Open(store_->Source(), table->trees).RowCount() : 0;
+  });
+  return static_cast<std::int32_t>(count.value_or(0));
 }
 
 output::AttachmentTotals MailItem::SavedAttachments() const {

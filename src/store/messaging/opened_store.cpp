@@ -20,23 +20,19 @@ namespace {
 std::optional<ltp::PropertyContext> PropertiesOf(const ndb::BlockSource& source, Nid nid) {
   const auto node = source.FindNode(nid);
   if (!node) return std::nullopt;
-  auto properties = ltp::PropertyContext::Open(source, node->trees);
-  if (!properties) return std::nullopt;
-  return std::move(*properties);
+  return IfReadable([&] { return ltp::PropertyContext::Open(source, node->trees); });
 }
 
 std::optional<ltp::TableContext> TableOf(const ndb::BlockSource& source, Nid nid) {
   const auto node = source.FindNode(nid);
   if (!node) return std::nullopt;
-  auto table = ltp::TableContext::Open(source, node->trees);
-  if (!table) return std::nullopt;
-  return std::move(*table);
+  return IfReadable([&] { return ltp::TableContext::Open(source, node->trees); });
 }
 
 }  // namespace
 
 std::shared_ptr<OpenedStore> OpenedStore::Open(std::unique_ptr<platform::ByteSource> file) {
-  auto reader = ReadOrRaise(ndb::StoreReader::Open(*file));
+  auto reader = AsReading([&] { return ndb::StoreReader::Open(*file); });
   if (reader->Format().formatId != FORMAT_UNICODE) RaiseNoStore("The store is of another format than those made here.");
   std::shared_ptr<OpenedStore> store(new OpenedStore(std::move(file), std::move(reader)));
   store->ReadMessageStore();

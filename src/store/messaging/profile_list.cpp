@@ -22,7 +22,7 @@ std::vector<text::Text> ProfileFile::Read() const {
   const auto file = platform::OpenForReading(folder_ / kFileName);
   if (!file) return names;
   std::string bytes(std::min((*file)->Size(), kSizeLimit), '\0');
-  bytes.resize(ReadOrRaise((*file)->ReadAt(0, std::as_writable_bytes(std::span(bytes)))));
+  bytes.resize(AsReading([&] { return ValueOrRaise((*file)->ReadAt(0, std::as_writable_bytes(std::span(bytes)))); }));
   for (std::size_t start = 0; start < bytes.size();) {
     const std::size_t end = std::min(bytes.find('\n', start), bytes.size());
     if (end > start) names.push_back(text::FromUtf8(std::string_view(bytes).substr(start, end - start)));

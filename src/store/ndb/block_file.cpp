@@ -13,7 +13,7 @@ BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod)
     : file_(file), cryptMethod_(cryptMethod), window_(file) {}
 
 void BlockFile::Start() {
-  Kept(file_.Resize(0));
+  Kept([&] { ValueOrRaise(file_.Resize(0)); });
   OpenAreas();
 }
 
@@ -47,10 +47,10 @@ Bid BlockFile::WriteInternal(std::span<const std::byte> content) {
 Bid BlockFile::Write(bool internal, std::span<const std::byte> data) {
   assert(!data.empty() && data.size() <= kMaxBlockData);
   const std::optional<Bid> bid = table_.NextBid(internal);
-  if (!bid) Raise(FailureKind::kNotSupported, "store", 0, "block ids are used up");
+  if (!bid) Raise(FailureKind::kNotSupported, ObjectKind::kStore, 0, "block ids are used up");
   const std::size_t size = BlockSizeOnDisk(data.size());
   const std::uint64_t ib = Allocate(size, kSlotSize);
-  const std::span<std::byte> place = Kept(window_.Place(ib, size));
+  const std::span<std::byte> place = Kept([&] { return window_.Place(ib, size); });
   const auto stored = place.first(data.size());
   const auto padding = place.subspan(data.size(), size - data.size() - kBlockTrailerSize);
   EncodeBlock(internal ? CryptMethod::kNone : cryptMethod_, *bid, data, stored);
@@ -61,15 +61,15 @@ Bid BlockFile::Write(bool internal, std::span<const std::byte> data) {
   return *bid;
 }
 
-Result<void> BlockFile::Read(Bid bid, std::vector<std::byte>& out) const {
+bool BlockFile::Find(Bid bid, std::vector<std::byte>& out) const {
   const std::optional<BlockTable::Block> block = table_.Find(Canonical(bid));
-  if (!block) return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "the store has no such block");
+  if (!block) return false;
   out.resize(block->cb);
-  const Result<std::size_t> read = window_.Read(block->ib, out);
-  if (!read) return tl::unexpected(read.error());
-  if (*read != out.size()) return Corrupt(Named("block", bid), block->ib, "the file ends within the block");
+  if (window_.Read(block->ib, out) != out.size()) {
+    RaiseCorrupt({ObjectKind::kBlock, bid}, block->ib, "the file ends within the block");
+  }
   if (!IsInternal(bid)) DecodeBlock(cryptMethod_, Canonical(bid), out);
-  return {};
+  return true;
 }
 
 void BlockFile::Refer(std::span<const Bid> bids) {
@@ -79,9 +79,8 @@ void BlockFile::Refer(std::span<const Bid> bids) {
     for (const Bid counted : bids.first(i)) {
       if (counted != kNoBid) table_.DropReference(counted);
     }
-    const std::string name = Named("block", bid);
-    if (!table_.Find(bid)) Raise(FailureKind::kNotFound, name, Value(bid), "the store has no such block");
-    Raise(FailureKind::kNotSupported, name, Value(bid), "too many nodes share the block");
+    if (!table_.Find(bid)) throw FailureError(BlockSource::NoSuchBlock(bid));
+    Raise(FailureKind::kNotSupported, {ObjectKind::kBlock, bid}, Value(bid), "too many nodes share the block");
   }
 }
 
@@ -127,7 +126,7 @@ void BlockFile::Free(Bid root) {
     const Bid bid = unreferenced.back();
     unreferenced.pop_back();
     if (IsInternal(bid)) {
-      Kept(Read(bid, content));
+      if (!Kept([&] { return Find(bid, content); })) throw FailureError(BlockSource::NoSuchBlock(bid));
       ForEachReference(InternalBlock(content, generations::kUnicode), [&](Bid child) {
         if (table_.DropReference(child) == 0 && !holds_.contains(child)) unreferenced.push_back(child);
       });
@@ -147,20 +146,24 @@ Bref BlockFile::WritePage(PageType type, Page& page) {
   const std::uint64_t ib = Allocate(kPageSize, kPageSize);
   const Bref ref{NewPageBid(), ib};
   SealPage(page, type, ref);
-  std::copy(page.begin(), page.end(), Kept(window_.Place(ib, kPageSize)).begin());
+  std::ranges::copy(page, Kept([&] { return window_.Place(ib, kPageSize); }).begin());
   return ref;
 }
 
 void BlockFile::WriteFixed(std::uint64_t ib, std::span<const std::byte> bytes) {
   CheckUsable();
-  Kept(window_.Flush());
-  Kept(file_.WriteAt(ib, bytes));
+  Kept([&] {
+    window_.Flush();
+    ValueOrRaise(file_.WriteAt(ib, bytes));
+  });
 }
 
 void BlockFile::Flush() {
   CheckUsable();
-  Kept(window_.Flush());
-  Kept(file_.Flush());
+  Kept([&] {
+    window_.Flush();
+    ValueOrRaise(file_.Flush());
+  });
 }
 
 void BlockFile::Settle(std::span<const std::uint64_t> freedPages) {
@@ -182,7 +185,8 @@ std::uint64_t BlockFile::Allocate(std::size_t size, std::size_t alignment) {
   CheckUsable();
   const auto slots = static_cast<std::uint32_t>(size / kSlotSize);
   const std::optional<std::uint64_t> ib = map_.Allocate(slots, static_cast<std::uint32_t>(alignment / kSlotSize));
-  if (!ib) Raise(FailureKind::kNotSupported, "store", map_.FileSize(), "the store has reached its largest size");
+  if (!ib)
+    Raise(FailureKind::kNotSupported, ObjectKind::kStore, map_.FileSize(), "the store has reached its largest size");
   if (openAreas_ == map_.AreaCount()) return *ib;
   try {
     OpenAreas();
@@ -207,7 +211,7 @@ void BlockFile::KeepReserve() {
     full_ = std::move(reserved.error());
     throw FailureError(*full_);
   }
-  Kept(std::move(reserved));
+  Kept([&] { ValueOrRaise(std::move(reserved)); });
 }
 
 // The maps of a new area say that all of it is in use, until Seal writes what is: whoever trusts them
@@ -217,9 +221,7 @@ void BlockFile::OpenAreas() {
   for (; openAreas_ < map_.AreaCount(); ++openAreas_) {
     std::uint64_t ib = AreaOffset(openAreas_);
     for (const PageType type : MapPagesOf(openAreas_)) {
-      const std::span<std::byte> place = Kept(window_.Place(ib, kPageSize));
-      const Page page = FullMapPage(type, ib);
-      std::copy(page.begin(), page.end(), place.begin());
+      std::ranges::copy(FullMapPage(type, ib), Kept([&] { return window_.Place(ib, kPageSize); }).begin());
       ib += kPageSize;
     }
   }

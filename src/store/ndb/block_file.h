@@ -50,8 +50,8 @@ class BlockFile {
   /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
   [[nodiscard]] Bid WriteInternal(std::span<const std::byte> content);
 
-  /// Replaces `out` by the content of a block.
-  [[nodiscard]] Result<void> Read(Bid bid, std::vector<std::byte>& out) const;
+  /// Replaces `out` by the content of a block; false when there is none of that id.
+  [[nodiscard]] bool Find(Bid bid, std::vector<std::byte>& out) const;
 
   /// Counts one reference to each block, or to none when it fails. 0 names no block.
   void Refer(std::span<const Bid> bids);
@@ -107,11 +107,15 @@ class BlockFile {
   void OpenAreas();
   void Free(Bid bid);
 
-  /// What a result holds; a failure stops the writing.
-  template <class T>
-  T Kept(Result<T> result) {
-    if (!result) Stop(result.error());
-    return ValueOrRaise(std::move(result));
+  /// What a step gives; a failure stops the writing.
+  template <class Step>
+  decltype(auto) Kept(Step step) {
+    try {
+      return step();
+    } catch (const FailureError& failure) {
+      Stop(failure.Cause());
+      throw;
+    }
   }
 
   platform::ByteStore& file_;

@@ -37,13 +37,22 @@ class BlockSource {
  public:
   virtual ~BlockSource() = default;
 
-  /// What the blocks are formed by; that of the stores that are written unless a source says otherwise.
-  virtual const Generation& Format() const { return generations::kUnicode; }
+  /// What the blocks are formed by.
+  virtual const Generation& Format() const = 0;
 
   /// Replaces `out` by the content of a block, decoded, inflated and without trailer; it has at least one byte and
-  /// no more than a block of the format. Bit 0 of `bid` is ignored. kNotFound when the store has no such block,
-  /// kCorrupt when its trailer does not fit.
-  [[nodiscard]] virtual Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const = 0;
+  /// no more than a block of the format. Bit 0 of `bid` is ignored. Raises (FailureError) kNotFound when the store has
+  /// no such block, kCorrupt when its trailer does not fit, and what the system says where it cannot be read.
+  void ReadBlock(Bid bid, std::vector<std::byte>& out) const {
+    if (!FindBlock(bid, out)) throw FailureError(NoSuchBlock(bid));
+  }
+
+  /// The same, but for a block that the store does not have: false then, at no more cost than a look-up.
+  [[nodiscard]] virtual bool FindBlock(Bid bid, std::vector<std::byte>& out) const = 0;
+
+  static Failure NoSuchBlock(Bid bid) {
+    return {FailureKind::kNotFound, {ObjectKind::kBlock, bid}, Value(bid), "the store has no such block"};
+  }
 
   /// The node of that id, or nothing.
   virtual std::optional<NodeEntry> FindNode(Nid nid) const = 0;

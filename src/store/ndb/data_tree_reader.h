@@ -21,10 +21,10 @@ class DataTreeReader {
   /// An empty tree.
   DataTreeReader() = default;
 
-  /// kNoBid gives an empty tree. `source` and `faults` must outlive the reader. kCorrupt when a block above the data
-  /// is no XBLOCK or XXBLOCK, its numbers do not fit, or a block is named twice, which would make much of little; a
-  /// tolerant reader fails for the root alone.
-  [[nodiscard]] static Result<DataTreeReader> Open(const BlockSource& source, Bid bid, Faults* faults = nullptr);
+  /// kNoBid gives an empty tree. `source` and `faults` must outlive the reader. Raises kCorrupt when a block above the
+  /// data is no XBLOCK or XXBLOCK, its numbers do not fit, or a block is named twice, which would make much of little;
+  /// a tolerant reader fails for the root alone.
+  [[nodiscard]] static DataTreeReader Open(const BlockSource& source, Bid bid, Faults* faults = nullptr);
 
   /// Bytes in all, as the tree's root says.
   std::uint64_t Size() const { return size_; }
@@ -34,21 +34,25 @@ class DataTreeReader {
   /// The id of data block `index`; kNoBid of one whose list is lost, or that is not there.
   Bid BidOf(std::size_t index) const { return index < dataBids_.size() ? dataBids_[index] : kNoBid; }
 
-  /// Content of data block `index` (< BlockCount()), valid until the next call on this reader.
-  [[nodiscard]] Result<std::span<const std::byte>> Block(std::size_t index);
+  /// Content of data block `index` (< BlockCount()), valid until the next call on this reader. Raises the failure where
+  /// it is lost.
+  [[nodiscard]] std::span<const std::byte> Block(std::size_t index);
+
+  /// Why data block `index` is lost; nothing of one that can be read.
+  [[nodiscard]] const std::optional<Failure>& WhyLost(std::size_t index);
 
   /// Reads up to `out.size()` bytes at `offset` and returns the number delivered, which is short only at
-  /// the end of the tree. kCorrupt when a data block other than the last is not full.
-  [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out);
+  /// the end of the tree. Raises kCorrupt when a data block other than the last is not full.
+  [[nodiscard]] std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out);
 
-  /// The whole tree; kNotSupported when it is larger than `limit` bytes.
-  [[nodiscard]] Result<std::vector<std::byte>> ReadAll(std::uint64_t limit);
+  /// The whole tree; raises kNotSupported when it is larger than `limit` bytes.
+  [[nodiscard]] std::vector<std::byte> ReadAll(std::uint64_t limit);
 
  private:
   using Seen = std::unordered_set<Bid>;
-  [[nodiscard]] Result<void> AddBlocksOf(Bid bid, std::span<const std::byte> content, Seen& seen);
-  [[nodiscard]] Result<void> AddListsOf(Bid bid, std::span<const std::byte> content, Seen& seen);
-  [[nodiscard]] Result<std::span<const std::byte>> BlockOrZeros(std::size_t index);
+  void AddBlocksOf(Bid bid, std::span<const std::byte> content, Seen& seen);
+  void AddListsOf(Bid bid, std::span<const std::byte> content, Seen& seen);
+  [[nodiscard]] std::span<const std::byte> BlockOrZeros(std::size_t index);
 
   const BlockSource* source_ = nullptr;
   Faults* faults_ = nullptr;

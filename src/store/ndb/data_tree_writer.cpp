@@ -13,7 +13,7 @@ DataTreeWriter::~DataTreeWriter() { Clear(); }
 
 void DataTreeWriter::Append(std::span<const std::byte> bytes) {
   if (bytes.size() > NdbWriter::kMaxTreeSize - size_) {
-    Raise(FailureKind::kNotSupported, "data tree", size_, "a value cannot be larger than 4 GiB");
+    Raise(FailureKind::kNotSupported, ObjectKind::kDataTree, size_, "a value cannot be larger than 4 GiB");
   }
   // The last block stays in memory until one more byte comes, so that Finish always has one to write.
   while (!bytes.empty()) {

@@ -60,9 +60,9 @@ void NdbWriter::NoteNid(Nid nid) {
 
 void NdbWriter::SetNode(Nid nid, const NodeTrees& trees, Nid nidParent) {
   blocks_.CheckUsable();
-  if (nid == kNoNid) Raise(FailureKind::kNotSupported, "node", 0, "node ids are used up");
+  if (nid == kNoNid) Raise(FailureKind::kNotSupported, ObjectKind::kNode, 0, "node ids are used up");
   if (trees.bidSub != kNoBid && !IsInternal(trees.bidSub)) {
-    RaiseCorrupt(Named("node", nid), Value(trees.bidSub), "the sub-node tree is a data block");
+    RaiseCorrupt({ObjectKind::kNode, nid}, Value(trees.bidSub), "the sub-node tree is a data block");
   }
   blocks_.Refer(std::array{trees.bidData, trees.bidSub});
   const NodeTrees old = nodes_.Find(nid).value_or(NodeEntry{}).trees;
@@ -104,7 +104,7 @@ void NdbWriter::LetGo(const NodeTrees& trees) {
 
 DataTree NdbWriter::WriteData(std::span<const std::byte> bytes) {
   if (bytes.size() > kMaxTreeSize) {
-    Raise(FailureKind::kNotSupported, "data tree", bytes.size(), "a value cannot be larger than 4 GiB");
+    Raise(FailureKind::kNotSupported, ObjectKind::kDataTree, bytes.size(), "a value cannot be larger than 4 GiB");
   }
   std::vector<Bid> bids;
   try {
@@ -149,7 +149,7 @@ DataTree NdbWriter::WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t s
 
 std::uint32_t NdbWriter::NewRowVersion() { return dwUnique_++; }
 
-Result<void> NdbWriter::ReadBlock(Bid bid, std::vector<std::byte>& out) const { return blocks_.Read(bid, out); }
+bool NdbWriter::FindBlock(Bid bid, std::vector<std::byte>& out) const { return blocks_.Find(bid, out); }
 
 std::optional<NodeEntry> NdbWriter::FindNode(Nid nid) const { return nodes_.Find(nid); }
 
@@ -173,7 +173,7 @@ void NdbWriter::Seal() {
   Publish(AMapValid::kValid2);
   sealed_ = true;
   blocks_.Trim();
-  blocks_.Stop({FailureKind::kDenied, "store", 0, "the store is closed"});
+  blocks_.Stop({FailureKind::kDenied, ObjectKind::kStore, 0, "the store is closed"});
 }
 
 // Everything that the header will name is on disk before the header is.

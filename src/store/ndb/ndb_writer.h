@@ -76,7 +76,8 @@ class NdbWriter : public BlockSource {
 
   // -- reading what was written, committed or not
 
-  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  const Generation& Format() const override { return generations::kUnicode; }
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<NodeEntry> FindNode(Nid nid) const override;
 
   // -- the file

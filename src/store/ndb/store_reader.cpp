@@ -14,29 +14,27 @@ constexpr std::uint8_t kMaxLevel = 8;  // at 20 entries a page: more blocks than
 
 }  // namespace
 
-Result<std::unique_ptr<StoreReader>> StoreReader::Open(const platform::ByteSource& file) {
+std::unique_ptr<StoreReader> StoreReader::Open(const platform::ByteSource& file) {
   std::array<std::byte, Header::kSize> bytes;
-  const Result<std::size_t> read = file.ReadAt(0, bytes);
-  if (!read) return tl::unexpected(read.error());
-  if (*read != bytes.size()) return Corrupt("header", *read, "the file is shorter than a header");
-  const Result<Header> header = DecodeHeader(bytes);
-  if (!header) return tl::unexpected(header.error());
-  if (file.Size() >> kIbBits != 0)
-    return Fail(FailureKind::kNotSupported, "store", file.Size(), "the file is too large");
+  const std::size_t read = ValueOrRaise(file.ReadAt(0, bytes));
+  if (read != bytes.size()) RaiseCorrupt(ObjectKind::kHeader, read, "the file is shorter than a header");
+  const Header header = DecodeHeader(bytes);
+  if (file.Size() >> kIbBits != 0) {
+    Raise(FailureKind::kNotSupported, ObjectKind::kStore, file.Size(), "the file is too large");
+  }
 
   std::unique_ptr<StoreReader> store(new StoreReader(file));
-  store->format_ = header->generation;
-  store->cryptMethod_ = header->bCryptMethod;
-  store->ReadTree(PageType::kBbt, header->root.brefBbt);
-  store->ReadTree(PageType::kNbt, header->root.brefNbt);
+  store->format_ = header.generation;
+  store->cryptMethod_ = header.bCryptMethod;
+  store->ReadTree(PageType::kBbt, header.root.brefBbt);
+  store->ReadTree(PageType::kNbt, header.root.brefNbt);
   const auto sortAndThin = [](auto& list, auto id) {
-    std::stable_sort(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) < id(b); });
-    list.erase(std::unique(list.begin(), list.end(), [id](const auto& a, const auto& b) { return id(a) == id(b); }),
-               list.end());
+    std::ranges::stable_sort(list, {}, id);
+    list.erase(std::ranges::unique(list, {}, id).begin(), list.end());
     list.shrink_to_fit();
   };
-  sortAndThin(store->blocks_, [](const Block& block) { return block.bid; });
-  sortAndThin(store->nodes_, [](const NodeEntry& node) { return node.nid; });
+  sortAndThin(store->blocks_, &Block::bid);
+  sortAndThin(store->nodes_, &NodeEntry::nid);
   return store;
 }
 
@@ -99,33 +97,30 @@ void StoreReader::ReadLeaf(PageType type, PageView page, const BtPageHead& head)
   }
 }
 
-Result<void> StoreReader::ReadBlock(Bid bid, std::vector<std::byte>& out) const {
+bool StoreReader::FindBlock(Bid bid, std::vector<std::byte>& out) const {
   bid = Canonical(bid);
-  const auto block =
-      std::lower_bound(blocks_.begin(), blocks_.end(), bid, [](const Block& entry, Bid id) { return entry.bid < id; });
-  if (block == blocks_.end() || block->bid != bid) {
-    return Fail(FailureKind::kNotFound, Named("block", bid), Value(bid), "the store has no such block");
-  }
+  const auto block = std::ranges::lower_bound(blocks_, bid, {}, &Block::bid);
+  if (block == blocks_.end() || block->bid != bid) return false;
   const std::uint64_t ib = block->ibAndCb & ((std::uint64_t{1} << kIbBits) - 1);
   const std::size_t cb = block->ibAndCb >> kIbBits;
   out.resize(BlockSizeOnDisk(cb, *format_));
-  const Result<std::size_t> read = file_.ReadAt(ib, out);
-  if (!read) return tl::unexpected(read.error());
-  const std::string_view why = WhyNotBlock(std::span(out).first(*read), {bid, ib}, cb, *format_);
-  if (!why.empty()) return Corrupt(Named("block", bid), ib, why);
-  if (UnpackBlock(out, bid, cb, cryptMethod_, *format_)) return {};
-  return Corrupt(Named("block", bid), ib, "the block does not inflate to its size");
+  const std::size_t read = ValueOrRaise(file_.ReadAt(ib, out));
+  const std::string_view why = WhyNotBlock(std::span(out).first(read), {bid, ib}, cb, *format_);
+  if (!why.empty()) RaiseCorrupt({ObjectKind::kBlock, bid}, ib, why);
+  if (!UnpackBlock(out, bid, cb, cryptMethod_, *format_)) {
+    RaiseCorrupt({ObjectKind::kBlock, bid}, ib, "the block does not inflate to its size");
+  }
+  return true;
 }
 
 std::optional<NodeEntry> StoreReader::FindNode(Nid nid) const {
-  const auto node = std::lower_bound(nodes_.begin(), nodes_.end(), nid,
-                                     [](const NodeEntry& entry, Nid id) { return entry.nid < id; });
+  const auto node = std::ranges::lower_bound(nodes_, nid, {}, &NodeEntry::nid);
   if (node == nodes_.end() || node->nid != nid) return std::nullopt;
   return *node;
 }
 
 void StoreReader::Note(const Bref& ref, std::string_view why) {
-  damage_.Add(ref.bid, {FailureKind::kCorrupt, Named("page or block", ref.bid), ref.ib, std::string(why)});
+  damage_.Add(Corrupt({ObjectKind::kPageOrBlock, ref.bid}, ref.ib, why));
 }
 
 }  // namespace velmora::ndb

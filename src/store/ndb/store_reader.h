@@ -18,12 +18,11 @@ namespace velmora::ndb {
 /// does not prove itself cannot be read. May be used by several threads at once.
 class StoreReader : public BlockSource {
  public:
-  /// kCorrupt or kNotSupported when the header is no store's or cannot be used; `file` must outlive
-  /// the reader.
-  [[nodiscard]] static Result<std::unique_ptr<StoreReader>> Open(const platform::ByteSource& file);
+  /// Raises kCorrupt or kNotSupported when the header is no store's or cannot be used; `file` must outlive the reader.
+  [[nodiscard]] static std::unique_ptr<StoreReader> Open(const platform::ByteSource& file);
 
   const Generation& Format() const override { return *format_; }
-  [[nodiscard]] Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override;
+  [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<NodeEntry> FindNode(Nid nid) const override;
 
   /// All nodes by ascending id.

@@ -22,24 +22,26 @@ struct SubnodeBlock {
   bool IsLeaf() const { return Entries().Head().cLevel == kLeafLevel; }
 };
 
-Result<SubnodeBlock> ReadSubnodeBlock(const BlockSource& source, Bid bid, Faults* faults) {
-  if (!IsInternal(bid)) return Corrupt(Named("block", bid), Value(bid), "a sub-node tree refers to a data block");
+SubnodeBlock ReadSubnodeBlock(const BlockSource& source, Bid bid, Faults* faults) {
+  if (!IsInternal(bid)) {
+    RaiseCorrupt({ObjectKind::kBlock, bid}, Value(bid), "a sub-node tree refers to a data block");
+  }
   SubnodeBlock block{{}, &source.Format()};
-  if (auto read = source.ReadBlock(bid, block.bytes); !read) return tl::unexpected(read.error());
+  source.ReadBlock(bid, block.bytes);
   const InternalBlock entries = block.Entries();
   if (!entries.IsKnown() || entries.Head().btype != BlockType::kSubnodeTree) {
-    return Corrupt(Named("block", bid), static_cast<std::uint64_t>(entries.Head().btype), "no SLBLOCK or SIBLOCK");
+    RaiseCorrupt({ObjectKind::kBlock, bid}, static_cast<std::uint64_t>(entries.Head().btype), "no SLBLOCK or SIBLOCK");
   }
   if (entries.EntryCount() != entries.Head().cEnt) {
-    auto fault = Corrupt(Named("block", bid), entries.Head().cEnt, "a sub-node block has more entries than room");
-    if (auto noted = Tolerate(faults, bid, std::move(fault)); !noted) return tl::unexpected(noted.error());
+    Note(faults,
+         Corrupt({ObjectKind::kBlock, bid}, entries.Head().cEnt, "a sub-node block has more entries than room"));
   }
   return block;
 }
 
-Result<SubnodeBlock> ReadLeafBlock(const BlockSource& source, Bid bid, Faults* faults) {
-  Result<SubnodeBlock> block = ReadSubnodeBlock(source, bid, faults);
-  if (block && !block->IsLeaf()) return Corrupt(Named("block", bid), 1, "a SIBLOCK below another");
+SubnodeBlock ReadLeafBlock(const BlockSource& source, Bid bid, Faults* faults) {
+  SubnodeBlock block = ReadSubnodeBlock(source, bid, faults);
+  if (!block.IsLeaf()) RaiseCorrupt({ObjectKind::kBlock, bid}, 1, "a SIBLOCK below another");
   return block;
 }
 
@@ -63,34 +65,23 @@ class DataSizes {
  public:
   explicit DataSizes(const BlockSource& source) : source_(source) {}
 
-  Result<std::uint64_t> Of(const NodeTrees& trees, int depth) {
-    const Result<std::uint64_t> own = OfData(trees.bidData);
-    if (!own || trees.bidSub == kNoBid) return own;
-    const Result<std::uint64_t> below = OfSubnodes(trees.bidSub, depth);
-    if (!below) return below;
-    return *own + *below;
+  std::uint64_t Of(const NodeTrees& trees, int depth) {
+    return OfData(trees.bidData) + (trees.bidSub == kNoBid ? 0 : OfSubnodes(trees.bidSub, depth));
   }
 
  private:
-  Result<std::uint64_t> OfData(Bid bid) {
+  std::uint64_t OfData(Bid bid) {
     if (bid == kNoBid) return 0;
     std::vector<std::byte> content;
-    if (auto read = source_.ReadBlock(bid, content); !read) return tl::unexpected(read.error());
-    if (!IsInternal(bid)) return content.size();
-    return DecodeInternalHead(content).lcbTotal;
+    source_.ReadBlock(bid, content);
+    return IsInternal(bid) ? DecodeInternalHead(content).lcbTotal : content.size();
   }
 
-  Result<std::uint64_t> OfSubnodes(Bid bidSub, int depth) {
-    if (depth == kMaxDepth) return Corrupt(Named("block", bidSub), kMaxDepth, "sub-nodes nest too deep");
+  std::uint64_t OfSubnodes(Bid bidSub, int depth) {
+    if (depth == kMaxDepth) RaiseCorrupt({ObjectKind::kBlock, bidSub}, kMaxDepth, "sub-nodes nest too deep");
     if (const auto known = known_.find(bidSub); known != known_.end()) return known->second;
-    const Result<std::vector<SubnodeEntry>> entries = ListSubnodes(source_, bidSub);
-    if (!entries) return tl::unexpected(entries.error());
     std::uint64_t sum = 0;
-    for (const SubnodeEntry& entry : *entries) {
-      const Result<std::uint64_t> size = Of(entry.trees, depth + 1);
-      if (!size) return size;
-      sum += *size;
-    }
+    for (const SubnodeEntry& entry : ListSubnodes(source_, bidSub)) sum += Of(entry.trees, depth + 1);
     known_.emplace(bidSub, sum);
     return sum;
   }
@@ -101,48 +92,41 @@ class DataSizes {
 
 }  // namespace
 
-Result<std::vector<SubnodeEntry>> ListSubnodes(const BlockSource& source, Bid bidSub, Faults* faults) {
+std::vector<SubnodeEntry> ListSubnodes(const BlockSource& source, Bid bidSub, Faults* faults) {
   std::vector<SubnodeEntry> entries;
   if (bidSub == kNoBid) return entries;
-  const Result<SubnodeBlock> root = ReadSubnodeBlock(source, bidSub, faults);
-  if (!root) return tl::unexpected(root.error());
-  if (root->IsLeaf()) {
-    AppendEntries(root->Entries(), entries);
+  const SubnodeBlock root = ReadSubnodeBlock(source, bidSub, faults);
+  if (root.IsLeaf()) {
+    AppendEntries(root.Entries(), entries);
     return entries;
   }
-  const InternalBlock index = root->Entries();
+  const InternalBlock index = root.Entries();
   std::unordered_set<Bid> seen;
   for (std::size_t i = 0; i < index.EntryCount(); ++i) {
     const Bid bid = index.EntryBid(i, 1);
-    // A block that is named twice would make much of little.
-    const Result<SubnodeBlock> leaf =
-        seen.insert(bid).second ? ReadLeafBlock(source, bid, faults)
-                                : Corrupt(Named("block", bidSub), Value(bid), "a SIBLOCK names a block twice");
-    if (leaf) {
-      AppendEntries(leaf->Entries(), entries);
-    } else if (auto noted = Tolerate(faults, bid, leaf.error()); !noted) {
-      return tl::unexpected(noted.error());
-    }
+    Tolerate(faults, [&] {
+      // A block that is named twice would make much of little.
+      if (!seen.insert(bid).second) {
+        RaiseCorrupt({ObjectKind::kBlock, bidSub}, Value(bid), "a SIBLOCK names a block twice");
+      }
+      AppendEntries(ReadLeafBlock(source, bid, faults).Entries(), entries);
+    });
   }
   return entries;
 }
 
-Result<std::optional<SubnodeEntry>> FindSubnode(const BlockSource& source, Bid bidSub, Nid nid) {
+std::optional<SubnodeEntry> FindSubnode(const BlockSource& source, Bid bidSub, Nid nid) {
   if (bidSub == kNoBid) return std::nullopt;
-  const Result<SubnodeBlock> root = ReadSubnodeBlock(source, bidSub, nullptr);
-  if (!root) return tl::unexpected(root.error());
-  if (root->IsLeaf()) return FindInLeaf(root->Entries(), nid);
-  const InternalBlock index = root->Entries();
+  const SubnodeBlock root = ReadSubnodeBlock(source, bidSub, nullptr);
+  if (root.IsLeaf()) return FindInLeaf(root.Entries(), nid);
+  const InternalBlock index = root.Entries();
   std::size_t child = 0;
   while (child < index.EntryCount() && index.EntryNid(child) <= nid) ++child;
   if (child == 0) return std::nullopt;
-  const Result<SubnodeBlock> leaf = ReadLeafBlock(source, index.EntryBid(child - 1, 1), nullptr);
-  if (!leaf) return tl::unexpected(leaf.error());
-  return FindInLeaf(leaf->Entries(), nid);
+  const SubnodeBlock leaf = ReadLeafBlock(source, index.EntryBid(child - 1, 1), nullptr);
+  return FindInLeaf(leaf.Entries(), nid);
 }
 
-Result<std::uint64_t> DataSizeOf(const BlockSource& source, const NodeTrees& trees) {
-  return DataSizes(source).Of(trees, 0);
-}
+std::uint64_t DataSizeOf(const BlockSource& source, const NodeTrees& trees) { return DataSizes(source).Of(trees, 0); }
 
 }  // namespace velmora::ndb

@@ -12,13 +12,14 @@ namespace {
 
 void CheckEntries(std::span<const SubnodeEntry> entries) {
   if (entries.size() > SubnodeTreeWriter::kMaxEntries) {
-    Raise(FailureKind::kNotSupported, "sub-node tree", entries.size(), "a node has too many sub-nodes");
+    Raise(FailureKind::kNotSupported, ObjectKind::kSubnodeTree, entries.size(), "a node has too many sub-nodes");
   }
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const Nid nid = entries[i].nid;
     if (i > 0 && entries[i - 1].nid == nid)
-      RaiseCorrupt(Named("sub-node", nid), Value(nid), "two sub-nodes share an id");
-    if (entries[i].trees.bidData == kNoBid) RaiseCorrupt(Named("sub-node", nid), Value(nid), "a sub-node has no data");
+      RaiseCorrupt({ObjectKind::kSubnode, nid}, Value(nid), "two sub-nodes share an id");
+    if (entries[i].trees.bidData == kNoBid)
+      RaiseCorrupt({ObjectKind::kSubnode, nid}, Value(nid), "a sub-node has no data");
   }
 }
 

@@ -8,27 +8,26 @@ namespace velmora::ndb {
 WriteWindow::WriteWindow(platform::ByteStore& file)
     : file_(file), bytes_(std::make_unique_for_overwrite<std::byte[]>(kCapacity)) {}
 
-Result<std::span<std::byte>> WriteWindow::Place(std::uint64_t ib, std::size_t size) {
+std::span<std::byte> WriteWindow::Place(std::uint64_t ib, std::size_t size) {
   assert(size <= kCapacity);
   if (!Holds(ib, size)) {
     if (ib != start_ + size_ || size_ + size > kCapacity) {
-      if (auto flushed = Flush(); !flushed) return tl::unexpected(flushed.error());
+      Flush();
       start_ = ib;
     }
     size_ += size;
   }
-  return std::span(bytes_.get() + (ib - start_), size);
+  return {bytes_.get() + (ib - start_), size};
 }
 
-Result<void> WriteWindow::Flush() {
-  if (size_ == 0) return {};
-  auto written = file_.WriteAt(start_, std::span(bytes_.get(), size_));
-  if (written) size_ = 0;
-  return written;
+void WriteWindow::Flush() {
+  if (size_ == 0) return;
+  ValueOrRaise(file_.WriteAt(start_, std::span(bytes_.get(), size_)));
+  size_ = 0;
 }
 
-Result<std::size_t> WriteWindow::Read(std::uint64_t ib, std::span<std::byte> out) const {
-  if (!Holds(ib, out.size())) return file_.ReadAt(ib, out);
+std::size_t WriteWindow::Read(std::uint64_t ib, std::span<std::byte> out) const {
+  if (!Holds(ib, out.size())) return ValueOrRaise(file_.ReadAt(ib, out));
   std::memcpy(out.data(), bytes_.get() + (ib - start_), out.size());
   return out.size();
 }

@@ -11,7 +11,8 @@
 
 namespace velmora::ndb {
 
-/// Bytes written last that are not in the file yet: one stretch of the file of up to kCapacity bytes.
+/// Bytes written last that are not in the file yet: one stretch of the file of up to kCapacity bytes. A failure of the
+/// file is raised (FailureError).
 class WriteWindow {
  public:
   static constexpr std::size_t kCapacity = kAreaSize;
@@ -20,14 +21,14 @@ class WriteWindow {
 
   /// Room for `size` bytes (at most kCapacity) that belong at `ib`, to be filled before the next call. What
   /// stands in the window and does not touch them goes to the file first.
-  [[nodiscard]] Result<std::span<std::byte>> Place(std::uint64_t ib, std::size_t size);
+  [[nodiscard]] std::span<std::byte> Place(std::uint64_t ib, std::size_t size);
 
   /// Hands the window to the file.
-  [[nodiscard]] Result<void> Flush();
+  void Flush();
 
   /// Reads `out.size()` bytes at `ib`, which must have been written in one piece, from the window or the
   /// file; the number delivered is short at the end of the file.
-  [[nodiscard]] Result<std::size_t> Read(std::uint64_t ib, std::span<std::byte> out) const;
+  [[nodiscard]] std::size_t Read(std::uint64_t ib, std::span<std::byte> out) const;
 
  private:
   bool Holds(std::uint64_t ib, std::size_t size) const { return ib >= start_ && ib + size <= start_ + size_; }

@@ -5,10 +5,17 @@
 #include <memory>
 
 #include "workflow/panes/finished_store.h"
-#include "workflow/panes/item_selection.h"
 #include "workflow/panes/pane_messages.h"
 
 namespace velmora::workflow {
+
+/// What the pane asks of the list.
+class ItemSelection {
+ public:
+  virtual ~ItemSelection() = default;
+  virtual int RowCount() const = 0;
+  virtual int SelectedRow() const = 0;  ///< -1: none
+};
 
 /// Shows HTML, or the plain body as if it were HTML. Nothing that a body names is ever fetched, no link opens
 /// anything, no script runs.

@@ -4,8 +4,8 @@
 #include <span>
 
 #include "store/format/classes.h"
-#include "workflow/panes/grid_row.h"
 #include "workflow/panes/pane_messages.h"
+#include "workflow/panes/row_value.h"
 
 namespace velmora::workflow {
 

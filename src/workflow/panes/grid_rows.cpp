@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "controls/plain_tip.h"
-#include "workflow/panes/one_line.h"
 #include "workflow/panes/whole_value.h"
 #include "workflow/qt_text.h"
 

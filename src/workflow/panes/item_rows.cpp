@@ -4,7 +4,6 @@
 
 #include "controls/plain_tip.h"
 #include "workflow/panes/image_list.h"
-#include "workflow/panes/one_line.h"
 #include "workflow/panes/whole_value.h"
 
 namespace velmora::workflow {

@@ -7,9 +7,9 @@
 #include <memory>
 
 #include "controls/art.h"
+#include "workflow/panes/display_body.h"
 #include "workflow/panes/finished_store.h"
 #include "workflow/panes/item_rows.h"
-#include "workflow/panes/item_selection.h"
 #include "workflow/panes/pane_messages.h"
 
 namespace velmora::controls {

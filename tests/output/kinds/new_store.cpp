@@ -52,9 +52,7 @@ NewStore::NewStore(const std::filesystem::path& path) {
   auto file = platform::OpenForReading(path);
   if (!file) throw std::runtime_error("cannot open " + path.string());
   file_ = std::move(*file);
-  auto reader = ndb::StoreReader::Open(*file_);
-  if (!reader) throw std::runtime_error(reader.error().message);
-  reader_ = std::move(*reader);
+  reader_ = ndb::StoreReader::Open(*file_);
   ReadNames();
 }
 
@@ -74,7 +72,7 @@ void NewStore::ReadNames() {
 ltp::PropertyContext NewStore::Node(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
-  return std::move(ltp::PropertyContext::Open(*reader_, node->trees)).value();
+  return ltp::PropertyContext::Open(*reader_, node->trees);
 }
 
 std::vector<ltp::PropertyContext> NewStore::Messages() const {
@@ -93,7 +91,7 @@ std::optional<std::string> NewStore::Value(ltp::PropertyContext& message, const 
     if (found == ids_.end()) return std::nullopt;
     id = found->second;
   }
-  const auto value = message.Read(static_cast<PropTag>(id) << 16 | type).value();
+  const auto value = message.Read(static_cast<PropTag>(id) << 16 | type);
   if (!value) return std::nullopt;
   return StringOf(*value);
 }

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "store/format/checksum.h"
 #include "store/format/header.h"
 #include "store/format/heap_format.h"
-#include "store/format/signature.h"
 
 namespace velmora {
 namespace {

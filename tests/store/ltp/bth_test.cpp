@@ -4,6 +4,7 @@
 
 #include "store/format/little_endian.h"
 #include "store/ndb/ndb_writer.h"
+#include "store/support/failures.h"
 #include "store/support/test_files.h"
 
 namespace velmora::ltp {
@@ -22,7 +23,7 @@ class Bths : public testing::Test {
       Store<std::uint32_t>(out, 4, static_cast<std::uint32_t>(i));
     });
     EXPECT_EQ(foreseen.HeapSize(), writer.Position().HeapSize());
-    return Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
+    return Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext);
   }
 
   platform::MemoryFile file_;
@@ -33,13 +34,13 @@ TEST_F(Bths, GrowALevelWhereAnItemDoesNotHoldTheirRecords) {
   const std::pair<std::size_t, int> cases[] = {{0, 0}, {1, 0}, {447, 0}, {448, 1}, {447 * 447, 1}, {447 * 447 + 1, 2}};
   for (const auto& [count, levels] : cases) {
     Heap heap = Written(count);
-    const std::span<const std::byte> header = heap.Item(0x20).value();
+    const std::span<const std::byte> header = heap.Item(0x20);
     EXPECT_EQ(Load<std::uint8_t>(header, 0), 0xB5);
     EXPECT_EQ(Load<std::uint8_t>(header, 1), 4);
     EXPECT_EQ(Load<std::uint8_t>(header, 2), 4);
     EXPECT_EQ(Load<std::uint8_t>(header, 3), levels) << count;
     EXPECT_EQ(Load<std::uint32_t>(header, 4) == 0, count == 0);
-    const std::vector<std::byte> records = ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).value();
+    const std::vector<std::byte> records = ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows);
     ASSERT_EQ(records.size(), count * 8);
     for (std::size_t i = 0; i < count; ++i) {
       ASSERT_EQ(Load<std::uint32_t>(records, i * 8), i * 3);
@@ -50,21 +51,24 @@ TEST_F(Bths, GrowALevelWhereAnItemDoesNotHoldTheirRecords) {
 
 TEST_F(Bths, NameTheFirstKeyOfEachChild) {
   Heap heap = Written(447 * 447 + 1);
-  const auto root = Load<std::uint32_t>(heap.Item(0x20).value(), 4);
-  const std::vector<std::byte> top(heap.Item(root)->begin(), heap.Item(root)->end());
+  const auto root = Load<std::uint32_t>(heap.Item(0x20), 4);
+  const std::vector<std::byte> top(heap.Item(root).begin(), heap.Item(root).end());
   ASSERT_EQ(top.size(), 16u);
   EXPECT_EQ(Load<std::uint32_t>(top, 0), 0u);
   EXPECT_EQ(Load<std::uint32_t>(top, 8), 447u * 447 * 3);
-  const auto lower = heap.Item(Load<std::uint32_t>(top, 4)).value();
+  const auto lower = heap.Item(Load<std::uint32_t>(top, 4));
   EXPECT_EQ(lower.size(), 447u * 8);
   EXPECT_EQ(Load<std::uint32_t>(lower, 8), 447u * 3);
 }
 
 TEST_F(Bths, OfAnotherLayoutAreRefused) {
   Heap heap = Written(3);
-  EXPECT_EQ(ReadBth(heap, 0x20, kPropertyLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(ReadBth(heap, 0x40, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
-  EXPECT_EQ(ReadBth(heap, 0, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0x20, kPropertyLayout, kMaxRows)); }),
+            FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0x40, kRowIndexLayout, kMaxRows)); }),
+            FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0, kRowIndexLayout, kMaxRows)); }),
+            FailureKind::kCorrupt);
 }
 
 TEST_F(Bths, ThatReferToThemselvesEnd) {
@@ -76,21 +80,24 @@ TEST_F(Bths, ThatReferToThemselvesEnd) {
     for (const int byte : {i & 0xFF, i >> 8, 0, 0, 0x40, 0, 0, 0}) index.push_back(static_cast<std::byte>(byte));
   }
   writer.Add(index);
-  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
-  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows)); }),
+            FailureKind::kCorrupt);
 }
 
 TEST_F(Bths, OfMoreRecordsThanTheyMayHaveAreRefused) {
   Heap heap = Written(500);
-  EXPECT_TRUE(ReadBth(heap, 0x20, kRowIndexLayout, 500));
-  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, 499).error().kind, FailureKind::kCorrupt);
+  EXPECT_FALSE(ReadBth(heap, 0x20, kRowIndexLayout, 500).empty());
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0x20, kRowIndexLayout, 499)); }),
+            FailureKind::kCorrupt);
 }
 
 TEST_F(Bths, OfTooManyLevelsAreRefused) {
   HeapWriter writer(*ndb_, ClientSig::kTableContext);
   writer.Add(test::Bytes({0xB5, 4, 4, 9, 0x20, 0, 0, 0}));
-  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext).value();
-  EXPECT_EQ(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows).error().kind, FailureKind::kCorrupt);
+  Heap heap = Heap::Open(*ndb_, writer.Finish(0x20).bid, ClientSig::kTableContext);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ReadBth(heap, 0x20, kRowIndexLayout, kMaxRows)); }),
+            FailureKind::kCorrupt);
 }
 
 }  // namespace

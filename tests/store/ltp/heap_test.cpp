@@ -16,8 +16,8 @@ namespace {
 class Heaps : public testing::Test {
  protected:
   std::vector<std::byte> Block(const ndb::DataTree& tree, std::size_t index) {
-    auto reader = ndb::DataTreeReader::Open(*ndb_, tree.bid).value();
-    const auto block = reader.Block(index).value();
+    auto reader = ndb::DataTreeReader::Open(*ndb_, tree.bid);
+    const auto block = reader.Block(index);
     return {block.begin(), block.end()};
   }
 
@@ -71,8 +71,8 @@ TEST_F(Heaps, HoldNoMoreItemsInABlockThanAnIdCanName) {
     EXPECT_EQ(writer_.Add(test::Bytes({i})), MakeHid(0, static_cast<std::uint32_t>(i + 1)));
   EXPECT_EQ(writer_.Add(test::Bytes({7})), MakeHid(1, 1));
   const ndb::DataTree tree = writer_.Finish(0x20);
-  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext).value();
-  EXPECT_EQ((*heap.Item(MakeHid(0, 2047)))[0], std::byte(2046 & 0xFF));
+  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext);
+  EXPECT_EQ(heap.Item(MakeHid(0, 2047))[0], std::byte(2046 & 0xFF));
 }
 
 TEST_F(Heaps, KeepEveryItemOverManyBlocks) {
@@ -86,9 +86,9 @@ TEST_F(Heaps, KeepEveryItemOverManyBlocks) {
   const HeapPosition end = writer_.Position();
   const ndb::DataTree tree = writer_.Finish(0x20);
   EXPECT_EQ(tree.size, end.HeapSize());
-  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext).value();
+  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext);
   EXPECT_EQ(heap.UserRoot(), 0x20u);
-  for (const auto& [hid, bytes] : items) ASSERT_TRUE(std::ranges::equal(heap.Item(hid).value(), bytes)) << hid;
+  for (const auto& [hid, bytes] : items) ASSERT_TRUE(std::ranges::equal(heap.Item(hid), bytes)) << hid;
 
   std::vector<std::uint8_t> levels;
   for (std::size_t b = 0; b <= 300; ++b) {
@@ -115,8 +115,8 @@ TEST_F(Heaps, ThatEndWithABlockOfFillLevelsAreWhole) {
     while (writer_.Position().block < blocks) writer_.Add(test::Noise(3000));
     const Hid last = writer_.Add(test::Noise(77));
     const ndb::DataTree tree = writer_.Finish(0x20);
-    Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext).value();
-    EXPECT_TRUE(std::ranges::equal(heap.Item(last).value(), test::Noise(77))) << blocks;
+    Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext);
+    EXPECT_TRUE(std::ranges::equal(heap.Item(last), test::Noise(77))) << blocks;
   }
 }
 
@@ -127,9 +127,9 @@ TEST_F(Heaps, TakeBackWhatBlockZeroHolds) {
   while (writer_.Position().block < 3) writer_.Add(test::Noise(3000));
   writer_.Patch(second, test::Bytes({9}));
   const ndb::DataTree tree = writer_.Finish(0x20);
-  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext).value();
-  EXPECT_TRUE(std::ranges::equal(*heap.Item(header), test::Bytes({1, 2, 0, 0})));
-  EXPECT_TRUE(std::ranges::equal(*heap.Item(second), test::Bytes({9, 6, 7, 8})));
+  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext);
+  EXPECT_TRUE(std::ranges::equal(heap.Item(header), test::Bytes({1, 2, 0, 0})));
+  EXPECT_TRUE(std::ranges::equal(heap.Item(second), test::Bytes({9, 6, 7, 8})));
 }
 
 TEST_F(Heaps, RefuseItemsOfNoBytesAndOfTooMany) {
@@ -156,19 +156,22 @@ TEST_F(Heaps, GivenUpLeaveNothing) {
 TEST_F(Heaps, OfAnotherKindAreRefused) {
   writer_.Add(test::Noise(8));
   const ndb::DataTree tree = writer_.Finish(0x20);
-  EXPECT_TRUE(Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext));
-  EXPECT_EQ(Heap::Open(*ndb_, tree.bid, ClientSig::kTableContext).error().kind, FailureKind::kCorrupt);
+  EXPECT_FALSE(test::FailureOf([&] { static_cast<void>(Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext)); }));
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(Heap::Open(*ndb_, tree.bid, ClientSig::kTableContext)); }),
+            FailureKind::kCorrupt);
   const Bid noHeap = ndb_->WriteData(test::Noise(100)).bid;
-  EXPECT_EQ(Heap::Open(*ndb_, noHeap, ClientSig::kPropertyContext).error().kind, FailureKind::kCorrupt);
-  EXPECT_FALSE(Heap::Open(*ndb_, kNoBid, ClientSig::kPropertyContext));
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(Heap::Open(*ndb_, noHeap, ClientSig::kPropertyContext)); }),
+            FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(Heap::Open(*ndb_, kNoBid, ClientSig::kPropertyContext)); }),
+            FailureKind::kCorrupt);
 }
 
 TEST_F(Heaps, RefuseIdsThatNameNoItem) {
   writer_.Add(test::Noise(8));
   const ndb::DataTree tree = writer_.Finish(0x20);
-  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext).value();
+  Heap heap = Heap::Open(*ndb_, tree.bid, ClientSig::kPropertyContext);
   for (const Hid hid : {0u, 0x40u, 0x21u, 0x10020u, 0xFFFFFFE0u}) {
-    EXPECT_EQ(heap.Item(hid).error().kind, FailureKind::kCorrupt) << hid;
+    EXPECT_EQ(test::FailureOf([&] { static_cast<void>(heap.Item(hid)); }), FailureKind::kCorrupt) << hid;
   }
 }
 
@@ -179,9 +182,9 @@ TEST_F(Heaps, WithAnyPageMapAreReadWithinTheirBlock) {
     block[2] = std::byte{0xEC};
     block[3] = std::byte{0xBC};
     block[1] = std::byte{0};
-    Heap heap = Heap::Open(*ndb_, ndb_->WriteData(block).bid, ClientSig::kPropertyContext).value();
+    Heap heap = Heap::Open(*ndb_, ndb_->WriteData(block).bid, ClientSig::kPropertyContext);
     for (std::uint32_t item = 0; item < 40; ++item) {
-      if (const auto bytes = heap.Item(MakeHid(0, item))) {
+      if (const auto bytes = heap.Find(MakeHid(0, item))) {
         ASSERT_LE(bytes->size(), block.size());
       }
     }

@@ -69,9 +69,9 @@ TEST(LargeAttachments, AboveTwoGibibytesHaveTheLargestSizeThatReadersTakeForOne)
   MessageWriter messages(*ndb);
   // The table of a message's attachments, and the object of the first.
   const auto sizesOf = [&](const WrittenMessage& written) {
-    auto message = ltp::PropertyContext::Open(*ndb, written.node.trees).value();
-    auto table = ltp::TableContext::Open(*ndb, message.FindSubnode(nid::kAttachmentTable).value()->trees).value();
-    auto object = ltp::PropertyContext::Open(*ndb, message.FindSubnode(AttachmentAt(0)).value()->trees).value();
+    auto message = ltp::PropertyContext::Open(*ndb, written.node.trees);
+    auto table = ltp::TableContext::Open(*ndb, message.FindSubnode(nid::kAttachmentTable)->trees);
+    auto object = ltp::PropertyContext::Open(*ndb, message.FindSubnode(AttachmentAt(0))->trees);
     EXPECT_EQ(table.Integer32(0, tag::kAttachSize), kLargest);
     EXPECT_EQ(object.Integer32(tag::kAttachSize), kLargest);
     EXPECT_EQ(message.Integer32(tag::kMessageSize), kLargest);

@@ -136,7 +136,7 @@ void AddContents(OpenedStore& store, Folder& folder, Contents& contents) {
     if (child->name.starts_with(u"Folder ")) {
       auto& subjects = contents[child->name];
       store.ItemsOf(*child).ForEach([&](const ItemRow& row) {
-        auto message = ltp::PropertyContext::Open(store.Source(), store.Source().FindNode(row.nid)->trees).value();
+        auto message = ltp::PropertyContext::Open(store.Source(), store.Source().FindNode(row.nid)->trees);
         subjects.insert(message.Text(tag::kConversationTopic).value_or(Text()));
       });
     }

@@ -63,21 +63,19 @@ RawStore::RawStore(const std::filesystem::path& path) {
   auto file = platform::OpenForReading(path);
   if (!file) throw std::runtime_error("cannot open " + path.string());
   file_ = std::move(*file);
-  auto reader = ndb::StoreReader::Open(*file_);
-  if (!reader) throw std::runtime_error(reader.error().message);
-  reader_ = std::move(*reader);
+  reader_ = ndb::StoreReader::Open(*file_);
 }
 
 ltp::PropertyContext RawStore::Node(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
-  return std::move(ltp::PropertyContext::Open(*reader_, node->trees)).value();
+  return ltp::PropertyContext::Open(*reader_, node->trees);
 }
 
 ltp::TableContext RawStore::Table(Nid nid) const {
   const auto node = reader_->FindNode(nid);
   if (!node) throw std::runtime_error("no such node");
-  return std::move(ltp::TableContext::Open(*reader_, node->trees)).value();
+  return ltp::TableContext::Open(*reader_, node->trees);
 }
 
 std::vector<Nid> RawStore::Messages() const {
@@ -95,15 +93,15 @@ ltp::PropertyContext RawStore::Message() const {
 }
 
 ltp::TableContext RawStore::SubTable(ltp::PropertyContext& message, Nid nid) const {
-  const auto entry = message.FindSubnode(nid).value();
+  const auto entry = message.FindSubnode(nid);
   if (!entry) throw std::runtime_error("no such sub-node");
-  return std::move(ltp::TableContext::Open(*reader_, entry->trees)).value();
+  return ltp::TableContext::Open(*reader_, entry->trees);
 }
 
 ltp::PropertyContext RawStore::SubNode(ltp::PropertyContext& message, Nid nid) const {
-  const auto entry = message.FindSubnode(nid).value();
+  const auto entry = message.FindSubnode(nid);
   if (!entry) throw std::runtime_error("no such sub-node");
-  return std::move(ltp::PropertyContext::Open(*reader_, entry->trees)).value();
+  return ltp::PropertyContext::Open(*reader_, entry->trees);
 }
 
 StoreTest::StoreTest()

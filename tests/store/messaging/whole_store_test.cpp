@@ -249,6 +249,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       };
       ResultCode code = ResultCode::S_OK;
       std::string information;
+      Failure cause;
       while (code == ResultCode::S_OK) {
         try {
           save();
@@ -256,8 +257,12 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
         } catch (const output::OutputFailure& failure) {
           code = failure.Code();
           information = failure.Information();
+          cause = CauseOf(failure);
         }
       }
+      EXPECT_EQ(cause.kind, kind) << "the failure of the disk, whole";
+      EXPECT_EQ(TextOf(cause), "store.pst: No space left on device");
+      EXPECT_TRUE(cause.offset);
       EXPECT_EQ(code, expected);
       EXPECT_NE(information.find("No space left on device"), std::string::npos) << information;
       EXPECT_EQ(CodeOf(save), expected);
@@ -283,11 +288,11 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
 
 /// Cells of the table of the only folder's items that are there.
 std::size_t CellsOf(const platform::MemoryFile& file) {
-  const auto reader = ndb::StoreReader::Open(file).value();
+  const auto reader = ndb::StoreReader::Open(file);
   std::size_t cells = 0;
   for (const ndb::NodeEntry& node : reader->Nodes()) {
     if (TypeOf(node.nid) != NidType::kContentsTable || node.trees.bidSub == Bid{}) continue;
-    auto table = ltp::TableContext::Open(*reader, node.trees).value();
+    auto table = ltp::TableContext::Open(*reader, node.trees);
     for (std::size_t row = 0; row < table.RowCount(); ++row) {
       for (const PropTag tag : {tag::kSubject, tag::kSenderName, tag::kDisplayTo, tag::kConversationTopic}) {
         cells += static_cast<std::size_t>(table.Text(row, tag).has_value());

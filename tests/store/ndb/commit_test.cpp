@@ -24,14 +24,11 @@ using Nodes = std::map<Nid, std::vector<std::byte>>;
 Nodes NodesOf(const BlockSource& source, std::span<const NodeEntry> entries) {
   Nodes nodes;
   for (const NodeEntry& entry : entries) {
-    auto reader = DataTreeReader::Open(source, entry.trees.bidData);
-    if (!reader) {
-      ADD_FAILURE() << reader.error().object << ": " << reader.error().message;
-      continue;
+    try {
+      nodes[entry.nid] = DataTreeReader::Open(source, entry.trees.bidData).ReadAll(1 << 30);
+    } catch (const FailureError& failure) {
+      ADD_FAILURE() << TextOf(failure.Cause());
     }
-    auto content = reader->ReadAll(1 << 30);
-    if (!content) ADD_FAILURE() << content.error().object << ": " << content.error().message;
-    nodes[entry.nid] = content.value_or(std::vector<std::byte>{});
   }
   return nodes;
 }
@@ -39,13 +36,9 @@ Nodes NodesOf(const BlockSource& source, std::span<const NodeEntry> entries) {
 Nodes NodesOfFile(const std::vector<std::byte>& bytes) {
   const platform::MemoryFile file(bytes);
   const auto store = StoreReader::Open(file);
-  if (!store) {
-    ADD_FAILURE() << store.error().message;
-    return {};
-  }
-  EXPECT_TRUE((*store)->Damage().List().empty());
+  EXPECT_TRUE(store->Damage().List().empty());
   EXPECT_EQ((file.Size() - kFirstArea) % kAreaSize, 0u);
-  return NodesOf(**store, (*store)->Nodes());
+  return NodesOf(*store, store->Nodes());
 }
 
 /// Sets, replaces and removes nodes by chance, and commits now and then, until something fails. `committed` is called

@@ -28,15 +28,14 @@ class DataTrees : public testing::Test {
   }
 
   std::vector<std::byte> Content(const DataTree& tree) {
-    Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, tree.bid);
-    EXPECT_TRUE(reader);
-    EXPECT_EQ(reader->Size(), tree.size);
-    return reader->ReadAll(tree.size).value();
+    DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid);
+    EXPECT_EQ(reader.Size(), tree.size);
+    return reader.ReadAll(tree.size);
   }
 
   InternalHead Head(Bid bid) {
     std::vector<std::byte> block;
-    EXPECT_TRUE(ndb_->ReadBlock(bid, block));
+    ndb_->ReadBlock(bid, block);
     return DecodeInternalHead(block);
   }
 
@@ -48,10 +47,9 @@ TEST_F(DataTrees, OfNoBytesHaveNoBlock) {
   EXPECT_EQ(Written({}, 1).bid, kNoBid);
   EXPECT_EQ(ndb_->WriteData({}).bid, kNoBid);
   EXPECT_EQ(ndb_->BlockCount(), 0u);
-  Result<DataTreeReader> reader = DataTreeReader::Open(*ndb_, kNoBid);
-  ASSERT_TRUE(reader);
-  EXPECT_EQ(reader->Size(), 0u);
-  EXPECT_TRUE(reader->ReadAll(0)->empty());
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, kNoBid);
+  EXPECT_EQ(reader.Size(), 0u);
+  EXPECT_TRUE(reader.ReadAll(0).empty());
 }
 
 TEST_F(DataTrees, OfUpToABlockAreThatBlock) {
@@ -86,7 +84,7 @@ TEST_F(DataTrees, OfMoreThanAFullXBlockHaveAnXXBlockOverFullXBlocks) {
   EXPECT_EQ(head.cEnt, 3);
   EXPECT_EQ(head.lcbTotal, bytes.size());
   std::vector<std::byte> root;
-  ASSERT_TRUE(ndb_->ReadBlock(tree.bid, root));
+  ndb_->ReadBlock(tree.bid, root);
   EXPECT_EQ(Head(LoadBid(root, 8)).lcbTotal, kXBlockBytes);
   EXPECT_EQ(Head(LoadBid(root, 24)).cEnt, 4);
   EXPECT_EQ(Head(LoadBid(root, 24)).lcbTotal, 3 * kMaxBlockData + 5);
@@ -103,11 +101,11 @@ TEST_F(DataTrees, AreTheSameWhateverThePieces) {
 TEST_F(DataTrees, AreReadFromAnyOffset) {
   const std::vector<std::byte> bytes = test::Noise(3 * kMaxBlockData + 100);
   const DataTree tree = Written(bytes, bytes.size());
-  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid).value();
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid);
   for (const std::size_t offset : {0ul, 1ul, 8175ul, 8176ul, 16351ul, bytes.size() - 1}) {
     for (const std::size_t size : {1ul, 8176ul, 20000ul, bytes.size()}) {
       std::vector<std::byte> out(size);
-      const std::size_t read = reader.ReadAt(offset, out).value();
+      const std::size_t read = reader.ReadAt(offset, out);
       ASSERT_EQ(read, std::min(size, bytes.size() - offset));
       ASSERT_TRUE(std::equal(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(read),
                              bytes.begin() + static_cast<std::ptrdiff_t>(offset)));
@@ -166,20 +164,19 @@ TEST_F(DataTrees, LargerThanTheir32BitSizeAreRefused) {
 
 TEST_F(DataTrees, TooLargeForMemoryAreNotReadWhole) {
   const DataTree tree = Written(test::Noise(20000), 20000);
-  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid).value();
-  const auto all = reader.ReadAll(19999);
-  ASSERT_FALSE(all);
-  EXPECT_EQ(all.error().kind, FailureKind::kNotSupported);
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(reader.ReadAll(19999)); }), FailureKind::kNotSupported);
 }
 
 /// Blocks made up by a test.
 class MadeUpBlocks : public BlockSource {
  public:
-  Result<void> ReadBlock(Bid bid, std::vector<std::byte>& out) const override {
+  const Generation& Format() const override { return generations::kUnicode; }
+  bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
     const auto block = blocks.find(bid);
-    if (block == blocks.end()) return tl::unexpected(Failure{FailureKind::kNotFound, "block", Value(bid), "none"});
+    if (block == blocks.end()) return false;
     out = block->second;
-    return {};
+    return true;
   }
   std::optional<NodeEntry> FindNode(Nid) const override { return std::nullopt; }
 
@@ -196,9 +193,8 @@ class MadeUpBlocks : public BlockSource {
   std::map<Bid, std::vector<std::byte>> blocks;
 };
 
-FailureKind OpeningFails(const BlockSource& source, std::uint64_t bid) {
-  const Result<DataTreeReader> reader = DataTreeReader::Open(source, Bid{bid});
-  return reader ? FailureKind::kExists : reader.error().kind;
+std::optional<FailureKind> OpeningFails(const BlockSource& source, std::uint64_t bid) {
+  return test::FailureOf([&] { static_cast<void>(DataTreeReader::Open(source, Bid{bid})); });
 }
 
 TEST(DamagedDataTree, IsRefusedAtOpening) {
@@ -226,12 +222,13 @@ TEST(DamagedDataTree, IsRefusedWhereItsBlocksDoNotAddUp) {
   source.blocks[Bid{4}] = source.blocks[Bid{8}] = std::vector<std::byte>(100);
   source.AddXBlock(6, 1, 300, {4, 8}, 2);
   source.AddXBlock(10, 1, 150, {4, 8}, 2);
-  DataTreeReader longer = DataTreeReader::Open(source, Bid{6}).value();
-  EXPECT_EQ(longer.ReadAll(1000).error().kind, FailureKind::kCorrupt);
+  DataTreeReader longer = DataTreeReader::Open(source, Bid{6});
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(longer.ReadAll(1000)); }), FailureKind::kCorrupt);
   std::byte byte;
-  EXPECT_EQ(longer.ReadAt(0, std::span(&byte, 1)).error().kind, FailureKind::kCorrupt) << "a short block within";
-  DataTreeReader shorter = DataTreeReader::Open(source, Bid{10}).value();
-  EXPECT_EQ(shorter.ReadAll(1000).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(longer.ReadAt(0, std::span(&byte, 1))); }), FailureKind::kCorrupt)
+      << "a short block within";
+  DataTreeReader shorter = DataTreeReader::Open(source, Bid{10});
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(shorter.ReadAll(1000)); }), FailureKind::kCorrupt);
 }
 
 }  // namespace

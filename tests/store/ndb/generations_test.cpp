@@ -4,6 +4,7 @@
 
 #include "store/ndb/data_tree_reader.h"
 #include "store/ndb/subnode_tree_reader.h"
+#include "store/support/failures.h"
 #include "store/support/forged_file.h"
 
 namespace velmora::ndb {
@@ -57,7 +58,6 @@ TEST_P(EveryGeneration, TellsItselfAndItsNodes) {
   store.AddNode(kValue, store.AddBlock(Value(100)), 0, 0x122);
   for (forge::Nid nid = 0x200024; nid < 0x200024 + 32 * 700; nid += 32) store.AddNode(nid, 0, 0, 0x8022);
   const ForgedFile file(store.Finish());
-  ASSERT_TRUE(file.IsOpen());
   EXPECT_EQ(file.Store().Format().pageSize, forge::TraitsOf(GetParam().format).pageSize);
   EXPECT_EQ(file.Store().Format().maxBlockData, Full());
   EXPECT_EQ(file.Store().Nodes().size(), 701u) << "in a tree of several levels";
@@ -73,11 +73,11 @@ TEST_P(EveryGeneration, GivesValuesBackOfOneBlockAndOfMany) {
     store.AddNode(kOther, AddTwoLevels(store, value, Full(), Width()), 0, 0);
     const ForgedFile file(store.Finish());
     for (const forge::Nid nid : {kValue, kOther}) {
-      auto tree = DataTreeReader::Open(file.Store(), file.Trees(nid).bidData).value();
+      auto tree = DataTreeReader::Open(file.Store(), file.Trees(nid).bidData);
       EXPECT_EQ(tree.Size(), size);
-      EXPECT_EQ(tree.ReadAll(size).value(), value);
+      EXPECT_EQ(tree.ReadAll(size), value);
       forge::Bytes part(std::min<std::size_t>(size, 300));
-      ASSERT_EQ(tree.ReadAt(size - part.size(), part).value(), part.size());
+      ASSERT_EQ(tree.ReadAt(size - part.size(), part), part.size());
       EXPECT_TRUE(std::equal(part.begin(), part.end(), value.end() - static_cast<std::ptrdiff_t>(part.size())));
     }
   }
@@ -92,20 +92,22 @@ TEST_P(EveryGeneration, ReadsZerosForABlockThatIsLostWhereItIsTolerant) {
   forge::BreakData(image, lost);
   const ForgedFile file(image);
   const Bid bid = file.Trees(kValue).bidData;
-  EXPECT_EQ(DataTreeReader::Open(file.Store(), bid)->ReadAll(1 << 20).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(DataTreeReader::Open(file.Store(), bid).ReadAll(1 << 20)); }),
+            FailureKind::kCorrupt);
 
   Faults faults(Nid{kValue});
-  auto tree = DataTreeReader::Open(file.Store(), bid, &faults).value();
+  auto tree = DataTreeReader::Open(file.Store(), bid, &faults);
   forge::Bytes expected = value;
   std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(Full()), Full(), std::byte{0});
-  EXPECT_EQ(tree.ReadAll(1 << 20).value(), expected);
+  EXPECT_EQ(tree.ReadAll(1 << 20), expected);
   forge::Bytes again(expected.size());
-  EXPECT_EQ(tree.ReadAt(0, again).value(), expected.size());
+  EXPECT_EQ(tree.ReadAt(0, again), expected.size());
   EXPECT_EQ(again, expected);
-  EXPECT_FALSE(tree.Block(1)) << "the block itself stays lost";
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(tree.Block(1)); }), FailureKind::kCorrupt)
+      << "the block itself stays lost";
   ASSERT_EQ(faults.List().size(), 1u) << "noted once";
-  EXPECT_EQ(faults.List()[0].block, Bid{lost.bid});
-  EXPECT_EQ(faults.List()[0].cause.offset, lost.offset);
+  EXPECT_EQ(faults.List()[0].object, platform::FailedObject(ObjectKind::kBlock, lost.bid));
+  EXPECT_EQ(faults.List()[0].offset, lost.offset);
   EXPECT_EQ(faults.Node(), Nid{kValue});
 }
 
@@ -118,13 +120,14 @@ TEST_P(EveryGeneration, LeavesTheRoomOfAListThatIsLost) {
   forge::WipeTrailer(image, *list);  // of the first two blocks; the last one's follows
   const ForgedFile file(image);
   const Bid bid = file.Trees(kValue).bidData;
-  EXPECT_FALSE(DataTreeReader::Open(file.Store(), bid));
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(DataTreeReader::Open(file.Store(), bid)); }),
+            FailureKind::kCorrupt);
   Faults faults;
-  auto tree = DataTreeReader::Open(file.Store(), bid, &faults).value();
+  auto tree = DataTreeReader::Open(file.Store(), bid, &faults);
   EXPECT_EQ(tree.Size(), value.size());
   EXPECT_EQ(tree.BidOf(0), kNoBid);
   ASSERT_EQ(faults.List().size(), 1u);
-  EXPECT_EQ(faults.List()[0].block, Bid{list->bid});
+  EXPECT_EQ(faults.List()[0].object, platform::FailedObject(ObjectKind::kBlock, list->bid));
 }
 
 TEST_P(EveryGeneration, RefusesATreeThatMakesMuchOfLittle) {
@@ -139,9 +142,10 @@ TEST_P(EveryGeneration, RefusesATreeThatMakesMuchOfLittle) {
   store.AddNode(kValue, store.AddInternalBlock(root), 0, 0);
   const ForgedFile file(store.Finish());
   const Bid bid = file.Trees(kValue).bidData;
-  EXPECT_EQ(DataTreeReader::Open(file.Store(), bid).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(DataTreeReader::Open(file.Store(), bid)); }),
+            FailureKind::kCorrupt);
   Faults faults;
-  auto tree = DataTreeReader::Open(file.Store(), bid, &faults).value();
+  auto tree = DataTreeReader::Open(file.Store(), bid, &faults);
   EXPECT_LE(tree.BlockCount(), 1000u) << "no more than the size asks for";
   for (std::size_t i = 1; i < tree.BlockCount(); ++i) ASSERT_EQ(tree.BidOf(i), kNoBid);
   EXPECT_FALSE(faults.List().empty());
@@ -159,15 +163,15 @@ TEST_P(EveryGeneration, ListsAndFindsSubnodesInOneAndInSeveralBlocks) {
     store.AddNode(kValue, 0, store.AddSubnodes(subnodes), 0);
     const ForgedFile file(store.Finish());
     const Bid bidSub = file.Trees(kValue).bidSub;
-    const auto entries = ListSubnodes(file.Store(), bidSub).value();
+    const auto entries = ListSubnodes(file.Store(), bidSub);
     ASSERT_EQ(entries.size(), count);
     for (std::size_t i = 0; i < count; ++i) {
       const SubnodeEntry expected{Nid{subnodes[i].nid}, {Bid{data}, Bid{subnodes[i].bidSub}}};
       EXPECT_EQ(entries[i], expected);
       if (i % 97 != 0) continue;
-      EXPECT_EQ(FindSubnode(file.Store(), bidSub, entries[i].nid).value(), expected);
+      EXPECT_EQ(FindSubnode(file.Store(), bidSub, entries[i].nid), expected);
     }
-    EXPECT_FALSE(FindSubnode(file.Store(), bidSub, Nid{0x3F}).value());
+    EXPECT_FALSE(FindSubnode(file.Store(), bidSub, Nid{0x3F}));
     const std::uint64_t inner = count > 7 ? 5 : 0;
     EXPECT_EQ(DataSizeOf(file.Store(), file.Trees(kValue)), 5 * count + inner);
   }
@@ -183,14 +187,15 @@ TEST_P(EveryGeneration, KeepsTheSubnodesOfTheBlocksThatAreLeft) {
   const forge::PlacedBlock lost = image.blocks[1];
   forge::BreakData(image, lost);
   const ForgedFile file(image);
-  EXPECT_FALSE(ListSubnodes(file.Store(), file.Trees(kValue).bidSub));
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(ListSubnodes(file.Store(), file.Trees(kValue).bidSub)); }),
+            FailureKind::kCorrupt);
   Faults faults;
-  const auto entries = ListSubnodes(file.Store(), file.Trees(kValue).bidSub, &faults).value();
+  const auto entries = ListSubnodes(file.Store(), file.Trees(kValue).bidSub, &faults);
   const std::size_t leaf = (Full() - (Width() == 8 ? 8 : 4)) / (3 * Width());
   EXPECT_EQ(entries.size(), 6000 - leaf);
   EXPECT_EQ(entries.front().nid, Nid{static_cast<std::uint32_t>(0x803F + 32 * leaf)});
   ASSERT_EQ(faults.List().size(), 1u);
-  EXPECT_EQ(faults.List()[0].block, Bid{lost.bid});
+  EXPECT_EQ(faults.List()[0].object, platform::FailedObject(ObjectKind::kBlock, lost.bid));
 }
 
 TEST_P(EveryGeneration, RefusesABlockThatDoesNotInflateToItsSize) {
@@ -205,7 +210,8 @@ TEST_P(EveryGeneration, RefusesABlockThatDoesNotInflateToItsSize) {
   forge::Patch(image, block.offset + block.placeSize - 24 + 18, size);
   const ForgedFile file(image);
   std::vector<std::byte> content;
-  EXPECT_EQ(file.Store().ReadBlock(Bid{block.bid}, content).error().kind, FailureKind::kCorrupt);
+  EXPECT_EQ(test::FailureOf([&] { static_cast<void>(file.Store().ReadBlock(Bid{block.bid}, content)); }),
+            FailureKind::kCorrupt);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EveryGeneration, testing::ValuesIn(test::kForgedFormats), test::NameOf);

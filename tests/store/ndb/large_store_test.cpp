@@ -45,11 +45,11 @@ TEST(LargeStore, HasItsMapsAndReadsBackBeyondFourGigabytes) {
   EXPECT_TRUE(HasMap(file, PageType::kFPMap, 0x7C004800));
   EXPECT_TRUE(HasMap(file, PageType::kFPMap, 0x7C004A00));
 
-  const auto store = StoreReader::Open(file).value();
+  const auto store = StoreReader::Open(file);
   EXPECT_TRUE(store->Damage().List().empty());
   EXPECT_EQ(store->Nodes().size(), ndb->NodeCount());
   EXPECT_EQ(store->BlockCount(), ndb->BlockCount());
-  EXPECT_EQ(DataTreeReader::Open(*store, store->FindNode(Nid{0x21})->trees.bidData)->ReadAll(100000).value(), last);
+  EXPECT_EQ(DataTreeReader::Open(*store, store->FindNode(Nid{0x21})->trees.bidData).ReadAll(100000), last);
 }
 
 }  // namespace

@@ -15,13 +15,9 @@ namespace velmora::test {
 /// A forged store, opened. Both stay where they are.
 class ForgedFile {
  public:
-  explicit ForgedFile(const forge::Image& image) : file_(image.bytes) {
-    auto reader = ndb::StoreReader::Open(file_);
-    if (reader) reader_ = std::move(*reader);
-  }
+  explicit ForgedFile(const forge::Image& image) : file_(image.bytes), reader_(ndb::StoreReader::Open(file_)) {}
 
   const ndb::StoreReader& Store() const { return *reader_; }
-  bool IsOpen() const { return reader_ != nullptr; }
 
   ndb::NodeTrees Trees(forge::Nid nid) const { return reader_->FindNode(Nid{nid}).value_or(ndb::NodeEntry{}).trees; }
 

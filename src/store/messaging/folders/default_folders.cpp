@@ -15,7 +15,7 @@ struct KindRow {
   PropTag ofStore = 0;  ///< the same on the message store
 };
 
-// The last five stand in one property of the root, in this order.
+// The last five stand in one property of the root, in this order; the fifth place is there when it is taken.
 constexpr KindRow kKindRows[] = {
     {DefaultFolder::kDeletedItems, 0, tag::kIpmWastebasketEntryId},
     {DefaultFolder::kOutbox, 0, tag::kIpmOutboxEntryId},
@@ -80,6 +80,7 @@ void DefaultFolders::PutIntoRoot(const Uid& recordKey, PropertyBag& root) const 
     if (i >= kFirstOfArray) array.push_back(entryId);
   }
   if (std::ranges::all_of(array, &Bytes::empty)) return;
+  if (array.back().empty()) array.pop_back();
   const std::vector<std::span<const std::byte>> elements(array.begin(), array.end());
   root.PutBytes(tag::kAdditionalRenEntryIds, ltp::EncodeMultiple(elements));
 }

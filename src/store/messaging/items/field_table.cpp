@@ -250,9 +250,9 @@ std::string_view CharsOf(std::span<const std::byte> bytes) {
 }
 
 FieldRead ReadTextField(const FieldRow& row, PropTag tag, ltp::PropertyContext& item) {
-  const auto value = item.Read(tag);
-  if (!value || !value->has_value()) return {text::Text(), false};
-  const std::span<const std::byte> bytes = **value;
+  const auto value = item.Binary(tag);
+  if (!value) return {text::Text(), false};
+  const std::span<const std::byte> bytes = *value;
   switch (row.coding) {
     case Coding::kSubject:
       return {text::Text(SubjectText(ltp::DecodeText(bytes))), true};

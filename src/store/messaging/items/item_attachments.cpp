@@ -43,20 +43,20 @@ bool ItemAttachment::IsMessage() const { return content.TagOf(tag::kAttachDataOb
 
 std::vector<ItemAttachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message) {
   std::vector<ItemAttachment> attachments;
-  for (const ndb::SubnodeEntry& entry : ReadOrRaise(message.Subnodes())) {
+  for (const ndb::SubnodeEntry& entry : message.Subnodes()) {
     if (TypeOf(entry.nid) != NidType::kAttachment) continue;
-    ltp::PropertyContext properties = ReadOrRaise(ltp::PropertyContext::Open(ndb, entry.trees));
+    ltp::PropertyContext properties = ltp::PropertyContext::Open(ndb, entry.trees);
     ItemAttachment& attachment = attachments.emplace_back();
     attachment.name = properties.Text(tag::kDisplayName).value_or(text::Text());
     attachment.isContactPhoto = properties.Boolean(tag::kAttachmentContactPhoto).value_or(false);
     PropertyBag& content = attachment.content;
     if (const auto object = properties.ReadObject(tag::kAttachDataObject)) {
-      const auto embedded = ReadOrRaise(properties.FindSubnode(object->nid));
+      const auto embedded = properties.FindSubnode(object->nid);
       content.PutBytes(tag::kAttachDataBinary, {});  // should there be no message
       if (!embedded) continue;
       const ndb::WrittenNode node{embedded->trees, object->size};
       content.PutStored(tag::kAttachDataObject, std::make_shared<StoredValue>(ndb, node, object->nid));
-    } else if (const auto tree = ReadOrRaise(properties.TreeOf(tag::kAttachDataBinary))) {
+    } else if (const auto tree = properties.TreeOf(tag::kAttachDataBinary)) {
       const ndb::WrittenNode node{{tree->bid, {}}, tree->size};
       content.PutStored(tag::kAttachDataBinary, std::make_shared<StoredValue>(ndb, node));
     } else {
@@ -72,8 +72,14 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
     std::vector<ndb::SubnodeEntry> entries;
     std::size_t next = 0;
   };
+  const auto subnodesOf = [](const ltp::PropertyContext& properties) {
+    return IfReadable([&] { return properties.Subnodes(); }).value_or(std::vector<ndb::SubnodeEntry>());
+  };
+  const auto open = [&source](const ndb::NodeTrees& trees) {
+    return IfReadable([&] { return ltp::PropertyContext::Open(source, trees); });
+  };
   output::AttachmentTotals totals;
-  std::vector<Level> levels{{message.Subnodes().value_or(std::vector<ndb::SubnodeEntry>())}};
+  std::vector<Level> levels{{subnodesOf(message)}};
   while (!levels.empty()) {
     Level& level = levels.back();
     if (level.next == level.entries.size()) {
@@ -82,15 +88,14 @@ output::AttachmentTotals CountAttachments(const ndb::BlockSource& source, const 
     }
     const ndb::SubnodeEntry entry = level.entries[level.next++];
     if (TypeOf(entry.nid) != NidType::kAttachment) continue;
-    auto attachment = ltp::PropertyContext::Open(source, entry.trees);
+    auto attachment = open(entry.trees);
     if (!attachment) continue;
     const auto object = attachment->ReadObject(tag::kAttachDataObject);
     ++(object ? totals.messages : totals.files);
     if (!object || levels.size() == kDeepest) continue;
-    const auto embedded = attachment->FindSubnode(object->nid);
-    if (!embedded || !*embedded) continue;
-    const auto within = ltp::PropertyContext::Open(source, (*embedded)->trees);
-    if (within) levels.push_back({within->Subnodes().value_or(std::vector<ndb::SubnodeEntry>())});
+    const auto embedded = IfReadable([&] { return attachment->FindSubnode(object->nid); }).value_or(std::nullopt);
+    if (!embedded) continue;
+    if (const auto within = open(embedded->trees)) levels.push_back({subnodesOf(*within)});
   }
   return totals;
 }

@@ -20,7 +20,8 @@ struct ItemAttachment {
   bool IsMessage() const;
 };
 
-/// The attachments of a saved message, their contents shared with it. Raises STG_E_READFAULT.
+/// The attachments of a saved message, their contents shared with it. Raises what keeps it from
+/// being read (FailureError).
 std::vector<ItemAttachment> ReadAttachments(ndb::NdbWriter& ndb, ltp::PropertyContext& message);
 
 /// Counts the attachments of a saved message and of those within it. What cannot be read is not counted.

@@ -1,4 +1,4 @@
-#include "recovery/block_fault.h"
+#include "recovery/block_failure.h"
 
 #include "recovery/recovery_fixture.h"
 
@@ -8,9 +8,9 @@ namespace {
 using engine::StoreKind;
 
 /// Why a message of one block is lost, in the report's words.
-class BlockFaultTest : public RecoveryTest {
+class BlockFailureTest : public RecoveryTest {
  protected:
-  BlockFaultTest() { AddTopAndInbox(); }
+  BlockFailureTest() { AddTopAndInbox(); }
 
   std::string ReasonOf(std::uint32_t bidData) {
     AddNode(0x200024, bidData, 0, kInbox);
@@ -20,13 +20,13 @@ class BlockFaultTest : public RecoveryTest {
   }
 };
 
-TEST_F(BlockFaultTest, ABlockThatIsNotThereIsNotFound) {
+TEST_F(BlockFailureTest, ABlockThatIsNotThereIsNotFound) {
   EXPECT_EQ(ReasonOf(0x7774), "its data block 0x7774 was not found");
 }
 
-TEST_F(BlockFaultTest, ANodeWithoutABlockSaysSo) { EXPECT_EQ(ReasonOf(0), "it has no data block"); }
+TEST_F(BlockFailureTest, ANodeWithoutABlockSaysSo) { EXPECT_EQ(ReasonOf(0), "it has no data block"); }
 
-TEST_F(BlockFaultTest, ABlockThatTheSystemCannotReadCouldNotBeRead) {
+TEST_F(BlockFailureTest, ABlockThatTheSystemCannotReadCouldNotBeRead) {
   class Unreadable : public platform::MemoryFile {
    public:
     using MemoryFile::MemoryFile;
@@ -50,7 +50,7 @@ TEST_F(BlockFaultTest, ABlockThatTheSystemCannotReadCouldNotBeRead) {
             "its data block " + text::ToUtf8(HexOf(bid)) + " at offset " + OffsetOf(bid) + " could not be read");
 }
 
-TEST_F(BlockFaultTest, ABlockBehindTheEndOfTheSourceIsCutOff) {
+TEST_F(BlockFailureTest, ABlockBehindTheEndOfTheSourceIsCutOff) {
   const std::uint32_t bid = AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")}));
   AddNode(0x200024, bid, 0, kInbox);
   Settle();
@@ -62,38 +62,38 @@ TEST_F(BlockFaultTest, ABlockBehindTheEndOfTheSourceIsCutOff) {
             "its data block 0x40 at offset " + OffsetOf(0x40) + " is cut off by the end of the source");
 }
 
-TEST_F(BlockFaultTest, ABlockOfThePackedFormatThatIsNoStreamCouldNotBeInflated) {
+TEST_F(BlockFailureTest, ABlockOfThePackedFormatThatIsNoStreamCouldNotBeInflated) {
   UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(0x40, BytesOf("neither a heap nor packed"));
   EXPECT_EQ(ReasonOf(0x40), "its data block 0x40 at offset " + OffsetOf(0x40) + " could not be inflated");
 }
 
-TEST_F(BlockFaultTest, ABlockWithAnotherSignatureIsNoPropertyContext) {
+TEST_F(BlockFailureTest, ABlockWithAnotherSignatureIsNoPropertyContext) {
   AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")}, {.signature = 0x7CEC}));
   EXPECT_EQ(ReasonOf(0x40),
             "its data block 0x40 at offset " + OffsetOf(0x40) + " is no property context: its signature is 0x7cec");
 }
 
-TEST_F(BlockFaultTest, AnInflatedBlockWithAnotherSignatureIsNoPropertyContext) {
+TEST_F(BlockFailureTest, AnInflatedBlockWithAnotherSignatureIsNoPropertyContext) {
   UseFormat(FORMAT_UNICODE_4K, StoreKind::kOst);
   AddBlock(0x40, Packed(BytesOf("no heap, but well packed")));
   EXPECT_EQ(ReasonOf(0x40),
             "its data block 0x40 at offset " + OffsetOf(0x40) + " is no property context: its signature is 0x6820");
 }
 
-TEST_F(BlockFaultTest, ABlockWithABrokenHeapHoldsADamagedContext) {
+TEST_F(BlockFailureTest, ABlockWithABrokenHeapHoldsADamagedContext) {
   AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")}, {.userRoot = 0xFFFF0}));
   EXPECT_EQ(ReasonOf(0x40),
             "its data block 0x40 at offset " + OffsetOf(0x40) + " holds a property context that is damaged");
 }
 
-TEST_F(BlockFaultTest, AHeapOfSeveralBlocksIsAListOfBlocks) {
+TEST_F(BlockFailureTest, AHeapOfSeveralBlocksIsAListOfBlocks) {
   AddBlock(0x42, ChainBlock({AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")}))}));
   EXPECT_EQ(ReasonOf(0x42), "its data block 0x42 at offset " + OffsetOf(0x42) +
                                 " is a list of blocks, and only what stands in one block is read");
 }
 
-TEST_F(BlockFaultTest, AMessageWhoseBlockIsSoundHasNone) {
+TEST_F(BlockFailureTest, AMessageWhoseBlockIsSoundHasNone) {
   AddNode(0x200024, AddBlock(0x40, HeapBlock({Wide(0x001A, u"IPM.Note")})), 0, kInbox);
   Recover();
   EXPECT_THAT(state_.report.lost, testing::IsEmpty());

@@ -1,7 +1,8 @@
+#include "engine/steps.h"
+
 #include <utility>
 
 #include "engine/block_reader.h"
-#include "engine/steps.h"
 
 namespace velmora::engine {
 namespace {
@@ -23,6 +24,19 @@ void FindEncoding(ScannedStore& found, RunContext& run) {
 }
 
 }  // namespace
+
+void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& path,
+                const platform::SourceOpener& open) {
+  scan = StoreScan{};
+  run.BeginStage(1);
+  auto source = open(path);
+  if (!source) {
+    run.Say(Notice{NoticeKind::kSourceNotOpened, {}, source.error()});
+    throw WorkerEnded{};
+  }
+  scan.percentBase = (*source)->Size() / 100;
+  scan.found->source.Open(std::move(*source));
+}
 
 std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run) {
   if (scan.encodingUnknown && !run.runEnded && !run.runAborted) FindEncoding(*scan.found, run);
