@@ -105,7 +105,8 @@ Json LossJson(const complete::Loss& loss) {
           {"sender", text::ToUtf8(loss.sender)},
           {"date", DateJson(loss.date)},
           {"class", text::ToUtf8(loss.messageClass)},
-          {"missing", std::move(missing)}};
+          {"missing", std::move(missing)},
+          {"missingNotListed", loss.missingNotListed}};
 }
 
 Json NodesJson(const complete::Account& account) {

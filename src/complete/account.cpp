@@ -18,6 +18,11 @@ ItemCounts Account::Totals() const {
 }
 
 void Account::AddLoss(Loss loss) {
+  if (loss.missing.size() > Loss::kMostParts) {
+    loss.missingNotListed = loss.missing.size() - Loss::kMostParts;
+    loss.missing.resize(Loss::kMostParts);
+    loss.missing.shrink_to_fit();
+  }
   if (losses.size() < mostLosses) {
     losses.push_back(std::move(loss));
   } else {

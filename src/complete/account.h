@@ -66,7 +66,9 @@ struct Loss {
   text::Text subject = {};
   text::Text sender = {};
   std::optional<text::FileTime> date = {};
-  std::vector<MissingPart> missing = {};
+  std::vector<MissingPart> missing = {};  ///< no more than kMostParts
+  std::uint64_t missingNotListed = 0;     ///< those beyond
+  static constexpr std::size_t kMostParts = 20;
 };
 
 /// A folder of the new store, and what became of the messages that stood in it.
@@ -144,7 +146,7 @@ struct Account {
   /// Whether everything that is live came across whole.
   bool IsWhole() const { return losses.empty() && lossesNotListed == 0; }
 
-  /// Lists a loss, or counts it where there are as many as `mostLosses` already.
+  /// Lists a loss with the first of its parts, or counts it where there are as many as `mostLosses` already.
   void AddLoss(Loss loss);
   std::uint64_t mostLosses = 10000;
 };

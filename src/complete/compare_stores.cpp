@@ -351,7 +351,8 @@ class StoreComparison {
     for (const auto& [folder, count] : held) {
       if (countIn_[folder] != count) Note({{}, folder}, "the folder holds messages that are not the source's");
       const auto node = target_->FindNode(folder);
-      auto context = node ? IfReadable([&] { return ltp::PropertyContext::Open(*target_, node->trees); }) : std::nullopt;
+      auto context =
+          node ? IfReadable([&] { return ltp::PropertyContext::Open(*target_, node->trees); }) : std::nullopt;
       if (!context) {
         Note({{}, folder}, "the folder cannot be read");
         continue;

@@ -92,7 +92,17 @@ PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& miss
   } catch (const std::exception&) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }
-  if (properties.Value(tag::kDisplayName).empty()) properties.PutName(tag::kDisplayName, kNameOfNone);
+  const text::Text name = ltp::DecodeText(properties.Value(tag::kDisplayName));
+  if (name.empty()) properties.PutName(tag::kDisplayName, kNameOfNone);
+  if (!tools_.allowance.TakeKept(name.size())) {
+    properties.PutName(tag::kDisplayName, name);
+    missing.push_back({.kind = MissingPart::Kind::kProperty,
+                       .tag = tag::kDisplayName,
+                       .cause = {FailureKind::kNotSupported,
+                                 {ObjectKind::kProperty, tag::kDisplayName},
+                                 name.size(),
+                                 "the store claims more than it can hold"}});
+  }
   return properties;
 }
 

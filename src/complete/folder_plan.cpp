@@ -54,7 +54,9 @@ void FolderPlan::ReadFolders(const LiveStore& source, const TextPages& pages) {
     folder.nid = node.nid;
     folder.trees = node.trees;
     ndb::Faults faults(node.nid);
-    if (auto context = Open(source, node.trees, faults)) folder.name = NameOf(*context, pages.OfStore());
+    if (auto context = Open(source, node.trees, faults)) {
+      folder.name = NameOf(*context, pages.OfStore()).substr(0, SourceFolder::kMostOfName);
+    }
   }
 }
 

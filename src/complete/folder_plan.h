@@ -18,8 +18,9 @@ struct SourceFolder {
   ndb::NodeTrees trees{};
   SourceFolder* parent = nullptr;         ///< null for the root and for one whose parent is not there
   std::vector<SourceFolder*> children{};  ///< by ascending id
-  text::Text name{};                      ///< empty where it cannot be read
-  std::uint64_t messages = 0;             ///< in it; ordinary ones, unless hidden ones come across too
+  text::Text name{};                      ///< its first kMostOfName units; empty where it cannot be read
+  static constexpr std::size_t kMostOfName = 255;
+  std::uint64_t messages = 0;  ///< in it; ordinary ones, unless hidden ones come across too
   std::uint64_t foldersBelow = 0;
   std::uint64_t messagesBelow = 0;
   bool isInTree = false;                ///< the top that people see, or below it

@@ -18,7 +18,7 @@ using messaging::PropertyBag;
 /// Messages in messages, and sub-nodes in sub-nodes: as deep as the readers of sub-nodes go.
 constexpr int kMostDepth = 64;
 
-constexpr std::int32_t kNotInText = -1;  ///< rendering position of an attachment beside the text
+constexpr std::int32_t kNotInText = -1;       ///< rendering position of an attachment beside the text
 
 const ndb::SubnodeEntry* Find(const std::vector<ndb::SubnodeEntry>& subnodes, Nid nid) {
   const auto found = std::ranges::find(subnodes, nid, &ndb::SubnodeEntry::nid);
@@ -118,8 +118,7 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
     out.message.recipients.push_back(CopyRow(*table, row, *from.page, kRecipient, missing));
   }
   tools_.account.recipients += out.message.recipients.size();
-  if (missing.empty() && from.faults.Count() != faultsBefore)
-    missing.push_back({.cause = from.faults.List().back()});
+  if (missing.empty() && from.faults.Count() != faultsBefore) missing.push_back({.cause = from.faults.List().back()});
   for (MissingPart& part : missing) {
     part.kind = MissingPart::Kind::kRecipients;
     out.missing.push_back(std::move(part));
@@ -152,7 +151,9 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
   std::size_t row = 0;
   const auto copyRowsBefore = [&](std::uint64_t nid) {
     for (; rows && row < rows->RowCount() && rows->RowId(row) < nid; ++row) {
-      copyRow(row, {FailureKind::kCorrupt, {ObjectKind::kSubnode, rows->RowId(row)}, 0,
+      copyRow(row, {FailureKind::kCorrupt,
+                    {ObjectKind::kSubnode, rows->RowId(row)},
+                    0,
                     "the attachment's sub-node is not there"});
     }
   };
@@ -205,15 +206,26 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
   return attachment;
 }
 
+/// The sub-node of an attachment that its property names; in one without any data, the message that lies there.
+std::optional<ndb::SubnodeEntry> MessageCopier::ObjectOf(ltp::PropertyContext& attachment) {
+  if (const auto object = attachment.ReadObject(tag::kAttachDataObject)) {
+    auto subnode = attachment.FindSubnode(object->nid);
+    if (subnode) return subnode;
+    RaiseCorrupt({ObjectKind::kSubnode, object->nid}, Value(object->nid), "the attachment's object is not there");
+  }
+  if (attachment.Find(IdOf(tag::kAttachDataObject)) != nullptr) return std::nullopt;
+  for (const ndb::SubnodeEntry& subnode : attachment.Subnodes()) {
+    if (TypeOf(subnode.nid) == NidType::kNormalMessage) return subnode;
+  }
+  return std::nullopt;
+}
+
 /// The sub-node that an attachment's data are: a message, or whatever else another program has put there.
 void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBag& out, Missing& missing) {
-  const auto object = from.ReadObject(tag::kAttachDataObject);
-  if (!object) return;
-  const auto subnode = from.FindSubnode(object->nid);
-  if (!subnode)
-    RaiseCorrupt({ObjectKind::kSubnode, object->nid}, Value(object->nid), "the attachment's object is not there");
-  if (depth == kMostDepth) RaiseCorrupt({ObjectKind::kSubnode, object->nid}, depth, "messages nest too deep");
-  if (TypeOf(object->nid) != NidType::kNormalMessage) {
+  const auto subnode = ObjectOf(from);
+  if (!subnode) return;
+  if (depth == kMostDepth) RaiseCorrupt({ObjectKind::kSubnode, subnode->nid}, depth, "messages nest too deep");
+  if (TypeOf(subnode->nid) != NidType::kNormalMessage) {
     tools_.target.PutObject(out, CopyNode(subnode->trees, from.FaultList(), depth));
     return;
   }

@@ -115,9 +115,9 @@ TEST(CompleteReportJson, TellsOfALossWhatItWasAndWhatOfItIsMissing) {
                                                      "message":"the checksum is wrong"}},
       {"kind":"recipients","cause":null},
       {"kind":"attachment","name":"a.txt","size":0,"cause":null},
-      {"kind":"bytes","tag":"0x1000001F","size":8176,"cause":null}]},
+      {"kind":"bytes","tag":"0x1000001F","size":8176,"cause":null}],"missingNotListed":0},
     {"source":2097252,"target":null,"folder":"","subject":"","sender":"","date":null,"class":"","missing":[
-      {"kind":"object","cause":null}]}])"));
+      {"kind":"object","cause":null}],"missingNotListed":0}])"));
   EXPECT_EQ(json["lossesNotListed"], 9);
 }
 

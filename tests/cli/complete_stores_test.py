@@ -26,8 +26,10 @@ ENTRY_IDS = {"{00062004-0000-0000-C000-000000000046}:0x8055", "{00062008-0000-00
 # HTML that an old program stored as 8-bit text has the same bytes as a binary value, but not the same type.
 HTML = "0x1013"
 
-# Computed by each store for itself.
-SIZES = re.compile(rb"^Size:\t.*$", re.MULTILINE)
+# Computed by each store for itself. A message of an offline store may have no time of its last change; in the new store
+# all have one.
+COMPUTED = re.compile(rb"^Size:\t.*$", re.MULTILINE)
+COMPUTED_OF_OFFLINE = re.compile(rb"^(Size|Modification time):\t.*\n", re.MULTILINE)
 
 
 def whole_stores():
@@ -72,40 +74,44 @@ class CompleteStores(unittest.TestCase):
     def setUp(self):
         for program in ("pffexport", "readpst"):
             self.assertIsNotNone(shutil.which(program), f"{program} is needed")
-        self.tools = stores.aid("VELMORA_TOOLS", "tools")
 
-    def copies(self, *modes):
-        """Each store, copied in each mode: source, options, report, new store, folder for more."""
+    def each(self, check, *modes):
+        """Copies each store in each mode and has it checked: source, options, report, new store, folder for more."""
         for source in self.sources:
             for options in modes:
                 with self.subTest(store=source.name, options=options), tempfile.TemporaryDirectory() as name:
                     work = pathlib.Path(name)
                     code, report, said = convert(source, work, *options)
                     self.assertEqual((code, said), (0, ""))
-                    yield source, options, report, pathlib.Path(report["destination"]), work
+                    check(source, options, report, pathlib.Path(report["destination"]), work)
+
+    def tool(self, name):
+        path = stores.aid("VELMORA_TOOLS", "tools") / name
+        self.assertTrue(path.is_file(), "the folder of tools is needed")
+        return path
 
     def test_nothing_is_lost_changed_moved_or_there_twice(self):
-        self.assertTrue((self.tools / "storediff.py").is_file(), "the folder of tools is needed")
-        for source, options, report, new, _ in self.copies(("--verify",), ("--hidden", "--verify")):
-            shown = () if "--hidden" in options else ("--no-fai",)
-            told = subprocess.run([sys.executable, self.tools / "storediff.py", "--json", *shown, source, new],
-                                  capture_output=True, text=True)
-            self.assertIn(told.returncode, (0, 1), told.stderr)
-            found = json.loads(told.stdout)
-            self.assertEqual(found["missing_items"], [])
-            self.assertEqual(found["extra_items"], 0, "not from the source")
-            self.assertEqual(found["folders_changed"], [])
-            # A folder outside of what people see comes along where it holds something, and then stands where they do.
-            self.assertEqual([path for path, _ in found["folders_lost"] if not path.startswith("//")], [])
-            self.assertEqual([line for line in found["detail"] if not MOVED_INTO_SIGHT.match(line)], [])
-            for kind, counts in found["kinds"].items():
-                self.assertEqual(counts["lost"], {}, kind)
-                self.assertEqual(counts["rlost"], {}, kind)
-                self.assertEqual(counts["alost"], {}, kind)
-                self.assertLessEqual(set(counts["changed"]), ENTRY_IDS | ({HTML} if report["format"] == "ansi" else set()))
-                for what in ("missing", "recips_lost", "atts_lost", "atts_changed", "embedded_lost", "body_lost"):
-                    self.assertEqual(counts[what], 0, (kind, what))
-            self.check_account(report)
+        self.each(self.check_objects, ("--verify",), ("--hidden", "--verify"))
+
+    def check_objects(self, source, options, report, new, _):
+        shown = () if "--hidden" in options else ("--no-fai",)
+        told = subprocess.run([sys.executable, self.tool("storediff.py"), "--json", *shown, source, new],
+                              capture_output=True, text=True)
+        self.assertIn(told.returncode, (0, 1), told.stderr)
+        found = json.loads(told.stdout)
+        self.assertEqual(found["missing_items"], [])
+        self.assertEqual(found["extra_items"], 0, "not from the source")
+        self.assertEqual(found["folders_changed"], [])
+        # A folder outside of what people see comes along where it holds something, and then stands where they do.
+        self.assertEqual([path for path, _ in found["folders_lost"] if not path.startswith("//")], [])
+        self.assertEqual([line for line in found["detail"] if not MOVED_INTO_SIGHT.match(line)], [])
+        for kind, counts in found["kinds"].items():
+            for what in ("lost", "rlost", "alost"):
+                self.assertEqual(counts[what], {}, (kind, what))
+            self.assertLessEqual(set(counts["changed"]), ENTRY_IDS | ({HTML} if report["format"] == "ansi" else set()))
+            for what in ("missing", "recips_lost", "atts_lost", "atts_changed", "embedded_lost", "body_lost"):
+                self.assertEqual(counts[what], 0, (kind, what))
+        self.check_account(report)
 
     def check_account(self, report):
         """The account tells of every item that it is whole, and gives each node one fate."""
@@ -116,51 +122,59 @@ class CompleteStores(unittest.TestCase):
         for fate in ("partial", "unreadable", "deleted, written"):
             self.assertEqual(report["nodes"][fate], 0, fate)
 
-    def test_the_checker_finds_no_error(self):
-        tool = self.tools / "pstcheck.py"
-        self.assertTrue(tool.is_file(), "the folder of tools is needed")
-        for _, _, _, new, _ in self.copies((), ("--hidden",)):
-            checked = subprocess.run([sys.executable, tool, "--strict", new], capture_output=True, text=True)
-            self.assertEqual(checked.returncode, 0, checked.stdout)
+    def test_the_checker_finds_nothing(self):
+        self.each(self.check_soundness, (), ("--hidden",))
+
+    def check_soundness(self, _, __, ___, new, ____):
+        checked = subprocess.run([sys.executable, self.tool("pstcheck.py"), "--strict", new], capture_output=True,
+                                 text=True)
+        self.assertEqual(checked.returncode, 0, checked.stdout)
 
     def test_pffexport_writes_the_same_files(self):
-        for source, _, report, new, work in self.copies(()):
-            before, after = pff_export(source, work / "before"), pff_export(new, work / "after")
-            old_top, new_top = top_of(before), after / TOP
-            self.assertEqual(top_of(after), new_top)
-            expected = files_below(old_top)
-            for folder in new_top.iterdir():  # from outside of what people see
-                if not (old_top / folder.name).exists():
-                    outside = [path for path in before.rglob(folder.name) if old_top not in path.parents]
-                    self.assertTrue(outside, folder)
-                    expected.update({f"{folder.name}/{name}": said for name, said in files_below(outside[0]).items()})
-            found = files_below(new_top)
-            self.assertEqual(sorted(expected), sorted(found))
-            if report["format"] == "unicode":
-                for name, said in expected.items():
-                    self.assertEqual(said, found[name], name)
-            else:  # the texts of other stores are printed in another way: what is attached has to be the same
-                attached = lambda files: {n: s for n, s in files.items() if "/Attachments/" in n and not is_printed(n)}
-                self.assertEqual(attached(expected), attached(found))
+        self.each(self.check_export, ())
+
+    def check_export(self, source, _, report, new, work):
+        before, after = pff_export(source, work / "before"), pff_export(new, work / "after")
+        old_top, new_top = top_of(before), after / TOP
+        computed = COMPUTED_OF_OFFLINE if report["format"] == "unicode4k" else COMPUTED
+        expected = files_below(old_top, computed)
+        for folder in new_top.iterdir():  # from outside of what people see
+            outside = [path for path in before.rglob(folder.name) if old_top not in path.parents]
+            if not (old_top / folder.name).exists() and outside:
+                expected[folder.name] = None
+                expected.update({f"{folder.name}/{name}": said for name, said in files_below(outside[0], computed).items()})
+        found = files_below(new_top, computed)
+        if report["format"] == "ansi":  # it prints texts of 8 bits, names of folders too, in a code page of its own
+            expected, found = without_texts(expected), without_texts(found)
+        self.assertEqual(sorted(expected), sorted(found))
+        for name in expected:
+            self.assertEqual(expected[name], found[name], name)
 
     def test_readpst_lists_the_same_folders_and_items(self):
-        for source, _, _, new, work in self.copies(()):
-            before, after = read_pst(source, work / "before"), read_pst(new, work / "after")
-            self.assertEqual(after - before, collections.Counter())
-            # Folders of no items outside of what people see are not copied.
-            self.assertEqual({line: n for line, n in (before - after).items() if line[1] > 0}, {})
+        self.each(self.check_list, ("--hidden",))  # it counts the hidden ones too
+
+    def check_list(self, source, _, report, new, work):
+        before, after = read_pst(source, work / "before"), read_pst(new, work / "after")
+        if report["format"] == "ansi":  # whose names it prints in their code page
+            before, after = (collections.Counter(count for _, count in found.elements()) for found in (before, after))
+        self.assertEqual(+(before - after), collections.Counter())
+        # It lists what is below the top alone; in the new store that is also what came from beside the top.
+        beside = {path.name for path in pff_export(source, work / "pff").rglob("*") if path.is_dir()}
+        self.assertEqual([line for line in after - before if line[0] not in beside], [])
 
     def test_a_copy_of_a_copy_has_the_same_bytes(self):
-        for source, options, _, new, work in self.copies((), ("--hidden",)):
-            again = work / "again"
-            again.mkdir()
-            first = again / f"{source.stem}.pst"  # its own name is part of a store
-            shutil.move(new, first)
-            code, report, said = convert(first, again, *options)
-            self.assertEqual((code, said), (0, ""))
-            second = pathlib.Path(report["destination"])
-            self.assertEqual(second.name, new.name)
-            self.assertEqual(digest(first), digest(second))
+        self.each(self.check_copy_of_copy, (), ("--hidden",))
+
+    def check_copy_of_copy(self, source, options, _, new, work):
+        again = work / "again"
+        again.mkdir()
+        first = again / f"{source.stem}.pst"  # its own name is part of a store
+        shutil.move(new, first)
+        code, report, said = convert(first, again, *options)
+        self.assertEqual((code, said), (0, ""))
+        second = pathlib.Path(report["destination"])
+        self.assertEqual(second.name, new.name)
+        self.assertEqual(digest(first), digest(second))
 
 
 MOVED_INTO_SIGHT = re.compile(r"other folder: //.*: //(?:.*/)?(?P<name>[^/]+) -> /(?P=name)$")
@@ -186,17 +200,22 @@ def top_of(export):
     return offline[0] if offline else max(folders, key=lambda path: sum(1 for _ in path.rglob("*")))
 
 
-def files_below(folder):
-    """Path below the folder to content, without the sizes that a store computes for itself; None for a folder."""
+def files_below(folder, computed):
+    """Path below the folder to content, without what each store computes for itself; None for a folder."""
     found = {}
     for path in folder.rglob("*"):
-        found[str(path.relative_to(folder))] = SIZES.sub(b"", path.read_bytes()) if path.is_file() else None
+        found[str(path.relative_to(folder))] = computed.sub(b"", path.read_bytes()) if path.is_file() else None
     return found
 
 
-def is_printed(name):
-    """Whether pffexport made the file itself, of the properties of an item."""
-    return re.search(r"/[A-Za-z]+[0-9]{5}/[^/]+$", name) is not None
+def without_texts(files):
+    """The same by how deep the folders lie, and of the files those alone that were attached."""
+    found = {}
+    for name, said in files.items():
+        folders, item, rest = re.fullmatch(r"(.*?)((?:[A-Z][A-Za-z]*[0-9]{5}(?:/.*)?)?)()", name, re.DOTALL).groups()
+        attached = re.search(r"/Attachments/[^/]+$", name) is not None
+        found.setdefault((folders.count("/"), item), []).append(said if attached else None)
+    return {name: sorted(said, key=str) for name, said in found.items()}
 
 
 def read_pst(store, target):
@@ -207,8 +226,8 @@ def read_pst(store, target):
     if done.returncode:
         raise AssertionError(done.stdout + done.stderr)
     lines = re.findall(r'^\t"(.*)" - (\d+) items done, (\d+) items skipped\.$', done.stdout, re.MULTILINE)
-    folders = collections.Counter((name, sum(map(int, counts))) for name, *counts in lines)
-    return folders
+    # The last one is the top, which has the name of the store.
+    return collections.Counter((name, sum(map(int, counts))) for name, *counts in lines[:-1])
 
 
 if __name__ == "__main__":

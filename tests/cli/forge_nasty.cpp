@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "forge/checksum.h"
 #include "forge/mailbox.h"
 
 namespace velmora::forge {
@@ -312,11 +313,33 @@ void Bombs(Case& c) {
   for (std::uint32_t i = 0; i < c.Scaled(100000); ++i) c.store.AddNode(MessageNid(10000 + i), bomb, chain, kInbox);
 }
 
+// Behind the store nothing but ends of blocks of one id, every 16 bytes another: what an index holds of a block has to
+// be a few bytes. At any part of its size the test is over this one whole: it is the size that tells.
+void TrailersOfOneId(Image& image) {
+  constexpr std::uint64_t kSize = 80 << 20;
+  constexpr std::uint64_t kSlot = 16;
+  constexpr std::uint32_t kId = 0x1234;
+  constexpr std::uint64_t kBlock = 50;  // bytes of data; with the trailer of 12 they end in the fourth slot
+  constexpr std::uint64_t kData = 3 * kSlot;
+  image.bytes.resize((image.bytes.size() + 63) / 64 * 64);
+  image.bytes.reserve(image.bytes.size() + kSize);
+  for (const std::uint64_t end = image.bytes.size() + kSize; image.bytes.size() < end;) {
+    const std::uint64_t slot = image.bytes.size();
+    Append(image.bytes, 0x11111111, 4);
+    Append(image.bytes, kBlock | std::uint64_t{Signature(slot - kData, kId)} << 16, 4);
+    Append(image.bytes, kId, 4);
+    Append(image.bytes, 0xA5A5A5A5, 4);
+  }
+}
+
+void NothingBelow(Case&) {}
+
 struct Nasty {
   const char* name;
   void (*fill)(Case&);
   Format format = Format::kUnicode;
   Client client = Client::kPersonal;
+  void (*append)(Image&) = nullptr;  ///< behind the finished store
 };
 
 constexpr std::array kNasties = {
@@ -340,6 +363,7 @@ constexpr std::array kNasties = {
     Nasty{"large-messages-in-one", LargeMessagesInOne},
     Nasty{"large-message-of-many", LargeMessageOfMany},
     Nasty{"bombs", Bombs, Format::kUnicode4k, Client::kOffline},
+    Nasty{"trailers-of-one-id", NothingBelow, Format::kAnsi, Client::kPersonal, TrailersOfOneId},
 };
 
 int Run(const char* name, const char* path, std::uint32_t percent) {
@@ -347,7 +371,9 @@ int Run(const char* name, const char* path, std::uint32_t percent) {
     if (std::strcmp(nasty.name, name) != 0) continue;
     Case c({.format = nasty.format, .client = nasty.client}, percent);
     nasty.fill(c);
-    c.box.Finish().Save(path);
+    Image image = c.box.Finish();
+    if (nasty.append != nullptr) nasty.append(image);
+    image.Save(path);
     return 0;
   }
   return 64;

@@ -212,7 +212,12 @@ int Run(const char* name, const char* format, const char* path, std::uint32_t pe
   const Format chosen = isWide                             ? Format::kUnicode4k
                         : std::strcmp(format, "ansi") == 0 ? Format::kAnsi
                                                            : Format::kUnicode;
-  Mailbox box(path, {.format = chosen, .client = isWide ? Client::kOffline : Client::kPersonal, .compressed = isWide},
+  // Offline stores are compressed and not encoded: on the order of the two readers differ.
+  Mailbox box(path,
+              {.format = chosen,
+               .encoding = isWide ? Encoding::kNone : Encoding::kPermute,
+               .client = isWide ? Client::kOffline : Client::kPersonal,
+               .compressed = isWide},
               {.tables = true, .offline = isWide});
   Case c{box, isWide, percent};
   whole->fill(c);

@@ -196,21 +196,23 @@ class Program(program_fixture.ProgramTest):
     def test_random_bytes_behind_a_good_magic(self):
         for kind in (b"SM", b"SO"):
             path = self.write("odd.ost", b"!BDN\0\0\0\0" + kind + os.urandom(200000))
-            ended = self.run_program("--dry-run", path, self.out)
-            self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
+            for mode in ((), ("--complete",)):
+                ended = self.run_program(*mode, "--dry-run", path, self.out)
+                self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
 
     def test_a_store_cut_off_anywhere(self):
         whole = self.demo.read_bytes()
         for size in [*range(0, 20000, 997), *range(20000, len(whole), len(whole) // 60)]:
             with self.subTest(size=size):
                 path = self.write("cut.ost", whole[:size])
-                out = self.work / f"cut{size}"
-                out.mkdir()
-                ended = self.run_program("--smart", "--report", "-", path, out)
-                self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
-                report = json.loads(ended.stdout)
-                self.assertEqual(ended.returncode == 65, report["refusal"] is not None)
-                self.assertIn(self.produced(out), ([], ["cut Converted0", "cut Converted0/cut Converted.pst"]))
+                for number, mode in enumerate((("--smart",), ("--complete", "--hidden", "--verify"))):
+                    out = self.work / f"cut{size}-{number}"
+                    out.mkdir()
+                    ended = self.run_program(*mode, "--report", "-", path, out)
+                    self.assertIn(ended.returncode, (0, 3, 65), ended.stderr)
+                    report = json.loads(ended.stdout)
+                    self.assertEqual(ended.returncode == 65, report["refusal"] is not None)
+                    self.assertIn(self.produced(out), ([], ["cut Converted0", "cut Converted0/cut Converted.pst"]))
 
     def test_usage(self):
         for words in ((), ("a",), ("--none", "a", "b"), ("--codepage", "none-such", "a", "b")):

@@ -28,9 +28,7 @@ class AccountTest : public CompleteTest {
   /// The sub-node of the mail as the image has it before anything is done to it.
   ndb::SubnodeEntry Subnode(const forge::Image& image, forge::Nid nid) const {
     const StoreObjects store(image.bytes);
-    return 
-               ndb::FindSubnode(store.Reader(), store.Reader().FindNode(NodeOf(nid_))->trees.bidSub, NodeOf(nid))
-        .value();
+    return ndb::FindSubnode(store.Reader(), store.Reader().FindNode(NodeOf(nid_))->trees.bidSub, NodeOf(nid)).value();
   }
   /// Damages the data block `index` of a tree of blocks.
   void BreakTree(forge::Image& image, Bid root, std::size_t index = 0) const {

@@ -156,7 +156,8 @@ void CompleteTest::ExpectAllWhole() const {
   EXPECT_TRUE(account_.IsWhole());
   EXPECT_EQ(source_->Messages(), target_->Messages());
   for (const velmora::Nid nid : source_->Messages()) {
-    if (target_->Has(nid)) ExpectSame(source_->ItemOf(nid), target_->ItemOf(nid), "message " + std::to_string(velmora::Value(nid)));
+    if (target_->Has(nid))
+      ExpectSame(source_->ItemOf(nid), target_->ItemOf(nid), "message " + std::to_string(velmora::Value(nid)));
   }
 }
 

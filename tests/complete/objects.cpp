@@ -23,10 +23,8 @@ std::u16string FromUtf16(std::span<const std::byte> bytes) {
 
 }  // namespace
 
-StoreObjects::StoreObjects(Bytes bytes)
-    : file_(std::move(bytes)), reader_(ndb::StoreReader::Open(file_)) {
-  for (const Failure& fault : reader_->Damage().List())
-    throw std::runtime_error(TextOf(fault));
+StoreObjects::StoreObjects(Bytes bytes) : file_(std::move(bytes)), reader_(ndb::StoreReader::Open(file_)) {
+  for (const Failure& fault : reader_->Damage().List()) throw std::runtime_error(TextOf(fault));
   ReadNames();
 }
 

@@ -11,7 +11,6 @@ namespace {
 constexpr Nid kAttachmentTable = 0x671;
 constexpr Nid kRecipientTable = 0x692;
 constexpr Nid kFirstAttachment = 0x8025;
-constexpr Nid kEmbeddedMessage = 0x200024;
 constexpr std::uint32_t kByValue = 1;
 constexpr std::uint32_t kEmbedded = 5;
 constexpr std::uint32_t kOle = 6;
@@ -126,10 +125,11 @@ WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment
   SetText(list, 0x3001, attachment.displayName);
   if (attachment.embedded) {
     const WrittenMessage inner = WriteMessage(store, names, *attachment.embedded);
-    subnodes.push_back({.nid = kEmbeddedMessage, .bidData = inner.bidData, .bidSub = inner.bidSub});
+    const Nid embedded = store.NextEmbeddedNid();
+    subnodes.push_back({.nid = embedded, .bidData = inner.bidData, .bidSub = inner.bidSub});
     written.size += inner.size;
     if (!attachment.bare) {
-      list.push_back(Raw(0x3701, kObject, ObjectValue(kEmbeddedMessage, inner.size), Place::kHeap));
+      list.push_back(Raw(0x3701, kObject, ObjectValue(embedded, inner.size), Place::kHeap));
     }
   } else if (attachment.object) {
     subnodes.push_back(WriteObject(store, *attachment.object));

@@ -33,6 +33,9 @@ struct StoreOptions {
   std::uint64_t startOffset = 0;   ///< of the first block; 0 is the first place of the format
 };
 
+/// Of messages in attachments, far behind those in folders.
+inline constexpr Nid kFirstEmbedded = 0x20000004;
+
 /// An element of a list of sub-nodes.
 struct Subnode {
   Nid nid = 0;
@@ -102,6 +105,10 @@ class Store {
   /// The next of the numbers that tell the versions of table rows apart.
   std::uint32_t NextRowVersion() { return rowVersion_++; }
 
+  /// An id for a message in an attachment. No other message of the store has it: some readers would take the one for
+  /// the other.
+  Nid NextEmbeddedNid() { return kFirstEmbedded + 0x20 * embeddedCount_++; }
+
   /// The id that the next data block gets; the one of an internal block has bit 1 set besides.
   Bid NextBid() const { return nextBid_; }
 
@@ -144,6 +151,7 @@ class Store {
   Bid nextBid_ = 4;
   std::uint64_t nextPageId_ = 1;
   std::uint32_t rowVersion_ = 1;
+  std::uint32_t embeddedCount_ = 0;
 };
 
 }  // namespace velmora::forge

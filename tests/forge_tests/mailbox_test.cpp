@@ -132,7 +132,7 @@ TEST(Mailbox, PutsAnEmbeddedMessageFirstAmongTheSubnodesOfItsAttachment) {
   const Image image = box.Finish();
   const Reader reader(image);
   const auto holder = reader.Subnodes(reader.Subnodes(added.bidSub).at(1).bidSub).at(0);
-  EXPECT_EQ(holder.nid, 0x200024U);
+  EXPECT_EQ(holder.nid, kFirstEmbedded);
   EXPECT_EQ(NidsOf(reader.Subnodes(holder.bidSub)), (std::vector<Nid>{0x671, 0x8025}));
 }
 
@@ -152,7 +152,8 @@ TEST(Mailbox, PutsTheStorageOfAnObjectAndItsPartsBelowTheAttachment) {
 TEST(Mailbox, GivesTheRecipientTableAColumnForEachPropertyThatARecipientHas) {
   Mailbox box(kPlain);
   const auto added = box.AddMessage(
-      kTopFolder, {.recipients = {{.name = u"A", .properties = {Text(0x39FE, u"a@b"), Int32(0x3900, 6)}}, {.name = u"B"}}});
+      kTopFolder,
+      {.recipients = {{.name = u"A", .properties = {Text(0x39FE, u"a@b"), Int32(0x3900, 6)}}, {.name = u"B"}}});
   const Image image = box.Finish();
   const Reader reader(image);
   const Bytes table = reader.Data(reader.Subnodes(added.bidSub).at(0).bidData);

@@ -11,9 +11,18 @@ using forge::Encoding;
 using forge::Format;
 
 forge::Image Mailbox(Format format, Encoding encoding) {
-  forge::Mailbox box({.format = format, .encoding = encoding, .compressed = format == Format::kUnicode4k});
+  forge::Mailbox box({.format = format, .encoding = encoding, .compressed = format == Format::kUnicode4k},
+                     {.tables = encoding != Encoding::kNone});
   const auto inbox = box.AddFolder({.name = u"Inbox"});
-  box.AddMessage(inbox, {.subject = u"Subject", .plain = u"A body that is long enough to be stored by itself"});
+  forge::Message message = {.subject = u"Subject", .plain = u"A body that is long enough to be stored by itself"};
+  box.AddMessage(inbox, message);
+  message.recipients = {{u"Name", u"name@example.org"}};
+  message.attachments = {{.name = u"file.bin", .data = forge::Noise(900, 2), .place = forge::Place::kTree},
+                         {.displayName = u"Inner", .embedded = std::make_shared<const forge::Message>(message)},
+                         {.name = u"object", .object = forge::OleObject{forge::Noise(90, 3), {forge::Noise(30, 4)}}}};
+  message.properties = {forge::Named(forge::PropertySet::kOwn, u"Named", forge::Texts(0, {u"one", u"two"}))};
+  box.AddMessage(inbox, message);
+  box.AddMessage(inbox, message, 0x100028);
   box.store().AddBlock(forge::Noise(700, 1));
   return box.Finish();
 }

@@ -1,0 +1,108 @@
+// Copying whole objects of whatever bytes, and comparing the copy with them. Where a format does not show, the bytes
+// are taken for each, so that inputs that are no whole store reach the copy too.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <numeric>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "complete/copy_store.h"
+#include "complete/live_store.h"
+#include "engine/steps.h"
+#include "platform/memory_file.h"
+#include "platform/user_folders.h"
+#include "store/ndb/store_reader.h"
+
+namespace velmora::complete {
+namespace {
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// A file in memory that stays when its writer goes.
+class TargetFile : public platform::ByteStore {
+ public:
+  explicit TargetFile(platform::MemoryFile& file) : file_(file) {}
+  std::uint64_t Size() const override { return file_.Size(); }
+  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    return file_.ReadAt(offset, out);
+  }
+  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+    return file_.WriteAt(offset, bytes);
+  }
+  Result<void> Resize(std::uint64_t size) override { return file_.Resize(size); }
+  Result<void> Flush() override { return file_.Flush(); }
+
+ private:
+  platform::MemoryFile& file_;
+};
+
+std::unique_ptr<const engine::ScannedStore> Scan(const std::vector<std::byte>& bytes, std::uint16_t formatId,
+                                                 engine::RunContext& run) {
+  static const platform::TemporaryFolder folder = ValueOrRaise(platform::TemporaryFolder::Create());
+  engine::StoreScan scan;
+  scan.outputFolder = folder.Path();
+  scan.percentBase = bytes.size() / 100;
+  scan.found->source.Open(std::make_unique<platform::MemoryFile>(bytes));
+  if (engine::ProbeFormat(scan, run) == engine::ProbeResult::kRefused) {
+    if (formatId == 0) return nullptr;
+    scan.found->storeKind = engine::StoreKind::kOst;
+    scan.found->layout = LayoutOf(formatId);
+  }
+  if (!HasSoundTrees(scan.found->source)) {
+    engine::ScanNodePages(scan, run);
+    engine::ScanBlockPages(scan, run);
+  }
+  return engine::FinishScan(scan, run);
+}
+
+void CheckAccount(const Account& account) {
+  Require(account.NodesFound() == std::accumulate(account.nodes.begin(), account.nodes.end(), std::uint64_t{0}));
+  for (const auto& [name, counts] : account.items) {
+    Require(counts.live == counts.whole + counts.partial + counts.lost);
+  }
+  const ItemCounts all = account.Totals();
+  if (account.IsWhole()) Require(all.partial == 0 && all.lost == 0);
+  for (const Loss& loss : account.losses) Require(!loss.missing.empty());
+}
+
+void CopyAndCompare(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool hidden) {
+  engine::RunContext run;
+  const auto source = Scan(bytes, formatId, run);
+  if (!source || run.runAborted) return;
+  platform::MemoryFile file;
+  Account account;
+  const CopyOptions options{.hidden = hidden};
+  {
+    const auto target =
+        messaging::StoreWriter::Create(std::make_unique<TargetFile>(file), u"Copy", {.sourceDateEpoch = 1700000000});
+    CopyStore(*source, *target, options, run, account);
+    target->Seal();
+  }
+  CheckAccount(account);
+  Require(ndb::StoreReader::Open(file)->Damage().Count() == 0);
+  CompareStores(*source, file, options, run, account);
+  Require(account.differences.empty() && account.differencesNotListed == 0);
+}
+
+}  // namespace
+}  // namespace velmora::complete
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace velmora;
+  const auto bytes = std::as_bytes(std::span(data, size));
+  const std::vector<std::byte> whole(bytes.begin(), bytes.end());
+  for (const bool hidden : {false, true}) complete::CopyAndCompare(whole, 0, hidden);
+  if (size > 8192) return 0;
+  for (const std::uint16_t formatId : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
+    std::vector<std::byte> placed(formatId == FORMAT_UNICODE_4K ? 147456 : 18432);
+    placed[16] = std::byte{1};
+    placed.insert(placed.end(), bytes.begin(), bytes.end());
+    complete::CopyAndCompare(placed, formatId, true);
+  }
+  return 0;
+}
