@@ -133,17 +133,24 @@ Json ItemsJson(const complete::Account& account) {
 
 Json EvidenceJson(const conversion::CompleteReport& report) {
   const complete::Evidence& evidence = report.account.evidence;
-  Json faults = Json::array();
-  for (const Failure& fault : evidence.treeFaults) faults.push_back(CauseJson(fault));
   Json unread = Json::array();
   std::uint64_t unreadBytes = 0;
   for (const auto& [from, to] : report.unread) {
     if (unread.size() < conversion::kMostUnreadRanges) unread.push_back({{"from", from}, {"to", to}});
     unreadBytes += to - from;
   }
-  return {{"headerUsed", evidence.headerUsed}, {"treesUsed", evidence.treesUsed}, {"treeNodes", evidence.treeNodes},
-          {"treeBlocks", evidence.treeBlocks}, {"nodePages", evidence.nodePages}, {"treeFaults", std::move(faults)},
-          {"unread", std::move(unread)},       {"unreadBytes", unreadBytes}};
+  return {{"headerUsed", evidence.headerUsed},
+          {"nodesAreExact", evidence.nodesAreExact},
+          {"blocksAreExact", evidence.blocksAreExact},
+          {"liveNodes", evidence.liveNodes},
+          {"nodePages", evidence.nodePages},
+          {"blockPages", evidence.blockPages},
+          {"liveBlocks", evidence.liveBlocks},
+          {"freedBlocks", evidence.freedBlocks},
+          {"hurtBlocks", evidence.hurtBlocks},
+          {"failedBlocks", evidence.failedBlocks},
+          {"unread", std::move(unread)},
+          {"unreadBytes", unreadBytes}};
 }
 
 Json VerifyJson(const complete::Account& account) {

@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
 
+#include "complete/file_map.h"
 #include "complete/folder_copier.h"
 #include "complete/message_copier.h"
 #include "complete/value_form.h"
 #include "engine/content_allowance.h"
-#include "engine/node_versions.h"
 #include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
 
@@ -57,8 +58,8 @@ class StoreCopy {
         pages_(source_, options.codePage),
         plan_(source_, pages_, options.hidden),
         references_(plan_.RecordKey(), target.RecordKey(), [this](Nid nid) { return TargetOf(nid); }),
-        allowance_(engine::ContentAllowance(found.source.Size(), found.layout.formatId == FORMAT_UNICODE_4K,
-                                            source_.Nodes().size() + account.evidence.treeBlocks)),
+        allowance_(engine::ContentAllowance(found.Bytes().Size(), found.Format().formatId == FORMAT_UNICODE_4K,
+                                            found.Nodes().size() + found.Found().blocks.size())),
         tools_{source_, names_, pages_, references_, target, allowance_, account},
         folders_(tools_, plan_),
         messages_(tools_) {
@@ -66,23 +67,32 @@ class StoreCopy {
   }
 
   void Run() {
-    run_.BeginStage(4);
-    CountOldNodes();
+    account_.evidence = EvidenceOf(source_.Found());
+    account_.fileMap = MapOf(source_.Found());
     run_.BeginStage(8);
     KeepIdsApart();
     folders_.CopyAll();
+    const std::vector<ndb::NodeEntry> deleted = options_.deleted ? DeletedMessages() : std::vector<ndb::NodeEntry>();
     engine::ItemsCopied progress;
+    progress.itemsTotal = deleted.size();
     for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
-    for (const ndb::NodeEntry& node : source_.Nodes()) {
-      if (!IsMessage(node.nid)) continue;
+    const auto copy = [&](const ndb::NodeEntry& node, bool isDeleted) {
       run_.control.PausePoint();
       run_.SayCopied(progress);
-      CopyMessage(node);
+      CopyMessage(node, isDeleted);
       ++progress.items;
       progress.bytes = account_.bytes;
+    };
+    for (const ndb::NodeEntry& node : source_.Nodes()) {
+      if (IsMessage(node.nid)) copy(node, false);
     }
+    for (const ndb::NodeEntry& node : deleted) copy(node, true);
     run_.SayCopied(progress);
+    for (const engine::MessageRow& row : source_.Found().Lost().messageRows) CountRow(row);
     for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
+    CountOldNodes();
+    for (auto& [folder, counts] : folderCounts_) account_.folderAccounts.push_back(std::move(counts));
+    std::ranges::sort(account_.folderAccounts, {}, &FolderAccount::path);
   }
 
  private:
@@ -90,6 +100,10 @@ class StoreCopy {
   void KeepIdsApart() {
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
+    }
+    for (const engine::NodeClaim& claim : source_.Found().Judged().nodes) {
+      const Nid nid = claim.node.nid;  // of a deleted message too
+      if (TypeOf(nid) == NidType::kNormalMessage && KeepsId(nid) && options_.deleted) target_.Ndb().NoteNid(nid);
     }
     for (const ndb::NodeEntry& node : source_.Nodes()) {
       if (!IsMessage(node.nid) || KeepsId(node.nid) || !IsCopied(node)) continue;
@@ -143,32 +157,85 @@ class StoreCopy {
     return folder != nullptr && folder->target != nullptr ? *folder->target : folders_.LostAndFound();
   }
 
-  void CopyMessage(const ndb::NodeEntry& node) {
+  /// Of each message that is no longer live the newest version that can be opened.
+  std::vector<ndb::NodeEntry> DeletedMessages() {
+    std::vector<ndb::NodeEntry> deleted;
+    const auto take = [&](const engine::NodeClaim& claim) {
+      const ndb::NodeEntry& node = claim.node;
+      if (claim.standing != engine::Standing::kDeleted || TypeOf(node.nid) != NidType::kNormalMessage) return;
+      if (!deleted.empty() && deleted.back().nid == node.nid) return;
+      ndb::Faults faults;
+      const auto open = [&] { return ltp::PropertyContext::Open(source_, node.trees, &faults).Records().size(); };
+      if (IfReadable(open).value_or(0) != 0) deleted.push_back(node);
+    };
+    std::ranges::for_each(source_.Found().Judged().nodes, take);
+    std::ranges::for_each(source_.Found().Lost().nodes, take);
+    return deleted;
+  }
+
+  FolderAccount& CountsOf(const Folder& folder) {
+    FolderAccount& counts = folderCounts_[&folder];
+    if (counts.path.empty()) counts.path = PathOf(folder);
+    return counts;
+  }
+
+  void CountRow(const engine::MessageRow& row) {
+    Loss loss{.source = row.nid, .messageClass = row.messageClass, .subject = row.subject, .sender = row.sender};
+    if (row.delivered) loss.date = *row.delivered;
+    const SourceFolder* folder = plan_.Find(row.nidParent);
+    if (folder != nullptr && folder->target != nullptr) {
+      loss.folder = PathOf(*folder->target);
+      ++CountsOf(*folder->target).lost;
+    }
+    loss.missing.push_back({.kind = MissingPart::Kind::kObject,
+                            .size = row.size,
+                            .cause = {FailureKind::kNotFound, {ObjectKind::kNode, row.nid}, {},
+                                      "only its row in the table of its folder is left"}});
+    ItemCounts& counts = account_.items[loss.messageClass];
+    ++counts.live;
+    ++counts.lost;
+    account_.AddLoss(std::move(loss));
+  }
+
+  void CopyMessage(const ndb::NodeEntry& node, bool isDeleted) {
     const bool isHidden = TypeOf(node.nid) == NidType::kAssocMessage;
     if (!IsCopied(node)) {
       fates_[node.nid] = NodeFate::kHidden;
       return;
     }
+    static_cast<void>(source_.TakeHurt());
     allowance_.BeginNode();
     Loss loss{.source = node.nid};
     std::optional<CopiedMessage> copied;
+    Folder* folder = nullptr;
     try {
       copied = messages_.Copy(node.trees);
       Describe(copied->message.properties, loss);
       loss.missing = std::move(copied->missing);
-      Folder& folder = FolderOf(node);
-      loss.folder = PathOf(folder);
+      AddHurt(source_, loss.missing);
+      folder = isDeleted ? &folders_.RecoveredFrom(plan_.Find(node.nidParent)) : &FolderOf(node);
+      loss.folder = PathOf(*folder);
       copied->message.isAssociated = isHidden;
-      loss.target = target_.Save(std::move(copied->message), folder, TargetIdOf(node.nid));
+      loss.target = target_.Save(std::move(copied->message), *folder, TargetIdOf(node.nid));
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
       NameByRow(node, loss);
     }
     const bool isWhole = loss.target && loss.missing.empty();
+    if (isDeleted) {
+      // What is missing of it is no loss of a message that somebody has deleted.
+      if (loss.target) ++CountsOf(*folder).deleted;
+      if (loss.target) deletedWritten_.insert(node.nid);
+      return;
+    }
     if (!isHidden) {
       ItemCounts& counts = account_.items[loss.messageClass];
       ++counts.live;
       ++(isWhole ? counts.whole : loss.target ? counts.partial : counts.lost);
+      if (folder != nullptr) {
+        FolderAccount& ofFolder = CountsOf(*folder);
+        ++(isWhole ? ofFolder.whole : loss.target ? ofFolder.partial : ofFolder.lost);
+      }
     }
     if (isWhole) return;
     fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
@@ -234,15 +301,18 @@ class StoreCopy {
 
   /// What pages name that is no longer so. A node that is not live counts as deleted once, whatever it was before.
   void CountOldNodes() {
-    const engine::NodeVersions found = engine::FindNodeVersions(source_.Found().source, source_.Format(), run_);
-    account_.evidence.nodePages = found.pages;
     Nid lastDead = kNoNid;
-    for (const ndb::NodeEntry& entry : found.entries) {
-      const auto live = source_.FindNode(entry.nid);
-      if (live && *live == entry) continue;
-      Count(!live && entry.nid != lastDead ? NodeFate::kDeleted : NodeFate::kOlderVersion);
-      if (!live) lastDead = entry.nid;
-    }
+    const auto count = [&](const engine::NodeClaim& claim) {
+      const Nid nid = claim.node.nid;
+      if (claim.standing == engine::Standing::kOlder || (claim.standing == engine::Standing::kDeleted && nid == lastDead)) {
+        Count(NodeFate::kOlderVersion);
+      } else if (claim.standing == engine::Standing::kDeleted) {
+        Count(deletedWritten_.contains(nid) ? NodeFate::kDeletedWritten : NodeFate::kDeleted);
+        lastDead = nid;
+      }
+    };
+    std::ranges::for_each(source_.Found().Judged().nodes, count);
+    std::ranges::for_each(source_.Found().Lost().nodes, count);
   }
 
   const CopyOptions& options_;
@@ -258,6 +328,8 @@ class StoreCopy {
   CopyTools tools_;
   FolderCopier folders_;
   MessageCopier messages_;
+  std::unordered_map<const Folder*, FolderAccount> folderCounts_;
+  std::unordered_set<Nid> deletedWritten_;
   std::unordered_map<Nid, NodeFate> fates_;  ///< of messages that were not written whole
 };
 

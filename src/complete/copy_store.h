@@ -10,12 +10,12 @@
 namespace velmora::complete {
 
 struct CopyOptions {
-  bool hidden = false;  ///< associated messages too; without it the list of categories alone
+  bool hidden = false;   ///< associated messages too; without it the list of categories alone
+  bool deleted = false;  ///< messages that are no longer live too, in a folder of their own
   text::CodePage codePage = text::CodePage::Lossless();  ///< of 8-bit texts where nothing in the store tells
 };
 
-/// Copies folders and messages of `source` into `target`, an empty store. Says stages 4 (old pages) and 8 (items),
-/// ItemsCopied and Progress, and passes a pause point ahead of each message. Whatever cannot be read is in the account,
+/// Copies folders and messages of `source` into `target`, an empty store. Says stage 8, ItemsCopied and Progress, and passes a pause point ahead of each message. Whatever cannot be read is in the account,
 /// which is kept as the copy goes, so it holds what was done of a copy that ended early. Raises OutputFailure where
 /// `target` cannot be written and engine::RunStopped. `target` is not sealed.
 void CopyStore(const engine::ProvenStore& source, messaging::StoreWriter& target, const CopyOptions& options,

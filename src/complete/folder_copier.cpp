@@ -15,6 +15,7 @@ using messaging::Folder;
 using messaging::PropertyBag;
 
 constexpr text::TextView kLostAndFoundName = u"Lost & Found";
+constexpr text::TextView kRecoveredName = u"Recovered Deleted Items";
 constexpr text::TextView kNameOfNone = u"Folder without a name";
 
 constexpr std::size_t kLongestPath = 8192;
@@ -69,20 +70,52 @@ void FolderCopier::CopyAll() {
   }
 }
 
+Folder& FolderCopier::AddOwn(text::TextView name) {
+  PropertyBag properties;
+  properties.PutName(tag::kDisplayName, name);
+  properties.PutName(tag::kContainerClass, kMailContainerClass);
+  GiveFreeName(tools_.target.Top(), nullptr, properties);
+  return tools_.target.AddFolder(tools_.target.Top(), std::move(properties));
+}
+
 Folder& FolderCopier::LostAndFound() {
-  if (lostAndFound_ == nullptr) {
-    PropertyBag properties;
-    properties.PutName(tag::kDisplayName, kLostAndFoundName);
-    properties.PutName(tag::kContainerClass, kMailContainerClass);
-    GiveFreeName(tools_.target.Top(), nullptr, properties);
-    lostAndFound_ = &tools_.target.AddFolder(tools_.target.Top(), std::move(properties));
-  }
+  if (lostAndFound_ == nullptr) lostAndFound_ = &AddOwn(kLostAndFoundName);
   return *lostAndFound_;
+}
+
+Folder& FolderCopier::RecoveredFrom(const SourceFolder* folder) {
+  if (recovered_ == nullptr) recovered_ = &AddOwn(kRecoveredName);
+  std::vector<const SourceFolder*> path;
+  for (const SourceFolder* at = folder; at != nullptr && at != plan_.Top(); at = plan_.ParentOf(*at)) {
+    if (!at->isCopied) break;
+    path.push_back(at);
+  }
+  Folder* target = recovered_;
+  for (; !path.empty(); path.pop_back()) {
+    const text::Text& name = path.back()->target != nullptr ? path.back()->target->name : path.back()->name;
+    Folder* const below = ChildOf(*target, name);
+    if (below != nullptr) {
+      target = below;
+      continue;
+    }
+    PropertyBag properties;
+    properties.PutBytes(tag::kDisplayName, ltp::EncodeText(name.empty() ? text::Text(kNameOfNone) : name));
+    target = &tools_.target.AddFolder(*target, std::move(properties));
+  }
+  return *target;
 }
 
 PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& missing) {
   ndb::Faults faults(folder.nid);
   PropertyBag properties;
+  if (folder.trees == ndb::NodeTrees()) {
+    properties.PutName(tag::kDisplayName, folder.name);
+    properties.PutName(tag::kContainerClass, folder.classOfRow);
+    missing.push_back({.kind = MissingPart::Kind::kProperty,
+                       .cause = {FailureKind::kNotFound, {ObjectKind::kNode, folder.nid}, {},
+                                 "only its row in the table of its parent is left"}});
+    return properties;
+  }
   try {
     auto context = ltp::PropertyContext::Open(tools_.source, folder.trees, &faults);
     for (const Failure& fault : faults.List()) {
@@ -136,6 +169,7 @@ bool FolderCopier::IsFree(Nid nid) const {
 
 void FolderCopier::Copy(SourceFolder& folder) {
   Missing missing;
+  static_cast<void>(tools_.source.TakeHurt());
   PropertyBag properties = PropertiesOf(folder, missing);
   Folder& parent = *plan_.ParentOf(folder)->target;
   tools_.allowance.BeginNode();
@@ -154,6 +188,7 @@ void FolderCopier::Copy(SourceFolder& folder) {
   } catch (const std::exception&) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }
+  AddHurt(tools_.source, missing);
   if (missing.empty()) return;
   Loss loss{.source = folder.nid,
             .folder = PathOf(folder.target != nullptr ? *folder.target : parent),

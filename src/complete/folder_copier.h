@@ -20,7 +20,12 @@ class FolderCopier {
   /// The folder for messages whose own is not there; made when it is first asked for.
   messaging::Folder& LostAndFound();
 
+  /// The folder for deleted messages of a folder: below "Recovered Deleted Items", on the path that the folder has below
+  /// the top. Null is a folder that is not there any more.
+  messaging::Folder& RecoveredFrom(const SourceFolder* folder);
+
  private:
+  messaging::Folder& AddOwn(text::TextView name);
   void Copy(SourceFolder& folder);
   messaging::PropertyBag PropertiesOf(const SourceFolder& folder, Missing& missing);
   void GiveFreeName(const messaging::Folder& parent, const messaging::Folder* self, messaging::PropertyBag& properties);
@@ -31,6 +36,7 @@ class FolderCopier {
   PropertyCopier properties_;
   FolderPlan& plan_;
   messaging::Folder* lostAndFound_ = nullptr;
+  messaging::Folder* recovered_ = nullptr;
   std::map<std::pair<const messaging::Folder*, text::Text>, std::uint32_t> numbers_;  ///< the last of a name
 };
 

@@ -29,6 +29,7 @@ text::Text NameOf(ltp::PropertyContext& folder, const text::CodePage& page) {
 
 FolderPlan::FolderPlan(const LiveStore& source, const TextPages& pages, bool hidden) {
   ReadFolders(source, pages);
+  AddRows(source.Found().Lost());
   JoinToTree(source, hidden);
   ReadMarks(source);
   FindTop(source);
@@ -53,10 +54,23 @@ void FolderPlan::ReadFolders(const LiveStore& source, const TextPages& pages) {
     SourceFolder& folder = folders_[node.nid];
     folder.nid = node.nid;
     folder.trees = node.trees;
+    folder.nidParent = node.nidParent;
     ndb::Faults faults(node.nid);
     if (auto context = Open(source, node.trees, faults)) {
       folder.name = NameOf(*context, pages.OfStore()).substr(0, SourceFolder::kMostOfName);
     }
+  }
+}
+
+/// Folders whose own node is gone.
+void FolderPlan::AddRows(const engine::LostNodes& lost) {
+  for (const engine::FolderRow& row : lost.folderRows) {
+    const auto [folder, isNew] = folders_.try_emplace(row.nid);
+    if (!isNew || TypeOf(row.nid) != NidType::kNormalFolder) continue;
+    folder->second.nid = row.nid;
+    folder->second.nidParent = row.nidParent;
+    folder->second.name = row.name.substr(0, SourceFolder::kMostOfName);
+    folder->second.classOfRow = row.containerClass;
   }
 }
 
@@ -66,7 +80,9 @@ void FolderPlan::JoinToTree(const LiveStore& source, bool hidden) {
     if (parent == nullptr) continue;
     const NidType type = TypeOf(node.nid);
     if (type == NidType::kNormalMessage || (hidden && type == NidType::kAssocMessage)) ++parent->messages;
-    if (type == NidType::kNormalFolder && node.nid != node.nidParent) Find(node.nid)->parent = parent;
+  }
+  for (auto& [nid, folder] : folders_) {
+    if (folder.nidParent != nid) folder.parent = Find(folder.nidParent);
   }
   // A folder whose parents lead round in a circle is taken out of it, and stands alone.
   std::unordered_set<const SourceFolder*> rooted;

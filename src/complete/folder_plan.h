@@ -15,11 +15,13 @@ namespace velmora::complete {
 /// A folder of the source.
 struct SourceFolder {
   Nid nid{};
-  ndb::NodeTrees trees{};
+  ndb::NodeTrees trees{};  ///< empty for one that only its row in its parent's table tells of
+  Nid nidParent{};
   SourceFolder* parent = nullptr;         ///< null for the root and for one whose parent is not there
   std::vector<SourceFolder*> children{};  ///< by ascending id
   text::Text name{};                      ///< its first kMostOfName units; empty where it cannot be read
   static constexpr std::size_t kMostOfName = 255;
+  text::Text classOfRow{};  ///< the class that such a row tells
   std::uint64_t messages = 0;  ///< in it; ordinary ones, unless hidden ones come across too
   std::uint64_t foldersBelow = 0;
   std::uint64_t messagesBelow = 0;
@@ -57,6 +59,7 @@ class FolderPlan {
 
  private:
   void ReadFolders(const LiveStore& source, const TextPages& pages);
+  void AddRows(const engine::LostNodes& lost);
   void JoinToTree(const LiveStore& source, bool hidden);
   void ReadMarks(const LiveStore& source);
   SourceFolder* LargestOf(const std::vector<SourceFolder*>& folders) const;

@@ -26,6 +26,17 @@ constexpr std::uint64_t kMostConverted = std::uint64_t{256} << 20;
 
 }  // namespace
 
+void AddHurt(const LiveStore& source, Missing& missing) {
+  for (const Bid bid : source.TakeHurt()) {
+    const engine::FoundBlock* block = source.Found().Found().Find(bid);
+    missing.push_back({.kind = MissingPart::Kind::kBytes,
+                       .size = block != nullptr ? block->cb : 0,
+                       .cause = {FailureKind::kCorrupt, {ObjectKind::kBlock, bid},
+                                 block != nullptr ? std::optional(block->offset) : std::nullopt,
+                                 "the checksum of the block is wrong"}});
+  }
+}
+
 Failure CauseOfLoss() {
   try {
     throw;

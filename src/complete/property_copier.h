@@ -30,6 +30,9 @@ struct CopyTools {
 
 using Missing = std::vector<MissingPart>;
 
+/// Adds what was read of `source` since its last TakeHurt without being proven.
+void AddHurt(const LiveStore& source, Missing& missing);
+
 /// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes
 /// on.
 Failure CauseOfLoss();

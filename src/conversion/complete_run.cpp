@@ -1,11 +1,9 @@
 #include "conversion/complete_run.h"
 
-#include "complete/live_store.h"
 #include "conversion/notices.h"
 #include "conversion/out_look.h"
 #include "conversion/run_log.h"
-#include "engine/index_file.h"
-#include "engine/steps.h"
+#include "engine/proven_store.h"
 #include "store/messaging/pst_library.h"
 #include "store/messaging/store_writer.h"
 #include "text/text.h"
@@ -39,19 +37,24 @@ class CompleteRun {
 
  private:
   void Read() {
-    engine::OpenSource(scan_, run_, request_.source, request_.open);
-    if (engine::ProbeFormat(scan_, run_) != engine::ProbeResult::kFound) {
-      report_.storeKind = scan_.found->storeKind;
+    run_.BeginStage(1);
+    auto source = request_.open(request_.source);
+    if (!source) {
+      run_.Say(engine::Notice{NoticeKind::kSourceNotOpened, {}, source.error()});
+      throw engine::WorkerEnded{};
+    }
+    run_.BeginStage(2);
+    store_ = engine::ProvenStore::Prove(std::move(*source), request_.copy.deleted, run_);
+    report_.storeKind = store_->Kind();
+    if (!store_->IsStore() || store_->Kind() == engine::StoreKind::kPab) {
       run_.Say(engine::Notice{NoticeKind::kNotValid, {}, {}});
       throw engine::WorkerEnded{};
     }
-    report_.storeKind = scan_.found->storeKind;
-    report_.format = scan_.found->layout.formatId;
+    report_.format = store_->Format().formatId;
   }
 
   void MakeStore() {
     run_.BeginStage(3);
-    scan_.outputFolder = request_.destination;  // of a dry run
     const std::string name = request_.source.stem().string() + " Converted";
     auto file = request_.dryRun ? platform::CreateUnnamedFile() : CreateFileIn(FreeFolder(name), name);
     if (!file) return run_.Abort({NoticeKind::kStoreNotMade, {}, file.error()});
@@ -80,7 +83,6 @@ class CompleteRun {
   platform::Result<std::unique_ptr<platform::ByteStore>> CreateFileIn(
       const platform::Result<std::filesystem::path>& folder, const std::string& name) {
     if (!folder) return tl::unexpected(folder.error());
-    scan_.outputFolder = *folder;
     report_.store = *folder / (name + ".pst");
     return platform::CreateFile(report_.store, platform::Existing::kRefuse);
   }
@@ -106,14 +108,6 @@ class CompleteRun {
   }
 
   void Copy() {
-    // Only what the trees do not lead to has to be looked for.
-    if (!complete::HasSoundTrees(scan_.found->source)) {
-      hasIndexFile_ = true;
-      engine::ScanNodePages(scan_, run_);
-      engine::ScanBlockPages(scan_, run_);
-    }
-    store_ = engine::FinishScan(scan_, run_);
-    if (run_.runAborted) return;
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
     Seal();
     if (request_.verify && !request_.dryRun) Verify();
@@ -145,11 +139,9 @@ class CompleteRun {
     } catch (const output::OutputFailure& failure) {
       if (!run_.runAborted) NoteStoreFailure(failure);
     }
-    if (hasIndexFile_) static_cast<void>(platform::DeleteFile(scan_.outputFolder / engine::kIndexFileName));
-    const engine::ScannedStore* read = store_ != nullptr ? store_.get() : scan_.found.get();
-    if (read != nullptr) {
-      report_.readFailure = read->source.FirstFailure();
-      const engine::BadRanges unread = read->source.Unread();
+    if (store_ != nullptr) {
+      report_.readFailure = store_->Bytes().FirstFailure();
+      const engine::BadRanges unread = store_->Bytes().Unread();
       report_.unread.assign(unread.Ranges().begin(), unread.Ranges().end());
     }
     if (end == RunEnd::kFinished && !run_.runAborted) run_.Say(engine::Done{});
@@ -161,9 +153,7 @@ class CompleteRun {
   engine::RunContext& run_;
   CompleteReport& report_;
   RunLogFile log_;
-  engine::StoreScan scan_;
-  std::unique_ptr<const engine::ScannedStore> store_;  ///< from the end of the scans on
-  bool hasIndexFile_ = false;
+  std::unique_ptr<const engine::ProvenStore> store_;  ///< null until the source is open and looked through
   std::shared_ptr<messaging::StoreWriter> target_;
 };
 

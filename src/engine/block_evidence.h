@@ -14,7 +14,7 @@
 #include "engine/evidence.h"
 #include "store/format/block.h"
 #include "store/format/little_endian.h"
-#include "store/format/signature.h"
+#include "store/format/checksum.h"
 
 namespace velmora::engine {
 

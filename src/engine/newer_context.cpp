@@ -134,7 +134,7 @@ class ContextSeeker {
 
   bool Holds(Bid list, const std::vector<Nid>& keys) const {
     if (keys.empty()) return true;
-    const auto entries = ndb::ListSubnodes(blocks_, list);
+    const auto entries = IfReadable([&] { return ndb::ListSubnodes(blocks_, list); });
     return entries && std::ranges::all_of(keys, [&](Nid key) {
              return std::ranges::find(*entries, key, &ndb::SubnodeEntry::nid) != entries->end();
            });

@@ -8,10 +8,6 @@
 #include "store/format/header.h"
 
 namespace velmora::engine {
-namespace {
-
-
-}  // namespace
 
 std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
                                                       RunContext& run) {
@@ -19,7 +15,7 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
   store->source_.Open(std::move(bytes));
   store->told_ = ReadHeader(store->source_);
   store->evidence_ = FindEvidence(store->source_, store->told_, run);
-  if (store->evidence_.layout == nullptr) return nullptr;
+  if (!store->IsStore()) return store;
   store->judgement_ = JudgeNodes(store->source_, store->evidence_, store->told_, run);
   if (deleted || !store->judgement_.nodesAreExact) {
     store->lost_ = FindLostNodes(store->blocks_, store->evidence_, store->judgement_, deleted, run);
@@ -43,9 +39,19 @@ void ProvenStore::GatherNodes() {
 void ProvenStore::FindKind() {
   std::array<std::byte, Header::kSize> head{};
   static_cast<void>(source_.Read(0, head));
-  const std::uint16_t client = ByteView(head).U16(kWMagicClient);
-  const bool isOffline = client == kMagicClientOst || (client != kMagicClientPst && FindNode(nid::kOfflineTop));
-  kind_ = isOffline ? StoreKind::kOst : StoreKind::kPst;
+  switch (ByteView(head).U16(kWMagicClient)) {
+    case kMagicClientPst:
+      kind_ = StoreKind::kPst;
+      break;
+    case kMagicClientOst:
+      kind_ = StoreKind::kOst;
+      break;
+    case kMagicClientPab:
+      kind_ = StoreKind::kPab;
+      break;
+    default:
+      kind_ = FindNode(nid::kOfflineTop) ? StoreKind::kOst : StoreKind::kPst;
+  }
 }
 
 std::optional<ndb::NodeEntry> ProvenStore::FindNode(Nid nid) const {

@@ -16,10 +16,13 @@ namespace velmora::engine {
 /// Constant once it is made: any number of threads may read it then.
 class ProvenStore : public ndb::BlockSource {
  public:
-  /// Opens a source and looks through it. Null where nothing in it proves to be of a store. Without `deleted` what is no
-  /// longer live is not looked for beyond what old pages name. Says progress and passes pause points.
+  /// Looks through a source. Without `deleted` what is no longer live is not looked for beyond what old pages name. Says
+  /// progress and passes pause points.
   static std::unique_ptr<const ProvenStore> Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
                                                   RunContext& run);
+
+  /// False where nothing in the source proves to be of a store: it has no format then, and no nodes.
+  bool IsStore() const { return evidence_.layout != nullptr; }
 
   const Generation& Format() const override { return blocks_.Format(); }
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
@@ -53,7 +56,7 @@ class ProvenStore : public ndb::BlockSource {
   LostNodes lost_;
   EvidenceBlocks blocks_{source_, evidence_, judgement_};
   std::vector<ndb::NodeEntry> nodes_;
-  StoreKind kind_ = StoreKind::kPst;
+  StoreKind kind_ = StoreKind::kNone;
 };
 
 }  // namespace velmora::engine

@@ -57,7 +57,7 @@ class CompleteProgram(program_fixture.ProgramTest):
         written = sum(counts["whole"] for counts in report["items"].values()) + report["folders"]
         self.assertGreaterEqual(report["nodes"]["written"], written)
         self.assertEqual(sum(report["nodes"].values()) - report["nodes"]["older version"] - report["nodes"]["deleted"],
-                         report["evidence"]["treeNodes"])
+                         report["evidence"]["liveNodes"])
         self.assertIn("Recovered at: ", ended.stderr)
 
     def test_a_comparison_finds_the_new_store_to_be_the_same(self):

@@ -123,11 +123,11 @@ TEST(CompleteReportJson, TellsOfALossWhatItWasAndWhatOfItIsMissing) {
 
 TEST(CompleteReportJson, TellsOnWhatTheAnswerStands) {
   conversion::CompleteReport report;
-  report.account.evidence = {true, true, 12, 34, 5, {{FailureKind::kNotFound, "page 0x400", 7, "why"}}};
+  report.account.evidence = {true, true, false, 12, 3, 4, 34, 5, 6, 7};
   report.unread = {{512, 1024}, {4096, 4097}};
   EXPECT_EQ(Parsed(report)["evidence"], Object::parse(R"({
-    "headerUsed":true,"treesUsed":true,"treeNodes":12,"treeBlocks":34,"nodePages":5,
-    "treeFaults":[{"kind":"not found","object":"page 0x400","offset":7,"message":"why"}],
+    "headerUsed":true,"nodesAreExact":true,"blocksAreExact":false,"liveNodes":12,"nodePages":3,"blockPages":4,
+    "liveBlocks":34,"freedBlocks":5,"hurtBlocks":6,"failedBlocks":7,
     "unread":[{"from":512,"to":1024},{"from":4096,"to":4097}],"unreadBytes":513})"));
 }
 
@@ -155,8 +155,8 @@ TEST(CompleteReportJson, TellsOfAComparisonWhereOneWasMade) {
 
 TEST(CompleteReportJson, AFailureThatNamesAPathInNoKnownLettersIsStillText) {
   conversion::CompleteReport report;
-  report.account.evidence.treeFaults = {{FailureKind::kInputOutput, "/mnt/\xFF.ost", 0, "why"}};
-  EXPECT_EQ(Parsed(report)["evidence"]["treeFaults"][0]["object"], "/mnt/\uFFFD.ost");
+  report.account.losses = {{.missing = {{.cause = {FailureKind::kInputOutput, "/mnt/\xFF.ost", 0, "why"}}}}};
+  EXPECT_EQ(Parsed(report)["losses"][0]["missing"][0]["cause"]["object"], "/mnt/\uFFFD.ost");
 }
 
 }  // namespace

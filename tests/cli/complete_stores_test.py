@@ -118,7 +118,7 @@ class CompleteStores(unittest.TestCase):
         for item_class, counts in report["items"].items():
             self.assertEqual((counts["whole"], counts["partial"], counts["lost"]), (counts["live"], 0, 0), item_class)
         self.assertEqual((report["losses"], report["lossesNotListed"]), ([], 0))
-        self.assertGreaterEqual(sum(report["nodes"].values()), report["evidence"]["treeNodes"])
+        self.assertGreaterEqual(sum(report["nodes"].values()), report["evidence"]["liveNodes"])
         for fate in ("partial", "unreadable", "deleted, written"):
             self.assertEqual(report["nodes"][fate], 0, fate)
 

@@ -87,10 +87,11 @@ TEST_P(AccountTest, TheEvidenceOfASoundStoreIsItsTrees) {
   const forge::Image image = Forge();
   Copy(image.bytes);
   EXPECT_TRUE(account_.evidence.headerUsed);
-  EXPECT_TRUE(account_.evidence.treesUsed);
-  EXPECT_EQ(account_.evidence.treeNodes, image.nodes.size());
-  EXPECT_EQ(account_.evidence.treeBlocks, image.blocks.size());
-  EXPECT_TRUE(account_.evidence.treeFaults.empty());
+  EXPECT_TRUE(account_.evidence.nodesAreExact);
+  EXPECT_TRUE(account_.evidence.blocksAreExact);
+  EXPECT_EQ(account_.evidence.liveNodes, image.nodes.size());
+  EXPECT_EQ(account_.evidence.liveBlocks, image.blocks.size());
+  EXPECT_EQ(account_.evidence.hurtBlocks, 0U);
 }
 
 TEST_P(AccountTest, ALostBlockCostsTheValueInItAndNotTheMessage) {

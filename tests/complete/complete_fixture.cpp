@@ -116,23 +116,12 @@ forge::Message CompleteTest::Mail(std::u16string subject, forge::PropertyList pr
           .properties = std::move(properties)};
 }
 
-std::unique_ptr<const engine::ScannedStore> CompleteTest::Scan(Bytes source) {
-  engine::StoreScan scan;
-  engine::OpenSource(scan, run_, "source.pst",
-                     [&](const std::filesystem::path&) -> Result<std::unique_ptr<platform::ByteSource>> {
-                       return std::make_unique<platform::MemoryFile>(std::move(source));
-                     });
-  scan.outputFolder = folder_.Path();
-  EXPECT_EQ(engine::ProbeFormat(scan, run_), engine::ProbeResult::kFound);
-  if (!HasSoundTrees(scan.found->source)) {
-    engine::ScanNodePages(scan, run_);
-    engine::ScanBlockPages(scan, run_);
-  }
-  return engine::FinishScan(scan, run_);
+std::unique_ptr<const engine::ProvenStore> CompleteTest::Scan(Bytes source, bool deleted) {
+  return engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(std::move(source)), deleted, run_);
 }
 
 void CompleteTest::Copy(Bytes source, const CopyOptions& options) {
-  const auto scanned = Scan(source);
+  const auto scanned = Scan(source, options.deleted);
   account_ = {};
   const auto file = std::make_shared<platform::MemoryFile>();
   const auto target =

@@ -1,5 +1,4 @@
-// Copying whole objects of whatever bytes, and comparing the copy with them. Where a format does not show, the bytes
-// are taken for each, so that inputs that are no whole store reach the copy too.
+// Copying whole objects of whatever bytes, and comparing the copy with them.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -10,10 +9,8 @@
 #include <vector>
 
 #include "complete/copy_store.h"
-#include "complete/live_store.h"
-#include "engine/steps.h"
+#include "engine/proven_store.h"
 #include "platform/memory_file.h"
-#include "platform/user_folders.h"
 #include "store/ndb/store_reader.h"
 
 namespace velmora::complete {
@@ -41,25 +38,6 @@ class TargetFile : public platform::ByteStore {
   platform::MemoryFile& file_;
 };
 
-std::unique_ptr<const engine::ScannedStore> Scan(const std::vector<std::byte>& bytes, std::uint16_t formatId,
-                                                 engine::RunContext& run) {
-  static const platform::TemporaryFolder folder = ValueOrRaise(platform::TemporaryFolder::Create());
-  engine::StoreScan scan;
-  scan.outputFolder = folder.Path();
-  scan.percentBase = bytes.size() / 100;
-  scan.found->source.Open(std::make_unique<platform::MemoryFile>(bytes));
-  if (engine::ProbeFormat(scan, run) == engine::ProbeResult::kRefused) {
-    if (formatId == 0) return nullptr;
-    scan.found->storeKind = engine::StoreKind::kOst;
-    scan.found->layout = LayoutOf(formatId);
-  }
-  if (!HasSoundTrees(scan.found->source)) {
-    engine::ScanNodePages(scan, run);
-    engine::ScanBlockPages(scan, run);
-  }
-  return engine::FinishScan(scan, run);
-}
-
 void CheckAccount(const Account& account) {
   Require(account.NodesFound() == std::accumulate(account.nodes.begin(), account.nodes.end(), std::uint64_t{0}));
   for (const auto& [name, counts] : account.items) {
@@ -70,13 +48,14 @@ void CheckAccount(const Account& account) {
   for (const Loss& loss : account.losses) Require(!loss.missing.empty());
 }
 
-void CopyAndCompare(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool hidden) {
+void CopyAndCompare(const std::vector<std::byte>& bytes, bool everything) {
   engine::RunContext run;
-  const auto source = Scan(bytes, formatId, run);
-  if (!source || run.runAborted) return;
+  const auto source =
+      engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(bytes), everything, run);
+  if (!source->IsStore()) return;
   platform::MemoryFile file;
   Account account;
-  const CopyOptions options{.hidden = hidden};
+  const CopyOptions options{.hidden = everything, .deleted = everything};
   {
     const auto target =
         messaging::StoreWriter::Create(std::make_unique<TargetFile>(file), u"Copy", {.sourceDateEpoch = 1700000000});
@@ -96,13 +75,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace velmora;
   const auto bytes = std::as_bytes(std::span(data, size));
   const std::vector<std::byte> whole(bytes.begin(), bytes.end());
-  for (const bool hidden : {false, true}) complete::CopyAndCompare(whole, 0, hidden);
-  if (size > 8192) return 0;
-  for (const std::uint16_t formatId : {FORMAT_ANSI, FORMAT_UNICODE, FORMAT_UNICODE_4K}) {
-    std::vector<std::byte> placed(formatId == FORMAT_UNICODE_4K ? 147456 : 18432);
-    placed[16] = std::byte{1};
-    placed.insert(placed.end(), bytes.begin(), bytes.end());
-    complete::CopyAndCompare(placed, formatId, true);
-  }
+  for (const bool everything : {false, true}) complete::CopyAndCompare(whole, everything);
   return 0;
 }
