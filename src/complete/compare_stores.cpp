@@ -177,14 +177,17 @@ class StoreComparison {
     }
   }
 
+  /// Parts of a loss that are not listed may be any.
   bool IsMissing(const Pair& pair, PropTag tag) const {
-    return pair.loss != nullptr && std::ranges::any_of(pair.loss->missing, [&](const MissingPart& part) {
-             return part.tag == tag || part.tag == 0;
-           });
+    return pair.loss != nullptr &&
+           (pair.loss->missingNotListed != 0 || std::ranges::any_of(pair.loss->missing, [&](const MissingPart& part) {
+              return part.tag == tag || part.tag == 0;
+            }));
   }
 
   bool Lacks(const Pair& pair, MissingPart::Kind kind) const {
-    return pair.loss != nullptr && std::ranges::count(pair.loss->missing, kind, &MissingPart::kind) != 0;
+    return pair.loss != nullptr &&
+           (pair.loss->missingNotListed != 0 || std::ranges::count(pair.loss->missing, kind, &MissingPart::kind) != 0);
   }
 
   /// The tag that a property of the source has in the new store; nothing where that has no such name.
