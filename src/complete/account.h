@@ -99,15 +99,15 @@ struct FileMap {
 
 /// On what the answer stands.
 struct Evidence {
-  bool headerUsed = false;        ///< it proves itself, and what was found bears it out
-  bool nodesAreExact = false;     ///< the newest node tree is whole: its entries are the live nodes
-  bool blocksAreExact = false;    ///< likewise the block tree
+  bool headerUsed = false;      ///< it proves itself, and what was found bears it out
+  bool nodesAreExact = false;   ///< the newest node tree is whole: its entries are the live nodes
+  bool blocksAreExact = false;  ///< likewise the block tree
   std::uint64_t liveNodes = 0;
-  std::uint64_t nodePages = 0;    ///< pages of node trees that were found, old ones too
-  std::uint64_t blockPages = 0;   ///< likewise of block trees
-  std::uint64_t liveBlocks = 0;   ///< in use, or not shown to be freed
-  std::uint64_t freedBlocks = 0;  ///< not in use any more
-  std::uint64_t hurtBlocks = 0;   ///< of both: those whose checksum is wrong or whose trailer is gone
+  std::uint64_t nodePages = 0;     ///< pages of node trees that were found, old ones too
+  std::uint64_t blockPages = 0;    ///< likewise of block trees
+  std::uint64_t liveBlocks = 0;    ///< in use, or not shown to be freed
+  std::uint64_t freedBlocks = 0;   ///< not in use any more
+  std::uint64_t hurtBlocks = 0;    ///< of both: those whose checksum is wrong or whose trailer is gone
   std::uint64_t failedBlocks = 0;  ///< stretches that look like a block and fail their checksum
 };
 

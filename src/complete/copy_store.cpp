@@ -189,7 +189,9 @@ class StoreCopy {
     }
     loss.missing.push_back({.kind = MissingPart::Kind::kObject,
                             .size = row.size,
-                            .cause = {FailureKind::kNotFound, {ObjectKind::kNode, row.nid}, {},
+                            .cause = {FailureKind::kNotFound,
+                                      {ObjectKind::kNode, row.nid},
+                                      {},
                                       "only its row in the table of its folder is left"}});
     ItemCounts& counts = account_.items[loss.messageClass];
     ++counts.live;
@@ -304,7 +306,8 @@ class StoreCopy {
     Nid lastDead = kNoNid;
     const auto count = [&](const engine::NodeClaim& claim) {
       const Nid nid = claim.node.nid;
-      if (claim.standing == engine::Standing::kOlder || (claim.standing == engine::Standing::kDeleted && nid == lastDead)) {
+      if (claim.standing == engine::Standing::kOlder ||
+          (claim.standing == engine::Standing::kDeleted && nid == lastDead)) {
         Count(NodeFate::kOlderVersion);
       } else if (claim.standing == engine::Standing::kDeleted) {
         Count(deletedWritten_.contains(nid) ? NodeFate::kDeletedWritten : NodeFate::kDeleted);

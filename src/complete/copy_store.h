@@ -2,8 +2,8 @@
 #pragma once
 
 #include "complete/account.h"
-#include "engine/run.h"
 #include "engine/proven_store.h"
+#include "engine/run.h"
 #include "store/messaging/store_writer.h"
 #include "text/code_page.h"
 
@@ -15,9 +15,10 @@ struct CopyOptions {
   text::CodePage codePage = text::CodePage::Lossless();  ///< of 8-bit texts where nothing in the store tells
 };
 
-/// Copies folders and messages of `source` into `target`, an empty store. Says stage 8, ItemsCopied and Progress, and passes a pause point ahead of each message. Whatever cannot be read is in the account,
-/// which is kept as the copy goes, so it holds what was done of a copy that ended early. Raises OutputFailure where
-/// `target` cannot be written and engine::RunStopped. `target` is not sealed.
+/// Copies folders and messages of `source` into `target`, an empty store. Says stage 8, ItemsCopied and Progress, and
+/// passes a pause point ahead of each message. Whatever cannot be read is in the account, which is kept as the copy
+/// goes, so it holds what was done of a copy that ended early. Raises OutputFailure where `target` cannot be written
+/// and engine::RunStopped. `target` is not sealed.
 void CopyStore(const engine::ProvenStore& source, messaging::StoreWriter& target, const CopyOptions& options,
                engine::RunContext& run, Account& account);
 

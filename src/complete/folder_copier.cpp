@@ -112,7 +112,9 @@ PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& miss
     properties.PutName(tag::kDisplayName, folder.name);
     properties.PutName(tag::kContainerClass, folder.classOfRow);
     missing.push_back({.kind = MissingPart::Kind::kProperty,
-                       .cause = {FailureKind::kNotFound, {ObjectKind::kNode, folder.nid}, {},
+                       .cause = {FailureKind::kNotFound,
+                                 {ObjectKind::kNode, folder.nid},
+                                 {},
                                  "only its row in the table of its parent is left"}});
     return properties;
   }

@@ -20,8 +20,8 @@ class FolderCopier {
   /// The folder for messages whose own is not there; made when it is first asked for.
   messaging::Folder& LostAndFound();
 
-  /// The folder for deleted messages of a folder: below "Recovered Deleted Items", on the path that the folder has below
-  /// the top. Null is a folder that is not there any more.
+  /// The folder for deleted messages of a folder: below "Recovered Deleted Items", on the path that the folder has
+  /// below the top. Null is a folder that is not there any more.
   messaging::Folder& RecoveredFrom(const SourceFolder* folder);
 
  private:

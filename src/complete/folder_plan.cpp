@@ -13,7 +13,6 @@ namespace {
 constexpr text::TextView kTopName = u"IPM_SUBTREE";
 constexpr text::TextView kDeletedItemsName = u"Deleted Items";
 
-
 std::optional<ltp::PropertyContext> Open(const LiveStore& source, const ndb::NodeTrees& trees, ndb::Faults& faults) {
   return IfReadable([&] { return ltp::PropertyContext::Open(source, trees, &faults); });
 }
@@ -144,9 +143,9 @@ void FolderPlan::FindTop(const LiveStore& source) {
   if (top_ == nullptr && isOffline) {
     top_ = Find(nid::kOfflineTop);
     if (top_ != nullptr) {
-      for (const auto& [kind, nid] :
-           {std::pair(DefaultFolder::kDeletedItems, nid::kOfflineDeletedItems),
-            std::pair(DefaultFolder::kOutbox, nid::kOfflineOutbox), std::pair(DefaultFolder::kSentMail, nid::kOfflineSentMail)}) {
+      for (const auto& [kind, nid] : {std::pair(DefaultFolder::kDeletedItems, nid::kOfflineDeletedItems),
+                                      std::pair(DefaultFolder::kOutbox, nid::kOfflineOutbox),
+                                      std::pair(DefaultFolder::kSentMail, nid::kOfflineSentMail)}) {
         if (defaults_.Of(kind) == kNoNid && Find(nid) != nullptr) defaults_.Set(kind, nid);
       }
     }

@@ -21,7 +21,7 @@ struct SourceFolder {
   std::vector<SourceFolder*> children{};  ///< by ascending id
   text::Text name{};                      ///< its first kMostOfName units; empty where it cannot be read
   static constexpr std::size_t kMostOfName = 255;
-  text::Text classOfRow{};  ///< the class that such a row tells
+  text::Text classOfRow{};     ///< the class that such a row tells
   std::uint64_t messages = 0;  ///< in it; ordinary ones, unless hidden ones come across too
   std::uint64_t foldersBelow = 0;
   std::uint64_t messagesBelow = 0;

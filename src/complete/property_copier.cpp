@@ -31,7 +31,8 @@ void AddHurt(const LiveStore& source, Missing& missing) {
     const engine::FoundBlock* block = source.Found().Found().Find(bid);
     missing.push_back({.kind = MissingPart::Kind::kBytes,
                        .size = block != nullptr ? block->cb : 0,
-                       .cause = {FailureKind::kCorrupt, {ObjectKind::kBlock, bid},
+                       .cause = {FailureKind::kCorrupt,
+                                 {ObjectKind::kBlock, bid},
                                  block != nullptr ? std::optional(block->offset) : std::nullopt,
                                  "the checksum of the block is wrong"}});
   }

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "store/format/byte_view.h"
-#include "store/format/store_nodes.h"
 #include "store/format/header.h"
+#include "store/format/store_nodes.h"
 
 namespace velmora::engine {
 

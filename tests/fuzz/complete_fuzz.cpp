@@ -50,8 +50,7 @@ void CheckAccount(const Account& account) {
 
 void CopyAndCompare(const std::vector<std::byte>& bytes, bool everything) {
   engine::RunContext run;
-  const auto source =
-      engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(bytes), everything, run);
+  const auto source = engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(bytes), everything, run);
   if (!source->IsStore()) return;
   platform::MemoryFile file;
   Account account;
