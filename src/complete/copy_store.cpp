@@ -214,7 +214,6 @@ class StoreCopy {
       copied = messages_.Copy(node.trees);
       Describe(copied->message.properties, loss);
       loss.missing = std::move(copied->missing);
-      AddHurt(source_, loss.missing);
       folder = isDeleted ? &folders_.RecoveredFrom(plan_.Find(node.nidParent)) : &FolderOf(node);
       loss.folder = PathOf(*folder);
       copied->message.isAssociated = isHidden;
