@@ -21,7 +21,7 @@ const Failure kNoBlock{
 
 /// Each stretch of the file is as far as a share of it says.
 void Draw(complete::FileMap& map, std::size_t cells, std::uint64_t cellBytes) {
-  map.cellBytes = cellBytes;
+  map = {cellBytes, {}};
   std::uint32_t dice = 7;
   const auto roll = [&dice] { return (dice = dice * 1664525 + 1013904223) >> 20; };
   for (std::size_t i = 0; i < cells; ++i) {
@@ -111,8 +111,10 @@ CompleteReport Damaged(int losses, std::size_t cells) {
   AddTree(account.folderAccounts);
   Draw(account.fileMap, cells, 360 * 1024);
   for (int i = 0; i < losses; ++i) account.losses.push_back(LossOf(i));
-  account.losses.push_back(
-      {.source = Nid{0x8082}, .folder = u"/Old", .missing = {{.kind = Kind::kProperty, .cause = kBadBlock}}});
+  account.losses.push_back({.source = Nid{0x8082},
+                            .target = Nid{0x8082},
+                            .folder = u"/Old",
+                            .missing = {{.kind = Kind::kProperty, .cause = kBadBlock}}});
   account.losses.push_back({.source = Nid{0x2100A4}, .missing = {{.kind = Kind::kObject, .cause = kNoBlock}}});
   return report;
 }

@@ -85,16 +85,17 @@ void WriteFilePicture(const FileMap& map, const ReportSink& sink) {
   if (map.cellBytes == 0 || map.cells.empty()) return;
   const std::size_t bad = static_cast<std::size_t>(std::ranges::count_if(map.cells, IsBad));
   sink("<section id=\"file\"><h2>The file at a glance</h2>\n");
-  sink(fmt::format(
-      "<p>The file from its beginning to its end. Each square stands for {}; where it holds several things, "
-      "the worst of them is shown.</p>\n",
-      SizeText(map.cellBytes)));
+  sink(
+      fmt::format("<p><strong>{} of {} squares {} damaged or unreadable.</strong> They show the file from its "
+                  "beginning to its end. "
+                  "Each stands for {}; where it holds several things, the worst of them is shown.</p>\n",
+                  Grouped(bad), Grouped(map.cells.size()), bad == 1 ? "is" : "are", SizeText(map.cellBytes)));
   // Few squares are drawn larger.
   const char* size = map.cells.size() <= 256 ? " few" : map.cells.size() <= 1024 ? " some" : "";
   sink(fmt::format(
-      "<div class=\"map{}\" role=\"img\" data-bytes=\"{}\" aria-label=\"Picture of the file: {} of {} squares "
-      "are damaged or unreadable. The table below has the numbers.\">\n",
-      size, map.cellBytes, Grouped(bad), Grouped(map.cells.size())));
+      "<div class=\"map{}\" role=\"img\" aria-label=\"Picture of the file; the table below has its numbers\" "
+      "data-bytes=\"{}\">\n",
+      size, map.cellBytes));
   for (const FileUse use : map.cells) {
     const char square[] = {'<', 'i', ' ', 'c', 'l', 'a', 's', 's', '=', '"', RowOf(use).look,
                            '"', '>', '<', '/', 'i', '>'};
