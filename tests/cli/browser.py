@@ -81,6 +81,10 @@ class Browser:
             raise RuntimeError(answer["exceptionDetails"])
         return answer["result"].get("value")
 
+    def key(self, name):
+        for kind in ("keyDown", "keyUp"):
+            self.ask("Input.dispatchKeyEvent", type=kind, key=name, code=name, windowsVirtualKeyCode={"Tab": 9}[name])
+
     def complaints(self):
         """What the browser said of the page since it was opened."""
         return [event["params"] for event in self.events

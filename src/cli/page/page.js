@@ -17,7 +17,8 @@
       const words = field.value.toLowerCase().split(/\s+/).filter(Boolean);
       let fitting = 0;
       rows.forEach((row, i) => {
-        const fits = (!choice.value || row.className === choice.value) && words.every((word) => texts[i].includes(word));
+        const fits = (!choice.value || row.className === choice.value) &&
+          words.every((word) => texts[i].includes(word));
         if (fits) fitting += 1;
         row.hidden = !fits || fitting > most;
       });
