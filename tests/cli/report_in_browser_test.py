@@ -154,7 +154,7 @@ class InABrowser(report_pages.Pages):
     def test_pictures(self):
         """Kept where VELMORA_PICTURES says."""
         folder = pathlib.Path(os.environ.get("VELMORA_PICTURES") or self.paths["damaged"].parent)
-        for width, height in ((1200, 1500), (380, 1500)):
+        for width, height in ((1200, 1180), (380, 1600)):
             for look in ("light", "dark"):
                 self.open("damaged", width, look == "dark")
                 picture = folder / f"report-{width}-{look}.png"
