@@ -122,7 +122,9 @@ class ConvertCommand {
       const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
       if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
     }
-    if (const auto failure = targets_.Finish([this](const ReportSink& sink) { conversion_->WriteReport(Frame(), sink); })) note(*failure);
+    if (const auto failure =
+            targets_.Finish([this](const ReportSink& sink) { conversion_->WriteReport(Frame(), sink); }))
+      note(*failure);
     const bool isGood = code == ExitCode::kDone || code == ExitCode::kLosses;
     return isGood && !written ? ExitCode::kInputOutput : code;
   }

@@ -15,7 +15,7 @@ using conversion::CompleteReport;
 using testing::HasSubstr;
 using testing::Not;
 
-std::string Page(const CompleteReport& report, const ReportFrame& frame = {}, const PageRun& run = {}) {
+std::string Page(const CompleteReport& report, const ReportFrame& frame = {}, const page::Run& run = {}) {
   std::string page;
   WriteCompleteReportHtml(frame, report, run, [&page](std::string_view piece) { page += piece; });
   return page;
@@ -28,7 +28,7 @@ std::string Between(const std::string& page, const std::string& begin, const std
   return page.substr(from + begin.size(), page.find(end, from + begin.size()) - from - begin.size());
 }
 
-std::string VerdictOn(const CompleteReport& report, const ReportFrame& frame = {}, const PageRun& run = {}) {
+std::string VerdictOn(const CompleteReport& report, const ReportFrame& frame = {}, const page::Run& run = {}) {
   return Between(Page(report, frame, run), "<div class=\"verdict ", "</div>");
 }
 
@@ -60,6 +60,7 @@ TEST(CompleteReportHtml, SaysOfFoldersThatAreNotWholeThatTheItemsAre) {
 TEST(CompleteReportHtml, SaysWhatEndedTheRunBeforeAnythingElse) {
   EXPECT_THAT(VerdictOn(ReportOf({1, 0, 0, 1}), ReportFrame{{}, {}, u"Disk <full>."}),
               HasSubstr("bad\"><p>The conversion did not come to its end: <bdi>Disk &lt;full&gt;.</bdi></p><p>0 of 1"));
+  EXPECT_THAT(VerdictOn({}, ReportFrame{{}, {}, u"Why."}), HasSubstr("Why.</bdi></p><p>No items came across.</p>"));
   EXPECT_THAT(VerdictOn(ReportOf({1, 1, 0, 0}), {}, {.isStopped = true}),
               HasSubstr("fair\"><p>The conversion was stopped before its end.</p>"));
   CompleteReport differing = ReportOf({1, 1, 0, 0});

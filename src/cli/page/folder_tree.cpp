@@ -37,10 +37,6 @@ class TreeWalk {
   std::vector<text::TextView> above_;
 };
 
-std::string NumberCell(std::uint64_t number, const char* look) {
-  return fmt::format("<td class=\"number {}\">{}</td>", number == 0 ? "none" : look, Grouped(number));
-}
-
 std::string FolderRow(const FolderAccount& folder, TreeWalk::Place place) {
   const text::TextView path = folder.path;
   const bool isTop = place.name >= path.size();

@@ -53,4 +53,12 @@ std::string Counted(std::uint64_t number, std::string_view one, std::string_view
   return fmt::format("{} {}", Grouped(number), number == 1 ? one : many);
 }
 
+std::string Fact(std::string_view name, std::string_view value) {
+  return fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, value);
+}
+
+std::string NumberCell(std::uint64_t number, std::string_view look) {
+  return fmt::format("<td class=\"number {}\">{}</td>", number == 0 ? "none" : look, Grouped(number));
+}
+
 }  // namespace velmora::cli::page

@@ -22,4 +22,10 @@ std::string Grouped(std::uint64_t number);
 /// "1 item", "1,381 items".
 std::string Counted(std::uint64_t number, std::string_view one, std::string_view many);
 
+/// A row of a list of facts; `value` is markup.
+std::string Fact(std::string_view name, std::string_view value);
+
+/// A cell of a table. What is not 0 has the look of `look`, a class in page.css.
+std::string NumberCell(std::uint64_t number, std::string_view look);
+
 }  // namespace velmora::cli::page
