@@ -54,6 +54,7 @@ constexpr KindRow kKinds[] = {
 
 /// Nothing for a class that few people have heard of.
 std::string KindWords(text::TextView messageClass) {
+  if (messageClass.empty()) return "Not known";
   for (const KindRow& row : kKinds) {
     const std::size_t length = row.beginning.size();
     if (!text::EqualIgnoringCase(messageClass.substr(0, length), row.beginning)) continue;

@@ -32,10 +32,6 @@ std::string PropertyWords(PropTag tag) {
 
 }  // namespace
 
-bool IsMessage(const Loss& loss) {
-  return !loss.messageClass.empty() || !loss.subject.empty() || !loss.sender.empty() || loss.date;
-}
-
 std::string PartWords(const MissingPart& part) {
   switch (part.kind) {
     case MissingPart::Kind::kObject:
@@ -74,11 +70,12 @@ std::string MissingWords(const Loss& loss) {
   return words;
 }
 
-/// Of a message that cannot be read at all nothing may be known but its node.
+/// A folder has no message class; it is known by its path. Of a message that cannot be read at all nothing may be known
+/// but its node.
 std::string NameOfLoss(const Loss& loss) {
   std::string name =
       loss.folder.empty() ? platform::TextOf({platform::ObjectKind::kNode, loss.source}) : OneLine(loss.folder);
-  if (!IsMessage(loss)) return name;
+  if (loss.messageClass.empty() && loss.subject.empty() && loss.sender.empty() && !loss.date) return name;
   name += loss.subject.empty() ? ", no subject" : fmt::format(", \"{}\"", OneLine(loss.subject));
   if (!loss.sender.empty()) name += " from " + OneLine(loss.sender);
   if (loss.date) name += ", " + DateText(*loss.date);

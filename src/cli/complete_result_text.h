@@ -19,9 +19,6 @@ inline constexpr std::size_t kLossesNamed = 10;
 /// `reportPath` is the value of the option.
 std::string LossesText(const complete::Account& account, std::string_view reportPath);
 
-/// Whether a loss is known as a message. A folder has no message class; it is known by its path.
-bool IsMessage(const complete::Loss& loss);
-
 /// What is missing: "the subject", "attachment "a.txt" (1.2 KB)".
 std::string PartWords(const complete::MissingPart& part);
 

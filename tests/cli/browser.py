@@ -1,6 +1,7 @@
 """A browser without a window, driven over pipes: what tests of pages need of it."""
 
 import base64
+import fcntl
 import json
 import os
 import shutil
@@ -17,12 +18,11 @@ class Browser:
         self.profile = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
         to_read, self.to = os.pipe()
         self.answers, from_write = os.pipe()
-        pair = (max(to_read, 10), max(from_write, 10))
 
-        def place():  # the protocol wants these two numbers
-            first, second = os.dup2(to_read, pair[0] + 20), os.dup2(from_write, pair[1] + 40)
-            os.dup2(first, 3)
-            os.dup2(second, 4)
+        def place():  # the protocol wants 3 and 4, of which either may be the other pipe now
+            aside = [fcntl.fcntl(end, fcntl.F_DUPFD, 10) for end in (to_read, from_write)]
+            os.dup2(aside[0], 3)
+            os.dup2(aside[1], 4)
 
         self.process = subprocess.Popen(
             [PROGRAM, "--headless", "--remote-debugging-pipe", "--disable-gpu", "--no-first-run", "--hide-scrollbars",

@@ -170,7 +170,7 @@ TEST(CompleteReportHtml, NamesALossAsAPersonKnowsItAndAllThatIsMissing) {
                             .missing = {{.kind = Kind::kAttachment, .name = u"a.pdf", .size = 1234567, .cause = cause},
                                         {.kind = Kind::kProperty, .tag = 0x1000001F}}},
                            {.source = Nid{0x8022}, .folder = u"/Old", .missing = {{.kind = Kind::kObject}}},
-                           {.source = Nid{0x2100A4}, .missing = {{.kind = Kind::kObject}}}};
+                           {.source = Nid{0x2100A4}, .folder = u"/Old", .missing = {{.kind = Kind::kObject}}}};
   const std::string page = Page(report);
   const std::string rows = Between(page, "<table class=\"losses\">", "</table>");
   EXPECT_EQ(
@@ -181,7 +181,8 @@ TEST(CompleteReportHtml, NamesALossAsAPersonKnowsItAndAllThatIsMissing) {
       "<li>the plain text</li></ul></td></tr>\n"
       "<tr class=\"lost\"><th scope=\"row\">The folder <bdi>/Old</bdi></th><td><b>Lost</b><ul><li>all of it</li></ul>"
       "</td></tr>\n"
-      "<tr class=\"lost\"><th scope=\"row\">Something without a name (node 0x2100a4)</th><td><b>Lost</b><ul>"
+      "<tr class=\"lost\"><th scope=\"row\">An unknown item (node 0x2100a4)<small><span>in <bdi>/Old</bdi></span>"
+      "</small></th><td><b>Lost</b><ul>"
       "<li>all of it</li></ul></td></tr>\n</tbody>");
 }
 
@@ -197,9 +198,10 @@ TEST(CompleteReportHtml, CountsLossesAndPartsThatAreNotListed) {
 
 TEST(CompleteReportHtml, NamesKindsOfItemsInPlainWordsWhereThereAreSome) {
   CompleteReport report;
-  report.account.items = {{u"IPM.Note.SMIME", {1, 1, 0, 0}}, {u"IPM.Notebook", {2, 1, 1, 0}}};
+  report.account.items = {{u"IPM.Note.SMIME", {1, 1, 0, 0}}, {u"IPM.Notebook", {2, 1, 1, 0}}, {u"", {1, 0, 0, 1}}};
   const std::string page = Page(report);
   EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Mail <small><bdi>IPM.Note.SMIME</bdi></small></th>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Not known<small><bdi></bdi></small></th>"));
   EXPECT_THAT(page, HasSubstr("<th scope=\"row\"><small><bdi>IPM.Notebook</bdi></small></th>"
                               "<td class=\"number whole\">1</td><td class=\"number part\">1</td>"
                               "<td class=\"number none\">0</td>"));

@@ -15,15 +15,22 @@ using complete::Loss;
 
 constexpr std::size_t kPartsListed = 20;  // of one loss
 
-/// A message by its subject, a folder by its name alone, and of what is not known at all the node.
+bool IsFolder(const Loss& loss) { return TypeOf(loss.source) == NidType::kNormalFolder; }
+
+/// Whether anything of a message is known.
+bool IsKnown(const Loss& loss) {
+  return !loss.messageClass.empty() || !loss.subject.empty() || !loss.sender.empty() || loss.date;
+}
+
+/// A message by its subject, a folder by its path, and of what is not known at all the node.
 std::string SubjectOf(const Loss& loss) {
-  if (IsMessage(loss)) return loss.subject.empty() ? "(no subject)" : StoreText(loss.subject);
-  if (!loss.folder.empty()) return "The folder " + StoreText(loss.folder);
-  return "Something without a name (" + Escaped(platform::TextOf({platform::ObjectKind::kNode, loss.source})) + ")";
+  if (IsFolder(loss) && !loss.folder.empty()) return "The folder " + StoreText(loss.folder);
+  if (IsKnown(loss)) return loss.subject.empty() ? "(no subject)" : StoreText(loss.subject);
+  return "An unknown item (" + Escaped(platform::TextOf({platform::ObjectKind::kNode, loss.source})) + ")";
 }
 
 std::string DetailsOf(const Loss& loss) {
-  if (!IsMessage(loss)) return {};
+  if (IsFolder(loss)) return {};
   std::string details;
   if (!loss.sender.empty()) details += "<span>from " + StoreText(loss.sender) + "</span> ";
   if (loss.date) details += "<span>" + DateText(*loss.date) + "</span> ";
