@@ -15,8 +15,8 @@ constexpr std::string_view kExamples = R"(Examples:
       /home/me/mail/outlook Converted0/outlook Converted.pst
   velmora-convert --smart --report report.json damaged.pst out
       also recovers messages that nothing in the store refers to, and says what was found
-  velmora-convert --complete --verify outlook.ost out
-      copies everything whole, and compares the new store with outlook.ost
+  velmora-convert --complete --verify --report report.html outlook.ost out
+      copies everything whole, compares the new store with outlook.ost, and writes a page about it
   velmora-convert --dry-run --report - backup.ost out
       writes no store: only says what a conversion would find
 )";
@@ -33,7 +33,8 @@ Options:
   --verify           with --complete: read the new store back and compare it with SOURCE
   --smart            Smart Scan: read every block, and recover messages without a node as well
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
-  --report FILE      write a JSON report of the run ("-" for standard output)
+  --report FILE      write a JSON report of the run ("-" for standard output); with --complete and a name
+                     that ends in .html a page for a browser
   --trace FILE       write every operation on the new store as a JSON line
   --dry-run          run everything but write no store
   --log              write LogInformation.log beside the new store
