@@ -86,7 +86,7 @@ CompleteReport Sound() {
   account.folders = 16;
   account.attachments = 412;
   account.bytes = 1'412'345'678;
-  account.evidence = {true, true, 9120, 31877, 412, {}};
+  account.evidence = {true, true, true, 9120, 412, 390, 31877, 1204, 0, 0};
   account.isVerified = true;
   account.objectsCompared = 3043;
   account.folderAccounts = {{u"/Inbox", 2875, 0, 0, 0}, {u"/Contacts", 152, 0, 0, 0}};
@@ -104,7 +104,7 @@ CompleteReport Damaged(int losses, std::size_t cells) {
                    {u"IPM.Appointment", {312, 311, 0, 1}},
                    {u"IPM.Contact", {149, 149, 0, 0}},
                    {u"IPM.Own.Form", {3, 3, 0, 0}}};
-  account.evidence = {false, false, 0, 0, 388, {kBadBlock}};
+  account.evidence = {false, false, false, 8733, 388, 12, 30112, 955, 21, 40};
   account.nodes = {3070, 6, 214, 66, 54, 31, 4, 120, 68};
   report.unread = {{891'289'600, 933'232'640}};
   account.folderAccounts.clear();
@@ -140,7 +140,6 @@ CompleteReport Hostile() {
   account.items = {{evil, {1, 0, 0, 1}}};
   account.isVerified = true;
   account.differences = {{Nid{0x24}, Nid{0x44}, text::ToUtf8(evil)}};
-  account.evidence.treeFaults = {{FailureKind::kInputOutput, "/mnt/\xFF<script>.ost", 0, text::ToUtf8(evil)}};
   account.losses = {
       {.source = Nid{0x24},
        .target = Nid{0x44},

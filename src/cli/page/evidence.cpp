@@ -15,7 +15,6 @@ namespace {
 
 using complete::Account;
 
-constexpr std::size_t kMostFaults = 100;
 constexpr std::size_t kMostDifferences = 1000;
 
 /// The first of a list, and how many more there are.
@@ -38,10 +37,14 @@ void WriteEvidence(const ReportFrame& frame, const conversion::CompleteReport& r
   const complete::Evidence& evidence = account.evidence;
   sink("<section id=\"evidence\"><h2>How it was read</h2>\n<dl>\n");
   sink(Fact("Header of the file", evidence.headerUsed ? "right, and used" : "could not be used"));
-  sink(Fact("Lists of the store", evidence.treesUsed ? "right, and used" : "could not be read to their end"));
-  sink(Fact("In these lists",
-            Counted(evidence.treeNodes, "object", "objects") + ", " + Counted(evidence.treeBlocks, "block", "blocks")));
-  sink(Fact("Pages of such lists found", Grouped(evidence.nodePages)));
+  const auto list = [](bool isExact) { return isExact ? "whole" : "not whole: told from all that was found"; };
+  sink(Fact("List of objects", list(evidence.nodesAreExact)));
+  sink(Fact("List of blocks", list(evidence.blocksAreExact)));
+  sink(Fact("Pages of these lists found, old ones too", Grouped(evidence.nodePages + evidence.blockPages)));
+  sink(Fact("Objects in use", Grouped(evidence.liveNodes)));
+  sink(Fact("Blocks in use", Grouped(evidence.liveBlocks)));
+  sink(Fact("Blocks no longer in use", Grouped(evidence.freedBlocks)));
+  sink(Fact("Blocks with a wrong checksum", Grouped(evidence.hurtBlocks)));
   sink(Fact("Memory at most", SizeText(frame.peakRssKiB * 1024)));
   sink("</dl>\n");
   WriteFirst(
@@ -53,9 +56,6 @@ void WriteEvidence(const ReportFrame& frame, const conversion::CompleteReport& r
         return fmt::format("{} from byte {}", SizeText(range.second - range.first), Grouped(range.first));
       },
       sink);
-  WriteFirst(
-      "Pages of the lists that could not be used", evidence.treeFaults, kMostFaults, 0,
-      [](const Failure& fault) { return StoreText(text::FromUtf8(TextOf(fault))); }, sink);
   sink(
       "<details><summary>Every object that the file names</summary>\n<table><thead><tr>"
       "<th scope=\"col\">What became of it</th><th scope=\"col\" class=\"number\">Objects</th></tr></thead><tbody>\n");
