@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t kSector = 512;       ///< pages and the units of every layout end at multiples of it
 constexpr std::uint64_t kStep = 4ull << 20;  ///< read at a time
 constexpr std::uint64_t kLargestBlock = 65536;
-constexpr std::uint64_t kReach = 2 * kLargestBlock + kSector;  ///< what is looked at again behind the end of a step
+constexpr std::uint64_t kReachOfPass = 2 * kLargestBlock + kSector;  ///< what is looked at again behind the end of a step
 constexpr std::uint64_t kClearLead = 16;  ///< things found, by which one layout is told from others
 /// How often a byte may be summed: blocks of a sound store do not overlap, and few bytes that are none look like it.
 constexpr std::uint64_t kTimesSummed = 16;
@@ -125,7 +125,7 @@ std::vector<Finds> LookThrough(const Source& source, std::span<const Generation*
   Stretch stretch;
   for (std::uint64_t begin = 0; begin < size; begin += kStep) {
     run.control.PausePoint();
-    stretch.base = begin - std::min(begin, kReach);
+    stretch.base = begin - std::min(begin, kReachOfPass);
     stretch.bytes = window.Read(stretch.base, begin - stretch.base + kStep).Bytes();
     const std::uint64_t stop = std::min(begin + kStep, size);
     for (std::uint64_t end = begin + kSector; end < stop + kSector; end += kSector) {
@@ -158,7 +158,7 @@ class ShiftedSeeker {
       const std::uint64_t nearest = written - lost_;
       if (nearest > Loaded()) {
         run.control.PausePoint();
-        stretch_.base = nearest - std::min(nearest, kReach);
+        stretch_.base = nearest - std::min(nearest, kReachOfPass);
         stretch_.bytes = window_.Read(stretch_.base, nearest - stretch_.base + kStep).Bytes();
       }
       for (std::uint64_t more = 0; more <= kMostLostAtOnce && more < nearest; ++more) {
