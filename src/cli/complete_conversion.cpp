@@ -23,6 +23,7 @@ CompleteConversion::CompleteConversion(const Options& options, const text::Text&
     : options_(options) {
   request_.source = text::ToFileName(source);
   request_.copy.hidden = options.hidden;
+  request_.copy.deleted = options.deleted;
   request_.copy.codePage = options.codePage;
   request_.verify = options.verify;
   request_.dryRun = options.dryRun;

@@ -30,6 +30,7 @@ in a new folder under DESTINATION_FOLDER. SOURCE is only read. Nothing that exis
 Options:
   --complete         copy folders and items whole, with everything in them, in place of field by field
   --hidden           with --complete: hidden items too (rules, views, settings)
+  --deleted          with --complete: messages too that were deleted and are still in the file
   --verify           with --complete: read the new store back and compare it with SOURCE
   --smart            Smart Scan: read every block, and recover messages without a node as well
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
@@ -68,6 +69,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   app.add_flag("--version", version);
   app.add_flag("--complete", options.complete);
   app.add_flag("--hidden", options.hidden);
+  app.add_flag("--deleted", options.deleted);
   app.add_flag("--verify", options.verify);
   app.add_flag("--smart", options.smart);
   app.add_option("--codepage", codePage);
@@ -95,6 +97,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   if (options.complete && options.smart) return mistake("--smart cannot go with --complete");
   if (options.complete && !options.trace.empty()) return mistake("--trace cannot go with --complete");
   if (!options.complete && options.hidden) return mistake("--hidden needs --complete");
+  if (!options.complete && options.deleted) return mistake("--deleted needs --complete");
   if (!options.complete && options.verify) return mistake("--verify needs --complete");
   if (options.dryRun && options.verify) return mistake("--verify cannot go with --dry-run, which writes no store");
   if (!codePage.empty()) {

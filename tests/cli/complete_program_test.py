@@ -160,8 +160,8 @@ class CompleteProgram(program_fixture.ProgramTest):
     # ---------------------------------------------------------------- refusals
 
     def test_usage(self):
-        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",),
-                      ("--verify",), ("--complete", "--deleted"), ("--complete", "--verify", "--dry-run")):
+        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",), ("--deleted",),
+                      ("--verify",), ("--complete", "--verify", "--dry-run")):
             ended = self.run_program(*words, self.source, self.out)
             self.assertEqual((ended.returncode, ended.stdout), (64, ""), words)
             self.assertIn("--help", ended.stderr)
