@@ -33,6 +33,16 @@ std::uint64_t FoundTree::Key(const TreePage& page, std::size_t i) const {
   return KeyOf(Entry(page, i), type_, layout_);
 }
 
+std::optional<std::size_t> FoundTree::Root() const {
+  if (pages_.empty()) return std::nullopt;
+  const auto newest = std::ranges::max_element(pages_, {}, [](const TreePage& page) { return page.found.level; });
+  const std::uint64_t second = newest->count > 1 ? Key(*newest, 1) : UINT64_MAX;
+  const bool isRoot = std::ranges::all_of(pages_, [&](const TreePage& page) {
+    return page.found.level != newest->found.level || (page.first < second && page.last >= newest->first);
+  });
+  return isRoot ? std::optional<std::size_t>(newest - pages_.begin()) : std::nullopt;
+}
+
 std::optional<std::size_t> FoundTree::PageAt(const Bref& ref) const {
   const auto key = [](const TreePage& page) { return std::tuple(page.found.id, page.found.offset); };
   const auto at = std::ranges::lower_bound(pages_, std::tuple(Value(ref.bid), ref.ib), std::greater(), key);
