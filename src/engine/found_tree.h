@@ -49,6 +49,8 @@ class FoundTree {
   std::uint64_t ChildId(const TreePage& page, std::size_t i) const;
 
  private:
+  void DropOddEntry(TreePage& page, PageView bytes, const BtPageHead& head);
+
   const Generation& layout_;
   PageType type_;
   std::vector<TreePage> pages_;

@@ -295,6 +295,17 @@ TEST_F(JudgeNodesTest, OfAHurtLeafTheEntriesWhoseBlocksAreThereCount) {
   EXPECT_EQ(Nodes({Standing::kLive}), expected);
 }
 
+TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
+  AddNodes(0x200024, 12);
+  forge::Image image = store_.Finish();
+  const forge::PlacedPage leaf = LeafWithNode(image, 0x200024);
+  forge::Fill(image, leaf.offset + 3, 1, std::byte{0x40});
+  Judge(image);
+  NodeLines expected = LinesOf(image);
+  expected.erase(LineOf(image.Node(0x200024)));
+  EXPECT_EQ(Nodes({Standing::kLive}), expected);
+}
+
 TEST_F(JudgeNodesTest, AMessageThatWasChangedAfterItsPageWasWrittenTakesItsNewerProperties) {
   const auto keyed = [](std::u16string_view text) {
     return forge::PropertyList{forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
