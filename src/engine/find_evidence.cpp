@@ -12,8 +12,8 @@ namespace {
 /// Fewer pages than this may be chance, or what is left of another store.
 constexpr std::uint64_t kTellingPages = 20;
 
-/// Units of file space: a page or two that cannot be told do not make a copy in text mode.
-constexpr std::uint64_t kManySlots = 64;
+/// Bytes: a page or two that cannot be told do not make a copy in text mode.
+constexpr std::uint64_t kMuchUnproven = 4096;
 
 /// The layout that most was found of; the told one in doubt. Null where nothing was found.
 Finds* Likeliest(std::vector<Finds>& finds, const Generation* told) {
@@ -38,11 +38,12 @@ CryptMethod LikeliestEncoding(const Finds& finds, const std::optional<ToldByHead
 /// zeros.
 void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
   const std::uint64_t taken = finds.taken.Taken();
-  if (finds.usedSlots > taken + taken / 3 + kManySlots) {
+  const std::uint64_t much = kMuchUnproven / finds.layout->slotSize;
+  if (finds.usedSlots > taken + taken / 3 + much) {
     Finds again(*finds.layout, source.Size());
     LookForShifted(source, 0, again, run);
     if (again.Count() > finds.Count()) finds = std::move(again);
-  } else if (finds.usedSlots > finds.usedAheadOfLast + kManySlots) {
+  } else if (finds.usedSlots > finds.usedAheadOfLast + much) {
     LookForShifted(source, finds.end, finds, run);
   }
 }

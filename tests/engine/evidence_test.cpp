@@ -114,6 +114,18 @@ TEST_P(EveryFormatTest, BlocksBehindBytesThatWereLostAreFoundWhereTheyStandNow) 
   EXPECT_EQ(evidence_.pages.size(), image.pages.size());
 }
 
+TEST_P(EveryFormatTest, BytesLostCloseToTheEndHideNothingBehindThem) {
+  forge::Image image = SampleImage(GivenFormat(), GivenEncoding());
+  const std::size_t at = image.blocks.size() * 9 / 10;
+  image.bytes.erase(image.bytes.begin() + static_cast<std::ptrdiff_t>(image.blocks[at].offset));
+  Find(image);
+  for (std::size_t i = 0; i < image.blocks.size(); ++i) {
+    if (i == at) continue;
+    EXPECT_EQ(Block(image.blocks[i].bid).offset, image.blocks[i].offset - (i < at ? 0 : 1));
+  }
+  EXPECT_EQ(evidence_.pages.size(), image.pages.size());
+}
+
 TEST_P(EveryFormatTest, BlocksAndPagesThatWereMovedBySectorsAreFound) {
   forge::Image image = SampleImage(GivenFormat(), GivenEncoding());
   const std::uint64_t cut = image.blocks[image.blocks.size() / 2].offset / 512 * 512;

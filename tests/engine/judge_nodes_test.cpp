@@ -195,6 +195,57 @@ TEST_F(JudgeNodesTest, WhereALeafIsGoneTheNewestOlderEntryWhoseBlocksAreInUseSta
   EXPECT_EQ(Nodes({Standing::kOlder}).size(), 1u) << "the entry before it";
 }
 
+TEST_F(JudgeNodesTest, ALeafRulesOverTheKeysUpToTheNextOne) {
+  const forge::Bid before = Context(u"before");
+  store_.AddNode(0x100024, before, 0, 0x8022);
+  AddNodes(0x100044, 3);
+  const forge::NodeEntry between{0x200094, before, 0, 0x8022};  // gone from the leaf of 0x200024 to 0x200084
+  const forge::NodeEntry behind{0x3000A4, before, 0, 0x8022};   // behind the last node
+  OldPage({between, behind});
+  AddNodes(0x200024, 4);
+  AddNodes(0x2000A4, 8);
+  forge::Image image = store_.Finish();
+  WipePage(image, LeafWithNode(image, 0x2000A4));
+  Judge(image);
+  ASSERT_FALSE(judgement_.nodesAreExact);
+  EXPECT_TRUE(Has(Standing::kDeleted, between)) << "in the range that the root gives to the leaf ahead of it";
+  EXPECT_TRUE(Has(Standing::kDeleted, behind)) << "the last leaf has no end";
+
+  forge::Image rootless = image;
+  WipePage(rootless, RootOf(image, PageType::kNodes));
+  Judge(rootless);
+  EXPECT_TRUE(Has(Standing::kLive, between)) << "no page tells any more that the leaf goes on so far";
+}
+
+TEST_F(JudgeNodesTest, TheLastLeafBelowAPageEndsWhereThatPageEnds) {
+  const forge::Bid before = Context(u"before");
+  // Leaves of four below pages of four: the second of these begins with the seventeenth node.
+  const forge::NodeEntry between{0x200224 - 0x10, before, 0, 0x8022};
+  OldPage({between});
+  AddNodes(0x200024, 32);
+  forge::Image image = store_.Finish();
+  ASSERT_EQ(RootOf(image, PageType::kNodes).level, 2);
+  WipePage(image, LeafWithNode(image, 0x200024));
+  Judge(image);
+  ASSERT_FALSE(judgement_.nodesAreExact);
+  EXPECT_TRUE(Has(Standing::kDeleted, between));
+}
+
+TEST_F(JudgeNodesTest, ANewerLeafTakesTheKeysOfAnOlderOne) {
+  const forge::Bid before = Context(u"before");
+  // A leaf that was split since: its upper half is the range of two newer ones.
+  OldPage({{.nid = 0x200024, .bidData = before},
+           {.nid = 0x2000A4, .bidData = before},
+           {.nid = 0x200124, .bidData = before}});
+  AddNodes(0x200024, 12);
+  forge::Image image = store_.Finish();
+  forge::WipeHeader(image);
+  WipePage(image, RootOf(image, PageType::kNodes));
+  Judge(image);
+  EXPECT_EQ(Nodes({Standing::kLive}), LinesOf(image));
+  EXPECT_EQ(Nodes({Standing::kOlder}).size(), 3u);
+}
+
 TEST_F(JudgeNodesTest, AFreedVersionStandsInForAFolderAndForNoMessage) {
   const forge::Bid freed = Freed(u"A folder");
   OldPage({{.nid = 0x8082, .bidData = freed, .nidParent = 0x8022},
