@@ -127,20 +127,20 @@ class JudgeNodesTest : public EvidenceTest {
   bool Has(Standing standing, const forge::NodeEntry& node) const { return Nodes({standing}).contains(LineOf(node)); }
 };
 
-TEST_F(JudgeNodesTest, AnOldTreeThatIsWholeIsNotTakenForTheNewest) {
-  const forge::Bid before = Context(u"before");
-  const auto leaf = OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022},
-                             {.nid = 0x200044, .bidData = before, .nidParent = 0x8022}});
-  const auto second = OldPage({{.nid = 0x900024, .bidData = before, .nidParent = 0x8022}});
+TEST_F(JudgeNodesTest, AnOldTreeThatIsWholeIsNotTakenForTheNewestBesideNewerLeaves) {
+  AddNodes(0x200024, 11);
+  const forge::Bid newest = Context(u"newest");  // so that only the leaves speak against the old tree
+  store_.AddNode(0x200184, newest, 0, 0x8022);
+  const auto leaf = OldPage({{.nid = 0x200024, .bidData = newest, .nidParent = 0x8022}});
+  const auto second = OldPage({{.nid = 0x900024, .bidData = newest, .nidParent = 0x8022}});
   OldRoot(PageType::kNodes, {{0x200024, leaf}, {0x900024, second}});
-  AddNodes(0x200024, 12);
   forge::Image image = store_.Finish();
   forge::WipeHeader(image);
   WipePage(image, RootOf(image, PageType::kNodes));
   Judge(image);
   EXPECT_FALSE(judgement_.nodesAreExact);
   EXPECT_TRUE(std::ranges::includes(Nodes({Standing::kLive}), LinesOf(image)));
-  EXPECT_TRUE(Has(Standing::kOlder, {.nid = 0x200024, .bidData = before, .nidParent = 0x8022}));
+  EXPECT_TRUE(Has(Standing::kOlder, {.nid = 0x200024, .bidData = newest, .nidParent = 0x8022}));
 }
 
 TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfTheHeaderNamesAnother) {
@@ -164,7 +164,9 @@ TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfItNamesAFreedBlock) {
 }
 
 TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfThereAreNewerContextsThanItNames) {
-  OldPage({{.nid = 0x200024, .bidData = Context(u"before"), .nidParent = 0x8022}});
+  const forge::Bid before = Context(u"before");
+  OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022}});
+  store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
   AddNodes(0x200024, 3);
   ExpectNotExactWithoutHeaderAndPages();
 }
@@ -197,7 +199,7 @@ TEST_F(JudgeNodesTest, WhereALeafIsGoneTheNewestOlderEntryWhoseBlocksAreInUseSta
 
 TEST_F(JudgeNodesTest, ALeafRulesOverTheKeysUpToTheNextOne) {
   const forge::Bid before = Context(u"before");
-  store_.AddNode(0x100024, before, 0, 0x8022);
+  store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
   AddNodes(0x100044, 3);
   const forge::NodeEntry between{0x200094, before, 0, 0x8022};  // gone from the leaf of 0x200024 to 0x200084
   const forge::NodeEntry behind{0x3000A4, before, 0, 0x8022};   // behind the last node
@@ -223,6 +225,7 @@ TEST_F(JudgeNodesTest, TheLastLeafBelowAPageEndsWhereThatPageEnds) {
   const forge::NodeEntry between{0x200224 - 0x10, before, 0, 0x8022};
   OldPage({between});
   AddNodes(0x200024, 32);
+  store_.AddNode(0x900024, before, 0, 0x8022);  // so that its block is in use
   forge::Image image = store_.Finish();
   ASSERT_EQ(RootOf(image, PageType::kNodes).level, 2);
   WipePage(image, LeafWithNode(image, 0x200024));
@@ -344,6 +347,17 @@ TEST_F(JudgeNodesTest, OfAHurtLeafTheEntriesWhoseBlocksAreThereCount) {
   NodeLines expected = LinesOf(image);
   expected.erase(LineOf(image.Node(0x200024)));
   EXPECT_EQ(Nodes({Standing::kLive}), expected);
+}
+
+TEST_F(JudgeNodesTest, WhatAHurtLeafHasLostAnOlderEntryStandsInFor) {
+  const forge::Bid kept = Context(u"kept");
+  OldPage({{.nid = 0x200024, .bidData = kept, .nidParent = 0x8022}});
+  store_.AddNode(0x200024, kept, 0, 0x8022);
+  AddNodes(0x200044, 11);
+  forge::Image image = store_.Finish();
+  forge::Fill(image, LeafWithNode(image, 0x200024).offset + 8 + 1, 1, std::byte{0x77});
+  Judge(image);
+  EXPECT_TRUE(Has(Standing::kDoubtful, image.Node(0x200024)));
 }
 
 TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
