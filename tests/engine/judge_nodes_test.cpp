@@ -364,23 +364,49 @@ TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
   AddNodes(0x200024, 12);
   forge::Image image = store_.Finish();
   const forge::PlacedPage leaf = LeafWithNode(image, 0x200024);
-  forge::Fill(image, leaf.offset + 3, 1, std::byte{0x40});
+  forge::Image middle = image;
+  forge::Fill(middle, leaf.offset + 64 + 2, 1, std::byte{0});  // 0x64 behind 0x200044
+  Judge(middle);
+  NodeLines without = LinesOf(image);
+  without.erase(LineOf(image.Node(0x200064)));
+  EXPECT_EQ(Nodes({Standing::kLive}), without);
+
+  forge::Fill(image, leaf.offset + 32 + 2, 1, std::byte{0});  // 0x44 behind 0x200024
   Judge(image);
   NodeLines expected = LinesOf(image);
+  expected.erase(LineOf(image.Node(0x200044)));
   expected.erase(LineOf(image.Node(0x200024)));
-  EXPECT_EQ(Nodes({Standing::kLive}), expected);
+  EXPECT_EQ(Nodes({Standing::kLive}), expected) << "which of the first two is the wrong one nothing tells";
+}
+
+/// Of a message: what tells its versions, and a value in a sub-node.
+forge::PropertyList Keyed(std::u16string_view text) {
+  return {forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
+          forge::Text(0x1000, u"body", forge::Place::kBlock)};
+}
+
+TEST_F(JudgeNodesTest, ACopyOfAMessageIsNoNewerVersionOfIt) {
+  const auto old = forge::FormContext(store_, Keyed(u"before"));
+  const forge::NodeEntry entry{0x200024, store_.AddDataBlocks(old.blocks), store_.AddSubnodes(old.subnodes), 0x8022};
+  OldPage({entry});
+  const auto copy = forge::FormContext(store_, Keyed(u"copy"), {.firstValueNid = 0x903F});
+  store_.AddDataBlocks(copy.blocks);
+  store_.AddSubnodes(copy.subnodes);
+  forge::Image image = store_.Finish();
+  forge::WipeHeader(image);
+  for (const PageType type : {PageType::kBlocks, PageType::kNodes}) {
+    for (const forge::PlacedPage& page : image.TreePages(type)) WipePage(image, page);
+  }
+  Judge(image);
+  EXPECT_TRUE(Has(Standing::kLive, entry)) << "their values lie in other sub-nodes";
 }
 
 TEST_F(JudgeNodesTest, AMessageThatWasChangedAfterItsPageWasWrittenTakesItsNewerProperties) {
-  const auto keyed = [](std::u16string_view text) {
-    return forge::PropertyList{forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
-                               forge::Text(0x1000, u"body", forge::Place::kBlock)};
-  };
-  const auto old = forge::FormContext(store_, keyed(u"before"));
+  const auto old = forge::FormContext(store_, Keyed(u"before"));
   const forge::Bid oldData = store_.AddDataBlocks(old.blocks);
   const forge::Bid oldList = store_.AddSubnodes(old.subnodes);
   OldPage({{.nid = 0x200024, .bidData = oldData, .bidSub = oldList, .nidParent = 0x8022}});
-  const auto now = forge::FormContext(store_, keyed(u"after"));
+  const auto now = forge::FormContext(store_, Keyed(u"after"));
   const forge::Bid list = store_.AddSubnodes(now.subnodes);
   const forge::Bid data = store_.AddDataBlocks(now.blocks);
   store_.AddNode(0x200024, data, list, 0x8022);
