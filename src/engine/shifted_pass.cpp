@@ -30,7 +30,7 @@ class ShiftedSeeker {
       const std::uint64_t nearest = written - lost_;
       if (nearest > Loaded()) {
         run.control.PausePoint();
-        stretch_.base = nearest - std::min(nearest, kReach);
+        stretch_.base = nearest - std::min(nearest, kReachOfPass);
         stretch_.bytes = window_.Read(stretch_.base, nearest - stretch_.base + kStep).Bytes();
       }
       Seek(written, nearest);

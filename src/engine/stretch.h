@@ -9,7 +9,7 @@ namespace velmora::engine {
 inline constexpr std::uint64_t kSector = 512;       ///< pages and the units of every layout end at multiples of it
 inline constexpr std::uint64_t kStep = 4ull << 20;  ///< read at a time
 inline constexpr std::uint64_t kLargestBlock = 65536;
-inline constexpr std::uint64_t kReach = 2 * kLargestBlock + kSector;  ///< that is looked at again ahead of a step
+inline constexpr std::uint64_t kReachOfPass = 2 * kLargestBlock + kSector;  ///< that is looked at again ahead of a step
 
 /// How often a byte may be summed: blocks of a sound store do not overlap, and few bytes that are none look like it.
 inline constexpr std::uint64_t kTimesSummed = 16;
