@@ -15,7 +15,7 @@
 #include "store/format/block.h"
 #include "store/format/checksum.h"
 #include "store/format/encoding.h"
-#include "store/format/signature.h"
+#include "store/format/checksum.h"
 
 namespace velmora::engine {
 namespace {

@@ -27,7 +27,7 @@ class EvidenceBlocksTest : public EvidenceTest, public testing::WithParamInterfa
     Judge(image_);
     const EvidenceBlocks blocks(*source_, evidence_, judgement_);
     std::vector<std::byte> content;
-    failed_ = !blocks.ReadBlock(velmora::Bid{bid_ | 1}, content);
+    failed_ = !blocks.TryBlock(velmora::Bid{bid_ | 1}, content);
     isTrusted_ = blocks.IsTrusted(velmora::Bid{bid_});
     return content;
   }
@@ -75,7 +75,7 @@ TEST_F(EvidenceTest, OfABlockThatTheEndOfTheFileCutsTheBeginningIsHandedOut) {
   Judge(image);
   const EvidenceBlocks blocks(*source_, evidence_, judgement_);
   std::vector<std::byte> read;
-  ASSERT_TRUE(blocks.ReadBlock(velmora::Bid{0x800}, read));
+  ASSERT_TRUE(blocks.TryBlock(velmora::Bid{0x800}, read));
   EXPECT_FALSE(blocks.IsTrusted(velmora::Bid{0x800}));
   EXPECT_EQ(read, forge::Bytes(content.begin(), content.begin() + 1234));
 }
@@ -89,8 +89,8 @@ TEST_F(EvidenceTest, ABlockThatWasWholeAndIsNotAnyMoreFails) {
   source.Open(std::make_unique<platform::MemoryFile>(changed.bytes));
   const EvidenceBlocks blocks(source, evidence_, judgement_);
   std::vector<std::byte> read;
-  EXPECT_FALSE(blocks.ReadBlock(velmora::Bid{image.blocks[20].bid}, read));
-  EXPECT_TRUE(blocks.ReadBlock(velmora::Bid{image.blocks[21].bid}, read));
+  EXPECT_FALSE(blocks.TryBlock(velmora::Bid{image.blocks[20].bid}, read));
+  EXPECT_TRUE(blocks.TryBlock(velmora::Bid{image.blocks[21].bid}, read));
 }
 
 TEST_P(EvidenceBlocksTest, NodesAreFoundIfTheyAreLive) {
@@ -108,9 +108,7 @@ TEST_P(EvidenceBlocksTest, ABlockThatIsNowhereIsNotFound) {
   Judge(image_);
   const EvidenceBlocks blocks(*source_, evidence_, judgement_);
   std::vector<std::byte> content;
-  const auto read = blocks.ReadBlock(velmora::Bid{0xABCDE0}, content);
-  ASSERT_FALSE(read);
-  EXPECT_EQ(read.error().kind, FailureKind::kNotFound);
+  EXPECT_FALSE(blocks.FindBlock(velmora::Bid{0xABCDE0}, content));
 }
 
 }  // namespace
