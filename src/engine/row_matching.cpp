@@ -17,16 +17,20 @@ constexpr std::uint16_t kTelling[] = {IdOf(tag::kLastModificationTime),
                                       IdOf(tag::kMessageSize),
                                       0x3001};
 
-/// Cells that a row has of its own, or that are made anew for it.
-constexpr std::uint16_t kOfTheRow[] = {0x67F1, 0x67F2, 0x67F3, 0x0E17, 0x0E30, 0x0E33, 0x0E34, 0x0E05, 0x1097, 0x3013};
+/// Cells that a row has of its own, or that are made anew for it; those of the synchronisation among them.
+bool IsOfTheRow(std::uint16_t id) {
+  static constexpr std::uint16_t kOfTheRow[] = {0x0E05, 0x0E17, 0x0E30, 0x0E33, 0x0E34, 0x1097, 0x3013, 0x65E2, 0x65E3};
+  return std::ranges::count(kOfTheRow, id) != 0 || (id >= 0x6600 && id < 0x6800);
+}
 
 constexpr std::uint32_t kAbsent = 0;  ///< in place of the hash of a value
 constexpr std::uint32_t kUnread = 1;  ///< it is there, but nothing can be said of it
 constexpr int kMostDifferences = 2;
 constexpr int kLeastAgreements = 6;  ///< of a copy
-constexpr std::size_t kMostColumns = 32;
+constexpr std::size_t kMostColumns = 64;
 constexpr std::size_t kMostSchemas =
-    8;  ///< that a message is compared under; the stores of one program have two or three
+    8;                         ///< that a message is compared under; the stores of one program have two or three
+constexpr int kKeysOfRow = 2;  ///< one of them may have changed, or be missing in the message
 constexpr std::size_t kMostRows = 16;  ///< that a message is compared with for one telling property
 constexpr std::size_t kMostPairs = 8;  ///< that are kept of a message
 
@@ -51,7 +55,7 @@ std::uint32_t ValueOf(ltp::PropertyContext& context, PropTag column) {
 std::uint16_t RowMatching::SchemaOf(const ltp::TableContext& table) {
   std::vector<PropTag> columns;
   for (const ltp::Column& column : table.Columns()) {
-    if (columns.size() < kMostColumns && std::ranges::count(kOfTheRow, IdOf(column.tag)) == 0) {
+    if (columns.size() < kMostColumns && !IsOfTheRow(IdOf(column.tag))) {
       columns.push_back(column.tag);
     }
   }
@@ -88,12 +92,13 @@ void RowMatching::Seal() {
     const Row& row = rows_[number];
     const auto agreeing = std::ranges::count_if(CellsOf(row), [](std::uint32_t cell) { return cell > kUnread; });
     if (agreeing >= kLeastAgreements) equals_.emplace(WholeOf(row.schema, row.isHidden, CellsOf(row)), kNone);
-    for (std::uint8_t property = 0; property < kKeyCount; ++property) {
+    int keys = 0;
+    for (std::uint8_t property = 0; property < kKeyCount && keys < kKeysOfRow; ++property) {
       const std::uint32_t value = CellOf(row, kTelling[property]);
       if (value <= kUnread) continue;
+      ++keys;
       const std::uint32_t detail = DetailOf(CellOf(row, IdOf(tag::kMessageSize)), CellOf(row, IdOf(tag::kSubject)));
       keys_.push_back({property, value, detail, number});
-      break;
     }
   }
   std::ranges::sort(keys_);
@@ -140,7 +145,8 @@ void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyConte
     const auto consider = [&](const Key& key) {
       const Row& row = rows_[key.row];
       const bool isKnown = valuesOf.contains(row.schema) || valuesOf.size() < kMostSchemas;
-      if (row.isHidden != isHidden || !isKnown) return;
+      const bool isFirst = std::ranges::count(found, key.row, &Pair::row) == 0;
+      if (row.isHidden != isHidden || !isKnown || !isFirst) return;
       if (auto pair = Compare(key.row, values(row.schema))) {
         pair->message = message;
         pair->turn = static_cast<std::uint8_t>(turn);
@@ -182,7 +188,24 @@ std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses) const 
     const std::uint32_t message = equal->second;
     if (uses[message] == Use::kTaken || isTaken[message]) messageOf[row] = message;
   }
+  OrderAmongEquals(messageOf);
   return messageOf;
+}
+
+// Rows that are equal get their messages in order: both ids grow with time.
+void RowMatching::OrderAmongEquals(std::vector<std::uint32_t>& messageOf) const {
+  std::map<std::uint64_t, std::vector<std::uint32_t>> equalRows;
+  for (std::uint32_t row = 0; row < rows_.size(); ++row) {
+    if (messageOf[row] == kNone) continue;
+    equalRows[WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row]))].push_back(row);
+  }
+  for (auto& [whole, rows] : equalRows) {
+    std::ranges::sort(rows, {}, [&](std::uint32_t row) { return std::pair(rows_[row].nid, row); });
+    std::vector<std::uint32_t> messages;
+    for (const std::uint32_t row : rows) messages.push_back(messageOf[row]);
+    std::ranges::sort(messages);
+    for (std::size_t i = 0; i < rows.size(); ++i) messageOf[rows[i]] = messages[i];
+  }
 }
 
 }  // namespace velmora::engine

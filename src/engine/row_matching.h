@@ -1,9 +1,9 @@
 // Which message a row of a contents table tells of, when no node entry of it is left.
 //
-// The row repeats properties of the message. A row and a message that agree in the first telling property that the row
-// has are compared in all others; of the pairs those with the fewest differences come first, then those that agree in
-// most, then the newest message; each row and each message is used once, and with more than two differences it is no
-// match. Messages whose block is known to be live come ahead of those of which that is not known.
+// The row repeats properties of the message. A row and a message that agree in one of the two most telling properties
+// that the row has are compared in all others; of the pairs those with the fewest differences come first, then those
+// that agree in most, then the newest message; each row and each message is used once, and with more than two
+// differences it is no match. Messages whose block is known to be live come ahead of those of which that is not known.
 //
 // A copy that is made within a store shares the blocks of what it was made from: a row that is left and equals in
 // everything a message that has its row, or its node, is a copy of it.
@@ -54,7 +54,7 @@ class RowMatching {
   using Hashes = std::vector<std::uint32_t>;
   static constexpr std::size_t kKeyCount = 6;
 
-  /// A row under the first telling property that it has.
+  /// A row under a telling property that it has.
   struct Key {
     std::uint8_t property = 0;
     std::uint32_t value = 0;
@@ -77,6 +77,7 @@ class RowMatching {
   }
   std::uint32_t CellOf(const Row& row, std::uint16_t id) const;
   std::uint64_t WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) const;
+  void OrderAmongEquals(std::vector<std::uint32_t>& messageOf) const;
   std::optional<Pair> Compare(std::uint32_t row, std::span<const std::uint32_t> values) const;
 
   std::vector<std::vector<PropTag>> schemas_;  ///< the columns that are compared

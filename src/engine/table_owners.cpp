@@ -11,6 +11,7 @@ namespace {
 
 // Offline stores have fixed ids in place of those that the store's properties name.
 constexpr Nid kOfflineMailbox{0x20A2};
+constexpr Nid kOfflineFinder{0x20E2};
 constexpr Nid kOfflineTop{0x2142};
 constexpr Nid kOfflineDeletedItems{0x2162};
 
@@ -107,8 +108,14 @@ class Owners {
       }
       const bool areSearches =
           std::ranges::all_of(table.rows, [](Nid row) { return TypeOf(row) == NidType::kSearchFolder; });
-      if (IsOpen(table, TableKind::kHierarchy) && areSearches) table.folder = store_.finder;
+      if (IsOpen(table, TableKind::kHierarchy) && areSearches) table.folder = Finder();
     }
+  }
+
+  Nid Finder() const {
+    if (store_.finder != kNoNid) return store_.finder;
+    return tables_.Find(kOfflineMailbox) != nullptr || view_.InUse(kOfflineMailbox) != nullptr ? kOfflineFinder
+                                                                                               : kNoNid;
   }
 
   // A folder is made before what it contains.
