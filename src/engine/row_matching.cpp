@@ -167,7 +167,7 @@ void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyConte
   pairs_.insert(pairs_.end(), found.begin(), found.end());
 }
 
-std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses) const {
+std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses, std::span<const Nid> firstKeys) const {
   std::vector<Pair> pairs;
   std::ranges::copy_if(pairs_, std::back_inserter(pairs),
                        [&](const Pair& pair) { return uses[pair.message] <= Use::kFree; });
@@ -188,12 +188,13 @@ std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses) const 
     const std::uint32_t message = equal->second;
     if (uses[message] == Use::kTaken || isTaken[message]) messageOf[row] = message;
   }
-  OrderAmongEquals(messageOf);
+  OrderAmongEquals(firstKeys, messageOf);
   return messageOf;
 }
 
-// Rows that are equal get their messages in order: both ids grow with time.
-void RowMatching::OrderAmongEquals(std::vector<std::uint32_t>& messageOf) const {
+// Rows that are equal get their messages in order: the ids of nodes and of values grow with time, and both stay when a
+// message is written anew.
+void RowMatching::OrderAmongEquals(std::span<const Nid> firstKeys, std::vector<std::uint32_t>& messageOf) const {
   std::map<std::uint64_t, std::vector<std::uint32_t>> equalRows;
   for (std::uint32_t row = 0; row < rows_.size(); ++row) {
     if (messageOf[row] == kNone) continue;
@@ -203,7 +204,7 @@ void RowMatching::OrderAmongEquals(std::vector<std::uint32_t>& messageOf) const 
     std::ranges::sort(rows, {}, [&](std::uint32_t row) { return std::pair(rows_[row].nid, row); });
     std::vector<std::uint32_t> messages;
     for (const std::uint32_t row : rows) messages.push_back(messageOf[row]);
-    std::ranges::sort(messages);
+    std::ranges::sort(messages, {}, [&](std::uint32_t message) { return std::pair(firstKeys[message], message); });
     for (std::size_t i = 0; i < rows.size(); ++i) messageOf[rows[i]] = messages[i];
   }
 }

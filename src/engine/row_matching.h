@@ -46,9 +46,9 @@ class RowMatching {
   /// What may become of a message that was offered.
   enum class Use : std::uint8_t { kFreeAndLive, kFree, kTaken, kNever };
 
-  /// The message of each row; kNone where there is none.
+  /// The message of each row; kNone where there is none. `firstKeys` are the lowest keys of the messages.
   static constexpr std::uint32_t kNone = UINT32_MAX;
-  std::vector<std::uint32_t> Settle(std::span<const Use> uses) const;
+  std::vector<std::uint32_t> Settle(std::span<const Use> uses, std::span<const Nid> firstKeys) const;
 
  private:
   using Hashes = std::vector<std::uint32_t>;
@@ -77,7 +77,7 @@ class RowMatching {
   }
   std::uint32_t CellOf(const Row& row, std::uint16_t id) const;
   std::uint64_t WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) const;
-  void OrderAmongEquals(std::vector<std::uint32_t>& messageOf) const;
+  void OrderAmongEquals(std::span<const Nid> firstKeys, std::vector<std::uint32_t>& messageOf) const;
   std::optional<Pair> Compare(std::uint32_t row, std::span<const std::uint32_t> values) const;
 
   std::vector<std::vector<PropTag>> schemas_;  ///< the columns that are compared
