@@ -32,11 +32,11 @@ std::vector<Bid> Holding(const SubnodeLists& lists, std::span<const Nid> keys) {
   return holding;
 }
 
-Bid Best(const EvidenceView& view, const MessageFacts& message, std::span<const Bid> lists, TreeSurvey& trees) {
+Bid Best(const EvidenceView& view, const MessageFacts& message, std::span<const Bid> lists, TreeSizes& sizes) {
   if (lists.size() <= 1) return lists.empty() ? kNoBid : lists.front();
   const bool isFreed = view.IsFreed(message.bid);
   const auto rank = [&](Bid list) {
-    return std::tuple(isFreed || !view.IsFreed(list), trees.Of({message.bid, list}).size == message.size, list);
+    return std::tuple(isFreed || !view.IsFreed(list), sizes.Of({message.bid, list}) == message.size, list);
   };
   return *std::ranges::max_element(lists, {}, rank);
 }
@@ -58,7 +58,7 @@ bool MayBelong(const MessageFacts& message, const SubnodeList& list) {
 }
 
 void AddNeighbours(const EvidenceView& view, const MessageContexts& messages, std::size_t number,
-                   std::span<const SubnodeList> lists, std::span<const std::uint32_t> keyless, TreeSurvey& trees,
+                   std::span<const SubnodeList> lists, std::span<const std::uint32_t> keyless, TreeSizes& sizes,
                    std::vector<Candidate>& candidates) {
   const MessageFacts& message = messages.facts[number];
   const auto bidOf = [&](std::uint32_t list) { return lists[list].bid; };
@@ -68,7 +68,7 @@ void AddNeighbours(const EvidenceView& view, const MessageContexts& messages, st
   for (std::size_t at = first; at < last; ++at) {
     const SubnodeList& list = lists[keyless[at]];
     if (!MayBelong(message, list) || (view.IsFreed(list.bid) && !view.IsFreed(message.bid))) continue;
-    const bool failsSize = trees.Of({message.bid, list.bid}).size != message.size;
+    const bool failsSize = sizes.Of({message.bid, list.bid}) != message.size;
     const std::uint64_t distance = Distance(message.bid, list.bid);
     if (failsSize && distance > kNear) continue;
     candidates.push_back({failsSize, distance, static_cast<std::uint32_t>(number), keyless[at]});
@@ -87,7 +87,7 @@ Bid ListOfKeys(const EvidenceView& view, Bid bid, std::span<const Nid> keys, con
 }
 
 std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& messages, const SubnodeLists& lists,
-                               TreeSurvey& trees, RunContext& run) {
+                               TreeSizes& sizes, RunContext& run) {
   std::unordered_set<Bid> taken;
   for (const NodeClaim& claim : view.Judged().nodes) {
     if (IsInUse(claim.standing)) taken.insert(Canonical(claim.node.trees.bidSub));
@@ -105,9 +105,9 @@ std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& 
     const MessageFacts& message = messages.facts[i];
     if (view.IsDataInUse(message.bid)) continue;
     if (message.keyCount != 0) {
-      listOf[i] = Best(view, message, Holding(lists, messages.KeysOf(message)), trees);
+      listOf[i] = Best(view, message, Holding(lists, messages.KeysOf(message)), sizes);
     } else {
-      AddNeighbours(view, messages, i, lists.All(), keyless, trees, candidates);
+      AddNeighbours(view, messages, i, lists.All(), keyless, sizes, candidates);
     }
   }
   std::ranges::sort(candidates);

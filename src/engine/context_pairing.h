@@ -12,13 +12,13 @@
 
 #include "engine/context_facts.h"
 #include "engine/subnode_lists.h"
-#include "engine/tree_survey.h"
+#include "engine/tree_sizes.h"
 
 namespace velmora::engine {
 
 /// For each of `messages` that is in no node's use the list that belongs to it; kNoBid where none does.
 std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& messages, const SubnodeLists& lists,
-                               TreeSurvey& trees, RunContext& run);
+                               TreeSizes& sizes, RunContext& run);
 
 /// The list that holds all keys of a context of another kind; kNoBid where none does, or there are no keys.
 Bid ListOfKeys(const EvidenceView& view, Bid bid, std::span<const Nid> keys, const SubnodeLists& lists);

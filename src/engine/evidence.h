@@ -24,7 +24,7 @@ namespace velmora::engine {
 /// How far a page or block can be relied on.
 enum class Grade : std::uint8_t {
   kProven,  ///< signature and checksum fit
-  kMoved,   ///< the checksum fits, the signature does not: whole, but not where it was written
+  kMoved,   ///< the checksum fits: whole, but not where it was written, so that the places in pages may be wrong for it
   kNamed,   ///< a block that only the block tree tells of: its place and size are known, its content is not proven
   kHurt,    ///< the signature fits, the checksum does not: some of its bytes are wrong
 };
@@ -67,13 +67,19 @@ struct Evidence {
   const FoundBlock* Find(Bid bid) const;
 };
 
-/// One pass over the file. `told` is what a header that proves itself says of format and encoding; nothing without one.
+/// What a header that proves itself says of format and encoding, and where its trees begin.
 struct ToldByHeader {
   const Generation* layout = nullptr;
   CryptMethod encoding = CryptMethod::kNone;
   Bref nodeRoot;
   Bref blockRoot;
 };
+
+/// Nothing when the source has no header that proves itself.
+std::optional<ToldByHeader> ReadHeader(const Source& source);
+
+/// One pass over the file; a second one where bytes were lost from its middle. What was told counts only as far as
+/// nothing that was found speaks against it.
 Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& told, RunContext& run);
 
 /// Whether a block is still in use.
@@ -94,10 +100,10 @@ struct NodeClaim {
 };
 
 struct Judgement {
-  bool nodesAreExact = false;   ///< the node tree is whole and the newest: its entries are the live nodes, no others
-  bool blocksAreExact = false;  ///< likewise of the block tree
-  std::vector<NodeClaim> nodes;        ///< by ascending id: of each id at most one that is live or doubtful, and it leads
-  std::vector<BlockStatus> statuses;   ///< of Evidence::blocks, in their order
+  bool nodesAreExact = false;    ///< the node tree is whole and the newest: its entries are the live nodes, no others
+  bool blocksAreExact = false;   ///< likewise of the block tree
+  std::vector<NodeClaim> nodes;  ///< by ascending id: of each id at most one that is live or doubtful, and it leads
+  std::vector<BlockStatus> statuses;  ///< of Evidence::blocks, in their order
 };
 
 Judgement JudgeNodes(const Source& source, const Evidence& evidence, const std::optional<ToldByHeader>& told,
@@ -149,9 +155,9 @@ struct LostNodes {
   std::vector<MessageRow> messageRows;  ///< of messages of which nothing else is left
 };
 
-/// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted too.
-/// Without the latter none of kOlder or kDeleted is among them.
-LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
+/// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted
+/// too. Without the latter none of kOlder or kDeleted is among them.
+LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement,
                         bool deleted, RunContext& run);
 
 }  // namespace velmora::engine

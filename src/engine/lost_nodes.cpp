@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <set>
 
+#include "engine/complete_nodes.h"
 #include "engine/context_pairing.h"
 #include "engine/context_survey.h"
 #include "engine/message_versions.h"
@@ -44,7 +45,7 @@ class FreeIds {
 class LostSearch {
  public:
   LostSearch(const EvidenceView& view, bool deleted, RunContext& run)
-      : view_(view), deleted_(deleted), run_(run), trees_(view) {}
+      : view_(view), deleted_(deleted), run_(run), sizes_(view), complete_(view.Blocks()) {}
 
   LostNodes Search() {
     const TopBlocks tops = FindTopBlocks(view_);
@@ -55,7 +56,7 @@ class LostSearch {
     AssignOwners(
         view_, survey_.folders, [this](Nid folder) { return ContextOf(folder); }, tables_);
     existing_ = ExistingFolders(view_, tables_);
-    listOf_ = PairWithLists(view_, survey_.messages, lists, trees_, run_);
+    listOf_ = PairWithLists(view_, survey_.messages, lists, sizes_, run_);
     NoteIds();
 
     AddFolders(lists);
@@ -118,7 +119,7 @@ class LostSearch {
       const ndb::NodeTrees& trees = claim.node.trees;
       const bool isLive = view_.StatusOf(trees.bidData) == BlockStatus::kLive &&
                           (trees.bidSub == kNoBid || view_.StatusOf(trees.bidSub) == BlockStatus::kLive);
-      if (isLive && trees_.Of(trees).isWhole) return &claim;
+      if (isLive && complete_.IsComplete(trees)) return &claim;
     }
     return nullptr;
   }
@@ -258,7 +259,8 @@ class LostSearch {
   const EvidenceView& view_;
   const bool deleted_;
   RunContext& run_;
-  TreeSurvey trees_;
+  TreeSizes sizes_;
+  CompleteNodes complete_;
   RowMatching rows_;
   FolderTables tables_;
   ContextSurvey survey_;
@@ -272,7 +274,7 @@ class LostSearch {
 
 }  // namespace
 
-LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
+LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement,
                         bool deleted, RunContext& run) {
   if (judgement.nodesAreExact && !deleted) return {};
   return LostSearch(EvidenceView(blocks, evidence, judgement), deleted, run).Search();

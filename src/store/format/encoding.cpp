@@ -64,9 +64,9 @@ void Substitute(const Table& table, std::span<const std::byte> from, std::span<s
 }
 
 // The same function encodes and decodes.
-void Cycle(Bid bid, std::span<const std::byte> from, std::span<std::byte> to) {
+void Cycle(Bid bid, std::span<const std::byte> from, std::span<std::byte> to, std::size_t at = 0) {
   const auto key = static_cast<std::uint32_t>(Value(bid));
-  auto w = static_cast<std::uint16_t>(key ^ key >> 16);
+  auto w = static_cast<std::uint16_t>((key ^ key >> 16) + at);
   for (std::size_t i = 0; i < from.size(); ++i, ++w) {
     const auto low = static_cast<std::uint8_t>(w);
     const auto high = static_cast<std::uint8_t>(w >> 8);
@@ -94,9 +94,9 @@ void EncodeBlock(CryptMethod method, Bid bid, std::span<const std::byte> plain, 
   }
 }
 
-void DecodeBlock(CryptMethod method, Bid bid, std::span<std::byte> bytes) {
+void DecodeBlock(CryptMethod method, Bid bid, std::span<std::byte> bytes, std::size_t at) {
   if (method == CryptMethod::kPermute) Substitute(kI, bytes, bytes);
-  if (method == CryptMethod::kCyclic) Cycle(bid, bytes, bytes);
+  if (method == CryptMethod::kCyclic) Cycle(bid, bytes, bytes, at);
 }
 
 }  // namespace velmora

@@ -18,7 +18,7 @@ enum class CryptMethod : std::uint8_t {
 /// Encodes `plain` into `encoded`, which has the same size; the two may be the same bytes.
 void EncodeBlock(CryptMethod method, Bid bid, std::span<const std::byte> plain, std::span<std::byte> encoded);
 
-/// Decodes in place.
-void DecodeBlock(CryptMethod method, Bid bid, std::span<std::byte> bytes);
+/// Decodes in place bytes that stand `at` bytes from the start of their block.
+void DecodeBlock(CryptMethod method, Bid bid, std::span<std::byte> bytes, std::size_t at = 0);
 
 }  // namespace velmora

@@ -1,0 +1,224 @@
+#include "engine/evidence_pass.h"
+
+#include <algorithm>
+#include <optional>
+#include <ranges>
+
+#include "engine/page_evidence.h"
+#include "engine/source_window.h"
+#include "store/format/checksum.h"
+
+namespace velmora::engine {
+namespace {
+
+constexpr std::uint64_t kSector = 512;       ///< pages and the units of every layout end at multiples of it
+constexpr std::uint64_t kStep = 4ull << 20;  ///< read at a time
+constexpr std::uint64_t kLargestBlock = 65536;
+constexpr std::uint64_t kReach = 2 * kLargestBlock + kSector;  ///< what is looked at again behind the end of a step
+constexpr std::uint64_t kClearLead = 16;  ///< things found, by which one layout is told from others
+/// How often a byte may be summed: blocks of a sound store do not overlap, and few bytes that are none look like it.
+constexpr std::uint64_t kTimesSummed = 16;
+
+/// A stretch of the source in memory.
+struct Stretch {
+  std::uint64_t base = 0;
+  std::span<const std::byte> bytes;
+
+  /// `length` bytes up to the offset `end`; none where they do not lie in it as a whole.
+  std::span<const std::byte> Ending(std::uint64_t end, std::uint64_t length) const {
+    if (end < base + length || end - base > bytes.size()) return {};
+    return bytes.subspan(end - base - length, length);
+  }
+};
+
+/// Looks for pages and blocks of one layout.
+class Seeker {
+ public:
+  Seeker(const Generation& layout, std::uint64_t fileSize, std::uint64_t& mostSummed)
+      : finds_(layout, fileSize), layout_(layout), mostSummed_(mostSummed) {}
+
+  /// What ends in the sector that ends at `end`.
+  void Look(const Stretch& stretch, std::uint64_t end) {
+    if (const auto page = stretch.Ending(end, layout_.pageSize); !page.empty()) {
+      if (const auto found = GradePage(page, end - layout_.pageSize, layout_)) finds_.TakePage(*found);
+    }
+    for (std::uint64_t slot = end - kSector + layout_.slotSize; slot <= end; slot += layout_.slotSize) {
+      LookForBlock(stretch, slot);
+    }
+    SettleMoved(stretch, end);
+  }
+
+  void Finish(const Stretch& stretch) { SettleMoved(stretch, UINT64_MAX); }
+
+  /// Moved blocks are sought only in the layout that the source seems to have.
+  void SeekMoved(bool isLikely) {
+    seeksMoved_ = isLikely;
+    if (!isLikely) finds_.soughtMoved = false;
+  }
+
+  std::uint64_t Count() const { return finds_.Count(); }
+  Finds Take() { return std::move(finds_); }
+
+ private:
+  struct Candidate {
+    SeenTrailer seen;
+    std::uint64_t end;
+  };
+
+  void LookForBlock(const Stretch& stretch, std::uint64_t end) {
+    const auto tail = stretch.Ending(end, layout_.blockTrailerSize);
+    if (tail.empty()) return;
+    if (Load<std::uint64_t>(tail, tail.size() - 8) != 0) ++finds_.usedSlots;
+    const std::optional<SeenTrailer> seen = SeeTrailer(tail, end, layout_);
+    if (!seen) return;
+    if (!seen->isSigned) {
+      if (seeksMoved_ && seen->trailer.dwCRC != 0) maybeMoved_.push_back({*seen, end});
+      return;
+    }
+    const auto stored = Stored(stretch, *seen, end);
+    if (stored.empty()) return;
+    if (seen->trailer.dwCRC == WeakCrc(stored)) {
+      finds_.TakeWhole(*seen, seen->start, Grade::kProven, stored);
+    } else {
+      finds_.TakeHurt(*seen, stored);
+    }
+  }
+
+  /// The data of a block, if it may still be summed; none otherwise.
+  std::span<const std::byte> Stored(const Stretch& stretch, const SeenTrailer& seen, std::uint64_t end) {
+    const std::uint64_t cb = seen.trailer.cb;
+    if (cb > mostSummed_) return {};
+    mostSummed_ -= cb;
+    return stretch.Ending(end, end - seen.start).first(cb);
+  }
+
+  /// Those over which no block that stands in its place can end any more.
+  void SettleMoved(const Stretch& stretch, std::uint64_t end) {
+    while (!maybeMoved_.empty() && end - maybeMoved_.front().end >= kLargestBlock) {
+      const auto [seen, itsEnd] = maybeMoved_.front();
+      maybeMoved_.pop_front();
+      if (!finds_.taken.IsFree(seen.start, itsEnd - seen.start)) continue;
+      const auto stored = Stored(stretch, seen, itsEnd);
+      if (!stored.empty() && seen.trailer.dwCRC == WeakCrc(stored)) {
+        finds_.TakeWhole(seen, seen.start, Grade::kMoved, stored);
+      }
+    }
+  }
+
+  Finds finds_;
+  const Generation& layout_;
+  std::uint64_t& mostSummed_;
+  bool seeksMoved_ = true;
+  std::deque<Candidate> maybeMoved_;
+};
+
+}  // namespace
+
+std::vector<Finds> LookThrough(const Source& source, std::span<const Generation* const> layouts, RunContext& run) {
+  const std::uint64_t size = source.Size();
+  std::uint64_t mostSummed = size * kTimesSummed;
+  std::vector<Seeker> seekers;
+  seekers.reserve(layouts.size());
+  for (const Generation* layout : layouts) seekers.emplace_back(*layout, size, mostSummed);
+
+  SourceWindow window(source);
+  Stretch stretch;
+  for (std::uint64_t begin = 0; begin < size; begin += kStep) {
+    run.control.PausePoint();
+    stretch.base = begin - std::min(begin, kReach);
+    stretch.bytes = window.Read(stretch.base, begin - stretch.base + kStep).Bytes();
+    const std::uint64_t stop = std::min(begin + kStep, size);
+    for (std::uint64_t end = begin + kSector; end < stop + kSector; end += kSector) {
+      for (Seeker& seeker : seekers) seeker.Look(stretch, end);
+    }
+    const std::uint64_t most = std::ranges::max(seekers | std::views::transform(&Seeker::Count));
+    for (Seeker& seeker : seekers) seeker.SeekMoved(seeker.Count() + kClearLead >= most);
+  }
+  std::vector<Finds> finds;
+  for (Seeker& seeker : seekers) {
+    seeker.Finish(stretch);
+    finds.push_back(seeker.Take());
+  }
+  return finds;
+}
+
+namespace {
+
+constexpr std::uint64_t kMostLostAtOnce = 256;
+
+/// Looks for what was written at `written` and ends `lost` bytes ahead of it.
+class ShiftedSeeker {
+ public:
+  ShiftedSeeker(const Source& source, const Generation& layout)
+      : source_(source), window_(source), layout_(layout), finds_(layout, source.Size()) {}
+
+  Finds Run(RunContext& run) {
+    const std::uint64_t size = source_.Size();
+    for (std::uint64_t written = layout_.slotSize; written - lost_ <= size; written += layout_.slotSize) {
+      const std::uint64_t nearest = written - lost_;
+      if (nearest > Loaded()) {
+        run.control.PausePoint();
+        stretch_.base = nearest - std::min(nearest, kReach);
+        stretch_.bytes = window_.Read(stretch_.base, nearest - stretch_.base + kStep).Bytes();
+      }
+      for (std::uint64_t more = 0; more <= kMostLostAtOnce && more < nearest; ++more) {
+        if (!IsThere(written, nearest - more)) continue;
+        if (more != 0) finds_.shifts.push_back({start_, lost_ += more});
+        break;
+      }
+    }
+    return std::move(finds_);
+  }
+
+ private:
+  std::uint64_t Loaded() const { return stretch_.base + stretch_.bytes.size(); }
+
+  bool IsThere(std::uint64_t written, std::uint64_t end) {
+    return IsBlockThere(written, end) || (written % kSector == 0 && IsPageThere(written, end));
+  }
+
+  bool IsBlockThere(std::uint64_t written, std::uint64_t end) {
+    const auto tail = stretch_.Ending(end, layout_.blockTrailerSize);
+    if (tail.empty()) return false;
+    const std::optional<SeenTrailer> seen = SeeTrailer(tail, written, layout_);
+    if (!seen || !seen->isSigned || seen->trailer.dwCRC == 0) return false;
+    const auto place = stretch_.Ending(end, written - seen->start);
+    if (place.empty() || seen->trailer.cb > mostSummed_) return false;
+    mostSummed_ -= seen->trailer.cb;
+    const auto stored = place.first(seen->trailer.cb);
+    if (seen->trailer.dwCRC != WeakCrc(stored)) return false;
+    start_ = seen->start;
+    const std::uint64_t offset = end - place.size();
+    finds_.TakeWhole(*seen, offset, offset == start_ ? Grade::kProven : Grade::kMoved, stored);
+    return true;
+  }
+
+  bool IsPageThere(std::uint64_t written, std::uint64_t end) {
+    const auto bytes = stretch_.Ending(end, layout_.pageSize);
+    if (bytes.empty() || written < bytes.size()) return false;
+    auto page = GradePage(bytes, written - bytes.size(), layout_);
+    if (!page || page->grade != Grade::kProven) return false;
+    start_ = page->offset;
+    page->offset = end - bytes.size();
+    if (page->offset != start_) page->grade = Grade::kMoved;
+    finds_.TakePage(*page);
+    return true;
+  }
+
+  const Source& source_;
+  SourceWindow window_;
+  Stretch stretch_;
+  const Generation& layout_;
+  Finds finds_;
+  std::uint64_t mostSummed_ = source_.Size() * kTimesSummed;
+  std::uint64_t lost_ = 0;
+  std::uint64_t start_ = 0;  ///< where what was found last was written
+};
+
+}  // namespace
+
+Finds LookThroughShifted(const Source& source, const Generation& layout, RunContext& run) {
+  return ShiftedSeeker(source, layout).Run(run);
+}
+
+}  // namespace velmora::engine

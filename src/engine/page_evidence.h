@@ -1,0 +1,27 @@
+// What bytes prove of a page of one of the two trees.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "engine/evidence.h"
+
+namespace velmora::engine {
+
+/// No tree of the format has more levels: at 20 entries a page that is more than any file can hold.
+inline constexpr std::uint8_t kMostLevels = 8;
+
+/// The head of a page of that type if its entries lie in it and are not smaller than those of the format.
+std::optional<BtPageHead> SoundHead(PageView page, PageType type, const Generation& layout);
+
+/// The key of an entry, of whichever level.
+std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Generation& layout);
+
+/// The page that was written at `offset` (which is where it is said to stand) and consists of these bytes. Proven when
+/// checksum and signature fit, moved with the checksum alone. With the signature alone it is what is left of a page
+/// that was written over, or one with bits flipped: hurt, if its keys ascend. Nothing otherwise.
+std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Generation& layout);
+
+}  // namespace velmora::engine

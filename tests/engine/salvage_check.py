@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""salvage_check.py PROGRAM STORES TOOLS [--seed N] [--case NAME...] - which messages of damaged stores are known again.
+
+Makes damaged copies of each store (TOOLS/damage.py), lets PROGRAM (velmora-evidence --lost) find their nodes, and compares
+the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
+is found when a node leads to the same data and the same list of sub-nodes. Copies share blocks, so ids do not count, but
+each node counts once. "too much" are nodes that lead to what is no live message, "hurt" the messages of which a block is
+damaged, found in some form. Ends with 1 if an intact message is missing, or more than --misplaced are in a wrong folder."""
+import argparse
+import collections
+import glob
+import os
+import subprocess
+import sys
+import tempfile
+
+MESSAGE, FOLDERS = 4, (2, 3)
+
+
+def type_of(nid):
+    return nid & 31
+
+
+def found_by(program, path):
+    """(data, sub, parent) by node id, and the parents of the folders; what was found later counts"""
+    nodes, folders, rows = {}, {}, set()
+    out = subprocess.run([program, "--lost", path], check=True, capture_output=True, text=True).stdout
+    for word in (line.split() for line in out.splitlines()):
+        if word[0] == "node" and word[1] in ("live", "doubtful", "found"):
+            nid, data, sub, parent = (int(w, 16) for w in word[2:6])
+            nodes[nid] = (data & ~1, sub & ~1, parent)
+            if type_of(nid) in FOLDERS:
+                folders[nid] = parent
+        elif word[0] == "folder":
+            folders[int(word[1], 16)] = int(word[2], 16)
+        elif word[0] == "row":
+            rows.add(int(word[1], 16))
+    return nodes, folders, rows
+
+
+class Truth:
+    def __init__(self, path):
+        import pstcheck
+        import salvagescore
+        store = pstcheck.Store(path)
+        store.load()
+        self.bytes = open(path, "rb").read()
+        extents = salvagescore.Extents(store)
+        self.nodes = {nid: (data & ~1, sub & ~1, parent) for nid, (data, sub, parent) in store.nbt.items()}
+        self.extents = {nid: extents.node(nid) for nid in self.nodes if type_of(nid) == MESSAGE}
+
+    def is_intact(self, nid, damaged):
+        return all(damaged[at:at + size] == self.bytes[at:at + size] for at, size in self.extents[nid])
+
+
+def score(truth, program, path, verbose):
+    nodes, folders, rows = found_by(program, path)
+    damaged = open(path, "rb").read()
+    messages = [nid for nid in truth.nodes if type_of(nid) == MESSAGE]
+    pairs = collections.Counter(entry[:2] for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
+    places = collections.Counter(entry for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
+    row = collections.Counter()
+    for nid in messages:
+        entry = truth.nodes[nid]
+        if not truth.is_intact(nid, damaged):
+            row["hurt"] += 1
+            row["hurt_found"] += nid in nodes or pairs[entry[:2]] > 0
+            row["hurt_by_row"] += nid in rows and nid not in nodes
+            pairs[entry[:2]] -= pairs[entry[:2]] > 0
+            continue
+        row["intact"] += 1
+        row["same_id"] += nodes.get(nid, ())[:2] == entry[:2]
+        row["found"] += pairs[entry[:2]] > 0
+        row["in_folder"] += places[entry] > 0
+        if verbose and (pairs[entry[:2]] <= 0 or places[entry] <= 0):
+            print("   %s %x %x/%x in %x: %s" % ("misplaced" if pairs[entry[:2]] > 0 else "missing", nid, *entry,
+                                               ["%x" % v for v in nodes.get(nid, ())]))
+        pairs[entry[:2]] -= 1
+        places[entry] -= 1
+    live = {truth.nodes[nid][0] for nid in messages}
+    row["too_much"] = sum(type_of(nid) == MESSAGE and entry[0] not in live for nid, entry in nodes.items())
+    row["too_many"] = sum(n for pair, n in pairs.items() if n > 0 and pair[0] in live)
+    for nid in (nid for nid in truth.nodes if type_of(nid) in FOLDERS):
+        row["folders"] += 1
+        row["folders_found"] += nid in folders
+        row["parents"] += folders.get(nid) == truth.nodes[nid][2]
+    row["folders_too_much"] = len(folders.keys() - truth.nodes.keys())
+    return row
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    for name in ("program", "stores", "tools"):
+        ap.add_argument(name)
+    ap.add_argument("--seed", default="7")
+    ap.add_argument("--case", nargs="*", default=[])
+    ap.add_argument("--misplaced", type=int, default=0)
+    ap.add_argument("--verbose", action="store_true")
+    a = ap.parse_args()
+    sys.path.insert(0, a.tools)
+    sys.setrecursionlimit(4000)
+    damage = os.path.join(a.tools, "damage.py")
+    listed = subprocess.run([sys.executable, damage, "--list"], check=True, capture_output=True, text=True).stdout.split()
+    sums = {case: collections.Counter() for case in listed}
+    for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
+        truth = Truth(path)
+        with tempfile.TemporaryDirectory() as folder:
+            subprocess.run([sys.executable, damage, path, folder, "--seed", a.seed] +
+                           (["--case", *a.case] if a.case else []), check=True)
+            for case in listed:
+                copy = os.path.join(folder, case + os.path.splitext(path)[1])
+                if os.path.exists(copy):
+                    row = score(truth, a.program, copy, a.verbose)
+                    if a.verbose:
+                        print(os.path.basename(path), case, dict(row))
+                    sums[case].update(row)
+    print("%-22s %6s %6s %7s %9s | %8s %8s | %11s | %s" % ("case", "intact", "found", "same id", "in folder", "too much",
+                                                          "too many", "hurt: found", "folders: found, placed, too much"))
+    for case, t in sums.items():
+        if t:
+            print("%-22s %6d %6d %7d %9d | %8d %8d | %4d: %2d + %-2d | %4d: %4d %4d %4d" % (
+                case, t["intact"], t["found"], t["same_id"], t["in_folder"], t["too_much"], t["too_many"], t["hurt"],
+                t["hurt_found"], t["hurt_by_row"], t["folders"], t["folders_found"], t["parents"], t["folders_too_much"]))
+    missing = sum(t["intact"] - t["found"] for t in sums.values())
+    misplaced = sum(t["found"] - t["in_folder"] for t in sums.values())
+    print("%d intact messages missing, %d in another folder" % (missing, misplaced))
+    return 0 if missing == 0 and misplaced <= a.misplaced else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
