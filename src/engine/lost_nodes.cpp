@@ -45,7 +45,11 @@ class FreeIds {
 class LostSearch {
  public:
   LostSearch(const EvidenceView& view, bool deleted, RunContext& run)
-      : view_(view), deleted_(deleted), run_(run), sizes_(view), complete_(view.Blocks()) {}
+      : view_(view), deleted_(deleted), run_(run), sizes_(view), complete_(view.Blocks()) {
+    for (const NodeClaim& claim : view_.Judged().nodes) {
+      if (!IsInUse(claim.standing)) entryOf_.emplace(Canonical(claim.node.trees.bidData), &claim);
+    }
+  }
 
   LostNodes Search() {
     const TopBlocks tops = FindTopBlocks(view_);
@@ -124,20 +128,24 @@ class LostSearch {
     return nullptr;
   }
 
-  ndb::NodeTrees TreesOf(std::uint32_t message) const {
+  /// What a node entry says of its list, of whatever age, since ids keep their meaning; else what fits.
+  ndb::NodeTrees TreesOf(std::size_t message) const {
     const Bid bid = Messages()[message].bid;
-    const NodeClaim* user = view_.UserOf(bid);
-    return user != nullptr ? user->node.trees : ndb::NodeTrees{bid, listOf_[message]};
+    if (const NodeClaim* user = view_.UserOf(bid)) return user->node.trees;
+    const auto entry = entryOf_.find(bid);
+    return entry != entryOf_.end() ? entry->second->node.trees : ndb::NodeTrees{bid, listOf_[message]};
   }
 
   void AddListed() {
     isTaken_.resize(Messages().size());
     for (std::size_t i = 0; i < Messages().size(); ++i) isTaken_[i] = view_.IsDataInUse(Messages()[i].bid);
     std::vector<const NodeClaim*> entries(rows_.Rows().size());
+    std::vector<bool> isWanted(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowMatching::Row& row = rows_.Rows()[i];
       if (!IsOfUse(tables_.tables[row.table])) continue;
       entries[i] = LiveEntryOf(row.nid);
+      isWanted[i] = entries[i] == nullptr;
       if (entries[i] != nullptr) Take(entries[i]->node.trees.bidData);
     }
     std::vector<RowMatching::Use> uses(Messages().size());
@@ -147,7 +155,7 @@ class LostSearch {
       const auto keys = survey_.messages.KeysOf(message);
       firstKeys.push_back(keys.empty() ? kNoNid : std::ranges::min(keys));
     }
-    const std::vector<std::uint32_t> messageOf = rows_.Settle(uses, firstKeys);
+    const std::vector<std::uint32_t> messageOf = rows_.Settle(isWanted, uses, firstKeys);
     std::set<Nid> done;
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowMatching::Row& row = rows_.Rows()[i];
@@ -211,34 +219,79 @@ class LostSearch {
 
   void AddUnlisted() {
     const std::vector<bool> isOlder = FindOlderVersions(view_, survey_.messages, isTaken_);
-    std::map<Bid, const NodeClaim*> entryOf;  // of the messages that no node in use stands for
-    for (const NodeClaim& claim : view_.Judged().nodes) {
-      if (!IsInUse(claim.standing)) entryOf.emplace(Canonical(claim.node.trees.bidData), &claim);
-    }
+    std::vector<std::size_t> homeless;  // positions in lost_.nodes
     for (std::size_t i = 0; i < Messages().size(); ++i) {
       const MessageFacts& message = Messages()[i];
       if (isTaken_[i]) continue;
-      const auto found = entryOf.find(message.bid);
-      const NodeClaim* entry = found == entryOf.end() ? nullptr : found->second;
-      const Standing standing = StandingOf(message, isOlder[i]);
-      if (!IsInUse(standing) && standing != Standing::kFound && (!deleted_ || entry != nullptr)) continue;
-      ndb::NodeEntry node{.trees = {message.bid, listOf_[i]}};
+      const auto found = entryOf_.find(message.bid);
+      const NodeClaim* entry = found == entryOf_.end() ? nullptr : found->second;
+      const Standing standing = StandingOf(message, entry, isOlder[i]);
+      if (standing != Standing::kFound && (!deleted_ || entry != nullptr)) continue;
+      ndb::NodeEntry node{.trees = TreesOf(i)};
       if (entry != nullptr && view_.InUse(entry->node.nid) == nullptr) {
         node.nid = entry->node.nid;
         node.nidParent = entry->node.nidParent;
       } else {
         node.nid = ids_.Next(message.isHidden ? NidType::kAssocMessage : NidType::kNormalMessage);
       }
+      const bool isHomeless = standing == Standing::kFound && node.nidParent == kNoNid && !message.isHidden;
+      if (isHomeless) homeless.push_back(lost_.nodes.size());
       Add(node, standing);
     }
+    PlaceHomeless(homeless);
   }
 
-  Standing StandingOf(const MessageFacts& message, bool isOlder) const {
+  Standing StandingOf(const MessageFacts& message, const NodeClaim* entry, bool isOlder) {
     const BlockStatus status = view_.StatusOf(message.bid);
     if (!view_.Judged().nodesAreExact && status == BlockStatus::kLive) return Standing::kFound;
     if (isOlder) return Standing::kOlder;
     if (view_.Judged().nodesAreExact || status == BlockStatus::kFreed) return Standing::kDeleted;
-    return Standing::kFound;
+    return entry != nullptr && entry->standing == Standing::kDeleted && IsGone(entry->node) ? Standing::kDeleted
+                                                                                            : Standing::kFound;
+  }
+
+  // An entry that is no longer in use may be of a page without a newer one. But if all of its message is there, it
+  // would have been taken for it; and where the table of its folder does without it, that is why.
+  bool IsGone(const ndb::NodeEntry& entry) {
+    if (complete_.IsComplete(entry.trees)) return true;
+    return std::ranges::any_of(tables_.tables, [&](const FolderTable& table) {
+      return table.isProven && table.isCurrent && table.kind == TableKind::kContents && table.folder == entry.nidParent;
+    });
+  }
+
+  // Messages in no table are those of the folder whose table is lost, if it is lost of one folder alone and they are no
+  // more than it is short of.
+  void PlaceHomeless(std::span<const std::size_t> homeless) {
+    std::unordered_set<Nid> withTable;
+    for (const FolderTable& table : tables_.tables) {
+      if (!table.isCurrent || table.kind != TableKind::kContents) continue;
+      if (table.folder == kNoNid) return;
+      withTable.insert(table.folder);
+    }
+    Nid without = kNoNid;
+    std::size_t room = 0;
+    for (const Nid folder : existing_) {
+      const std::size_t count = withTable.contains(folder) ? 0 : CountOf(folder);
+      if (count == 0) continue;
+      if (without != kNoNid) return;
+      without = folder;
+      room = count;
+    }
+    for (const NodeClaim& claim : view_.Judged().nodes) {
+      const bool isThere = claim.node.nidParent == without && TypeOf(claim.node.nid) == NidType::kNormalMessage;
+      if (isThere && IsInUse(claim.standing) && room > 0) --room;
+    }
+    if (homeless.size() > room) return;
+    for (const std::size_t at : homeless) lost_.nodes[at].node.nidParent = without;
+  }
+
+  /// How many messages a folder says it has.
+  std::size_t CountOf(Nid folder) const {
+    if (TypeOf(folder) != NidType::kNormalFolder) return 0;
+    if (const ListedFolder* listed = tables_.Find(folder)) return listed->count;
+    ndb::Faults faults;
+    auto context = ltp::PropertyContext::Open(view_.Blocks(), {ContextOf(folder), kNoBid}, &faults);
+    return context ? static_cast<std::uint32_t>(context->Integer32(tag::kContentCount).value_or(0)) : 0;
   }
 
   // A proven table tells more of the folder than an old entry does.
@@ -264,6 +317,7 @@ class LostSearch {
   RowMatching rows_;
   FolderTables tables_;
   ContextSurvey survey_;
+  std::unordered_map<Bid, const NodeClaim*> entryOf_;  ///< by the data that they name: those not in use
   std::unordered_set<Nid> existing_;
   std::vector<Bid> listOf_;                          ///< of each message
   std::vector<bool> isTaken_;                        ///< likewise

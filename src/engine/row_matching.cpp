@@ -91,7 +91,7 @@ void RowMatching::Seal() {
   for (std::uint32_t number = 0; number < rows_.size(); ++number) {
     const Row& row = rows_[number];
     const auto agreeing = std::ranges::count_if(CellsOf(row), [](std::uint32_t cell) { return cell > kUnread; });
-    if (agreeing >= kLeastAgreements) equals_.emplace(WholeOf(row.schema, row.isHidden, CellsOf(row)), kNone);
+    if (agreeing >= kLeastAgreements) equals_[WholeOf(row.schema, row.isHidden, CellsOf(row))];
     int keys = 0;
     for (std::uint8_t property = 0; property < kKeyCount && keys < kKeysOfRow; ++property) {
       const std::uint32_t value = CellOf(row, kTelling[property]);
@@ -128,7 +128,7 @@ void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyConte
   };
   for (std::uint16_t schema = 0; schema < std::min(schemas_.size(), kMostSchemas); ++schema) {
     const auto equal = equals_.find(WholeOf(schema, isHidden, values(schema)));
-    if (equal != equals_.end()) equal->second = message;
+    if (equal != equals_.end()) equal->second.push_back(message);
   }
 
   const std::uint32_t detail =
@@ -167,10 +167,11 @@ void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyConte
   pairs_.insert(pairs_.end(), found.begin(), found.end());
 }
 
-std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses, std::span<const Nid> firstKeys) const {
+std::vector<std::uint32_t> RowMatching::Settle(const std::vector<bool>& isWanted, std::span<const Use> uses,
+                                               std::span<const Nid> firstKeys) const {
   std::vector<Pair> pairs;
   std::ranges::copy_if(pairs_, std::back_inserter(pairs),
-                       [&](const Pair& pair) { return uses[pair.message] <= Use::kFree; });
+                       [&](const Pair& pair) { return isWanted[pair.row] && uses[pair.message] <= Use::kFree; });
   std::ranges::sort(pairs, {}, [&](const Pair& pair) {
     return std::tuple(uses[pair.message], pair.differences, -int{pair.agreements}, ~pair.message, pair.turn, pair.row);
   });
@@ -181,12 +182,27 @@ std::vector<std::uint32_t> RowMatching::Settle(std::span<const Use> uses, std::s
     messageOf[pair.row] = pair.message;
     isTaken[pair.message] = true;
   }
+  // Of a great many equal ones not each pair was looked at. And what then is left are copies.
+  std::map<std::uint64_t, std::vector<std::uint32_t>> freeOf;
   for (std::uint32_t row = 0; row < rows_.size(); ++row) {
-    if (messageOf[row] != kNone) continue;
-    const auto equal = equals_.find(WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row])));
-    if (equal == equals_.end() || equal->second == kNone) continue;
-    const std::uint32_t message = equal->second;
-    if (uses[message] == Use::kTaken || isTaken[message]) messageOf[row] = message;
+    if (!isWanted[row] || messageOf[row] != kNone) continue;
+    const std::uint64_t whole = WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row]));
+    const auto equal = equals_.find(whole);
+    if (equal == equals_.end()) continue;
+    const auto [free, isNew] = freeOf.try_emplace(whole);
+    for (const std::uint32_t message : equal->second) {
+      if (isNew && uses[message] <= Use::kFree && !isTaken[message]) free->second.push_back(message);
+    }
+    if (!free->second.empty()) {
+      messageOf[row] = free->second.back();  // the newest
+      isTaken[messageOf[row]] = true;
+      free->second.pop_back();
+      continue;
+    }
+    const auto original = std::ranges::find_if(equal->second | std::views::reverse, [&](std::uint32_t message) {
+      return uses[message] == Use::kTaken || isTaken[message];
+    });
+    if (original != equal->second.rend()) messageOf[row] = *original;
   }
   OrderAmongEquals(firstKeys, messageOf);
   return messageOf;

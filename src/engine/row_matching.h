@@ -46,9 +46,11 @@ class RowMatching {
   /// What may become of a message that was offered.
   enum class Use : std::uint8_t { kFreeAndLive, kFree, kTaken, kNever };
 
-  /// The message of each row; kNone where there is none. `firstKeys` are the lowest keys of the messages.
+  /// The message of each row; kNone where there is none, and where none is wanted. `firstKeys` are the lowest keys of
+  /// the messages.
   static constexpr std::uint32_t kNone = UINT32_MAX;
-  std::vector<std::uint32_t> Settle(std::span<const Use> uses, std::span<const Nid> firstKeys) const;
+  std::vector<std::uint32_t> Settle(const std::vector<bool>& isWanted, std::span<const Use> uses,
+                                    std::span<const Nid> firstKeys) const;
 
  private:
   using Hashes = std::vector<std::uint32_t>;
@@ -86,8 +88,7 @@ class RowMatching {
   Hashes cells_;
   std::vector<Key> keys_;             ///< in order
   std::vector<std::uint32_t> turns_;  ///< how often the rows from that key on were offered
-  std::unordered_map<std::uint64_t, std::uint32_t>
-      equals_;  ///< by all cells of a row: the newest message that equals it
+  std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> equals_;  ///< by all cells: messages that equal a row
   std::vector<Pair> pairs_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 
 #include "store/format/store_nodes.h"
 
@@ -67,8 +68,10 @@ class Owners {
       }
       if (best == nullptr) continue;
       table.folder = Sibling(best->node.nid, NidType::kNormalFolder);
-      table.isProven = table.isCurrent && table.isWhole && IsInUse(best->standing) &&
-                       view_.StatusOf(table.trees.bidData) == BlockStatus::kLive;
+      table.isFirm = best->standing == Standing::kLive;
+      const bool isLive = view_.StatusOf(table.trees.bidData) == BlockStatus::kLive;
+      table.isProven =
+          table.isCurrent && table.isWhole && (table.isFirm || (isLive && best->standing == Standing::kDoubtful));
     }
   }
 
@@ -141,26 +144,42 @@ class Owners {
   }
 
   void ByCounts() {
+    for (const bool isOfKind : {true, false}) {
+      ByCounts(isOfKind, false);
+      ByCounts(isOfKind, true);
+    }
+  }
+
+  void ByCounts(bool isOfKind, bool mayHaveOlder) {
     struct Group {
       std::vector<FolderTable*> tables;
       std::vector<Nid> folders;
     };
-    std::map<std::pair<std::size_t, std::size_t>, Group> groups;  // by messages, and unread ones
-    std::set<Nid> with;
+    std::map<std::tuple<std::size_t, std::size_t, ItemKind>, Group> groups;  // by messages, and unread ones
+    std::map<Nid, const FolderTable*> tableOf;
     for (FolderTable& table : tables_.tables) {
-      if (table.isCurrent && table.kind == TableKind::kContents) with.insert(table.folder);
-      if (IsOpen(table, TableKind::kContents)) groups[{table.rows.size(), table.unread}].tables.push_back(&table);
+      if (!table.isCurrent || table.kind != TableKind::kContents) continue;
+      if (table.folder != kNoNid) {
+        tableOf.emplace(table.folder, &table);  // the newest
+      } else {
+        groups[{table.rows.size(), table.unread, isOfKind ? table.holds : ItemKind::kMail}].tables.push_back(&table);
+      }
     }
     for (const ListedFolder& folder : tables_.folders) {
-      const auto group = groups.find({folder.count, folder.unread});
-      if (group != groups.end() && !with.contains(folder.nid) && TypeOf(folder.nid) == NidType::kNormalFolder) {
-        group->second.folders.push_back(folder.nid);
-      }
+      if (TypeOf(folder.nid) != NidType::kNormalFolder) continue;
+      const auto table = tableOf.find(folder.nid);
+      if ((table != tableOf.end()) != mayHaveOlder || (mayHaveOlder && table->second->isFirm)) continue;
+      const ItemKind kind = isOfKind ? KindOf(folder.containerClass) : ItemKind::kMail;
+      const auto group = groups.find({folder.count, folder.unread, kind});
+      if (group != groups.end()) group->second.folders.push_back(folder.nid);
     }
     for (auto& [counts, group] : groups) {
       if (group.tables.size() == 1 && group.folders.size() == 1) {
-        group.tables.front()->folder = group.folders.front();
-      } else {
+        FolderTable& table = *group.tables.front();
+        const auto other = tableOf.find(group.folders.front());
+        const bool isNewer = other == tableOf.end() || other->second->trees.bidData < table.trees.bidData;
+        if (isNewer) table.folder = group.folders.front();
+      } else if (!mayHaveOlder) {
         ByDistance(group.tables, group.folders);
       }
     }
