@@ -150,12 +150,7 @@ class LostSearch {
     }
     std::vector<RowMatching::Use> uses(Messages().size());
     for (std::size_t i = 0; i < uses.size(); ++i) uses[i] = UseOf(i);
-    std::vector<Nid> firstKeys;
-    for (const MessageFacts& message : Messages()) {
-      const auto keys = survey_.messages.KeysOf(message);
-      firstKeys.push_back(keys.empty() ? kNoNid : std::ranges::min(keys));
-    }
-    const std::vector<std::uint32_t> messageOf = rows_.Settle(isWanted, uses, firstKeys);
+    const std::vector<std::uint32_t> messageOf = rows_.Settle(isWanted, std::move(uses), survey_.messages);
     std::set<Nid> done;
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowMatching::Row& row = rows_.Rows()[i];

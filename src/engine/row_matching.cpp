@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ranges>
 #include <tuple>
+#include <unordered_set>
 
 #include "store/format/property_tags.h"
 
@@ -81,7 +82,7 @@ std::uint32_t RowMatching::CellOf(const Row& row, std::uint16_t id) const {
   return column == columns.end() ? kAbsent : CellsOf(row)[static_cast<std::size_t>(column - columns.begin())];
 }
 
-std::uint64_t RowMatching::WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) const {
+std::uint64_t RowMatching::WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) {
   std::uint64_t hash = std::uint64_t{schema} << 1 | std::uint64_t{isHidden};
   for (const std::uint32_t cell : cells) hash = (hash ^ cell) * 0x9E3779B97F4A7C15 + (hash >> 29);
   return hash;
@@ -91,7 +92,7 @@ void RowMatching::Seal() {
   for (std::uint32_t number = 0; number < rows_.size(); ++number) {
     const Row& row = rows_[number];
     const auto agreeing = std::ranges::count_if(CellsOf(row), [](std::uint32_t cell) { return cell > kUnread; });
-    if (agreeing >= kLeastAgreements) equals_[WholeOf(row.schema, row.isHidden, CellsOf(row))];
+    if (agreeing >= kLeastAgreements) equals_[WholeOf(row)];
     int keys = 0;
     for (std::uint8_t property = 0; property < kKeyCount && keys < kKeysOfRow; ++property) {
       const std::uint32_t value = CellOf(row, kTelling[property]);
@@ -167,62 +168,124 @@ void RowMatching::Offer(std::uint32_t message, bool isHidden, ltp::PropertyConte
   pairs_.insert(pairs_.end(), found.begin(), found.end());
 }
 
-std::vector<std::uint32_t> RowMatching::Settle(const std::vector<bool>& isWanted, std::span<const Use> uses,
-                                               std::span<const Nid> firstKeys) const {
-  std::vector<Pair> pairs;
-  std::ranges::copy_if(pairs_, std::back_inserter(pairs),
-                       [&](const Pair& pair) { return isWanted[pair.row] && uses[pair.message] <= Use::kFree; });
-  std::ranges::sort(pairs, {}, [&](const Pair& pair) {
-    return std::tuple(uses[pair.message], pair.differences, -int{pair.agreements}, ~pair.message, pair.turn, pair.row);
-  });
-  std::vector<std::uint32_t> messageOf(rows_.size(), kNone);
-  std::vector<bool> isTaken(uses.size());
-  for (const Pair& pair : pairs) {
-    if (messageOf[pair.row] != kNone || isTaken[pair.message]) continue;
-    messageOf[pair.row] = pair.message;
-    isTaken[pair.message] = true;
+/// Gives the rows their messages, best pairs first.
+class RowMatching::Settling {
+ public:
+  Settling(const RowMatching& matching, const std::vector<bool>& isWanted, std::vector<Use> uses,
+           const MessageContexts& messages)
+      : matching_(matching),
+        isWanted_(isWanted),
+        uses_(std::move(uses)),
+        messages_(messages),
+        messageOf_(matching.rows_.size(), kNone),
+        isTaken_(uses_.size()) {
+    for (std::size_t i = 0; i < uses_.size(); ++i) isTaken_[i] = uses_[i] == Use::kTaken;
+    for (const auto& [whole, equal] : matching_.equals_) MarkOlder(equal);
   }
-  // Of a great many equal ones not each pair was looked at. And what then is left are copies.
-  std::map<std::uint64_t, std::vector<std::uint32_t>> freeOf;
-  for (std::uint32_t row = 0; row < rows_.size(); ++row) {
-    if (!isWanted[row] || messageOf[row] != kNone) continue;
-    const std::uint64_t whole = WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row]));
-    const auto equal = equals_.find(whole);
-    if (equal == equals_.end()) continue;
-    const auto [free, isNew] = freeOf.try_emplace(whole);
-    for (const std::uint32_t message : equal->second) {
-      if (isNew && uses[message] <= Use::kFree && !isTaken[message]) free->second.push_back(message);
-    }
-    if (!free->second.empty()) {
-      messageOf[row] = free->second.back();  // the newest
-      isTaken[messageOf[row]] = true;
-      free->second.pop_back();
-      continue;
-    }
-    const auto original = std::ranges::find_if(equal->second | std::views::reverse, [&](std::uint32_t message) {
-      return uses[message] == Use::kTaken || isTaken[message];
-    });
-    if (original != equal->second.rend()) messageOf[row] = *original;
-  }
-  OrderAmongEquals(firstKeys, messageOf);
-  return messageOf;
-}
 
-// Rows that are equal get their messages in order: the ids of nodes and of values grow with time, and both stay when a
-// message is written anew.
-void RowMatching::OrderAmongEquals(std::span<const Nid> firstKeys, std::vector<std::uint32_t>& messageOf) const {
-  std::map<std::uint64_t, std::vector<std::uint32_t>> equalRows;
-  for (std::uint32_t row = 0; row < rows_.size(); ++row) {
-    if (messageOf[row] == kNone) continue;
-    equalRows[WholeOf(rows_[row].schema, rows_[row].isHidden, CellsOf(rows_[row]))].push_back(row);
+  void TakePairs(Use from, Use to) {
+    std::vector<Pair> pairs;
+    std::ranges::copy_if(matching_.pairs_, std::back_inserter(pairs), [&](const Pair& pair) {
+      return isWanted_[pair.row] && uses_[pair.message] >= from && uses_[pair.message] <= to;
+    });
+    std::ranges::sort(pairs, {}, [&](const Pair& pair) {
+      return std::tuple(uses_[pair.message], pair.differences, -int{pair.agreements}, ~pair.message, pair.turn,
+                        pair.row);
+    });
+    for (const Pair& pair : pairs) {
+      if (messageOf_[pair.row] != kNone || isTaken_[pair.message]) continue;
+      if (to == Use::kOlder && TakeCopy(pair.row)) continue;
+      messageOf_[pair.row] = pair.message;
+      isTaken_[pair.message] = true;
+    }
   }
-  for (auto& [whole, rows] : equalRows) {
-    std::ranges::sort(rows, {}, [&](std::uint32_t row) { return std::pair(rows_[row].nid, row); });
-    std::vector<std::uint32_t> messages;
-    for (const std::uint32_t row : rows) messages.push_back(messageOf[row]);
-    std::ranges::sort(messages, {}, [&](std::uint32_t message) { return std::pair(firstKeys[message], message); });
-    for (std::size_t i = 0; i < rows.size(); ++i) messageOf[rows[i]] = messages[i];
+
+  // Of a great many equal ones not each pair was looked at.
+  void TakeEquals() {
+    std::unordered_map<std::uint64_t, std::size_t> looked;
+    for (std::uint32_t row = 0; row < messageOf_.size(); ++row) {
+      if (!isWanted_[row] || messageOf_[row] != kNone) continue;
+      const std::span<const std::uint32_t> equal = EqualsOf(row);
+      for (std::size_t& at = looked[WholeOf(row)]; at < equal.size() && messageOf_[row] == kNone; ++at) {
+        const std::uint32_t message = equal[equal.size() - 1 - at];  // the newest first
+        if (uses_[message] > Use::kFree || isTaken_[message]) continue;
+        messageOf_[row] = message;
+        isTaken_[message] = true;
+      }
+      if (messageOf_[row] == kNone) TakeCopy(row);
+    }
   }
+
+  // Rows that are equal get their messages in order: the ids of nodes and of values grow with time, and both stay when
+  // a message is written anew.
+  void OrderAmongEquals() {
+    const auto firstKey = [this](std::uint32_t message) {
+      const auto keys = messages_.KeysOf(messages_.facts[message]);
+      return keys.empty() ? kNoNid : std::ranges::min(keys);
+    };
+    std::map<std::uint64_t, std::vector<std::uint32_t>> equalRows;
+    for (std::uint32_t row = 0; row < messageOf_.size(); ++row) {
+      if (messageOf_[row] != kNone) equalRows[WholeOf(row)].push_back(row);
+    }
+    for (auto& [whole, rows] : equalRows) {
+      std::ranges::sort(rows, {}, [&](std::uint32_t row) { return std::pair(matching_.rows_[row].nid, row); });
+      std::vector<std::uint32_t> messages;
+      for (const std::uint32_t row : rows) messages.push_back(messageOf_[row]);
+      std::ranges::sort(messages, {}, [&](std::uint32_t message) { return std::pair(firstKey(message), message); });
+      for (std::size_t i = 0; i < rows.size(); ++i) messageOf_[rows[i]] = messages[i];
+    }
+  }
+
+  std::vector<std::uint32_t> Messages() && { return std::move(messageOf_); }
+
+ private:
+  void MarkOlder(std::span<const std::uint32_t> equal) {
+    std::unordered_set<Nid> keysOfNewer;
+    for (const std::uint32_t message : equal | std::views::reverse) {
+      if (uses_[message] == Use::kNever) continue;
+      const auto keys = messages_.KeysOf(messages_.facts[message]);
+      const bool isOlder = std::ranges::any_of(keys, [&](Nid key) { return keysOfNewer.contains(key); });
+      if (isOlder && uses_[message] == Use::kFree) uses_[message] = Use::kOlder;
+      keysOfNewer.insert(keys.begin(), keys.end());
+    }
+  }
+
+  std::uint64_t WholeOf(std::uint32_t row) const { return matching_.WholeOf(matching_.rows_[row]); }
+
+  std::span<const std::uint32_t> EqualsOf(std::uint32_t row) const {
+    const auto equal = matching_.equals_.find(WholeOf(row));
+    return equal == matching_.equals_.end() ? std::span<const std::uint32_t>() : equal->second;
+  }
+
+  /// Makes the row a copy of the newest message that equals it and has its row or its node.
+  bool TakeCopy(std::uint32_t row) {
+    const auto [known, isNew] = originals_.try_emplace(WholeOf(row), kNone);
+    if (known->second == kNone) {
+      const auto equal = EqualsOf(row) | std::views::reverse;
+      const auto original = std::ranges::find_if(equal, [&](std::uint32_t message) { return isTaken_[message]; });
+      if (original != equal.end()) known->second = *original;
+    }
+    messageOf_[row] = known->second;
+    return messageOf_[row] != kNone;
+  }
+
+  const RowMatching& matching_;
+  const std::vector<bool>& isWanted_;
+  std::vector<Use> uses_;
+  const MessageContexts& messages_;
+  std::vector<std::uint32_t> messageOf_;
+  std::vector<bool> isTaken_;
+  std::unordered_map<std::uint64_t, std::uint32_t> originals_;  ///< of copies, by all cells
+};
+
+std::vector<std::uint32_t> RowMatching::Settle(const std::vector<bool>& isWanted, std::vector<Use> uses,
+                                               const MessageContexts& messages) const {
+  Settling settling(*this, isWanted, std::move(uses), messages);
+  settling.TakePairs(Use::kFreeAndLive, Use::kFree);
+  settling.TakeEquals();
+  settling.TakePairs(Use::kOlder, Use::kOlder);
+  settling.OrderAmongEquals();
+  return std::move(settling).Messages();
 }
 
 }  // namespace velmora::engine

@@ -6,7 +6,8 @@
 // differences it is no match. Messages whose block is known to be live come ahead of those of which that is not known.
 //
 // A copy that is made within a store shares the blocks of what it was made from: a row that is left and equals in
-// everything a message that has its row, or its node, is a copy of it.
+// everything a message that has its row, or its node, is a copy of it. Of messages that equal the same row and have
+// values in the same sub-nodes all but the newest are older versions, whose turn comes last.
 #pragma once
 
 #include <array>
@@ -44,13 +45,12 @@ class RowMatching {
   void Offer(std::uint32_t message, bool isHidden, ltp::PropertyContext& context);
 
   /// What may become of a message that was offered.
-  enum class Use : std::uint8_t { kFreeAndLive, kFree, kTaken, kNever };
+  enum class Use : std::uint8_t { kFreeAndLive, kFree, kOlder, kTaken, kNever };
 
-  /// The message of each row; kNone where there is none, and where none is wanted. `firstKeys` are the lowest keys of
-  /// the messages.
+  /// The message of each row; kNone where there is none, and where none is wanted.
   static constexpr std::uint32_t kNone = UINT32_MAX;
-  std::vector<std::uint32_t> Settle(const std::vector<bool>& isWanted, std::span<const Use> uses,
-                                    std::span<const Nid> firstKeys) const;
+  std::vector<std::uint32_t> Settle(const std::vector<bool>& isWanted, std::vector<Use> uses,
+                                    const MessageContexts& messages) const;
 
  private:
   using Hashes = std::vector<std::uint32_t>;
@@ -78,8 +78,9 @@ class RowMatching {
     return std::span(cells_).subspan(row.firstCell, schemas_[row.schema].size());
   }
   std::uint32_t CellOf(const Row& row, std::uint16_t id) const;
-  std::uint64_t WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells) const;
-  void OrderAmongEquals(std::span<const Nid> firstKeys, std::vector<std::uint32_t>& messageOf) const;
+  static std::uint64_t WholeOf(std::uint16_t schema, bool isHidden, std::span<const std::uint32_t> cells);
+  std::uint64_t WholeOf(const Row& row) const { return WholeOf(row.schema, row.isHidden, CellsOf(row)); }
+  class Settling;
   std::optional<Pair> Compare(std::uint32_t row, std::span<const std::uint32_t> values) const;
 
   std::vector<std::vector<PropTag>> schemas_;  ///< the columns that are compared

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """salvage_check.py PROGRAM STORES TOOLS [--seed N] [--case NAME...] - which messages of damaged stores are known again.
 
-Makes damaged copies of each store (TOOLS/damage.py), lets PROGRAM (velmora-evidence --lost) find their nodes, and compares
+Makes damaged copies of each store (TOOLS/damage.py, and two without any tree page, old ones too), lets PROGRAM (velmora-evidence --lost) find their nodes, and compares
 the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
 is found when a node leads to the same data and the same list of sub-nodes. Copies share blocks, so ids do not count, but
 each node counts once. "too much" are nodes that lead to what is no live message, "hurt" the messages of which a block is
@@ -36,6 +36,22 @@ def found_by(program, path):
         elif word[0] == "row":
             rows.add(int(word[1], 16))
     return nodes, folders, rows
+
+
+def without_pages(whole, types):
+    """the file without any page of the trees, old ones too"""
+    import pstcheck
+    data = bytearray(open(whole, "rb").read())
+    size, at = (4096, 4072) if data[10] == 36 else (512, 496 if data[10] >= 20 else 500)
+    at_sum = at + (8 if at == 500 else 4)
+    for page in range(0, len(data) - size + 1, size):
+        sum_told = int.from_bytes(data[page + at_sum:page + at_sum + 4], "little")
+        if data[page + at] in types and sum_told == pstcheck.crc_pst(bytes(data[page:page + at])):
+            data[page:page + size] = bytes(size)
+    return data
+
+
+OF_OUR_OWN = {"all_node_pages": (0x81,), "all_pages": (0x80, 0x81)}
 
 
 class Truth:
@@ -101,13 +117,17 @@ def main():
     sys.setrecursionlimit(4000)
     damage = os.path.join(a.tools, "damage.py")
     listed = subprocess.run([sys.executable, damage, "--list"], check=True, capture_output=True, text=True).stdout.split()
-    sums = {case: collections.Counter() for case in listed}
+    sums = {case: collections.Counter() for case in [*listed, *OF_OUR_OWN]}
     for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
         truth = Truth(path)
         with tempfile.TemporaryDirectory() as folder:
             subprocess.run([sys.executable, damage, path, folder, "--seed", a.seed] +
                            (["--case", *a.case] if a.case else []), check=True)
-            for case in listed:
+            for case, types in OF_OUR_OWN.items():
+                if not a.case or case in a.case:
+                    with open(os.path.join(folder, case + os.path.splitext(path)[1]), "wb") as out:
+                        out.write(without_pages(path, types))
+            for case in sums:
                 copy = os.path.join(folder, case + os.path.splitext(path)[1])
                 if os.path.exists(copy):
                     row = score(truth, a.program, copy, a.verbose)
