@@ -6,8 +6,8 @@
 namespace velmora::engine {
 namespace {
 
-/// Of lists that hold one key. Versions of one message are few.
-constexpr std::size_t kMostVersions = 64;
+/// Of lists that hold a key which many of them hold, so many are tried that were written nearest to the message.
+constexpr std::size_t kMostTried = 64;
 
 constexpr std::size_t kNeighbours = 12;  ///< on each side
 constexpr std::uint64_t kNear = 64;      ///< of ids, where the sizes do not tell
@@ -15,15 +15,22 @@ constexpr std::uint64_t kJustBefore = 2 * kBidStep;
 
 std::uint64_t Distance(Bid a, Bid b) { return Value(a) < Value(b) ? Value(b) - Value(a) : Value(a) - Value(b); }
 
-/// The lists that hold all keys, up to kMostVersions of the newest that hold the rarest.
-std::vector<Bid> Holding(const SubnodeLists& lists, std::span<const Nid> keys) {
+/// The lists that hold all keys.
+std::vector<Bid> Holding(const SubnodeLists& lists, Bid bid, std::span<const Nid> keys) {
   std::span<const SubnodeLists::Entry> fewest;
   for (const Nid key : keys) {
     const auto held = lists.Holding(key);
     if (key == keys.front() || held.size() < fewest.size()) fewest = held;
     if (held.size() <= 1) break;
   }
-  if (fewest.size() > kMostVersions) fewest = fewest.last(kMostVersions);
+  if (fewest.size() > kMostTried) {
+    const auto above = std::ranges::lower_bound(
+        fewest, bid, {}, [&](const SubnodeLists::Entry& entry) { return lists.All()[entry.list].bid; });
+    const auto before = std::min<std::size_t>(above - fewest.begin(), kMostTried / 2);
+    const std::size_t first =
+        std::min(static_cast<std::size_t>(above - fewest.begin()) - before, fewest.size() - kMostTried);
+    fewest = fewest.subspan(first, kMostTried);
+  }
   std::vector<Bid> holding;
   for (const SubnodeLists::Entry& entry : fewest) {
     const bool all = std::ranges::all_of(keys, [&](Nid key) { return lists.Holds(entry.list, key); });
@@ -36,7 +43,8 @@ Bid Best(const EvidenceView& view, const MessageFacts& message, std::span<const 
   if (lists.size() <= 1) return lists.empty() ? kNoBid : lists.front();
   const bool isFreed = view.IsFreed(message.bid);
   const auto rank = [&](Bid list) {
-    return std::tuple(isFreed || !view.IsFreed(list), sizes.Of({message.bid, list}) == message.size, list);
+    const std::uint64_t last = message.hasCommonKeys ? ~Distance(message.bid, list) : Value(list);
+    return std::tuple(isFreed || !view.IsFreed(list), sizes.Of({message.bid, list}) == message.size, last);
   };
   return *std::ranges::max_element(lists, {}, rank);
 }
@@ -80,7 +88,7 @@ void AddNeighbours(const EvidenceView& view, const MessageContexts& messages, st
 Bid ListOfKeys(const EvidenceView& view, Bid bid, std::span<const Nid> keys, const SubnodeLists& lists) {
   if (keys.empty()) return kNoBid;
   Bid best = kNoBid;
-  for (const Bid list : Holding(lists, keys)) {
+  for (const Bid list : Holding(lists, bid, keys)) {
     if (view.IsFreed(bid) || !view.IsFreed(list)) best = std::max(best, list);
   }
   return best;
@@ -105,7 +113,7 @@ std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& 
     const MessageFacts& message = messages.facts[i];
     if (view.IsDataInUse(message.bid)) continue;
     if (message.keyCount != 0) {
-      listOf[i] = Best(view, message, Holding(lists, messages.KeysOf(message)), sizes);
+      listOf[i] = Best(view, message, Holding(lists, message.bid, messages.KeysOf(message)), sizes);
     } else {
       AddNeighbours(view, messages, i, lists.All(), keyless, sizes, candidates);
     }

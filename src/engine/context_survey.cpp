@@ -39,8 +39,8 @@ std::uint32_t FingerprintOf(ltp::PropertyContext& folder) {
 
 }  // namespace
 
-ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, std::span<const ListedFolder> folders,
-                             RowMatching& rows, RunContext& run) {
+ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, const SubnodeLists& lists,
+                             std::span<const ListedFolder> folders, RowMatching& rows, RunContext& run) {
   ContextSurvey survey;
   std::unordered_set<std::uint32_t> listed;
   for (const ListedFolder& folder : folders) listed.insert(folder.fingerprint);
@@ -53,7 +53,7 @@ ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids
     const bool isOld = view.IsFreed(bid) && !view.IsDataInUse(bid);
     if (IsMessage(*context)) {
       if (!isOld) rows.Offer(static_cast<std::uint32_t>(survey.messages.facts.size()), IsHidden(*context), *context);
-      AddFacts(bid, *context, survey.messages);
+      AddFacts(bid, *context, lists, survey.messages);
     } else if (isOld) {
       continue;
     } else if (IsStore(*context)) {

@@ -18,8 +18,8 @@ struct ContextSurvey {
 };
 
 /// Offers the messages to `rows`, which is sealed.
-ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, std::span<const ListedFolder> folders,
-                             RowMatching& rows, RunContext& run);
+ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, const SubnodeLists& lists,
+                             std::span<const ListedFolder> folders, RowMatching& rows, RunContext& run);
 
 /// The keys of a context, read again.
 std::vector<Nid> KeysOfContext(const EvidenceView& view, Bid bid);

@@ -24,22 +24,22 @@ namespace {
 /// Ids for what has none: above all others and, where there is no room left, those that nobody has.
 class FreeIds {
  public:
-  void Note(Nid nid) { used_.insert(IndexOf(nid)); }
+  void Note(Nid nid) { used_.push_back(IndexOf(nid)); }
+  void Settle() {
+    std::ranges::sort(used_);
+    highest_ = used_.empty() ? kFirstFreeNidIndex : std::max(used_.back(), kFirstFreeNidIndex);
+  }
 
   Nid Next(NidType type) {
-    const std::uint32_t last = used_.empty() ? kFirstFreeNidIndex : std::max(*used_.rbegin(), kFirstFreeNidIndex);
-    if (last < kMaxNidIndex) {
-      next_ = last + 1;
-    } else {
-      while (used_.contains(next_)) ++next_;
-    }
-    used_.insert(next_);
-    return MakeNid(type, next_);
+    if (highest_ < kMaxNidIndex) return MakeNid(type, ++highest_);
+    while (std::ranges::binary_search(used_, gap_)) ++gap_;
+    return MakeNid(type, gap_++);
   }
 
  private:
-  std::set<std::uint32_t> used_;
-  std::uint32_t next_ = kFirstFreeNidIndex;
+  std::vector<std::uint32_t> used_;
+  std::uint32_t highest_ = 0;
+  std::uint32_t gap_ = kFirstFreeNidIndex;
 };
 
 class LostSearch {
@@ -56,7 +56,7 @@ class LostSearch {
     const SubnodeLists lists(view_, tops.lists, run_);
     tables_ = ReadFolderTables(view_, tops.tables, lists, rows_, run_);
     rows_.Seal();
-    survey_ = SurveyContexts(view_, tops.contexts, tables_.folders, rows_, run_);
+    survey_ = SurveyContexts(view_, tops.contexts, lists, tables_.folders, rows_, run_);
     AssignOwners(
         view_, survey_.folders, [this](Nid folder) { return ContextOf(folder); }, tables_);
     existing_ = ExistingFolders(view_, tables_);
@@ -89,6 +89,7 @@ class LostSearch {
     for (const FolderTable& table : tables_.tables) {
       for (const Nid row : table.rows) ids_.Note(row);
     }
+    ids_.Settle();
   }
 
   void Add(const ndb::NodeEntry& node, Standing standing) { lost_.nodes.push_back({node, standing}); }

@@ -242,7 +242,7 @@ class RowMatching::Settling {
   void MarkOlder(std::span<const std::uint32_t> equal) {
     std::unordered_set<Nid> keysOfNewer;
     for (const std::uint32_t message : equal | std::views::reverse) {
-      if (uses_[message] == Use::kNever) continue;
+      if (uses_[message] == Use::kNever || messages_.facts[message].hasCommonKeys) continue;
       const auto keys = messages_.KeysOf(messages_.facts[message]);
       const bool isOlder = std::ranges::any_of(keys, [&](Nid key) { return keysOfNewer.contains(key); });
       if (isOlder && uses_[message] == Use::kFree) uses_[message] = Use::kOlder;
