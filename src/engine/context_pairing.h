@@ -1,8 +1,10 @@
 // Which list of sub-nodes belongs to a message whose node entry is gone.
 //
 // By its keys: a list that holds all of them. Of several, which are of versions of one message: one that is not freed
-// if the message is not; then one with which the sizes add up to what the message tells; then the newest or, where many
-// lists hold the same keys, the nearest.
+// if the message is not; then one with which the sizes add up to what the message tells; then the newest.
+//
+// Where many lists hold the same keys, each list is of one message: first those with which the sizes add up, then the
+// nearest by id.
 //
 // Without keys the list must fit what the message tells of itself: it has a table of recipients if there are some, and
 // one of attachments if and only if there are some; of the neighbours by id, those first with which the sizes add up,

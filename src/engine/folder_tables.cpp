@@ -89,7 +89,7 @@ class Reading {
           break;
       }
     }
-    if (table.kind == TableKind::kContents) table.holds = KindOf(open->Text(0, IdOf(tag::kMessageClass)));
+    if (table.kind == TableKind::kContents) table.holds = ItemKindOf(open->Text(0, IdOf(tag::kMessageClass)));
     table.isWhole = open->IsWhole() && rows.RowCount() == shape.rows.size();
   }
 
@@ -122,7 +122,7 @@ class Reading {
 
 }  // namespace
 
-ItemKind KindOf(text::TextView itemClass) {
+ItemKind ItemKindOf(text::TextView itemClass) {
   const ItemKind kind = KindOfClass(itemClass).value_or(ItemKind::kMail);
   return kind == ItemKind::kMeeting ? ItemKind::kMail : kind;
 }

@@ -42,7 +42,7 @@ struct ListedFolder {
 };
 
 /// What a folder or an item of that class is; all that is nothing special is mail.
-ItemKind KindOf(text::TextView itemClass);
+ItemKind ItemKindOf(text::TextView itemClass);
 
 /// A hash of what the row of a folder and the folder itself have in common.
 std::uint32_t FolderFingerprint(std::span<const std::byte> name, std::span<const std::byte> containerClass,

@@ -169,7 +169,7 @@ class Owners {
       if (TypeOf(folder.nid) != NidType::kNormalFolder) continue;
       const auto table = tableOf.find(folder.nid);
       if ((table != tableOf.end()) != mayHaveOlder || (mayHaveOlder && table->second->isFirm)) continue;
-      const ItemKind kind = isOfKind ? KindOf(folder.containerClass) : ItemKind::kMail;
+      const ItemKind kind = isOfKind ? ItemKindOf(folder.containerClass) : ItemKind::kMail;
       const auto group = groups.find({folder.count, folder.unread, kind});
       if (group != groups.end()) group->second.folders.push_back(folder.nid);
     }
