@@ -6,7 +6,7 @@ namespace velmora::engine {
 namespace {
 
 /// Of lists that hold a key which many of them hold, so many are tried that were written nearest to the message.
-constexpr std::size_t kMostTried = 64;
+constexpr std::size_t kMostTried = 16;
 
 constexpr std::size_t kNeighbours = 12;  ///< on each side
 constexpr std::uint64_t kNear = 64;      ///< of ids, where the sizes do not tell

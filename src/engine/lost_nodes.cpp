@@ -78,10 +78,8 @@ class LostSearch {
 
   Bid ContextOf(Nid folder) const {
     if (const NodeClaim* claim = view_.InUse(folder)) return Canonical(claim->node.trees.bidData);
-    const ListedFolder* listed = tables_.Find(folder);
-    if (listed == nullptr) return kNoBid;
-    const auto context = survey_.folderOf.find(listed->fingerprint);
-    return context == survey_.folderOf.end() ? kNoBid : context->second;
+    const auto context = survey_.contextOf.find(folder);
+    return context == survey_.contextOf.end() ? kNoBid : context->second;
   }
 
   void NoteIds() {

@@ -16,6 +16,9 @@ constexpr Nid kOfflineFinder{0x20E2};
 constexpr Nid kOfflineTop{0x2142};
 constexpr Nid kOfflineDeletedItems{0x2162};
 
+/// Ids between a folder and its table that were written together.
+constexpr std::uint64_t kWrittenTogether = 16 * kBidStep;
+
 constexpr NidType TypeOfTable(TableKind kind) {
   switch (kind) {
     case TableKind::kHierarchy:
@@ -185,8 +188,8 @@ class Owners {
     }
   }
 
-  // Each table gets the folder that was written nearest to it; the nearest pairs go first. A table whose folder went to
-  // another gets the nearest of those that are left.
+  // Each table gets the folder that was written nearest to it; the nearest pairs go first. What was not written
+  // together goes by age, if as many folders as tables are left; else again the nearest.
   void ByDistance(std::span<FolderTable* const> tables, std::span<const Nid> folders) const {
     std::map<Bid, Nid> free;
     for (const Nid folder : folders) {
@@ -203,6 +206,22 @@ class Owners {
       if (!free.empty()) order.emplace_back(Distance(nearest(*table)->first, *table), table);
     }
     std::ranges::stable_sort(order, {}, &std::pair<std::uint64_t, FolderTable*>::first);
+    std::erase_if(order, [&](const auto& nearestOf) {
+      const auto& [distance, table] = nearestOf;
+      if (distance > kWrittenTogether || free.empty()) return false;
+      const auto folder = nearest(*table);
+      if (Distance(folder->first, *table) > kWrittenTogether) return false;
+      table->folder = folder->second;
+      free.erase(folder);
+      return true;
+    });
+    if (order.size() == free.size()) {
+      std::ranges::sort(order, {}, [](const auto& nearestOf) { return nearestOf.second->trees.bidData; });
+      for (const auto& [distance, table] : order) {
+        table->folder = free.begin()->second;
+        free.erase(free.begin());
+      }
+    }
     for (const auto& [distance, table] : order) {
       if (free.empty()) return;
       const auto folder = nearest(*table);

@@ -399,8 +399,8 @@ TEST_P(LostNodesTest, AmongEqualCountsATableGoesToAFolderForItsKind) {
   meeting.messageClass = u"IPM.Appointment";
   const auto letter = box_.AddMessage(inbox, Letter(u"Letter", 1));
   const auto appointment = box_.AddMessage(calendar, meeting);
+  box_.CloseFolder(calendar);  // so by age its table would be the inbox's
   box_.CloseFolder(inbox);
-  box_.CloseFolder(calendar);  // so its table is the nearest to what is written of the inbox
   WreckedStore store(box_.Finish());
   store.LoseAllNodes();
   const LostNodes lost = store.Find();
@@ -408,16 +408,31 @@ TEST_P(LostNodesTest, AmongEqualCountsATableGoesToAFolderForItsKind) {
   EXPECT_EQ(ClaimTo(lost, appointment.nid).node.nidParent, Nid{calendar});
 }
 
+TEST_P(LostNodesTest, TablesOfFoldersThatAreAlikeGoByAge) {
+  std::map<forge::Nid, forge::Nid> folderOf;
+  for (unsigned i = 0; i < 30; ++i) {
+    const auto folder = box_.AddFolder({.name = u"Archive"});
+    for (unsigned n = 0; n < 2; ++n) {
+      folderOf[box_.AddMessage(folder, Letter(u"Letter " + text::Decimal(i), n + 1)).nid] = folder;
+    }
+    box_.CloseFolder(folder);
+  }
+  WreckedStore store(box_.Finish());
+  store.LoseAllNodes();
+  const LostNodes lost = store.Find();
+  for (const auto& [letter, folder] : folderOf) EXPECT_EQ(ClaimTo(lost, letter).node.nidParent, Nid{folder});
+}
+
 TEST_P(LostNodesTest, OldEntriesOfItsMessagesTellWhoseATableIs) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
   const auto work = box_.AddFolder({.name = u"Work"});
   const auto letter = box_.AddMessage(inbox, Letter(u"Letter", 1));
   const auto report = box_.AddMessage(work, Letter(u"Report", 2));
-  box_.CloseFolder(inbox);
   box_.CloseFolder(work);
+  box_.CloseFolder(inbox);
   WreckedStore store(box_.Finish());
   store.LoseAllNodes();
-  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by what stands nearest";
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by age";
   for (const auto& [message, folder] : {std::pair(letter, inbox), std::pair(report, work)}) {
     store.Claim({Nid{message.nid}, {Bid{0xFFFF0}, kNoBid}, Nid{folder}}, Standing::kDeleted);
   }
@@ -433,12 +448,12 @@ TEST_P(LostNodesTest, OlderVersionsOfATableTellWhoseItIs) {
   box_.AddMessage(work, Letter(u"Report", 2));
   const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{letter.nid, {}}, {0x300024, {}}});
   const Bid oldTable{Store().AddDataBlocks(old.blocks)};
-  box_.CloseFolder(inbox);
   box_.CloseFolder(work);
+  box_.CloseFolder(inbox);
   WreckedStore store(box_.Finish());
   store.LoseAllNodes();
   store.SetStatus(oldTable, BlockStatus::kFreed);
-  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by what stands nearest";
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by age";
   store.Claim({Nid{(inbox & ~0x1Fu) | 0x0E}, {oldTable, kNoBid}, kNoNid}, Standing::kOlder);
   EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{inbox});
 }
