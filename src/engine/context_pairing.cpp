@@ -7,6 +7,7 @@ namespace {
 
 /// Of lists that hold a key which many of them hold, so many are tried that were written nearest to the message.
 constexpr std::size_t kMostTried = 16;
+constexpr std::size_t kMostKept = 4;  ///< of them, the nearest
 
 constexpr std::size_t kNeighbours = 12;  ///< on each side
 constexpr std::uint64_t kNear = 64;      ///< of ids, where the sizes do not tell
@@ -141,8 +142,11 @@ std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& 
       neighbours.AddKeyless(message, i);
       continue;
     }
-    const std::vector<std::uint32_t> holding = Holding(lists, message.bid, messages.KeysOf(message));
+    std::vector<std::uint32_t> holding = Holding(lists, message.bid, messages.KeysOf(message));
     if (message.hasCommonKeys) {
+      const auto distance = [&](std::uint32_t list) { return Distance(message.bid, lists.All()[list].bid); };
+      std::ranges::stable_sort(holding, {}, distance);
+      if (holding.size() > kMostKept) holding.resize(kMostKept);
       for (const std::uint32_t list : holding) neighbours.Add(message, i, list);
     } else {
       listOf[i] = Best(view, message, lists, holding, sizes);

@@ -33,7 +33,7 @@ constexpr std::size_t kMostSchemas =
     8;                         ///< that a message is compared under; the stores of one program have two or three
 constexpr int kKeysOfRow = 2;  ///< one of them may have changed, or be missing in the message
 constexpr std::size_t kMostRows = 16;  ///< that a message is compared with for one telling property
-constexpr std::size_t kMostPairs = 8;  ///< that are kept of a message
+constexpr std::size_t kMostPairs = 4;  ///< that are kept of a message
 
 std::uint32_t Hashed(std::span<const std::byte> bytes) { return std::max(HashOf(bytes), kUnread + 1); }
 
