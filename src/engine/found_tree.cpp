@@ -19,7 +19,7 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
     if (!head || head->cEnt == 0 || head->cLevel != found.level) continue;  // it was written over meanwhile
     TreePage page{found, UINT64_MAX, 0, content_.size(), head->cEnt, head->cbEnt};
     content_.insert(content_.end(), bytes.begin(), bytes.begin() + std::size_t{page.count} * page.pitch);
-    if (found.grade == Grade::kHurt) DropOddEntry(page, bytes, *head);
+    if (found.grade == Grade::kHurt) DropOddEntries(page, bytes, *head);
     for (std::size_t i = 0; i < page.count; ++i) {
       page.first = std::min(page.first, Key(page, i));
       page.last = std::max(page.last, Key(page, i));
@@ -31,12 +31,13 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
 }
 
 // A key out of order has wrong bits, so its entry is another node's or block's.
-void FoundTree::DropOddEntry(TreePage& page, PageView bytes, const BtPageHead& head) {
-  const std::size_t odd = OddEntry(bytes, type_, head, layout_).value_or(page.count);
-  if (odd == page.count) return;
-  const auto at = content_.begin() + static_cast<std::ptrdiff_t>(page.begin + odd * page.pitch);
-  content_.erase(at, at + page.pitch);
-  --page.count;
+void FoundTree::DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head) {
+  const auto odd = OddEntries(bytes, type_, head, layout_);
+  if (!odd) return;
+  for (auto at = odd->rbegin(); at != odd->rend(); ++at, --page.count) {
+    const auto entry = content_.begin() + static_cast<std::ptrdiff_t>(page.begin + *at * page.pitch);
+    content_.erase(entry, entry + page.pitch);
+  }
 }
 
 std::uint64_t FoundTree::Key(const TreePage& page, std::size_t i) const {

@@ -49,7 +49,7 @@ class FoundTree {
   std::uint64_t ChildId(const TreePage& page, std::size_t i) const;
 
  private:
-  void DropOddEntry(TreePage& page, PageView bytes, const BtPageHead& head);
+  void DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head);
 
   const Generation& layout_;
   PageType type_;

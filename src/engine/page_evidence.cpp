@@ -29,13 +29,15 @@ std::optional<BtPageHead> SoundHead(PageView page, PageType type, const Generati
   return head;
 }
 
-std::optional<std::size_t> OddEntry(PageView page, PageType type, const BtPageHead& head, const Generation& layout) {
-  if (AscendWithout(head.cEnt, page, type, head, layout)) return head.cEnt;
-  if (head.cEnt < 3) return std::nullopt;  // which of two is the odd one nothing tells
+std::optional<std::vector<std::size_t>> OddEntries(PageView page, PageType type, const BtPageHead& head,
+                                                   const Generation& layout) {
+  std::vector<std::size_t> odd;
+  if (AscendWithout(head.cEnt, page, type, head, layout)) return odd;
   for (std::size_t i = 0; i < head.cEnt; ++i) {
-    if (AscendWithout(i, page, type, head, layout)) return i;
+    if (AscendWithout(i, page, type, head, layout)) odd.push_back(i);
   }
-  return std::nullopt;
+  if (odd.empty() || odd.size() == head.cEnt) return std::nullopt;
+  return odd;
 }
 
 std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Generation& layout) {
@@ -52,7 +54,7 @@ std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Ge
   const std::uint64_t id = layout.LoadWord(page, layout.offPageId);
   const bool isSigned = Load<std::uint16_t>(page, layout.offPageSig) == ComputeSig(offset, id);
   const bool isWhole = Load<std::uint32_t>(page, layout.offPageCrc) == WeakCrc(page.first(layout.offPageType));
-  if (!isWhole && !(isSigned && head->cEnt != 0 && OddEntry(page, type, *head, layout))) return std::nullopt;
+  if (!isWhole && !(isSigned && head->cEnt != 0 && OddEntries(page, type, *head, layout))) return std::nullopt;
   const Grade grade = !isWhole ? Grade::kHurt : isSigned ? Grade::kProven : Grade::kMoved;
   return FoundPage{offset, id, type, head->cLevel, grade};
 }

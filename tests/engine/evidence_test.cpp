@@ -103,13 +103,27 @@ TEST_P(EveryFormatTest, BlocksBehindBytesThatWereLostAreFoundWhereTheyStandNow) 
   std::uint64_t lost = 0;
   for (std::size_t i = 0; i < count; ++i) {
     if (i == count - 1 || i == count / 2 || i == count / 4) {
+      if (const FoundBlock* block = evidence_.Find(velmora::Bid{image.blocks[i].bid})) {
+        EXPECT_EQ(block->grade, Grade::kNamed);
+        EXPECT_EQ(block->offset, image.blocks[i].offset - lost) << "where it begins now";
+      }
       lost += i % 2 == 0 ? 1 : 2;
-      EXPECT_TRUE(evidence_.Find(velmora::Bid{image.blocks[i].bid}) == nullptr ||
-                  Block(image.blocks[i].bid).grade == Grade::kNamed);
       continue;
     }
     EXPECT_EQ(Block(image.blocks[i].bid).offset, image.blocks[i].offset - lost);
     EXPECT_EQ(Block(image.blocks[i].bid).grade, lost == 0 ? Grade::kProven : Grade::kMoved);
+  }
+  EXPECT_EQ(evidence_.pages.size(), image.pages.size());
+}
+
+TEST_P(EveryFormatTest, BytesLostCloseToTheEndHideNothingBehindThem) {
+  forge::Image image = SampleImage(GivenFormat(), GivenEncoding());
+  const std::size_t at = image.blocks.size() * 9 / 10;
+  image.bytes.erase(image.bytes.begin() + static_cast<std::ptrdiff_t>(image.blocks[at].offset));
+  Find(image);
+  for (std::size_t i = 0; i < image.blocks.size(); ++i) {
+    if (i == at) continue;
+    EXPECT_EQ(Block(image.blocks[i].bid).offset, image.blocks[i].offset - (i < at ? 0 : 1));
   }
   EXPECT_EQ(evidence_.pages.size(), image.pages.size());
 }
@@ -207,6 +221,21 @@ TEST_F(EvidenceTest, WhatIsLeftOfAPageUnderABlockIsRefused) {
   ASSERT_EQ(Block(bid).offset, begin);
   EXPECT_EQ(Block(bid).grade, Grade::kProven);
   EXPECT_EQ(std::ranges::count(evidence_.pages, 0x77u, &FoundPage::id), 0);
+}
+
+TEST_F(EvidenceTest, BlocksOfAStoreInsideOfABlockAreNotOnesOfThisStore) {
+  forge::Store other({.encoding = Encoding::kNone});
+  const forge::Bid bid = other.AddBlock(forge::Noise(500, 1), {.bid = 0x4000});
+  const forge::Image attached = other.Finish();
+  const forge::PlacedBlock inner = attached.Block(bid);
+  forge::Store store({.encoding = Encoding::kNone});
+  for (std::uint32_t i = 0; i < 10; ++i) store.AddBlock(forge::Noise(100, i));
+  forge::Bytes data(640);
+  std::copy_n(attached.bytes.begin() + static_cast<std::ptrdiff_t>(inner.offset), inner.placeSize, data.begin() + 64);
+  const forge::Bid outer = store.AddBlock(data);
+  Find(store.Finish());
+  EXPECT_EQ(Block(outer).grade, Grade::kProven);
+  EXPECT_EQ(evidence_.Find(velmora::Bid{bid}), nullptr);
 }
 
 TEST_F(EvidenceTest, APageOfWhichABitIsWrongCountsWhereNothingElseStands) {

@@ -127,20 +127,20 @@ class JudgeNodesTest : public EvidenceTest {
   bool Has(Standing standing, const forge::NodeEntry& node) const { return Nodes({standing}).contains(LineOf(node)); }
 };
 
-TEST_F(JudgeNodesTest, AnOldTreeThatIsWholeIsNotTakenForTheNewest) {
-  const forge::Bid before = Context(u"before");
-  const auto leaf = OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022},
-                             {.nid = 0x200044, .bidData = before, .nidParent = 0x8022}});
-  const auto second = OldPage({{.nid = 0x900024, .bidData = before, .nidParent = 0x8022}});
+TEST_F(JudgeNodesTest, AnOldTreeThatIsWholeIsNotTakenForTheNewestBesideNewerLeaves) {
+  AddNodes(0x200024, 11);
+  const forge::Bid newest = Context(u"newest");  // so that only the leaves speak against the old tree
+  store_.AddNode(0x200184, newest, 0, 0x8022);
+  const auto leaf = OldPage({{.nid = 0x200024, .bidData = newest, .nidParent = 0x8022}});
+  const auto second = OldPage({{.nid = 0x900024, .bidData = newest, .nidParent = 0x8022}});
   OldRoot(PageType::kNodes, {{0x200024, leaf}, {0x900024, second}});
-  AddNodes(0x200024, 12);
   forge::Image image = store_.Finish();
   forge::WipeHeader(image);
   WipePage(image, RootOf(image, PageType::kNodes));
   Judge(image);
   EXPECT_FALSE(judgement_.nodesAreExact);
   EXPECT_TRUE(std::ranges::includes(Nodes({Standing::kLive}), LinesOf(image)));
-  EXPECT_TRUE(Has(Standing::kOlder, {.nid = 0x200024, .bidData = before, .nidParent = 0x8022}));
+  EXPECT_TRUE(Has(Standing::kOlder, {.nid = 0x200024, .bidData = newest, .nidParent = 0x8022}));
 }
 
 TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfTheHeaderNamesAnother) {
@@ -164,7 +164,9 @@ TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfItNamesAFreedBlock) {
 }
 
 TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfThereAreNewerContextsThanItNames) {
-  OldPage({{.nid = 0x200024, .bidData = Context(u"before"), .nidParent = 0x8022}});
+  const forge::Bid before = Context(u"before");
+  OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022}});
+  store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
   AddNodes(0x200024, 3);
   ExpectNotExactWithoutHeaderAndPages();
 }
@@ -193,6 +195,58 @@ TEST_F(JudgeNodesTest, WhereALeafIsGoneTheNewestOlderEntryWhoseBlocksAreInUseSta
   Judge(image);
   EXPECT_TRUE(Has(Standing::kDoubtful, entry));
   EXPECT_EQ(Nodes({Standing::kOlder}).size(), 1u) << "the entry before it";
+}
+
+TEST_F(JudgeNodesTest, ALeafRulesOverTheKeysUpToTheNextOne) {
+  const forge::Bid before = Context(u"before");
+  store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
+  AddNodes(0x100044, 3);
+  const forge::NodeEntry between{0x200094, before, 0, 0x8022};  // gone from the leaf of 0x200024 to 0x200084
+  const forge::NodeEntry behind{0x3000A4, before, 0, 0x8022};   // behind the last node
+  OldPage({between, behind});
+  AddNodes(0x200024, 4);
+  AddNodes(0x2000A4, 8);
+  forge::Image image = store_.Finish();
+  WipePage(image, LeafWithNode(image, 0x2000A4));
+  Judge(image);
+  ASSERT_FALSE(judgement_.nodesAreExact);
+  EXPECT_TRUE(Has(Standing::kDeleted, between)) << "in the range that the root gives to the leaf ahead of it";
+  EXPECT_TRUE(Has(Standing::kDeleted, behind)) << "the last leaf has no end";
+
+  forge::Image rootless = image;
+  WipePage(rootless, RootOf(image, PageType::kNodes));
+  Judge(rootless);
+  EXPECT_TRUE(Has(Standing::kLive, between)) << "no page tells any more that the leaf goes on so far";
+}
+
+TEST_F(JudgeNodesTest, TheLastLeafBelowAPageEndsWhereThatPageEnds) {
+  const forge::Bid before = Context(u"before");
+  // Leaves of four below pages of four: the second of these begins with the seventeenth node.
+  const forge::NodeEntry between{0x200224 - 0x10, before, 0, 0x8022};
+  OldPage({between});
+  AddNodes(0x200024, 32);
+  store_.AddNode(0x900024, before, 0, 0x8022);  // so that its block is in use
+  forge::Image image = store_.Finish();
+  ASSERT_EQ(RootOf(image, PageType::kNodes).level, 2);
+  WipePage(image, LeafWithNode(image, 0x200024));
+  Judge(image);
+  ASSERT_FALSE(judgement_.nodesAreExact);
+  EXPECT_TRUE(Has(Standing::kDeleted, between));
+}
+
+TEST_F(JudgeNodesTest, ANewerLeafTakesTheKeysOfAnOlderOne) {
+  const forge::Bid before = Context(u"before");
+  // A leaf that was split since: its upper half is the range of two newer ones.
+  OldPage({{.nid = 0x200024, .bidData = before},
+           {.nid = 0x2000A4, .bidData = before},
+           {.nid = 0x200124, .bidData = before}});
+  AddNodes(0x200024, 12);
+  forge::Image image = store_.Finish();
+  forge::WipeHeader(image);
+  WipePage(image, RootOf(image, PageType::kNodes));
+  Judge(image);
+  EXPECT_EQ(Nodes({Standing::kLive}), LinesOf(image));
+  EXPECT_EQ(Nodes({Standing::kOlder}).size(), 3u);
 }
 
 TEST_F(JudgeNodesTest, AFreedVersionStandsInForAFolderAndForNoMessage) {
@@ -295,27 +349,64 @@ TEST_F(JudgeNodesTest, OfAHurtLeafTheEntriesWhoseBlocksAreThereCount) {
   EXPECT_EQ(Nodes({Standing::kLive}), expected);
 }
 
+TEST_F(JudgeNodesTest, WhatAHurtLeafHasLostAnOlderEntryStandsInFor) {
+  const forge::Bid kept = Context(u"kept");
+  OldPage({{.nid = 0x200024, .bidData = kept, .nidParent = 0x8022}});
+  store_.AddNode(0x200024, kept, 0, 0x8022);
+  AddNodes(0x200044, 11);
+  forge::Image image = store_.Finish();
+  forge::Fill(image, LeafWithNode(image, 0x200024).offset + 8 + 1, 1, std::byte{0x77});
+  Judge(image);
+  EXPECT_TRUE(Has(Standing::kDoubtful, image.Node(0x200024)));
+}
+
 TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
   AddNodes(0x200024, 12);
   forge::Image image = store_.Finish();
   const forge::PlacedPage leaf = LeafWithNode(image, 0x200024);
-  forge::Fill(image, leaf.offset + 3, 1, std::byte{0x40});
+  forge::Image middle = image;
+  forge::Fill(middle, leaf.offset + 64 + 2, 1, std::byte{0});  // 0x64 behind 0x200044
+  Judge(middle);
+  NodeLines without = LinesOf(image);
+  without.erase(LineOf(image.Node(0x200064)));
+  EXPECT_EQ(Nodes({Standing::kLive}), without);
+
+  forge::Fill(image, leaf.offset + 32 + 2, 1, std::byte{0});  // 0x44 behind 0x200024
   Judge(image);
   NodeLines expected = LinesOf(image);
+  expected.erase(LineOf(image.Node(0x200044)));
   expected.erase(LineOf(image.Node(0x200024)));
-  EXPECT_EQ(Nodes({Standing::kLive}), expected);
+  EXPECT_EQ(Nodes({Standing::kLive}), expected) << "which of the first two is the wrong one nothing tells";
+}
+
+/// Of a message: what tells its versions, and a value in a sub-node.
+forge::PropertyList Keyed(std::u16string_view text) {
+  return {forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
+          forge::Text(0x1000, u"body", forge::Place::kBlock)};
+}
+
+TEST_F(JudgeNodesTest, ACopyOfAMessageIsNoNewerVersionOfIt) {
+  const auto old = forge::FormContext(store_, Keyed(u"before"));
+  const forge::NodeEntry entry{0x200024, store_.AddDataBlocks(old.blocks), store_.AddSubnodes(old.subnodes), 0x8022};
+  OldPage({entry});
+  const auto copy = forge::FormContext(store_, Keyed(u"copy"), {.firstValueNid = 0x903F});
+  store_.AddDataBlocks(copy.blocks);
+  store_.AddSubnodes(copy.subnodes);
+  forge::Image image = store_.Finish();
+  forge::WipeHeader(image);
+  for (const PageType type : {PageType::kBlocks, PageType::kNodes}) {
+    for (const forge::PlacedPage& page : image.TreePages(type)) WipePage(image, page);
+  }
+  Judge(image);
+  EXPECT_TRUE(Has(Standing::kLive, entry)) << "their values lie in other sub-nodes";
 }
 
 TEST_F(JudgeNodesTest, AMessageThatWasChangedAfterItsPageWasWrittenTakesItsNewerProperties) {
-  const auto keyed = [](std::u16string_view text) {
-    return forge::PropertyList{forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
-                               forge::Text(0x1000, u"body", forge::Place::kBlock)};
-  };
-  const auto old = forge::FormContext(store_, keyed(u"before"));
+  const auto old = forge::FormContext(store_, Keyed(u"before"));
   const forge::Bid oldData = store_.AddDataBlocks(old.blocks);
   const forge::Bid oldList = store_.AddSubnodes(old.subnodes);
   OldPage({{.nid = 0x200024, .bidData = oldData, .bidSub = oldList, .nidParent = 0x8022}});
-  const auto now = forge::FormContext(store_, keyed(u"after"));
+  const auto now = forge::FormContext(store_, Keyed(u"after"));
   const forge::Bid list = store_.AddSubnodes(now.subnodes);
   const forge::Bid data = store_.AddDataBlocks(now.blocks);
   store_.AddNode(0x200024, data, list, 0x8022);
