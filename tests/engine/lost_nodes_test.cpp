@@ -381,12 +381,17 @@ TEST_P(LostNodesTest, ADoubtfulMessageGetsTheFolderWhoseProvenTableListsIt) {
 
 TEST_P(LostNodesTest, ALongTableIsReadWithTheListThatItsRowsAreIn) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
   std::vector<Mailbox::Added> letters;
   for (int i = 0; i < 300; ++i) {
     letters.push_back(box_.AddMessage(inbox, Letter(u"Letter " + text::Decimal(i), 1)));
+    letters.push_back(box_.AddMessage(work, Letter(u"Report " + text::Decimal(i), 2)));
   }
+  letters.push_back(box_.AddMessage(work, Letter(u"One more", 3)));
   WreckedStore store(box_.Finish());
-  EXPECT_NE(store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidSub, kNoBid) << "the table must be long";
+  for (const forge::Nid folder : {inbox, work}) {
+    EXPECT_NE(store.Entry((folder & ~0x1Fu) | 0x0E).trees.bidSub, kNoBid) << "the table must be long";
+  }
   store.LoseAllNodes();
   const LostNodes lost = store.Find();
   for (const auto& letter : letters) ASSERT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid)) << letter.nid;
@@ -518,7 +523,11 @@ TEST_P(LostNodesTest, AWholeMessageThatNewerPagesDoWithoutIsDeleted) {
   EXPECT_EQ(store.Find().nodes.size(), 1u) << "unless an entry tells, it is handed out as found";
   store.Claim({Nid{0x300024}, gone, Nid{inbox}}, Standing::kDeleted);
   EXPECT_TRUE(store.Find().nodes.empty());
+  const ndb::NodeEntry table = store.Entry((inbox & ~0x1Fu) | 0x0E);
+  store.Lose((inbox & ~0x1Fu) | 0x0E);
+  EXPECT_TRUE(store.Find().nodes.empty()) << "whoever owns the table";
   store.LoseBlock(gone.bidSub);
+  store.Claim(table, Standing::kLive);
   EXPECT_TRUE(store.Find().nodes.empty()) << "the table of its folder does without it";
   store.Lose((inbox & ~0x1Fu) | 0x0E);
   EXPECT_EQ(ClaimTo(store.Find(), 0x300024).node, (ndb::NodeEntry{Nid{0x300024}, gone, Nid{inbox}}))
@@ -582,6 +591,55 @@ TEST_P(LostNodesTest, ManyMessagesWithOneSearchKeyTakeNoPairwiseComparison) {
   const LostNodes lost = store.Find(true);
   EXPECT_EQ(CountOf(lost, Standing::kDeleted), 1u);
   EXPECT_EQ(CountOf(lost, Standing::kOlder), 1999u);
+}
+
+TEST_P(LostNodesTest, TheListOfAMessageInUseIsNoneOfAnother) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto kept = box_.AddMessage(inbox, LetterTo(u"Kept", 1));
+  const auto letter = box_.AddMessage(inbox, LetterTo(u"Lost", 2));
+  WreckedStore store(box_.Finish());
+  store.Lose(letter.nid);
+  store.LoseBlock(Bid{letter.bidSub});
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.trees, (ndb::NodeTrees{Bid{letter.bidData}, kNoBid}));
+  store.Lose(kept.nid);
+  EXPECT_EQ(ClaimTo(store.Find(), kept.nid).node.trees.bidSub, Bid{kept.bidSub});
+}
+
+TEST_P(LostNodesTest, MoreMessagesThanAFolderIsShortOfAreNotPlacedInIt) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  box_.AddMessage(inbox, Letter(u"Letter", 1));
+  WithoutNode(Letter(u"Stray", 2));
+  WreckedStore store(box_.Finish());
+  const Bid table = store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidData;
+  store.Lose([](const ndb::NodeEntry& node) { return TypeOf(node.nid) == NidType::kNormalMessage; });
+  store.LoseBlock(table);
+  const LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 2u);
+  for (const NodeClaim& claim : lost.nodes) EXPECT_EQ(claim.node.nidParent, kNoNid);
+}
+
+TEST_P(LostNodesTest, AListedMessageWhoseRowIsEmptyIsFoundByAnOlderEntry) {
+  const forge::Nid nid = 0x300024;
+  const ndb::NodeTrees trees = WithoutNode(LetterTo(u"Listed", 1));
+  forge::AddContextNode(Store(), 0x9002, forge::kTopFolder, {forge::Text(0x3001, u"Archive")});
+  forge::AddTableNode(Store(), 0x900E, forge::ContentsColumns(), {{nid, {}}});
+  WreckedStore store(box_.Finish());
+  store.Claim({Nid{nid}, trees, Nid{forge::kDeletedItems}}, Standing::kOlder);
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(NidsOf(lost), std::vector{Nid{nid}});
+  EXPECT_EQ(ClaimTo(lost, nid).node, (ndb::NodeEntry{Nid{nid}, trees, Nid{0x9002}}));
+}
+
+TEST_P(LostNodesTest, ATableThatIsOlderThanAProvenOneOfItsFolderMakesNoMessages) {
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{0x300024, {}}});
+  const Bid oldTable{Store().AddDataBlocks(old.blocks)};
+  box_.AddMessage(work, Letter(u"Report", 1));
+  WreckedStore store(box_.Finish());
+  store.LoseBlockTree();
+  EXPECT_EQ(store.Find().messageRows.size(), 1u) << "as long as nothing tells whose it is";
+  store.Claim({Nid{(work & ~0x1Fu) | 0x0E}, {oldTable, kNoBid}, kNoNid}, Standing::kOlder);
+  EXPECT_TRUE(store.Find().messageRows.empty());
 }
 
 }  // namespace

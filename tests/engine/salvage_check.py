@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""salvage_check.py PROGRAM STORES TOOLS [--seed N] [--case NAME...] - which messages of damaged stores are known again.
+"""salvage_check.py PROGRAM [--stores FOLDER] [--tools FOLDER] [--seed N] [--case NAME...] - which messages of damaged
+stores are known again.
 
-Makes damaged copies of each store (TOOLS/damage.py, and two without any tree page, old ones too), lets PROGRAM (velmora-evidence --lost) find their nodes, and compares
-the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
+Makes damaged copies of each store (damage.py of the tools, and two without any tree page, old ones too), lets PROGRAM
+(velmora-evidence --lost) find their nodes, and compares the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
 is found when a node leads to the same data and the same list of sub-nodes. Copies share blocks, so ids do not count, but
 each node counts once. "too much" are nodes that lead to what is no live message, "hurt" the messages of which a block is
 damaged, found in some form. Ends with 1 if an intact message is missing, or more than --misplaced are in a wrong folder."""
@@ -106,13 +107,19 @@ def score(truth, program, path, verbose):
 
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
-    for name in ("program", "stores", "tools"):
-        ap.add_argument(name)
+    ap.add_argument("program")
+    for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
+        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", name)
+        ap.add_argument("--" + name, default=os.environ.get(variable, beside))
     ap.add_argument("--seed", default="7")
     ap.add_argument("--case", nargs="*", default=[])
     ap.add_argument("--misplaced", type=int, default=0)
+    ap.add_argument("--too-much", type=int, default=0)
     ap.add_argument("--verbose", action="store_true")
     a = ap.parse_args()
+    if not os.path.isdir(a.stores) or not os.path.isdir(a.tools):
+        print("no folders of stores and tools beside the sources; VELMORA_STORES and VELMORA_TOOLS name them")
+        return 77
     sys.path.insert(0, a.tools)
     sys.setrecursionlimit(4000)
     damage = os.path.join(a.tools, "damage.py")
@@ -143,8 +150,9 @@ def main():
                 t["hurt_found"], t["hurt_by_row"], t["folders"], t["folders_found"], t["parents"], t["folders_too_much"]))
     missing = sum(t["intact"] - t["found"] for t in sums.values())
     misplaced = sum(t["found"] - t["in_folder"] for t in sums.values())
-    print("%d intact messages missing, %d in another folder" % (missing, misplaced))
-    return 0 if missing == 0 and misplaced <= a.misplaced else 1
+    too_much = sum(t["too_much"] + t["too_many"] for t in sums.values())
+    print("%d intact messages missing, %d in another folder, %d too much" % (missing, misplaced, too_much))
+    return 0 if missing == 0 and misplaced <= a.misplaced and too_much <= a.too_much else 1
 
 
 if __name__ == "__main__":
