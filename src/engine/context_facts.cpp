@@ -1,5 +1,6 @@
 #include "engine/context_facts.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "store/format/heap_format.h"
@@ -70,7 +71,7 @@ void AppendKeys(const ltp::PropertyContext& context, std::vector<Nid>& keys) {
   }
 }
 
-void AddFacts(Bid bid, ltp::PropertyContext& context, MessageContexts& messages) {
+void AddFacts(Bid bid, ltp::PropertyContext& context, const SubnodeLists& lists, MessageContexts& messages) {
   MessageFacts message{.bid = bid,
                        .size = static_cast<std::uint32_t>(context.Integer32(tag::kMessageSize).value_or(0)),
                        .searchKey = HashOfValue(context, tag::kSearchKey),
@@ -84,6 +85,7 @@ void AddFacts(Bid bid, ltp::PropertyContext& context, MessageContexts& messages)
   // A context has no more records than there are property ids.
   message.keyCount = static_cast<std::uint16_t>(
       std::min<std::size_t>(messages.keys.size() - message.firstKey, std::numeric_limits<std::uint16_t>::max()));
+  message.hasCommonKeys = std::ranges::any_of(messages.KeysOf(message), [&](Nid key) { return lists.IsCommon(key); });
   messages.facts.push_back(message);
 }
 

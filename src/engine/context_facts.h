@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/evidence_view.h"
+#include "engine/subnode_lists.h"
 #include "store/ltp/property_context.h"
 
 namespace velmora::engine {
@@ -29,6 +29,7 @@ struct MessageFacts {
   bool isHidden : 1 = false;
   bool hasRecipients : 1 = false;   ///< the texts that tell of them are not empty
   bool hasAttachments : 1 = false;  ///< by its flags
+  bool hasCommonKeys : 1 = false;   ///< which tell nothing of whose versions they are
 };
 static_assert(sizeof(MessageFacts) == 32);
 
@@ -49,7 +50,7 @@ bool IsHidden(ltp::PropertyContext& message);
 void AppendKeys(const ltp::PropertyContext& context, std::vector<Nid>& keys);
 
 /// Takes a message in.
-void AddFacts(Bid bid, ltp::PropertyContext& context, MessageContexts& messages);
+void AddFacts(Bid bid, ltp::PropertyContext& context, const SubnodeLists& lists, MessageContexts& messages);
 
 /// The bytes of a value of any type by its id; nothing when it is not there or lies beside the heap.
 std::optional<std::vector<std::byte>> SmallValue(ltp::PropertyContext& context, std::uint16_t id);

@@ -1,13 +1,13 @@
 #include "engine/context_pairing.h"
 
-#include <tuple>
 #include <unordered_set>
 
 namespace velmora::engine {
 namespace {
 
-/// Of lists that hold one key. Versions of one message are few.
-constexpr std::size_t kMostVersions = 64;
+/// Of lists that hold a key which many of them hold, so many are tried that were written nearest to the message.
+constexpr std::size_t kMostTried = 16;
+constexpr std::size_t kMostKept = 4;  ///< of them, the nearest
 
 constexpr std::size_t kNeighbours = 12;  ///< on each side
 constexpr std::uint64_t kNear = 64;      ///< of ids, where the sizes do not tell
@@ -15,30 +15,43 @@ constexpr std::uint64_t kJustBefore = 2 * kBidStep;
 
 std::uint64_t Distance(Bid a, Bid b) { return Value(a) < Value(b) ? Value(b) - Value(a) : Value(a) - Value(b); }
 
-/// The lists that hold all keys, up to kMostVersions of the newest that hold the rarest.
-std::vector<Bid> Holding(const SubnodeLists& lists, std::span<const Nid> keys) {
+/// The lists that hold all keys, by their positions.
+std::vector<std::uint32_t> Holding(const SubnodeLists& lists, Bid bid, std::span<const Nid> keys) {
   std::span<const SubnodeLists::Entry> fewest;
   for (const Nid key : keys) {
     const auto held = lists.Holding(key);
     if (key == keys.front() || held.size() < fewest.size()) fewest = held;
     if (held.size() <= 1) break;
   }
-  if (fewest.size() > kMostVersions) fewest = fewest.last(kMostVersions);
-  std::vector<Bid> holding;
+  if (fewest.size() > kMostTried) {
+    const auto above = std::ranges::lower_bound(
+        fewest, bid, {}, [&](const SubnodeLists::Entry& entry) { return lists.All()[entry.list].bid; });
+    const auto before = std::min<std::size_t>(above - fewest.begin(), kMostTried / 2);
+    const std::size_t first =
+        std::min(static_cast<std::size_t>(above - fewest.begin()) - before, fewest.size() - kMostTried);
+    fewest = fewest.subspan(first, kMostTried);
+  }
+  std::vector<std::uint32_t> holding;
   for (const SubnodeLists::Entry& entry : fewest) {
     const bool all = std::ranges::all_of(keys, [&](Nid key) { return lists.Holds(entry.list, key); });
-    if (all) holding.push_back(lists.All()[entry.list].bid);
+    if (all) holding.push_back(entry.list);
   }
   return holding;
 }
 
-Bid Best(const EvidenceView& view, const MessageFacts& message, std::span<const Bid> lists, TreeSurvey& trees) {
-  if (lists.size() <= 1) return lists.empty() ? kNoBid : lists.front();
-  const bool isFreed = view.IsFreed(message.bid);
-  const auto rank = [&](Bid list) {
-    return std::tuple(isFreed || !view.IsFreed(list), trees.Of({message.bid, list}).size == message.size, list);
-  };
-  return *std::ranges::max_element(lists, {}, rank);
+Bid Best(const EvidenceView& view, const MessageFacts& message, const SubnodeLists& lists,
+         std::span<const std::uint32_t> holding, TreeSizes& sizes) {
+  Bid best = kNoBid;
+  std::pair<bool, bool> rankOfBest;
+  for (const std::uint32_t at : holding) {  // the newest last
+    const Bid list = lists.All()[at].bid;
+    const std::pair rank(view.IsFreed(message.bid) || !view.IsFreed(list),
+                         holding.size() == 1 || sizes.Of({message.bid, list}) == message.size);
+    if (best != kNoBid && rank < rankOfBest) continue;
+    best = list;
+    rankOfBest = rank;
+  }
+  return best;
 }
 
 /// A list that may belong to a message, and how well it does: the least is the best.
@@ -57,65 +70,89 @@ bool MayBelong(const MessageFacts& message, const SubnodeList& list) {
   return (list.hasRecipients || !message.hasRecipients) && list.hasAttachments == message.hasAttachments;
 }
 
-void AddNeighbours(const EvidenceView& view, const MessageContexts& messages, std::size_t number,
-                   std::span<const SubnodeList> lists, std::span<const std::uint32_t> keyless, TreeSurvey& trees,
-                   std::vector<Candidate>& candidates) {
-  const MessageFacts& message = messages.facts[number];
-  const auto bidOf = [&](std::uint32_t list) { return lists[list].bid; };
-  const auto above = std::ranges::lower_bound(keyless, message.bid, {}, bidOf) - keyless.begin();
-  const auto first = static_cast<std::size_t>(above) - std::min<std::size_t>(above, kNeighbours);
-  const std::size_t last = std::min(keyless.size(), static_cast<std::size_t>(above) + kNeighbours);
-  for (std::size_t at = first; at < last; ++at) {
-    const SubnodeList& list = lists[keyless[at]];
-    if (!MayBelong(message, list) || (view.IsFreed(list.bid) && !view.IsFreed(message.bid))) continue;
-    const bool failsSize = trees.Of({message.bid, list.bid}).size != message.size;
-    const std::uint64_t distance = Distance(message.bid, list.bid);
-    if (failsSize && distance > kNear) continue;
-    candidates.push_back({failsSize, distance, static_cast<std::uint32_t>(number), keyless[at]});
+/// Finds the lists for messages that no keys tell of: best pairs first, each list once.
+class Neighbours {
+ public:
+  Neighbours(const EvidenceView& view, const SubnodeLists& lists, TreeSizes& sizes)
+      : view_(view), lists_(lists), sizes_(sizes) {
+    for (const NodeClaim& claim : view.Judged().nodes) {
+      if (IsInUse(claim.standing)) taken_.insert(Canonical(claim.node.trees.bidSub));
+    }
+    for (std::uint32_t i = 0; i < lists.All().size(); ++i) {
+      if (!lists.All()[i].hasValues) keyless_.push_back(i);
+    }
   }
-}
+
+  void AddKeyless(const MessageFacts& message, std::uint32_t number) {
+    const auto bidOf = [&](std::uint32_t list) { return lists_.All()[list].bid; };
+    const auto above =
+        static_cast<std::size_t>(std::ranges::lower_bound(keyless_, message.bid, {}, bidOf) - keyless_.begin());
+    for (std::size_t at = above - std::min(above, kNeighbours); at < std::min(keyless_.size(), above + kNeighbours);
+         ++at) {
+      if (MayBelong(message, lists_.All()[keyless_[at]])) Add(message, number, keyless_[at]);
+    }
+  }
+
+  void Add(const MessageFacts& message, std::uint32_t number, std::uint32_t list) {
+    const Bid bid = lists_.All()[list].bid;
+    if (taken_.contains(bid) || (view_.IsFreed(bid) && !view_.IsFreed(message.bid))) return;
+    const bool failsSize = sizes_.Of({message.bid, bid}) != message.size;
+    const std::uint64_t distance = Distance(message.bid, bid);
+    if (!failsSize || distance <= kNear) candidates_.push_back({failsSize, distance, number, list});
+  }
+
+  void Take(std::vector<Bid>& listOf) {
+    std::ranges::sort(candidates_);
+    for (const Candidate& candidate : candidates_) {
+      const Bid list = lists_.All()[candidate.list].bid;
+      if (listOf[candidate.message] == kNoBid && taken_.insert(list).second) listOf[candidate.message] = list;
+    }
+  }
+
+ private:
+  const EvidenceView& view_;
+  const SubnodeLists& lists_;
+  TreeSizes& sizes_;
+  std::unordered_set<Bid> taken_;
+  std::vector<std::uint32_t> keyless_;
+  std::vector<Candidate> candidates_;
+};
 
 }  // namespace
 
 Bid ListOfKeys(const EvidenceView& view, Bid bid, std::span<const Nid> keys, const SubnodeLists& lists) {
   if (keys.empty()) return kNoBid;
   Bid best = kNoBid;
-  for (const Bid list : Holding(lists, keys)) {
+  for (const std::uint32_t at : Holding(lists, bid, keys)) {
+    const Bid list = lists.All()[at].bid;
     if (view.IsFreed(bid) || !view.IsFreed(list)) best = std::max(best, list);
   }
   return best;
 }
 
 std::vector<Bid> PairWithLists(const EvidenceView& view, const MessageContexts& messages, const SubnodeLists& lists,
-                               TreeSurvey& trees, RunContext& run) {
-  std::unordered_set<Bid> taken;
-  for (const NodeClaim& claim : view.Judged().nodes) {
-    if (IsInUse(claim.standing)) taken.insert(Canonical(claim.node.trees.bidSub));
-  }
-  std::vector<std::uint32_t> keyless;
-  for (std::uint32_t i = 0; i < lists.All().size(); ++i) {
-    const SubnodeList& list = lists.All()[i];
-    if (!list.hasValues && !taken.contains(list.bid)) keyless.push_back(i);
-  }
-
+                               TreeSizes& sizes, RunContext& run) {
   std::vector<Bid> listOf(messages.facts.size(), kNoBid);
-  std::vector<Candidate> candidates;
-  for (std::size_t i = 0; i < messages.facts.size(); ++i) {
+  Neighbours neighbours(view, lists, sizes);
+  for (std::uint32_t i = 0; i < messages.facts.size(); ++i) {
     run.control.PausePoint();
     const MessageFacts& message = messages.facts[i];
     if (view.IsDataInUse(message.bid)) continue;
-    if (message.keyCount != 0) {
-      listOf[i] = Best(view, message, Holding(lists, messages.KeysOf(message)), trees);
+    if (message.keyCount == 0) {
+      neighbours.AddKeyless(message, i);
+      continue;
+    }
+    std::vector<std::uint32_t> holding = Holding(lists, message.bid, messages.KeysOf(message));
+    if (message.hasCommonKeys) {
+      const auto distance = [&](std::uint32_t list) { return Distance(message.bid, lists.All()[list].bid); };
+      std::ranges::stable_sort(holding, {}, distance);
+      if (holding.size() > kMostKept) holding.resize(kMostKept);
+      for (const std::uint32_t list : holding) neighbours.Add(message, i, list);
     } else {
-      AddNeighbours(view, messages, i, lists.All(), keyless, trees, candidates);
+      listOf[i] = Best(view, message, lists, holding, sizes);
     }
   }
-  std::ranges::sort(candidates);
-  taken.clear();
-  for (const Candidate& candidate : candidates) {
-    const Bid list = lists.All()[candidate.list].bid;
-    if (listOf[candidate.message] == kNoBid && taken.insert(list).second) listOf[candidate.message] = list;
-  }
+  neighbours.Take(listOf);
   return listOf;
 }
 

@@ -1,6 +1,6 @@
 #include "engine/context_survey.h"
 
-#include <unordered_set>
+#include <ranges>
 
 #include "store/format/little_endian.h"
 #include "store/format/name_map.h"
@@ -30,6 +30,20 @@ bool IsNameMap(const ltp::PropertyContext& context) {
   return first != nullptr && first->Tag() == name_map::kBucketCount && context.Find(IdOf(name_map::kEntryStream));
 }
 
+/// Gives each listed folder the newest context that is like its row. Of folders that are alike the younger has the
+/// newer.
+std::unordered_map<Nid, Bid> ContextsOf(const EvidenceView& view, std::span<const ListedFolder> folders,
+                                        std::unordered_map<std::uint32_t, std::vector<Bid>>& like) {
+  std::unordered_map<Nid, Bid> contextOf;
+  for (const ListedFolder& folder : folders | std::views::reverse) {
+    std::vector<Bid>& contexts = like[folder.fingerprint];
+    if (view.InUse(folder.nid) != nullptr || contexts.empty()) continue;
+    contextOf[folder.nid] = contexts.back();
+    contexts.pop_back();
+  }
+  return contextOf;
+}
+
 std::uint32_t FingerprintOf(ltp::PropertyContext& folder) {
   const auto bytes = [&](PropTag tag) { return SmallValue(folder, IdOf(tag)).value_or(std::vector<std::byte>{}); };
   const auto number = [&](PropTag tag) { return static_cast<std::uint32_t>(folder.Integer32(tag).value_or(0)); };
@@ -39,11 +53,11 @@ std::uint32_t FingerprintOf(ltp::PropertyContext& folder) {
 
 }  // namespace
 
-ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, std::span<const ListedFolder> folders,
-                             RowMatching& rows, RunContext& run) {
+ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, const SubnodeLists& lists,
+                             std::span<const ListedFolder> folders, RowMatching& rows, RunContext& run) {
   ContextSurvey survey;
-  std::unordered_set<std::uint32_t> listed;
-  for (const ListedFolder& folder : folders) listed.insert(folder.fingerprint);
+  std::unordered_map<std::uint32_t, std::vector<Bid>> like;  // the listed folders, by their fingerprints
+  for (const ListedFolder& folder : folders) like[folder.fingerprint];
   const NodeClaim* const store = view.InUse(nid::kMessageStore);
   for (const Bid bid : bids) {
     run.control.PausePoint();
@@ -53,7 +67,7 @@ ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids
     const bool isOld = view.IsFreed(bid) && !view.IsDataInUse(bid);
     if (IsMessage(*context)) {
       if (!isOld) rows.Offer(static_cast<std::uint32_t>(survey.messages.facts.size()), IsHidden(*context), *context);
-      AddFacts(bid, *context, survey.messages);
+      AddFacts(bid, *context, lists, survey.messages);
     } else if (isOld) {
       continue;
     } else if (IsStore(*context)) {
@@ -64,10 +78,11 @@ ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids
     } else if (IsNameMap(*context)) {
       survey.nameMap = bid;
     } else if (context->Find(IdOf(tag::kContentCount)) != nullptr && !view.IsDataInUse(bid)) {
-      const std::uint32_t fingerprint = FingerprintOf(*context);
-      if (listed.contains(fingerprint)) survey.folderOf[fingerprint] = bid;
+      const auto folder = like.find(FingerprintOf(*context));
+      if (folder != like.end()) folder->second.push_back(bid);
     }
   }
+  survey.contextOf = ContextsOf(view, folders, like);
   return survey;
 }
 

@@ -14,12 +14,12 @@ struct ContextSurvey {
   StoreFolders folders;
   Bid store = kNoBid;    ///< the newest that is not freed of those that look like the store's own properties
   Bid nameMap = kNoBid;  ///< likewise of the names of properties
-  std::unordered_map<std::uint32_t, Bid> folderOf;  ///< by fingerprint of those listed, the newest that is not freed
+  std::unordered_map<Nid, Bid> contextOf;  ///< of folders that are listed, and are no nodes in use
 };
 
 /// Offers the messages to `rows`, which is sealed.
-ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, std::span<const ListedFolder> folders,
-                             RowMatching& rows, RunContext& run);
+ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids, const SubnodeLists& lists,
+                             std::span<const ListedFolder> folders, RowMatching& rows, RunContext& run);
 
 /// The keys of a context, read again.
 std::vector<Nid> KeysOfContext(const EvidenceView& view, Bid bid);

@@ -156,8 +156,10 @@ struct LostNodes {
 };
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted
-/// too. Without the latter none of kOlder or kDeleted is among them.
-LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
+/// too. Without the latter none of kOlder or kDeleted is among them. A node of the judgement that is doubtful may be
+/// among them again, with the folder whose table lists it; of one that is older or deleted a found one takes the place.
+/// A node without a folder has kNoNid for a parent, and texts of ANSI stores are decoded by the lossless page.
+LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement,
                         bool deleted, RunContext& run);
 
 }  // namespace velmora::engine

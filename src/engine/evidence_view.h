@@ -17,14 +17,14 @@ constexpr bool IsInUse(Standing standing) { return standing == Standing::kLive |
 class EvidenceView {
  public:
   /// All must outlive the view.
-  EvidenceView(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement)
+  EvidenceView(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement)
       : blocks_(blocks), evidence_(evidence), judgement_(judgement) {
     for (const NodeClaim& claim : judgement.nodes) {
       if (IsInUse(claim.standing)) userOf_.emplace(Canonical(claim.node.trees.bidData), &claim);
     }
   }
 
-  const ndb::BlockSource& Blocks() const { return blocks_; }
+  const EvidenceBlocks& Blocks() const { return blocks_; }
   const Evidence& Found() const { return evidence_; }
   const Judgement& Judged() const { return judgement_; }
   const Generation& Format() const { return blocks_.Format(); }
@@ -60,7 +60,7 @@ class EvidenceView {
   }
 
  private:
-  const ndb::BlockSource& blocks_;
+  const EvidenceBlocks& blocks_;
   const Evidence& evidence_;
   const Judgement& judgement_;
   std::unordered_map<Bid, const NodeClaim*> userOf_;

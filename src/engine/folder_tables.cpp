@@ -89,6 +89,7 @@ class Reading {
           break;
       }
     }
+    if (table.kind == TableKind::kContents) table.holds = ItemKindOf(open->Text(0, IdOf(tag::kMessageClass)));
     table.isWhole = open->IsWhole() && rows.RowCount() == shape.rows.size();
   }
 
@@ -120,6 +121,11 @@ class Reading {
 };
 
 }  // namespace
+
+ItemKind ItemKindOf(text::TextView itemClass) {
+  const ItemKind kind = KindOfClass(itemClass).value_or(ItemKind::kMail);
+  return kind == ItemKind::kMeeting ? ItemKind::kMail : kind;
+}
 
 std::uint32_t FolderFingerprint(std::span<const std::byte> name, std::span<const std::byte> containerClass,
                                 std::uint32_t count, std::uint32_t unread, bool hasSubfolders) {

@@ -12,6 +12,7 @@
 
 #include "engine/row_matching.h"
 #include "engine/table_shape.h"
+#include "store/format/classes.h"
 
 namespace velmora::engine {
 
@@ -19,11 +20,13 @@ struct FolderTable {
   ndb::NodeTrees trees{};
   TableKind kind = TableKind::kOther;
   bool isCurrent = false;
-  bool isWhole = false;        ///< all of it was read
-  bool isProven = false;       ///< a node entry that is in use says whose it is, and its block is live
-  Nid folder = kNoNid;         ///< whose it is, as far as that is known
-  std::uint32_t unread = 0;    ///< of contents: rows of unread messages
-  std::vector<Nid> rows = {};  ///< by ascending id
+  bool isWhole = false;              ///< all of it was read
+  bool isProven = false;             ///< a node entry that is in use says whose it is, and its block is live
+  Nid folder = kNoNid;               ///< whose it is, as far as that is known
+  bool isFirm = false;               ///< no newer table can be that of its folder, as far as entries tell
+  ItemKind holds = ItemKind::kMail;  ///< of contents: what the first row is
+  std::uint32_t unread = 0;          ///< of contents: rows of unread messages
+  std::vector<Nid> rows = {};        ///< by ascending id
 };
 
 /// A folder as its row in a current hierarchy table has it.
@@ -37,6 +40,9 @@ struct ListedFolder {
   bool hasSubfolders = false;
   std::uint32_t fingerprint = 0;  ///< see FolderFingerprint
 };
+
+/// What a folder or an item of that class is; all that is nothing special is mail.
+ItemKind ItemKindOf(text::TextView itemClass);
 
 /// A hash of what the row of a folder and the folder itself have in common.
 std::uint32_t FolderFingerprint(std::span<const std::byte> name, std::span<const std::byte> containerClass,

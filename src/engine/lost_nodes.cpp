@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <set>
 
+#include "engine/complete_nodes.h"
 #include "engine/context_pairing.h"
 #include "engine/context_survey.h"
 #include "engine/message_versions.h"
@@ -23,39 +24,43 @@ namespace {
 /// Ids for what has none: above all others and, where there is no room left, those that nobody has.
 class FreeIds {
  public:
-  void Note(Nid nid) { used_.insert(IndexOf(nid)); }
+  void Note(Nid nid) { used_.push_back(IndexOf(nid)); }
+  void Settle() {
+    std::ranges::sort(used_);
+    highest_ = used_.empty() ? kFirstFreeNidIndex : std::max(used_.back(), kFirstFreeNidIndex);
+  }
 
   Nid Next(NidType type) {
-    const std::uint32_t last = used_.empty() ? kFirstFreeNidIndex : std::max(*used_.rbegin(), kFirstFreeNidIndex);
-    if (last < kMaxNidIndex) {
-      next_ = last + 1;
-    } else {
-      while (used_.contains(next_)) ++next_;
-    }
-    used_.insert(next_);
-    return MakeNid(type, next_);
+    if (highest_ < kMaxNidIndex) return MakeNid(type, ++highest_);
+    while (std::ranges::binary_search(used_, gap_)) ++gap_;
+    return MakeNid(type, gap_++);
   }
 
  private:
-  std::set<std::uint32_t> used_;
-  std::uint32_t next_ = kFirstFreeNidIndex;
+  std::vector<std::uint32_t> used_;
+  std::uint32_t highest_ = 0;
+  std::uint32_t gap_ = kFirstFreeNidIndex;
 };
 
 class LostSearch {
  public:
   LostSearch(const EvidenceView& view, bool deleted, RunContext& run)
-      : view_(view), deleted_(deleted), run_(run), trees_(view) {}
+      : view_(view), deleted_(deleted), run_(run), sizes_(view), complete_(view.Blocks()) {
+    for (const NodeClaim& claim : view_.Judged().nodes) {
+      if (!IsInUse(claim.standing)) entryOf_.emplace(Canonical(claim.node.trees.bidData), &claim);
+    }
+  }
 
   LostNodes Search() {
     const TopBlocks tops = FindTopBlocks(view_);
     const SubnodeLists lists(view_, tops.lists, run_);
     tables_ = ReadFolderTables(view_, tops.tables, lists, rows_, run_);
     rows_.Seal();
-    survey_ = SurveyContexts(view_, tops.contexts, tables_.folders, rows_, run_);
+    survey_ = SurveyContexts(view_, tops.contexts, lists, tables_.folders, rows_, run_);
     AssignOwners(
         view_, survey_.folders, [this](Nid folder) { return ContextOf(folder); }, tables_);
     existing_ = ExistingFolders(view_, tables_);
-    listOf_ = PairWithLists(view_, survey_.messages, lists, trees_, run_);
+    listOf_ = PairWithLists(view_, survey_.messages, lists, sizes_, run_);
     NoteIds();
 
     AddFolders(lists);
@@ -73,10 +78,8 @@ class LostSearch {
 
   Bid ContextOf(Nid folder) const {
     if (const NodeClaim* claim = view_.InUse(folder)) return Canonical(claim->node.trees.bidData);
-    const ListedFolder* listed = tables_.Find(folder);
-    if (listed == nullptr) return kNoBid;
-    const auto context = survey_.folderOf.find(listed->fingerprint);
-    return context == survey_.folderOf.end() ? kNoBid : context->second;
+    const auto context = survey_.contextOf.find(folder);
+    return context == survey_.contextOf.end() ? kNoBid : context->second;
   }
 
   void NoteIds() {
@@ -84,6 +87,7 @@ class LostSearch {
     for (const FolderTable& table : tables_.tables) {
       for (const Nid row : table.rows) ids_.Note(row);
     }
+    ids_.Settle();
   }
 
   void Add(const ndb::NodeEntry& node, Standing standing) { lost_.nodes.push_back({node, standing}); }
@@ -118,30 +122,34 @@ class LostSearch {
       const ndb::NodeTrees& trees = claim.node.trees;
       const bool isLive = view_.StatusOf(trees.bidData) == BlockStatus::kLive &&
                           (trees.bidSub == kNoBid || view_.StatusOf(trees.bidSub) == BlockStatus::kLive);
-      if (isLive && trees_.Of(trees).isWhole) return &claim;
+      if (isLive && complete_.IsComplete(trees)) return &claim;
     }
     return nullptr;
   }
 
-  ndb::NodeTrees TreesOf(std::uint32_t message) const {
+  /// What a node entry says of its list, of whatever age, since ids keep their meaning; else what fits.
+  ndb::NodeTrees TreesOf(std::size_t message) const {
     const Bid bid = Messages()[message].bid;
-    const NodeClaim* user = view_.UserOf(bid);
-    return user != nullptr ? user->node.trees : ndb::NodeTrees{bid, listOf_[message]};
+    if (const NodeClaim* user = view_.UserOf(bid)) return user->node.trees;
+    const auto entry = entryOf_.find(bid);
+    return entry != entryOf_.end() ? entry->second->node.trees : ndb::NodeTrees{bid, listOf_[message]};
   }
 
   void AddListed() {
     isTaken_.resize(Messages().size());
     for (std::size_t i = 0; i < Messages().size(); ++i) isTaken_[i] = view_.IsDataInUse(Messages()[i].bid);
     std::vector<const NodeClaim*> entries(rows_.Rows().size());
+    std::vector<bool> isWanted(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowMatching::Row& row = rows_.Rows()[i];
       if (!IsOfUse(tables_.tables[row.table])) continue;
       entries[i] = LiveEntryOf(row.nid);
+      isWanted[i] = entries[i] == nullptr;
       if (entries[i] != nullptr) Take(entries[i]->node.trees.bidData);
     }
     std::vector<RowMatching::Use> uses(Messages().size());
     for (std::size_t i = 0; i < uses.size(); ++i) uses[i] = UseOf(i);
-    const std::vector<std::uint32_t> messageOf = rows_.Settle(uses);
+    const std::vector<std::uint32_t> messageOf = rows_.Settle(isWanted, std::move(uses), survey_.messages);
     std::set<Nid> done;
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowMatching::Row& row = rows_.Rows()[i];
@@ -205,34 +213,79 @@ class LostSearch {
 
   void AddUnlisted() {
     const std::vector<bool> isOlder = FindOlderVersions(view_, survey_.messages, isTaken_);
-    std::map<Bid, const NodeClaim*> entryOf;  // of the messages that no node in use stands for
-    for (const NodeClaim& claim : view_.Judged().nodes) {
-      if (!IsInUse(claim.standing)) entryOf.emplace(Canonical(claim.node.trees.bidData), &claim);
-    }
+    std::vector<std::size_t> homeless;  // positions in lost_.nodes
     for (std::size_t i = 0; i < Messages().size(); ++i) {
       const MessageFacts& message = Messages()[i];
       if (isTaken_[i]) continue;
-      const auto found = entryOf.find(message.bid);
-      const NodeClaim* entry = found == entryOf.end() ? nullptr : found->second;
-      const Standing standing = StandingOf(message, isOlder[i]);
-      if (!IsInUse(standing) && standing != Standing::kFound && (!deleted_ || entry != nullptr)) continue;
-      ndb::NodeEntry node{.trees = {message.bid, listOf_[i]}};
+      const auto found = entryOf_.find(message.bid);
+      const NodeClaim* entry = found == entryOf_.end() ? nullptr : found->second;
+      const Standing standing = StandingOf(message, entry, isOlder[i]);
+      if (standing != Standing::kFound && (!deleted_ || entry != nullptr)) continue;
+      ndb::NodeEntry node{.trees = TreesOf(i)};
       if (entry != nullptr && view_.InUse(entry->node.nid) == nullptr) {
         node.nid = entry->node.nid;
         node.nidParent = entry->node.nidParent;
       } else {
         node.nid = ids_.Next(message.isHidden ? NidType::kAssocMessage : NidType::kNormalMessage);
       }
+      const bool isHomeless = standing == Standing::kFound && node.nidParent == kNoNid && !message.isHidden;
+      if (isHomeless) homeless.push_back(lost_.nodes.size());
       Add(node, standing);
     }
+    PlaceHomeless(homeless);
   }
 
-  Standing StandingOf(const MessageFacts& message, bool isOlder) const {
+  Standing StandingOf(const MessageFacts& message, const NodeClaim* entry, bool isOlder) {
     const BlockStatus status = view_.StatusOf(message.bid);
     if (!view_.Judged().nodesAreExact && status == BlockStatus::kLive) return Standing::kFound;
     if (isOlder) return Standing::kOlder;
     if (view_.Judged().nodesAreExact || status == BlockStatus::kFreed) return Standing::kDeleted;
-    return Standing::kFound;
+    return entry != nullptr && entry->standing == Standing::kDeleted && IsGone(entry->node) ? Standing::kDeleted
+                                                                                            : Standing::kFound;
+  }
+
+  // An entry that is no longer in use may be of a page without a newer one. But if all of its message is there, it
+  // would have been taken for it; and where the table of its folder does without it, that is why.
+  bool IsGone(const ndb::NodeEntry& entry) {
+    if (complete_.IsComplete(entry.trees)) return true;
+    return std::ranges::any_of(tables_.tables, [&](const FolderTable& table) {
+      return table.isProven && table.isCurrent && table.kind == TableKind::kContents && table.folder == entry.nidParent;
+    });
+  }
+
+  // Messages in no table are those of the folder whose table is lost, if it is lost of one folder alone and they are no
+  // more than it is short of.
+  void PlaceHomeless(std::span<const std::size_t> homeless) {
+    std::unordered_set<Nid> withTable;
+    for (const FolderTable& table : tables_.tables) {
+      if (!table.isCurrent || table.kind != TableKind::kContents) continue;
+      if (table.folder == kNoNid) return;
+      withTable.insert(table.folder);
+    }
+    Nid without = kNoNid;
+    std::size_t room = 0;
+    for (const Nid folder : existing_) {
+      const std::size_t count = withTable.contains(folder) ? 0 : CountOf(folder);
+      if (count == 0) continue;
+      if (without != kNoNid) return;
+      without = folder;
+      room = count;
+    }
+    for (const NodeClaim& claim : view_.Judged().nodes) {
+      const bool isThere = claim.node.nidParent == without && TypeOf(claim.node.nid) == NidType::kNormalMessage;
+      if (isThere && IsInUse(claim.standing) && room > 0) --room;
+    }
+    if (homeless.size() > room) return;
+    for (const std::size_t at : homeless) lost_.nodes[at].node.nidParent = without;
+  }
+
+  /// How many messages a folder says it has.
+  std::size_t CountOf(Nid folder) const {
+    if (TypeOf(folder) != NidType::kNormalFolder) return 0;
+    if (const ListedFolder* listed = tables_.Find(folder)) return listed->count;
+    ndb::Faults faults;
+    auto context = IfReadable([&] { return ltp::PropertyContext::Open(view_.Blocks(), {ContextOf(folder), kNoBid}, &faults); });
+    return context ? static_cast<std::uint32_t>(context->Integer32(tag::kContentCount).value_or(0)) : 0;
   }
 
   // A proven table tells more of the folder than an old entry does.
@@ -253,10 +306,12 @@ class LostSearch {
   const EvidenceView& view_;
   const bool deleted_;
   RunContext& run_;
-  TreeSurvey trees_;
+  TreeSizes sizes_;
+  CompleteNodes complete_;
   RowMatching rows_;
   FolderTables tables_;
   ContextSurvey survey_;
+  std::unordered_map<Bid, const NodeClaim*> entryOf_;  ///< by the data that they name: those not in use
   std::unordered_set<Nid> existing_;
   std::vector<Bid> listOf_;                          ///< of each message
   std::vector<bool> isTaken_;                        ///< likewise
@@ -267,7 +322,7 @@ class LostSearch {
 
 }  // namespace
 
-LostNodes FindLostNodes(const ndb::BlockSource& blocks, const Evidence& evidence, const Judgement& judgement,
+LostNodes FindLostNodes(const EvidenceBlocks& blocks, const Evidence& evidence, const Judgement& judgement,
                         bool deleted, RunContext& run) {
   if (judgement.nodesAreExact && !deleted) return {};
   return LostSearch(EvidenceView(blocks, evidence, judgement), deleted, run).Search();

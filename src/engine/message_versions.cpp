@@ -42,7 +42,7 @@ std::vector<bool> FindOlderVersions(const EvidenceView& view, const MessageConte
   SameSearchKey group;
   for (std::size_t at = 0; at < order.size(); ++at) {
     const MessageFacts& message = facts[order[at]];
-    if (message.searchKey == 0) continue;
+    if (message.searchKey == 0 || message.hasCommonKeys) continue;
     const bool isFirst = at == 0 || facts[order[at - 1]].searchKey != message.searchKey ||
                          facts[order[at - 1]].isHidden != message.isHidden;
     if (isFirst) group = {};

@@ -39,7 +39,13 @@ class SubnodeLists {
 
   bool Holds(std::uint32_t list, Nid nid) const;
 
+  /// Whether so many lists hold that id that it does not tell whose they are: some programs number the values of each
+  /// message anew.
+  bool IsCommon(Nid nid) const { return Holding(nid).size() > kMostVersions; }
+
  private:
+  static constexpr std::size_t kMostVersions = 8;  ///< of one message that may well be left
+
   std::vector<SubnodeList> lists_;
   std::vector<Entry> entries_;  ///< in order
 };

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 
 #include "store/format/store_nodes.h"
 
 namespace velmora::engine {
 namespace {
 
+
+/// Ids between a folder and its table that were written together.
+constexpr std::uint64_t kWrittenTogether = 16 * kBidStep;
 
 constexpr NidType TypeOfTable(TableKind kind) {
   switch (kind) {
@@ -62,8 +66,10 @@ class Owners {
       }
       if (best == nullptr) continue;
       table.folder = Sibling(best->node.nid, NidType::kNormalFolder);
-      table.isProven = table.isCurrent && table.isWhole && IsInUse(best->standing) &&
-                       view_.StatusOf(table.trees.bidData) == BlockStatus::kLive;
+      table.isFirm = best->standing == Standing::kLive;
+      const bool isLive = view_.StatusOf(table.trees.bidData) == BlockStatus::kLive;
+      table.isProven =
+          table.isCurrent && table.isWhole && (table.isFirm || (isLive && best->standing == Standing::kDoubtful));
     }
   }
 
@@ -103,8 +109,14 @@ class Owners {
       }
       const bool areSearches =
           std::ranges::all_of(table.rows, [](Nid row) { return TypeOf(row) == NidType::kSearchFolder; });
-      if (IsOpen(table, TableKind::kHierarchy) && areSearches) table.folder = store_.finder;
+      if (IsOpen(table, TableKind::kHierarchy) && areSearches) table.folder = Finder();
     }
+  }
+
+  Nid Finder() const {
+    if (store_.finder != kNoNid) return store_.finder;
+    return tables_.Find(nid::kOfflineMailbox) != nullptr || view_.InUse(nid::kOfflineMailbox) != nullptr ? nid::kOfflineFinder
+                                                                                               : kNoNid;
   }
 
   // A folder is made before what it contains.
@@ -130,33 +142,49 @@ class Owners {
   }
 
   void ByCounts() {
+    for (const bool isOfKind : {true, false}) {
+      ByCounts(isOfKind, false);
+      ByCounts(isOfKind, true);
+    }
+  }
+
+  void ByCounts(bool isOfKind, bool mayHaveOlder) {
     struct Group {
       std::vector<FolderTable*> tables;
       std::vector<Nid> folders;
     };
-    std::map<std::pair<std::size_t, std::size_t>, Group> groups;  // by messages, and unread ones
-    std::set<Nid> with;
+    std::map<std::tuple<std::size_t, std::size_t, ItemKind>, Group> groups;  // by messages, and unread ones
+    std::map<Nid, const FolderTable*> tableOf;
     for (FolderTable& table : tables_.tables) {
-      if (table.isCurrent && table.kind == TableKind::kContents) with.insert(table.folder);
-      if (IsOpen(table, TableKind::kContents)) groups[{table.rows.size(), table.unread}].tables.push_back(&table);
+      if (!table.isCurrent || table.kind != TableKind::kContents) continue;
+      if (table.folder != kNoNid) {
+        tableOf.emplace(table.folder, &table);  // the newest
+      } else {
+        groups[{table.rows.size(), table.unread, isOfKind ? table.holds : ItemKind::kMail}].tables.push_back(&table);
+      }
     }
     for (const ListedFolder& folder : tables_.folders) {
-      const auto group = groups.find({folder.count, folder.unread});
-      if (group != groups.end() && !with.contains(folder.nid) && TypeOf(folder.nid) == NidType::kNormalFolder) {
-        group->second.folders.push_back(folder.nid);
-      }
+      if (TypeOf(folder.nid) != NidType::kNormalFolder) continue;
+      const auto table = tableOf.find(folder.nid);
+      if ((table != tableOf.end()) != mayHaveOlder || (mayHaveOlder && table->second->isFirm)) continue;
+      const ItemKind kind = isOfKind ? ItemKindOf(folder.containerClass) : ItemKind::kMail;
+      const auto group = groups.find({folder.count, folder.unread, kind});
+      if (group != groups.end()) group->second.folders.push_back(folder.nid);
     }
     for (auto& [counts, group] : groups) {
       if (group.tables.size() == 1 && group.folders.size() == 1) {
-        group.tables.front()->folder = group.folders.front();
-      } else {
+        FolderTable& table = *group.tables.front();
+        const auto other = tableOf.find(group.folders.front());
+        const bool isNewer = other == tableOf.end() || other->second->trees.bidData < table.trees.bidData;
+        if (isNewer) table.folder = group.folders.front();
+      } else if (!mayHaveOlder) {
         ByDistance(group.tables, group.folders);
       }
     }
   }
 
-  // Each table gets the folder that was written nearest to it; the nearest pairs go first. A table whose folder went to
-  // another gets the nearest of those that are left.
+  // Each table gets the folder that was written nearest to it; the nearest pairs go first. What was not written
+  // together goes by age, if as many folders as tables are left; else again the nearest.
   void ByDistance(std::span<FolderTable* const> tables, std::span<const Nid> folders) const {
     std::map<Bid, Nid> free;
     for (const Nid folder : folders) {
@@ -173,6 +201,22 @@ class Owners {
       if (!free.empty()) order.emplace_back(Distance(nearest(*table)->first, *table), table);
     }
     std::ranges::stable_sort(order, {}, &std::pair<std::uint64_t, FolderTable*>::first);
+    std::erase_if(order, [&](const auto& nearestOf) {
+      const auto& [distance, table] = nearestOf;
+      if (distance > kWrittenTogether || free.empty()) return false;
+      const auto folder = nearest(*table);
+      if (Distance(folder->first, *table) > kWrittenTogether) return false;
+      table->folder = folder->second;
+      free.erase(folder);
+      return true;
+    });
+    if (order.size() == free.size()) {
+      std::ranges::sort(order, {}, [](const auto& nearestOf) { return nearestOf.second->trees.bidData; });
+      for (const auto& [distance, table] : order) {
+        table->folder = free.begin()->second;
+        free.erase(free.begin());
+      }
+    }
     for (const auto& [distance, table] : order) {
       if (free.empty()) return;
       const auto folder = nearest(*table);

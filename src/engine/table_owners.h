@@ -6,8 +6,9 @@
 //   hierarchy   the one with the top folder is the root's; the one with the deleted items is the top folder's; one with
 //               nothing but search folders is the finder's; of the folders that have sub-folders and no table the
 //               youngest that is older than all rows
-//   contents    as many messages, and as many unread ones, as a folder tells; among several such folders the one whose
-//               own block was written nearest to the table
+//   contents    as many messages, and as many unread ones, as a folder tells, of the kind that the folder is for; among
+//               several such folders the one whose own block was written nearest to the table. Folders without a table
+//               come first; one whose table is named by no live entry may have a newer one, if no other fits as well
 //
 // A table that is older than a proven one of the same folder is out of use. One whose folder is neither a node nor a
 // row of a table in use is what is left of a deleted folder.

@@ -17,13 +17,13 @@ constexpr std::uint16_t kParentId = 0x67F1;
 constexpr Nid kFirstRowOfFolder{0x20};  ///< rows of other tables count from 0 or 1
 
 /// Lists that are tried for one table, those that were written nearest to it.
-constexpr std::size_t kMostTried = 64;
+constexpr std::size_t kMostListsTried = 64;
 
 bool HasColumn(const ltp::TableInfo& info, PropTag tag) {
   return std::ranges::any_of(info.columns, [tag](const ltp::Column& c) { return IdOf(c.tag) == IdOf(tag); });
 }
 
-TableKind KindOf(const ltp::TableInfo& info, std::span<const Nid> rows) {
+TableKind TableKindOf(const ltp::TableInfo& info, std::span<const Nid> rows) {
   if (rows.empty() || rows.front() < kFirstRowOfFolder) return TableKind::kOther;
   const auto all = [&](auto isOfType) {
     return std::ranges::all_of(rows, [&](Nid nid) { return isOfType(TypeOf(nid)); });
@@ -81,7 +81,7 @@ std::optional<TableShape> ReadShape(const EvidenceView& view, Bid bid) {
     for (std::size_t at = 0; at < index->size(); at += layout.LeafRecord()) shape.rows.push_back(LoadNid(*index, at));
   }
   std::ranges::sort(shape.rows);
-  shape.kind = KindOf(*info, shape.rows);
+  shape.kind = TableKindOf(*info, shape.rows);
   if (info->hnidRows != 0 && !IsHid(info->hnidRows)) {
     shape.beside = Nid{info->hnidRows};
   } else if (const auto rows = heap->Find(info->hnidRows)) {
@@ -124,10 +124,10 @@ Bid ListOfTable(const EvidenceView& view, Bid bid, const TableShape& shape, std:
   for (const SubnodeLists::Entry& entry : lists.Holding(*shape.beside)) {
     candidates.push_back(lists.All()[entry.list].bid);
   }
-  if (candidates.size() > kMostTried) {
+  if (candidates.size() > kMostListsTried) {
     const auto distance = [bid](Bid list) { return list < bid ? Value(bid) - Value(list) : Value(list) - Value(bid); };
-    std::ranges::nth_element(candidates, candidates.begin() + kMostTried, {}, distance);
-    candidates.resize(kMostTried);
+    std::ranges::nth_element(candidates, candidates.begin() + kMostListsTried, {}, distance);
+    candidates.resize(kMostListsTried);
   }
   std::ranges::sort(candidates, {}, [&](Bid list) { return std::pair(view.IsFreed(list), ~Value(list)); });
   for (const Bid list : candidates) {

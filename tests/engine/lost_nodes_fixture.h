@@ -24,7 +24,9 @@ class WreckedStore {
   /// All blocks are proven and live, all nodes live. Of nodes with one id the first is meant.
   explicit WreckedStore(const forge::Image& image) : file_(image.bytes) {
     reader_ = ndb::StoreReader::Open(file_);
+    source_.Open(std::make_unique<platform::MemoryFile>(image.bytes));
     evidence_.layout = &reader_->Format();
+    evidence_.encoding = ReadHeader(source_).value().encoding;
     std::set<Bid> named;
     std::vector<std::byte> content;
     for (const forge::PlacedBlock& placed : image.blocks) {
@@ -82,11 +84,12 @@ class WreckedStore {
     evidence_.blocks.erase(evidence_.blocks.begin() + (block - evidence_.blocks.data()));
   }
 
-  LostNodes Find(bool deleted = false) { return FindLostNodes(*reader_, evidence_, judgement_, deleted, run_); }
+  LostNodes Find(bool deleted = false) {
+    return FindLostNodes(EvidenceBlocks(source_, evidence_, judgement_), evidence_, judgement_, deleted, run_);
+  }
 
   Judgement& Judged() { return judgement_; }
   Evidence& Found() { return evidence_; }
-  const ndb::BlockSource& Blocks() const { return *reader_; }
 
  private:
   static BlockKind KindOf(Bid bid, std::span<const std::byte> content) {
@@ -100,6 +103,7 @@ class WreckedStore {
   }
 
   platform::MemoryFile file_;
+  Source source_;
   std::unique_ptr<ndb::StoreReader> reader_;
   Evidence evidence_;
   Judgement judgement_;

@@ -381,15 +381,265 @@ TEST_P(LostNodesTest, ADoubtfulMessageGetsTheFolderWhoseProvenTableListsIt) {
 
 TEST_P(LostNodesTest, ALongTableIsReadWithTheListThatItsRowsAreIn) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
   std::vector<Mailbox::Added> letters;
   for (int i = 0; i < 300; ++i) {
     letters.push_back(box_.AddMessage(inbox, Letter(u"Letter " + text::Decimal(i), 1)));
+    letters.push_back(box_.AddMessage(work, Letter(u"Report " + text::Decimal(i), 2)));
   }
+  letters.push_back(box_.AddMessage(work, Letter(u"One more", 3)));
   WreckedStore store(box_.Finish());
-  EXPECT_NE(store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidSub, kNoBid) << "the table must be long";
+  for (const forge::Nid folder : {inbox, work}) {
+    EXPECT_NE(store.Entry((folder & ~0x1Fu) | 0x0E).trees.bidSub, kNoBid) << "the table must be long";
+  }
   store.LoseAllNodes();
   const LostNodes lost = store.Find();
   for (const auto& letter : letters) ASSERT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid)) << letter.nid;
+}
+
+TEST_P(LostNodesTest, AmongEqualCountsATableGoesToAFolderForItsKind) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto calendar = box_.AddFolder({.name = u"Calendar", .containerClass = u"IPF.Appointment"});
+  Message meeting = Letter(u"Meeting", 2);
+  meeting.messageClass = u"IPM.Appointment";
+  const auto letter = box_.AddMessage(inbox, Letter(u"Letter", 1));
+  const auto appointment = box_.AddMessage(calendar, meeting);
+  box_.CloseFolder(calendar);  // so by age its table would be the inbox's
+  box_.CloseFolder(inbox);
+  WreckedStore store(box_.Finish());
+  store.LoseAllNodes();
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(ClaimTo(lost, letter.nid).node.nidParent, Nid{inbox});
+  EXPECT_EQ(ClaimTo(lost, appointment.nid).node.nidParent, Nid{calendar});
+}
+
+TEST_P(LostNodesTest, TablesOfFoldersThatAreAlikeGoByAge) {
+  std::map<forge::Nid, forge::Nid> folderOf;
+  for (unsigned i = 0; i < 30; ++i) {
+    const auto folder = box_.AddFolder({.name = u"Archive"});
+    for (unsigned n = 0; n < 2; ++n) {
+      folderOf[box_.AddMessage(folder, Letter(u"Letter " + text::Decimal(i), n + 1)).nid] = folder;
+    }
+    box_.CloseFolder(folder);
+  }
+  WreckedStore store(box_.Finish());
+  store.LoseAllNodes();
+  const LostNodes lost = store.Find();
+  for (const auto& [letter, folder] : folderOf) EXPECT_EQ(ClaimTo(lost, letter).node.nidParent, Nid{folder});
+}
+
+TEST_P(LostNodesTest, OldEntriesOfItsMessagesTellWhoseATableIs) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const auto letter = box_.AddMessage(inbox, Letter(u"Letter", 1));
+  const auto report = box_.AddMessage(work, Letter(u"Report", 2));
+  box_.CloseFolder(work);
+  box_.CloseFolder(inbox);
+  WreckedStore store(box_.Finish());
+  store.LoseAllNodes();
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by age";
+  for (const auto& [message, folder] : {std::pair(letter, inbox), std::pair(report, work)}) {
+    store.Claim({Nid{message.nid}, {Bid{0xFFFF0}, kNoBid}, Nid{folder}}, Standing::kDeleted);
+  }
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid));
+  EXPECT_EQ(ClaimTo(lost, report.nid).node, store.Entry(report.nid));
+}
+
+TEST_P(LostNodesTest, OlderVersionsOfATableTellWhoseItIs) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const auto letter = box_.AddMessage(inbox, Letter(u"Letter", 1));
+  box_.AddMessage(work, Letter(u"Report", 2));
+  const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{letter.nid, {}}, {0x300024, {}}});
+  const Bid oldTable{Store().AddDataBlocks(old.blocks)};
+  box_.CloseFolder(work);
+  box_.CloseFolder(inbox);
+  WreckedStore store(box_.Finish());
+  store.LoseAllNodes();
+  store.SetStatus(oldTable, BlockStatus::kFreed);
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{work}) << "by age";
+  store.Claim({Nid{(inbox & ~0x1Fu) | 0x0E}, {oldTable, kNoBid}, kNoNid}, Standing::kOlder);
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.nidParent, Nid{inbox});
+}
+
+TEST_P(LostNodesTest, AFolderWhoseTableIsDoubtfulGetsTheNewerOneThatFitsItAlone) {
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{0x300024, {}}, {0x300044, {}}});
+  const Bid oldTable{Store().AddDataBlocks(old.blocks)};
+  const auto first = box_.AddMessage(work, Letter(u"First", 1));
+  const auto second = box_.AddMessage(work, Letter(u"Second", 2));
+  WreckedStore store(box_.Finish());
+  const forge::Nid contents = (work & ~0x1Fu) | 0x0E;
+  store.LoseBlockTree();
+  for (const forge::Nid nid : {first.nid, second.nid, contents}) store.Lose(nid);
+  store.Claim({Nid{contents}, {oldTable, kNoBid}, kNoNid}, Standing::kDoubtful);
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(ClaimTo(lost, first.nid).node, store.Entry(first.nid));
+  EXPECT_EQ(ClaimTo(lost, second.nid).node, store.Entry(second.nid));
+}
+
+TEST_P(LostNodesTest, MessagesInNoTableAreOfTheOneFolderThatIsShortOfThem) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
+  for (unsigned day = 1; day <= 3; ++day) box_.AddMessage(inbox, Letter(u"Letter", day));
+  const auto report = box_.AddMessage(work, Letter(u"Report", 4));
+  WreckedStore store(box_.Finish());
+  const Bid tables[] = {store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidData,
+                        store.Entry((work & ~0x1Fu) | 0x0E).trees.bidData};
+  store.Lose([](const ndb::NodeEntry& node) { return TypeOf(node.nid) == NidType::kNormalMessage; });
+  store.LoseBlock(tables[0]);
+  LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 4u);
+  for (const NodeClaim& claim : lost.nodes) {
+    EXPECT_EQ(claim.node.nidParent, Nid{claim.node.nid == Nid{report.nid} ? work : inbox});
+  }
+  store.LoseBlock(tables[1]);
+  lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 4u);
+  for (const NodeClaim& claim : lost.nodes) EXPECT_EQ(claim.node.nidParent, kNoNid) << "two folders may be theirs";
+}
+
+TEST_P(LostNodesTest, TheTableOfAFolderThatIsGoneMakesNoLiveMessages) {
+  const forge::Nid gone = 0x9002;
+  const forge::WrittenMessage written = forge::WriteMessage(Store(), box_.names(), Letter(u"Gone", 1));
+  const forge::Context table = forge::FormTable(
+      Store(), forge::ContentsColumns(), {{0x300024, forge::CellsOf(forge::ContentsColumns(), written.properties)}});
+  const Bid tableBid{Store().AddDataBlocks(table.blocks)};
+  WreckedStore store(box_.Finish());
+  store.Claim({Nid{(gone & ~0x1Fu) | 0x0E}, {tableBid, kNoBid}, kNoNid}, Standing::kOlder);
+  const LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 1u) << "its block is live all the same";
+  EXPECT_EQ(lost.nodes[0].node.nidParent, kNoNid);
+  EXPECT_TRUE(lost.messageRows.empty());
+}
+
+TEST_P(LostNodesTest, AWholeMessageThatNewerPagesDoWithoutIsDeleted) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  box_.AddMessage(inbox, Letter(u"Kept", 1));
+  const ndb::NodeTrees gone = WithoutNode(LetterTo(u"Gone", 2));
+  WreckedStore store(box_.Finish());
+  store.LoseBlockTree();
+  EXPECT_EQ(store.Find().nodes.size(), 1u) << "unless an entry tells, it is handed out as found";
+  store.Claim({Nid{0x300024}, gone, Nid{inbox}}, Standing::kDeleted);
+  EXPECT_TRUE(store.Find().nodes.empty());
+  const ndb::NodeEntry table = store.Entry((inbox & ~0x1Fu) | 0x0E);
+  store.Lose((inbox & ~0x1Fu) | 0x0E);
+  EXPECT_TRUE(store.Find().nodes.empty()) << "whoever owns the table";
+  store.LoseBlock(gone.bidSub);
+  store.Claim(table, Standing::kLive);
+  EXPECT_TRUE(store.Find().nodes.empty()) << "the table of its folder does without it";
+  store.Lose((inbox & ~0x1Fu) | 0x0E);
+  EXPECT_EQ(ClaimTo(store.Find(), 0x300024).node, (ndb::NodeEntry{Nid{0x300024}, gone, Nid{inbox}}))
+      << "nothing tells any more";
+}
+
+TEST_P(LostNodesTest, ValuesThatEachMessageNumbersAlikeDoNotMixThemUp) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  std::vector<Mailbox::Added> letters;
+  for (int i = 0; i < 100; ++i) letters.push_back(box_.AddMessage(inbox, WithKeys(Letter(u"Same", 1), 0x803F)));
+  WreckedStore store(box_.Finish());
+  store.LoseBlockTree();
+  for (const auto& letter : letters) store.Lose(letter.nid);
+  const LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), letters.size());
+  for (const auto& letter : letters) EXPECT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid));
+}
+
+TEST_P(LostNodesTest, RowsThatEqualAMessageAndItsOlderVersionAreCopiesOfTheMessage) {
+  const forge::Nid copies[] = {0x300024, 0x300044};
+  const Message letter = WithKeys(Letter(u"Copied", 1), 0x9003F);
+  WithoutNode(letter);
+  const forge::WrittenMessage written = forge::WriteMessage(Store(), box_.names(), letter);
+  const auto cells = forge::CellsOf(forge::ContentsColumns(), written.properties);
+  forge::AddContextNode(Store(), 0x9002, forge::kTopFolder, {forge::Text(0x3001, u"Archive")});
+  forge::AddTableNode(Store(), 0x900E, forge::ContentsColumns(), {{copies[0], cells}, {copies[1], cells}});
+  WreckedStore store(box_.Finish());
+  store.LoseBlockTree();
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(NidsOf(lost), (std::vector{Nid{copies[0]}, Nid{copies[1]}}));
+  for (const forge::Nid copy : copies) EXPECT_EQ(ClaimTo(lost, copy).node.trees.bidData, Bid{written.bidData});
+}
+
+TEST_P(LostNodesTest, AHiddenItemIsFoundAmongHiddenOnes) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  Message hidden = Letter(u"Settings", 1);
+  hidden.flags = 0x41;
+  const auto item = box_.AddMessage(inbox, hidden, 0x300028);
+  const auto letter = box_.AddMessage(inbox, Letter(u"Settings", 1));
+  const ndb::NodeTrees stray = WithoutNode(hidden);
+  WreckedStore store(box_.Finish());
+  store.Lose(letter.nid);
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid));
+  const auto other =
+      std::ranges::find(lost.nodes, stray.bidData, [](const NodeClaim& c) { return c.node.trees.bidData; });
+  ASSERT_NE(other, lost.nodes.end());
+  EXPECT_EQ(TypeOf(other->node.nid), NidType::kAssocMessage);
+  EXPECT_NE(other->node.nid, Nid{item.nid});
+}
+
+TEST_P(LostNodesTest, ManyMessagesWithOneSearchKeyTakeNoPairwiseComparison) {
+  const forge::Property key = forge::Binary(0x300B, forge::Noise(16, 7));
+  for (unsigned i = 0; i < 2000; ++i) {
+    Message message = Letter(u"Draft", 1);
+    message.properties = {key, forge::Time(0x3008, Noon(1) + i)};
+    WithoutNode(message);
+  }
+  WreckedStore store(box_.Finish());
+  store.Judged().nodesAreExact = true;
+  const LostNodes lost = store.Find(true);
+  EXPECT_EQ(CountOf(lost, Standing::kDeleted), 1u);
+  EXPECT_EQ(CountOf(lost, Standing::kOlder), 1999u);
+}
+
+TEST_P(LostNodesTest, TheListOfAMessageInUseIsNoneOfAnother) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto kept = box_.AddMessage(inbox, LetterTo(u"Kept", 1));
+  const auto letter = box_.AddMessage(inbox, LetterTo(u"Lost", 2));
+  WreckedStore store(box_.Finish());
+  store.Lose(letter.nid);
+  store.LoseBlock(Bid{letter.bidSub});
+  EXPECT_EQ(ClaimTo(store.Find(), letter.nid).node.trees, (ndb::NodeTrees{Bid{letter.bidData}, kNoBid}));
+  store.Lose(kept.nid);
+  EXPECT_EQ(ClaimTo(store.Find(), kept.nid).node.trees.bidSub, Bid{kept.bidSub});
+}
+
+TEST_P(LostNodesTest, MoreMessagesThanAFolderIsShortOfAreNotPlacedInIt) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  box_.AddMessage(inbox, Letter(u"Letter", 1));
+  WithoutNode(Letter(u"Stray", 2));
+  WreckedStore store(box_.Finish());
+  const Bid table = store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidData;
+  store.Lose([](const ndb::NodeEntry& node) { return TypeOf(node.nid) == NidType::kNormalMessage; });
+  store.LoseBlock(table);
+  const LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 2u);
+  for (const NodeClaim& claim : lost.nodes) EXPECT_EQ(claim.node.nidParent, kNoNid);
+}
+
+TEST_P(LostNodesTest, AListedMessageWhoseRowIsEmptyIsFoundByAnOlderEntry) {
+  const forge::Nid nid = 0x300024;
+  const ndb::NodeTrees trees = WithoutNode(LetterTo(u"Listed", 1));
+  forge::AddContextNode(Store(), 0x9002, forge::kTopFolder, {forge::Text(0x3001, u"Archive")});
+  forge::AddTableNode(Store(), 0x900E, forge::ContentsColumns(), {{nid, {}}});
+  WreckedStore store(box_.Finish());
+  store.Claim({Nid{nid}, trees, Nid{forge::kDeletedItems}}, Standing::kOlder);
+  const LostNodes lost = store.Find();
+  EXPECT_EQ(NidsOf(lost), std::vector{Nid{nid}});
+  EXPECT_EQ(ClaimTo(lost, nid).node, (ndb::NodeEntry{Nid{nid}, trees, Nid{0x9002}}));
+}
+
+TEST_P(LostNodesTest, ATableThatIsOlderThanAProvenOneOfItsFolderMakesNoMessages) {
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{0x300024, {}}});
+  const Bid oldTable{Store().AddDataBlocks(old.blocks)};
+  box_.AddMessage(work, Letter(u"Report", 1));
+  WreckedStore store(box_.Finish());
+  store.LoseBlockTree();
+  EXPECT_EQ(store.Find().messageRows.size(), 1u) << "as long as nothing tells whose it is";
+  store.Claim({Nid{(work & ~0x1Fu) | 0x0E}, {oldTable, kNoBid}, kNoNid}, Standing::kOlder);
+  EXPECT_TRUE(store.Find().messageRows.empty());
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ inline constexpr Nid kSpamSearchFolder{0x2223};
 
 // Folders that every offline store has, where the properties of other stores name them.
 inline constexpr Nid kOfflineMailbox{0x20A2};
+inline constexpr Nid kOfflineFinder{0x20E2};
 inline constexpr Nid kOfflineTop{0x2142};
 inline constexpr Nid kOfflineDeletedItems{0x2162};
 inline constexpr Nid kOfflineOutbox{0x21A2};

@@ -1,0 +1,159 @@
+#!/usr/bin/env python3
+"""salvage_check.py PROGRAM [--stores FOLDER] [--tools FOLDER] [--seed N] [--case NAME...] - which messages of damaged
+stores are known again.
+
+Makes damaged copies of each store (damage.py of the tools, and two without any tree page, old ones too), lets PROGRAM
+(velmora-evidence --lost) find their nodes, and compares the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
+is found when a node leads to the same data and the same list of sub-nodes. Copies share blocks, so ids do not count, but
+each node counts once. "too much" are nodes that lead to what is no live message, "hurt" the messages of which a block is
+damaged, found in some form. Ends with 1 if an intact message is missing, or more than --misplaced are in a wrong folder."""
+import argparse
+import collections
+import glob
+import os
+import subprocess
+import sys
+import tempfile
+
+MESSAGE, FOLDERS = 4, (2, 3)
+
+
+def type_of(nid):
+    return nid & 31
+
+
+def found_by(program, path):
+    """(data, sub, parent) by node id, and the parents of the folders; what was found later counts"""
+    nodes, folders, rows = {}, {}, set()
+    out = subprocess.run([program, "--lost", path], check=True, capture_output=True, text=True).stdout
+    for word in (line.split() for line in out.splitlines()):
+        if word[0] == "node" and word[1] in ("live", "doubtful", "found"):
+            nid, data, sub, parent = (int(w, 16) for w in word[2:6])
+            nodes[nid] = (data & ~1, sub & ~1, parent)
+            if type_of(nid) in FOLDERS:
+                folders[nid] = parent
+        elif word[0] == "folder":
+            folders[int(word[1], 16)] = int(word[2], 16)
+        elif word[0] == "row":
+            rows.add(int(word[1], 16))
+    return nodes, folders, rows
+
+
+def without_pages(whole, types):
+    """the file without any page of the trees, old ones too"""
+    import pstcheck
+    data = bytearray(open(whole, "rb").read())
+    size, at = (4096, 4072) if data[10] == 36 else (512, 496 if data[10] >= 20 else 500)
+    at_sum = at + (8 if at == 500 else 4)
+    for page in range(0, len(data) - size + 1, size):
+        sum_told = int.from_bytes(data[page + at_sum:page + at_sum + 4], "little")
+        if data[page + at] in types and sum_told == pstcheck.crc_pst(bytes(data[page:page + at])):
+            data[page:page + size] = bytes(size)
+    return data
+
+
+OF_OUR_OWN = {"all_node_pages": (0x81,), "all_pages": (0x80, 0x81)}
+
+
+class Truth:
+    def __init__(self, path):
+        import pstcheck
+        import salvagescore
+        store = pstcheck.Store(path)
+        store.load()
+        self.bytes = open(path, "rb").read()
+        extents = salvagescore.Extents(store)
+        self.nodes = {nid: (data & ~1, sub & ~1, parent) for nid, (data, sub, parent) in store.nbt.items()}
+        self.extents = {nid: extents.node(nid) for nid in self.nodes if type_of(nid) == MESSAGE}
+
+    def is_intact(self, nid, damaged):
+        return all(damaged[at:at + size] == self.bytes[at:at + size] for at, size in self.extents[nid])
+
+
+def score(truth, program, path, verbose):
+    nodes, folders, rows = found_by(program, path)
+    damaged = open(path, "rb").read()
+    messages = [nid for nid in truth.nodes if type_of(nid) == MESSAGE]
+    pairs = collections.Counter(entry[:2] for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
+    places = collections.Counter(entry for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
+    row = collections.Counter()
+    for nid in messages:
+        entry = truth.nodes[nid]
+        if not truth.is_intact(nid, damaged):
+            row["hurt"] += 1
+            row["hurt_found"] += nid in nodes or pairs[entry[:2]] > 0
+            row["hurt_by_row"] += nid in rows and nid not in nodes
+            pairs[entry[:2]] -= pairs[entry[:2]] > 0
+            continue
+        row["intact"] += 1
+        row["same_id"] += nodes.get(nid, ())[:2] == entry[:2]
+        row["found"] += pairs[entry[:2]] > 0
+        row["in_folder"] += places[entry] > 0
+        if verbose and (pairs[entry[:2]] <= 0 or places[entry] <= 0):
+            print("   %s %x %x/%x in %x: %s" % ("misplaced" if pairs[entry[:2]] > 0 else "missing", nid, *entry,
+                                               ["%x" % v for v in nodes.get(nid, ())]))
+        pairs[entry[:2]] -= 1
+        places[entry] -= 1
+    live = {truth.nodes[nid][0] for nid in messages}
+    row["too_much"] = sum(type_of(nid) == MESSAGE and entry[0] not in live for nid, entry in nodes.items())
+    row["too_many"] = sum(n for pair, n in pairs.items() if n > 0 and pair[0] in live)
+    for nid in (nid for nid in truth.nodes if type_of(nid) in FOLDERS):
+        row["folders"] += 1
+        row["folders_found"] += nid in folders
+        row["parents"] += folders.get(nid) == truth.nodes[nid][2]
+    row["folders_too_much"] = len(folders.keys() - truth.nodes.keys())
+    return row
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    ap.add_argument("program")
+    for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
+        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", name)
+        ap.add_argument("--" + name, default=os.environ.get(variable, beside))
+    ap.add_argument("--seed", default="7")
+    ap.add_argument("--case", nargs="*", default=[])
+    ap.add_argument("--misplaced", type=int, default=0)
+    ap.add_argument("--too-much", type=int, default=0)
+    ap.add_argument("--verbose", action="store_true")
+    a = ap.parse_args()
+    if not os.path.isdir(a.stores) or not os.path.isdir(a.tools):
+        print("no folders of stores and tools beside the sources; VELMORA_STORES and VELMORA_TOOLS name them")
+        return 77
+    sys.path.insert(0, a.tools)
+    sys.setrecursionlimit(4000)
+    damage = os.path.join(a.tools, "damage.py")
+    listed = subprocess.run([sys.executable, damage, "--list"], check=True, capture_output=True, text=True).stdout.split()
+    sums = {case: collections.Counter() for case in [*listed, *OF_OUR_OWN]}
+    for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
+        truth = Truth(path)
+        with tempfile.TemporaryDirectory() as folder:
+            subprocess.run([sys.executable, damage, path, folder, "--seed", a.seed] +
+                           (["--case", *a.case] if a.case else []), check=True)
+            for case, types in OF_OUR_OWN.items():
+                if not a.case or case in a.case:
+                    with open(os.path.join(folder, case + os.path.splitext(path)[1]), "wb") as out:
+                        out.write(without_pages(path, types))
+            for case in sums:
+                copy = os.path.join(folder, case + os.path.splitext(path)[1])
+                if os.path.exists(copy):
+                    row = score(truth, a.program, copy, a.verbose)
+                    if a.verbose:
+                        print(os.path.basename(path), case, dict(row))
+                    sums[case].update(row)
+    print("%-22s %6s %6s %7s %9s | %8s %8s | %11s | %s" % ("case", "intact", "found", "same id", "in folder", "too much",
+                                                          "too many", "hurt: found", "folders: found, placed, too much"))
+    for case, t in sums.items():
+        if t:
+            print("%-22s %6d %6d %7d %9d | %8d %8d | %4d: %2d + %-2d | %4d: %4d %4d %4d" % (
+                case, t["intact"], t["found"], t["same_id"], t["in_folder"], t["too_much"], t["too_many"], t["hurt"],
+                t["hurt_found"], t["hurt_by_row"], t["folders"], t["folders_found"], t["parents"], t["folders_too_much"]))
+    missing = sum(t["intact"] - t["found"] for t in sums.values())
+    misplaced = sum(t["found"] - t["in_folder"] for t in sums.values())
+    too_much = sum(t["too_much"] + t["too_many"] for t in sums.values())
+    print("%d intact messages missing, %d in another folder, %d too much" % (missing, misplaced, too_much))
+    return 0 if missing == 0 and misplaced <= a.misplaced and too_much <= a.too_much else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
