@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "engine/evidence.h"
+#include "engine/evidence/evidence.h"
 #include "engine/index_file.h"
 #include "engine/run.h"
 #include "engine/steps.h"

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <vector>
 
-#include "engine/evidence.h"
+#include "engine/evidence/evidence.h"
 #include "engine/heap_evidence.h"
 #include "engine/run.h"
 #include "engine/source.h"

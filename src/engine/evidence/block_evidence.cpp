@@ -1,0 +1,90 @@
+#include "engine/evidence/block_evidence.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "engine/evidence/inflate_part.h"
+#include "store/format/byte_view.h"
+#include "store/format/heap_format.h"
+
+namespace velmora::engine {
+namespace {
+
+/// Of a packed block: enough for the tables of the stream and the first bytes that come out of it.
+constexpr std::size_t kPackedHead = 1024;
+
+/// Parts of a block's content under one method.
+class Content {
+ public:
+  Content(std::span<const std::byte> stored, const BlockTrailer& trailer, CryptMethod method)
+      : stored_(stored), trailer_(trailer), method_(method) {}
+
+  std::size_t Size() const { return trailer_.cbInflated; }
+
+  ByteView Part(std::size_t at, std::size_t length) {
+    if (trailer_.cbInflated == trailer_.cb) return ByteView(Decoded(at, length));
+    const bool isHead = at + length <= kOffHeapWord + 2;
+    const std::vector<std::byte> packed = Decoded(0, isHead ? kPackedHead : stored_.size());
+    const auto head = ByteView(packed).U16(0);
+    if ((head & 0x0F) != 8 || ((head & 0xFF) << 8 | head >> 8) % 31 != 0) return {};  // no zlib stream begins so
+    part_ = InflatePart(packed, at + length);
+    return ByteView(part_).Slice(at, length);
+  }
+
+ private:
+  const std::vector<std::byte>& Decoded(std::size_t at, std::size_t length) {
+    const auto bytes = ByteView(stored_).Slice(at, length).Bytes();
+    part_.assign(bytes.begin(), bytes.end());
+    DecodeBlock(method_, trailer_.bid, part_, at);
+    return part_;
+  }
+
+  std::span<const std::byte> stored_;
+  const BlockTrailer& trailer_;
+  CryptMethod method_;
+  std::vector<std::byte> part_;
+};
+
+/// Properties or a table if these are the first bytes of such a heap and its page map fits, else data.
+BlockKind KindOfContent(Content content) {
+  const ByteView head = content.Part(0, kOffHeapWord + 2);
+  const std::uint16_t word = head.U16(kOffHeapWord);
+  const std::uint32_t offMap = head.U16(0);
+  const bool isContext = word == HeapWord(ClientSig::kPropertyContext);
+  if (!isContext && word != HeapWord(ClientSig::kTableContext)) return BlockKind::kData;
+
+  const std::uint32_t offEnds = offMap + 4;
+  if (offMap < kHnHdrSize || offEnds > content.Size()) return BlockKind::kData;
+  const std::uint32_t count = content.Part(offMap, 2).U16(0) + 1u;
+  if (count < 2 || offEnds + 2 * count > content.Size()) return BlockKind::kData;
+  const ByteView ends = content.Part(offEnds, 2 * count);
+  std::uint32_t before = kHnHdrSize;
+  if (ends.U16(0) != before) return BlockKind::kData;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint32_t end = ends.U16(2 * i);
+    if (end < before || end > offMap) return BlockKind::kData;
+    before = end;
+  }
+  return isContext ? BlockKind::kPropertyContext : BlockKind::kTable;
+}
+
+BlockKind KindOfList(std::span<const std::byte> bytes, const Generation& layout) {
+  const InternalBlock list(bytes, layout);
+  if (!list.IsKnown() || list.EntryCount() != list.Head().cEnt) return BlockKind::kData;
+  return list.Head().btype == BlockType::kDataTree ? BlockKind::kList : BlockKind::kSubnodes;
+}
+
+}  // namespace
+
+Kinds KindsOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout) {
+  Kinds kinds{};
+  if (IsInternal(trailer.bid)) {
+    kinds.fill(KindOfList(stored, layout));
+  } else {
+    std::ranges::transform(kMethods, kinds.begin(),
+                           [&](CryptMethod method) { return KindOfContent(Content(stored, trailer, method)); });
+  }
+  return kinds;
+}
+
+}  // namespace velmora::engine

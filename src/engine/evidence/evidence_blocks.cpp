@@ -1,0 +1,77 @@
+#include <algorithm>
+
+#include "engine/evidence/evidence.h"
+#include "engine/evidence/inflate_part.h"
+#include "store/format/block.h"
+#include "store/format/checksum.h"
+
+namespace velmora::engine {
+namespace {
+
+bool IsWhole(const FoundBlock& block) { return block.grade == Grade::kProven || block.grade == Grade::kMoved; }
+
+/// A stretch of stored zeros of this length was overwritten: the encodings leave none of content.
+constexpr std::size_t kOverwritten = 64;
+
+/// Decodes what is there of a data block; stretches that were overwritten with zeros stay zeros.
+void DecodePart(std::vector<std::byte>& stored, Bid bid, CryptMethod encoding) {
+  std::vector<std::pair<std::size_t, std::size_t>> zeros;
+  for (std::size_t at = 0; at < stored.size();) {
+    const auto isZero = [](std::byte byte) { return byte == std::byte{0}; };
+    const auto begin = std::find_if(stored.begin() + static_cast<std::ptrdiff_t>(at), stored.end(), isZero);
+    const auto end = std::find_if_not(begin, stored.end(), isZero);
+    const auto from = static_cast<std::size_t>(begin - stored.begin());
+    at = static_cast<std::size_t>(end - stored.begin());
+    if (at - from >= kOverwritten) zeros.emplace_back(from, at);
+  }
+  DecodeBlock(encoding, bid, stored);
+  for (const auto& [from, to] : zeros) std::fill(stored.begin() + from, stored.begin() + to, std::byte{0});
+}
+
+/// The content of a block of which bytes are wrong or gone: what is there of it.
+void UnpackPart(std::vector<std::byte>& stored, const FoundBlock& block, const Evidence& evidence) {
+  if (IsInternal(block.bid)) return;
+  DecodePart(stored, block.bid, evidence.encoding);
+  if (evidence.layout->offInflatedSize == 0) return;
+  // Whether it was packed the trailer would tell, if one could rely on it.
+  auto content = InflatePart(stored, evidence.layout->maxBlockData);
+  if (!content.empty()) stored = std::move(content);
+}
+
+}  // namespace
+
+bool EvidenceBlocks::FindBlock(Bid bid, std::vector<std::byte>& out) const {
+  const FoundBlock* block = evidence_.Find(bid);
+  if (block == nullptr) return false;
+  if (!IsWhole(*block)) {
+    out.resize(block->cb);
+    out.resize(source_.ReadAround(block->offset, out));
+    UnpackPart(out, *block, evidence_);
+    if (!out.empty()) return true;
+    RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "nothing of the block can be read");
+  }
+  const Generation& layout = *evidence_.layout;
+  out.resize(BlockSizeOnDisk(block->cb, layout));
+  const std::size_t read = ValueOrRaise(source_.Read(block->offset, out));
+  const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(layout.blockTrailerSize), layout);
+  if (read != out.size() || trailer.dwCRC != WeakCrc(std::span(out).first(block->cb))) {
+    RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block was whole and is not any more");
+  }
+  if (UnpackBlock(out, block->bid, block->cb, evidence_.encoding, layout)) return true;
+  RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block does not inflate to its size");
+}
+
+std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {
+  const auto found =
+      std::ranges::lower_bound(judgement_.nodes, nid, {}, [](const NodeClaim& claim) { return claim.node.nid; });
+  if (found == judgement_.nodes.end() || found->node.nid != nid) return std::nullopt;
+  if (found->standing != Standing::kLive && found->standing != Standing::kDoubtful) return std::nullopt;
+  return found->node;
+}
+
+bool EvidenceBlocks::IsTrusted(Bid bid) const {
+  const FoundBlock* block = evidence_.Find(bid);
+  return block != nullptr && IsWhole(*block);
+}
+
+}  // namespace velmora::engine
