@@ -1,6 +1,6 @@
 // Stands between a program and the system, and fills the disk at a given write: from the write of number
-// VELMORA_FULL_AT on no file grows any more, and with VELMORA_FULL_FOR_ALL no file is written to at all. Says at the end
-// how many writes there were, in the file VELMORA_WRITES.
+// VELMORA_FULL_AT on no file grows any more, and with VELMORA_FULL_FOR_ALL no file is written to at all. Says at the
+// end how many writes there were, in the file VELMORA_WRITES.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
