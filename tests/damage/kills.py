@@ -8,6 +8,7 @@ import collections
 import os
 import pathlib
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -20,7 +21,7 @@ import stores
 MODES = ((), ("--complete",))
 # Space that was taken after the commit is in no map yet, and blocks of items in the making are not referred to: what
 # tells of that does not count.
-FAULTS = ("N01", "N21", "N22", "N30", "A05", "H05", "H06")
+FAULT = re.compile(r"(N01|N21|N22|N30|A05|H05|H06|B\d\d|L\d\d) ")
 
 
 def start(source, out, options):
@@ -32,8 +33,7 @@ def start(source, out, options):
 def faults(store):
     told = subprocess.run([sys.executable, damaged_stores.tool("pstcheck.py"), "--no-messaging", store],
                           capture_output=True, text=True).stdout
-    return [line for line in told.splitlines()
-            if any(code in line for code in FAULTS) or " B0" in line or " L" in line.split(":")[0]]
+    return [line for line in told.splitlines() if FAULT.match(line)]
 
 
 def main():

@@ -63,7 +63,7 @@ def velmora(*options):
 
 
 PROGRAMS = {
-    "fields": velmora(), "fields, Smart Scan": velmora("--smart"), "complete": velmora("--complete"),
+    "field by field": velmora(), "with Smart Scan": velmora("--smart"), "complete": velmora("--complete"),
     "pffexport": pffexport("items"), "pffexport -m all": pffexport("all"), "readpst": readpst,
 }
 
