@@ -7,11 +7,15 @@
 #include <random>
 #include <vector>
 
+#include "engine/evidence.h"
 #include "engine/index_file.h"
 #include "engine/run.h"
 #include "engine/steps.h"
 #include "platform/memory_file.h"
+#include "store/format/block.h"
+#include "store/format/checksum.h"
 #include "store/format/encoding.h"
+#include "store/format/checksum.h"
 
 namespace velmora::engine {
 namespace {
@@ -22,14 +26,31 @@ enum Content : int {
   kEncoded,  ///< as encoded blocks look: no byte is rarer than another
   kText,     ///< UTF-16 text: every second byte is 0
   kZeros,    ///< unused space
+  kStore,    ///< full blocks of a store, one behind the other
 };
 
+/// Blocks that prove themselves. They hold nothing, so that the scan does not find heaps or lists in them.
+std::vector<std::byte> Blocks(std::size_t size) {
+  constexpr Generation kLayout = generations::kUnicode;
+  std::vector<std::byte> bytes(size);
+  for (std::size_t at = 0x4400, id = 4; at + kMaxBlockSize <= size; at += kMaxBlockSize, id += kBidStep) {
+    const auto block = std::span(bytes).subspan(at, kMaxBlockSize);
+    for (std::size_t i = 0; i < kMaxBlockData; ++i) block[i] = static_cast<std::byte>(i * 7 + id);
+    Encode(BlockTrailer{.cb = kMaxBlockData,
+                        .wSig = ComputeSig(at, id),
+                        .dwCRC = WeakCrc(block.first(kMaxBlockData)),
+                        .bid = Bid{id}},
+           block.last(kLayout.blockTrailerSize));
+  }
+  return bytes;
+}
+
 std::shared_ptr<const platform::MemoryFile> BytesOf(Content content) {
-  static std::shared_ptr<const platform::MemoryFile> sources[3];
+  static std::shared_ptr<const platform::MemoryFile> sources[4];
   if (sources[content] != nullptr) return sources[content];
-  std::vector<std::byte> bytes(kSourceBytes);
+  std::vector<std::byte> bytes = content == kStore ? Blocks(kSourceBytes) : std::vector<std::byte>(kSourceBytes);
   std::mt19937_64 random(1);
-  for (std::size_t i = 0; i < bytes.size() && content != kZeros; i += 8) {
+  for (std::size_t i = 0; i < bytes.size() && (content == kEncoded || content == kText); i += 8) {
     std::uint64_t word = random();
     if (content == kText) word = (word & 0x001F001F001F001Full) | 0x0060006000600060ull;
     std::memcpy(bytes.data() + i, &word, 8);
@@ -75,6 +96,21 @@ BENCHMARK_CAPTURE(BothScans, ansi_encoded, FORMAT_ANSI, kEncoded, false)->Unit(b
 BENCHMARK_CAPTURE(BothScans, unicode_encoded_smart, FORMAT_UNICODE, kEncoded, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BothScans, unicode_text_smart, FORMAT_UNICODE, kText, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BothScans, unicode4k_encoded_smart, FORMAT_UNICODE_4K, kEncoded, true)->Unit(benchmark::kMillisecond);
+
+void EvidenceOf(benchmark::State& bench, Content content) {
+  const auto bytes = BytesOf(content);
+  Source source;
+  source.Open(std::make_unique<SharedSource>(bytes));
+  for (auto _ : bench) {
+    RunContext run;
+    benchmark::DoNotOptimize(FindEvidence(source, std::nullopt, run).blocks.size());
+  }
+  bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * kSourceBytes));
+}
+BENCHMARK_CAPTURE(EvidenceOf, encoded, kEncoded)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(EvidenceOf, text, kText)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(EvidenceOf, zeros, kZeros)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(EvidenceOf, store, kStore)->Unit(benchmark::kMillisecond);
 
 void Decode(benchmark::State& bench, CryptMethod method) {
   std::vector<std::byte> block(8176, std::byte{0x5A});

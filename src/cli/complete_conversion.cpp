@@ -1,16 +1,29 @@
 #include "cli/complete_conversion.h"
 
+#include "cli/complete_report_html.h"
 #include "cli/complete_report_json.h"
 #include "cli/complete_result_text.h"
 #include "cli/result_text.h"
 
 namespace velmora::cli {
+namespace {
+
+/// Whether a report of that name is for people.
+bool IsPage(const std::string& path) {
+  const text::Text name = text::FromUtf8(path);
+  constexpr text::TextView kEnding = u".html";
+  return name.size() >= kEnding.size() &&
+         text::EqualIgnoringCase(text::TextView(name).substr(name.size() - kEnding.size()), kEnding);
+}
+
+}  // namespace
 
 CompleteConversion::CompleteConversion(const Options& options, const text::Text& source,
                                        const platform::SourceOpener& openSource)
     : options_(options) {
   request_.source = text::ToFileName(source);
   request_.copy.hidden = options.hidden;
+  request_.copy.deleted = options.deleted;
   request_.copy.codePage = options.codePage;
   request_.verify = options.verify;
   request_.dryRun = options.dryRun;
@@ -44,6 +57,12 @@ std::string CompleteConversion::Result(bool isDone) const {
   return done + CountsText(report_.account) + LossesText(report_.account, options_.report);
 }
 
-std::string CompleteConversion::Report(const ReportFrame& frame) const { return CompleteReportJson(frame, report_); }
+void CompleteConversion::WriteReport(const ReportFrame& frame, const ReportSink& sink) const {
+  if (IsPage(options_.report)) {
+    WriteCompleteReportHtml(frame, report_, {options_.dryRun, isStopped_}, sink);
+  } else {
+    sink(CompleteReportJson(frame, report_));
+  }
+}
 
 }  // namespace velmora::cli

@@ -21,7 +21,7 @@ class CompleteConversion : public Conversion {
   ExitCode CodeOfDone() const override;
   std::vector<std::string> Complaints() const override;
   std::string Result(bool isDone) const override;
-  std::string Report(const ReportFrame& frame) const override;
+  void WriteReport(const ReportFrame& frame, const ReportSink& sink) const override;
 
  private:
   const Options& options_;

@@ -3,33 +3,15 @@
 #include <fmt/format.h>
 
 #include "cli/json_text.h"
+#include "cli/node_fates.h"
 #include "conversion/run_report.h"
 
 namespace velmora::cli {
 namespace {
 
 using complete::MissingPart;
-using complete::NodeFate;
 
 constexpr int kSchemaVersion = 2;
-
-struct FateRow {
-  NodeFate fate;
-  const char* name;
-};
-
-constexpr FateRow kFates[] = {
-    {NodeFate::kWritten, "written"},
-    {NodeFate::kPartial, "partial"},
-    {NodeFate::kOlderVersion, "older version"},
-    {NodeFate::kDeleted, "deleted"},
-    {NodeFate::kDeletedWritten, "deleted, written"},
-    {NodeFate::kHidden, "hidden"},
-    {NodeFate::kSearchFolder, "search folder"},
-    {NodeFate::kInternal, "internal"},
-    {NodeFate::kUnreadable, "unreadable"},
-};
-static_assert(std::size(kFates) == complete::kNodeFates);
 
 const char* FailureName(FailureKind kind) {
   switch (kind) {

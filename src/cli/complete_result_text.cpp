@@ -30,12 +30,14 @@ std::string PropertyWords(PropTag tag) {
   return found != std::end(kTextProperties) ? found->name : fmt::format("property 0x{:08X}", tag);
 }
 
+}  // namespace
+
 std::string PartWords(const MissingPart& part) {
   switch (part.kind) {
     case MissingPart::Kind::kObject:
       return "all of it";
     case MissingPart::Kind::kProperty:
-      return PropertyWords(part.tag);
+      return part.tag == 0 ? "some of its properties" : PropertyWords(part.tag);
     case MissingPart::Kind::kRecipients:
       return "recipients";
     case MissingPart::Kind::kAttachment:
@@ -46,6 +48,14 @@ std::string PartWords(const MissingPart& part) {
   }
   return {};
 }
+
+std::string DifferenceWords(const complete::Difference& difference) {
+  return fmt::format(
+      "{} of the source, {} of the new store: {}", platform::TextOf({platform::ObjectKind::kNode, difference.source}),
+      platform::TextOf({platform::ObjectKind::kNode, difference.target}), OneLine(text::FromUtf8(difference.what)));
+}
+
+namespace {
 
 std::string MissingWords(const Loss& loss) {
   std::string words;
@@ -63,7 +73,8 @@ std::string MissingWords(const Loss& loss) {
 /// A folder has no message class; it is known by its path. Of a message that cannot be read at all nothing may be known
 /// but its node.
 std::string NameOfLoss(const Loss& loss) {
-  std::string name = loss.folder.empty() ? platform::TextOf({platform::ObjectKind::kNode, loss.source}) : OneLine(loss.folder);
+  std::string name =
+      loss.folder.empty() ? platform::TextOf({platform::ObjectKind::kNode, loss.source}) : OneLine(loss.folder);
   if (loss.messageClass.empty() && loss.subject.empty() && loss.sender.empty() && !loss.date) return name;
   name += loss.subject.empty() ? ", no subject" : fmt::format(", \"{}\"", OneLine(loss.subject));
   if (!loss.sender.empty()) name += " from " + OneLine(loss.sender);
@@ -100,8 +111,7 @@ std::string LossesText(const complete::Account& account, std::string_view report
 std::vector<std::string> DifferenceLines(const complete::Account& account) {
   std::vector<std::string> lines;
   for (const complete::Difference& difference : account.differences) {
-    lines.push_back(fmt::format("--verify: {} of the source, {} of the new store: {}", platform::TextOf({platform::ObjectKind::kNode, difference.source}),
-                                platform::TextOf({platform::ObjectKind::kNode, difference.target}), OneLine(text::FromUtf8(difference.what))));
+    lines.push_back("--verify: " + DifferenceWords(difference));
   }
   if (account.differencesNotListed != 0) {
     lines.push_back(fmt::format("--verify: {} more differences", account.differencesNotListed));

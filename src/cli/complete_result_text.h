@@ -19,6 +19,12 @@ inline constexpr std::size_t kLossesNamed = 10;
 /// `reportPath` is the value of the option.
 std::string LossesText(const complete::Account& account, std::string_view reportPath);
 
+/// What is missing: "the subject", "attachment "a.txt" (1.2 KB)".
+std::string PartWords(const complete::MissingPart& part);
+
+/// What differs, of which objects.
+std::string DifferenceWords(const complete::Difference& difference);
+
 /// The differences that a comparison found, a line each.
 std::vector<std::string> DifferenceLines(const complete::Account& account);
 

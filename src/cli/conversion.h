@@ -37,7 +37,7 @@ class Conversion {
   virtual std::vector<std::string> Complaints() const { return {}; }
   /// What people read at the end; empty where there is nothing to tell.
   virtual std::string Result(bool isDone) const = 0;
-  virtual std::string Report(const ReportFrame& frame) const = 0;
+  virtual void WriteReport(const ReportFrame& frame, const ReportSink& sink) const = 0;
 };
 
 }  // namespace velmora::cli

@@ -122,12 +122,14 @@ class ConvertCommand {
       const auto stream = options_.report == "-" ? StandardStream::kError : StandardStream::kOutput;
       if (const auto said = platform::WriteTo(stream, result); !said) note(said.error());
     }
-    if (const auto failure = targets_.Finish(Report())) note(*failure);
+    if (const auto failure =
+            targets_.Finish([this](const ReportSink& sink) { conversion_->WriteReport(Frame(), sink); }))
+      note(*failure);
     const bool isGood = code == ExitCode::kDone || code == ExitCode::kLosses;
     return isGood && !written ? ExitCode::kInputOutput : code;
   }
 
-  std::string Report() {
+  ReportFrame Frame() const {
     ReportFrame frame;
     frame.source = source_;
     const text::Text made = conversion_->Destination();
@@ -135,7 +137,7 @@ class ConvertCommand {
     if (ended_) frame.refusal = conversion::TextOf(*ended_).text;
     frame.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
     frame.peakRssKiB = platform::PeakRssKiB();
-    return conversion_->Report(frame);
+    return frame;
   }
 
   const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();

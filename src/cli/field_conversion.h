@@ -24,7 +24,9 @@ class FieldConversion : public Conversion {
   const std::optional<platform::Failure>& ReadFailure() const override { return outLook_.Report().readFailure; }
   ExitCode CodeOfDone() const override;
   std::string Result(bool isDone) const override;
-  std::string Report(const ReportFrame& frame) const override { return ReportJson(frame, outLook_.Report()); }
+  void WriteReport(const ReportFrame& frame, const ReportSink& sink) const override {
+    sink(ReportJson(frame, outLook_.Report()));
+  }
 
  private:
   const Options& options_;

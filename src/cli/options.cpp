@@ -15,8 +15,8 @@ constexpr std::string_view kExamples = R"(Examples:
       /home/me/mail/outlook Converted0/outlook Converted.pst
   velmora-convert --smart --report report.json damaged.pst out
       also recovers messages that nothing in the store refers to, and says what was found
-  velmora-convert --complete --verify outlook.ost out
-      copies everything whole, and compares the new store with outlook.ost
+  velmora-convert --complete --verify --report report.html outlook.ost out
+      copies everything whole, compares the new store with outlook.ost, and writes a page about it
   velmora-convert --dry-run --report - backup.ost out
       writes no store: only says what a conversion would find
 )";
@@ -30,10 +30,12 @@ in a new folder under DESTINATION_FOLDER. SOURCE is only read. Nothing that exis
 Options:
   --complete         copy folders and items whole, with everything in them, in place of field by field
   --hidden           with --complete: hidden items too (rules, views, settings)
+  --deleted          with --complete: messages too that were deleted and are still in the file
   --verify           with --complete: read the new store back and compare it with SOURCE
   --smart            Smart Scan: read every block, and recover messages without a node as well
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
-  --report FILE      write a JSON report of the run ("-" for standard output)
+  --report FILE      write a JSON report of the run ("-" for standard output); with --complete and a name
+                     that ends in .html a page for a browser
   --trace FILE       write every operation on the new store as a JSON line
   --dry-run          run everything but write no store
   --log              write LogInformation.log beside the new store
@@ -67,6 +69,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   app.add_flag("--version", version);
   app.add_flag("--complete", options.complete);
   app.add_flag("--hidden", options.hidden);
+  app.add_flag("--deleted", options.deleted);
   app.add_flag("--verify", options.verify);
   app.add_flag("--smart", options.smart);
   app.add_option("--codepage", codePage);
@@ -94,6 +97,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   if (options.complete && options.smart) return mistake("--smart cannot go with --complete");
   if (options.complete && !options.trace.empty()) return mistake("--trace cannot go with --complete");
   if (!options.complete && options.hidden) return mistake("--hidden needs --complete");
+  if (!options.complete && options.deleted) return mistake("--deleted needs --complete");
   if (!options.complete && options.verify) return mistake("--verify needs --complete");
   if (options.dryRun && options.verify) return mistake("--verify cannot go with --dry-run, which writes no store");
   if (!codePage.empty()) {

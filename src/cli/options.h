@@ -15,6 +15,7 @@ struct Options {
   bool smart = false;
   bool complete = false;  ///< whole objects in place of fields
   bool hidden = false;
+  bool deleted = false;
   bool verify = false;
   text::CodePage codePage = text::CodePage::Lossless();
   std::string report;  ///< empty: none; "-": standard output

@@ -7,11 +7,10 @@
 namespace velmora::cli {
 namespace {
 
-constexpr std::size_t kLongestLine = 80;
-
-/// Controls, and the marks that begin, end and turn the direction of what follows them.
+/// Controls, the marks that begin, end and turn the direction of what follows them, and what is no character.
 bool IsUnfitForALine(char16_t c) {
-  return c < 0x20 || (c >= 0x7F && c <= 0x9F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+  return c < 0x20 || (c >= 0x7F && c <= 0x9F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
+         c == 0x061C || c == 0x200E || c == 0x200F || c == 0xFEFF || c >= 0xFFFE;
 }
 
 }  // namespace
@@ -33,12 +32,15 @@ std::string DateText(text::FileTime time) {
   return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", parts.year, parts.month, parts.day, parts.hour, parts.minute);
 }
 
-std::string OneLine(text::TextView text) {
-  text::Text line(text.substr(0, kLongestLine));
+std::string OneLine(text::TextView text, std::size_t longest) {
+  const bool isCut = text.size() > longest;
+  // Not between the halves of a character.
+  if (isCut && (text[longest - 1] & 0xFC00) == 0xD800 && (text[longest] & 0xFC00) == 0xDC00) --longest;
+  text::Text line(text.substr(0, longest));
   for (char16_t& c : line) {
     if (IsUnfitForALine(c)) c = u' ';
   }
-  if (text.size() > kLongestLine) line += u"...";
+  if (isCut) line += u"...";
   return text::ToUtf8(line);
 }
 

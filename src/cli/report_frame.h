@@ -2,10 +2,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string_view>
 
 #include "text/text.h"
 
 namespace velmora::cli {
+
+/// Takes a report piece by piece.
+using ReportSink = std::function<void(std::string_view)>;
 
 struct ReportFrame {
   text::Text source;

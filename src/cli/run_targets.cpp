@@ -55,16 +55,18 @@ text::Text RunTargets::Shown(const text::Text& path, const text::Text& destinati
   return destination + path.substr(temporary.size());
 }
 
-std::optional<platform::Failure> RunTargets::Finish(const std::string& report) {
+std::optional<platform::Failure> RunTargets::Finish(const std::function<void(const ReportSink&)>& writeReport) {
   std::optional<platform::Failure> failure;
   if (trace_ != nullptr) failure = trace_->File().Finish();
   if (reportFile_) {
-    reportFile_->Append(report);
+    writeReport([this](std::string_view piece) { reportFile_->Append(piece); });
     if (const auto& failed = reportFile_->Finish(); failed && !failure) failure = failed;
   }
   if (reportToOutput_) {
-    const auto written = platform::WriteTo(platform::StandardStream::kOutput, report);
-    if (!written && !failure) failure = written.error();
+    writeReport([&failure](std::string_view piece) {
+      const auto written = platform::WriteTo(platform::StandardStream::kOutput, piece);
+      if (!written && !failure) failure = written.error();
+    });
   }
   return failure;
 }

@@ -6,6 +6,7 @@
 
 #include "cli/file_output.h"
 #include "cli/options.h"
+#include "cli/report_frame.h"
 #include "conversion/run_output.h"
 #include "platform/user_folders.h"
 
@@ -26,8 +27,8 @@ class RunTargets {
   /// destination.
   text::Text Shown(const text::Text& path, const text::Text& destination) const;
 
-  /// Writes the report where it is wanted, and closes all files; the first failure.
-  std::optional<platform::Failure> Finish(const std::string& report);
+  /// Has the report written where it is wanted, and closes all files; the first failure.
+  std::optional<platform::Failure> Finish(const std::function<void(const ReportSink&)>& writeReport);
 
  private:
   std::optional<platform::TemporaryFolder> temporary_;

@@ -12,6 +12,7 @@
 #include "store/format/failures.h"
 #include "store/format/ids.h"
 #include "store/format/prop_tag.h"
+#include "store/ndb/block_source.h"
 #include "text/calendar.h"
 #include "text/text.h"
 
@@ -138,6 +139,13 @@ struct Account {
 
   /// Objects that have another id in the new store than in the source, and which.
   std::map<Nid, Nid> newIds;
+
+  /// Deleted messages that are in the new store, by the id that they have there.
+  struct Recovered {
+    ndb::NodeEntry node;
+    bool isWhole = false;
+  };
+  std::map<Nid, Recovered> recovered;
 
   /// Of a comparison, where one was asked for.
   bool isVerified = false;

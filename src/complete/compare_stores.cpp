@@ -75,10 +75,20 @@ class StoreComparison {
       if (TypeOf(node.nid) == NidType::kNormalFolder) CompareFolder(node);
       if (IsMessage(node.nid)) CompareTopMessage(node);
     }
+    for (const auto& [nid, recovered] : account_.recovered) CompareRecovered(nid, recovered);
     CompareCounts();
   }
 
  private:
+  void CompareRecovered(Nid nid, const Account::Recovered& recovered) {
+    const Pair pair{recovered.node.nid, nid, nullptr};
+    const auto written = target_->FindNode(nid);
+    if (!written) return Note(pair, "the deleted message is not in the new store");
+    ++account_.objectsCompared;
+    ++countIn_[written->nidParent];
+    if (recovered.isWhole) CompareMessages(pair, recovered.node.trees, written->trees, 0);
+  }
+
   static bool IsMessage(Nid nid) {
     return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
   }
@@ -104,8 +114,8 @@ class StoreComparison {
   std::optional<Nid> TargetOf(Nid nid) const {
     const auto renamed = account_.newIds.find(nid);
     const Nid target = renamed != account_.newIds.end() ? renamed->second : nid;
-    const auto known = source_.FindNode(nid);
-    if (!known || !target_->FindNode(target)) return std::nullopt;
+    const bool isKnown = plan_.Has(nid) || source_.FindNode(nid).has_value();
+    if (!isKnown || !target_->FindNode(target)) return std::nullopt;
     // A folder of the source that was left behind may have the id of one that the new store made.
     if (renamed == account_.newIds.end() && IndexOf(nid) < kFirstFreeNidIndex) return std::nullopt;
     return target;

@@ -214,7 +214,6 @@ class StoreCopy {
       copied = messages_.Copy(node.trees);
       Describe(copied->message.properties, loss);
       loss.missing = std::move(copied->missing);
-      AddHurt(source_, loss.missing);
       folder = isDeleted ? &folders_.RecoveredFrom(plan_.Find(node.nidParent)) : &FolderOf(node);
       loss.folder = PathOf(*folder);
       copied->message.isAssociated = isHidden;
@@ -226,8 +225,10 @@ class StoreCopy {
     const bool isWhole = loss.target && loss.missing.empty();
     if (isDeleted) {
       // What is missing of it is no loss of a message that somebody has deleted.
-      if (loss.target) ++CountsOf(*folder).deleted;
-      if (loss.target) deletedWritten_.insert(node.nid);
+      if (!loss.target) return;
+      ++CountsOf(*folder).deleted;
+      deletedWritten_.insert(node.nid);
+      account_.recovered.emplace(*loss.target, Account::Recovered{node, loss.missing.empty()});
       return;
     }
     if (!isHidden) {

@@ -190,7 +190,7 @@ void FolderCopier::Copy(SourceFolder& folder) {
   } catch (const std::exception&) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }
-  AddHurt(tools_.source, missing);
+  AddHurt(tools_.source, {.kind = MissingPart::Kind::kBytes}, missing);
   if (missing.empty()) return;
   Loss loss{.source = folder.nid,
             .folder = PathOf(folder.target != nullptr ? *folder.target : parent),

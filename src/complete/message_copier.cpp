@@ -18,7 +18,7 @@ using messaging::PropertyBag;
 /// Messages in messages, and sub-nodes in sub-nodes: as deep as the readers of sub-nodes go.
 constexpr int kMostDepth = 64;
 
-constexpr std::int32_t kNotInText = -1;       ///< rendering position of an attachment beside the text
+constexpr std::int32_t kNotInText = -1;  ///< rendering position of an attachment beside the text
 
 const ndb::SubnodeEntry* Find(const std::vector<ndb::SubnodeEntry>& subnodes, Nid nid) {
   const auto found = std::ranges::find(subnodes, nid, &ndb::SubnodeEntry::nid);
@@ -67,6 +67,7 @@ CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
   for (const Failure& fault : from.faults.List()) {
     out.missing.push_back({.kind = MissingPart::Kind::kProperty, .cause = fault});
   }
+  AddHurt(tools_.source, {.kind = MissingPart::Kind::kBytes}, out.missing);
   out.message.properties =
       properties_.Copy(context, kMessage, *from.page, from.faults, DefaultsOf(context), out.missing);
   try {
@@ -75,6 +76,7 @@ CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
     out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = CauseOfLoss()});
     return out;
   }
+  AddHurt(tools_.source, {.kind = MissingPart::Kind::kAttachment}, out.missing);
   CopyRecipients(from, out);
   CopyAttachments(from, out);
   return out;
@@ -107,6 +109,7 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
     table.emplace(ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults));
   } catch (const FailureError& failure) {
     out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = failure.Cause()});
+    static_cast<void>(tools_.source.TakeHurt());
     return;
   }
   Missing missing;
@@ -119,6 +122,8 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
   }
   tools_.account.recipients += out.message.recipients.size();
   if (missing.empty() && from.faults.Count() != faultsBefore) missing.push_back({.cause = from.faults.List().back()});
+  if (missing.empty()) AddHurt(tools_.source, {}, missing);
+  static_cast<void>(tools_.source.TakeHurt());
   for (MissingPart& part : missing) {
     part.kind = MissingPart::Kind::kRecipients;
     out.missing.push_back(std::move(part));
@@ -173,6 +178,7 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
     try {
       context.emplace(ltp::PropertyContext::Open(tools_.source, subnode->trees, &faults));
     } catch (const FailureError& failure) {
+      static_cast<void>(tools_.source.TakeHurt());
       if (hasRow) {
         copyRow(ownRow, failure.Cause());
       } else {
@@ -189,6 +195,7 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
                                           Missing& missing) {
   Missing ofThis;
   for (const Failure& fault : faults.List()) ofThis.push_back({.cause = fault});
+  AddHurt(tools_.source, {}, ofThis);
   PropertyBag defaults;
   defaults.PutInteger32(tag::kAttachMethod, 0);
   defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
@@ -198,6 +205,7 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
   } catch (const std::exception&) {
     ofThis.push_back({.cause = CauseOfLoss()});
   }
+  AddHurt(tools_.source, {}, ofThis);
   for (MissingPart& part : ofThis) {
     if (part.kind == MissingPart::Kind::kObject) part.kind = MissingPart::Kind::kAttachment;
     if (part.name.empty()) part.name = NameOf(attachment);

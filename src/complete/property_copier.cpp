@@ -26,16 +26,13 @@ constexpr std::uint64_t kMostConverted = std::uint64_t{256} << 20;
 
 }  // namespace
 
-void AddHurt(const LiveStore& source, Missing& missing) {
-  for (const Bid bid : source.TakeHurt()) {
-    const engine::FoundBlock* block = source.Found().Found().Find(bid);
-    missing.push_back({.kind = MissingPart::Kind::kBytes,
-                       .size = block != nullptr ? block->cb : 0,
-                       .cause = {FailureKind::kCorrupt,
-                                 {ObjectKind::kBlock, bid},
-                                 block != nullptr ? std::optional(block->offset) : std::nullopt,
-                                 "the checksum of the block is wrong"}});
-  }
+void AddHurt(const LiveStore& source, MissingPart part, Missing& missing) {
+  const std::vector<Bid> hurt = source.TakeHurt();
+  if (hurt.empty()) return;
+  const engine::FoundBlock* block = source.Found().Found().Find(hurt.front());
+  part.cause = {FailureKind::kCorrupt, {ObjectKind::kBlock, hurt.front()}, {}, "the checksum of the block is wrong"};
+  if (block != nullptr) part.cause.offset = block->offset;
+  missing.push_back(std::move(part));
 }
 
 Failure CauseOfLoss() {
@@ -139,8 +136,10 @@ PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const 
       CopyOne(from, tag, step.targetTag, page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = tag, .cause = CauseOfLoss()});
+      static_cast<void>(tools_.source.TakeHurt());
       continue;
     }
+    AddHurt(tools_.source, {.kind = MissingPart::Kind::kBytes, .tag = tag}, missing);
     if (faults.Count() != faultsBefore) {
       const Failure cause = faults.List().size() > faultsBefore ? faults.List()[faultsBefore] : Failure{};
       missing.push_back({.kind = MissingPart::Kind::kBytes, .tag = tag, .cause = cause});

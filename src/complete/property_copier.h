@@ -30,8 +30,9 @@ struct CopyTools {
 
 using Missing = std::vector<MissingPart>;
 
-/// Adds what was read of `source` since its last TakeHurt without being proven.
-void AddHurt(const LiveStore& source, Missing& missing);
+/// Adds a part to `missing` where blocks of `source` were read since its last TakeHurt whose content is not proven: the
+/// value is there, but nobody knows whether it is what it was.
+void AddHurt(const LiveStore& source, MissingPart part, Missing& missing);
 
 /// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes
 /// on.

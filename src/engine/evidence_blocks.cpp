@@ -10,10 +10,28 @@ namespace {
 
 bool IsWhole(const FoundBlock& block) { return block.grade == Grade::kProven || block.grade == Grade::kMoved; }
 
+/// A stretch of stored zeros of this length was overwritten: the encodings leave none of content.
+constexpr std::size_t kOverwritten = 64;
+
+/// Decodes what is there of a data block; stretches that were overwritten with zeros stay zeros.
+void DecodePart(std::vector<std::byte>& stored, Bid bid, CryptMethod encoding) {
+  std::vector<std::pair<std::size_t, std::size_t>> zeros;
+  for (std::size_t at = 0; at < stored.size();) {
+    const auto isZero = [](std::byte byte) { return byte == std::byte{0}; };
+    const auto begin = std::find_if(stored.begin() + static_cast<std::ptrdiff_t>(at), stored.end(), isZero);
+    const auto end = std::find_if_not(begin, stored.end(), isZero);
+    const auto from = static_cast<std::size_t>(begin - stored.begin());
+    at = static_cast<std::size_t>(end - stored.begin());
+    if (at - from >= kOverwritten) zeros.emplace_back(from, at);
+  }
+  DecodeBlock(encoding, bid, stored);
+  for (const auto& [from, to] : zeros) std::fill(stored.begin() + from, stored.begin() + to, std::byte{0});
+}
+
 /// The content of a block of which bytes are wrong or gone: what is there of it.
 void UnpackPart(std::vector<std::byte>& stored, const FoundBlock& block, const Evidence& evidence) {
   if (IsInternal(block.bid)) return;
-  DecodeBlock(evidence.encoding, block.bid, stored);
+  DecodePart(stored, block.bid, evidence.encoding);
   if (evidence.layout->offInflatedSize == 0) return;
   // Whether it was packed the trailer would tell, if one could rely on it.
   auto content = InflatePart(stored, evidence.layout->maxBlockData);

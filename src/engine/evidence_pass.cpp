@@ -6,30 +6,13 @@
 
 #include "engine/page_evidence.h"
 #include "engine/source_window.h"
+#include "engine/stretch.h"
 #include "store/format/checksum.h"
 
 namespace velmora::engine {
 namespace {
 
-constexpr std::uint64_t kSector = 512;       ///< pages and the units of every layout end at multiples of it
-constexpr std::uint64_t kStep = 4ull << 20;  ///< read at a time
-constexpr std::uint64_t kLargestBlock = 65536;
-constexpr std::uint64_t kReach = 2 * kLargestBlock + kSector;  ///< what is looked at again behind the end of a step
 constexpr std::uint64_t kClearLead = 16;  ///< things found, by which one layout is told from others
-/// How often a byte may be summed: blocks of a sound store do not overlap, and few bytes that are none look like it.
-constexpr std::uint64_t kTimesSummed = 16;
-
-/// A stretch of the source in memory.
-struct Stretch {
-  std::uint64_t base = 0;
-  std::span<const std::byte> bytes;
-
-  /// `length` bytes up to the offset `end`; none where they do not lie in it as a whole.
-  std::span<const std::byte> Ending(std::uint64_t end, std::uint64_t length) const {
-    if (end < base + length || end - base > bytes.size()) return {};
-    return bytes.subspan(end - base - length, length);
-  }
-};
 
 /// Looks for pages and blocks of one layout.
 class Seeker {
@@ -125,7 +108,7 @@ std::vector<Finds> LookThrough(const Source& source, std::span<const Generation*
   Stretch stretch;
   for (std::uint64_t begin = 0; begin < size; begin += kStep) {
     run.control.PausePoint();
-    stretch.base = begin - std::min(begin, kReach);
+    stretch.base = begin - std::min(begin, kReachOfPass);
     stretch.bytes = window.Read(stretch.base, begin - stretch.base + kStep).Bytes();
     const std::uint64_t stop = std::min(begin + kStep, size);
     for (std::uint64_t end = begin + kSector; end < stop + kSector; end += kSector) {
@@ -140,85 +123,6 @@ std::vector<Finds> LookThrough(const Source& source, std::span<const Generation*
     finds.push_back(seeker.Take());
   }
   return finds;
-}
-
-namespace {
-
-constexpr std::uint64_t kMostLostAtOnce = 256;
-
-/// Looks for what was written at `written` and ends `lost` bytes ahead of it.
-class ShiftedSeeker {
- public:
-  ShiftedSeeker(const Source& source, const Generation& layout)
-      : source_(source), window_(source), layout_(layout), finds_(layout, source.Size()) {}
-
-  Finds Run(RunContext& run) {
-    const std::uint64_t size = source_.Size();
-    for (std::uint64_t written = layout_.slotSize; written - lost_ <= size; written += layout_.slotSize) {
-      const std::uint64_t nearest = written - lost_;
-      if (nearest > Loaded()) {
-        run.control.PausePoint();
-        stretch_.base = nearest - std::min(nearest, kReach);
-        stretch_.bytes = window_.Read(stretch_.base, nearest - stretch_.base + kStep).Bytes();
-      }
-      for (std::uint64_t more = 0; more <= kMostLostAtOnce && more < nearest; ++more) {
-        if (!IsThere(written, nearest - more)) continue;
-        if (more != 0) finds_.shifts.push_back({start_, lost_ += more});
-        break;
-      }
-    }
-    return std::move(finds_);
-  }
-
- private:
-  std::uint64_t Loaded() const { return stretch_.base + stretch_.bytes.size(); }
-
-  bool IsThere(std::uint64_t written, std::uint64_t end) {
-    return IsBlockThere(written, end) || (written % kSector == 0 && IsPageThere(written, end));
-  }
-
-  bool IsBlockThere(std::uint64_t written, std::uint64_t end) {
-    const auto tail = stretch_.Ending(end, layout_.blockTrailerSize);
-    if (tail.empty()) return false;
-    const std::optional<SeenTrailer> seen = SeeTrailer(tail, written, layout_);
-    if (!seen || !seen->isSigned || seen->trailer.dwCRC == 0) return false;
-    const auto place = stretch_.Ending(end, written - seen->start);
-    if (place.empty() || seen->trailer.cb > mostSummed_) return false;
-    mostSummed_ -= seen->trailer.cb;
-    const auto stored = place.first(seen->trailer.cb);
-    if (seen->trailer.dwCRC != WeakCrc(stored)) return false;
-    start_ = seen->start;
-    const std::uint64_t offset = end - place.size();
-    finds_.TakeWhole(*seen, offset, offset == start_ ? Grade::kProven : Grade::kMoved, stored);
-    return true;
-  }
-
-  bool IsPageThere(std::uint64_t written, std::uint64_t end) {
-    const auto bytes = stretch_.Ending(end, layout_.pageSize);
-    if (bytes.empty() || written < bytes.size()) return false;
-    auto page = GradePage(bytes, written - bytes.size(), layout_);
-    if (!page || page->grade != Grade::kProven) return false;
-    start_ = page->offset;
-    page->offset = end - bytes.size();
-    if (page->offset != start_) page->grade = Grade::kMoved;
-    finds_.TakePage(*page);
-    return true;
-  }
-
-  const Source& source_;
-  SourceWindow window_;
-  Stretch stretch_;
-  const Generation& layout_;
-  Finds finds_;
-  std::uint64_t mostSummed_ = source_.Size() * kTimesSummed;
-  std::uint64_t lost_ = 0;
-  std::uint64_t start_ = 0;  ///< where what was found last was written
-};
-
-}  // namespace
-
-Finds LookThroughShifted(const Source& source, const Generation& layout, RunContext& run) {
-  return ShiftedSeeker(source, layout).Run(run);
 }
 
 }  // namespace velmora::engine

@@ -55,8 +55,9 @@ struct Finds {
   std::uint64_t wholePages = 0;
   std::vector<Shift> shifts;          ///< by ascending offset; none where no bytes were lost
   bool soughtMoved = true;            ///< moved blocks, everywhere
+  std::uint64_t end = 0;              ///< of the last thing that proves itself
   std::uint64_t usedSlots = 0;        ///< that do not end in zeros
-  std::uint64_t usedAheadOfLast = 0;  ///< of these, those up to the last thing that proves itself
+  std::uint64_t usedAheadOfLast = 0;  ///< of these, those up to that end
 
   std::uint64_t Count() const { return wholePages + whole.size(); }
 
@@ -67,6 +68,7 @@ struct Finds {
 
  private:
   void Name(std::span<const std::byte> list);
+  void NoteEnd(std::uint64_t itsEnd);
 
   std::size_t namesAtMost_ = std::size_t{1} << 20;
 };
@@ -78,8 +80,9 @@ BlockKind UnpackKind(BlockKind packed, CryptMethod method);
 /// Front to back, for each of the layouts.
 std::vector<Finds> LookThrough(const Source& source, std::span<const Generation* const> layouts, RunContext& run);
 
-/// The same for a source from which single bytes were lost, as a copy in text mode loses them: everything is looked for
-/// at its own place less as many bytes as are lost so far, and where nothing stands there, at up to 256 bytes less.
-Finds LookThroughShifted(const Source& source, const Generation& layout, RunContext& run);
+/// Adds what is behind `from` in a source from which single bytes were lost, as a copy in text mode loses them:
+/// everything is looked for at its own place less as many bytes as are lost so far, and where nothing stands there, at
+/// up to 256 bytes less.
+void LookForShifted(const Source& source, std::uint64_t from, Finds& finds, RunContext& run);
 
 }  // namespace velmora::engine

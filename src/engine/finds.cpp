@@ -53,7 +53,7 @@ void Finds::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade
   whole.push_back(
       {.bid = seen.trailer.bid, .offset = offset, .cb = seen.trailer.cb, .kind = PackKinds(kinds), .grade = grade});
   taken.Take(offset, BlockSizeOnDisk(seen.trailer.cb, *layout));
-  usedAheadOfLast = usedSlots;
+  NoteEnd(offset + BlockSizeOnDisk(seen.trailer.cb, *layout));
 }
 
 void Finds::TakeHurt(const SeenTrailer& seen, std::span<const std::byte> stored) {
@@ -68,8 +68,13 @@ void Finds::TakePage(const FoundPage& page) {
   pages.push_back(page);
   if (page.grade == Grade::kHurt) return;
   ++wholePages;
-  usedAheadOfLast = usedSlots;
+  NoteEnd(page.offset + layout->pageSize);
   if (page.grade == Grade::kProven) taken.Take(page.offset, layout->pageSize);
+}
+
+void Finds::NoteEnd(std::uint64_t itsEnd) {
+  end = std::max(end, itsEnd);
+  usedAheadOfLast = usedSlots;
 }
 
 // Lists of a sound store name each block about once. More names than that are of a store made to do harm, and those

@@ -19,6 +19,7 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
     if (!head || head->cEnt == 0 || head->cLevel != found.level) continue;  // it was written over meanwhile
     TreePage page{found, UINT64_MAX, 0, content_.size(), head->cEnt, head->cbEnt};
     content_.insert(content_.end(), bytes.begin(), bytes.begin() + std::size_t{page.count} * page.pitch);
+    if (found.grade == Grade::kHurt) DropOddEntries(page, bytes, *head);
     for (std::size_t i = 0; i < page.count; ++i) {
       page.first = std::min(page.first, Key(page, i));
       page.last = std::max(page.last, Key(page, i));
@@ -29,8 +30,28 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
                     [](const TreePage& page) { return std::tuple(page.found.id, page.found.offset); });
 }
 
+// A key out of order has wrong bits, so its entry is another node's or block's.
+void FoundTree::DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head) {
+  const auto odd = OddEntries(bytes, type_, head, layout_);
+  if (!odd) return;
+  for (auto at = odd->rbegin(); at != odd->rend(); ++at, --page.count) {
+    const auto entry = content_.begin() + static_cast<std::ptrdiff_t>(page.begin + *at * page.pitch);
+    content_.erase(entry, entry + page.pitch);
+  }
+}
+
 std::uint64_t FoundTree::Key(const TreePage& page, std::size_t i) const {
   return KeyOf(Entry(page, i), type_, layout_);
+}
+
+std::optional<std::size_t> FoundTree::Root() const {
+  if (pages_.empty()) return std::nullopt;
+  const auto newest = std::ranges::max_element(pages_, {}, [](const TreePage& page) { return page.found.level; });
+  const std::uint64_t second = newest->count > 1 ? Key(*newest, 1) : UINT64_MAX;
+  const bool isRoot = std::ranges::all_of(pages_, [&](const TreePage& page) {
+    return page.found.level != newest->found.level || (page.first < second && page.last >= newest->first);
+  });
+  return isRoot ? std::optional<std::size_t>(newest - pages_.begin()) : std::nullopt;
 }
 
 std::optional<std::size_t> FoundTree::PageAt(const Bref& ref) const {

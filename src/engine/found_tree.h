@@ -35,6 +35,10 @@ class FoundTree {
   }
   std::uint64_t Key(const TreePage& page, std::size_t i) const;
 
+  /// The newest of the highest pages, if others on its level look like earlier roots: each shares keys with it. If they
+  /// stand beside it, they are parts of one tree whose root is gone.
+  std::optional<std::size_t> Root() const;
+
   /// The page of that id that stands at the place, or was moved from it; nothing if it is gone.
   std::optional<std::size_t> PageAt(const Bref& ref) const;
 
@@ -45,6 +49,8 @@ class FoundTree {
   std::uint64_t ChildId(const TreePage& page, std::size_t i) const;
 
  private:
+  void DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head);
+
   const Generation& layout_;
   PageType type_;
   std::vector<TreePage> pages_;

@@ -64,8 +64,8 @@ class NodeJudge {
       if (entry.nid == kNoNid) return;
       const ndb::NodeTrees trees{Canonical(entry.bidData), Canonical(entry.bidSub)};
       // Of a hurt page an entry counts if its blocks are there.
-      if (page.found.grade == Grade::kHurt && !(blocks_.IsTrusted(trees.bidData) && IsNoneOrWhole(trees.bidSub)))
-        return;
+      const bool isLikely = evidence_.Find(trees.bidData) != nullptr && IsNoneOrFound(trees.bidSub);
+      if (page.found.grade == Grade::kHurt && !isLikely) return;
       claims_.push_back({{entry.nid, trees, entry.nidParent}, StandingOf(shade)});
     });
   }
@@ -99,7 +99,7 @@ class NodeJudge {
                             : judgement_.statuses[static_cast<std::size_t>(block - evidence_.blocks.data())];
   }
   bool IsNoneOrLive(Bid bid) const { return bid == kNoBid || StatusOf(bid) == BlockStatus::kLive; }
-  bool IsNoneOrWhole(Bid bid) const { return bid == kNoBid || blocks_.IsTrusted(bid); }
+  bool IsNoneOrFound(Bid bid) const { return bid == kNoBid || evidence_.Find(bid) != nullptr; }
 
   /// All entries of one node, the newest first.
   void Settle(std::span<NodeClaim> entries) {

@@ -13,7 +13,7 @@ namespace velmora::engine {
 namespace {
 
 /// Contexts of one search key that are looked at for a message, and ids to either side in which its list is sought.
-constexpr std::size_t kMostVersions = 16;
+constexpr std::size_t kMostNewer = 16;
 constexpr std::uint64_t kListReach = 64 * kBidStep;
 
 /// What tells versions of one message: its search key, and the ids of the sub-nodes that its values ask for.
@@ -100,7 +100,7 @@ class ContextSeeker {
     const auto begin = std::ranges::upper_bound(tops_, TopContext{own->searchKey, node.trees.bidData});
     const auto end = std::ranges::upper_bound(begin, tops_.end(), own->searchKey, {}, &TopContext::searchKey);
     std::size_t looked = 0;
-    for (auto at = end; at != begin && looked < kMostVersions; ++looked) {
+    for (auto at = end; at != begin && looked < kMostNewer; ++looked) {
       --at;
       if (taken_.contains(at->bid)) continue;
       const auto other = IdentityOf(at->bid);

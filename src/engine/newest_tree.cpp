@@ -39,6 +39,7 @@ class Leaves {
                leaves_, [](const TreePage* a, const TreePage* b) { return a->last >= b->first; }) == leaves_.end();
   }
 
+  std::uint64_t FirstKey() const { return leaves_.front()->first; }
   std::uint64_t LastKey() const { return leaves_.back()->last; }
 
   /// The lowest id of those that share keys with the range; nothing if none does.
@@ -64,6 +65,8 @@ bool IsContradicted(const FoundTree& tree, const std::vector<bool>& members, con
   for (std::size_t i = 0; i < members.size(); ++i) {
     const TreePage& page = tree.Pages()[i];
     if (members[i] || page.found.level != 0) continue;
+    // Every store has the same first nodes; its first blocks may be freed.
+    if (tree.Type() == PageType::kNbt && page.last < leaves.FirstKey()) return true;
     const auto oldest = leaves.OldestIn(page.first, page.last);
     if (oldest ? page.found.id > *oldest : page.found.id > root.found.id || root.found.level == 0) return true;
   }
@@ -78,16 +81,16 @@ std::vector<bool> MembersOfNewest(const FoundTree& tree, const std::optional<Bre
     return root ? WholeTree(tree, *root) : std::vector<bool>();
   }
   const auto pages = tree.Pages();
-  if (pages.empty()) return {};
-  const auto root = std::ranges::max_element(pages, {}, [](const TreePage& page) { return page.found.level; });
-  std::vector<bool> members = WholeTree(tree, static_cast<std::size_t>(root - pages.begin()));
+  const auto root = tree.Root();
+  std::vector<bool> members = root ? WholeTree(tree, *root) : std::vector<bool>();
   if (members.empty()) return {};
   std::vector<const TreePage*> itsLeaves;
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (members[i] && pages[i].found.level == 0) itsLeaves.push_back(&pages[i]);
   }
   const Leaves leaves(std::move(itsLeaves));
-  if (!leaves.AreApart() || leaves.LastKey() < newestKey || IsContradicted(tree, members, *root, leaves)) return {};
+  if (!leaves.AreApart() || leaves.LastKey() < newestKey || IsContradicted(tree, members, pages[*root], leaves))
+    return {};
   return members;
 }
 

@@ -6,14 +6,16 @@
 namespace velmora::engine {
 namespace {
 
-bool KeysAscend(PageView page, PageType type, const BtPageHead& head, const Generation& layout) {
+/// Whether the keys ascend, one of them left out.
+bool AscendWithout(std::size_t left, PageView page, PageType type, const BtPageHead& head, const Generation& layout) {
   std::uint64_t before = 0;
   for (std::size_t i = 0; i < head.cEnt; ++i) {
+    if (i == left) continue;
     const std::uint64_t key = KeyOf(page.subspan(i * head.cbEnt, head.cbEnt), type, layout);
     if (key <= before) return false;
     before = key;
   }
-  return head.cEnt != 0;
+  return true;
 }
 
 }  // namespace
@@ -25,6 +27,17 @@ std::optional<BtPageHead> SoundHead(PageView page, PageType type, const Generati
   if (head.cEnt > head.cEntMax || head.cbEnt < least || head.cLevel > kMostLevels) return std::nullopt;
   if (std::size_t{head.cEnt} * head.cbEnt > layout.offEntryCount) return std::nullopt;
   return head;
+}
+
+std::optional<std::vector<std::size_t>> OddEntries(PageView page, PageType type, const BtPageHead& head,
+                                                   const Generation& layout) {
+  std::vector<std::size_t> odd;
+  if (AscendWithout(head.cEnt, page, type, head, layout)) return odd;
+  for (std::size_t i = 0; i < head.cEnt; ++i) {
+    if (AscendWithout(i, page, type, head, layout)) odd.push_back(i);
+  }
+  if (odd.empty() || odd.size() == head.cEnt) return std::nullopt;
+  return odd;
 }
 
 std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Generation& layout) {
@@ -41,7 +54,7 @@ std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Ge
   const std::uint64_t id = layout.LoadWord(page, layout.offPageId);
   const bool isSigned = Load<std::uint16_t>(page, layout.offPageSig) == ComputeSig(offset, id);
   const bool isWhole = Load<std::uint32_t>(page, layout.offPageCrc) == WeakCrc(page.first(layout.offPageType));
-  if (!isWhole && !(isSigned && KeysAscend(page, type, *head, layout))) return std::nullopt;
+  if (!isWhole && !(isSigned && head->cEnt != 0 && OddEntries(page, type, *head, layout))) return std::nullopt;
   const Grade grade = !isWhole ? Grade::kHurt : isSigned ? Grade::kProven : Grade::kMoved;
   return FoundPage{offset, id, type, head->cLevel, grade};
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "engine/evidence.h"
 
@@ -19,9 +20,15 @@ std::optional<BtPageHead> SoundHead(PageView page, PageType type, const Generati
 /// The key of an entry, of whichever level.
 std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Generation& layout);
 
+/// The entries of which one may have the key that breaks the order of the others, two of them at either end of a page;
+/// none where the keys ascend. Nothing if more than one key is out of order.
+std::optional<std::vector<std::size_t>> OddEntries(PageView page, PageType type, const BtPageHead& head,
+                                                   const Generation& layout);
+
 /// The page that was written at `offset` (which is where it is said to stand) and consists of these bytes. Proven when
 /// checksum and signature fit, moved with the checksum alone. With the signature alone it is what is left of a page
-/// that was written over, or one with bits flipped: hurt, if its keys ascend. Nothing otherwise.
+/// that was written over, or one with bits flipped: hurt, if its keys ascend but for one at most. Nothing
+/// otherwise.
 std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Generation& layout);
 
 }  // namespace velmora::engine

@@ -10,7 +10,7 @@ namespace {
 
 /// Versions of a long list share most of its blocks. This many are read in full; more are a store made to make much of
 /// little.
-constexpr std::uint64_t kMostVersions = 16;
+constexpr std::uint64_t kMostVersionsOfList = 16;
 
 std::uint64_t EntriesIn(const EvidenceView& view) {
   std::uint64_t bytes = 0;
@@ -24,7 +24,7 @@ std::uint64_t EntriesIn(const EvidenceView& view) {
 
 SubnodeLists::SubnodeLists(const EvidenceView& view, std::span<const Bid> bids, RunContext& run) {
   lists_.resize(bids.size());
-  const std::uint64_t most = EntriesIn(view) * kMostVersions;
+  const std::uint64_t most = EntriesIn(view) * kMostVersionsOfList;
   std::uint64_t read = 0;
   for (std::size_t i = bids.size(); i-- > 0 && read <= most;) {  // the newest first
     run.control.PausePoint();

@@ -72,7 +72,7 @@ class Ranges {
     }
     std::ranges::stable_sort(gone_, std::greater(), &Gone::id);
     gone_.erase(std::ranges::unique(gone_, {}, &Gone::id).begin(), gone_.end());
-    FindRootLevel();
+    if (const auto root = tree.Root()) rootLevel_ = pages[*root].found.level;
   }
 
   /// Of a leaf: all of its keys, and those up to the next leaf.
@@ -113,17 +113,6 @@ class Ranges {
     if (name.entry + 1 < parent.count) return tree_.Key(parent, name.entry + 1);
     if (parent.found.level == rootLevel_) return kNoEnd;
     return namedBy_[name.parent] ? EndIn(*namedBy_[name.parent]) : std::nullopt;
-  }
-
-  /// The highest level is that of the root, unless pages stand on it side by side: then the root is gone.
-  void FindRootLevel() {
-    const auto pages = tree_.Pages();
-    if (pages.empty()) return;
-    const auto newest = std::ranges::max_element(pages, {}, [](const TreePage& page) { return page.found.level; });
-    const std::uint64_t second = newest->count > 1 ? tree_.Key(*newest, 1) : kNoEnd;
-    const bool isRoots = std::ranges::all_of(
-        pages, [&](const TreePage& page) { return page.found.level != newest->found.level || page.first < second; });
-    if (isRoots) rootLevel_ = newest->found.level;
   }
 
   const FoundTree& tree_;

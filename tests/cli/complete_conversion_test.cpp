@@ -76,8 +76,15 @@ TEST_F(CompleteConversionRun, BadSectorsWhereNothingStandsAreToldAndNoLoss) {
   EXPECT_EQ(report_["evidence"]["unread"].size(), 1u);
 }
 
-TEST_F(CompleteConversionRun, ARunThatCannotReadWhatKindOfStoreItIsEndsWithAFailureOfReading) {
+TEST_F(CompleteConversionRun, AHeaderThatCannotBeReadIsNotNeeded) {
   const std::vector<engine::BadPlace> bad = {{0, 1}};
+  EXPECT_EQ(Run(engine::OpenBadDisk(bad)), ExitCode::kDone) << said_;
+  EXPECT_FALSE(report_["evidence"]["headerUsed"]);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 1);
+}
+
+TEST_F(CompleteConversionRun, ARunThatCanReadNothingEndsWithAFailureOfReading) {
+  const std::vector<engine::BadPlace> bad = {{0, size_}};
   EXPECT_EQ(Run(engine::OpenBadDisk(bad)), ExitCode::kInputOutput);
   EXPECT_EQ(report_["refusal"], "Pst/Ost file is not valid.");
 }

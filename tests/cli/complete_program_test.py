@@ -2,9 +2,11 @@
 
 import json
 import os
+import pathlib
 import re
 import resource
 import subprocess
+import tempfile
 import time
 import unittest
 
@@ -59,6 +61,33 @@ class CompleteProgram(program_fixture.ProgramTest):
         self.assertEqual(sum(report["nodes"].values()) - report["nodes"]["older version"] - report["nodes"]["deleted"],
                          report["evidence"]["liveNodes"])
         self.assertIn("Recovered at: ", ended.stderr)
+
+    def test_a_report_that_ends_in_html_is_a_page(self):
+        for name in ("report.html", "other.HTML"):
+            report = self.work / name
+            ended = self.convert("--report", report)
+            self.assertEqual(ended.returncode, 0, ended.stderr)
+            page = report.read_text("utf-8")
+            self.assertTrue(page.startswith("<!DOCTYPE html>\n") and page.endswith("</html>\n"), page[:200])
+            self.assertIn("<h1>What came out of <bdi>sound.pst</bdi></h1>", page)
+            whole = re.search(r"(\d+)  items whole", ended.stdout)[1]
+            self.assertIn(f'<li class="whole"><b>{whole}</b> items whole</li>', page)
+        self.assertIn("<dd>none: it was a dry run</dd>", self.page_of("--complete", "--dry-run"))
+        self.assertTrue(self.page_of("--dry-run").startswith("{\n"), "that of the other conversion has no page")
+
+    def page_of(self, *options):
+        with tempfile.TemporaryDirectory() as folder:
+            report = pathlib.Path(folder) / "r.html"
+            self.run_program("--quiet", "--report", report, *options, self.source, self.out)
+            return report.read_text("utf-8")
+
+    def test_a_page_names_what_is_lost(self):
+        source = self.work / "lossy.ost"
+        subprocess.run([os.environ["VELMORA_FORGE_NASTY"], "nodes-of-missing-blocks", source, "1"], check=True)
+        page = self.work / "report.html"
+        self.convert("--dry-run", "--quiet", "--report", page, source=source)
+        _, told = self.report_of("--dry-run", source=source)
+        self.assertEqual(page.read_text("utf-8").count('<tr class="lost">'), len(told["losses"]))
 
     def test_a_comparison_finds_the_new_store_to_be_the_same(self):
         code, report = self.report_of("--verify", "--hidden")
@@ -131,8 +160,8 @@ class CompleteProgram(program_fixture.ProgramTest):
     # ---------------------------------------------------------------- refusals
 
     def test_usage(self):
-        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",),
-                      ("--verify",), ("--complete", "--deleted"), ("--complete", "--verify", "--dry-run")):
+        for words in (("--complete", "--smart"), ("--complete", "--trace", self.work / "t"), ("--hidden",), ("--deleted",),
+                      ("--verify",), ("--complete", "--verify", "--dry-run")):
             ended = self.run_program(*words, self.source, self.out)
             self.assertEqual((ended.returncode, ended.stdout), (64, ""), words)
             self.assertIn("--help", ended.stderr)

@@ -69,6 +69,7 @@ TEST(CompleteResultText, SaysWhatIsMissing) {
               EndsWith(": attachment \"plan.pdf\" (1.2 MB)"));
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kProperty, .tag = 0x10130102})), EndsWith(": the HTML text"));
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kProperty, .tag = 0x80050003})), EndsWith(": property 0x80050003"));
+  EXPECT_THAT(LineOf(LossOf({.kind = Kind::kProperty})), EndsWith(": some of its properties"));
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kBytes, .size = 8176})), EndsWith(": 8.2 KB"));
   EXPECT_THAT(LineOf(LossOf({.kind = Kind::kBytes, .tag = 0x1000001F, .size = 8176})),
               EndsWith(": 8.2 KB of the plain text"));

@@ -42,10 +42,10 @@ TEST(Options, TakesEveryOption) {
 TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
   const Options alone = std::get<Options>(Parse({"--complete", "a.ost", "out"}));
   EXPECT_TRUE(alone.complete);
-  EXPECT_FALSE(alone.hidden || alone.verify);
-  const Options all = std::get<Options>(Parse({"--complete", "--hidden", "--verify", "--codepage", "windows-932",
+  EXPECT_FALSE(alone.hidden || alone.deleted || alone.verify);
+  const Options all = std::get<Options>(Parse({"--complete", "--hidden", "--deleted", "--verify", "--codepage", "windows-932",
                                                "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
-  EXPECT_TRUE(all.complete && all.hidden && all.verify && all.log && all.quiet && all.noProgress);
+  EXPECT_TRUE(all.complete && all.hidden && all.deleted && all.verify && all.log && all.quiet && all.noProgress);
   EXPECT_EQ(all.codePage.WindowsNumber(), 932);
   EXPECT_TRUE(std::get<Options>(Parse({"--complete", "--dry-run", "a.ost", "out"})).dryRun);
   EXPECT_FALSE(std::get<Options>(Parse({"a.ost", "out"})).complete);
@@ -57,6 +57,7 @@ TEST(Options, OptionsThatDoNotGoTogetherAreNamed) {
       {{"--complete", "--trace", "t", "a", "b"}, "--trace cannot go with --complete"},
       {{"--complete", "--verify", "--dry-run", "a", "b"}, "--verify cannot go with --dry-run, which writes no store"},
       {{"--hidden", "a", "b"}, "--hidden needs --complete"},
+      {{"--deleted", "a", "b"}, "--deleted needs --complete"},
       {{"--verify", "a", "b"}, "--verify needs --complete"},
   };
   for (const auto& [words, what] : mistakes) {
@@ -77,7 +78,6 @@ TEST(Options, MistakesEndWithTheCodeForUsage) {
                                                 {"a.ost"},
                                                 {"a", "b", "c"},
                                                 {"--odd", "a", "b"},
-                                                {"--complete", "--deleted", "a", "b"},
                                                 {"a", "b", "--report"},
                                                 {"", "b"},
                                                 {"a", ""},
@@ -93,7 +93,7 @@ TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
   const Answer answer = AnswerTo({"--help"});
   EXPECT_EQ(answer.code, ExitCode::kDone);
   EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
-  for (const char* option : {"--complete", "--hidden", "--verify", "--smart", "--codepage NAME", "--report FILE",
+  for (const char* option : {"--complete", "--hidden", "--deleted", "--verify", "--smart", "--codepage NAME", "--report FILE",
                              "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
     EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
   }

@@ -24,12 +24,16 @@ TEST(PlainWords, TimesHaveDayAndMinute) {
 TEST(PlainWords, NothingOfAStoreMovesTheCursorOrTurnsTheLine) {
   EXPECT_EQ(OneLine(u"a\033[31mb\nc\td\u009Be\u007F"), "a [31mb c d e ");
   EXPECT_EQ(OneLine(u"x\u202Ey\u2066z\u2028"), "x y z ");
+  EXPECT_EQ(OneLine(u"a\u200Eb\u200Fc\u061Cd\uFEFF\uFFFF"), "a b c d  ");
   EXPECT_EQ(OneLine(u"Gr\u00FC\u00DFe"), "Grüße");
 }
 
 TEST(PlainWords, ALongTextIsCut) {
   EXPECT_EQ(OneLine(text::Text(80, u'a')), std::string(80, 'a'));
   EXPECT_EQ(OneLine(text::Text(81, u'a')), std::string(80, 'a') + "...");
+  EXPECT_EQ(OneLine(u"abc", 2), "ab...");
+  EXPECT_EQ(OneLine(u"a\U0001F600b", 2), "a...") << "not between the halves of a character";
+  EXPECT_EQ(OneLine(u"a\U0001F600b", 3), "a😀...");
 }
 
 }  // namespace

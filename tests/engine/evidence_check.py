@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""evidence_check.py PROGRAM STORES TOOLS [--seed N] [--case NAME...] - how much of real stores is told from bytes alone.
+"""evidence_check.py PROGRAM [--stores FOLDER] [--tools FOLDER] [--seed N] [--case NAME...] - how much of real stores is told from bytes alone.
 
-Makes damaged copies of each store (TOOLS/damage.py), lets PROGRAM (velmora-evidence) judge them, and compares the live
+Makes damaged copies of each store (damage.py of the tools), lets PROGRAM (velmora-evidence) judge them, and compares the live
 and doubtful nodes with the node tree of the whole store: id, data, sub-nodes and parent. Says for each case how many are
 right, missing (the store has them, the judgement has not) and wrong (otherwise than the store has them, or not in it;
 "unsure" are those of them that the judgement itself calls doubtful); and of the blocks how many of the live ones are found, and how many live ones are called freed.
@@ -40,14 +40,19 @@ def truth(tools, path):
 
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
-    for name in ("program", "stores", "tools"):
-        ap.add_argument(name)
+    ap.add_argument("program")
+    for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
+        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../shared", name)
+        ap.add_argument("--" + name, default=os.environ.get(variable, beside))
     ap.add_argument("--seed", default="7")
     ap.add_argument("--case", nargs="*")
     ap.add_argument("--verbose", action="store_true")
     ap.add_argument("--floors")
     ap.add_argument("--write")
     a = ap.parse_args()
+    if not os.path.isdir(a.stores) or not os.path.isdir(a.tools):
+        print("no folders of stores and tools beside the sources; VELMORA_STORES and VELMORA_TOOLS name them")
+        return 77
     sums = collections.OrderedDict()
     for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
         nodes, blocks = truth(a.tools, path)

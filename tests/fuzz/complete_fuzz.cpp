@@ -1,9 +1,11 @@
 // Copying whole objects of whatever bytes, and comparing the copy with them.
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <numeric>
+#include <source_location>
 #include <span>
 #include <utility>
 #include <vector>
@@ -16,8 +18,10 @@
 namespace velmora::complete {
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
+void Require(bool holds, std::source_location place = std::source_location::current()) {
+  if (holds) return;
+  std::fprintf(stderr, "line %u does not hold\n", static_cast<unsigned>(place.line()));
+  std::abort();
 }
 
 /// A file in memory that stays when its writer goes.
@@ -64,6 +68,7 @@ void CopyAndCompare(const std::vector<std::byte>& bytes, bool everything) {
   CheckAccount(account);
   Require(ndb::StoreReader::Open(file)->Damage().Count() == 0);
   CompareStores(*source, file, options, run, account);
+  for (const Difference& difference : account.differences) std::fprintf(stderr, "%s\n", difference.what.c_str());
   Require(account.differences.empty() && account.differencesNotListed == 0);
 }
 

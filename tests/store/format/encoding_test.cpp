@@ -57,6 +57,16 @@ TEST(Encoding, TheKeysOfALongBlockWrapAround) {
   EXPECT_EQ(bytes, plain);
 }
 
+TEST(Encoding, APartOfABlockComesBackByItself) {
+  const std::vector<std::byte> plain = CountingBytes(70000);
+  for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {
+    const std::vector<std::byte> encoded = Encoded(method, Bid{0x00015678}, plain);
+    std::vector<std::byte> part(encoded.begin() + 66000, encoded.begin() + 66100);
+    DecodeBlock(method, Bid{0x00015678}, part, 66000);
+    EXPECT_TRUE(std::equal(part.begin(), part.end(), plain.begin() + 66000)) << static_cast<int>(method);
+  }
+}
+
 TEST(Encoding, ComesBackByEveryMethod) {
   const std::vector<std::byte> plain = test::Noise(8176);
   for (const CryptMethod method : {CryptMethod::kNone, CryptMethod::kPermute, CryptMethod::kCyclic}) {

@@ -1,9 +1,8 @@
-#include "engine/evidence.h"
-
 #include <algorithm>
 #include <array>
 
 #include "engine/block_map.h"
+#include "engine/evidence.h"
 #include "engine/evidence_pass.h"
 #include "store/format/header.h"
 
@@ -13,8 +12,8 @@ namespace {
 /// Fewer pages than this may be chance, or what is left of another store.
 constexpr std::uint64_t kTellingPages = 20;
 
-/// Units of file space: a page or two that cannot be told do not make a copy in text mode.
-constexpr std::uint64_t kManySlots = 64;
+/// Bytes: a page or two that cannot be told do not make a copy in text mode.
+constexpr std::uint64_t kMuchUnproven = 4096;
 
 /// The layout that most was found of; the told one in doubt. Null where nothing was found.
 Finds* Likeliest(std::vector<Finds>& finds, const Generation* told) {
@@ -35,10 +34,18 @@ CryptMethod LikeliestEncoding(const Finds& finds, const std::optional<ToldByHead
   return kMethods[static_cast<std::size_t>(most - finds.votes.begin())];
 }
 
-/// Whether much of what is in use proves nothing, in all or behind some point, as where bytes were lost.
-bool IsMuchUnproven(const Finds& finds) {
+/// Where bytes were lost nothing proves itself behind some point, or little in all. In use is what does not end in
+/// zeros.
+void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
   const std::uint64_t taken = finds.taken.Taken();
-  return finds.usedSlots > taken + taken / 3 + kManySlots || finds.usedSlots > finds.usedAheadOfLast + kManySlots;
+  const std::uint64_t much = kMuchUnproven / finds.layout->slotSize;
+  if (finds.usedSlots > taken + taken / 3 + much) {
+    Finds again(*finds.layout, source.Size());
+    LookForShifted(source, 0, again, run);
+    if (again.Count() > finds.Count()) finds = std::move(again);
+  } else if (finds.usedSlots > finds.usedAheadOfLast + much) {
+    LookForShifted(source, finds.end, finds, run);
+  }
 }
 
 }  // namespace
@@ -66,10 +73,7 @@ Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& t
   Finds finds = std::move(*best);
   all.clear();
   if (!finds.soughtMoved) finds = std::move(LookThrough(source, std::array{finds.layout}, run).front());
-  if (IsMuchUnproven(finds)) {
-    Finds shifted = LookThroughShifted(source, *finds.layout, run);
-    if (shifted.Count() > finds.Count()) finds = std::move(shifted);
-  }
+  LookBehindLostBytes(source, finds, run);
   evidence.layout = finds.layout;
   evidence.encoding = LikeliestEncoding(finds, told);
   MapBlocks(source, std::move(finds), told && told->layout == evidence.layout ? told : std::nullopt, evidence, run);

@@ -1,0 +1,26 @@
+# Style and script of the page, as text in a header, and the hashes by which a browser knows them for ours: anything
+# else that a page holds does not run.
+function(velmora_read_page_part name file)
+  set(path ${CMAKE_CURRENT_SOURCE_DIR}/page/${file})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${path})
+  file(READ ${path} text)
+  file(SHA256 ${path} hex)
+  # Base64: three digits of the one are two of the other. Of the last two, one is for bytes that are not there.
+  set(letters ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/)
+  set(hash "")
+  foreach(at RANGE 0 63 3)
+    string(SUBSTRING ${hex}00 ${at} 3 digits)
+    math(EXPR high "0x${digits} >> 6")
+    math(EXPR low "0x${digits} & 63")
+    string(SUBSTRING ${letters} ${high} 1 first)
+    string(SUBSTRING ${letters} ${low} 1 second)
+    string(APPEND hash ${first}${second})
+  endforeach()
+  string(REGEX REPLACE ".$" "=" hash ${hash})
+  set(${name} "${text}" PARENT_SCOPE)
+  set(${name}_HASH ${hash} PARENT_SCOPE)
+endfunction()
+
+velmora_read_page_part(PAGE_STYLE page.css)
+velmora_read_page_part(PAGE_SCRIPT page.js)
+configure_file(page/looks.h.in ${CMAKE_CURRENT_BINARY_DIR}/include/cli/page/looks.h @ONLY)
