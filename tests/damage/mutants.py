@@ -27,7 +27,7 @@ import time
 import damaged_stores
 import stores
 
-MODES = ((), ("--smart",), ("--complete", "--verify"), ("--complete", "--hidden", "--verify"))
+MODES = ((), ("--smart",), ("--complete", "--verify"), ("--complete", "--hidden", "--deleted", "--verify"))
 CODES = (0, 3, 65, 73)
 SECONDS = 15
 MEGABYTES = 512
