@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "engine/evidence.h"
+#include "engine/evidence/evidence.h"
 #include "platform/memory_file.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/table_context.h"
