@@ -168,7 +168,9 @@ class StoreComparison {
     ++countIn_[written->nidParent];
     const SourceFolder* folder = plan_.Find(node.nidParent);
     const auto folderId = folder != nullptr && folder->isCopied ? TargetOf(folder->nid) : std::nullopt;
-    if (folderId && *folderId != written->nidParent) Note(pair, "the message stands in another folder");
+    const bool isFolderThere = LossOf(node.nidParent) == nullptr || LossOf(node.nidParent)->target.has_value();
+    if (folderId && isFolderThere && *folderId != written->nidParent)
+      Note(pair, "the message stands in another folder");
     CompareMessages(pair, node.trees, written->trees, 0);
   }
 

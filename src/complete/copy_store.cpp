@@ -163,7 +163,7 @@ class StoreCopy {
     const auto take = [&](const engine::NodeClaim& claim) {
       const ndb::NodeEntry& node = claim.node;
       if (claim.standing != engine::Standing::kDeleted || TypeOf(node.nid) != NidType::kNormalMessage) return;
-      if (!deleted.empty() && deleted.back().nid == node.nid) return;
+      if (source_.FindNode(node.nid) || (!deleted.empty() && deleted.back().nid == node.nid)) return;
       ndb::Faults faults;
       const auto open = [&] { return ltp::PropertyContext::Open(source_, node.trees, &faults).Records().size(); };
       if (IfReadable(open).value_or(0) != 0) deleted.push_back(node);
@@ -307,13 +307,11 @@ class StoreCopy {
     Nid lastDead = kNoNid;
     const auto count = [&](const engine::NodeClaim& claim) {
       const Nid nid = claim.node.nid;
-      if (claim.standing == engine::Standing::kOlder ||
-          (claim.standing == engine::Standing::kDeleted && nid == lastDead)) {
-        Count(NodeFate::kOlderVersion);
-      } else if (claim.standing == engine::Standing::kDeleted) {
-        Count(deletedWritten_.contains(nid) ? NodeFate::kDeletedWritten : NodeFate::kDeleted);
-        lastDead = nid;
-      }
+      const bool isDeleted = claim.standing == engine::Standing::kDeleted;
+      if (!isDeleted && claim.standing != engine::Standing::kOlder) return;
+      if (!isDeleted || nid == lastDead || source_.FindNode(nid)) return Count(NodeFate::kOlderVersion);
+      Count(deletedWritten_.contains(nid) ? NodeFate::kDeletedWritten : NodeFate::kDeleted);
+      lastDead = nid;
     };
     std::ranges::for_each(source_.Found().Judged().nodes, count);
     std::ranges::for_each(source_.Found().Lost().nodes, count);

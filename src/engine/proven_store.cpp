@@ -29,8 +29,8 @@ void ProvenStore::GatherNodes() {
   const auto take = [this](const NodeClaim& claim) {
     if (claim.standing != Standing::kOlder && claim.standing != Standing::kDeleted) nodes_.push_back(claim.node);
   };
+  std::ranges::for_each(lost_.nodes, take);  // these replace what a claim of the same id says
   std::ranges::for_each(judgement_.nodes, take);
-  std::ranges::for_each(lost_.nodes, take);
   std::ranges::stable_sort(nodes_, {}, &ndb::NodeEntry::nid);
   const auto repeated = std::ranges::unique(nodes_, {}, &ndb::NodeEntry::nid);
   nodes_.erase(repeated.begin(), repeated.end());
