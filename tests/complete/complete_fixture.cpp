@@ -121,6 +121,11 @@ std::unique_ptr<const engine::ProvenStore> CompleteTest::Scan(Bytes source, bool
 }
 
 void CompleteTest::Copy(Bytes source, const CopyOptions& options) {
+  CopyWrecked(source, options);
+  source_ = std::make_unique<StoreObjects>(std::move(source));
+}
+
+void CompleteTest::CopyWrecked(const Bytes& source, const CopyOptions& options) {
   const auto scanned = Scan(source, options.deleted);
   account_ = {};
   const auto file = std::make_shared<platform::MemoryFile>();
@@ -128,7 +133,6 @@ void CompleteTest::Copy(Bytes source, const CopyOptions& options) {
       messaging::StoreWriter::Create(std::make_unique<SharedFile>(file), u"Copy", {.sourceDateEpoch = kEpoch});
   CopyStore(*scanned, *target, options, run_, account_);
   target->Seal();
-  source_ = std::make_unique<StoreObjects>(std::move(source));
   target_ = std::make_unique<StoreObjects>(file->Bytes());
 }
 

@@ -68,6 +68,9 @@ class CompleteTest : public testing::TestWithParam<forge::Format> {
   void Copy(forge::Mailbox& box, const CopyOptions& options = {}) { Copy(box.Finish().bytes, options); }
   void Copy(Bytes source, const CopyOptions& options = {});
 
+  /// The same of a store that no other reader opens; source_ stays as it was.
+  void CopyWrecked(const Bytes& source, const CopyOptions& options = {});
+
   std::unique_ptr<const engine::ProvenStore> Scan(Bytes source, bool deleted = false);
 
   /// Copies a store of this one message, which stands in the inbox, and gives what became of it; what the source has

@@ -109,7 +109,7 @@ def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     ap.add_argument("program")
     for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
-        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", name)
+        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "..", "shared", name)
         ap.add_argument("--" + name, default=os.environ.get(variable, beside))
     ap.add_argument("--seed", default="7")
     ap.add_argument("--case", nargs="*", default=[])
