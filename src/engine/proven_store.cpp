@@ -8,6 +8,13 @@
 #include "store/format/store_nodes.h"
 
 namespace velmora::engine {
+namespace {
+
+bool IsTaken(const NodeClaim& claim) {
+  return claim.standing != Standing::kOlder && claim.standing != Standing::kDeleted;
+}
+
+}  // namespace
 
 std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
                                                       RunContext& run) {
@@ -27,13 +34,19 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
 
 void ProvenStore::GatherNodes() {
   const auto take = [this](const NodeClaim& claim) {
-    if (claim.standing != Standing::kOlder && claim.standing != Standing::kDeleted) nodes_.push_back(claim.node);
+    if (IsTaken(claim)) nodes_.push_back(claim.node);
   };
   std::ranges::for_each(lost_.nodes, take);  // these replace what a claim of the same id says
   std::ranges::for_each(judgement_.nodes, take);
   std::ranges::stable_sort(nodes_, {}, &ndb::NodeEntry::nid);
   const auto repeated = std::ranges::unique(nodes_, {}, &ndb::NodeEntry::nid);
   nodes_.erase(repeated.begin(), repeated.end());
+  nodes_.shrink_to_fit();
+  // What is live stands in the list now; claims of what is not are few.
+  for (std::vector<NodeClaim>* claims : {&judgement_.nodes, &lost_.nodes}) {
+    std::erase_if(*claims, IsTaken);
+    claims->shrink_to_fit();
+  }
 }
 
 void ProvenStore::FindKind() {

@@ -41,6 +41,7 @@ class ProvenStore : public ndb::BlockSource {
   const Source& Bytes() const { return source_; }
   const std::optional<ToldByHeader>& Header() const { return told_; }
   const Evidence& Found() const { return evidence_; }
+  /// Of both, the claims that are left are those of nodes that are not live.
   const Judgement& Judged() const { return judgement_; }
   const LostNodes& Lost() const { return lost_; }
 
