@@ -1,6 +1,7 @@
 #include "complete/left_out.h"
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace velmora::complete {
 namespace {
@@ -56,8 +57,14 @@ constexpr LeftOut kLeftOut[] = {
 }  // namespace
 
 bool IsLeftOut(std::uint16_t id, Owner owner) {
-  return std::ranges::any_of(
-      kLeftOut, [&](const LeftOut& row) { return (row.owners & owner) != 0 && row.first <= id && id <= row.last; });
+  static const auto ownersOf = [] {
+    std::array<std::uint8_t, 0x8000> owners{};
+    for (const LeftOut& row : kLeftOut) {
+      for (std::size_t each = row.first; each <= row.last; ++each) owners[each] |= row.owners;
+    }
+    return owners;
+  }();
+  return id < ownersOf.size() && (ownersOf[id] & owner) != 0;
 }
 
 }  // namespace velmora::complete

@@ -17,7 +17,7 @@ class LiveStore : public ndb::BlockSource {
   const Generation& Format() const override { return found_.Format(); }
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
     const bool isThere = found_.FindBlock(bid, out);
-    if (isThere && !found_.IsTrusted(bid)) hurt_.push_back(Canonical(bid));
+    if (isThere && found_.HasHurtBlocks() && !found_.IsTrusted(bid)) hurt_.push_back(Canonical(bid));
     return isThere;
   }
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override { return found_.FindNode(nid); }

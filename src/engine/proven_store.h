@@ -32,6 +32,7 @@ class ProvenStore : public ndb::BlockSource {
 
   /// Whether the content of a block is proven; one that is hurt is read as far as it can be.
   bool IsTrusted(Bid bid) const { return blocks_.IsTrusted(bid); }
+  bool HasHurtBlocks() const { return hasHurtBlocks_; }
 
   /// All live nodes by ascending id: those that pages name, those that stand in for them, and those that were found
   /// without any.
@@ -58,6 +59,7 @@ class ProvenStore : public ndb::BlockSource {
   EvidenceBlocks blocks_{source_, evidence_, judgement_};
   std::vector<ndb::NodeEntry> nodes_;
   StoreKind kind_ = StoreKind::kNone;
+  bool hasHurtBlocks_ = false;
 };
 
 }  // namespace velmora::engine
