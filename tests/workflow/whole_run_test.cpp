@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <atomic>
+#include <chrono>
+#include <semaphore>
 
 #include "conversion/free_space.h"
 #include "forge/forge.h"
@@ -22,10 +24,13 @@ class TraceLines : public output::TraceSink {
  public:
   void WriteLine(std::string_view line) override {
     lines.emplace_back(line);
-    if (line.starts_with("{\"op\":\"AddItem\"")) ++items;
+    if (!line.starts_with("{\"op\":\"AddItem\"")) return;
+    if (++items == waitsAt) static_cast<void>(goOn.try_acquire_for(std::chrono::seconds(10)));
   }
   std::vector<std::string> lines;  ///< written by the worker; to be read once the run is over
   std::atomic<int> items{0};
+  int waitsAt = 0;  ///< the worker goes on from that item when it may; 0: it never waits
+  std::binary_semaphore goOn{0};
 };
 
 /// Somebody without the rights of the administrator, for whom no file is closed: then as long as this lives the
@@ -110,14 +115,15 @@ TEST_F(WholeRunTest, FromTheStartPageToTheFolderOfTheNewStoreAndBack) {
 }
 
 TEST_F(WholeRunTest, StoppedForGoodItRunsAgainFromTheStart) {
-  const auto source = MakeSource(3000);
+  const auto source = MakeSource(30);
+  trace_->waitsAt = 10;
   Convert(source);
-  ASSERT_TRUE(Comes([this] { return trace_->items > 10; }));
-  boxes_.Answer(QMessageBox::Yes);
+  ASSERT_TRUE(Comes([this] { return trace_->items == 10; }));
+  boxes_.Answer(QMessageBox::Yes, [this] { trace_->goOn.release(); });  // by then the question holds the run
   Press(kCancelId);
   ASSERT_TRUE(IsPage<CCustomDlg>());
   ASSERT_TRUE(Comes([this] { return seals_ == 1; })) << "what was written is sealed";
-  EXPECT_LT(trace_->items, 3000);
+  EXPECT_EQ(trace_->items, 10);
   EXPECT_TRUE(std::filesystem::exists(destination_ / "outlook Converted0")) << "nothing is rolled back";
 
   std::filesystem::rename(destination_, machine_.folder.Path() / "stopped");
@@ -125,15 +131,21 @@ TEST_F(WholeRunTest, StoppedForGoodItRunsAgainFromTheStart) {
   trace_ = std::make_shared<TraceLines>();
   Convert(source);
   ASSERT_TRUE(Comes([this] { return CanFinish(); }, 60000));
-  EXPECT_EQ(trace_->items, 3000);
+  EXPECT_EQ(trace_->items, 30);
 }
 
 TEST_F(WholeRunTest, HeldAndLetGoItComesToItsEnd) {
-  Convert(MakeSource(500));
-  boxes_.Answer(QMessageBox::No, [] { QTest::qWait(100); });
+  trace_->waitsAt = 10;
+  Convert(MakeSource(30));
+  ASSERT_TRUE(Comes([this] { return trace_->items == 10; }));
+  boxes_.Answer(QMessageBox::No, [this] {
+    trace_->goOn.release();
+    QTest::qWait(100);
+    EXPECT_EQ(trace_->items, 10) << "the question holds the run";
+  });
   Press(kCancelId);
   ASSERT_TRUE(Comes([this] { return CanFinish(); }, 60000));
-  EXPECT_EQ(trace_->items, 500);
+  EXPECT_EQ(trace_->items, 30);
 }
 
 TEST_F(WholeRunTest, AFileThatIsNoStoreIsToldAndThePageStays) {
