@@ -17,6 +17,11 @@ ItemCounts Account::Totals() const {
   return totals;
 }
 
+Nid Account::NewIdOf(Nid source) const {
+  const auto renamed = newIds.find(source);
+  return renamed != newIds.end() ? renamed->second : source;
+}
+
 void Account::AddLoss(Loss loss) {
   if (loss.missing.size() > Loss::kMostParts) {
     loss.missingNotListed = loss.missing.size() - Loss::kMostParts;

@@ -139,6 +139,7 @@ struct Account {
 
   /// Objects that have another id in the new store than in the source, and which.
   std::map<Nid, Nid> newIds;
+  Nid NewIdOf(Nid source) const;
 
   /// Deleted messages that are in the new store, by the id that they have there.
   struct Recovered {

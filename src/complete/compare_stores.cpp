@@ -3,12 +3,12 @@
 #include <set>
 #include <unordered_map>
 
+#include "complete/copy_source.h"
 #include "complete/copy_store.h"
-#include "complete/folder_plan.h"
 #include "complete/left_out.h"
+#include "complete/limits.h"
+#include "complete/message_parts.h"
 #include "complete/references.h"
-#include "complete/source_names.h"
-#include "complete/text_pages.h"
 #include "complete/value_form.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
@@ -22,10 +22,7 @@ namespace {
 /// Differences that are listed; more of them tell no more.
 constexpr std::size_t kMostListed = 1000;
 
-/// Values up to this length are brought into their form before they are compared; others are bytes.
-constexpr std::uint64_t kMostFormed = std::uint64_t{256} << 20;
 constexpr std::size_t kComparedAtOnce = std::size_t{64} << 10;
-constexpr int kMostCompared = 64;  ///< messages in messages, parts in parts
 
 using Subnodes = std::vector<ndb::SubnodeEntry>;
 
@@ -51,22 +48,17 @@ class StoreComparison {
  public:
   StoreComparison(const engine::ProvenStore& found, const platform::ByteSource& target, const CopyOptions& options,
                   engine::RunContext& run, Account& account)
-      : options_(options),
-        run_(run),
+      : run_(run),
         account_(account),
-        source_(found),
-        sourceNames_(source_),
-        pages_(source_, options.codePage),
-        plan_(source_, pages_, options.hidden),
+        from_(found, options.codePage, options.hidden),
         target_(ndb::StoreReader::Open(target)),
-        references_(plan_.RecordKey(), TargetKey(), [this](Nid nid) { return TargetOf(nid); }) {
+        references_(plan_.RecordKey(), TargetKey(), [this](Nid nid) { return ReferredTo(nid); }) {
     for (const Loss& loss : account_.losses) losses_.emplace(loss.source, &loss);
     SourceNames(*target_).ForEach(
         [this](std::uint16_t id, const messaging::AnyPropertyName& name) { targetIds_.emplace(name, id); });
   }
 
   void Run() {
-    account_.isVerified = true;
     if (target_->Damage().Count() != 0) Note({}, "the new store's trees are damaged");
     std::uint64_t done = 0;
     for (const ndb::NodeEntry& node : source_.Nodes()) {
@@ -77,6 +69,7 @@ class StoreComparison {
     }
     for (const auto& [nid, recovered] : account_.recovered) CompareRecovered(nid, recovered);
     CompareCounts();
+    account_.isVerified = true;
   }
 
  private:
@@ -87,10 +80,6 @@ class StoreComparison {
     ++account_.objectsCompared;
     ++countIn_[written->nidParent];
     if (recovered.isWhole) CompareMessages(pair, recovered.node.trees, written->trees, 0);
-  }
-
-  static bool IsMessage(Nid nid) {
-    return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
   }
 
   void Note(const Pair& of, std::string what) {
@@ -112,13 +101,19 @@ class StoreComparison {
 
   /// The id that a copied object has in the new store.
   std::optional<Nid> TargetOf(Nid nid) const {
-    const auto renamed = account_.newIds.find(nid);
-    const Nid target = renamed != account_.newIds.end() ? renamed->second : nid;
-    const bool isKnown = plan_.Has(nid) || source_.FindNode(nid).has_value();
-    if (!isKnown || !target_->FindNode(target)) return std::nullopt;
-    // A folder of the source that was left behind may have the id of one that the new store made.
-    if (renamed == account_.newIds.end() && IndexOf(nid) < kFirstFreeNidIndex) return std::nullopt;
-    return target;
+    const SourceFolder* folder = plan_.Find(nid);
+    if (folder != nullptr ? !folder->isCopied : !source_.FindNode(nid)) return std::nullopt;
+    // What could not be made may have the id of something that the new store has for itself.
+    if (!KeepsId(nid) && !account_.newIds.contains(nid)) return std::nullopt;
+    const Nid target = account_.NewIdOf(nid);
+    return target_->FindNode(target) ? std::optional(target) : std::nullopt;
+  }
+
+  /// What references lead to: folders that are there, and each message that was to come across, even if it was lost.
+  std::optional<Nid> ReferredTo(Nid nid) {
+    if (plan_.Find(nid) != nullptr) return TargetOf(nid);
+    const auto node = source_.FindNode(nid);
+    return node && from_.Takes(*node) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
   }
 
   const Loss* LossOf(Nid nid) const {
@@ -144,7 +139,7 @@ class StoreComparison {
     try {
       auto from = ltp::PropertyContext::Open(source_, node.trees, &faults_);
       auto to = ltp::PropertyContext::Open(*target_, written->trees);
-      CompareProperties(pair, from, to, kFolder, pages_.OfStore());
+      CompareProperties(pair, from, to, kFolder, from_.pages.OfStore());
     } catch (const FailureError& failure) {
       if (loss == nullptr) Note(pair, TextOf(failure.Cause()));
     }
@@ -155,10 +150,7 @@ class StoreComparison {
     const auto target = TargetOf(node.nid);
     const auto written = target ? target_->FindNode(*target) : std::nullopt;
     if (!written || TypeOf(*target) != TypeOf(node.nid)) {
-      const SourceFolder* folder = plan_.Find(node.nidParent);
-      const bool isHiddenAndWanted = options_.hidden && folder != nullptr && folder->isCopied;
-      const bool isWanted = TypeOf(node.nid) == NidType::kNormalMessage || isHiddenAndWanted;
-      if (loss == nullptr && isWanted && account_.lossesNotListed == 0) {
+      if (loss == nullptr && account_.lossesNotListed == 0 && from_.Takes(node)) {
         Note({node.nid}, "the message is not in the new store");
       }
       return;
@@ -178,12 +170,14 @@ class StoreComparison {
     try {
       auto from = ltp::PropertyContext::Open(source_, source, &faults_);
       auto to = ltp::PropertyContext::Open(*target_, target);
-      const text::CodePage& page = pages_.Of(from);
+      const text::CodePage& page = from_.pages.Of(from);
       CompareProperties(pair, from, to, kMessage, page);
       const Subnodes fromBelow = from.Subnodes();
       const Subnodes toBelow = to.Subnodes();
-      CompareRecipients(pair, fromBelow, toBelow, page);
-      CompareAttachments(pair, fromBelow, toBelow, page, depth);
+      const MessageParts parts(fromBelow);
+      const MessageParts written(toBelow);
+      CompareRecipients(pair, parts.recipientTable, written.recipientTable, page);
+      CompareAttachments(pair, parts, written, page, depth);
     } catch (const FailureError& failure) {
       if (pair.loss == nullptr) Note(pair, TextOf(failure.Cause()));
     }
@@ -206,7 +200,7 @@ class StoreComparison {
   std::optional<PropTag> TargetTag(PropTag tag) const {
     tag = TargetForm(tag);
     if (IdOf(tag) < name_map::kFirstNamedId) return tag;
-    const messaging::AnyPropertyName* name = sourceNames_.Of(IdOf(tag));
+    const messaging::AnyPropertyName* name = from_.names.Of(IdOf(tag));
     const auto id = name != nullptr ? targetIds_.find(*name) : targetIds_.end();
     if (id == targetIds_.end()) return std::nullopt;
     return MakeTag(id->second, TypeOf(tag));
@@ -236,8 +230,8 @@ class StoreComparison {
         CompareTrees(pair, from.TreeOf(tag)->bid, to.TreeOf(*targetTag)->bid, name);
         continue;
       }
-      auto expected = *from.Read(tag, kMostFormed);
-      const auto written = *to.Read(*targetTag, 2 * kMostFormed);
+      auto expected = *from.Read(tag, kMostConverted);
+      const auto written = *to.Read(*targetTag, 2 * kMostConverted);
       BringIntoForm(tag, expected, page, references_, undefinedBytes_);
       const bool isFlags = tag == tag::kMessageFlags && expected.size() == 4 && written.size() == 4;
       if (isFlags) expected[0] = (expected[0] & ~kComputedFlags) | (written[0] & kComputedFlags);
@@ -251,7 +245,7 @@ class StoreComparison {
   /// A folder may have got a number behind its name, or a name where it had none.
   void CompareName(const Pair& pair, ltp::PropertyContext& from, ltp::PropertyContext& to, PropTag tag,
                    const text::CodePage& page) {
-    auto bytes = *from.Read(tag, kMostFormed);
+    auto bytes = *from.Read(tag, kMostConverted);
     BringIntoForm(tag, bytes, page, references_, undefinedBytes_);
     const auto written = to.Binary(tag::kDisplayName).value_or(Bytes());
     if (written.size() < bytes.size() || !std::ranges::equal(bytes, std::span(written).first(bytes.size()))) {
@@ -279,16 +273,9 @@ class StoreComparison {
     }
   }
 
-  static const ndb::SubnodeEntry* Find(const Subnodes& subnodes, Nid nid) {
-    const auto found = std::ranges::find(subnodes, nid, &ndb::SubnodeEntry::nid);
-    return found != subnodes.end() ? &*found : nullptr;
-  }
-
-  void CompareRecipients(const Pair& pair, const Subnodes& from, const Subnodes& to, const text::CodePage& page) {
-    if (Lacks(pair, MissingPart::Kind::kRecipients)) return;
-    const ndb::SubnodeEntry* source = Find(from, nid::kRecipientTable);
-    const ndb::SubnodeEntry* target = Find(to, nid::kRecipientTable);
-    if (source == nullptr) return;
+  void CompareRecipients(const Pair& pair, const ndb::SubnodeEntry* source, const ndb::SubnodeEntry* target,
+                         const text::CodePage& page) {
+    if (source == nullptr || Lacks(pair, MissingPart::Kind::kRecipients)) return;
     auto rows = ltp::TableContext::Open(source_, source->trees, &faults_);
     if (rows.RowCount() == 0) return;
     if (target == nullptr) return Note(pair, "the recipients are not there");
@@ -310,23 +297,15 @@ class StoreComparison {
     }
   }
 
-  static Subnodes AttachmentsOf(const Subnodes& subnodes) {
-    Subnodes attachments;
-    std::ranges::copy_if(subnodes, std::back_inserter(attachments),
-                         [](const auto& subnode) { return TypeOf(subnode.nid) == NidType::kAttachment; });
-    std::ranges::sort(attachments, {}, &ndb::SubnodeEntry::nid);
-    return attachments;
-  }
-
-  void CompareAttachments(const Pair& pair, const Subnodes& from, const Subnodes& to, const text::CodePage& page,
-                          int depth) {
+  void CompareAttachments(const Pair& pair, const MessageParts& from, const MessageParts& to,
+                          const text::CodePage& page, int depth) {
     if (Lacks(pair, MissingPart::Kind::kAttachment)) return;
-    const Subnodes source = AttachmentsOf(from);
-    const Subnodes target = AttachmentsOf(to);
-    if (source.size() != target.size()) return Note(pair, "there is another number of attachments");
-    for (std::size_t i = 0; i < source.size(); ++i) {
-      auto context = ltp::PropertyContext::Open(source_, source[i].trees, &faults_);
-      auto written = ltp::PropertyContext::Open(*target_, target[i].trees);
+    if (from.attachments.size() != to.attachments.size()) {
+      return Note(pair, "there is another number of attachments");
+    }
+    for (std::size_t i = 0; i < from.attachments.size(); ++i) {
+      auto context = ltp::PropertyContext::Open(source_, from.attachments[i]->trees, &faults_);
+      auto written = ltp::PropertyContext::Open(*target_, to.attachments[i]->trees);
       CompareProperties(pair, context, written, kAttachment, page);
       CompareObjects(pair, context, written, depth);
     }
@@ -339,7 +318,7 @@ class StoreComparison {
     const auto source = from.FindSubnode(object->nid);
     const auto target = written ? to.FindSubnode(written->nid) : std::nullopt;
     if (!source || !target) return Note(pair, "an attachment's object is not there");
-    if (depth == kMostCompared) return;
+    if (depth == kMostDepth) return;
     if (TypeOf(object->nid) == NidType::kNormalMessage) {
       CompareMessages(pair, source->trees, target->trees, depth + 1);
     } else {
@@ -352,7 +331,7 @@ class StoreComparison {
     const Subnodes from = ndb::ListSubnodes(source_, source.bidSub, &faults_);
     const Subnodes to = ndb::ListSubnodes(*target_, target.bidSub);
     if (from.size() != to.size()) return Note(pair, "an attachment's object has another number of parts");
-    for (std::size_t i = 0; i < from.size() && depth < kMostCompared; ++i) {
+    for (std::size_t i = 0; i < from.size() && depth < kMostDepth; ++i) {
       CompareNodes(pair, from[i].trees, to[i].trees, depth + 1);
     }
   }
@@ -382,14 +361,12 @@ class StoreComparison {
   /// Has attachments, is hidden: what the writer knows better.
   static constexpr std::byte kComputedFlags{messaging::kMessageHasAttachments | messaging::kMessageAssociated};
 
-  const CopyOptions& options_;
   engine::RunContext& run_;
   Account& account_;
   ndb::Faults faults_;
-  LiveStore source_;
-  SourceNames sourceNames_;
-  TextPages pages_;
-  FolderPlan plan_;
+  CopySource from_;
+  const LiveStore& source_ = from_.live;
+  FolderPlan& plan_ = from_.plan;
   std::unique_ptr<ndb::StoreReader> target_;
   References references_;
   std::map<messaging::AnyPropertyName, std::uint16_t> targetIds_;

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "complete/copy_source.h"
 #include "complete/file_map.h"
 #include "complete/folder_copier.h"
 #include "complete/message_copier.h"
@@ -18,16 +19,6 @@ namespace {
 
 using messaging::Folder;
 using messaging::PropertyBag;
-
-/// The hidden message in which a store keeps the names and colours of its categories.
-constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
-
-/// The highest indexes stay free for the nodes that the new store makes itself.
-constexpr std::uint32_t kLastKeptIndex = kMaxNidIndex - (1u << 20);
-
-bool IsMessage(Nid nid) { return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage; }
-
-bool KeepsId(Nid nid) { return IndexOf(nid) >= kFirstFreeNidIndex && IndexOf(nid) <= kLastKeptIndex; }
 
 text::Text TextIn(const PropertyBag& properties, PropTag tag) { return ltp::DecodeText(properties.Value(tag)); }
 
@@ -53,14 +44,11 @@ class StoreCopy {
         run_(run),
         account_(account),
         target_(target),
-        source_(found),
-        names_(source_),
-        pages_(source_, options.codePage),
-        plan_(source_, pages_, options.hidden),
+        from_(found, options.codePage, options.hidden),
         references_(plan_.RecordKey(), target.RecordKey(), [this](Nid nid) { return TargetOf(nid); }),
         allowance_(engine::ContentAllowance(found.Bytes().Size(), found.Format().formatId == FORMAT_UNICODE_4K,
                                             found.Nodes().size() + found.Found().blocks.size())),
-        tools_{source_, names_, pages_, references_, target, allowance_, account},
+        tools_{source_, from_.names, from_.pages, references_, target, allowance_, account},
         folders_(tools_, plan_),
         messages_(tools_) {
     account_.mostLosses = allowance_.MostLosses();
@@ -70,9 +58,9 @@ class StoreCopy {
     account_.evidence = EvidenceOf(source_.Found());
     account_.fileMap = MapOf(source_.Found());
     run_.BeginStage(8);
-    KeepIdsApart();
-    folders_.CopyAll();
     const std::vector<ndb::NodeEntry> deleted = options_.deleted ? DeletedMessages() : std::vector<ndb::NodeEntry>();
+    GiveIds(deleted);
+    folders_.CopyAll();
     engine::ItemsCopied progress;
     progress.itemsTotal = deleted.size();
     for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
@@ -96,19 +84,22 @@ class StoreCopy {
   }
 
  private:
-  /// So that ids which the new store gives itself never meet one that an object has brought along.
-  void KeepIdsApart() {
+  /// Notes the ids that objects bring along, so that those which the new store gives itself stay apart from them; then
+  /// gives the messages new ones that cannot keep theirs.
+  void GiveIds(const std::vector<ndb::NodeEntry>& deleted) {
+    std::vector<Nid> anew;
+    const auto give = [&](Nid nid) {
+      if (KeepsId(nid)) {
+        target_.Ndb().NoteNid(nid);
+      } else if (IsMessage(nid)) {
+        anew.push_back(nid);
+      }
+    };
     for (const ndb::NodeEntry& node : source_.Nodes()) {
-      if (KeepsId(node.nid) && IsCopied(node)) target_.Ndb().NoteNid(node.nid);
+      if (from_.Takes(node)) give(node.nid);
     }
-    for (const engine::NodeClaim& claim : source_.Found().Judged().nodes) {
-      const Nid nid = claim.node.nid;  // of a deleted message too
-      if (TypeOf(nid) == NidType::kNormalMessage && KeepsId(nid) && options_.deleted) target_.Ndb().NoteNid(nid);
-    }
-    for (const ndb::NodeEntry& node : source_.Nodes()) {
-      if (!IsMessage(node.nid) || KeepsId(node.nid) || !IsCopied(node)) continue;
-      account_.newIds.emplace(node.nid, target_.Ndb().NewNid(TypeOf(node.nid)));
-    }
+    for (const ndb::NodeEntry& node : deleted) give(node.nid);
+    for (const Nid nid : anew) account_.newIds.emplace(nid, target_.Ndb().NewNid(TypeOf(nid)));
   }
 
   /// Of folders that are made already, and of messages that will be.
@@ -117,39 +108,7 @@ class StoreCopy {
       return folder->target != nullptr ? std::optional(folder->target->nid) : std::nullopt;
     }
     const auto node = source_.FindNode(nid);
-    return node && IsCopied(*node) ? std::optional(TargetIdOf(nid)) : std::nullopt;
-  }
-
-  Nid TargetIdOf(Nid message) const {
-    const auto renamed = account_.newIds.find(message);
-    return renamed != account_.newIds.end() ? renamed->second : message;
-  }
-
-  bool IsCopied(const ndb::NodeEntry& node) {
-    const SourceFolder* folder = plan_.Find(IsMessage(node.nid) ? node.nidParent : node.nid);
-    switch (TypeOf(node.nid)) {
-      case NidType::kNormalFolder:
-        return folder->isCopied;
-      case NidType::kNormalMessage:
-        return true;
-      case NidType::kAssocMessage:  // that of a folder which stays behind is of use to nobody
-        return folder != nullptr && folder->isCopied && IsWanted(node);
-      default:
-        return false;
-    }
-  }
-
-  bool IsWanted(const ndb::NodeEntry& node) {
-    if (options_.hidden) return true;
-    ndb::Faults faults;
-    auto context = IfReadable([&] { return ltp::PropertyContext::Open(source_, node.trees, &faults); });
-    if (!context) return false;
-    const auto wide = context->Text(tag::kMessageClass);
-    const auto narrow = context->Binary(MakeTag(IdOf(tag::kMessageClass), PropType::kString8));
-    if (!wide && !narrow) return false;
-    const text::Text messageClass =
-        wide ? *wide : pages_.OfStore().Decode({reinterpret_cast<const char*>(narrow->data()), narrow->size()});
-    return text::EqualIgnoringCase(messageClass, kCategoryListClass);
+    return node && from_.Takes(*node) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
   }
 
   Folder& FolderOf(const ndb::NodeEntry& node) {
@@ -157,19 +116,23 @@ class StoreCopy {
     return folder != nullptr && folder->target != nullptr ? *folder->target : folders_.LostAndFound();
   }
 
-  /// Of each message that is no longer live the newest version that can be opened.
+  /// Of each message that is no longer live the newest version that can be opened, by ascending id.
   std::vector<ndb::NodeEntry> DeletedMessages() {
     std::vector<ndb::NodeEntry> deleted;
+    std::unordered_set<Nid> taken;
     const auto take = [&](const engine::NodeClaim& claim) {
       const ndb::NodeEntry& node = claim.node;
       if (claim.standing != engine::Standing::kDeleted || TypeOf(node.nid) != NidType::kNormalMessage) return;
-      if (source_.FindNode(node.nid) || (!deleted.empty() && deleted.back().nid == node.nid)) return;
+      if (source_.FindNode(node.nid) || taken.contains(node.nid)) return;
       ndb::Faults faults;
       const auto open = [&] { return ltp::PropertyContext::Open(source_, node.trees, &faults).Records().size(); };
-      if (IfReadable(open).value_or(0) != 0) deleted.push_back(node);
+      if (IfReadable(open).value_or(0) == 0) return;
+      deleted.push_back(node);
+      taken.insert(node.nid);
     };
+    std::ranges::for_each(source_.Found().Lost().nodes, take);  // these replace what a claim of the same id says
     std::ranges::for_each(source_.Found().Judged().nodes, take);
-    std::ranges::for_each(source_.Found().Lost().nodes, take);
+    std::ranges::sort(deleted, {}, &ndb::NodeEntry::nid);
     return deleted;
   }
 
@@ -201,23 +164,21 @@ class StoreCopy {
 
   void CopyMessage(const ndb::NodeEntry& node, bool isDeleted) {
     const bool isHidden = TypeOf(node.nid) == NidType::kAssocMessage;
-    if (!IsCopied(node)) {
+    if (!isDeleted && !from_.Takes(node)) {
       fates_[node.nid] = NodeFate::kHidden;
       return;
     }
     static_cast<void>(source_.TakeHurt());
     allowance_.BeginNode();
     Loss loss{.source = node.nid};
-    std::optional<CopiedMessage> copied;
     Folder* folder = nullptr;
     try {
-      copied = messages_.Copy(node.trees);
-      Describe(copied->message.properties, loss);
-      loss.missing = std::move(copied->missing);
+      CopiedMessage copied = messages_.Copy(node.trees);
+      Describe(copied.message.properties, loss);
+      loss.missing = std::move(copied.missing);
       folder = isDeleted ? &folders_.RecoveredFrom(plan_.Find(node.nidParent)) : &FolderOf(node);
-      loss.folder = PathOf(*folder);
-      copied->message.isAssociated = isHidden;
-      loss.target = target_.Save(std::move(copied->message), *folder, TargetIdOf(node.nid));
+      copied.message.isAssociated = isHidden;
+      loss.target = target_.Save(std::move(copied.message), *folder, account_.NewIdOf(node.nid));
     } catch (const std::exception&) {
       loss.missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
       NameByRow(node, loss);
@@ -241,14 +202,15 @@ class StoreCopy {
       }
     }
     if (isWhole) return;
+    const SourceFolder* had = plan_.Find(node.nidParent);
+    if (folder == nullptr && had != nullptr) folder = had->target;
+    if (folder != nullptr) loss.folder = PathOf(*folder);
     fates_[node.nid] = loss.target ? NodeFate::kPartial : NodeFate::kUnreadable;
     account_.AddLoss(std::move(loss));
   }
 
   /// What the table of its folder tells of a message that cannot be read.
   void NameByRow(const ndb::NodeEntry& node, Loss& loss) {
-    const SourceFolder* folder = plan_.Find(node.nidParent);
-    if (loss.folder.empty() && folder != nullptr && folder->target != nullptr) loss.folder = PathOf(*folder->target);
     if (!loss.messageClass.empty()) return;
     const auto tableNode = source_.FindNode(Sibling(node.nidParent, NidType::kContentsTable));
     if (!tableNode) return;
@@ -262,7 +224,7 @@ class StoreCopy {
       if (IdOf(column.tag) >= name_map::kFirstNamedId) continue;
       try {
         if (auto cell = table->Cell(*row, column.tag)) {
-          copier.Put(column.tag, TargetForm(column.tag), std::move(*cell), pages_.OfStore(), properties);
+          copier.Put(column.tag, TargetForm(column.tag), std::move(*cell), from_.pages.OfStore(), properties);
         }
       } catch (const FailureError&) {
         // The others name it as well.
@@ -321,10 +283,9 @@ class StoreCopy {
   engine::RunContext& run_;
   Account& account_;
   messaging::StoreWriter& target_;
-  LiveStore source_;
-  SourceNames names_;
-  TextPages pages_;
-  FolderPlan plan_;
+  CopySource from_;
+  const LiveStore& source_ = from_.live;
+  FolderPlan& plan_ = from_.plan;
   References references_;
   engine::ContentAllowance allowance_;
   CopyTools tools_;

@@ -23,7 +23,8 @@ void CopyStore(const engine::ProvenStore& source, messaging::StoreWriter& target
                engine::RunContext& run, Account& account);
 
 /// Opens what was written afresh and compares it with the source, object by object, into the account's differences.
-/// `target` is sealed.
+/// `target` is sealed. Says progress and passes a pause point ahead of each object. Raises FailureError where `target`
+/// cannot be opened as a store, and engine::RunStopped; the account is not verified then.
 void CompareStores(const engine::ProvenStore& source, const platform::ByteSource& target, const CopyOptions& options,
                    engine::RunContext& run, Account& account);
 

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "complete/copy_source.h"
 #include "store/format/property_tags.h"
 #include "store/ltp/multi_value.h"
 
@@ -162,7 +163,7 @@ Folder& FolderCopier::OwnDeletedItems() const {
 }
 
 bool FolderCopier::IsFree(Nid nid) const {
-  if (IndexOf(nid) < kFirstFreeNidIndex) return false;
+  if (!KeepsId(nid)) return false;
   for (const NidType type : kTypesOfFolder) {
     if (tools_.target.Source().FindNode(Sibling(nid, type))) return false;
   }

@@ -17,13 +17,6 @@ std::optional<ltp::PropertyContext> Open(const LiveStore& source, const ndb::Nod
   return IfReadable([&] { return ltp::PropertyContext::Open(source, trees, &faults); });
 }
 
-text::Text NameOf(ltp::PropertyContext& folder, const text::CodePage& page) {
-  if (const auto name = folder.Text(tag::kDisplayName)) return *name;
-  const auto bytes = folder.Binary(MakeTag(IdOf(tag::kDisplayName), PropType::kString8));
-  if (!bytes) return {};
-  return page.Decode({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
-}
-
 }  // namespace
 
 FolderPlan::FolderPlan(const LiveStore& source, const TextPages& pages, bool hidden) {
@@ -56,7 +49,8 @@ void FolderPlan::ReadFolders(const LiveStore& source, const TextPages& pages) {
     folder.nidParent = node.nidParent;
     ndb::Faults faults(node.nid);
     if (auto context = Open(source, node.trees, faults)) {
-      folder.name = NameOf(*context, pages.OfStore()).substr(0, SourceFolder::kMostOfName);
+      const text::Text name = ReadText(*context, tag::kDisplayName, pages.OfStore()).value_or(text::Text());
+      folder.name = name.substr(0, SourceFolder::kMostOfName);
     }
   }
 }

@@ -39,7 +39,6 @@ class FolderPlan {
 
   /// Null for an id that is no folder's.
   SourceFolder* Find(Nid nid);
-  bool Has(Nid nid) const { return folders_.contains(nid); }
 
   /// Null in a store without folders.
   SourceFolder* Top() const { return top_; }

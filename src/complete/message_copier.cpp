@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "complete/limits.h"
 #include "store/format/classes.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
@@ -15,15 +16,7 @@ namespace {
 
 using messaging::PropertyBag;
 
-/// Messages in messages, and sub-nodes in sub-nodes: as deep as the readers of sub-nodes go.
-constexpr int kMostDepth = 64;
-
 constexpr std::int32_t kNotInText = -1;  ///< rendering position of an attachment beside the text
-
-const ndb::SubnodeEntry* Find(const std::vector<ndb::SubnodeEntry>& subnodes, Nid nid) {
-  const auto found = std::ranges::find(subnodes, nid, &ndb::SubnodeEntry::nid);
-  return found != subnodes.end() ? &*found : nullptr;
-}
 
 text::Text NameOf(const PropertyBag& attachment) {
   for (const PropTag tag : {tag::kAttachLongFilename, tag::kAttachFilename, tag::kDisplayName}) {
@@ -60,7 +53,7 @@ PropertyBag MessageCopier::DefaultsOf(ltp::PropertyContext& message) {
 }
 
 CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
-  Opened from{trees, ndb::Faults(), {}, nullptr, depth};
+  Opened from{trees, ndb::Faults(), nullptr, depth};
   auto context = ltp::PropertyContext::Open(tools_.source, trees, &from.faults);
   CopiedMessage out;
   from.page = &tools_.pages.Of(context);
@@ -70,15 +63,17 @@ CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
   AddHurt(tools_.source, {.kind = MissingPart::Kind::kBytes}, out.missing);
   out.message.properties =
       properties_.Copy(context, kMessage, *from.page, from.faults, DefaultsOf(context), out.missing);
+  std::vector<ndb::SubnodeEntry> subnodes;
   try {
-    from.subnodes = context.Subnodes();
+    subnodes = context.Subnodes();
   } catch (const std::exception&) {
     out.missing.push_back({.kind = MissingPart::Kind::kRecipients, .cause = CauseOfLoss()});
     return out;
   }
   AddHurt(tools_.source, {.kind = MissingPart::Kind::kAttachment}, out.missing);
-  CopyRecipients(from, out);
-  CopyAttachments(from, out);
+  const MessageParts parts(subnodes);
+  CopyRecipients(from, parts, out);
+  CopyAttachments(from, parts, out);
   return out;
 }
 
@@ -100,8 +95,8 @@ PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, co
   return out;
 }
 
-void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
-  const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kRecipientTable);
+void MessageCopier::CopyRecipients(Opened& from, const MessageParts& parts, CopiedMessage& out) {
+  const ndb::SubnodeEntry* subnode = parts.recipientTable;
   if (subnode == nullptr) return;
   const std::size_t faultsBefore = from.faults.Count();
   std::optional<ltp::TableContext> table;
@@ -130,15 +125,9 @@ void MessageCopier::CopyRecipients(Opened& from, CopiedMessage& out) {
   }
 }
 
-void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
-  std::vector<const ndb::SubnodeEntry*> attachments;
-  for (const ndb::SubnodeEntry& subnode : from.subnodes) {
-    if (TypeOf(subnode.nid) == NidType::kAttachment) attachments.push_back(&subnode);
-  }
-  std::ranges::sort(attachments, {}, &ndb::SubnodeEntry::nid);
-
+void MessageCopier::CopyAttachments(Opened& from, const MessageParts& parts, CopiedMessage& out) {
   std::optional<ltp::TableContext> rows;
-  if (const ndb::SubnodeEntry* subnode = Find(from.subnodes, nid::kAttachmentTable)) {
+  if (const ndb::SubnodeEntry* subnode = parts.attachmentTable) {
     rows = IfReadable([&] { return ltp::TableContext::Open(tools_.source, subnode->trees, &from.faults); });
   }
   // An attachment whose sub-node is lost is known by its row alone: what that tells of it comes across.
@@ -162,7 +151,7 @@ void MessageCopier::CopyAttachments(Opened& from, CopiedMessage& out) {
                     "the attachment's sub-node is not there"});
     }
   };
-  for (const ndb::SubnodeEntry* subnode : attachments) {
+  for (const ndb::SubnodeEntry* subnode : parts.attachments) {
     copyRowsBefore(Value(subnode->nid));
     const bool hasRow = rows && row < rows->RowCount() && rows->RowId(row) == Value(subnode->nid);
     const std::size_t ownRow = row;

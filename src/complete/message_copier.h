@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "complete/message_parts.h"
 #include "complete/property_copier.h"
 #include "store/ltp/table_context.h"
 #include "store/messaging/objects/message_writer.h"
@@ -26,20 +27,17 @@ class MessageCopier {
   CopiedMessage Copy(const ndb::NodeTrees& trees) { return Copy(trees, 0); }
 
  private:
-  using Subnodes = std::vector<ndb::SubnodeEntry>;
-
   /// The object of a message under work, opened.
   struct Opened {
     const ndb::NodeTrees& trees;
     ndb::Faults faults;
-    Subnodes subnodes;
     const text::CodePage* page = nullptr;
     int depth = 0;  ///< of the embedding
   };
 
   CopiedMessage Copy(const ndb::NodeTrees& trees, int depth);
-  void CopyRecipients(Opened& from, CopiedMessage& out);
-  void CopyAttachments(Opened& from, CopiedMessage& out);
+  void CopyRecipients(Opened& from, const MessageParts& parts, CopiedMessage& out);
+  void CopyAttachments(Opened& from, const MessageParts& parts, CopiedMessage& out);
   messaging::PropertyBag CopyAttachment(Opened& from, ltp::PropertyContext& context, const ndb::Faults& faults,
                                         Missing& missing);
   static std::optional<ndb::SubnodeEntry> ObjectOf(ltp::PropertyContext& attachment);

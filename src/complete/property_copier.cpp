@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "complete/limits.h"
 #include "complete/value_form.h"
 #include "store/format/property_tags.h"
 #include "store/ltp/property_value.h"
@@ -20,9 +21,6 @@ constexpr std::uint64_t MostInMemory(PropTag tag) {
   return tag == tag::kAttachDataBinary ? ltp::PropertyContextWriter::kHeapValueLimit : std::uint64_t{256} << 10;
 }
 constexpr std::size_t kPiece = std::size_t{64} << 10;
-
-/// 8-bit texts are converted whole, whatever their length.
-constexpr std::uint64_t kMostConverted = std::uint64_t{256} << 20;
 
 }  // namespace
 

@@ -66,7 +66,7 @@ TextPages::TextPages(const LiveStore& source, const text::CodePage& last) : last
   std::map<int, std::size_t> told;
   std::size_t asked = 0;
   for (const ndb::NodeEntry& node : source.Nodes()) {
-    if (TypeOf(node.nid) != NidType::kNormalMessage && TypeOf(node.nid) != NidType::kAssocMessage) continue;
+    if (!IsMessage(node.nid)) continue;
     if (asked == kMostAsked) break;
     ndb::Faults faults(node.nid);
     auto message = IfReadable([&] { return ltp::PropertyContext::Open(source, node.trees, &faults); });
@@ -89,6 +89,13 @@ const text::CodePage& TextPages::Of(ltp::PropertyContext& message) const {
   const auto number = NumberOf(message);
   const text::CodePage* page = number ? Find(*number) : nullptr;
   return page != nullptr ? *page : *ofStore_;
+}
+
+std::optional<text::Text> ReadText(ltp::PropertyContext& from, PropTag tag, const text::CodePage& page) {
+  if (auto text = from.Text(tag)) return text;
+  const auto bytes = from.Binary(MakeTag(IdOf(tag), PropType::kString8));
+  if (!bytes) return std::nullopt;
+  return page.Decode({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
 }
 
 }  // namespace velmora::complete

@@ -31,4 +31,7 @@ class TextPages {
   const text::CodePage* ofStore_;
 };
 
+/// A text of an object, in whichever width it stands there; nothing where it has none.
+std::optional<text::Text> ReadText(ltp::PropertyContext& from, PropTag tag, const text::CodePage& page);
+
 }  // namespace velmora::complete

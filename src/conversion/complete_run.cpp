@@ -29,7 +29,7 @@ class CompleteRun {
     } catch (const engine::RunStopped&) {
       end = RunEnd::kStopped;
     } catch (const output::OutputFailure& failure) {
-      NoteStoreFailure(failure);
+      NoteNotWritten(FailureOf(failure));
     }
     Close(end);
     return end;
@@ -109,24 +109,16 @@ class CompleteRun {
 
   void Copy() {
     complete::CopyStore(*store_, *target_, request_.copy, run_, report_.account);
-    Seal();
-    if (request_.verify && !request_.dryRun) Verify();
+    isCopied_ = true;
   }
 
   void Verify() {
-    run_.BeginStage(9);
     const auto written = platform::OpenForReading(report_.store);
-    if (!written)
-      return run_.Abort({NoticeKind::kStoreNotWritten, text::FromFileName(report_.store.string()), written.error()});
+    if (!written) return NoteNotWritten(written.error());
     complete::CompareStores(*store_, **written, request_.copy, run_, report_.account);
   }
 
-  void Seal() {
-    if (target_ != nullptr) target_->Seal();
-  }
-
-  void NoteStoreFailure(const output::OutputFailure& failure) {
-    const platform::Failure cause = FailureOf(failure);
+  void NoteNotWritten(const platform::Failure& cause) {
     const bool isFull = cause.kind == platform::FailureKind::kFull;
     run_.Abort({isFull ? NoticeKind::kDiskFull : NoticeKind::kStoreNotWritten,
                 text::FromFileName(report_.store.string()), cause});
@@ -135,9 +127,14 @@ class CompleteRun {
   void Close(RunEnd& end) {
     run_.BeginStage(9);
     try {
-      Seal();
+      if (target_ != nullptr) target_->Seal();
+      if (isCopied_ && request_.verify && !request_.dryRun) Verify();
     } catch (const output::OutputFailure& failure) {
-      if (!run_.runAborted) NoteStoreFailure(failure);
+      if (!run_.runAborted) NoteNotWritten(FailureOf(failure));
+    } catch (const FailureError& failure) {
+      NoteNotWritten(failure.Cause());
+    } catch (const engine::RunStopped&) {
+      end = RunEnd::kStopped;
     }
     if (store_ != nullptr) {
       report_.readFailure = store_->Bytes().FirstFailure();
@@ -155,6 +152,7 @@ class CompleteRun {
   RunLogFile log_;
   std::unique_ptr<const engine::ProvenStore> store_;  ///< null until the source is open and looked through
   std::shared_ptr<messaging::StoreWriter> target_;
+  bool isCopied_ = false;  ///< to its end
 };
 
 }  // namespace

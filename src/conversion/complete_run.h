@@ -34,8 +34,9 @@ struct CompleteReport {
   std::vector<std::pair<std::uint64_t, std::uint64_t>> unread;  ///< ranges of the source: from, to
 };
 
-/// Says stages 1 (opening), 2 (probe), 3 (set-up), 4 (scan), 8 (items) and 9 (closing), progress, and at the end Done
-/// or the one notice of what ended it; never both. A stop leaves the store sealed with what was copied.
+/// Says stages 1 (opening), 2 (looking through the source), 3 (set-up), 8 (items) and 9 (sealing and comparing),
+/// progress within 2, 8 and 9, and at the end Done or the one notice of what ended it; never both. A stop leaves the
+/// store sealed with what was copied.
 RunEnd RunComplete(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report);
 
 }  // namespace velmora::conversion

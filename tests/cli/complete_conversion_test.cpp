@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -89,40 +90,34 @@ TEST_F(CompleteConversionRun, ARunThatCanReadNothingEndsWithAFailureOfReading) {
   EXPECT_EQ(report_["refusal"], "Pst/Ost file is not valid.");
 }
 
-/// A disk that begins to fail once so many reads have succeeded.
-class DyingDisk : public platform::ByteSource {
+/// A disk that tells the number of each read ahead of it, and fails where it is answered false.
+class WatchedDisk : public platform::ByteSource {
  public:
-  DyingDisk(std::unique_ptr<const platform::ByteSource> content, int& reads, int most)
-      : content_(std::move(content)), reads_(reads), most_(most) {}
+  using Watch = std::function<bool(int)>;
+  WatchedDisk(std::unique_ptr<const platform::ByteSource> content, int& reads, const Watch& watch)
+      : content_(std::move(content)), reads_(reads), watch_(watch) {}
   std::uint64_t Size() const override { return content_->Size(); }
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    if (++reads_ > most_) {
+    if (!watch_(++reads_)) {
       return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "dead"});
     }
     return content_->ReadAt(offset, out);
   }
 
- private:
-  std::unique_ptr<const platform::ByteSource> content_;
-  int& reads_;
-  int most_;
-};
-
-/// A disk from which the program is told to stop at one of the reads.
-class InterruptingDisk : public platform::ByteSource {
- public:
-  InterruptingDisk(std::unique_ptr<const platform::ByteSource> content, int& reads, int stopAt)
-      : content_(std::move(content)), reads_(reads), stopAt_(stopAt) {}
-  std::uint64_t Size() const override { return content_->Size(); }
-  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    if (++reads_ == stopAt_) std::raise(SIGINT);
-    return content_->ReadAt(offset, out);
+  /// Counts the reads of the source that was opened last.
+  static platform::SourceOpener Open(int& reads, const Watch& watch) {
+    return [&](const std::filesystem::path& path) {
+      reads = 0;
+      return platform::OpenForReading(path).map([&](std::unique_ptr<platform::ByteSource> file) {
+        return std::unique_ptr<platform::ByteSource>(std::make_unique<WatchedDisk>(std::move(file), reads, watch));
+      });
+    };
   }
 
  private:
   std::unique_ptr<const platform::ByteSource> content_;
   int& reads_;
-  int stopAt_;
+  const Watch& watch_;
 };
 
 TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatWasCopied) {
@@ -135,12 +130,11 @@ TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatW
 
   int reads = 0;
   int stopAt = 0;
-  const platform::SourceOpener open = [&](const std::filesystem::path& path) {
-    reads = 0;
-    return platform::OpenForReading(path).map([&](std::unique_ptr<platform::ByteSource> file) {
-      return std::unique_ptr<platform::ByteSource>(std::make_unique<InterruptingDisk>(std::move(file), reads, stopAt));
-    });
+  const WatchedDisk::Watch watch = [&](int read) {
+    if (read == stopAt) std::raise(SIGINT);
+    return true;
   };
+  const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
   ASSERT_EQ(Run(open), ExitCode::kDone);
   const int all = reads;
   std::set<std::uint64_t> counts;
@@ -168,12 +162,8 @@ TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatW
 TEST_F(CompleteConversionRun, ADifferenceThatIsFoundIsAFailureAndNamed) {
   int reads = 0;
   int most = std::numeric_limits<int>::max();
-  const platform::SourceOpener open = [&](const std::filesystem::path& path) {
-    reads = 0;
-    return platform::OpenForReading(path).map([&](std::unique_ptr<platform::ByteSource> file) {
-      return std::unique_ptr<platform::ByteSource>(std::make_unique<DyingDisk>(std::move(file), reads, most));
-    });
-  };
+  const WatchedDisk::Watch watch = [&](int read) { return read <= most; };
+  const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
   ASSERT_EQ(Run(open), ExitCode::kDone);
   most = reads;  // so that copying works, and reading once more does not
   options_.verify = true;
@@ -182,6 +172,38 @@ TEST_F(CompleteConversionRun, ADifferenceThatIsFoundIsAFailureAndNamed) {
   EXPECT_THAT(said_, HasSubstr("velmora-convert: --verify: node 0x"));
   EXPECT_THAT(said_, HasSubstr(report_["verify"]["differences"][0]["what"].get<std::string>()));
   EXPECT_TRUE(std::filesystem::exists(Store()));
+}
+
+TEST_F(CompleteConversionRun, AStopWhileTheStoresAreComparedLeavesTheStoreAndNoResult) {
+  int reads = 0;
+  int stopAt = 0;
+  const WatchedDisk::Watch watch = [&](int read) {
+    if (read == stopAt) std::raise(SIGINT);
+    return true;
+  };
+  const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
+  ASSERT_EQ(Run(open), ExitCode::kDone);
+  stopAt = reads + 1;
+  options_.verify = true;
+  EXPECT_EQ(Run(open), ExitCode::kStopped) << said_;
+  EXPECT_EQ(said_, "Stopped. Recovered at: " + Store().string() + "\n");
+  EXPECT_FALSE(report_.contains("verify"));
+}
+
+TEST_F(CompleteConversionRun, AStoreThatIsCutOffBeforeItIsComparedIsAFailure) {
+  int reads = 0;
+  int cutAt = 0;
+  const WatchedDisk::Watch watch = [&](int read) {
+    if (read == cutAt) std::filesystem::resize_file(Store(), 100);
+    return true;
+  };
+  const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
+  ASSERT_EQ(Run(open), ExitCode::kDone);
+  cutAt = reads + 1;
+  options_.verify = true;
+  EXPECT_EQ(Run(open), ExitCode::kInputOutput) << said_;
+  EXPECT_THAT(said_, HasSubstr(Store().string()));
+  EXPECT_FALSE(report_.contains("verify"));
 }
 
 }  // namespace

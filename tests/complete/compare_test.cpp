@@ -119,5 +119,27 @@ TEST_P(CompareTest, AMessageThatIsMissingIsNamed) {
   EXPECT_TRUE(isNamed);
 }
 
+TEST_P(CompareTest, AReferenceToAMessageThatIsLostIsNoDifference) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  box.AddMessage(inbox, Mail(u"Refers", {Binary(0x6903, forge::EntryId(0x300004))}));
+  box.store().AddNode(0x300004, 0x70000, 0, inbox);  // no such block
+  Copy(box);
+  ASSERT_NE(LossOf(0x300004), nullptr);
+  Compare();
+  for (const Difference& difference : account_.differences) ADD_FAILURE() << difference.what;
+  EXPECT_TRUE(account_.isVerified);
+}
+
+TEST_P(CompareTest, AFolderThatWasLeftBehindIsNotTakenForOneThatTheNewStoreMade) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid outside = box.AddFolder({.name = u"Outside", .parent = forge::kRootFolder});
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .nid = 0x122 + 0x20 * 3});  // gets a new id
+  box.AddMessage(inbox, Mail(u"Refers", {Binary(0x6903, forge::EntryId(outside))}));
+  Copy(box);
+  Compare();
+  for (const Difference& difference : account_.differences) ADD_FAILURE() << difference.what;
+}
+
 }  // namespace
 }  // namespace velmora::complete

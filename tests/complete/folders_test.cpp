@@ -294,6 +294,17 @@ TEST_P(FoldersTest, OutboxAndSentItemsAreMarkedAsInTheSource) {
   ExpectSound();
 }
 
+TEST_P(FoldersTest, AFolderOfTheHighestIdLeavesIdsForThoseThatAreMade) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid highest = box.AddFolder({.name = u"Highest", .nid = 0xFFFFFFE2});
+  box.AddMessage(highest, Mail(u"In it"));
+  box.AddMessage(0x20002, Mail(u"Of a folder that is gone"));
+  Copy(box);
+  EXPECT_EQ(account_.Totals().whole, 2U);
+  EXPECT_THAT(TargetFolders(), testing::ElementsAre(u"/Deleted Items", u"/Highest", u"/Lost & Found"));
+  ExpectSound();
+}
+
 TEST_P(FoldersTest, AMessageWhoseFolderIsGoneIsInLostAndFound) {
   forge::Mailbox box = NewBox();
   const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});

@@ -56,6 +56,31 @@ TEST_P(RecoveredTest, ADeletedMessageStaysAwayUnlessItIsAskedFor) {
   EXPECT_EQ(Count(NodeFate::kDeletedWritten), 0U);
 }
 
+TEST_P(RecoveredTest, ADeletedMessageOfAnIdThatNoMessageMayHaveComesBackUnderANewOne) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  const forge::WrittenMessage deleted = forge::WriteMessage(box.store(), box.names(), Mail(u"Deleted"));
+  box.AddMessage(inbox, Mail(u"Live"));
+  box.store().AddPage(forge::NodePage(GetParam(), {{0x0104, deleted.bidData, deleted.bidSub, inbox}}));
+  Copy(box.Finish().bytes, {.deleted = true});
+  EXPECT_THAT(SubjectsIn(u"/Recovered Deleted Items/Inbox"), testing::ElementsAre(u"Deleted"));
+  EXPECT_EQ(Count(NodeFate::kDeletedWritten), 1U);
+  EXPECT_THAT(SubjectsIn(u"/Inbox"), testing::ElementsAre(u"Live"));
+}
+
+TEST_P(RecoveredTest, ADeletedMessageThatNoPageNamesStaysApartFromALiveOneThatGetsANewId) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  static_cast<void>(forge::WriteMessage(box.store(), box.names(), Mail(u"Deleted")));
+  box.AddMessage(inbox, Mail(u"Live"), 0x300004);
+  box.AddMessage(inbox, Mail(u"Live"), 0x0104);
+  Copy(box.Finish().bytes, {.deleted = true});
+  EXPECT_EQ(Count(NodeFate::kDeletedWritten), 1U);
+  EXPECT_EQ(account_.recovered.size(), 1U);
+  EXPECT_THAT(SubjectsIn(u"/Inbox"), testing::ElementsAre(u"Live", u"Live"));
+  EXPECT_EQ(target_->Messages().size(), 3U);
+}
+
 TEST_P(RecoveredTest, WithoutHeaderAndRootsEverythingComesAcrossAsWithThem) {
   forge::Mailbox box = NewBox();
   const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});

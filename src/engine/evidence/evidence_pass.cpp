@@ -108,6 +108,7 @@ std::vector<Finds> LookThrough(const Source& source, std::span<const Generation*
   Stretch stretch;
   for (std::uint64_t begin = 0; begin < size; begin += kStep) {
     run.control.PausePoint();
+    run.SayProgress(begin * 100 / size, Phase::kProbe);
     stretch.base = begin - std::min(begin, kReachOfPass);
     stretch.bytes = window.Read(stretch.base, begin - stretch.base + kStep).Bytes();
     const std::uint64_t stop = std::min(begin + kStep, size);

@@ -55,6 +55,11 @@ constexpr Nid MakeNid(NidType type, std::uint32_t index) {
 constexpr NidType TypeOf(Nid nid) { return static_cast<NidType>(Value(nid) & (kNidTypeCount - 1)); }
 constexpr std::uint32_t IndexOf(Nid nid) { return Value(nid) >> kNidTypeBits; }
 
+/// Whether the node is one of a folder's messages, hidden ones among them.
+constexpr bool IsMessage(Nid nid) {
+  return TypeOf(nid) == NidType::kNormalMessage || TypeOf(nid) == NidType::kAssocMessage;
+}
+
 /// The node of another type that belongs to the same folder, e.g. its contents table.
 constexpr Nid Sibling(Nid nid, NidType type) { return MakeNid(type, IndexOf(nid)); }
 

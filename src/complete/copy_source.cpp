@@ -1,0 +1,35 @@
+#include "complete/copy_source.h"
+
+#include "store/format/property_tags.h"
+
+namespace velmora::complete {
+namespace {
+
+/// The hidden message in which a store keeps the names and colours of its categories.
+constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
+
+}  // namespace
+
+bool CopySource::Takes(const ndb::NodeEntry& node) {
+  switch (TypeOf(node.nid)) {
+    case NidType::kNormalFolder:
+      return plan.Find(node.nid)->isCopied;
+    case NidType::kNormalMessage:
+      return true;
+    case NidType::kAssocMessage: {  // that of a folder which stays behind is of use to nobody
+      const SourceFolder* folder = plan.Find(node.nidParent);
+      return folder != nullptr && folder->isCopied && (hidden_ || IsCategoryList(node));
+    }
+    default:
+      return false;
+  }
+}
+
+bool CopySource::IsCategoryList(const ndb::NodeEntry& message) const {
+  ndb::Faults faults;
+  auto context = IfReadable([&] { return ltp::PropertyContext::Open(live, message.trees, &faults); });
+  const auto messageClass = context ? ReadText(*context, tag::kMessageClass, pages.OfStore()) : std::nullopt;
+  return messageClass && text::EqualIgnoringCase(*messageClass, kCategoryListClass);
+}
+
+}  // namespace velmora::complete
