@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "store/ndb/block_source.h"
+#include "store/ndb/subnode_tree_reader.h"
 
 namespace velmora::complete {
 

@@ -57,18 +57,4 @@ class Source {
   mutable BadRanges unread_;
 };
 
-/// A source as those read it who know nothing of its bad places.
-class SourceBytes : public platform::ByteSource {
- public:
-  /// `source` must outlive it.
-  explicit SourceBytes(const Source& source) : source_(source) {}
-  std::uint64_t Size() const override { return source_.Size(); }
-  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return source_.Read(offset, out);
-  }
-
- private:
-  const Source& source_;
-};
-
 }  // namespace velmora::engine

@@ -9,18 +9,10 @@ import subprocess
 import sys
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "aids"))
+from aids import SKIPPED, SOURCE, aid  # noqa: E402,F401
+
 PROGRAM = os.environ.get("VELMORA_CONVERT", "velmora-convert")
-SKIPPED = 77  # what ctest takes for "skipped"
-
-
-def aid(variable, folder):
-    """A folder of aids that lies beside the sources, or where the variable says. A variable that names no folder is a
-    mistake: it must not look like a machine without aids."""
-    given = os.environ.get(variable)
-    if given and not os.path.isdir(given):
-        sys.exit(f"{variable} names no folder: {given}")
-    return pathlib.Path(given or SOURCE.parent / "shared" / folder)
 
 
 def main():

@@ -3,30 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include "aids/shared_file.h"
 #include "complete/live_store.h"
 #include "engine/steps.h"
 #include "store/support/pst_check.h"
 
 namespace velmora::complete {
 namespace {
-
-/// A file in memory that its writer may let go of.
-class SharedFile : public platform::ByteStore {
- public:
-  explicit SharedFile(std::shared_ptr<platform::MemoryFile> file) : file_(std::move(file)) {}
-  std::uint64_t Size() const override { return file_->Size(); }
-  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return file_->ReadAt(offset, out);
-  }
-  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-    return file_->WriteAt(offset, bytes);
-  }
-  Result<void> Resize(std::uint64_t size) override { return file_->Resize(size); }
-  Result<void> Flush() override { return file_->Flush(); }
-
- private:
-  std::shared_ptr<platform::MemoryFile> file_;
-};
 
 // What a store computes for itself: of a message and its attachments its sizes, of a row its number and version.
 constexpr std::array<std::uint16_t, 4> kComputed = {0x0E08, 0x0E20, 0x67F2, 0x67F3};
@@ -130,7 +113,7 @@ void CompleteTest::CopyWrecked(const Bytes& source, const CopyOptions& options) 
   account_ = {};
   const auto file = std::make_shared<platform::MemoryFile>();
   const auto target =
-      messaging::StoreWriter::Create(std::make_unique<SharedFile>(file), u"Copy", {.sourceDateEpoch = kEpoch});
+      messaging::StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Copy", {.sourceDateEpoch = kEpoch});
   CopyStore(*scanned, *target, options, run_, account_);
   target->Seal();
   target_ = std::make_unique<StoreObjects>(file->Bytes());

@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "aids/shared_file.h"
 #include "complete/copy_store.h"
 #include "complete/objects.h"
 #include "damage/aged_mailbox.h"
@@ -24,34 +25,16 @@ using complete::Item;
 using complete::Properties;
 using complete::StoreObjects;
 
-/// A file in memory that stays when its writer goes.
-class KeptFile : public platform::ByteStore {
- public:
-  explicit KeptFile(platform::MemoryFile& file) : file_(file) {}
-  std::uint64_t Size() const override { return file_.Size(); }
-  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return file_.ReadAt(offset, out);
-  }
-  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-    return file_.WriteAt(offset, bytes);
-  }
-  Result<void> Resize(std::uint64_t size) override { return file_.Resize(size); }
-  Result<void> Flush() override { return file_.Flush(); }
-
- private:
-  platform::MemoryFile& file_;
-};
-
 forge::Bytes Convert(const forge::Bytes& source) {
   engine::RunContext run;
   const auto found = engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(source), false, run);
-  platform::MemoryFile file;
-  const auto target =
-      messaging::StoreWriter::Create(std::make_unique<KeptFile>(file), u"Copy", {.sourceDateEpoch = 1700000000});
+  const auto file = std::make_shared<platform::MemoryFile>();
+  const auto target = messaging::StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Copy",
+                                                     {.sourceDateEpoch = 1700000000});
   complete::Account account;
   if (found->IsStore()) complete::CopyStore(*found, *target, {}, run, account);
   target->Seal();
-  return file.Bytes();
+  return file->Bytes();
 }
 
 // What each store computes for itself: sizes of a message and of its attachments, number and version of a row.

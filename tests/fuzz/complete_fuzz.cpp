@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "aids/shared_file.h"
 #include "complete/copy_store.h"
 #include "engine/proven_store.h"
 #include "platform/memory_file.h"
@@ -23,24 +24,6 @@ void Require(bool holds, std::source_location place = std::source_location::curr
   std::fprintf(stderr, "line %u does not hold\n", static_cast<unsigned>(place.line()));
   std::abort();
 }
-
-/// A file in memory that stays when its writer goes.
-class TargetFile : public platform::ByteStore {
- public:
-  explicit TargetFile(platform::MemoryFile& file) : file_(file) {}
-  std::uint64_t Size() const override { return file_.Size(); }
-  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return file_.ReadAt(offset, out);
-  }
-  Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-    return file_.WriteAt(offset, bytes);
-  }
-  Result<void> Resize(std::uint64_t size) override { return file_.Resize(size); }
-  Result<void> Flush() override { return file_.Flush(); }
-
- private:
-  platform::MemoryFile& file_;
-};
 
 void CheckAccount(const Account& account) {
   Require(account.NodesFound() == std::accumulate(account.nodes.begin(), account.nodes.end(), std::uint64_t{0}));
@@ -56,18 +39,18 @@ void CopyAndCompare(const std::vector<std::byte>& bytes, bool everything) {
   engine::RunContext run;
   const auto source = engine::ProvenStore::Prove(std::make_unique<platform::MemoryFile>(bytes), everything, run);
   if (!source->IsStore()) return;
-  platform::MemoryFile file;
+  const auto file = std::make_shared<platform::MemoryFile>();
   Account account;
   const CopyOptions options{.hidden = everything, .deleted = everything};
   {
-    const auto target =
-        messaging::StoreWriter::Create(std::make_unique<TargetFile>(file), u"Copy", {.sourceDateEpoch = 1700000000});
+    const auto target = messaging::StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Copy",
+                                                       {.sourceDateEpoch = 1700000000});
     CopyStore(*source, *target, options, run, account);
     target->Seal();
   }
   CheckAccount(account);
-  Require(ndb::StoreReader::Open(file)->Damage().Count() == 0);
-  CompareStores(*source, file, options, run, account);
+  Require(ndb::StoreReader::Open(*file)->Damage().Count() == 0);
+  CompareStores(*source, *file, options, run, account);
   for (const Difference& difference : account.differences) std::fprintf(stderr, "%s\n", difference.what.c_str());
   Require(account.differences.empty() && account.differencesNotListed == 0);
 }

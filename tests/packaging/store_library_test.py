@@ -10,7 +10,10 @@ import unittest
 
 BUILD = os.environ["VELMORA_BUILD"]
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
-TOOLS = pathlib.Path(os.environ.get("VELMORA_TOOLS") or SOURCE.parent / "shared" / "tools")
+sys.path.insert(0, str(SOURCE / "tests" / "aids"))
+from aids import aid  # noqa: E402
+
+TOOLS = aid("VELMORA_TOOLS", "tools")
 
 
 def run(*command, **more):

@@ -93,6 +93,9 @@ enum class Standing : std::uint8_t {
   kDeleted,   ///< no longer live, but still in the file, whole or in part
 };
 
+/// Of a node that is in use, as far as the trees tell.
+constexpr bool IsInUse(Standing standing) { return standing == Standing::kLive || standing == Standing::kDoubtful; }
+
 /// A node, and by what right it is taken for one.
 struct NodeClaim {
   ndb::NodeEntry node;

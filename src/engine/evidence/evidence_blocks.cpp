@@ -65,7 +65,7 @@ std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {
   const auto found =
       std::ranges::lower_bound(judgement_.nodes, nid, {}, [](const NodeClaim& claim) { return claim.node.nid; });
   if (found == judgement_.nodes.end() || found->node.nid != nid) return std::nullopt;
-  if (found->standing != Standing::kLive && found->standing != Standing::kDoubtful) return std::nullopt;
+  if (!IsInUse(found->standing)) return std::nullopt;
   return found->node;
 }
 

@@ -11,9 +11,6 @@
 
 namespace velmora::engine {
 
-/// Of a claim whose node is in use, as far as the trees tell.
-constexpr bool IsInUse(Standing standing) { return standing == Standing::kLive || standing == Standing::kDoubtful; }
-
 class EvidenceView {
  public:
   /// All must outlive the view.

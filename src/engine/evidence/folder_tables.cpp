@@ -8,7 +8,6 @@
 namespace velmora::engine {
 namespace {
 
-constexpr PropTag kParent = 0x67F10003;
 constexpr std::uint32_t kReadFlag = 1;
 
 /// Of the bytes that all tables together have, so often may they be read: versions of a long table share blocks.
@@ -34,7 +33,6 @@ class Reading {
     std::ranges::stable_sort(all_.folders, {}, &ListedFolder::nid);
     const auto repeated = std::ranges::unique(all_.folders, {}, &ListedFolder::nid);
     all_.folders.erase(repeated.begin(), repeated.end());
-    std::ranges::stable_sort(all_.found, {}, &std::pair<Nid, Nid>::first);
     return std::move(all_);
   }
 
@@ -76,10 +74,7 @@ class Reading {
         case TableKind::kHierarchy:
           ReadFolder(*open, i, {.nid = nid, .table = number});
           break;
-        case TableKind::kSearch:
-          if (const auto parent = rows.Integer32(i, kParent)) {
-            all_.found.emplace_back(nid, Nid{static_cast<std::uint32_t>(*parent)});
-          }
+        case TableKind::kSearch:  // its rows are of messages of other folders
           break;
         default:
           if ((rows.Integer32(i, tag::kMessageFlags).value_or(kReadFlag) & kReadFlag) == 0) ++table.unread;

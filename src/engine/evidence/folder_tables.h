@@ -49,9 +49,8 @@ std::uint32_t FolderFingerprint(std::span<const std::byte> name, std::span<const
                                 std::uint32_t count, std::uint32_t unread, bool hasSubfolders);
 
 struct FolderTables {
-  std::vector<FolderTable> tables;         ///< those with rows, the newest first
-  std::vector<ListedFolder> folders;       ///< by ascending id, one of each
-  std::vector<std::pair<Nid, Nid>> found;  ///< by searches: message and its folder, by ascending id
+  std::vector<FolderTable> tables;    ///< those with rows, the newest first
+  std::vector<ListedFolder> folders;  ///< by ascending id, one of each
 
   const ListedFolder* Find(Nid folder) const;
 };

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "engine/evidence/context_facts.h"
 #include "store/format/byte_view.h"
 #include "store/format/property_tags.h"
 #include "store/ltp/property_context.h"
@@ -46,8 +47,7 @@ class ContextSeeker {
     }
     for (const NodeClaim& claim : before) judgement_.nodes.push_back(claim);
     std::ranges::stable_sort(judgement_.nodes, {}, [](const NodeClaim& claim) {
-      const bool leads = claim.standing == Standing::kLive || claim.standing == Standing::kDoubtful;
-      return std::pair(claim.node.nid, !leads);
+      return std::pair(claim.node.nid, !IsInUse(claim.standing));
     });
   }
 
@@ -57,8 +57,7 @@ class ContextSeeker {
   }
 
   bool IsInDoubt(const NodeClaim& claim) const {
-    if (claim.standing != Standing::kLive && claim.standing != Standing::kDoubtful) return false;
-    if (TypeOf(claim.node.nid) != NidType::kNormalMessage) return false;
+    if (!IsInUse(claim.standing) || TypeOf(claim.node.nid) != NidType::kNormalMessage) return false;
     const FoundBlock* block = evidence_.Find(claim.node.trees.bidData);
     return block == nullptr || StatusOf(*block) != BlockStatus::kLive;
   }
@@ -86,10 +85,7 @@ class ContextSeeker {
     const auto key = context->Binary(tag::kSearchKey);
     if (!key || key->empty()) return std::nullopt;
     Identity identity{std::hash<std::string_view>()(ByteView(*key).Chars()), {}};
-    for (const PropertyRecord& record : context->Records()) {
-      const bool liesBeside = !FixedSize(record.wPropType) && !IsHid(record.dwValueHnid);
-      if (liesBeside) identity.keys.push_back(Nid{record.dwValueHnid});
-    }
+    AppendKeys(*context, identity.keys);
     std::ranges::sort(identity.keys);
     return identity;
   }

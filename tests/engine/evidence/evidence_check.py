@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""evidence_check.py PROGRAM [--stores FOLDER] [--tools FOLDER] [--seed N] [--case NAME...] - how much of real stores is told from bytes alone.
+"""evidence_check.py PROGRAM [--seed N] [--case NAME...] - how much of real stores is told from bytes alone.
 
 Makes damaged copies of each store (damage.py of the tools), lets PROGRAM (velmora-evidence) judge them, and compares the live
 and doubtful nodes with the node tree of the whole store: id, data, sub-nodes and parent. Says for each case how many are
@@ -12,9 +12,16 @@ import collections
 import glob
 import json
 import os
+import pathlib
 import subprocess
 import sys
 import tempfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "aids"))
+import aids  # noqa: E402
+
+STORES = str(aids.aid("VELMORA_STORES", "stores"))
+TOOLS = str(aids.aid("VELMORA_TOOLS", "tools"))
 
 
 def judged(program, path):
@@ -41,23 +48,20 @@ def truth(tools, path):
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     ap.add_argument("program")
-    for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
-        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../../shared", name)
-        ap.add_argument("--" + name, default=os.environ.get(variable, beside))
     ap.add_argument("--seed", default="7")
     ap.add_argument("--case", nargs="*")
     ap.add_argument("--verbose", action="store_true")
     ap.add_argument("--floors")
     ap.add_argument("--write")
     a = ap.parse_args()
-    if not os.path.isdir(a.stores) or not os.path.isdir(a.tools):
+    if not os.path.isdir(STORES) or not os.path.isdir(TOOLS):
         print("no folders of stores and tools beside the sources; VELMORA_STORES and VELMORA_TOOLS name them")
-        return 77
+        return aids.SKIPPED
     sums = collections.OrderedDict()
-    for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
-        nodes, blocks = truth(a.tools, path)
+    for path in sorted(p for p in glob.glob(os.path.join(STORES, "*")) if p.endswith((".pst", ".ost"))):
+        nodes, blocks = truth(TOOLS, path)
         with tempfile.TemporaryDirectory() as folder:
-            damage = [sys.executable, os.path.join(a.tools, "damage.py"), path, folder, "--seed", a.seed]
+            damage = [sys.executable, os.path.join(TOOLS, "damage.py"), path, folder, "--seed", a.seed]
             subprocess.run(damage + (["--case"] + a.case if a.case else []), check=True)
             listed = subprocess.run(damage[:2] + ["--list"], check=True, capture_output=True, text=True).stdout.split()
             for case in listed:

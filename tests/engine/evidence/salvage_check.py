@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""salvage_check.py PROGRAM [--stores FOLDER] [--tools FOLDER] [--seed N] [--case NAME...] - which messages of damaged
+"""salvage_check.py PROGRAM [--seed N] [--case NAME...] - which messages of damaged
 stores are known again.
 
 Makes damaged copies of each store (damage.py of the tools, and two without any tree page, old ones too), lets PROGRAM
@@ -11,9 +11,16 @@ import argparse
 import collections
 import glob
 import os
+import pathlib
 import subprocess
 import sys
 import tempfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "aids"))
+import aids  # noqa: E402
+
+STORES = str(aids.aid("VELMORA_STORES", "stores"))
+TOOLS = str(aids.aid("VELMORA_TOOLS", "tools"))
 
 MESSAGE, FOLDERS = 4, (2, 3)
 
@@ -108,24 +115,21 @@ def score(truth, program, path, verbose):
 def main():
     ap = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     ap.add_argument("program")
-    for variable, name in (("VELMORA_STORES", "stores"), ("VELMORA_TOOLS", "tools")):
-        beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "..", "shared", name)
-        ap.add_argument("--" + name, default=os.environ.get(variable, beside))
     ap.add_argument("--seed", default="7")
     ap.add_argument("--case", nargs="*", default=[])
     ap.add_argument("--misplaced", type=int, default=0)
     ap.add_argument("--too-much", type=int, default=0)
     ap.add_argument("--verbose", action="store_true")
     a = ap.parse_args()
-    if not os.path.isdir(a.stores) or not os.path.isdir(a.tools):
+    if not os.path.isdir(STORES) or not os.path.isdir(TOOLS):
         print("no folders of stores and tools beside the sources; VELMORA_STORES and VELMORA_TOOLS name them")
-        return 77
-    sys.path.insert(0, a.tools)
+        return aids.SKIPPED
+    sys.path.insert(0, TOOLS)
     sys.setrecursionlimit(4000)
-    damage = os.path.join(a.tools, "damage.py")
+    damage = os.path.join(TOOLS, "damage.py")
     listed = subprocess.run([sys.executable, damage, "--list"], check=True, capture_output=True, text=True).stdout.split()
     sums = {case: collections.Counter() for case in [*listed, *OF_OUR_OWN]}
-    for path in sorted(p for p in glob.glob(os.path.join(a.stores, "*")) if p.endswith((".pst", ".ost"))):
+    for path in sorted(p for p in glob.glob(os.path.join(STORES, "*")) if p.endswith((".pst", ".ost"))):
         truth = Truth(path)
         with tempfile.TemporaryDirectory() as folder:
             subprocess.run([sys.executable, damage, path, folder, "--seed", a.seed] +

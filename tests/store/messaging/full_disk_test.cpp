@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "aids/shared_file.h"
 #include "store/format/property_tags.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/opened_store.h"
@@ -19,24 +20,6 @@ namespace {
 using output::Field;
 using output::ResultCode;
 using text::Text;
-
-/// A file whose bytes outlive the store.
-class SharedDisk : public platform::ByteStore {
- public:
-  explicit SharedDisk(std::shared_ptr<platform::ByteStore> disk) : disk_(std::move(disk)) {}
-  std::uint64_t Size() const override { return disk_->Size(); }
-  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return disk_->ReadAt(offset, out);
-  }
-  platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-    return disk_->WriteAt(offset, bytes);
-  }
-  platform::Result<void> Resize(std::uint64_t size) override { return disk_->Resize(size); }
-  platform::Result<void> Flush() override { return disk_->Flush(); }
-
- private:
-  std::shared_ptr<platform::ByteStore> disk_;
-};
 
 /// The subjects of a folder's items.
 using Contents = std::map<Text, std::multiset<Text>>;
@@ -159,8 +142,8 @@ struct Outcome {
 
 Outcome FillDisk(const std::shared_ptr<platform::ByteStore>& disk, const Mailbox& mailbox, int steps) {
   Outcome outcome;
-  const auto store =
-      StoreWriter::Create(std::make_unique<SharedDisk>(disk), u"Test store", {kTestEpoch, text::CodePage::Lossless()});
+  const auto store = StoreWriter::Create(std::make_unique<test::SharedFile>(disk), u"Test store",
+                                         {kTestEpoch, text::CodePage::Lossless()});
   outcome.filling = CodeOf([&] { Filler(*store, mailbox, outcome.saved).Fill(steps); });
   outcome.sealing = CodeOf([&] { store->Seal(); });
   return outcome;

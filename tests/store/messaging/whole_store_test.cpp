@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <random>
 
+#include "aids/shared_file.h"
 #include "platform/memory_file.h"
 #include "store/format/property_tags.h"
 #include "store/messaging/opened_store.h"
@@ -192,24 +193,6 @@ TEST_F(WholeStore, OfAProcessThatIsKilledOpensWithItsLastCommit) {
 
 // ---------------------------------------------------------------------------------------- failures
 
-/// Keeps the bytes of a failing file for a look after the store is gone.
-class SharedFile : public platform::ByteStore {
- public:
-  explicit SharedFile(std::shared_ptr<platform::MemoryFile> file) : file_(std::move(file)) {}
-  std::uint64_t Size() const override { return file_->Size(); }
-  platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    return file_->ReadAt(offset, out);
-  }
-  platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-    return file_->WriteAt(offset, bytes);
-  }
-  platform::Result<void> Resize(std::uint64_t size) override { return file_->Resize(size); }
-  platform::Result<void> Flush() override { return file_->Flush(); }
-
- private:
-  std::shared_ptr<platform::MemoryFile> file_;
-};
-
 /// Fails as a full disk does, once so many bytes are written.
 class FailingDisk : public platform::MemoryFile {
  public:
@@ -237,7 +220,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
     const auto expected = round % 2 == 0 ? ResultCode::STG_E_MEDIUMFULL : ResultCode::STG_E_WRITEFAULT;
     int saved = 0;
     {
-      const auto store = StoreWriter::Create(std::make_unique<SharedFile>(disk), u"Test store",
+      const auto store = StoreWriter::Create(std::make_unique<test::SharedFile>(disk), u"Test store",
                                              {kTestEpoch, text::CodePage::Lossless()});
       Folder& folder = store->AddFolder(store->Top(), u"Inbox", u"IPF.Note");
       ItemState item = NewItemState(*store);
@@ -275,7 +258,7 @@ TEST(FailingStore, RaisesOnceAndForAllAndKeepsWhatWasCommitted) {
       EXPECT_EQ(CodeOf([&] { store->Delete(folder, Nid{0x200024}); }), expected);
       EXPECT_EQ(CodeOf([&] { store->Seal(); }), expected);
     }
-    const auto store = OpenedStore::Open(std::make_unique<SharedFile>(disk));
+    const auto store = OpenedStore::Open(std::make_unique<test::SharedFile>(disk));
     Folder* folder = ChildOf(store->Top(), u"Inbox");
     if (folder == nullptr) continue;
     ++opened;
@@ -305,7 +288,7 @@ std::size_t CellsOf(const platform::MemoryFile& file) {
 TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
   const auto write = [](std::size_t maxTableBlocks, std::vector<output::FullTable>& full) {
     auto file = std::make_shared<platform::MemoryFile>();
-    const auto store = StoreWriter::Create(std::make_unique<SharedFile>(file), u"Test store",
+    const auto store = StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Test store",
                                            {kTestEpoch, text::CodePage::Lossless(), maxTableBlocks});
     Folder& folder = store->AddFolder(store->Top(), u"Inbox", u"IPF.Note");
     ItemState item = NewItemState(*store);
@@ -332,10 +315,11 @@ TEST(FullTable, IsToldWithItsFolderAndWhatItLacks) {
 
 TEST(FailingStore, ThatCannotEvenBeMadeSaysSo) {
   const auto disk = std::make_shared<FailingDisk>(1000, platform::FailureKind::kFull);
-  EXPECT_EQ(CodeOf([&] {
-              StoreWriter::Create(std::make_unique<SharedFile>(disk), u"x", {kTestEpoch, text::CodePage::Lossless()});
-            }),
-            ResultCode::STG_E_MEDIUMFULL);
+  EXPECT_EQ(
+      CodeOf([&] {
+        StoreWriter::Create(std::make_unique<test::SharedFile>(disk), u"x", {kTestEpoch, text::CodePage::Lossless()});
+      }),
+      ResultCode::STG_E_MEDIUMFULL);
 }
 
 }  // namespace
