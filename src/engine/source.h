@@ -16,6 +16,9 @@ namespace velmora::engine {
 /// time, so the list takes far less memory than what it lists.
 class BadRanges {
  public:
+  /// From the first offset to before the second.
+  using Range = std::pair<std::uint64_t, std::uint64_t>;
+
   /// A read of `length` bytes failed. Where it meets a stretch that is known already, that one is the cause,
   /// and nothing is added: the scans go over the whole source in small pieces, so theirs are the narrowest.
   void Add(std::uint64_t offset, std::uint64_t length);
@@ -23,11 +26,18 @@ class BadRanges {
   /// File offset of the first byte, and of the one behind the last.
   const std::map<std::uint64_t, std::uint64_t>& Ranges() const { return ranges_; }
 
+  /// The first stretch that ends behind the offset: the one that holds it, or one farther on.
+  std::optional<Range> EndingBehind(std::uint64_t offset) const;
+
+  /// The length of the stretch that ends at the offset; 0 where none does.
+  std::uint64_t BytesAheadOf(std::uint64_t offset) const;
+
  private:
   std::map<std::uint64_t, std::uint64_t> ranges_;
 };
 
-/// May be read by several threads at once; opened and closed by one.
+/// May be read by several threads at once; opened and closed by one. It has the size that it had when it was opened:
+/// what a file grows by meanwhile is not read, and what it loses cannot be read.
 class Source {
  public:
   void Open(std::unique_ptr<const platform::ByteSource> bytes) { bytes_ = std::move(bytes); }
@@ -43,7 +53,9 @@ class Source {
   [[nodiscard]] platform::Result<std::size_t> Read(std::uint64_t offset, std::span<std::byte> out) const;
 
   /// The same for a reader of large pieces: whatever of `out` cannot be read is zeros, so that one bad sector does not
-  /// hide what lies behind it. Returns how many bytes the source has there, those that cannot be read among them.
+  /// hide what lies behind it. A failing disk takes seconds to say so, so in a bad stretch the steps to the next try
+  /// grow with its length, and what they pass over counts as bad; a stretch that is known is not tried again. Returns
+  /// how many bytes the source has there, those that cannot be read among them.
   std::size_t ReadAround(std::uint64_t offset, std::span<std::byte> out) const;
 
   /// The first read that failed.
@@ -51,6 +63,11 @@ class Source {
   BadRanges Unread() const;
 
  private:
+  platform::Result<std::size_t> ReadBytes(std::uint64_t offset, std::span<std::byte> out) const;
+  std::size_t ReadUpToBad(std::uint64_t offset, std::span<std::byte> out) const;
+  std::size_t BytesToSkip(std::uint64_t offset, std::size_t most, std::uint64_t badAhead) const;
+  void NoteBad(std::uint64_t offset, std::uint64_t length, const platform::Failure& failure) const;
+
   std::unique_ptr<const platform::ByteSource> bytes_;
   mutable std::mutex mutex_;  ///< guards what follows
   mutable std::optional<platform::Failure> firstFailure_;

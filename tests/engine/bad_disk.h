@@ -27,6 +27,7 @@ class BadDisk : public platform::ByteSource {
     bytesRead.fetch_add(out.size(), std::memory_order_relaxed);
     for (const auto& [from, to] : bad_) {
       if (offset < to && offset + out.size() > from) {
+        failures.fetch_add(1, std::memory_order_relaxed);
         return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad sector"});
       }
     }
@@ -34,6 +35,7 @@ class BadDisk : public platform::ByteSource {
   }
 
   mutable std::atomic<int> reads = 0;
+  mutable std::atomic<int> failures = 0;
   mutable std::atomic<std::uint64_t> bytesRead = 0;
 
  private:
