@@ -77,6 +77,26 @@ TEST_F(CompleteConversionRun, BadSectorsWhereNothingStandsAreToldAndNoLoss) {
   EXPECT_EQ(report_["evidence"]["unread"].size(), 1u);
 }
 
+TEST_F(CompleteConversionRun, ALongBadStretchCostsTheMessageInIt) {
+  forge::Mailbox box({.fullLength = true});
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .containerClass = u"IPF.Note"});
+  box.AddMessage(inbox, {.subject = u"Ahead", .plain = u"one"});
+  const std::uint64_t begin = box.store().End() + 100'000;
+  box.AddMessage(inbox, {.subject = u"In it", .attachments = {{.name = u"a", .data = forge::Noise(8 << 20, 1)}}});
+  const std::uint64_t end = box.store().End() - 100'000;
+  box.AddMessage(inbox, {.subject = u"Behind", .plain = u"two"});
+  box.Finish().Save(Source());
+  const std::vector<engine::BadPlace> bad = {{begin, end}};
+  EXPECT_EQ(Run(engine::OpenBadDisk(bad)), ExitCode::kLosses);
+  EXPECT_EQ(report_["items"], nlohmann::json::parse(R"({"IPM.Note":{"live":3,"whole":2,"partial":1,"lost":0}})"));
+  EXPECT_EQ(report_["losses"][0]["subject"], "In it");
+  ASSERT_EQ(report_["evidence"]["unread"].size(), 1u) << report_["evidence"]["unread"];
+  const auto& unread = report_["evidence"]["unread"][0];
+  EXPECT_LE(unread["from"], begin);
+  EXPECT_GE(unread["to"], end);
+  EXPECT_LT(report_["evidence"]["unreadBytes"], end - begin + 2 * 4096);
+}
+
 TEST_F(CompleteConversionRun, AHeaderThatCannotBeReadIsNotNeeded) {
   const std::vector<engine::BadPlace> bad = {{0, 1}};
   EXPECT_EQ(Run(engine::OpenBadDisk(bad)), ExitCode::kDone) << said_;
