@@ -203,20 +203,6 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
   return attachment;
 }
 
-/// The sub-node of an attachment that its property names; in one without any data, the message that lies there.
-std::optional<ndb::SubnodeEntry> MessageCopier::ObjectOf(ltp::PropertyContext& attachment) {
-  if (const auto object = attachment.ReadObject(tag::kAttachDataObject)) {
-    auto subnode = attachment.FindSubnode(object->nid);
-    if (subnode) return subnode;
-    RaiseCorrupt({ObjectKind::kSubnode, object->nid}, Value(object->nid), "the attachment's object is not there");
-  }
-  if (attachment.Find(IdOf(tag::kAttachDataObject)) != nullptr) return std::nullopt;
-  for (const ndb::SubnodeEntry& subnode : attachment.Subnodes()) {
-    if (TypeOf(subnode.nid) == NidType::kNormalMessage) return subnode;
-  }
-  return std::nullopt;
-}
-
 /// The sub-node that an attachment's data are: a message, or whatever else another program has put there.
 void MessageCopier::CopyObject(ltp::PropertyContext& from, int depth, PropertyBag& out, Missing& missing) {
   const auto subnode = ObjectOf(from);

@@ -40,7 +40,6 @@ class MessageCopier {
   void CopyAttachments(Opened& from, const MessageParts& parts, CopiedMessage& out);
   messaging::PropertyBag CopyAttachment(Opened& from, ltp::PropertyContext& context, const ndb::Faults& faults,
                                         Missing& missing);
-  static std::optional<ndb::SubnodeEntry> ObjectOf(ltp::PropertyContext& attachment);
   void CopyObject(ltp::PropertyContext& from, int depth, messaging::PropertyBag& out, Missing& missing);
   ndb::WrittenNode CopyNode(const ndb::NodeTrees& trees, ndb::Faults* faults, int depth);
   messaging::PropertyBag CopyRow(ltp::TableContext& table, std::size_t row, const text::CodePage& page, Owner owner,

@@ -107,6 +107,21 @@ TEST_P(CompareTest, AnEmbeddedMessageThatIsAnotherIsNamed) {
   ExpectOneDifference("6901");
 }
 
+TEST_P(CompareTest, AnEmbeddedMessageThatNoPropertyNamesIsComparedToo) {
+  const auto withInner = [](std::int32_t value) {
+    return [value](forge::Message& message) {
+      const forge::Message inner = Mail(u"Inner", {Int32(0x6901, value)});
+      message.attachments = {{.embedded = std::make_shared<const forge::Message>(inner), .bare = true}};
+    };
+  };
+  Copy(Forge(withInner(1)));
+  Compare();
+  for (const Difference& difference : account_.differences) ADD_FAILURE() << difference.what;
+  source_ = std::make_unique<StoreObjects>(Forge(withInner(2)));
+  Compare();
+  ExpectOneDifference("6901");
+}
+
 TEST_P(CompareTest, AMessageThatIsMissingIsNamed) {
   Copy(Forge());
   forge::Mailbox box = NewBox();

@@ -58,6 +58,7 @@ Bid Best(const EvidenceView& view, const MessageFacts& message, const SubnodeLis
 struct Candidate {
   bool failsSize = false;
   std::uint64_t distance = 0;
+  bool isOnRareSide = false;  ///< of the message, for this store
   std::uint32_t message = 0;
   std::uint32_t list = 0;
   friend auto operator<=>(const Candidate&, const Candidate&) = default;
@@ -75,9 +76,14 @@ class Neighbours {
  public:
   Neighbours(const EvidenceView& view, const SubnodeLists& lists, TreeSizes& sizes)
       : view_(view), lists_(lists), sizes_(sizes) {
+    std::int64_t above = 0;
     for (const NodeClaim& claim : view.Judged().nodes) {
-      if (IsInUse(claim.standing)) taken_.insert(Canonical(claim.node.trees.bidSub));
+      if (!IsInUse(claim.standing)) continue;
+      const ndb::NodeTrees& trees = claim.node.trees;
+      taken_.insert(Canonical(trees.bidSub));
+      if (velmora::IsMessage(claim.node.nid) && trees.bidSub != kNoBid) above += trees.bidSub > trees.bidData ? 1 : -1;
     }
+    isListAbove_ = above > 0;
     for (std::uint32_t i = 0; i < lists.All().size(); ++i) {
       if (!lists.All()[i].hasValues) keyless_.push_back(i);
     }
@@ -98,7 +104,8 @@ class Neighbours {
     if (taken_.contains(bid) || (view_.IsFreed(bid) && !view_.IsFreed(message.bid))) return;
     const bool failsSize = sizes_.Of({message.bid, bid}) != message.size;
     const std::uint64_t distance = Distance(message.bid, bid);
-    if (!failsSize || distance <= kNear) candidates_.push_back({failsSize, distance, number, list});
+    const bool isOnRareSide = (bid > message.bid) != isListAbove_;
+    if (!failsSize || distance <= kNear) candidates_.push_back({failsSize, distance, isOnRareSide, number, list});
   }
 
   void Take(std::vector<Bid>& listOf) {
@@ -114,6 +121,7 @@ class Neighbours {
   const SubnodeLists& lists_;
   TreeSizes& sizes_;
   std::unordered_set<Bid> taken_;
+  bool isListAbove_ = false;  ///< most programs write the list of a message ahead of it, others behind it
   std::vector<std::uint32_t> keyless_;
   std::vector<Candidate> candidates_;
 };

@@ -4,7 +4,9 @@
 // (found_tree.h); an entry whose block is freed is an older version whatever its leaf says. Where the leaf of a node is
 // gone, the newest of its older entries stands in whose blocks are in use, else the newest that is complete.
 #include <algorithm>
+#include <array>
 #include <tuple>
+#include <unordered_map>
 
 #include "engine/evidence/block_status.h"
 #include "engine/evidence/complete_nodes.h"
@@ -63,11 +65,41 @@ class NodeJudge {
       const NbtEntry entry = DecodeNbtEntry(bytes, *evidence_.layout);
       if (entry.nid == kNoNid) return;
       const ndb::NodeTrees trees{Canonical(entry.bidData), Canonical(entry.bidSub)};
-      // Of a hurt page an entry counts if its blocks are there.
-      const bool isLikely = evidence_.Find(trees.bidData) != nullptr && IsNoneOrFound(trees.bidSub);
-      if (page.found.grade == Grade::kHurt && !isLikely) return;
+      if (page.found.grade == Grade::kHurt) {
+        if (evidence_.Find(trees.bidData) == nullptr || !IsNoneOrFound(trees.bidSub)) return;
+        ofHurtPages_.push_back(claims_.size());
+      }
       claims_.push_back({{entry.nid, trees, entry.nidParent}, StandingOf(shade)});
     });
+    DropContradicted();
+  }
+
+  /// Of a hurt page an entry counts if its blocks are there, and that of a message only if no entry of a whole
+  /// page has one of them with another beside it: a wrong bit leads to blocks of somebody else. Messages are found
+  /// without an entry; a folder by the name of another one still holds its own.
+  void DropContradicted() {
+    if (ofHurtPages_.empty()) return;
+    std::unordered_map<Bid, const NodeClaim*> userOf;  // of data and of lists, whose ids differ
+    auto hurt = ofHurtPages_.begin();
+    for (std::size_t i = 0; i < claims_.size(); ++i) {
+      if (hurt != ofHurtPages_.end() && *hurt == i) {
+        ++hurt;
+      } else if (IsInUse(claims_[i].standing)) {
+        userOf.emplace(claims_[i].node.trees.bidData, &claims_[i]);
+        userOf.emplace(claims_[i].node.trees.bidSub, &claims_[i]);
+      }
+    }
+    userOf.erase(kNoBid);
+    const auto isContradicted = [&](const ndb::NodeEntry& node) {
+      return std::ranges::any_of(std::array{node.trees.bidData, node.trees.bidSub}, [&](Bid bid) {
+        const auto user = userOf.find(bid);
+        return user != userOf.end() && user->second->node.nid != node.nid && user->second->node.trees != node.trees;
+      });
+    };
+    for (const std::size_t i : ofHurtPages_) {
+      if (IsMessage(claims_[i].node.nid) && isContradicted(claims_[i].node)) claims_[i].node.nid = kNoNid;
+    }
+    std::erase_if(claims_, [](const NodeClaim& claim) { return claim.node.nid == kNoNid; });
   }
 
   static Standing StandingOf(Shade shade) {
@@ -177,6 +209,7 @@ class NodeJudge {
   EvidenceBlocks blocks_;
   CompleteNodes complete_{blocks_};
   std::vector<NodeClaim> claims_;
+  std::vector<std::size_t> ofHurtPages_;  ///< of claims_, as they were collected
 };
 
 }  // namespace
