@@ -40,6 +40,12 @@ void BadRanges::Add(std::uint64_t offset, std::uint64_t length) {
   }
 }
 
+void Source::Open(std::unique_ptr<const platform::ByteSource> bytes) {
+  bytes_ = std::move(bytes);
+  firstFailure_.reset();
+  unread_ = {};
+}
+
 platform::Result<std::size_t> Source::Read(std::uint64_t offset, std::span<std::byte> out) const {
   if (!IsOffset(offset) || bytes_ == nullptr) {
     return tl::unexpected(

@@ -30,7 +30,8 @@ class BadRanges {
 /// May be read by several threads at once; opened and closed by one.
 class Source {
  public:
-  void Open(std::unique_ptr<const platform::ByteSource> bytes) { bytes_ = std::move(bytes); }
+  /// Forgets what was known of another one.
+  void Open(std::unique_ptr<const platform::ByteSource> bytes);
 
   /// What could not be read stays known.
   void Close() { bytes_.reset(); }
