@@ -66,6 +66,7 @@ class MarkSeeker {
   void Sweep(const Look& look) {
     SourceWindow window(source_);
     Stretch stretch;
+    mostSummed_ = size_ * kTimesSummed;
     for (std::uint64_t begin = 0; begin < size_; begin += kStep) {
       run_.control.PausePoint();
       stretch.base = begin - std::min(begin, kReachOfPass);
@@ -161,8 +162,7 @@ class MarkSeeker {
     Sweep([&](const Stretch& stretch, std::uint64_t begin, std::uint64_t stop) {
       for (std::uint64_t end = begin + 1; end <= stop; ++end) {
         for (const Generation* layout : kLayouts) {
-          const auto mark = BlockThatEnds(stretch, end, *layout);
-          if (!mark || mark->id >= kLikelyBid) continue;
+          if (!BlockThatEnds(stretch, end, *layout, kLikelyBid)) continue;
           const Alignment alignment{layout->formatId, end % layout->slotSize};
           if (++seen[alignment] < kTellingBlocks) continue;
           found.insert(alignment);
@@ -179,15 +179,16 @@ class MarkSeeker {
     std::uint64_t end = begin / layout.slotSize * layout.slotSize + rest;
     if (end <= begin) end += layout.slotSize;
     for (; end <= stop; end += layout.slotSize) {
-      if (const auto mark = BlockThatEnds(stretch, end, layout)) Take(*mark);
+      if (const auto mark = BlockThatEnds(stretch, end, layout, kBidLimit)) Take(*mark);
     }
   }
 
-  std::optional<Mark> BlockThatEnds(const Stretch& stretch, std::uint64_t end, const Generation& layout) {
+  std::optional<Mark> BlockThatEnds(const Stretch& stretch, std::uint64_t end, const Generation& layout,
+                                    std::uint64_t bidLimit) {
     const auto tail = stretch.Ending(end, layout.blockTrailerSize);
     if (tail.empty()) return std::nullopt;
     const std::optional<SeenTrailer> seen = SeeTrailer(tail, end, layout);
-    if (!seen || seen->trailer.dwCRC == 0) return std::nullopt;
+    if (!seen || seen->trailer.dwCRC == 0 || Value(seen->trailer.bid) >= bidLimit) return std::nullopt;
     const auto place = stretch.Ending(end, end - seen->start);
     if (place.empty() || !MaySum(seen->trailer.cb)) return std::nullopt;
     if (seen->trailer.dwCRC != WeakCrc(place.first(seen->trailer.cb))) return std::nullopt;
@@ -203,7 +204,7 @@ class MarkSeeker {
   const Source& source_;
   RunContext& run_;
   std::uint64_t size_;
-  std::uint64_t mostSummed_ = size_ * kTimesSummed;
+  std::uint64_t mostSummed_ = 0;  ///< bytes, in this sweep
   std::uint64_t headersRead_ = 0;
   std::map<Alignment, std::uint64_t> nextPlace_;
   std::map<Alignment, std::uint64_t> pagesAt_;

@@ -11,8 +11,9 @@
 namespace velmora::engine {
 namespace {
 
-/// Beginnings that are followed: each mark is held against them.
+/// Beginnings that are followed, as each mark is held against them; of these, those that headers and maps tell.
 constexpr std::size_t kMostOrigins = 256;
+constexpr std::size_t kMostTold = 128;
 
 /// Marks without an origin that are looked at together, and how many of the first of them are asked for theirs.
 constexpr std::size_t kWindow = 256;
@@ -47,7 +48,7 @@ class OriginSearch {
   bool IsPossible(Origin origin) const { return origin >= 0 || static_cast<std::uint64_t>(-origin) <= mostMissing_; }
 
   void Add(Origin origin) {
-    if (found_.origins.size() == kMostOrigins || !IsPossible(origin)) return;
+    if (found_.origins.size() == kMostTold || !IsPossible(origin)) return;
     if (std::ranges::find(found_.origins, origin) == found_.origins.end()) found_.origins.push_back(origin);
   }
 

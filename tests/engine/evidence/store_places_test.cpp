@@ -1,0 +1,182 @@
+// Where stores lie in a file whose front is missing, that begins with something else, or that holds several of them.
+#include <gmock/gmock.h>
+
+#include "engine/evidence/evidence_fixture.h"
+#include "engine/evidence/store_places.h"
+#include "store/format/header.h"
+
+namespace velmora::engine {
+namespace {
+
+using forge::Bytes;
+
+Bytes operator+(Bytes one, const Bytes& other) {
+  one.insert(one.end(), other.begin(), other.end());
+  return one;
+}
+
+Bytes Without(Bytes bytes, std::size_t front) {
+  bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(front));
+  return bytes;
+}
+
+class StorePlacesTest : public testing::TestWithParam<forge::Format> {
+ protected:
+  static forge::Image Store(int messages) {
+    forge::Mailbox box({.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k, .entriesPerPage = 5},
+                       {.tables = true});
+    FillMailbox(box, messages);
+    return box.Finish();
+  }
+  static Bytes WithoutHeader(forge::Image image) {
+    forge::WipeHeader(image);
+    return image.bytes;
+  }
+
+  std::vector<StorePlace> Find(const Bytes& bytes) {
+    Source source;
+    source.Open(std::make_unique<platform::MemoryFile>(bytes));
+    return FindStores(source, run_);
+  }
+  std::vector<Origin> Origins(const Bytes& bytes) {
+    std::vector<Origin> origins;
+    for (const StorePlace& store : Find(bytes)) origins.push_back(store.origin);
+    return origins;
+  }
+
+  RunContext run_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Formats, StorePlacesTest,
+                         testing::Values(forge::Format::kAnsi, forge::Format::kUnicode, forge::Format::kUnicode4k));
+
+TEST_P(StorePlacesTest, AWholeStoreIsAllOfTheFile) {
+  const Bytes store = Store(12).bytes;
+  const std::vector<StorePlace> found = Find(store);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].origin, 0);
+  EXPECT_EQ(found[0].from, 0U);
+  EXPECT_EQ(found[0].to, store.size());
+  EXPECT_TRUE(found[0].hasHeader);
+  EXPECT_GT(found[0].provenBytes, store.size() / 4);
+}
+
+TEST_P(StorePlacesTest, TheFrontMayBeMissingUpToAnyByte) {
+  const Bytes store = Store(12).bytes;
+  for (const std::size_t missing : {512U, 4096U, 0x4400U, 0x5001U, 0x6007U, 0x7800U}) {
+    const std::vector<StorePlace> found = Find(Without(store, missing));
+    ASSERT_EQ(found.size(), 1U) << missing;
+    EXPECT_EQ(found[0].origin, -static_cast<Origin>(missing));
+    EXPECT_EQ(found[0].from, 0U);
+    EXPECT_EQ(found[0].to, store.size() - missing);
+    EXPECT_FALSE(found[0].hasHeader);
+  }
+}
+
+TEST_P(StorePlacesTest, BlocksAloneTellHowMuchIsMissing) {
+  forge::Image image = Store(12);
+  forge::WipeTrees(image);
+  for (const std::size_t missing : {0x400U, 0x5001U, 0x6000U, 0x7801U}) {
+    EXPECT_EQ(Origins(Without(image.bytes, missing)), std::vector<Origin>{-static_cast<Origin>(missing)}) << missing;
+  }
+}
+
+TEST_P(StorePlacesTest, WhatStandsAheadOfAStoreIsNoPartOfIt) {
+  const Bytes store = Store(12).bytes;
+  for (const std::size_t ahead : {512U, 4096U, 63U * 512U, 1U, 777U, 100001U}) {
+    for (const Bytes& foreign : {Bytes(ahead), forge::Noise(ahead, 5)}) {
+      const std::vector<StorePlace> found = Find(foreign + store);
+      ASSERT_EQ(found.size(), 1U) << ahead;
+      EXPECT_EQ(found[0].origin, static_cast<Origin>(ahead));
+      EXPECT_EQ(found[0].from, ahead);
+      EXPECT_EQ(found[0].to, ahead + store.size());
+      EXPECT_TRUE(found[0].hasHeader);
+    }
+  }
+}
+
+TEST_P(StorePlacesTest, TwoStoresAreToldApartWithTheirHeadersAndWithout) {
+  const forge::Image first = Store(9);
+  const forge::Image second = Store(17);
+  for (const std::size_t between : {0U, 512U, 4097U}) {
+    const Origin behind = static_cast<Origin>(first.bytes.size() + between);
+    for (const Bytes& one : {first.bytes, WithoutHeader(first)}) {
+      for (const Bytes& other : {second.bytes, WithoutHeader(second)}) {
+        const std::vector<StorePlace> found = Find(one + forge::Noise(between, 3) + other);
+        ASSERT_EQ(found.size(), 2U) << between;
+        EXPECT_EQ(found[0].origin, 0);
+        EXPECT_LE(found[0].to, static_cast<std::uint64_t>(behind));
+        EXPECT_EQ(found[1].origin, behind);
+        EXPECT_EQ(found[1].from, static_cast<std::uint64_t>(behind));
+      }
+    }
+  }
+}
+
+TEST_P(StorePlacesTest, ASecondStoreWithoutItsFrontIsNoContinuationOfTheFirst) {
+  const forge::Image first = Store(9);
+  const forge::Image second = Store(40);
+  for (const std::size_t missing : {0x5000U, 0x6003U}) {
+    const std::vector<StorePlace> found = Find(first.bytes + Without(second.bytes, missing));
+    ASSERT_EQ(found.size(), 2U) << missing;
+    EXPECT_EQ(found[1].origin, static_cast<Origin>(first.bytes.size()) - static_cast<Origin>(missing));
+    EXPECT_GE(found[1].from, first.bytes.size());
+  }
+}
+
+TEST_P(StorePlacesTest, AStoreThatLostBytesFromItsMiddleIsOneStore) {
+  const Bytes store = Store(40).bytes;
+  const std::size_t half = store.size() / 2 / 512 * 512;
+  for (const std::size_t lost : {512U, 4096U, 777U}) {
+    Bytes cut = store;
+    cut.erase(cut.begin() + static_cast<std::ptrdiff_t>(half), cut.begin() + static_cast<std::ptrdiff_t>(half + lost));
+    EXPECT_EQ(Origins(cut), std::vector<Origin>{0}) << lost;
+    Bytes longer = store;
+    const Bytes noise = forge::Noise(lost, 9);
+    longer.insert(longer.begin() + static_cast<std::ptrdiff_t>(half), noise.begin(), noise.end());
+    EXPECT_EQ(Origins(longer), std::vector<Origin>{0}) << lost;
+  }
+}
+
+TEST_P(StorePlacesTest, AStoreThatIsAttachedToAMessageIsNoOther) {
+  forge::Mailbox box({.format = GetParam(), .encoding = forge::Encoding::kNone}, {.tables = true});
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  box.AddMessage(inbox, {.subject = u"Ahead", .plain = std::u16string(6000, u'a')});
+  box.AddMessage(inbox, {.subject = u"Holds a store", .attachments = {{.name = u"old.pst", .data = Store(12).bytes}}});
+  box.AddMessage(inbox, {.subject = u"Behind", .plain = std::u16string(6000, u'b')});
+  const Bytes outer = box.Finish().bytes;
+  const std::vector<StorePlace> found = Find(Bytes(4096) + outer);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].origin, 4096);
+}
+
+TEST_P(StorePlacesTest, NothingIsFoundWhereNoStoreIs) {
+  EXPECT_THAT(Find(forge::Noise(300000, 8)), testing::IsEmpty());
+  EXPECT_THAT(Find(Bytes(300000)), testing::IsEmpty());
+  EXPECT_THAT(Find({}), testing::IsEmpty());
+}
+
+TEST_P(StorePlacesTest, HeadersWithoutAStoreAreNone) {
+  const Bytes store = Store(12).bytes;
+  const Bytes header(store.begin(), store.begin() + 1024);
+  Bytes many;
+  for (int i = 0; i < 10000; ++i) many = i % 2 == 0 ? std::move(many) + header : std::move(many) + forge::ToBytes("!BDN");
+  const std::vector<StorePlace> found = Find(many + store);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].origin, static_cast<Origin>(many.size()));
+}
+
+TEST(MainStore, IsTheOneAtTheBeginningOfTheFileOrElseTheLargest) {
+  const auto store = [](Origin origin, std::uint64_t provenBytes) {
+    StorePlace place;
+    place.origin = origin;
+    place.provenBytes = provenBytes;
+    return place;
+  };
+  EXPECT_EQ(MainStore({store(0, 1), store(50, 9)}), 0U);
+  EXPECT_EQ(MainStore({store(-10, 1), store(50, 9)}), 1U);
+  EXPECT_EQ(MainStore({store(10, 9), store(50, 9)}), 0U);
+}
+
+}  // namespace
+}  // namespace velmora::engine
