@@ -13,6 +13,8 @@ namespace {
 
 using engine::NoticeKind;
 
+constexpr std::size_t kStoresNamed = 10;
+
 class CompleteRun {
  public:
   CompleteRun(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report)
@@ -44,13 +46,26 @@ class CompleteRun {
       throw engine::WorkerEnded{};
     }
     run_.BeginStage(2);
-    store_ = engine::ProvenStore::Prove(std::move(*source), request_.copy.deleted, run_);
+    store_ = engine::ProvenStore::Prove(std::move(*source), request_.copy.deleted, run_, request_.at);
+    report_.place = store_->Place();
+    report_.others = store_->Others();
     report_.storeKind = store_->Kind();
     if (!store_->IsStore() || store_->Kind() == engine::StoreKind::kPab) {
-      run_.Say(engine::Notice{NoticeKind::kNotValid, {}, {}});
+      run_.Say(engine::Notice{NoticeKind::kNotValid, {}, WhyNotValid()});
       throw engine::WorkerEnded{};
     }
     report_.format = store_->Format().formatId;
+  }
+
+  /// No store at all needs no more words.
+  platform::Failure WhyNotValid() const {
+    if (!request_.at || store_->IsStore()) return {};
+    std::string message = "no store begins at byte " + std::to_string(*request_.at);
+    if (!report_.others.empty()) message += ", but at " + std::to_string(report_.others.front().from);
+    for (std::size_t i = 1; i < std::min(report_.others.size(), kStoresNamed); ++i) {
+      message += ", " + std::to_string(report_.others[i].from);
+    }
+    return {platform::FailureKind::kNotFound, request_.source.string(), request_.at, message};
   }
 
   void MakeStore() {

@@ -47,6 +47,8 @@ TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
                                                "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
   EXPECT_TRUE(all.complete && all.hidden && all.deleted && all.verify && all.log && all.quiet && all.noProgress);
   EXPECT_EQ(all.codePage.WindowsNumber(), 932);
+  EXPECT_FALSE(alone.at);
+  EXPECT_EQ(std::get<Options>(Parse({"--complete", "--at", "12345678901", "a.ost", "out"})).at, 12345678901U);
   EXPECT_TRUE(std::get<Options>(Parse({"--complete", "--dry-run", "a.ost", "out"})).dryRun);
   EXPECT_FALSE(std::get<Options>(Parse({"a.ost", "out"})).complete);
 }
@@ -59,6 +61,7 @@ TEST(Options, OptionsThatDoNotGoTogetherAreNamed) {
       {{"--hidden", "a", "b"}, "--hidden needs --complete"},
       {{"--deleted", "a", "b"}, "--deleted needs --complete"},
       {{"--verify", "a", "b"}, "--verify needs --complete"},
+      {{"--at", "0", "a", "b"}, "--at needs --complete"},
   };
   for (const auto& [words, what] : mistakes) {
     const Answer answer = AnswerTo(words);
@@ -78,6 +81,8 @@ TEST(Options, MistakesEndWithTheCodeForUsage) {
                                                 {"a.ost"},
                                                 {"a", "b", "c"},
                                                 {"--odd", "a", "b"},
+                                                {"--complete", "--at", "-1", "a", "b"},
+                                                {"--complete", "--at", "x", "a", "b"},
                                                 {"a", "b", "--report"},
                                                 {"", "b"},
                                                 {"a", ""},

@@ -22,7 +22,7 @@ constexpr std::uint64_t kLargestTrailer = generations::kUnicode4k.blockTrailerSi
 constexpr std::uint64_t kSmallestTrailer = generations::kAnsi.blockTrailerSize;
 
 /// Marks are told apart by so many stretches of the file: beyond that only one of each stretch is kept.
-constexpr std::uint64_t kMostMarks = std::uint64_t{1} << 20;
+constexpr std::uint64_t kMostMarks = std::uint64_t{1} << 19;
 
 /// Headers that look like one are read as long as there are not more than this, and one in so many bytes.
 constexpr std::uint64_t kHeadersAnyway = 1024;
@@ -78,7 +78,7 @@ class MarkSeeker {
   /// Takes a mark, unless one that lies in the same way stands as near to it.
   void Take(const Mark& mark) {
     const Alignment alignment{mark.format, mark.place % LayoutOf(mark.format).slotSize};
-    if (const std::uint64_t apart = size_ / kMostMarks; apart >= kSector && mark.kind != MarkKind::kHeader) {
+    if (const std::uint64_t apart = size_ / kMostMarks; mark.kind != MarkKind::kHeader) {
       std::uint64_t& next = nextPlace_[alignment];
       if (mark.place < next && next - mark.place <= apart) return;
       next = mark.place + apart;
