@@ -120,12 +120,16 @@ class NamedPlaces {
     }
   }
 
+  /// Against what stands at that place, or over it.
   void Compare(const Bref& ref, MarkKind kind) {
     const auto offset = [this](const Mark* mark) { return OffsetOf(*mark, named_.origin); };
-    const auto at = std::ranges::lower_bound(named_.marks, ref.ib, {}, offset);
-    if (at == named_.marks.end() || offset(*at) != ref.ib) return;
-    const bool isRight = (*at)->kind == kind && ((*at)->id & ~std::uint64_t{1}) == (Value(ref.bid) & ~std::uint64_t{1});
-    ++(isRight ? seen_.right : seen_.wrong);
+    const auto behind = std::ranges::upper_bound(named_.marks, ref.ib, {}, offset);
+    if (behind == named_.marks.begin()) return;
+    const Mark& there = **std::prev(behind);
+    if (ref.ib - offset(&there) >= there.size) return;
+    const bool isSame = there.kind == kind && (kind == MarkKind::kPage ? there.id == Value(ref.bid)
+                                                                       : there.id == Value(Canonical(ref.bid)));
+    ++(isSame && offset(&there) == ref.ib ? seen_.right : seen_.wrong);
   }
 
   const Source& source_;

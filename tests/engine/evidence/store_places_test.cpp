@@ -33,6 +33,9 @@ class StorePlacesTest : public testing::TestWithParam<forge::Format> {
     return image.bytes;
   }
 
+  /// So many bytes behind where the first blocks stand.
+  static std::size_t Behind(std::size_t more) { return forge::TraitsOf(GetParam()).firstData + more; }
+
   std::vector<StorePlace> Find(const Bytes& bytes) {
     Source source;
     source.Open(std::make_unique<platform::MemoryFile>(bytes));
@@ -136,6 +139,72 @@ TEST_P(StorePlacesTest, AStoreThatLostBytesFromItsMiddleIsOneStore) {
     longer.insert(longer.begin() + static_cast<std::ptrdiff_t>(half), noise.begin(), noise.end());
     EXPECT_EQ(Origins(longer), std::vector<Origin>{0}) << lost;
   }
+}
+
+/// Without so many bytes behind an offset.
+Bytes Cut(Bytes bytes, std::size_t from, std::size_t lost) {
+  const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(from);
+  bytes.erase(begin, begin + static_cast<std::ptrdiff_t>(lost));
+  return bytes;
+}
+
+TEST_P(StorePlacesTest, WherePagesNameWhatStandsBehindALargeGapItIsOneStore) {
+  const std::vector<StorePlace> found = Find(Cut(Store(80).bytes, Behind(60 * 1024), 90 * 1024));
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].origin, 0);
+  EXPECT_FALSE(found[0].doubtfulFrom);
+}
+
+TEST_P(StorePlacesTest, WhereNothingNamesWhatStandsBehindALargeGapThatIsSaid) {
+  forge::Image image = Store(80);
+  forge::WipeTrees(image);
+  const std::size_t from = Behind(60 * 1024);
+  const std::vector<StorePlace> found = Find(Cut(image.bytes, from, 90 * 1024));
+  ASSERT_EQ(found.size(), 1U);
+  ASSERT_TRUE(found[0].doubtfulFrom);
+  EXPECT_GE(*found[0].doubtfulFrom, from);
+  EXPECT_LT(*found[0].doubtfulFrom, from + 70 * 1024);
+  EXPECT_EQ(found[0].to, image.bytes.size() - 90 * 1024);
+}
+
+TEST_P(StorePlacesTest, WherePagesNameOtherThingsItIsAnotherStoreEvenIfItsIdsGoOn) {
+  const Bytes first = WithoutHeader(Store(9));
+  forge::Mailbox box({.format = GetParam()}, {.tables = true});
+  box.AddMessage(box.AddFolder({.name = u"First"}), {.subject = u"Longer", .plain = std::u16string(1500, u'x')});
+  FillMailbox(box, 80);
+  const forge::Image second = box.Finish();
+  std::uint64_t newest = 0;
+  for (const forge::PlacedBlock& block : Store(9).blocks) newest = std::max(newest, block.bid);
+  std::uint64_t missing = first.size() + 100 * 1024;
+  for (const forge::PlacedBlock& block : second.blocks) {
+    if (block.bid <= newest + 1) missing = std::max(missing, block.offset + block.placeSize);
+  }
+  const std::vector<StorePlace> found = Find(first + Without(second.bytes, missing));
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found[0].origin, 0);
+  EXPECT_EQ(found[1].origin, static_cast<Origin>(first.size()) - static_cast<Origin>(missing));
+}
+
+TEST_P(StorePlacesTest, PartsOfItselfInTheWrongPlaceMakeNoOtherStore) {
+  const Bytes store = Store(80).bytes;
+  Bytes twice = store;
+  const auto at = [](auto begin, std::size_t more) { return begin + static_cast<std::ptrdiff_t>(Behind(more)); };
+  std::copy_n(at(store.begin(), 40 * 1024), 40 * 1024, at(twice.begin(), 120 * 1024));
+  EXPECT_EQ(Origins(twice), std::vector<Origin>{0});
+}
+
+TEST_P(StorePlacesTest, AStoreThatClaimsToLackMoreThanAFileCanIsNotLookedFor) {
+  forge::Image image = Store(12);
+  forge::WipeHeader(image);
+  for (const forge::PlacedPage& page : image.pages) forge::Fill(image, page.offset, forge::TraitsOf(GetParam()).pageSize);
+  const std::uint64_t map = forge::TraitsOf(GetParam()).firstMap;
+  Bytes claiming(image.bytes.begin(), image.bytes.end());
+  for (int i = 0; i < 200; ++i) {
+    Bytes page(forge::TraitsOf(GetParam()).pageSize, std::byte{0xFF});
+    forge::SealPage(GetParam(), page, 0x8484, map, (std::uint64_t{i % 2 == 0 ? 9U : 0x80000000U} << 32U) + 512U * static_cast<unsigned>(i), 0);
+    claiming = std::move(claiming) + page;
+  }
+  EXPECT_EQ(Origins(claiming), std::vector<Origin>{0});
 }
 
 TEST_P(StorePlacesTest, AStoreThatIsAttachedToAMessageIsNoOther) {
