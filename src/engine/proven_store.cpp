@@ -58,7 +58,8 @@ void ProvenStore::Look(std::shared_ptr<const platform::ByteSource> file, std::op
 
 void ProvenStore::LookAt(const std::shared_ptr<const platform::ByteSource>& file, Origin origin, std::uint64_t to,
                          RunContext& run) {
-  source_.Open(std::make_unique<PlacedBytes>(file, origin, to));
+  const std::uint64_t missing = origin < 0 ? static_cast<std::uint64_t>(-origin) : 0;
+  source_.Open(std::make_unique<PlacedBytes>(file, origin, to), missing);
   told_ = ReadHeader(source_);
   evidence_ = FindEvidence(source_, told_, run);
 }

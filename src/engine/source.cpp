@@ -40,8 +40,9 @@ void BadRanges::Add(std::uint64_t offset, std::uint64_t length) {
   }
 }
 
-void Source::Open(std::unique_ptr<const platform::ByteSource> bytes) {
+void Source::Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin) {
   bytes_ = std::move(bytes);
+  begin_ = begin;
   firstFailure_.reset();
   unread_ = {};
 }

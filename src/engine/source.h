@@ -30,14 +30,17 @@ class BadRanges {
 /// May be read by several threads at once; opened and closed by one.
 class Source {
  public:
-  /// Forgets what was known of another one.
-  void Open(std::unique_ptr<const platform::ByteSource> bytes);
+  /// Forgets what was known of another one. Ahead of `begin` there is nothing but zeros, and no need to look.
+  void Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin = 0);
 
   /// What could not be read stays known.
   void Close() { bytes_.reset(); }
 
   /// 0 while none is open.
   std::uint64_t Size() const { return bytes_ == nullptr ? 0 : bytes_->Size(); }
+
+  /// Where the bytes begin that are worth a look.
+  std::uint64_t Begin() const { return begin_; }
 
   /// Reads into `out` and returns how many bytes there were. A read that fails is kept with its range. An offset that
   /// no file can have (top bit set) is refused and is no bad place of the source.
@@ -53,6 +56,7 @@ class Source {
 
  private:
   std::unique_ptr<const platform::ByteSource> bytes_;
+  std::uint64_t begin_ = 0;
   mutable std::mutex mutex_;  ///< guards what follows
   mutable std::optional<platform::Failure> firstFailure_;
   mutable BadRanges unread_;

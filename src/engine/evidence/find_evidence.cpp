@@ -53,7 +53,7 @@ bool HasStrays(const Finds& finds) {
 void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
   if (HasLittleProven(finds)) {
     Finds again(*finds.layout, source.Size());
-    LookForShifted(source, 0, again, run);
+    LookForShifted(source, source.Begin(), again, run);
     if (again.Count() > finds.Count()) finds = std::move(again);
   } else if (HasUnprovenTail(finds)) {
     LookForShifted(source, finds.end, finds, run);
