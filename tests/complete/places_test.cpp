@@ -155,6 +155,59 @@ TEST_P(PlacesTest, AStoreWithoutItsFrontIsNotFilledUpFromTheOneBehindIt) {
   }
 }
 
+TEST_P(PlacesTest, WhatLiesBehindTheEndThatTheHeaderTellsIsNoPartOfTheStore) {
+  const Forged mine = Forge(u"Mine", 5);
+  const forge::Image other = Forge(u"Other", 15).image;
+  const forge::Bytes& bytes = other.bytes;
+  Bytes file = mine.Whole();
+  for (std::size_t i = other.blocks.size() - 2; i < other.blocks.size(); ++i) {
+    const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(other.blocks[i].offset);
+    file.insert(file.end(), begin, begin + static_cast<std::ptrdiff_t>(other.blocks[i].placeSize));
+  }
+  const auto store = Scan(file);
+  ASSERT_TRUE(store->Place());
+  EXPECT_EQ(store->Place()->to, mine.Whole().size());
+  EXPECT_THAT(store->Others(), testing::IsEmpty()) << "two blocks make no store";
+  EXPECT_EQ(store->Found().blocks.size(), mine.image.blocks.size());
+}
+
+TEST_P(PlacesTest, TheMapOfTheFileShowsTheFrontThatItLacks) {
+  const Forged forged = Forge(u"Mine");
+  const std::uint64_t missing = forged.begins[3];
+  CopyWrecked(Without(forged.Whole(), missing));
+  const FileMap& map = account_.fileMap;
+  EXPECT_EQ(map.cells.size(), (forged.Whole().size() + map.cellBytes - 1) / map.cellBytes);
+  EXPECT_EQ(static_cast<std::uint64_t>(std::ranges::count(map.cells, FileUse::kUnreadable)),
+            (missing + map.cellBytes - 1) / map.cellBytes);
+  EXPECT_EQ(map.cells.front(), FileUse::kUnreadable);
+}
+
+/// Counts the bytes that are read of it.
+class CountedFile : public platform::MemoryFile {
+ public:
+  CountedFile(forge::Bytes bytes, std::uint64_t& count) : MemoryFile(std::move(bytes)), count_(count) {}
+  Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
+    const auto read = MemoryFile::ReadAt(offset, out);
+    count_ += *read;
+    return read;
+  }
+
+ private:
+  std::uint64_t& count_;
+};
+
+TEST_P(PlacesTest, AWholeStoreIsLookedThroughOnce) {
+  const Bytes whole = Forge(u"Mine").Whole();
+  std::uint64_t count = 0;
+  const auto store = engine::ProvenStore::Prove(std::make_unique<CountedFile>(whole, count), false, run_);
+  EXPECT_FALSE(store->Place());
+  EXPECT_GE(count, whole.size());
+  EXPECT_LT(count, 2 * whole.size());
+  count = 0;
+  engine::ProvenStore::Prove(std::make_unique<CountedFile>(Bytes(512) + whole, count), false, run_);
+  EXPECT_GT(count, 4 * whole.size()) << "what this test is for could not be seen";
+}
+
 TEST_P(PlacesTest, TheStoreThatIsAskedForComesAcross) {
   const Forged mine = Forge(u"Mine", 5);
   const Forged other = Forge(u"Other", 15);
