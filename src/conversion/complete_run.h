@@ -29,7 +29,7 @@ struct CompleteRequest {
 
 struct CompleteReport {
   engine::StoreKind storeKind = engine::StoreKind::kNone;
-  std::optional<FormatId> format;  ///< nothing while no format was found
+  std::optional<FormatId> format;           ///< nothing while no format was found
   std::optional<engine::StorePlace> place;  ///< where in the file it lies, if it is not all of it
   std::vector<engine::StorePlace> others;   ///< that the file holds besides
   std::filesystem::path store;              ///< of the new store; empty while none was made

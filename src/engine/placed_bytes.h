@@ -14,7 +14,9 @@ class PlacedBytes : public platform::ByteSource {
   /// The store's first byte lies at `origin` of the file, or would if it is negative, and its last one ahead of `to`,
   /// which is not behind the end of the file.
   PlacedBytes(std::shared_ptr<const platform::ByteSource> file, std::int64_t origin, std::uint64_t to)
-      : file_(std::move(file)), origin_(static_cast<std::uint64_t>(origin)), missing_(origin < 0 ? 0 - origin_ : 0),
+      : file_(std::move(file)),
+        origin_(static_cast<std::uint64_t>(origin)),
+        missing_(origin < 0 ? 0 - origin_ : 0),
         size_(to - origin_) {}
 
   std::uint64_t Size() const override { return size_; }

@@ -17,8 +17,8 @@ namespace velmora::engine {
 /// Constant once it is made: any number of threads may read it then.
 class ProvenStore : public ndb::BlockSource {
  public:
-  /// Looks through a source. Without `deleted` what is no longer live is not looked for beyond what old pages name. With
-  /// `at` it is the store that begins there in the file. Says progress and passes pause points.
+  /// Looks through a source. Without `deleted` what is no longer live is not looked for beyond what old pages name.
+  /// With `at` it is the store that begins there in the file. Says progress and passes pause points.
   static std::unique_ptr<const ProvenStore> Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
                                                   RunContext& run, std::optional<std::uint64_t> at = {});
 

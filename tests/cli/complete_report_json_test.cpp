@@ -66,8 +66,9 @@ TEST(CompleteReportJson, TellsWhereTheStoreLiesInAFileThatIsMoreOrLess) {
   report.others = {other};
   EXPECT_EQ(Parsed(report)["place"],
             (Object{{"from", 0}, {"to", 9000}, {"missing", 512}, {"header", false}, {"doubtfulFrom", 7000}}));
-  EXPECT_EQ(Parsed(report)["otherStores"],
-            (Object::array({{{"from", 9000}, {"to", 20000}, {"missing", 0}, {"header", true}, {"doubtfulFrom", nullptr}}})));
+  EXPECT_EQ(
+      Parsed(report)["otherStores"],
+      (Object::array({{{"from", 9000}, {"to", 20000}, {"missing", 0}, {"header", true}, {"doubtfulFrom", nullptr}}})));
 }
 
 TEST(CompleteReportJson, GivesEachFateOfANodeItsName) {

@@ -43,8 +43,9 @@ TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
   const Options alone = std::get<Options>(Parse({"--complete", "a.ost", "out"}));
   EXPECT_TRUE(alone.complete);
   EXPECT_FALSE(alone.hidden || alone.deleted || alone.verify);
-  const Options all = std::get<Options>(Parse({"--complete", "--hidden", "--deleted", "--verify", "--codepage", "windows-932",
-                                               "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
+  const Options all =
+      std::get<Options>(Parse({"--complete", "--hidden", "--deleted", "--verify", "--codepage", "windows-932",
+                               "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
   EXPECT_TRUE(all.complete && all.hidden && all.deleted && all.verify && all.log && all.quiet && all.noProgress);
   EXPECT_EQ(all.codePage.WindowsNumber(), 932);
   EXPECT_FALSE(alone.at);
@@ -98,8 +99,9 @@ TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
   const Answer answer = AnswerTo({"--help"});
   EXPECT_EQ(answer.code, ExitCode::kDone);
   EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
-  for (const char* option : {"--complete", "--hidden", "--deleted", "--verify", "--smart", "--codepage NAME", "--report FILE",
-                             "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
+  for (const char* option :
+       {"--complete", "--hidden", "--deleted", "--verify", "--at OFFSET", "--smart", "--codepage NAME", "--report FILE",
+        "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
     EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
   }
   for (const ExitCodeRow& row : kExitCodes) EXPECT_THAT(answer.text, HasSubstr(std::string(row.meaning)));

@@ -37,8 +37,9 @@ TEST(PlaceWords, WhatCannotBeToldIsSaid) {
   conversion::CompleteReport report;
   report.place = PlaceOf(0, 0, 9000);
   report.place->doubtfulFrom = 7000;
-  EXPECT_THAT(PlaceLines(report), ElementsAre("nothing tells whether what lies from byte 7000 of the file on is of this "
-                                              "store or of another; it was read as a part of this one"));
+  EXPECT_THAT(PlaceLines(report),
+              ElementsAre("nothing tells whether what lies from byte 7000 of the file on is of this "
+                          "store or of another; it was read as a part of this one"));
 }
 
 TEST(PlaceWords, OtherStoresAreNamedWithTheWayToThemUpToTen) {

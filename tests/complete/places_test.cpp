@@ -71,7 +71,8 @@ class PlacesTest : public CompleteTest {
   Subjects CopiedOf(const Bytes& file, const CopyOptions& options = {}) {
     CopyWrecked(file, options);
     Subjects subjects;
-    for (const velmora::Nid nid : target_->Messages()) subjects.push_back(TextOf(target_->ItemOf(nid).properties, 0x0037));
+    for (const velmora::Nid nid : target_->Messages())
+      subjects.push_back(TextOf(target_->ItemOf(nid).properties, 0x0037));
     return subjects;
   }
 
@@ -81,8 +82,8 @@ class PlacesTest : public CompleteTest {
     EXPECT_TRUE(target_->Folders().contains(u"/Top of Personal Folders/Inbox")) << what;
   }
 
-  /// From a store that lacks all ahead of its fourth message, and so many bytes `more`, which are of an attachment; with
-  /// something behind it.
+  /// From a store that lacks all ahead of its fourth message, and so many bytes `more`, which are of an attachment;
+  /// with something behind it.
   void ExpectBehindThird(const Forged& forged, const Bytes& behind, const Bytes& store, std::uint64_t more) {
     const Subjects left(forged.subjects.begin() + 3, forged.subjects.end());
     EXPECT_THAT(CopiedOf(Without(store, forged.begins[3] + more) + behind), UnorderedElementsAreArray(left)) << more;
@@ -112,7 +113,8 @@ TEST_P(PlacesTest, WhatStandsAheadOfAStoreChangesNothing) {
     ExpectAll(forged, Bytes(ahead) + forged.Whole(), "zeros " + std::to_string(ahead));
     ExpectAll(forged, Noise(ahead, 4) + forged.Whole(), "noise " + std::to_string(ahead));
     ExpectAll(forged, FrontOfDisk(ahead) + forged.Whole(), "disk " + std::to_string(ahead));
-    ExpectAll(forged, FrontOfDisk(ahead) + forged.WithoutHeader() + Noise(5000, 6), "no header " + std::to_string(ahead));
+    ExpectAll(forged, FrontOfDisk(ahead) + forged.WithoutHeader() + Noise(5000, 6),
+              "no header " + std::to_string(ahead));
   }
 }
 

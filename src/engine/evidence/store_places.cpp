@@ -127,8 +127,8 @@ class NamedPlaces {
     if (behind == named_.marks.begin()) return;
     const Mark& there = **std::prev(behind);
     if (ref.ib - offset(&there) >= there.size) return;
-    const bool isSame = there.kind == kind && (kind == MarkKind::kPage ? there.id == Value(ref.bid)
-                                                                       : there.id == Value(Canonical(ref.bid)));
+    const bool isSame = there.kind == kind &&
+                        (kind == MarkKind::kPage ? there.id == Value(ref.bid) : there.id == Value(Canonical(ref.bid)));
     ++(isSame && offset(&there) == ref.ib ? seen_.right : seen_.wrong);
   }
 
@@ -140,7 +140,7 @@ class NamedPlaces {
 enum class Relation : std::uint8_t { kSame, kOther, kDoubtful };
 
 Relation RelationOf(const Source& source, const Span& span, const Span& next) {
-  if (next.toldSize || next.Format() != span.Format() || next.FirstOffset() < span.EndOffset()) return Relation::kOther;
+  if (next.Format() != span.Format() || next.FirstOffset() < span.EndOffset()) return Relation::kOther;
   if (Contradictions(span, next) >= kTellingContradictions) return Relation::kOther;
   const Origin apart = next.origin - span.origin;
   if (static_cast<std::uint64_t>(std::abs(apart)) <= kNear) return Relation::kSame;

@@ -1,8 +1,9 @@
 // Where stores lie in a file whose front is missing, that begins with something else, or that holds several of them.
+#include "engine/evidence/store_places.h"
+
 #include <gmock/gmock.h>
 
 #include "engine/evidence/evidence_fixture.h"
-#include "engine/evidence/store_places.h"
 #include "store/format/header.h"
 
 namespace velmora::engine {
@@ -23,8 +24,9 @@ Bytes Without(Bytes bytes, std::size_t front) {
 class StorePlacesTest : public testing::TestWithParam<forge::Format> {
  protected:
   static forge::Image Store(int messages) {
-    forge::Mailbox box({.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k, .entriesPerPage = 5},
-                       {.tables = true});
+    forge::Mailbox box(
+        {.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k, .entriesPerPage = 5},
+        {.tables = true});
     FillMailbox(box, messages);
     return box.Finish();
   }
@@ -193,18 +195,33 @@ TEST_P(StorePlacesTest, PartsOfItselfInTheWrongPlaceMakeNoOtherStore) {
   EXPECT_EQ(Origins(twice), std::vector<Origin>{0});
 }
 
-TEST_P(StorePlacesTest, AStoreThatClaimsToLackMoreThanAFileCanIsNotLookedFor) {
-  forge::Image image = Store(12);
-  forge::WipeHeader(image);
-  for (const forge::PlacedPage& page : image.pages) forge::Fill(image, page.offset, forge::TraitsOf(GetParam()).pageSize);
-  const std::uint64_t map = forge::TraitsOf(GetParam()).firstMap;
-  Bytes claiming(image.bytes.begin(), image.bytes.end());
-  for (int i = 0; i < 200; ++i) {
-    Bytes page(forge::TraitsOf(GetParam()).pageSize, std::byte{0xFF});
-    forge::SealPage(GetParam(), page, 0x8484, map, (std::uint64_t{i % 2 == 0 ? 9U : 0x80000000U} << 32U) + 512U * static_cast<unsigned>(i), 0);
-    claiming = std::move(claiming) + page;
+TEST_P(StorePlacesTest, BlocksOfOneIdWithOtherContentAreOfAnotherStore) {
+  forge::Mailbox many({.format = GetParam()}, {.tables = true});
+  const forge::Nid inbox = many.AddFolder({.name = u"Inbox"});
+  for (int i = 0; i < 60; ++i) many.AddMessage(inbox, {.subject = u"Small", .plain = u"Much is not in it"});
+  forge::Image first = many.Finish();
+  forge::WipeTrees(first);
+  forge::Mailbox few({.format = GetParam()}, {.tables = true});
+  for (std::uint32_t i = 0; i < 8; ++i) {
+    few.AddMessage(few.AddFolder({.name = u"Large"}),
+                   {.subject = u"Large", .attachments = {{.name = u"a.bin", .data = forge::Noise(100000, i)}}});
   }
-  EXPECT_EQ(Origins(claiming), std::vector<Origin>{0});
+  forge::Image second = few.Finish();
+  forge::WipeTrees(second);
+  const std::size_t missing = first.bytes.size() + 512;
+  EXPECT_EQ(Origins(first.bytes + Without(second.bytes, missing)), (std::vector<Origin>{0, -512}));
+}
+
+TEST_P(StorePlacesTest, WhereOffsetsBeginAnewItIsAnotherStoreWhateverItsIds) {
+  const auto blocks = [](forge::Bid first) {
+    forge::Store store({.format = GetParam()});
+    for (std::uint32_t i = 0; i < 20; ++i) store.AddBlock(forge::Noise(3000, i), {.bid = first + 4 * i});
+    forge::Image image = store.Finish();
+    forge::WipeTrees(image);
+    return image.bytes;
+  };
+  const Bytes first = blocks(4);
+  EXPECT_EQ(Origins(first + blocks(0x10000)), (std::vector<Origin>{0, static_cast<Origin>(first.size())}));
 }
 
 TEST_P(StorePlacesTest, AStoreThatIsAttachedToAMessageIsNoOther) {
@@ -229,10 +246,24 @@ TEST_P(StorePlacesTest, HeadersWithoutAStoreAreNone) {
   const Bytes store = Store(12).bytes;
   const Bytes header(store.begin(), store.begin() + 1024);
   Bytes many;
-  for (int i = 0; i < 10000; ++i) many = i % 2 == 0 ? std::move(many) + header : std::move(many) + forge::ToBytes("!BDN");
+  for (int i = 0; i < 10000; ++i)
+    many = i % 2 == 0 ? std::move(many) + header : std::move(many) + forge::ToBytes("!BDN");
   const std::vector<StorePlace> found = Find(many + store);
   ASSERT_EQ(found.size(), 1U);
   EXPECT_EQ(found[0].origin, static_cast<Origin>(many.size()));
+}
+
+TEST(FindOrigins, NoMoreIsTakenForMissingThanAFileOfItsSizeMayLack) {
+  const auto origins = [](std::uint64_t offset) {
+    Mark map;
+    map.kind = MarkKind::kMap;
+    map.id = offset;
+    return FindOrigins({map}, 1000).origins;
+  };
+  constexpr Origin kMost = (Origin{4} << 30) + 4000;
+  EXPECT_EQ(origins(kMost), (std::vector<Origin>{0, -kMost}));
+  EXPECT_EQ(origins(kMost + 512), std::vector<Origin>{0});
+  EXPECT_EQ(origins(~std::uint64_t{0}), std::vector<Origin>{0});
 }
 
 TEST(MainStore, IsTheOneAtTheBeginningOfTheFileOrElseTheLargest) {
