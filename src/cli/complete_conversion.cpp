@@ -1,8 +1,12 @@
 #include "cli/complete_conversion.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "cli/complete_report_html.h"
 #include "cli/complete_report_json.h"
 #include "cli/complete_result_text.h"
+#include "cli/place_words.h"
 #include "cli/result_text.h"
 
 namespace velmora::cli {
@@ -25,6 +29,7 @@ CompleteConversion::CompleteConversion(const Options& options, const text::Text&
   request_.copy.hidden = options.hidden;
   request_.copy.deleted = options.deleted;
   request_.copy.codePage = options.codePage;
+  request_.at = options.at;
   request_.verify = options.verify;
   request_.dryRun = options.dryRun;
   request_.log = options.log;
@@ -48,7 +53,11 @@ ExitCode CompleteConversion::CodeOfDone() const {
   return account.IsWhole() ? ExitCode::kDone : ExitCode::kLosses;
 }
 
-std::vector<std::string> CompleteConversion::Complaints() const { return DifferenceLines(report_.account); }
+std::vector<std::string> CompleteConversion::Complaints() const {
+  std::vector<std::string> lines = PlaceLines(report_);
+  std::ranges::move(DifferenceLines(report_.account), std::back_inserter(lines));
+  return lines;
+}
 
 std::string CompleteConversion::Result(bool isDone) const {
   // Of a run that could not write any further people want to know how far it came.

@@ -135,6 +135,14 @@ Json EvidenceJson(const conversion::CompleteReport& report) {
           {"unreadBytes", unreadBytes}};
 }
 
+Json PlaceJson(const engine::StorePlace& place) {
+  return {{"from", place.from},
+          {"to", place.to},
+          {"missing", place.Missing()},
+          {"header", place.hasHeader},
+          {"doubtfulFrom", place.doubtfulFrom ? Json(*place.doubtfulFrom) : Json(nullptr)}};
+}
+
 Json VerifyJson(const complete::Account& account) {
   Json differences = Json::array();
   for (const complete::Difference& difference : account.differences) {
@@ -154,6 +162,9 @@ std::string CompleteReportJson(const ReportFrame& frame, const conversion::Compl
   json.Add("schemaVersion", kSchemaVersion);
   json.Add("conversion", "complete");
   json.AddStores(frame, report.storeKind, report.format);
+  if (report.place) json.Add("place", PlaceJson(*report.place));
+  if (!report.others.empty()) json.AddList("otherStores", report.others, PlaceJson);
+  if (report.grownBy != 0) json.Add("grownBy", report.grownBy);
   json.Add("nodes", NodesJson(account));
   json.Add("items", ItemsJson(account));
   json.Add("folders", account.folders);

@@ -32,6 +32,7 @@ Options:
   --hidden           with --complete: hidden items too (rules, views, settings)
   --deleted          with --complete: messages too that were deleted and are still in the file
   --verify           with --complete: read the new store back and compare it with SOURCE
+  --at OFFSET        with --complete: the store that begins at this byte of SOURCE, which holds several
   --smart            Smart Scan: read every block, and recover messages without a node as well
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
   --report FILE      write a JSON report of the run ("-" for standard output); with --complete and a name
@@ -71,6 +72,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   app.add_flag("--hidden", options.hidden);
   app.add_flag("--deleted", options.deleted);
   app.add_flag("--verify", options.verify);
+  app.add_option("--at", options.at)->check(CLI::NonNegativeNumber);
   app.add_flag("--smart", options.smart);
   app.add_option("--codepage", codePage);
   app.add_option("--report", options.report);
@@ -99,6 +101,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   if (!options.complete && options.hidden) return mistake("--hidden needs --complete");
   if (!options.complete && options.deleted) return mistake("--deleted needs --complete");
   if (!options.complete && options.verify) return mistake("--verify needs --complete");
+  if (!options.complete && options.at) return mistake("--at needs --complete");
   if (options.dryRun && options.verify) return mistake("--verify cannot go with --dry-run, which writes no store");
   if (!codePage.empty()) {
     const auto found = text::CodePage::Find(codePage);

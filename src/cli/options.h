@@ -1,6 +1,8 @@
 // What the command line asks for.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -17,6 +19,7 @@ struct Options {
   bool hidden = false;
   bool deleted = false;
   bool verify = false;
+  std::optional<std::uint64_t> at;  ///< where in the source the store begins that is wanted
   text::CodePage codePage = text::CodePage::Lossless();
   std::string report;  ///< empty: none; "-": standard output
   std::string trace;   ///< empty: none

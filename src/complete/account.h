@@ -88,7 +88,7 @@ enum class FileUse : std::uint8_t {
   kLive,        ///< blocks in use
   kTree,        ///< pages of the trees and maps, and the header
   kFailed,      ///< blocks or pages whose checksum is wrong
-  kUnreadable,  ///< the system could not read it
+  kUnreadable,  ///< the system could not read it, or the file lacks it
 };
 
 /// The file from its beginning to its end, in cells of one size.

@@ -39,6 +39,7 @@ bool IsHurt(engine::Grade grade) { return grade == engine::Grade::kHurt || grade
 FileMap MapOf(const engine::ProvenStore& store) {
   const Generation& layout = store.Format();
   MapPainter painter(store.Bytes().Size());
+  if (store.Place()) painter.Paint(0, store.Place()->Missing(), FileUse::kUnreadable);
   if (store.Header()) painter.Paint(0, Header::kSize, FileUse::kTree);
   for (const engine::FoundPage& page : store.Found().pages) {
     painter.Paint(page.offset, layout.pageSize, IsHurt(page.grade) ? FileUse::kFailed : FileUse::kTree);

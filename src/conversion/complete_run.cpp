@@ -13,6 +13,8 @@ namespace {
 
 using engine::NoticeKind;
 
+constexpr std::size_t kStoresNamed = 10;
+
 class CompleteRun {
  public:
   CompleteRun(const CompleteRequest& request, engine::RunContext& run, CompleteReport& report)
@@ -43,14 +45,28 @@ class CompleteRun {
       run_.Say(engine::Notice{NoticeKind::kSourceNotOpened, {}, source.error()});
       throw engine::WorkerEnded{};
     }
+    openedSize_ = (*source)->Size();
     run_.BeginStage(2);
-    store_ = engine::ProvenStore::Prove(std::move(*source), request_.copy.deleted, run_);
+    store_ = engine::ProvenStore::Prove(std::move(*source), request_.copy.deleted, run_, request_.at);
+    report_.place = store_->Place();
+    report_.others = store_->Others();
     report_.storeKind = store_->Kind();
     if (!store_->IsStore() || store_->Kind() == engine::StoreKind::kPab) {
-      run_.Say(engine::Notice{NoticeKind::kNotValid, {}, {}});
+      run_.Say(engine::Notice{NoticeKind::kNotValid, {}, WhyNotValid()});
       throw engine::WorkerEnded{};
     }
     report_.format = store_->Format().formatId;
+  }
+
+  /// No store at all needs no more words.
+  platform::Failure WhyNotValid() const {
+    if (!request_.at || store_->IsStore()) return {};
+    std::string message = "no store begins at byte " + std::to_string(*request_.at);
+    if (!report_.others.empty()) message += ", but at " + std::to_string(report_.others.front().from);
+    for (std::size_t i = 1; i < std::min(report_.others.size(), kStoresNamed); ++i) {
+      message += ", " + std::to_string(report_.others[i].from);
+    }
+    return {platform::FailureKind::kNotFound, request_.source.string(), request_.at, message};
   }
 
   void MakeStore() {
@@ -136,6 +152,9 @@ class CompleteRun {
     } catch (const engine::RunStopped&) {
       end = RunEnd::kStopped;
     }
+    std::error_code isGone;
+    const std::uint64_t sizeNow = std::filesystem::file_size(request_.source, isGone);
+    if (!isGone && openedSize_ && sizeNow > *openedSize_) report_.grownBy = sizeNow - *openedSize_;
     if (store_ != nullptr) {
       report_.readFailure = store_->Bytes().FirstFailure();
       const engine::BadRanges unread = store_->Bytes().Unread();
@@ -150,6 +169,7 @@ class CompleteRun {
   engine::RunContext& run_;
   CompleteReport& report_;
   RunLogFile log_;
+  std::optional<std::uint64_t> openedSize_;           ///< of the source; nothing until it is open
   std::unique_ptr<const engine::ProvenStore> store_;  ///< null until the source is open and looked through
   std::shared_ptr<messaging::StoreWriter> target_;
   bool isCopied_ = false;  ///< to its end

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/placed_bytes.h"
 #include "store/format/byte_view.h"
 #include "store/format/header.h"
 #include "store/format/store_nodes.h"
@@ -17,11 +18,9 @@ bool IsTaken(const NodeClaim& claim) {
 }  // namespace
 
 std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
-                                                      RunContext& run) {
+                                                      RunContext& run, std::optional<std::uint64_t> at) {
   std::unique_ptr<ProvenStore> store(new ProvenStore());
-  store->source_.Open(std::move(bytes));
-  store->told_ = ReadHeader(store->source_);
-  store->evidence_ = FindEvidence(store->source_, store->told_, run);
+  store->Look(std::move(bytes), at, run);
   if (!store->IsStore()) return store;
   store->judgement_ = JudgeNodes(store->source_, store->evidence_, store->told_, run);
   if (deleted || !store->judgement_.nodesAreExact) {
@@ -33,6 +32,36 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
   store->GatherNodes();
   store->FindKind();
   return store;
+}
+
+/// Where the store lies is asked only if the file does not look like a store from its first byte to its last.
+void ProvenStore::Look(std::shared_ptr<const platform::ByteSource> file, std::optional<std::uint64_t> at,
+                       RunContext& run) {
+  const std::uint64_t size = file->Size();
+  LookAt(file, 0, size, run);
+  if (!at && !evidence_.hasStrays) return;
+  others_ = FindStores(source_, run);
+  auto chosen = others_.begin();
+  if (at) {
+    chosen = std::ranges::find(others_, *at, &StorePlace::from);
+    if (chosen == others_.end()) evidence_ = {};
+  } else if (!others_.empty()) {
+    chosen += static_cast<std::ptrdiff_t>(MainStore(others_));
+  }
+  if (chosen == others_.end()) return;
+  const StorePlace place = *chosen;
+  others_.erase(chosen);
+  if (place.origin == 0 && place.to == size && !place.doubtfulFrom) return;
+  place_ = place;
+  if (place.origin != 0 || place.to != size) LookAt(file, place.origin, place.to, run);
+}
+
+void ProvenStore::LookAt(const std::shared_ptr<const platform::ByteSource>& file, Origin origin, std::uint64_t to,
+                         RunContext& run) {
+  const std::uint64_t missing = origin < 0 ? static_cast<std::uint64_t>(-origin) : 0;
+  source_.Open(std::make_unique<PlacedBytes>(file, origin, to), missing);
+  told_ = ReadHeader(source_);
+  evidence_ = FindEvidence(source_, told_, run);
 }
 
 void ProvenStore::GatherNodes() {

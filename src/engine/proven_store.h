@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/evidence/evidence.h"
+#include "engine/evidence/store_places.h"
 #include "engine/heap_evidence.h"
 #include "engine/run.h"
 #include "engine/source.h"
@@ -17,9 +18,9 @@ namespace velmora::engine {
 class ProvenStore : public ndb::BlockSource {
  public:
   /// Looks through a source. Without `deleted` what is no longer live is not looked for beyond what old pages name.
-  /// Says progress and passes pause points.
+  /// With `at` it is the store that begins there in the file. Says progress and passes pause points.
   static std::unique_ptr<const ProvenStore> Prove(std::unique_ptr<const platform::ByteSource> bytes, bool deleted,
-                                                  RunContext& run);
+                                                  RunContext& run, std::optional<std::uint64_t> at = {});
 
   /// False where nothing in the source proves to be of a store: it has no format then, and no nodes.
   bool IsStore() const { return evidence_.layout != nullptr; }
@@ -39,7 +40,12 @@ class ProvenStore : public ndb::BlockSource {
   const std::vector<ndb::NodeEntry>& Nodes() const { return nodes_; }
 
   StoreKind Kind() const { return kind_; }
+  /// All of the file, or the part of it that is this store: every offset counts from the beginning of the store.
   const Source& Bytes() const { return source_; }
+  /// Where it lies in the file, if it is not all of it.
+  const std::optional<StorePlace>& Place() const { return place_; }
+  /// The other stores that the file holds. Nothing of them is in this one.
+  const std::vector<StorePlace>& Others() const { return others_; }
   const std::optional<ToldByHeader>& Header() const { return told_; }
   const Evidence& Found() const { return evidence_; }
   /// Of both, the claims that are left are those of nodes that are not live.
@@ -48,10 +54,15 @@ class ProvenStore : public ndb::BlockSource {
 
  private:
   ProvenStore() = default;
+  void Look(std::shared_ptr<const platform::ByteSource> file, std::optional<std::uint64_t> at, RunContext& run);
+  void LookAt(const std::shared_ptr<const platform::ByteSource>& file, Origin origin, std::uint64_t to,
+              RunContext& run);
   void GatherNodes();
   void FindKind();
 
   Source source_;
+  std::optional<StorePlace> place_;
+  std::vector<StorePlace> others_;
   std::optional<ToldByHeader> told_;
   Evidence evidence_;
   Judgement judgement_;

@@ -56,6 +56,13 @@ std::uint64_t BadRanges::BytesAheadOf(std::uint64_t offset) const {
   return offset - std::prev(next)->first;
 }
 
+void Source::Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin) {
+  bytes_ = std::move(bytes);
+  begin_ = begin;
+  firstFailure_.reset();
+  unread_ = {};
+}
+
 platform::Result<std::size_t> Source::Read(std::uint64_t offset, std::span<std::byte> out) const {
   if (!IsOffset(offset) || bytes_ == nullptr) {
     return tl::unexpected(

@@ -40,13 +40,17 @@ class BadRanges {
 /// what a file grows by meanwhile is not read, and what it loses cannot be read.
 class Source {
  public:
-  void Open(std::unique_ptr<const platform::ByteSource> bytes) { bytes_ = std::move(bytes); }
+  /// Forgets what was known of another one. Ahead of `begin` there is nothing but zeros, and no need to look.
+  void Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin = 0);
 
   /// What could not be read stays known.
   void Close() { bytes_.reset(); }
 
   /// 0 while none is open.
   std::uint64_t Size() const { return bytes_ == nullptr ? 0 : bytes_->Size(); }
+
+  /// Where the bytes begin that are worth a look.
+  std::uint64_t Begin() const { return begin_; }
 
   /// Reads into `out` and returns how many bytes there were. A read that fails is kept with its range. An offset that
   /// no file can have (top bit set) is refused and is no bad place of the source.
@@ -69,6 +73,7 @@ class Source {
   void NoteBad(std::uint64_t offset, std::uint64_t length, const platform::Failure& failure) const;
 
   std::unique_ptr<const platform::ByteSource> bytes_;
+  std::uint64_t begin_ = 0;
   mutable std::mutex mutex_;  ///< guards what follows
   mutable std::optional<platform::Failure> firstFailure_;
   mutable BadRanges unread_;

@@ -1,6 +1,9 @@
 // A whole complete conversion, up to the exit code and the report.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -104,6 +107,62 @@ TEST_F(CompleteConversionRun, AHeaderThatCannotBeReadIsNotNeeded) {
   EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 1);
 }
 
+class CompleteConversionOfPartOfAFile : public CompleteConversionRun {
+ protected:
+  CompleteConversionOfPartOfAFile() {
+    std::ifstream file(Source(), std::ios::binary);
+    first_.assign(std::istreambuf_iterator<char>(file), {});
+    forge::Mailbox box({.fullLength = true});
+    const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .containerClass = u"IPF.Note"});
+    for (int i = 0; i < 3; ++i) box.AddMessage(inbox, {.subject = u"Other", .plain = u"two"});
+    const forge::Bytes other = box.Finish().bytes;
+    second_.assign(reinterpret_cast<const char*>(other.data()), other.size());
+  }
+
+  void Save(const std::string& bytes) const { std::ofstream(Source(), std::ios::binary) << bytes; }
+
+  std::string first_;
+  std::string second_;
+};
+
+TEST_F(CompleteConversionOfPartOfAFile, OtherStoresOfTheFileAreNamedAndNotConverted) {
+  Save(first_ + second_);
+  options_.verify = true;
+  EXPECT_EQ(Run(), ExitCode::kDone);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 1);
+  EXPECT_EQ(report_["place"]["to"], first_.size());
+  ASSERT_EQ(report_["otherStores"].size(), 1U);
+  EXPECT_EQ(report_["otherStores"][0]["from"], first_.size());
+  EXPECT_EQ(report_["otherStores"][0]["to"], first_.size() + second_.size());
+  EXPECT_THAT(said_, HasSubstr("--at " + std::to_string(first_.size()) + " converts it"));
+}
+
+TEST_F(CompleteConversionOfPartOfAFile, TheStoreThatIsAskedForIsConverted) {
+  Save(first_ + second_);
+  options_.at = first_.size();
+  EXPECT_EQ(Run(), ExitCode::kDone);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 3);
+  EXPECT_EQ(report_["place"]["from"], first_.size());
+  EXPECT_EQ(report_["otherStores"][0]["from"], 0);
+}
+
+TEST_F(CompleteConversionOfPartOfAFile, WhereNoStoreBeginsTheRunEndsAndNamesThoseThatThereAre) {
+  Save(first_ + second_);
+  options_.at = 512;
+  EXPECT_EQ(Run(), ExitCode::kNotValid);
+  EXPECT_THAT(said_, HasSubstr("no store begins at byte 512, but at 0, " + std::to_string(first_.size())));
+  EXPECT_FALSE(std::filesystem::exists(Store()));
+}
+
+TEST_F(CompleteConversionOfPartOfAFile, AMissingFrontIsSaid) {
+  Save(second_.substr(0x4400));
+  const ExitCode code = Run();
+  EXPECT_TRUE(code == ExitCode::kDone || code == ExitCode::kLosses);
+  EXPECT_EQ(report_["place"]["missing"], 0x4400);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 3);
+  EXPECT_THAT(said_, HasSubstr("the first 17408 bytes of the store are missing"));
+}
+
 TEST_F(CompleteConversionRun, ARunThatCanReadNothingEndsWithAFailureOfReading) {
   const std::vector<engine::BadPlace> bad = {{0, size_}};
   EXPECT_EQ(Run(engine::OpenBadDisk(bad)), ExitCode::kInputOutput);
@@ -192,6 +251,28 @@ TEST_F(CompleteConversionRun, ADifferenceThatIsFoundIsAFailureAndNamed) {
   EXPECT_THAT(said_, HasSubstr("velmora-convert: --verify: node 0x"));
   EXPECT_THAT(said_, HasSubstr(report_["verify"]["differences"][0]["what"].get<std::string>()));
   EXPECT_TRUE(std::filesystem::exists(Store()));
+}
+
+TEST_F(CompleteConversionRun, AFileThatGrowsWhileItIsReadComesAcrossAsItWas) {
+  int reads = 0;
+  const WatchedDisk::Watch watch = [&](int read) {
+    if (read == 3) std::ofstream(Source(), std::ios::app) << std::string(5000, 'x');
+    return true;
+  };
+  EXPECT_EQ(Run(WatchedDisk::Open(reads, watch)), ExitCode::kDone);
+  EXPECT_EQ(report_["grownBy"], 5000);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 1);
+  EXPECT_THAT(said_, HasSubstr("the file grew by 5.0 KB while it was read"));
+}
+
+TEST_F(CompleteConversionRun, AFileThatAnotherProgramHoldsOpenComesAcross) {
+  const int held = ::open(Source().c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(held, 0);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  EXPECT_EQ(Run(), ExitCode::kDone);
+  EXPECT_EQ(report_["items"]["IPM.Note"]["whole"], 1);
+  EXPECT_FALSE(report_.contains("grownBy"));
+  ::close(held);
 }
 
 TEST_F(CompleteConversionRun, AStopWhileTheStoresAreComparedLeavesTheStoreAndNoResult) {

@@ -51,6 +51,14 @@ TEST(CompleteReportHtml, BeginsWithHowItWentInOneSentence) {
             "all. What is missing is named below.</p>");
 }
 
+TEST(CompleteReportHtml, SaysWhereTheStoreLiesInAFileThatHoldsMore) {
+  CompleteReport report = ReportOf({1, 1, 0, 0});
+  EXPECT_THAT(Page(report), Not(HasSubstr("than this store")));
+  report.place.emplace();
+  report.place->origin = 4096;
+  EXPECT_THAT(Page(report), HasSubstr("<li>the store begins at byte 4096 of the file;"));
+}
+
 TEST(CompleteReportHtml, SaysOfFoldersThatAreNotWholeThatTheItemsAre) {
   CompleteReport report = ReportOf({1, 1, 0, 0});
   report.account.losses = {{.source = Nid{0x8022}, .target = Nid{0x8022}, .folder = u"/A"}};

@@ -51,6 +51,26 @@ TEST(CompleteReportJson, TellsOfTheRunWhatTheOtherReportTells) {
   EXPECT_EQ(json["peakRssKiB"], 77);
 }
 
+TEST(CompleteReportJson, TellsWhereTheStoreLiesInAFileThatIsMoreOrLess) {
+  conversion::CompleteReport report;
+  EXPECT_FALSE(Parsed(report).contains("place"));
+  EXPECT_FALSE(Parsed(report).contains("otherStores"));
+  report.place.emplace();
+  report.place->origin = -512;
+  report.place->to = 9000;
+  report.place->doubtfulFrom = 7000;
+  engine::StorePlace other;
+  other.origin = other.from = 9000;
+  other.to = 20000;
+  other.hasHeader = true;
+  report.others = {other};
+  EXPECT_EQ(Parsed(report)["place"],
+            (Object{{"from", 0}, {"to", 9000}, {"missing", 512}, {"header", false}, {"doubtfulFrom", 7000}}));
+  EXPECT_EQ(
+      Parsed(report)["otherStores"],
+      (Object::array({{{"from", 9000}, {"to", 20000}, {"missing", 0}, {"header", true}, {"doubtfulFrom", nullptr}}})));
+}
+
 TEST(CompleteReportJson, GivesEachFateOfANodeItsName) {
   conversion::CompleteReport report;
   for (std::size_t i = 0; i < complete::kNodeFates; ++i) report.account.nodes[i] = i + 1;

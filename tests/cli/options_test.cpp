@@ -43,10 +43,13 @@ TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
   const Options alone = std::get<Options>(Parse({"--complete", "a.ost", "out"}));
   EXPECT_TRUE(alone.complete);
   EXPECT_FALSE(alone.hidden || alone.deleted || alone.verify);
-  const Options all = std::get<Options>(Parse({"--complete", "--hidden", "--deleted", "--verify", "--codepage", "windows-932",
-                                               "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
+  const Options all =
+      std::get<Options>(Parse({"--complete", "--hidden", "--deleted", "--verify", "--codepage", "windows-932",
+                               "--report", "-", "--log", "--quiet", "--no-progress", "a.ost", "out"}));
   EXPECT_TRUE(all.complete && all.hidden && all.deleted && all.verify && all.log && all.quiet && all.noProgress);
   EXPECT_EQ(all.codePage.WindowsNumber(), 932);
+  EXPECT_FALSE(alone.at);
+  EXPECT_EQ(std::get<Options>(Parse({"--complete", "--at", "12345678901", "a.ost", "out"})).at, 12345678901U);
   EXPECT_TRUE(std::get<Options>(Parse({"--complete", "--dry-run", "a.ost", "out"})).dryRun);
   EXPECT_FALSE(std::get<Options>(Parse({"a.ost", "out"})).complete);
 }
@@ -59,6 +62,7 @@ TEST(Options, OptionsThatDoNotGoTogetherAreNamed) {
       {{"--hidden", "a", "b"}, "--hidden needs --complete"},
       {{"--deleted", "a", "b"}, "--deleted needs --complete"},
       {{"--verify", "a", "b"}, "--verify needs --complete"},
+      {{"--at", "0", "a", "b"}, "--at needs --complete"},
   };
   for (const auto& [words, what] : mistakes) {
     const Answer answer = AnswerTo(words);
@@ -78,6 +82,8 @@ TEST(Options, MistakesEndWithTheCodeForUsage) {
                                                 {"a.ost"},
                                                 {"a", "b", "c"},
                                                 {"--odd", "a", "b"},
+                                                {"--complete", "--at", "-1", "a", "b"},
+                                                {"--complete", "--at", "x", "a", "b"},
                                                 {"a", "b", "--report"},
                                                 {"", "b"},
                                                 {"a", ""},
@@ -93,8 +99,9 @@ TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
   const Answer answer = AnswerTo({"--help"});
   EXPECT_EQ(answer.code, ExitCode::kDone);
   EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
-  for (const char* option : {"--complete", "--hidden", "--deleted", "--verify", "--smart", "--codepage NAME", "--report FILE",
-                             "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
+  for (const char* option :
+       {"--complete", "--hidden", "--deleted", "--verify", "--at OFFSET", "--smart", "--codepage NAME", "--report FILE",
+        "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
     EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
   }
   for (const ExitCodeRow& row : kExitCodes) EXPECT_THAT(answer.text, HasSubstr(std::string(row.meaning)));

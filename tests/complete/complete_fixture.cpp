@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "aids/shared_file.h"
 #include "complete/live_store.h"
@@ -110,6 +111,7 @@ void CompleteTest::Copy(Bytes source, const CopyOptions& options) {
 
 void CompleteTest::CopyWrecked(const Bytes& source, const CopyOptions& options) {
   const auto scanned = Scan(source, options.deleted);
+  if (!scanned->IsStore()) throw std::runtime_error("nothing in the source proves to be of a store");
   account_ = {};
   const auto file = std::make_shared<platform::MemoryFile>();
   const auto target =

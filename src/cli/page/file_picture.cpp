@@ -24,7 +24,8 @@ struct UseRow {
 
 /// The worst comes first, as in the eye of who looks.
 constexpr UseRow kUses[] = {
-    {FileUse::kUnreadable, 'u', "Unreadable", "the disk or the system could not read it"},
+    {FileUse::kUnreadable, 'u', "Unreadable",
+     "the disk or the system could not read it, or the front of the file is missing"},
     {FileUse::kFailed, 'x', "Damaged", "the checksum is wrong: something has changed what was written there"},
     {FileUse::kTree, 't', "Lists of the store", "by which everything is found"},
     {FileUse::kLive, 'l', "In use", "mail, folders and all that belongs to them"},

@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "cli/page/html.h"
+#include "cli/place_words.h"
 #include "cli/plain_words.h"
 
 namespace velmora::cli::page {
@@ -93,6 +94,15 @@ void WriteBar(const ItemCounts& totals, const ReportSink& sink) {
   sink("</svg>\n");
 }
 
+/// Where the store lies in the file, if it is not all of it.
+void WritePlace(const conversion::CompleteReport& report, const ReportSink& sink) {
+  const std::vector<std::string> lines = PlaceLines(report);
+  if (lines.empty()) return;
+  sink("<p>The file is more, or less, than this store:</p>\n<ul>\n");
+  for (const std::string& line : lines) sink("<li>" + Escaped(line) + "</li>\n");
+  sink("</ul>\n");
+}
+
 }  // namespace
 
 void WriteSummary(const ReportFrame& frame, const conversion::CompleteReport& report, const Run& run,
@@ -112,6 +122,7 @@ void WriteSummary(const ReportFrame& frame, const conversion::CompleteReport& re
   WriteFigure("attachments", account.attachments, "attachments", sink);
   sink("</ul>\n");
   WriteBar(totals, sink);
+  WritePlace(report, sink);
 
   sink("<dl>\n");
   sink(Fact("Read from", StoreText(frame.source)));

@@ -62,6 +62,7 @@ struct Evidence {
   std::vector<FoundPage> pages;    ///< of both trees, by ascending offset
   std::vector<FoundBlock> blocks;  ///< by ascending id; one for each id, the one that counts
   std::uint64_t failedBlocks = 0;  ///< that look like one and fail their checksum
+  bool hasStrays = false;  ///< much of the file was written elsewhere or cannot be told, so it may hold other stores
 
   /// The block of that id (bit 0 ignored); null where none was found.
   const FoundBlock* Find(Bid bid) const;

@@ -106,7 +106,7 @@ std::vector<Finds> LookThrough(const Source& source, std::span<const Generation*
 
   SourceWindow window(source);
   Stretch stretch;
-  for (std::uint64_t begin = 0; begin < size; begin += kStep) {
+  for (std::uint64_t begin = source.Begin() / kStep * kStep; begin < size; begin += kStep) {
     run.control.PausePoint();
     run.SayProgress(begin * 100 / size, Phase::kProbe);
     stretch.base = begin - std::min(begin, kReachOfPass);

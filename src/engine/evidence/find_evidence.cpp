@@ -34,16 +34,28 @@ CryptMethod LikeliestEncoding(const Finds& finds, const std::optional<ToldByHead
   return kMethods[static_cast<std::size_t>(most - finds.votes.begin())];
 }
 
-/// Where bytes were lost nothing proves itself behind some point, or little in all. In use is what does not end in
-/// zeros.
-void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
+/// What is in use, which is what does not end in zeros, against what proves itself.
+bool HasLittleProven(const Finds& finds) {
   const std::uint64_t taken = finds.taken.Taken();
-  const std::uint64_t much = kMuchUnproven / finds.layout->slotSize;
-  if (finds.usedSlots > taken + taken / 3 + much) {
+  return finds.usedSlots > taken + taken / 3 + kMuchUnproven / finds.layout->slotSize;
+}
+bool HasUnprovenTail(const Finds& finds) {
+  return finds.usedSlots > finds.usedAheadOfLast + kMuchUnproven / finds.layout->slotSize;
+}
+
+bool HasStrays(const Finds& finds) {
+  const auto isMoved = [](const auto& found) { return found.grade == Grade::kMoved; };
+  return HasLittleProven(finds) || HasUnprovenTail(finds) || std::ranges::any_of(finds.whole, isMoved) ||
+         std::ranges::any_of(finds.pages, isMoved);
+}
+
+/// Where bytes were lost nothing proves itself behind some point, or little in all.
+void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
+  if (HasLittleProven(finds)) {
     Finds again(*finds.layout, source.Size());
-    LookForShifted(source, 0, again, run);
+    LookForShifted(source, source.Begin(), again, run);
     if (again.Count() > finds.Count()) finds = std::move(again);
-  } else if (finds.usedSlots > finds.usedAheadOfLast + much) {
+  } else if (HasUnprovenTail(finds)) {
     LookForShifted(source, finds.end, finds, run);
   }
 }
@@ -69,10 +81,14 @@ Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& t
   Evidence evidence;
   std::vector<Finds> all = LookThrough(source, kLayouts, run);
   Finds* best = Likeliest(all, told ? told->layout : nullptr);
-  if (best == nullptr) return evidence;
+  if (best == nullptr) {
+    evidence.hasStrays = source.Size() != 0;
+    return evidence;
+  }
   Finds finds = std::move(*best);
   all.clear();
   if (!finds.soughtMoved) finds = std::move(LookThrough(source, std::array{finds.layout}, run).front());
+  evidence.hasStrays = HasStrays(finds);
   LookBehindLostBytes(source, finds, run);
   evidence.layout = finds.layout;
   evidence.encoding = LikeliestEncoding(finds, told);
