@@ -11,6 +11,7 @@ constexpr std::size_t kMostKept = 4;  ///< of them, the nearest
 
 constexpr std::size_t kNeighbours = 12;  ///< on each side
 constexpr std::uint64_t kNear = 64;      ///< of ids, where the sizes do not tell
+constexpr std::int64_t kTelling = 8;     ///< times as many lists on one side of their messages as on the other
 constexpr std::uint64_t kJustBefore = 2 * kBidStep;
 
 std::uint64_t Distance(Bid a, Bid b) { return Value(a) < Value(b) ? Value(b) - Value(a) : Value(a) - Value(b); }
@@ -77,13 +78,16 @@ class Neighbours {
   Neighbours(const EvidenceView& view, const SubnodeLists& lists, TreeSizes& sizes)
       : view_(view), lists_(lists), sizes_(sizes) {
     std::int64_t above = 0;
+    std::int64_t below = 0;
     for (const NodeClaim& claim : view.Judged().nodes) {
       if (!IsInUse(claim.standing)) continue;
       const ndb::NodeTrees& trees = claim.node.trees;
       taken_.insert(Canonical(trees.bidSub));
-      if (velmora::IsMessage(claim.node.nid) && trees.bidSub != kNoBid) above += trees.bidSub > trees.bidData ? 1 : -1;
+      if (velmora::IsMessage(claim.node.nid) && trees.bidSub != kNoBid)
+        ++(trees.bidSub > trees.bidData ? above : below);
     }
-    isListAbove_ = above > 0;
+    areAbove_ = above >= kTelling * (below + 1);
+    areBelow_ = below >= kTelling * (above + 1);
     for (std::uint32_t i = 0; i < lists.All().size(); ++i) {
       if (!lists.All()[i].hasValues) keyless_.push_back(i);
     }
@@ -104,7 +108,7 @@ class Neighbours {
     if (taken_.contains(bid) || (view_.IsFreed(bid) && !view_.IsFreed(message.bid))) return;
     const bool failsSize = sizes_.Of({message.bid, bid}) != message.size;
     const std::uint64_t distance = Distance(message.bid, bid);
-    const bool isOnRareSide = (bid > message.bid) != isListAbove_;
+    const bool isOnRareSide = bid > message.bid ? areBelow_ : areAbove_;
     if (!failsSize || distance <= kNear) candidates_.push_back({failsSize, distance, isOnRareSide, number, list});
   }
 
@@ -121,7 +125,9 @@ class Neighbours {
   const SubnodeLists& lists_;
   TreeSizes& sizes_;
   std::unordered_set<Bid> taken_;
-  bool isListAbove_ = false;  ///< most programs write the list of a message ahead of it, others behind it
+  // Most programs write the list of a message ahead of it, others behind it; both are false where nothing tells.
+  bool areAbove_ = false;
+  bool areBelow_ = false;
   std::vector<std::uint32_t> keyless_;
   std::vector<Candidate> candidates_;
 };

@@ -349,6 +349,29 @@ TEST_F(JudgeNodesTest, OfAHurtLeafTheEntriesWhoseBlocksAreThereCount) {
   EXPECT_EQ(Nodes({Standing::kLive}), expected);
 }
 
+TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWithABlockOfAnotherMessageDoesNotCount) {
+  for (forge::Nid nid = 0x200024; nid < 0x2001A4; nid += 0x20) {
+    const forge::Bid sub = store_.AddSubnodes({{.nid = 0x8025, .bidData = Context(u"below")}});
+    store_.AddNode(nid, Context(u"node"), sub, 0x8022);
+  }
+  const forge::Image whole = store_.Finish();
+  const forge::PlacedPage leaf = LeafWithNode(whole, 0x200024);
+  const forge::NodeEntry& other = whole.Node(0x200184);
+  for (const auto& [place, bid] : {std::pair(8, other.bidData), std::pair(16, other.bidSub)}) {
+    forge::Image image = whole;
+    forge::Put(image.bytes, leaf.offset + place, bid, 8);
+    Judge(image);
+    NodeLines expected = LinesOf(whole);
+    expected.erase(LineOf(whole.Node(0x200024)));
+    EXPECT_EQ(Nodes({Standing::kLive}), expected) << place;
+  }
+  forge::Image image = whole;
+  forge::Put(image.bytes, leaf.offset + 8, other.bidData, 8);
+  forge::Put(image.bytes, leaf.offset + 16, other.bidSub, 8);
+  Judge(image);
+  EXPECT_EQ(Nodes({Standing::kLive}).size(), whole.nodes.size()) << "with both it is a copy";
+}
+
 TEST_F(JudgeNodesTest, WhatAHurtLeafHasLostAnOlderEntryStandsInFor) {
   const forge::Bid kept = Context(u"kept");
   OldPage({{.nid = 0x200024, .bidData = kept, .nidParent = 0x8022}});

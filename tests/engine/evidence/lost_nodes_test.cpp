@@ -174,6 +174,27 @@ TEST_P(LostNodesTest, AMessageWithoutKeysIsFoundWithTheListThatFitsItsRecipients
   for (const auto& letter : letters) EXPECT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid)) << letter.nid;
 }
 
+TEST_P(LostNodesTest, MessagesThatAreAlikeEachGetTheirOwnList) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  std::vector<Mailbox::Added> letters;
+  for (unsigned day = 1; day <= 9; ++day) letters.push_back(box_.AddMessage(inbox, LetterTo(u"Alike", day)));
+  WreckedStore store(box_.Finish());
+  for (const auto& letter : letters) store.Lose(letter.nid);
+  const LostNodes lost = store.Find();
+  for (const auto& letter : letters) EXPECT_EQ(ClaimTo(lost, letter.nid).node, store.Entry(letter.nid));
+}
+
+TEST_P(LostNodesTest, OfTwoListsAsNearTheOneCountsOnWhoseSideTheStoreWritesThem) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  std::vector<Mailbox::Added> letters;
+  for (unsigned day = 1; day <= 20; ++day) letters.push_back(box_.AddMessage(inbox, LetterTo(u"Alike", day)));
+  WreckedStore store(box_.Finish());
+  store.Lose(letters[10].nid);
+  store.LoseBlock(Bid{letters[10].bidData});
+  store.Lose(letters[11].nid);
+  EXPECT_EQ(ClaimTo(store.Find(), letters[11].nid).node, store.Entry(letters[11].nid));
+}
+
 TEST_P(LostNodesTest, OfTwoVersionsTheOneWhoseTableIsNewerCounts) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
   const auto kept = box_.AddMessage(inbox, Letter(u"Kept", 1));
