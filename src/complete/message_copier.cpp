@@ -189,11 +189,13 @@ PropertyBag MessageCopier::CopyAttachment(Opened& from, ltp::PropertyContext& co
   defaults.PutInteger32(tag::kAttachMethod, 0);
   defaults.PutInteger32(tag::kRenderingPosition, kNotInText);
   PropertyBag attachment = properties_.Copy(context, kAttachment, *from.page, faults, defaults, ofThis);
+  const std::size_t faultsBefore = faults.Count();
   try {
     CopyObject(context, from.depth, attachment, ofThis);
   } catch (const std::exception&) {
     ofThis.push_back({.cause = CauseOfLoss()});
   }
+  AddFault(faults, faultsBefore, {}, ofThis);
   AddHurt(tools_.source, {}, ofThis);
   for (MissingPart& part : ofThis) {
     if (part.kind == MissingPart::Kind::kObject) part.kind = MissingPart::Kind::kAttachment;

@@ -33,6 +33,12 @@ void AddHurt(const LiveStore& source, MissingPart part, Missing& missing) {
   missing.push_back(std::move(part));
 }
 
+void AddFault(const ndb::Faults& faults, std::size_t before, MissingPart part, Missing& missing) {
+  if (faults.Count() == before) return;
+  if (faults.List().size() > before) part.cause = faults.List()[before];
+  missing.push_back(std::move(part));
+}
+
 Failure CauseOfLoss() {
   try {
     throw;
@@ -79,6 +85,12 @@ ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
     offset += count;
   }
   tools_.account.bytes += offset;
+  if (offset != from.Size()) {
+    ndb::Note(faults, {FailureKind::kCorrupt,
+                       {ObjectKind::kBlock, bidData},
+                       from.Size(),
+                       "the blocks hold more or less than the tree says"});
+  }
   return messaging::AsOperation([&] { return to.Finish(); });
 }
 
@@ -138,10 +150,7 @@ PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const 
       continue;
     }
     AddHurt(tools_.source, {.kind = MissingPart::Kind::kBytes, .tag = tag}, missing);
-    if (faults.Count() != faultsBefore) {
-      const Failure cause = faults.List().size() > faultsBefore ? faults.List()[faultsBefore] : Failure{};
-      missing.push_back({.kind = MissingPart::Kind::kBytes, .tag = tag, .cause = cause});
-    }
+    AddFault(faults, faultsBefore, {.kind = MissingPart::Kind::kBytes, .tag = tag}, missing);
   }
   return out;
 }

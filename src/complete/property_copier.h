@@ -34,6 +34,9 @@ using Missing = std::vector<MissingPart>;
 /// value is there, but nobody knows whether it is what it was.
 void AddHurt(const LiveStore& source, MissingPart part, Missing& missing);
 
+/// Adds a part to `missing` where `faults` were noted since there were so many of them.
+void AddFault(const ndb::Faults& faults, std::size_t before, MissingPart part, Missing& missing);
+
 /// The failure under way, for whoever has caught it and leaves out what failed. A failure of the new store itself goes
 /// on.
 Failure CauseOfLoss();

@@ -40,6 +40,14 @@ class AccountTest : public CompleteTest {
     const auto tree = ndb::DataTreeReader::Open(store.Reader(), root);
     Wipe(image, image.Block(velmora::Value(tree.BidOf(index))));
   }
+  /// Lets a list of blocks tell another size in all, with a right checksum.
+  static void TellSize(forge::Image& image, const forge::PlacedBlock& list, std::uint64_t size) {
+    forge::Put(image.bytes, list.offset + 4, size, 4);
+    const auto stored = std::span(image.bytes).subspan(list.offset, list.size);
+    const std::size_t trailer = forge::TraitsOf(GetParam()).blockTrailerSize;
+    const std::size_t sum = GetParam() == forge::Format::kAnsi ? 8 : 4;
+    forge::Put(image.bytes, list.offset + list.placeSize - trailer + sum, forge::Checksum(stored), 4);
+  }
   /// Copies a store that this test's readers may refuse.
   void CopyDamaged(const forge::Image& sound, const forge::Image& damaged) {
     Copy(damaged.bytes);
@@ -142,6 +150,33 @@ TEST_P(AccountTest, ALostBlockOfALongValueReadsAsZerosAndTheRestStays) {
   EXPECT_EQ(part.kind, MissingPart::Kind::kBytes);
   EXPECT_EQ(part.tag, 0x69020102U);
   EXPECT_EQ(part.cause.object.kind, ObjectKind::kBlock);
+}
+
+TEST_P(AccountTest, ATreeThatTellsOfMoreThanItsBlocksHoldIsNotWhole) {
+  const Bytes content = Noise(100'000, 1);
+  const std::vector<forge::Attachment> cases = {{.name = u"data", .data = content, .place = forge::Place::kChain},
+                                                {.name = u"object", .object = forge::OleObject{content}}};
+  for (const forge::Attachment& attachment : cases) {
+    forge::Mailbox box = NewBox();
+    Message message = Mail(u"Damaged");
+    message.attachments = {attachment};
+    nid_ = box.AddMessage(box.AddFolder({.name = u"Inbox"}), message).nid;
+    const forge::Image sound = box.Finish();
+    forge::Image damaged = sound;
+    const auto list = std::ranges::find_if(damaged.blocks, [&](const forge::PlacedBlock& block) {
+      return (block.bid & 2) != 0 && forge::Get(damaged.bytes, block.offset + 4, 4) == content.size();
+    });
+    ASSERT_NE(list, damaged.blocks.end());
+    TellSize(damaged, *list, content.size() + 1000);
+    CopyDamaged(sound, damaged);
+    ASSERT_EQ(account_.losses.size(), 1U);
+    ASSERT_EQ(account_.losses[0].missing.size(), 1U);
+    const MissingPart& part = account_.losses[0].missing[0];
+    EXPECT_EQ(part.kind, attachment.object ? MissingPart::Kind::kAttachment : MissingPart::Kind::kBytes);
+    EXPECT_EQ(part.name, attachment.name);
+    EXPECT_EQ(part.cause.message, "the blocks hold more or less than the tree says");
+    EXPECT_EQ(TargetItem(nid_).attachments.size(), 1U);
+  }
 }
 
 TEST_P(AccountTest, ABlockWithAWrongByteComesAcrossAndIsNamed) {
