@@ -1,4 +1,4 @@
-// What people read where a store is not all of its file.
+// What people read where a store is not all of its file, or the file became more than was read.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace velmora::cli {
 
-/// Where the store lies, what of it is missing, and what else the file holds, a sentence each; none where the file is
-/// the store from its first byte to its last.
+/// Where the store lies, what of it is missing, what else the file holds and what it grew by, a sentence each; none
+/// where the file is the store from its first byte to its last, and stayed so.
 std::vector<std::string> PlaceLines(const conversion::CompleteReport& report);
 
 }  // namespace velmora::cli
