@@ -10,6 +10,14 @@ constexpr text::TextView kCategoryListClass = u"IPM.Configuration.CategoryList";
 
 }  // namespace
 
+CopySource::CopySource(const engine::ProvenStore& found, const text::CodePage& last, bool hidden)
+    : live(found), names(live), pages(live, last), plan(live, pages, hidden), hidden_(hidden) {
+  if (hidden) return;
+  for (const ndb::NodeEntry& node : live.Nodes()) {
+    if (TypeOf(node.nid) == NidType::kAssocMessage && IsCategoryList(node)) categoryLists_.insert(node.nid);
+  }
+}
+
 bool CopySource::Takes(const ndb::NodeEntry& node) {
   switch (TypeOf(node.nid)) {
     case NidType::kNormalFolder:
@@ -18,14 +26,14 @@ bool CopySource::Takes(const ndb::NodeEntry& node) {
       return true;
     case NidType::kAssocMessage: {  // that of a folder which stays behind is of use to nobody
       const SourceFolder* folder = plan.Find(node.nidParent);
-      return folder != nullptr && folder->isCopied && (hidden_ || IsCategoryList(node));
+      return folder != nullptr && folder->isCopied && (hidden_ || categoryLists_.contains(node.nid));
     }
     default:
       return false;
   }
 }
 
-bool CopySource::IsCategoryList(const ndb::NodeEntry& message) const {
+bool CopySource::IsCategoryList(const ndb::NodeEntry& message) {
   ndb::Faults faults;
   auto context = IfReadable([&] { return ltp::PropertyContext::Open(live, message.trees, &faults); });
   const auto messageClass = context ? ReadText(*context, tag::kMessageClass, pages.OfStore()) : std::nullopt;

@@ -1,6 +1,8 @@
 // The source of a copy, as those see it who make the copy and those who hold it beside its source.
 #pragma once
 
+#include <unordered_set>
+
 #include "complete/folder_plan.h"
 #include "complete/live_store.h"
 #include "complete/source_names.h"
@@ -19,8 +21,7 @@ constexpr bool KeepsId(Nid nid) {
 struct CopySource {
   /// `found` and `last`, the code page where nothing in the store tells, must outlive it. `hidden`: hidden messages
   /// come across too, not the list of categories alone.
-  CopySource(const engine::ProvenStore& found, const text::CodePage& last, bool hidden)
-      : live(found), names(live), pages(live, last), plan(live, pages, hidden), hidden_(hidden) {}
+  CopySource(const engine::ProvenStore& found, const text::CodePage& last, bool hidden);
 
   /// Whether a live folder or message comes across.
   bool Takes(const ndb::NodeEntry& node);
@@ -31,9 +32,10 @@ struct CopySource {
   FolderPlan plan;
 
  private:
-  bool IsCategoryList(const ndb::NodeEntry& message) const;
+  bool IsCategoryList(const ndb::NodeEntry& message);
 
   bool hidden_;
+  std::unordered_set<Nid> categoryLists_;  ///< the hidden messages that come across where hidden ones do not
 };
 
 }  // namespace velmora::complete

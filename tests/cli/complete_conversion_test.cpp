@@ -199,6 +199,14 @@ class WatchedDisk : public platform::ByteSource {
   const Watch& watch_;
 };
 
+/// Asks for the end of the run at that read of the disk.
+WatchedDisk::Watch StopsAt(const int& read) {
+  return [&read](int now) {
+    if (now == read) std::raise(SIGINT);
+    return true;
+  };
+}
+
 TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatWasCopied) {
   forge::Mailbox box({.fullLength = true});
   const forge::Nid inbox = box.AddFolder({.name = u"Inbox", .containerClass = u"IPF.Note"});
@@ -209,10 +217,7 @@ TEST_F(CompleteConversionRun, AStopAtAnyTimeLeavesNoStoreOrOneThatOpensWithWhatW
 
   int reads = 0;
   int stopAt = 0;
-  const WatchedDisk::Watch watch = [&](int read) {
-    if (read == stopAt) std::raise(SIGINT);
-    return true;
-  };
+  const WatchedDisk::Watch watch = StopsAt(stopAt);
   const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
   ASSERT_EQ(Run(open), ExitCode::kDone);
   const int all = reads;
@@ -278,10 +283,7 @@ TEST_F(CompleteConversionRun, AFileThatAnotherProgramHoldsOpenComesAcross) {
 TEST_F(CompleteConversionRun, AStopWhileTheStoresAreComparedLeavesTheStoreAndNoResult) {
   int reads = 0;
   int stopAt = 0;
-  const WatchedDisk::Watch watch = [&](int read) {
-    if (read == stopAt) std::raise(SIGINT);
-    return true;
-  };
+  const WatchedDisk::Watch watch = StopsAt(stopAt);
   const platform::SourceOpener open = WatchedDisk::Open(reads, watch);
   ASSERT_EQ(Run(open), ExitCode::kDone);
   stopAt = reads + 1;

@@ -9,7 +9,7 @@ does not exist, takes more than 15 seconds or, without sanitizers, more than 512
 in the new store, which is asked for every copy whose number --check divides.
 
 Stores: forged ones of each format (VELMORA_FORGE_WHOLE, VELMORA_FORGE_DEMO) and, if they are there, the small ones
-beside the sources. VELMORA_CONVERT is the program, with or without sanitizers."""
+beside the sources. VELMORA_MANY_RUNS runs the program, with or without sanitizers."""
 
 import argparse
 import collections
@@ -21,11 +21,8 @@ import signal
 import subprocess
 import sys
 import tempfile
-import threading
-import time
 
 import damaged_stores
-import stores
 
 MODES = ((), ("--smart",), ("--complete", "--verify"), ("--complete", "--hidden", "--deleted", "--verify"))
 CODES = (0, 3, 65, 73)
@@ -91,34 +88,35 @@ def mutant(seed, number, originals):
     return data, MODES[number % len(MODES)], [kind.__name__ for kind in kinds]
 
 
-def run(source, out, options):
-    """Exit code (None: it did not end in time), seconds, megabytes, what it said"""
-    said = out.parent / "said"
-    with open(said, "wb") as file:
-        started = time.monotonic()
-        child = subprocess.Popen(
-            [stores.PROGRAM, *options, "--quiet", "--no-progress", source, out], stdout=file, stderr=file,
-            env={**os.environ, "XDG_CONFIG_HOME": str(out.parent / "config"), "SOURCE_DATE_EPOCH": damaged_stores.EPOCH,
+class Program:
+    """The program, up once for all runs"""
+
+    def __init__(self, config):
+        self.child = subprocess.Popen(
+            [os.environ["VELMORA_MANY_RUNS"]], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+            env={**os.environ, "XDG_CONFIG_HOME": str(config), "SOURCE_DATE_EPOCH": damaged_stores.EPOCH,
                  "ASAN_OPTIONS": f"exitcode={SANITIZER}", "UBSAN_OPTIONS": f"halt_on_error=1:exitcode={SANITIZER}"})
-        killer = threading.Timer(SECONDS, child.kill)
-        killer.start()
-        _, status, usage = os.wait4(child.pid, 0)
-        killer.cancel()
-    seconds = time.monotonic() - started
-    child.returncode = os.waitstatus_to_exitcode(status)
-    ended = None if child.returncode == -signal.SIGKILL and seconds >= SECONDS else child.returncode
-    return ended, seconds, usage.ru_maxrss / 1024, said.read_text("utf-8", "replace")
+
+    def run(self, source, out, options):
+        """Exit code (None: it did not end in time; below zero: a signal), seconds, megabytes, what it said"""
+        said = out.parent / "said"
+        line = [said, SECONDS, *options, "--quiet", "--no-progress", source, out]
+        self.child.stdin.write("\t".join(map(str, line)) + "\n")
+        self.child.stdin.flush()
+        code, seconds, kilobytes = self.child.stdout.readline().split()
+        ended = None if int(code) == -signal.SIGALRM else int(code)
+        return ended, float(seconds), int(kilobytes) / 1024, said.read_text("utf-8", "replace")
 
 
 def is_sanitized():
-    return b"__asan_init" in pathlib.Path(stores.PROGRAM).read_bytes()
+    return b"__asan_init" in pathlib.Path(os.environ["VELMORA_MANY_RUNS"]).read_bytes()
 
 
-def check(source, work, options, asked):
+def check(program, source, work, options, asked):
     """What is wrong with one run, and its figures"""
     out = work / "out"
     out.mkdir()
-    code, seconds, megabytes, said = run(source, out, options)
+    code, seconds, megabytes, said = program.run(source, out, options)
     wrong = []
     if code is None:
         wrong.append(f"no end after {SECONDS} s")
@@ -148,13 +146,14 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         originals = seeds(folder)
+        program = Program(folder / "config")
         for number in range(a.count) if a.only is None else [a.only]:
             data, options, kinds = mutant(a.seed, number, originals)
             work = folder / "work"
             work.mkdir()
             source = work / "mutant.pst"
             source.write_bytes(data)
-            wrong, code, seconds, megabytes, looked = check(source, work, options, has_checker and number % a.check == 0)
+            wrong, code, seconds, megabytes, looked = check(program, source, work, options, has_checker and number % a.check == 0)
             codes[code] += 1
             checked += looked
             slowest, largest = max(slowest, seconds), max(largest, megabytes)

@@ -124,8 +124,9 @@ std::span<const std::byte> DataTreeReader::BlockOrZeros(std::size_t index) {
   return block_;
 }
 
-std::size_t DataTreeReader::ReadAt(std::uint64_t offset, std::span<std::byte> out) {
+std::size_t DataTreeReader::ReadAt(std::uint64_t from, std::span<std::byte> out) {
   std::size_t delivered = 0;
+  std::uint64_t offset = from;
   if (dataBids_.empty()) return delivered;
   const std::uint64_t full = source_->Format().maxBlockData;
   while (delivered < out.size() && offset / full < dataBids_.size()) {
@@ -137,6 +138,7 @@ std::size_t DataTreeReader::ReadAt(std::uint64_t offset, std::span<std::byte> ou
     delivered += count;
     offset += count;
   }
+  if (delivered < out.size() && from <= size_) CheckEnd(offset);
   return delivered;
 }
 
@@ -149,10 +151,14 @@ std::vector<std::byte> DataTreeReader::ReadAll(std::uint64_t limit) {
     const std::span<const std::byte> block = faults_ == nullptr ? Block(i) : BlockOrZeros(i);
     all.insert(all.end(), block.begin(), block.end());
   }
-  if (all.size() == size_) return all;
-  Note(faults_, Corrupt(ObjectKind::kDataTree, size_, "the blocks hold more or less than the tree says"));
+  CheckEnd(all.size());
   all.resize(std::min<std::size_t>(all.size(), size_));
   return all;
+}
+
+void DataTreeReader::CheckEnd(std::uint64_t end) const {
+  if (end == size_) return;
+  Note(faults_, Corrupt(ObjectKind::kDataTree, size_, "the blocks hold more or less than the tree says"));
 }
 
 }  // namespace velmora::ndb

@@ -41,9 +41,10 @@ class DataTreeReader {
   /// Why data block `index` is lost; nothing of one that can be read.
   [[nodiscard]] const std::optional<Failure>& WhyLost(std::size_t index);
 
-  /// Reads up to `out.size()` bytes at `offset` and returns the number delivered, which is short only at
-  /// the end of the tree. Raises kCorrupt when a data block other than the last is not full.
-  [[nodiscard]] std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> out);
+  /// Reads up to `out.size()` bytes from offset `from` on and returns the number delivered, which is short only at
+  /// the end of the blocks. Raises kCorrupt when a data block other than the last is not full, or they end elsewhere
+  /// than the tree's root says.
+  [[nodiscard]] std::size_t ReadAt(std::uint64_t from, std::span<std::byte> out);
 
   /// The whole tree; raises kNotSupported when it is larger than `limit` bytes.
   [[nodiscard]] std::vector<std::byte> ReadAll(std::uint64_t limit);
@@ -53,6 +54,7 @@ class DataTreeReader {
   void AddBlocksOf(Bid bid, std::span<const std::byte> content, Seen& seen);
   void AddListsOf(Bid bid, std::span<const std::byte> content, Seen& seen);
   [[nodiscard]] std::span<const std::byte> BlockOrZeros(std::size_t index);
+  void CheckEnd(std::uint64_t end) const;
 
   const BlockSource* source_ = nullptr;
   Faults* faults_ = nullptr;

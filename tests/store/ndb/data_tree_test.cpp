@@ -231,5 +231,27 @@ TEST(DamagedDataTree, IsRefusedWhereItsBlocksDoNotAddUp) {
   EXPECT_EQ(test::FailureOf([&] { static_cast<void>(shorter.ReadAll(1000)); }), FailureKind::kCorrupt);
 }
 
+TEST(DamagedDataTree, WhoseRootTellsOfMoreOrLessThanItsBlocksHoldIsNotReadToItsEndInSilence) {
+  MadeUpBlocks source;
+  source.blocks[Bid{4}] = std::vector<std::byte>(kMaxBlockData);
+  source.blocks[Bid{8}] = std::vector<std::byte>(100);
+  const std::size_t held = kMaxBlockData + 100;
+  source.AddXBlock(6, 1, static_cast<std::uint32_t>(held + 50), {4, 8}, 2);
+  source.AddXBlock(10, 1, static_cast<std::uint32_t>(held - 50), {4, 8}, 2);
+  std::vector<std::byte> out(held);
+  for (const std::uint64_t root : {6u, 10u}) {
+    SCOPED_TRACE(root);
+    DataTreeReader strict = DataTreeReader::Open(source, Bid{root});
+    EXPECT_EQ(strict.ReadAt(0, out), held) << "nobody asked for the end yet";
+    std::vector<std::byte> more(held + 1);
+    EXPECT_EQ(test::FailureOf([&] { static_cast<void>(strict.ReadAt(0, more)); }), FailureKind::kCorrupt);
+    Faults faults;
+    DataTreeReader tolerant = DataTreeReader::Open(source, Bid{root}, &faults);
+    EXPECT_EQ(tolerant.ReadAt(0, more), held);
+    ASSERT_EQ(faults.Count(), 1u);
+    EXPECT_EQ(faults.List()[0].object.kind, ObjectKind::kDataTree);
+  }
+}
+
 }  // namespace
 }  // namespace velmora::ndb
