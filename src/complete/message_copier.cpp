@@ -87,7 +87,9 @@ PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, co
       if (!value) continue;
       tools_.account.bytes += value->size();
       if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
-      properties_.Put(column.tag, properties_.TargetTag(column.tag), std::move(*value), page, out);
+      const PropTag targetTag = properties_.TargetTag(column.tag);
+      PropertyCopier::CheckIsFirst(column.tag, targetTag, out);
+      properties_.Put(column.tag, targetTag, std::move(*value), page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
     }

@@ -63,6 +63,10 @@ PropTag PropertyCopier::TargetTag(PropTag tag) {
   return MakeTag(tools_.target.NamedId(*name), TypeOf(tag));
 }
 
+void PropertyCopier::CheckIsFirst(PropTag tag, PropTag targetTag, const PropertyBag& out) {
+  if (out.TagOf(targetTag)) RaiseCorrupt({ObjectKind::kProperty, tag}, IdOf(tag), "another property has its name");
+}
+
 void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page,
                          PropertyBag& out) {
   if (!BringIntoForm(tag, value, page, tools_.references, tools_.account.undefinedBytes)) return;
@@ -137,6 +141,7 @@ PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const 
     const PropTag tag = step.record->Tag();
     const std::size_t faultsBefore = faults.Count();
     try {
+      CheckIsFirst(tag, step.targetTag, out);
       CopyOne(from, tag, step.targetTag, page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = tag, .cause = CauseOfLoss()});

@@ -59,6 +59,10 @@ class PropertyCopier {
   /// The tag in the new store. Raises FailureError for an identifier from 0x8000 on that has no name.
   PropTag TargetTag(PropTag tag);
 
+  /// Raises FailureError where `out` has that tag, or another of its identifier: a map that is damaged may give one
+  /// name to several identifiers, and nobody knows whose it is.
+  static void CheckIsFirst(PropTag tag, PropTag targetTag, const messaging::PropertyBag& out);
+
   /// A data tree of the source, written to the new store piece by piece.
   ndb::DataTree CopyTree(Bid bidData, ndb::Faults* faults);
 

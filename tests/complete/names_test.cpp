@@ -66,6 +66,32 @@ TEST_P(NamesTest, APropertyWhoseNameIsNotInTheMapIsNamedInTheAccount) {
   EXPECT_EQ(account_.losses[0].missing[0].tag, 0x8ABC0003U);
 }
 
+TEST_P(NamesTest, OfTwoPropertiesThatTheMapGivesOneNameTheFirstComesAcrossAndTheOtherIsALoss) {
+  forge::Property second = Named(PropertySet::kOwn, u"Twice", forge::Bool(0, true));
+  forge::PropertyName again = *second.name;
+  again.number = 1;  // makes it an entry of its own, though the text is its name
+  second.name = std::make_shared<const forge::PropertyName>(again);
+  const forge::PropertyList twice = {Named(PropertySet::kOwn, u"Twice", Int32(0, 7)), second};
+  forge::Mailbox box = NewBox();
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  forge::Message message = Mail(u"Two of a name", twice);
+  message.recipients = {{.name = u"A", .address = u"a@b", .properties = twice}};
+  const forge::Nid nid = box.AddMessage(inbox, message).nid;
+  Copy(box);
+  const Item item = TargetItem(nid);
+  ExpectHas(item.properties, {twice[0]});
+  ASSERT_EQ(item.recipients.size(), 1U);
+  ExpectHas(item.recipients[0], {twice[0]});
+  ASSERT_EQ(account_.losses.size(), 1U);
+  const std::vector<MissingPart>& missing = account_.losses[0].missing;
+  ASSERT_EQ(missing.size(), 2U);
+  EXPECT_EQ(missing[0].kind, MissingPart::Kind::kProperty);
+  EXPECT_EQ(missing[0].tag, 0x8001000BU);
+  EXPECT_EQ(missing[0].cause.message, "another property has its name");
+  EXPECT_EQ(missing[1].kind, MissingPart::Kind::kRecipients);
+  EXPECT_EQ(missing[1].tag, 0x8001000BU);
+}
+
 TEST_P(NamesTest, AStoreWithoutANameMapBringsWhatNeedsNone) {
   forge::Mailbox box = NewBox({.tables = true, .nameMap = false});
   const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
