@@ -14,7 +14,7 @@ _velmora_convert() {
       ;;
   esac
   if [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "--complete --hidden --deleted --verify --at --smart --codepage --report --trace --dry-run --log --quiet --no-progress --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "--complete --hidden --deleted --verify --at --smart --jobs --codepage --report --trace --dry-run --log --quiet --no-progress --help --version" -- "$current")
     return
   fi
   mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -50,15 +50,17 @@ class ConvertCommand {
  public:
   ConvertCommand(const Options& options, const platform::SourceOpener& openSource)
       : options_(options),
+        workers_(options.jobs),
         progress_(StyleOfTerminal(), WriteError),
         console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError,
                  [this] { conversion_->BeforeClose(); }),
         conversion_(MakeConversion(options, source_, targets_, openSource)) {
     conversion_->Context().observer = &console_;
+    conversion_->Context().workers = &workers_;
   }
 
   ExitCode Run() {
-    if (const auto opened = targets_.Open(options_); !opened) {
+    if (const auto opened = targets_.Open(options_, workers_); !opened) {
       console_.Say("velmora-convert: " + TextOf(opened.error()));
       return ExitCode::kNoOutput;
     }
@@ -144,6 +146,7 @@ class ConvertCommand {
   const Options& options_;
   const text::Text source_ = FullPath(options_.source);
   const text::Text destination_ = FullPath(options_.destination);
+  platform::Workers workers_;
   RunTargets targets_;
   Progress progress_;
   Console console_;

@@ -9,6 +9,8 @@
 namespace velmora::cli {
 namespace {
 
+constexpr int kMostJobs = 64;
+
 constexpr std::string_view kExamples = R"(Examples:
   velmora-convert outlook.ost /home/me/mail
       converts outlook.ost; the new store is
@@ -34,6 +36,8 @@ Options:
   --verify           with --complete: read the new store back and compare it with SOURCE
   --at OFFSET        with --complete: the store that begins at this byte of SOURCE, which holds several
   --smart            Smart Scan: read every block, and recover messages without a node as well
+  --jobs N           work on so many things at a time (1 to 64, default: as many as there are processors); the new
+                     store does not depend on it
   --codepage NAME    code page of 8-bit text in SOURCE (default windows-1252)
   --report FILE      write a JSON report of the run ("-" for standard output); with --complete and a name
                      that ends in .html a page for a browser
@@ -74,6 +78,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
   app.add_flag("--verify", options.verify);
   app.add_option("--at", options.at)->check(CLI::NonNegativeNumber);
   app.add_flag("--smart", options.smart);
+  app.add_option("--jobs", options.jobs)->check(CLI::Range(1, kMostJobs));
   app.add_option("--codepage", codePage);
   app.add_option("--report", options.report);
   app.add_option("--trace", options.trace);

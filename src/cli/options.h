@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "cli/exit_codes.h"
+#include "platform/workers.h"
 #include "text/code_page.h"
 
 namespace velmora::cli {
@@ -19,6 +20,7 @@ struct Options {
   bool hidden = false;
   bool deleted = false;
   bool verify = false;
+  unsigned jobs = platform::DefaultJobs();
   std::optional<std::uint64_t> at;  ///< where in the source the store begins that is wanted
   text::CodePage codePage = text::CodePage::Lossless();
   std::string report;  ///< empty: none; "-": standard output

@@ -7,7 +7,8 @@
 
 namespace velmora::cli {
 
-platform::Result<void> RunTargets::Open(const Options& options) {
+platform::Result<void> RunTargets::Open(const Options& options, platform::Workers& workers) {
+  workers_ = &workers;
   codePage_ = options.codePage;
   isDryRun_ = options.dryRun;
   reportToOutput_ = options.report == "-";
@@ -37,6 +38,7 @@ conversion::RunOutput RunTargets::MakeOutput() {
   messaging::PstLibraryOptions options;
   options.configFolder = platform::ConfigFolder().value_or(platform::RuntimeFolder());
   options.codePage = codePage_;
+  options.workers = workers_;
   auto store = std::make_shared<messaging::PstLibrary>(std::move(options));
   const auto seal = [store] { return store->Seal(); };
   const auto fullTables = [store] { return store->FullTables(); };

@@ -15,7 +15,8 @@ namespace velmora::cli {
 class RunTargets {
  public:
   /// Makes the files that are asked for and, for a dry run, the temporary folder. None of them may exist.
-  platform::Result<void> Open(const Options& options);
+  /// `workers` write the store and must outlive the run.
+  platform::Result<void> Open(const Options& options, platform::Workers& workers);
 
   /// The output library of the run: the store, and beside it the trace; in a dry run the trace alone.
   conversion::RunOutput MakeOutput();
@@ -35,6 +36,7 @@ class RunTargets {
   std::optional<OutputFile> reportFile_;
   std::unique_ptr<TraceFile> trace_;
   NoTrace noTrace_;
+  platform::Workers* workers_ = nullptr;
   text::CodePage codePage_ = text::CodePage::Lossless();
   bool isDryRun_ = false;
   bool reportToOutput_ = false;

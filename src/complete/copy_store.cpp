@@ -9,6 +9,7 @@
 #include "complete/file_map.h"
 #include "complete/folder_copier.h"
 #include "complete/message_copier.h"
+#include "complete/read_ahead.h"
 #include "complete/value_form.h"
 #include "engine/content_allowance.h"
 #include "store/format/property_tags.h"
@@ -64,17 +65,22 @@ class StoreCopy {
     engine::ItemsCopied progress;
     progress.itemsTotal = deleted.size();
     for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
-    const auto copy = [&](const ndb::NodeEntry& node, bool isDeleted) {
-      run_.control.PausePoint();
-      run_.SayCopied(progress);
-      CopyMessage(node, isDeleted);
-      ++progress.items;
-      progress.bytes = account_.bytes;
+    const auto copy = [&](const std::vector<ndb::NodeEntry>& nodes, bool areDeleted) {
+      ReadAhead ahead(
+          source_, IsStoredAlike(source_, target_.Ndb()), *run_.workers, nodes,
+          [&](const ndb::NodeEntry& node) { return IsMessage(node.nid) && (areDeleted || from_.Takes(node)); });
+      for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (!IsMessage(nodes[i].nid)) continue;
+        run_.control.PausePoint();
+        run_.SayCopied(progress);
+        ahead.Reach(i);
+        CopyMessage(nodes[i], areDeleted);
+        ++progress.items;
+        progress.bytes = account_.bytes;
+      }
     };
-    for (const ndb::NodeEntry& node : source_.Nodes()) {
-      if (IsMessage(node.nid)) copy(node, false);
-    }
-    for (const ndb::NodeEntry& node : deleted) copy(node, true);
+    copy(source_.Nodes(), false);
+    copy(deleted, true);
     run_.SayCopied(progress);
     for (const engine::MessageRow& row : source_.Found().Lost().messageRows) CountRow(row);
     for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));

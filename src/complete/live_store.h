@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "engine/blocks_ahead.h"
 #include "engine/proven_store.h"
 #include "store/ndb/block_source.h"
 
@@ -16,10 +17,26 @@ class LiveStore : public ndb::BlockSource {
 
   const Generation& Format() const override { return found_.Format(); }
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
+    if (ahead_ != nullptr && ahead_->Find(bid, out)) return true;
     const bool isThere = found_.FindBlock(bid, out);
     if (isThere && found_.HasHurtBlocks() && !found_.IsTrusted(bid)) hurt_.push_back(Canonical(bid));
     return isThere;
   }
+
+  /// Data of a block that is proven as they are stored, in `buffer` or where they were read ahead; valid until either
+  /// changes. Nothing where there is no such block. Raises kCorrupt where it is whole no more.
+  [[nodiscard]] std::optional<StoredData> FindStored(Bid bid, std::vector<std::byte>& buffer) const {
+    if (ahead_ != nullptr) {
+      if (const auto data = ahead_->FindStored(bid)) return data;
+    }
+    return found_.FindStored(bid, buffer);
+  }
+
+  std::optional<std::size_t> SizeOf(Bid bid) const override { return found_.SizeOf(bid); }
+
+  /// Blocks that were read already; null for none. They must outlive their use.
+  void Use(const engine::BlocksAhead* ahead) const { ahead_ = ahead; }
+
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override { return found_.FindNode(nid); }
 
   /// All live nodes by ascending id.
@@ -32,6 +49,7 @@ class LiveStore : public ndb::BlockSource {
 
  private:
   const engine::ProvenStore& found_;
+  mutable const engine::BlocksAhead* ahead_ = nullptr;
   mutable std::vector<Bid> hurt_;
 };
 

@@ -227,7 +227,7 @@ ndb::WrittenNode MessageCopier::CopyNode(const ndb::NodeTrees& trees, ndb::Fault
   if (!tools_.allowance.TakePart()) throw FailureError(TooMuch({ObjectKind::kBlock, trees.bidSub}));
   ndb::NdbWriter& ndb = tools_.target.Ndb();
   ndb::WrittenNode node;
-  const ndb::DataTree data = properties_.CopyTree(trees.bidData, faults);
+  const ndb::DataTree data = properties_.CopyTree(ndb::DataTreeReader::Open(tools_.source, trees.bidData, faults));
   node.trees.bidData = data.bid;
   node.dataSize = data.size;
   ndb::SubnodeTreeWriter below(ndb);

@@ -15,14 +15,21 @@ namespace {
 
 using messaging::PropertyBag;
 
-/// Longer values go from store to store piece by piece. No row of a table shows one of that length. Of the contents of
-/// attachments, all that a heap does not hold: a message may have thousands of them.
+/// Longer values go from store to store piece by piece. No row of a table shows one of that length. Of bodies and the
+/// contents of attachments, all that a heap does not hold: most of a store is theirs.
 constexpr std::uint64_t MostInMemory(PropTag tag) {
-  return tag == tag::kAttachDataBinary ? ltp::PropertyContextWriter::kHeapValueLimit : std::uint64_t{256} << 10;
+  const bool isLong =
+      tag == tag::kAttachDataBinary || tag == tag::kBody || tag == tag::kHtml || tag == tag::kRtfCompressed;
+  return isLong ? ltp::PropertyContextWriter::kHeapValueLimit : std::uint64_t{256} << 10;
 }
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
 }  // namespace
+
+bool IsStoredAlike(const LiveStore& source, const ndb::NdbWriter& target) {
+  return source.Format() == target.Format() && source.Found().Found().encoding == target.Encoding() &&
+         target.Encoding() != CryptMethod::kCyclic;  // whose key is the id of the block
+}
 
 void AddHurt(const LiveStore& source, MissingPart part, Missing& missing) {
   const std::vector<Bid> hurt = source.TakeHurt();
@@ -78,36 +85,49 @@ void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte> 
   }
 }
 
-ndb::DataTree PropertyCopier::CopyTree(Bid bidData, ndb::Faults* faults) {
-  auto from = ndb::DataTreeReader::Open(tools_.source, bidData, faults);
+std::size_t PropertyCopier::CopyStored(const ndb::DataTreeReader& from, ndb::DataTreeWriter& to) {
+  if (!IsStoredAlike(tools_.source, tools_.target.Ndb())) return 0;
+  for (std::size_t i = 0; i < from.BlockCount(); ++i) {
+    const auto data = tools_.source.FindStored(from.BidOf(i), block_);
+    const bool isFull = data && data->bytes.size() == kMaxBlockData;
+    const bool isLast = data && to.Size() + data->bytes.size() == from.Size();
+    if (!isFull && !isLast) return i;
+    messaging::AsOperation([&] { to.AppendStored(*data); });
+    if (!isFull) return i + 1;
+  }
+  return from.BlockCount();
+}
+
+ndb::DataTree PropertyCopier::CopyTree(ndb::DataTreeReader from) {
   TakeBytes(from.Size());
   ndb::DataTreeWriter to(tools_.target.Ndb());
-  std::vector<std::byte> piece(kPiece);
-  std::uint64_t offset = 0;
-  while (const std::size_t count = from.ReadAt(offset, piece)) {
-    messaging::AsOperation([&] { to.Append(std::span(piece).first(count)); });
-    offset += count;
+  const bool isWhole = CopyStored(from, to) == from.BlockCount() && to.Size() == from.Size();
+  if (!isWhole) piece_.resize(kPiece);
+  while (!isWhole) {
+    const std::size_t count = from.ReadAt(to.Size(), piece_);
+    if (count == 0) break;
+    messaging::AsOperation([&] { to.Append(std::span(piece_).first(count)); });
   }
-  tools_.account.bytes += offset;
+  tools_.account.bytes += to.Size();
   return messaging::AsOperation([&] { return to.Finish(); });
 }
 
 void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
                              PropertyBag& out) {
-  const std::uint64_t size = from.SizeOf(tag).value_or(0);
+  auto tree = from.OpenTree(tag);
+  const std::uint64_t size = tree ? tree->Size() : from.SizeOf(tag).value_or(0);
   if (size > MostInMemory(targetTag) && IsCopiedAsItIs(tag, size)) {
     ltp::CheckSize(targetTag, size);
-    const auto tree = from.TreeOf(tag);
     if (!tree) RaiseCorrupt({ObjectKind::kProperty, tag}, size, "the value lies in no sub-node");
-    tools_.target.PutTree(out, targetTag, CopyTree(tree->bid, from.FaultList()));
+    tools_.target.PutTree(out, targetTag, CopyTree(std::move(*tree)));
     return;
   }
   if (!tools_.allowance.TakeText(size)) {
     Raise(FailureKind::kNotSupported, {ObjectKind::kProperty, tag}, size, "the store claims more than it can hold");
   }
-  auto value = from.Read(tag, kMostConverted);
-  tools_.account.bytes += value->size();
-  Put(tag, targetTag, std::move(*value), page, out);
+  auto value = tree ? tree->ReadAll(kMostConverted) : *from.Read(tag, kMostConverted);
+  tools_.account.bytes += value.size();
+  Put(tag, targetTag, std::move(value), page, out);
 }
 
 PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,

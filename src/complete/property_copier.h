@@ -41,6 +41,9 @@ void AddFault(const ndb::Faults& faults, std::size_t before, MissingPart part, M
 /// on.
 Failure CauseOfLoss();
 
+/// Whether the bytes of a data block are the same in both stores.
+bool IsStoredAlike(const LiveStore& source, const ndb::NdbWriter& target);
+
 class PropertyCopier {
  public:
   explicit PropertyCopier(CopyTools& tools) : tools_(tools) {}
@@ -64,14 +67,19 @@ class PropertyCopier {
   static void CheckIsFirst(PropTag tag, PropTag targetTag, const messaging::PropertyBag& out);
 
   /// A data tree of the source, written to the new store piece by piece.
-  ndb::DataTree CopyTree(Bid bidData, ndb::Faults* faults);
+  ndb::DataTree CopyTree(ndb::DataTreeReader from);
 
  private:
   void CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag targetTag, const text::CodePage& page,
                messaging::PropertyBag& out);
+  /// Takes over the blocks that stand in both stores as they do in one, up to the first that does not. Returns their
+  /// number.
+  std::size_t CopyStored(const ndb::DataTreeReader& from, ndb::DataTreeWriter& to);
   void TakeBytes(std::uint64_t count);
 
   CopyTools& tools_;
+  std::vector<std::byte> piece_;  ///< of a tree under way
+  std::vector<std::byte> block_;
 };
 
 }  // namespace velmora::complete

@@ -78,6 +78,7 @@ class CompleteRun {
     messaging::StoreOptions options;
     options.sourceDateEpoch = messaging::PstLibraryOptions::EpochOfEnvironment();
     options.codePage = request_.copy.codePage;
+    options.workers = run_.workers;
     try {
       target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
     } catch (const output::OutputFailure& failure) {

@@ -29,6 +29,11 @@ class ProvenStore : public ndb::BlockSource {
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
     return blocks_.FindBlock(bid, out);
   }
+  std::optional<std::size_t> SizeOf(Bid bid) const override { return blocks_.SizeOf(bid); }
+  /// See EvidenceBlocks.
+  [[nodiscard]] std::optional<StoredData> FindStored(Bid bid, std::vector<std::byte>& out) const {
+    return blocks_.FindStored(bid, out);
+  }
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;
 
   /// Whether the content of a block is proven; one that is hurt is read as far as it can be.

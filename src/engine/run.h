@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "engine/event.h"
+#include "platform/workers.h"
 #include "text/text.h"
 
 namespace velmora::engine {
@@ -56,7 +57,9 @@ struct RunContext {
   std::atomic<bool> runAborted{false};
   std::atomic<bool> smartScan{false};
   RunObserver* observer = nullptr;  ///< not owned; null: nobody listens
-  RunLog* log = nullptr;            ///< not owned; null while the log switch is off
+  /// Not owned; they do what of the run needs not be done in order.
+  platform::Workers* workers = &platform::Workers::WithoutThreads();
+  RunLog* log = nullptr;  ///< not owned; null while the log switch is off
   RunControl control;
 
   /// One piece of the log, if the switch is on.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <bit>
 #include <cerrno>
 #include <cstdlib>
@@ -89,7 +90,7 @@ class SystemFile : public ByteStore {
       if (n < 0) return Fail(errno, name_, offset + done);
       done += static_cast<std::size_t>(n);
     }
-    size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+    if (offset + bytes.size() > size_) size_ = offset + bytes.size();
     return {};
   }
 
@@ -134,7 +135,7 @@ class SystemFile : public ByteStore {
 
   Descriptor descriptor_;
   std::string name_;
-  std::uint64_t size_;
+  std::atomic<std::uint64_t> size_;  ///< asked while another thread writes
 };
 
 Result<std::unique_ptr<ByteStore>> Open(const std::filesystem::path& path, int flags) {

@@ -26,7 +26,8 @@ class ByteSource {
   virtual Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const = 0;
 };
 
-/// Bytes that can be written and read back at any offset.
+/// Bytes that can be written and read back at any offset. One thread changes it at a time, but that another may at the
+/// same time write bytes ahead of the end, which nobody else reads or writes.
 class ByteStore : public ByteSource {
  public:
   /// Writes all of `bytes` at `offset`; a gap behind the old end reads as zeros. On failure an unknown

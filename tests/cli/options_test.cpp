@@ -54,6 +54,12 @@ TEST(Options, TakesTheOptionsOfTheCompleteConversion) {
   EXPECT_FALSE(std::get<Options>(Parse({"a.ost", "out"})).complete);
 }
 
+TEST(Options, WorksOnAsManyThingsAsThereAreProcessorsUnlessItIsTold) {
+  EXPECT_EQ(std::get<Options>(Parse({"a.ost", "out"})).jobs, platform::DefaultJobs());
+  EXPECT_EQ(std::get<Options>(Parse({"--jobs", "1", "a.ost", "out"})).jobs, 1U);
+  EXPECT_EQ(std::get<Options>(Parse({"--complete", "--jobs", "64", "a.ost", "out"})).jobs, 64U);
+}
+
 TEST(Options, OptionsThatDoNotGoTogetherAreNamed) {
   const std::pair<std::vector<const char*>, const char*> mistakes[] = {
       {{"--complete", "--smart", "a", "b"}, "--smart cannot go with --complete"},
@@ -84,6 +90,9 @@ TEST(Options, MistakesEndWithTheCodeForUsage) {
                                                 {"--odd", "a", "b"},
                                                 {"--complete", "--at", "-1", "a", "b"},
                                                 {"--complete", "--at", "x", "a", "b"},
+                                                {"--jobs", "0", "a", "b"},
+                                                {"--jobs", "65", "a", "b"},
+                                                {"--jobs", "many", "a", "b"},
                                                 {"a", "b", "--report"},
                                                 {"", "b"},
                                                 {"a", ""},
@@ -100,8 +109,8 @@ TEST(Options, HelpBeginsWithExamplesAndNeedsNoFiles) {
   EXPECT_EQ(answer.code, ExitCode::kDone);
   EXPECT_THAT(answer.text, StartsWith("Examples:\n"));
   for (const char* option :
-       {"--complete", "--hidden", "--deleted", "--verify", "--at OFFSET", "--smart", "--codepage NAME", "--report FILE",
-        "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
+       {"--complete", "--hidden", "--deleted", "--verify", "--at OFFSET", "--smart", "--jobs N", "--codepage NAME",
+        "--report FILE", "--trace FILE", "--dry-run", "--log", "--quiet", "--no-progress", "--help", "--version"}) {
     EXPECT_THAT(answer.text, HasSubstr(std::string("\n  ") + option));
   }
   for (const ExitCodeRow& row : kExitCodes) EXPECT_THAT(answer.text, HasSubstr(std::string(row.meaning)));

@@ -114,8 +114,8 @@ void CompleteTest::CopyWrecked(const Bytes& source, const CopyOptions& options) 
   if (!scanned->IsStore()) throw std::runtime_error("nothing in the source proves to be of a store");
   account_ = {};
   const auto file = std::make_shared<platform::MemoryFile>();
-  const auto target =
-      messaging::StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Copy", {.sourceDateEpoch = kEpoch});
+  const auto target = messaging::StoreWriter::Create(std::make_unique<test::SharedFile>(file), u"Copy",
+                                                     {.sourceDateEpoch = kEpoch, .workers = run_.workers});
   CopyStore(*scanned, *target, options, run_, account_);
   target->Seal();
   target_ = std::make_unique<StoreObjects>(file->Bytes());

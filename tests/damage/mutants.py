@@ -5,7 +5,7 @@ Scan, and whole with --verify.
 Each copy has one to four changes: flipped bits, sectors of zeros or noise, fields that hold a number on which readers
 trip, cuts, stretches of one store put into another. The same SEED and number give the same copy; --only N runs one
 again, --keep FOLDER keeps those that fail. Fails where a run ends by a signal, by a sanitizer or with an exit code that
-does not exist, takes more than 15 seconds or, without sanitizers, more than 512 MB; and where the checker finds an error
+does not exist, takes more than 15 seconds of processor time or, without sanitizers, more than 512 MB; and where the checker finds an error
 in the new store, which is asked for every copy whose number --check divides.
 
 Stores: forged ones of each format (VELMORA_FORGE_WHOLE, VELMORA_FORGE_DEMO) and, if they are there, the small ones
@@ -104,7 +104,7 @@ class Program:
         self.child.stdin.write("\t".join(map(str, line)) + "\n")
         self.child.stdin.flush()
         code, seconds, kilobytes = self.child.stdout.readline().split()
-        ended = None if int(code) == -signal.SIGALRM else int(code)
+        ended = None if int(code) in (-signal.SIGPROF, -signal.SIGALRM) else int(code)
         return ended, float(seconds), int(kilobytes) / 1024, said.read_text("utf-8", "replace")
 
 

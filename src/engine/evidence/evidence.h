@@ -12,6 +12,7 @@
 
 #include "engine/run.h"
 #include "engine/source.h"
+#include "store/format/block.h"
 #include "store/format/encoding.h"
 #include "store/format/generation.h"
 #include "store/format/ids.h"
@@ -55,6 +56,11 @@ struct FoundBlock {
   Grade grade = Grade::kProven;
   bool isNamed = false;  ///< another block names it: it is no block that a node entry would name as its data or list
 };
+
+/// Whether all bytes of a block are those that were written.
+constexpr bool IsWhole(const FoundBlock& block) {
+  return block.grade == Grade::kProven || block.grade == Grade::kMoved;
+}
 
 struct Evidence {
   const Generation* layout = nullptr;  ///< null: no page and no block proves itself, so this is no store
@@ -124,11 +130,18 @@ class EvidenceBlocks : public ndb::BlockSource {
   const Generation& Format() const override { return *evidence_.layout; }
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override;
   std::optional<ndb::NodeEntry> FindNode(Nid nid) const override;  ///< live or doubtful
+  std::optional<std::size_t> SizeOf(Bid bid) const override;
+
+  /// Reads a block that is whole as it is stored, into `out`, which the result views; nothing for another. Raises
+  /// kCorrupt where it is whole no more.
+  [[nodiscard]] std::optional<StoredData> FindStored(Bid bid, std::vector<std::byte>& out) const;
 
   /// Whether its content is proven.
   bool IsTrusted(Bid bid) const;
 
  private:
+  StoredData ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const;
+
   const Source& source_;
   const Evidence& evidence_;
   const Judgement& judgement_;

@@ -8,8 +8,6 @@
 namespace velmora::engine {
 namespace {
 
-bool IsWhole(const FoundBlock& block) { return block.grade == Grade::kProven || block.grade == Grade::kMoved; }
-
 /// A stretch of stored zeros of this length was overwritten: the encodings leave none of content.
 constexpr std::size_t kOverwritten = 64;
 
@@ -50,15 +48,33 @@ bool EvidenceBlocks::FindBlock(Bid bid, std::vector<std::byte>& out) const {
     if (!out.empty()) return true;
     RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "nothing of the block can be read");
   }
-  const Generation& layout = *evidence_.layout;
-  out.resize(BlockSizeOnDisk(block->cb, layout));
-  const std::size_t read = ValueOrRaise(source_.Read(block->offset, out));
-  const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(layout.blockTrailerSize), layout);
-  if (read != out.size() || trailer.dwCRC != WeakCrc(std::span(out).first(block->cb))) {
-    RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block was whole and is not any more");
-  }
-  if (UnpackBlock(out, block->bid, block->cb, evidence_.encoding, layout)) return true;
+  static_cast<void>(ReadWhole(*block, out));
+  if (UnpackBlock(out, block->bid, block->cb, evidence_.encoding, *evidence_.layout)) return true;
   RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block does not inflate to its size");
+}
+
+StoredData EvidenceBlocks::ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const {
+  const Generation& layout = *evidence_.layout;
+  out.resize(BlockSizeOnDisk(block.cb, layout));
+  const std::size_t read = ValueOrRaise(source_.Read(block.offset, out));
+  const BlockTrailer trailer = DecodeBlockTrailer(std::span(out).last(layout.blockTrailerSize), layout);
+  const StoredData data{std::span(out).first(block.cb), trailer.dwCRC};
+  if (read != out.size() || data.crc != WeakCrc(data.bytes)) {
+    RaiseCorrupt({ObjectKind::kBlock, block.bid}, block.offset, "the block was whole and is not any more");
+  }
+  return data;
+}
+
+std::optional<std::size_t> EvidenceBlocks::SizeOf(Bid bid) const {
+  if (evidence_.layout->offInflatedSize != 0) return std::nullopt;
+  const FoundBlock* block = evidence_.Find(bid);
+  return block != nullptr && IsWhole(*block) ? std::optional<std::size_t>(block->cb) : std::nullopt;
+}
+
+std::optional<StoredData> EvidenceBlocks::FindStored(Bid bid, std::vector<std::byte>& out) const {
+  const FoundBlock* block = evidence_.Find(bid);
+  if (block == nullptr || !IsWhole(*block)) return std::nullopt;
+  return ReadWhole(*block, out);
 }
 
 std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {

@@ -46,6 +46,12 @@ struct BlockTrailer {
 void Encode(const BlockTrailer& trailer, std::span<std::byte> out);
 BlockTrailer DecodeBlockTrailer(std::span<const std::byte> in, const Generation& generation = generations::kUnicode);
 
+/// The data of a block as they are stored, encoded, and the checksum of its trailer, which is theirs.
+struct StoredData {
+  std::span<const std::byte> bytes;
+  std::uint32_t crc = 0;
+};
+
 /// Why a block, as it lies in the file with its trailer, is not the one of that id, place and stored size; empty
 /// when it is.
 std::string_view WhyNotBlock(std::span<const std::byte> block, const Bref& ref, std::size_t cb,

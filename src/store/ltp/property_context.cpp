@@ -83,15 +83,26 @@ std::optional<std::uint64_t> PropertyContext::SizeOf(PropTag tag) {
   return TreeOf(tag)->size;
 }
 
-std::optional<ndb::DataTree> PropertyContext::TreeOf(PropTag tag) {
+std::optional<Bid> PropertyContext::BidOf(PropTag tag) const {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
   const std::optional<ndb::SubnodeEntry> subnode = FindSubnode(Nid{record->dwValueHnid});
   if (!subnode) {
     RaiseCorrupt({ObjectKind::kProperty, tag}, record->dwValueHnid, "the value's sub-node is not there");
   }
-  const Bid bid = subnode->trees.bidData;
-  return ndb::DataTree{bid, ndb::DataTreeReader::Open(*source_, bid, faults_).Size()};
+  return subnode->trees.bidData;
+}
+
+std::optional<ndb::DataTree> PropertyContext::TreeOf(PropTag tag) {
+  const auto bid = BidOf(tag);
+  if (!bid) return std::nullopt;
+  return ndb::DataTree{*bid, ndb::DataTreeReader::Open(*source_, *bid, faults_).Size()};
+}
+
+std::optional<ndb::DataTreeReader> PropertyContext::OpenTree(PropTag tag) {
+  const auto bid = BidOf(tag);
+  if (!bid) return std::nullopt;
+  return ndb::DataTreeReader::Open(*source_, *bid, faults_);
 }
 
 std::optional<ndb::SubnodeEntry> PropertyContext::FindSubnode(Nid nid) const {

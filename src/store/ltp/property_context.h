@@ -61,6 +61,9 @@ class PropertyContext {
   /// lies in the heap or is not there.
   [[nodiscard]] std::optional<ndb::DataTree> TreeOf(PropTag tag);
 
+  /// The same, opened.
+  [[nodiscard]] std::optional<ndb::DataTreeReader> OpenTree(PropTag tag);
+
   /// The list that a tolerant reader was given; null for a strict one.
   ndb::Faults* FaultList() const { return faults_; }
 
@@ -73,6 +76,7 @@ class PropertyContext {
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
   const PropertyRecord* FindTag(PropTag tag) const;
+  std::optional<Bid> BidOf(PropTag tag) const;
 
   const ndb::BlockSource* source_;
   Heap heap_;

@@ -221,7 +221,8 @@ std::optional<std::int64_t> PstLibraryOptions::EpochOfEnvironment() {
 
 PstLibrary::PstLibrary(PstLibraryOptions options)
     : configFolder_(std::move(options.configFolder)), state_(std::make_shared<LibraryState>()) {
-  state_->options = {options.sourceDateEpoch, options.codePage};
+  state_->options = {
+      .sourceDateEpoch = options.sourceDateEpoch, .codePage = options.codePage, .workers = options.workers};
 }
 
 output::Ref<output::ProfileList> PstLibrary::CreateProfileList() {

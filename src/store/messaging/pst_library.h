@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/failure.h"
+#include "platform/workers.h"
 #include "store/operations.h"
 #include "text/code_page.h"
 
@@ -18,6 +19,7 @@ struct PstLibraryOptions {
   std::filesystem::path configFolder;  ///< of the list of profiles
   std::optional<std::int64_t> sourceDateEpoch = EpochOfEnvironment();
   text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
+  platform::Workers* workers = &platform::Workers::WithoutThreads();  ///< encode and write; must outlive the stores
 
   /// SOURCE_DATE_EPOCH, where it is set to a number: seconds since 1970. Stores made with it hold no other
   /// time of their own and the same random numbers each time, so the same operations give the same bytes.

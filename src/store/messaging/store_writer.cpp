@@ -71,7 +71,7 @@ bool IsFull(const OutputFailure& failure) { return failure.Code() == ResultCode:
 StoreWriter::StoreWriter(std::unique_ptr<platform::ByteStore> file, text::TextView displayName,
                          const StoreOptions& options)
     : file_(std::move(file)),
-      ndb_(AsOperation([&] { return ndb::NdbWriter::Create(*file_); })),
+      ndb_(AsOperation([&] { return ndb::NdbWriter::Create(*file_, CryptMethod::kPermute, *options.workers); })),
       options_(options),
       uids_(options.sourceDateEpoch, text::ToUtf8(displayName)),
       messages_(*ndb_) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/file.h"
+#include "platform/workers.h"
 #include "store/messaging/folders/row_spool.h"
 #include "store/messaging/objects/message_writer.h"
 #include "store/messaging/store.h"
@@ -20,6 +21,7 @@ struct StoreOptions {
   std::optional<std::int64_t> sourceDateEpoch;           ///< seconds since 1970: the store's only time, and its seed
   text::CodePage codePage = text::CodePage::Lossless();  ///< of HTML bodies that do not tell their own
   std::size_t maxTableBlocks = kMaxHeapBlocks;           ///< for the texts and binary values of one table
+  platform::Workers* workers = &platform::Workers::WithoutThreads();  ///< encode and write; must outlive the store
 };
 
 /// An item whose last save is still to be written.

@@ -2,15 +2,20 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 
-#include "store/format/checksum.h"
 #include "store/format/failures.h"
 #include "store/ndb/map_pages.h"
 
 namespace velmora::ndb {
 
-BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod)
-    : file_(file), cryptMethod_(cryptMethod), window_(file) {}
+BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod, platform::Workers& workers)
+    : file_(file), cryptMethod_(cryptMethod), window_(file, workers) {}
+
+BlockFile::~BlockFile() {
+  window_.Drop();
+  Trim();
+}
 
 void BlockFile::Start() {
   Kept([&] { ValueOrRaise(file_.Resize(0)); });
@@ -34,29 +39,26 @@ void BlockFile::Trim() {
   if (file_.Size() > map_.FileSize()) static_cast<void>(file_.Resize(map_.FileSize()));
 }
 
-Bid BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data); }
+Bid BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data, cryptMethod_); }
+
+Bid BlockFile::WriteStored(const StoredData& data) { return Write(false, data.bytes, CryptMethod::kNone, data.crc); }
 
 Bid BlockFile::WriteInternal(std::span<const std::byte> content) {
   std::vector<Bid> references;
   ForEachReference(InternalBlock(content, generations::kUnicode),
                    [&references](Bid bid) { references.push_back(bid); });
   Refer(references);
-  return Write(true, content);
+  return Write(true, content, CryptMethod::kNone);
 }
 
-Bid BlockFile::Write(bool internal, std::span<const std::byte> data) {
+Bid BlockFile::Write(bool internal, std::span<const std::byte> data, CryptMethod encoding,
+                     std::optional<std::uint32_t> crc) {
   assert(!data.empty() && data.size() <= kMaxBlockData);
   const std::optional<Bid> bid = table_.NextBid(internal);
   if (!bid) Raise(FailureKind::kNotSupported, ObjectKind::kStore, 0, "block ids are used up");
-  const std::size_t size = BlockSizeOnDisk(data.size());
-  const std::uint64_t ib = Allocate(size, kSlotSize);
-  const std::span<std::byte> place = Kept([&] { return window_.Place(ib, size); });
-  const auto stored = place.first(data.size());
-  const auto padding = place.subspan(data.size(), size - data.size() - kBlockTrailerSize);
-  EncodeBlock(internal ? CryptMethod::kNone : cryptMethod_, *bid, data, stored);
-  std::fill(padding.begin(), padding.end(), std::byte{0});
   const auto cb = static_cast<std::uint16_t>(data.size());
-  Encode(BlockTrailer{cb, ComputeSig(ib, Value(*bid)), WeakCrc(stored), *bid}, place.last(kBlockTrailerSize));
+  const std::uint64_t ib = Allocate(BlockSizeOnDisk(data.size()), kSlotSize);
+  std::memcpy(Kept([&] { return window_.Place({ib, cb, *bid, encoding, crc}); }).data(), data.data(), data.size());
   table_.Append(internal, ib, cb);
   return *bid;
 }
@@ -65,10 +67,11 @@ bool BlockFile::Find(Bid bid, std::vector<std::byte>& out) const {
   const std::optional<BlockTable::Block> block = table_.Find(Canonical(bid));
   if (!block) return false;
   out.resize(block->cb);
-  if (window_.Read(block->ib, out) != out.size()) {
+  bool isEncoded = true;
+  if (window_.ReadBlock(block->ib, out, isEncoded) != out.size()) {
     RaiseCorrupt({ObjectKind::kBlock, bid}, block->ib, "the file ends within the block");
   }
-  if (!IsInternal(bid)) DecodeBlock(cryptMethod_, Canonical(bid), out);
+  if (isEncoded && !IsInternal(bid)) DecodeBlock(cryptMethod_, Canonical(bid), out);
   return true;
 }
 

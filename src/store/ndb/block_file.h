@@ -23,10 +23,11 @@ namespace velmora::ndb {
 /// shows earlier, as the file is lengthened ahead of what is written: see Reserve.
 class BlockFile {
  public:
-  BlockFile(platform::ByteStore& file, CryptMethod cryptMethod);
+  /// Both must outlive it; `workers` encode and write.
+  BlockFile(platform::ByteStore& file, CryptMethod cryptMethod, platform::Workers& workers);
 
   /// Leaves no room behind the end of the store.
-  ~BlockFile() { Trim(); }
+  ~BlockFile();
   BlockFile(const BlockFile&) = delete;
   BlockFile& operator=(const BlockFile&) = delete;
 
@@ -46,6 +47,9 @@ class BlockFile {
 
   /// Writes a data block, encoded, that nothing refers to yet.
   [[nodiscard]] Bid WriteData(std::span<const std::byte> data);
+
+  /// The same for data that are encoded already.
+  [[nodiscard]] Bid WriteStored(const StoredData& data);
 
   /// Writes an internal block that nothing refers to yet, and counts the references that it makes.
   [[nodiscard]] Bid WriteInternal(std::span<const std::byte> content);
@@ -101,7 +105,8 @@ class BlockFile {
   void Stop(const Failure& failure);
 
  private:
-  [[nodiscard]] Bid Write(bool internal, std::span<const std::byte> data);
+  [[nodiscard]] Bid Write(bool internal, std::span<const std::byte> data, CryptMethod encoding,
+                          std::optional<std::uint32_t> crc = {});
   [[nodiscard]] std::uint64_t Allocate(std::size_t size, std::size_t alignment);
   void KeepReserve();
   void OpenAreas();

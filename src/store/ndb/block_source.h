@@ -55,6 +55,9 @@ class BlockSource {
     return IfReadable([&] { return FindBlock(bid, out); }).value_or(false);
   }
 
+  /// Bytes of content of a data block, where the source knows it without reading it.
+  virtual std::optional<std::size_t> SizeOf(Bid) const { return std::nullopt; }
+
   static Failure NoSuchBlock(Bid bid) {
     return {FailureKind::kNotFound, {ObjectKind::kBlock, bid}, Value(bid), "the store has no such block"};
   }

@@ -13,15 +13,19 @@ DataTreeReader DataTreeReader::Open(const BlockSource& source, Bid bid, Faults* 
   tree.source_ = &source;
   tree.faults_ = faults;
   if (bid == kNoBid) return tree;
-  std::vector<std::byte> content;
-  source.ReadBlock(bid, content);
   if (!IsInternal(bid)) {
-    tree.size_ = content.size();
     tree.dataBids_ = {bid};
-    tree.block_ = std::move(content);
+    if (const auto size = source.SizeOf(bid)) {
+      tree.size_ = *size;
+      return tree;
+    }
+    source.ReadBlock(bid, tree.block_);
+    tree.size_ = tree.block_.size();
     tree.blockIndex_ = 0;
     return tree;
   }
+  std::vector<std::byte> content;
+  source.ReadBlock(bid, content);
   const InternalBlock root(content, source.Format());
   if (!root.IsKnown() || root.Head().btype != BlockType::kDataTree) {
     RaiseCorrupt({ObjectKind::kBlock, bid}, static_cast<std::uint64_t>(root.Head().btype), "no XBLOCK or XXBLOCK");

@@ -1,6 +1,7 @@
 #include "store/ndb/data_tree_writer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "store/format/failures.h"
@@ -12,9 +13,7 @@ DataTreeWriter::DataTreeWriter(NdbWriter& ndb) : ndb_(ndb) {}
 DataTreeWriter::~DataTreeWriter() { Clear(); }
 
 void DataTreeWriter::Append(std::span<const std::byte> bytes) {
-  if (bytes.size() > NdbWriter::kMaxTreeSize - size_) {
-    Raise(FailureKind::kNotSupported, ObjectKind::kDataTree, size_, "a value cannot be larger than 4 GiB");
-  }
+  if (bytes.size() > NdbWriter::kMaxTreeSize - size_) RaiseTooLarge();
   // The last block stays in memory until one more byte comes, so that Finish always has one to write.
   while (!bytes.empty()) {
     if (used_ == kMaxBlockData) {
@@ -32,6 +31,19 @@ void DataTreeWriter::Append(std::span<const std::byte> bytes) {
     size_ += taken;
     bytes = bytes.subspan(taken);
   }
+}
+
+void DataTreeWriter::AppendStored(const StoredData& data) {
+  assert(size_ % kMaxBlockData == 0);
+  if (data.bytes.size() > NdbWriter::kMaxTreeSize - size_) RaiseTooLarge();
+  if (used_ != 0) WriteBlock(*buffer_);
+  used_ = 0;
+  dataBids_.push_back(ndb_.WriteStoredBlock(data));
+  size_ += data.bytes.size();
+}
+
+void DataTreeWriter::RaiseTooLarge() const {
+  Raise(FailureKind::kNotSupported, ObjectKind::kDataTree, size_, "a value cannot be larger than 4 GiB");
 }
 
 std::span<const std::byte> DataTreeWriter::Buffered() const {

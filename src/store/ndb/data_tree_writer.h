@@ -23,6 +23,10 @@ class DataTreeWriter {
   /// Raises kNotSupported when the tree would grow beyond NdbWriter::kMaxTreeSize; the tree is unchanged then.
   void Append(std::span<const std::byte> bytes);
 
+  /// Appends a block as it stands in a store of this format and encoding. What was appended before must fill its
+  /// blocks; behind one that is not full nothing can follow.
+  void AppendStored(const StoredData& data);
+
   /// Bytes appended so far.
   std::uint64_t Size() const { return size_; }
 
@@ -38,6 +42,7 @@ class DataTreeWriter {
 
  private:
   void WriteBlock(std::span<const std::byte> bytes);
+  [[noreturn]] void RaiseTooLarge() const;
 
   NdbWriter& ndb_;
   BlockBuffer buffer_;

@@ -27,11 +27,12 @@ std::array<std::uint32_t, kNidTypeCount> FirstCounters() {
 
 }  // namespace
 
-NdbWriter::NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod)
-    : blocks_(file, cryptMethod), rgnid_(FirstCounters()) {}
+NdbWriter::NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod, platform::Workers& workers)
+    : blocks_(file, cryptMethod, workers), rgnid_(FirstCounters()) {}
 
-std::unique_ptr<NdbWriter> NdbWriter::Create(platform::ByteStore& file, CryptMethod cryptMethod) {
-  std::unique_ptr<NdbWriter> ndb(new NdbWriter(file, cryptMethod));
+std::unique_ptr<NdbWriter> NdbWriter::Create(platform::ByteStore& file, CryptMethod cryptMethod,
+                                             platform::Workers& workers) {
+  std::unique_ptr<NdbWriter> ndb(new NdbWriter(file, cryptMethod, workers));
   ndb->blocks_.Start();
   ndb->blocks_.WriteFixed(kDListOffset, DListPage(ndb->blocks_.Map(), ndb->blocks_.NewPageBid()));
   ndb->Commit();
@@ -119,6 +120,8 @@ DataTree NdbWriter::WriteData(std::span<const std::byte> bytes) {
 }
 
 Bid NdbWriter::WriteDataBlock(std::span<const std::byte> bytes) { return blocks_.WriteData(bytes); }
+
+Bid NdbWriter::WriteStoredBlock(const StoredData& data) { return blocks_.WriteStored(data); }
 
 Bid NdbWriter::WriteInternalBlock(std::span<const std::byte> content) { return blocks_.WriteInternal(content); }
 

@@ -22,6 +22,8 @@
 #include <span>
 
 #include "platform/file.h"
+#include "platform/workers.h"
+#include "store/format/block.h"
 #include "store/format/encoding.h"
 #include "store/format/header.h"
 #include "store/ndb/block_buffer.h"
@@ -35,9 +37,11 @@ namespace velmora::ndb {
 class NdbWriter : public BlockSource {
  public:
   /// Makes an empty store of nothing but a header, maps and empty trees in `file`, which should be empty
-  /// and must outlive the writer, and commits it.
-  [[nodiscard]] static std::unique_ptr<NdbWriter> Create(platform::ByteStore& file,
-                                                         CryptMethod cryptMethod = CryptMethod::kPermute);
+  /// and must outlive the writer, and commits it. `workers` encode and write what is given to the writer; the bytes of
+  /// the store do not depend on how many they are.
+  [[nodiscard]] static std::unique_ptr<NdbWriter> Create(
+      platform::ByteStore& file, CryptMethod cryptMethod = CryptMethod::kPermute,
+      platform::Workers& workers = platform::Workers::WithoutThreads());
 
   // -- nodes
 
@@ -112,6 +116,10 @@ class NdbWriter : public BlockSource {
   /// Writes a data block of 1 to kMaxBlockData bytes that nothing refers to yet.
   [[nodiscard]] Bid WriteDataBlock(std::span<const std::byte> bytes);
 
+  /// The same for a block of a store of this format and encoding, as it stands there.
+  [[nodiscard]] Bid WriteStoredBlock(const StoredData& data);
+  CryptMethod Encoding() const { return blocks_.Method(); }
+
   /// Puts an XBLOCK, or XBLOCKs and a XXBLOCK, over data blocks of `size` bytes in all. One block stands for
   /// itself, none for an empty tree.
   [[nodiscard]] DataTree WriteTreeOver(std::span<const Bid> dataBids, std::uint64_t size);
@@ -125,7 +133,7 @@ class NdbWriter : public BlockSource {
   void NoteNid(Nid nid);
 
  private:
-  NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod);
+  NdbWriter(platform::ByteStore& file, CryptMethod cryptMethod, platform::Workers& workers);
   void Release(const NodeTrees& trees);
   void Publish(AMapValid mapsValid);
   void WriteMaps();

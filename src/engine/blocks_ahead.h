@@ -1,0 +1,71 @@
+// The blocks of several objects, read together ahead of whoever copies them: in the order of the file and in large
+// pieces, so that a disk which has to seek does so seldom, and by whichever thread has time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <unordered_set>
+#include <vector>
+
+#include "engine/proven_store.h"
+#include "store/format/block.h"
+
+namespace velmora::engine {
+
+/// Constant once it is made. A block that is not among them is no loss: it is read from the store when it is needed.
+class BlocksAhead {
+ public:
+  /// Bytes that are read and kept, counted as they lie in the file or as they inflate; a little more where pieces that
+  /// are read have gaps.
+  static constexpr std::size_t kMostBytes = std::size_t{2} << 20;
+
+  /// Reads the blocks of messages: their properties, recipients, attachments and what these embed. With `keepStored`
+  /// long values stay encoded for FindStored, all else is decoded. Raises nothing.
+  BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTrees> messages, bool keepStored);
+
+  /// Replaces `out` by the content of a block; false when it is not among them.
+  [[nodiscard]] bool Find(Bid bid, std::vector<std::byte>& out) const;
+
+  /// A block whose content stayed encoded.
+  std::optional<StoredData> FindStored(Bid bid) const;
+
+  /// Whether blocks were left out for want of room.
+  bool IsFull() const { return isFull_; }
+
+ private:
+  /// What a block belongs to.
+  enum class Part : std::uint8_t { kObject, kSubnodes, kValue };
+  struct Wanted {
+    Bid bid{};
+    Part part = Part::kObject;
+  };
+  struct Block {
+    Bid bid{};
+    std::span<const std::byte> bytes;
+    bool isEncoded = false;
+    std::uint32_t crc = 0;
+  };
+  struct Placed {
+    const FoundBlock* block = nullptr;
+    Part part = Part::kObject;
+  };
+
+  std::vector<Placed> Place(std::span<const Wanted> wanted);
+  void Read(std::span<const Placed> run);
+  void Take(const Placed& placed, std::span<std::byte> onDisk);
+  void AddBlocksBelow(const Wanted& above, std::vector<Wanted>& below) const;
+  const Block* Among(Bid bid) const;
+
+  const ProvenStore& store_;
+  bool keepStored_;
+  std::size_t bytesLeft_ = kMostBytes;
+  bool isFull_ = false;
+  std::unordered_set<Bid> asked_;
+  std::vector<Block> blocks_;                       ///< by ascending id
+  std::vector<std::unique_ptr<std::byte[]>> runs_;  ///< memory of the blocks
+  std::vector<std::vector<std::byte>> inflated_;    ///< likewise, where blocks are packed
+};
+
+}  // namespace velmora::engine

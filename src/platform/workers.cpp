@@ -1,0 +1,83 @@
+#include "platform/workers.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora::platform {
+
+unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()); }
+
+Workers::Workers(unsigned jobs) {
+  for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
+}
+
+Workers& Workers::WithoutThreads() {
+  static Workers none(1);
+  return none;
+}
+
+Workers::~Workers() {
+  {
+    const std::lock_guard lock(mutex_);
+    isEnding_ = true;
+  }
+  started_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+std::unique_ptr<Workers::Step> Workers::Start(std::function<void()> work) {
+  auto step = std::make_unique<Step>(*this, std::move(work));
+  if (threads_.empty()) return step;
+  {
+    const std::lock_guard lock(mutex_);
+    waiting_.push_back(step.get());
+  }
+  started_.notify_one();
+  return step;
+}
+
+void Workers::Work() {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    started_.wait(lock, [&] { return isEnding_ || !waiting_.empty(); });
+    if (waiting_.empty()) return;
+    Step& step = *waiting_.front();
+    waiting_.pop_front();
+    step.state_ = Step::State::kRunning;
+    lock.unlock();
+    step.Run();
+    lock.lock();
+    step.state_ = Step::State::kDone;
+    done_.notify_all();  // the step may be gone as soon as the mutex is free
+  }
+}
+
+void Workers::Step::Run() {
+  try {
+    work_();
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+}
+
+void Workers::Step::Wait() {
+  std::unique_lock lock(workers_.mutex_);
+  if (state_ == State::kWaiting) {
+    std::erase(workers_.waiting_, this);
+    state_ = State::kRunning;
+    lock.unlock();
+    Run();
+    lock.lock();
+    state_ = State::kDone;
+  }
+  workers_.done_.wait(lock, [&] { return state_ == State::kDone; });
+  if (failure_) std::rethrow_exception(failure_);
+}
+
+Workers::Step::~Step() {
+  std::unique_lock lock(workers_.mutex_);
+  if (state_ == State::kWaiting) std::erase(workers_.waiting_, this);
+  workers_.done_.wait(lock, [&] { return state_ != State::kRunning; });
+}
+
+}  // namespace velmora::platform

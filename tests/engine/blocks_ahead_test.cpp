@@ -1,0 +1,125 @@
+#include "engine/blocks_ahead.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ranges>
+
+#include "forge/forge.h"
+#include "platform/memory_file.h"
+#include "store/format/checksum.h"
+#include "store/ndb/data_tree_reader.h"
+#include "store/ndb/subnode_tree_reader.h"
+
+namespace velmora::engine {
+namespace {
+
+/// The parameter is the format of the source.
+class BlocksAheadTest : public ::testing::TestWithParam<forge::Format> {
+ protected:
+  static std::unique_ptr<const ProvenStore> Prove(Bytes bytes) {
+    RunContext run;
+    return ProvenStore::Prove(std::make_unique<platform::MemoryFile>(std::move(bytes)), false, run);
+  }
+
+  /// A mail with a long body, and one with an attachment of so many bytes.
+  static Bytes Forge(std::size_t attached) {
+    forge::Mailbox box({.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k}, {.tables = true});
+    const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+    box.AddMessage(inbox, {.subject = u"Long", .html = forge::Noise(30'000, 1)});
+    box.AddMessage(inbox, {.subject = u"Attached", .attachments = {{.name = u"a", .data = forge::Noise(attached, 2)}}});
+    return box.Finish().bytes;
+  }
+
+  static std::vector<ndb::NodeTrees> Messages(const ProvenStore& store) {
+    std::vector<ndb::NodeTrees> trees;
+    for (const ndb::NodeEntry& node : store.Nodes()) {
+      if (TypeOf(node.nid) == NidType::kNormalMessage) trees.push_back(node.trees);
+    }
+    return trees;
+  }
+
+  /// All blocks below a node, data blocks with those of values.
+  static std::vector<Bid> BlocksOf(const ndb::BlockSource& store, const ndb::NodeTrees& trees) {
+    std::vector<Bid> bids;
+    const auto tree = ndb::DataTreeReader::Open(store, trees.bidData);
+    for (std::size_t i = 0; i < tree.BlockCount(); ++i) bids.push_back(tree.BidOf(i));
+    for (const ndb::SubnodeEntry& below : ndb::ListSubnodes(store, trees.bidSub)) {
+      std::ranges::copy(BlocksOf(store, below.trees), std::back_inserter(bids));
+    }
+    return bids;
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Formats, BlocksAheadTest,
+                         ::testing::Values(forge::Format::kAnsi, forge::Format::kUnicode, forge::Format::kUnicode4k));
+
+TEST_P(BlocksAheadTest, HoldEveryBlockOfTheMessagesAsTheStoreHasIt) {
+  const auto store = Prove(Forge(100'000));
+  for (const bool keepStored : {false, true}) {
+    const BlocksAhead ahead(*store, Messages(*store), keepStored);
+    EXPECT_FALSE(ahead.IsFull());
+    std::size_t count = 0;
+    std::vector<std::byte> expected;
+    std::vector<std::byte> content;
+    for (const ndb::NodeTrees& trees : Messages(*store)) {
+      for (const Bid bid : BlocksOf(*store, trees)) {
+        store->ReadBlock(bid, expected);
+        ASSERT_TRUE(ahead.Find(bid, content)) << Value(bid);
+        EXPECT_EQ(content, expected) << Value(bid);
+        ++count;
+      }
+    }
+    EXPECT_GT(count, 6U);
+  }
+}
+
+TEST_P(BlocksAheadTest, KeepTheBlocksOfLongValuesAsTheyAreStoredWhereThatIsWanted) {
+  const auto store = Prove(Forge(100'000));
+  const BlocksAhead decoded(*store, Messages(*store), false);
+  const BlocksAhead stored(*store, Messages(*store), true);
+  std::size_t values = 0;
+  std::vector<std::byte> buffer;
+  for (const ndb::NodeTrees& trees : Messages(*store)) {
+    EXPECT_FALSE(stored.FindStored(trees.bidData)) << "the heap of the message";
+    for (const Bid bid : BlocksOf(*store, trees)) {
+      EXPECT_FALSE(decoded.FindStored(bid));
+      const auto data = stored.FindStored(bid);
+      if (!data) continue;
+      ++values;
+      const auto expected = store->FindStored(bid, buffer);
+      ASSERT_TRUE(expected);
+      EXPECT_TRUE(std::ranges::equal(data->bytes, expected->bytes));
+      EXPECT_EQ(data->crc, WeakCrc(data->bytes));
+    }
+  }
+  EXPECT_GT(values, 2U);
+}
+
+TEST_P(BlocksAheadTest, StopWhereThereIsNoMoreRoom) {
+  const auto store = Prove(Forge(2 * BlocksAhead::kMostBytes));
+  const BlocksAhead ahead(*store, Messages(*store), true);
+  EXPECT_TRUE(ahead.IsFull());
+  std::size_t bytes = 0;
+  std::vector<std::byte> content;
+  for (const ndb::NodeTrees& trees : Messages(*store)) {
+    EXPECT_TRUE(ahead.Find(trees.bidData, content));
+    for (const Bid bid : BlocksOf(*store, trees)) bytes += ahead.Find(bid, content) ? content.size() : 0;
+  }
+  EXPECT_LE(bytes, BlocksAhead::kMostBytes);
+}
+
+TEST_P(BlocksAheadTest, LeaveOutBlocksThatAreNotWhatTheyWere) {
+  Bytes bytes = Forge(20'000);
+  const auto before = Prove(bytes);
+  const ndb::NodeTrees trees = Messages(*before).front();
+  const FoundBlock* block = before->Found().Find(trees.bidData);
+  bytes[block->offset + 3] ^= std::byte{1};
+  const auto store = Prove(bytes);
+  const BlocksAhead ahead(*store, Messages(*store), true);
+  std::vector<std::byte> content;
+  EXPECT_FALSE(ahead.Find(trees.bidData, content));
+  EXPECT_TRUE(ahead.Find(Messages(*store).back().bidData, content));
+}
+
+}  // namespace
+}  // namespace velmora::engine
