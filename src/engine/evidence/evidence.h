@@ -36,6 +36,7 @@ struct FoundPage {
   PageType type = PageType::kNbt;
   std::uint8_t level = 0;
   Grade grade = Grade::kProven;
+  bool isMended = false;  ///< one bit in the file is wrong, and the checksum tells which
 };
 
 /// What a block is, by its first bytes.
