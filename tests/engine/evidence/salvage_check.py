@@ -40,6 +40,8 @@ def found_by(program, path):
             nodes[nid] = (data & ~1, sub & ~1, parent)
             if type_of(nid) in FOLDERS:
                 folders[nid] = parent
+        elif word[0] == "gone":
+            del nodes[int(word[1], 16)]
         elif word[0] == "folder":
             folders[int(word[1], 16)] = int(word[2], 16)
         elif word[0] == "row":
