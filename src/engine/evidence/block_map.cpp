@@ -11,6 +11,9 @@
 namespace velmora::engine {
 namespace {
 
+/// The signature of a block covers no more of its id.
+constexpr std::uint64_t kMostSigned = UINT32_MAX;
+
 /// A block as an entry of the block tree names it.
 struct Named {
   FoundBlock block;
@@ -52,7 +55,8 @@ class BlockMap {
   void AskTree(const std::optional<ToldByHeader>& told, RunContext& run) {
     const FoundTree tree(source_, evidence_, PageType::kBbt, run);
     for (const FoundBlock& block : evidence_.blocks) {
-      if (block.grade == Grade::kMoved) moved_.emplace(block.offset, block.bid);
+      const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
+      if (!isSigned) unsigned_.emplace(block.offset, block.bid);
     }
     const std::uint64_t newest = evidence_.blocks.empty() ? 0 : Value(evidence_.blocks.back().bid);
     const auto members = MembersOfNewest(tree, told ? std::optional(told->blockRoot) : std::nullopt, newest);
@@ -63,7 +67,7 @@ class BlockMap {
       const auto known = std::ranges::equal_range(evidence_.blocks, entry.ref.bid, {}, &FoundBlock::bid);
       if (known.size() > 1) {
         Prefer(entry, shade);
-      } else if (known.empty() && moved_.contains(entry.ref.ib)) {
+      } else if (known.empty() && unsigned_.contains(entry.ref.ib)) {
         CompareId(entry);
       } else if (known.empty() && IsFree(entry)) {
         named_.push_back(
@@ -85,17 +89,16 @@ class BlockMap {
            finds_.taken.IsFree(entry.ref.ib, std::min(size, fileSize - entry.ref.ib));
   }
 
-  /// What stands where it was written and seems to be moved has a wrong bit in its id, if that is all that the tree has
-  /// otherwise.
+  /// What stands where it was written has a wrong bit in its id, if that is all that the tree has otherwise.
   void CompareId(const BbtEntry& entry) {
-    const Bid bid = moved_.at(entry.ref.ib);
+    const Bid bid = unsigned_.at(entry.ref.ib);
     if (std::has_single_bit(Value(bid) ^ Value(entry.ref.bid))) idOf_.emplace(entry.ref.ib, entry);
   }
 
   void MendIds() {
     if (idOf_.empty()) return;
     for (FoundBlock& block : evidence_.blocks) {
-      const auto mended = block.grade == Grade::kMoved ? idOf_.find(block.offset) : idOf_.end();
+      const auto mended = idOf_.find(block.offset);
       if (mended != idOf_.end() && mended->second.cb == block.cb) block.bid = mended->second.ref.bid;
     }
     std::ranges::sort(evidence_.blocks, {}, ByIdAndPlace);
@@ -164,8 +167,7 @@ class BlockMap {
   void FindKinds(RunContext& run) {
     std::vector<std::byte> stored;
     for (FoundBlock& block : evidence_.blocks) {
-      const bool hasOtherId = block.grade == Grade::kMoved && idOf_.contains(block.offset);
-      if (block.grade != Grade::kNamed && !hasOtherId) {
+      if (block.grade != Grade::kNamed && !idOf_.contains(block.offset)) {
         block.kind = UnpackKind(block.kind, evidence_.encoding);
         continue;
       }
@@ -191,7 +193,7 @@ class BlockMap {
   Finds& finds_;
   Evidence& evidence_;
   std::unordered_map<Bid, std::pair<std::uint64_t, Shade>> preferred_;  ///< place of ids that several blocks have
-  std::unordered_map<std::uint64_t, Bid> moved_;                        ///< by place: the ids that they have there
+  std::unordered_map<std::uint64_t, Bid> unsigned_;                     ///< by place: ids that no signature proves
   std::unordered_map<std::uint64_t, BbtEntry> idOf_;                    ///< by place: of those whose id is wrong
   std::vector<Named> named_;
 };

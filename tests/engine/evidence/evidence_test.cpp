@@ -241,11 +241,12 @@ TEST_F(EvidenceTest, BlocksOfAStoreInsideOfABlockAreNotOnesOfThisStore) {
 TEST_F(EvidenceTest, AWrongBitInTheIdOfABlockIsPutRightByTheTreeThatNamesItsPlace) {
   const forge::Image sound = SampleImage();
   const forge::PlacedBlock block = sound.blocks[20];
-  for (const std::size_t byte : {0U, 3U}) {  // the id of another block, and one of none
+  for (const std::size_t byte : {0U, 3U, 4U}) {  // the id of another block, one of none, one that the signature fits
     forge::Image image = sound;
     image.bytes[block.offset + block.placeSize - 8 + byte] ^= std::byte{8};
     Judge(image);
-    EXPECT_EQ(Block(block.bid).grade, Grade::kMoved) << "its signature is another one's";
+    EXPECT_EQ(Block(block.bid).grade, byte == 4 ? Grade::kProven : Grade::kMoved);
+    EXPECT_TRUE(judgement_.nodesAreExact);
     EXPECT_EQ(Block(block.bid).offset, block.offset);
     EXPECT_EQ(StatusOf(block.bid), BlockStatus::kLive);
     EXPECT_EQ(evidence_.blocks.size(), image.blocks.size()) << "and no other";
