@@ -29,8 +29,9 @@ void NameEvidence::Add(const ndb::NodeTrees& map) {
     const auto value = context->Binary(tag);
     const bool isClean = store_.TakeHurt().empty() && faults.Count() == before;
     const PropertyRecord* record = context->Find(IdOf(tag));
-    if (!isClean && record != nullptr && IsHid(record->dwValueHnid)) isHeapProven = false;
-    return Stream{value.value_or(Bytes()), value.has_value() && isClean && isHeapProven};
+    const bool isInHeap = record == nullptr || IsHid(record->dwValueHnid);
+    if (!isClean && isInHeap) isHeapProven = false;
+    return Stream{value.value_or(Bytes()), value.has_value() && isClean && (isHeapProven || !isInHeap)};
   };
   Version version{read(name_map::kSetStream), read(name_map::kEntryStream), read(name_map::kTextStream)};
   const auto count = static_cast<std::uint32_t>(context->Integer32(name_map::kBucketCount).value_or(0));
@@ -73,12 +74,17 @@ std::vector<NameEvidence::Told> NameEvidence::ReadEntries(const Version& version
   return told;
 }
 
-bool NameEvidence::HasAllOfBuckets(const Version& version, const std::vector<Told>& told) {
+bool NameEvidence::AgreesWithBuckets(const Version& version, const std::vector<Told>& told, bool texts) {
   std::set<NameEntry> inBuckets;
   for (const Told& name : told) inBuckets.insert(name.inBucket);
-  return !version.buckets.empty() && std::ranges::all_of(version.buckets, [&](const NameEntry& entry) {
-    return inBuckets.contains(entry) || (entry.IsText() && !version.texts.isProven);
-  });
+  std::size_t all = 0;
+  std::size_t agreeing = 0;
+  for (const NameEntry& entry : version.buckets) {
+    if (entry.IsText() != texts) continue;
+    ++all;
+    agreeing += inBuckets.contains(entry) ? 1 : 0;
+  }
+  return agreeing * 2 > all;
 }
 
 NameEvidence::Names NameEvidence::NamesOf(const Version& version) const {
@@ -95,9 +101,11 @@ NameEvidence::Names NameEvidence::NamesOf(const Version& version) const {
     textsOf[hash].insert(std::move(text));
   }
   const std::vector<Told> told = ReadEntries(version);
-  const bool areEntriesProven = version.entries.isProven && HasAllOfBuckets(version, told);
+  const bool areNumbersProven = version.entries.isProven && AgreesWithBuckets(version, told, false);
+  const bool areTextsProven =
+      version.entries.isProven && version.texts.isProven && AgreesWithBuckets(version, told, true);
   for (const Told& name : told) {
-    const bool isProven = areEntriesProven && (!name.entry.IsText() || version.texts.isProven);
+    const bool isProven = name.entry.IsText() ? areTextsProven : areNumbersProven;
     if (name.entry.IsText()) textsOf[name.inBucket.number].insert(name.text);
     if (isProven || version.buckets.contains(name.inBucket)) tell(name.entry, name.text);
   }

@@ -51,6 +51,17 @@ class NameEvidenceTest : public CompleteTest {
     return image.Block(velmora::Value(NameNode(image).trees.bidData));
   }
 
+  /// Where these bytes stand in the heap of the map; the test fails if they do not.
+  static std::uint64_t PlaceInHeap(const forge::Image& image, const forge::Bytes& bytes) {
+    const forge::PlacedBlock heap = HeapOf(image);
+    forge::Bytes plain(image.bytes.begin() + static_cast<std::ptrdiff_t>(heap.offset),
+                       image.bytes.begin() + static_cast<std::ptrdiff_t>(heap.offset + heap.size));
+    forge::Decode(forge::Encoding::kPermute, static_cast<std::uint32_t>(heap.bid), plain);
+    const auto found = std::ranges::search(plain, bytes);
+    EXPECT_FALSE(found.empty());
+    return heap.offset + static_cast<std::uint64_t>(found.begin() - plain.begin());
+  }
+
   static void Lose(forge::Image& image, const forge::PlacedBlock& block) {
     forge::Fill(image, block.offset, block.placeSize);
   }
@@ -129,16 +140,22 @@ TEST_P(HurtSetsTest, ThoseThatArePublishedAreTold) {
   const forge::Nid nid = box.AddMessage(box.AddFolder({.name = u"Inbox"}), Mail(u"Names", Values())).nid;
   forge::Image image = box.Finish();
   const forge::Bytes own = forge::SetGuid(PropertySet::kOwn);
-  const forge::PlacedBlock heap = HeapOf(image);
-  forge::Bytes plain(image.bytes.begin() + static_cast<std::ptrdiff_t>(heap.offset),
-                     image.bytes.begin() + static_cast<std::ptrdiff_t>(heap.offset + heap.size));
-  forge::Decode(forge::Encoding::kPermute, static_cast<std::uint32_t>(heap.bid), plain);
-  const auto found = std::ranges::search(plain, own);
-  ASSERT_FALSE(found.empty());
-  forge::Fill(image, heap.offset + static_cast<std::uint64_t>(found.begin() - plain.begin()) + 2, 3, std::byte{0x5A});
+  forge::Fill(image, PlaceInHeap(image, own) + 2, 3, std::byte{0x5A});
   const Item item = CopyOfWrecked(image, nid);
   ExpectHas(item.properties, {Values()[0]});
   ExpectLost(2);
+}
+
+TEST_P(HurtSetsTest, AnEntryOfAWholeStreamCountsWhereItsBucketIsHurt) {
+  forge::Mailbox box = LargeBox();
+  const forge::Nid nid = box.AddMessage(box.AddFolder({.name = u"Inbox"}), Mail(u"Names", {Values()[0]})).nid;
+  forge::Image image = box.Finish();
+  forge::Bytes bucket;
+  forge::Append(bucket, 0x8506, 4);
+  const std::uint64_t at = PlaceInHeap(image, bucket);
+  forge::Fill(image, at, 3, std::byte{0x5A});
+  ExpectHas(CopyOfWrecked(image, nid).properties, {Values()[0]});
+  EXPECT_TRUE(account_.losses.empty());
 }
 
 TEST_P(NameEvidenceTest, AMapOfAnotherNumberingTellsNothing) {
