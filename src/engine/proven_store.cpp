@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/evidence/complete_nodes.h"
+#include "engine/evidence/name_maps.h"
 #include "engine/placed_bytes.h"
 #include "store/format/byte_view.h"
 #include "store/format/header.h"
@@ -31,6 +33,7 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
   });
   store->GatherNodes();
   store->FindKind();
+  store->FindNames(run);
   return store;
 }
 
@@ -65,6 +68,10 @@ void ProvenStore::LookAt(const std::shared_ptr<const platform::ByteSource>& file
 }
 
 void ProvenStore::GatherNodes() {
+  for (NodeClaim& claim : judgement_.nodes) {
+    const bool isGone = IsInUse(claim.standing) && std::ranges::binary_search(lost_.gone, claim.node.nid);
+    if (isGone) claim.standing = Standing::kDeleted;
+  }
   const auto take = [this](const NodeClaim& claim) {
     if (IsTaken(claim)) nodes_.push_back(claim.node);
   };
@@ -79,6 +86,12 @@ void ProvenStore::GatherNodes() {
     std::erase_if(*claims, IsTaken);
     claims->shrink_to_fit();
   }
+}
+
+void ProvenStore::FindNames(RunContext& run) {
+  const auto node = FindNode(nid::kNameToIdMap);
+  isNameMapWhole_ = node && CompleteNodes(blocks_).IsComplete(node->trees);
+  if (!isNameMapWhole_) nameMaps_ = FindNameMaps(blocks_, evidence_, judgement_, run);
 }
 
 void ProvenStore::FindKind() {

@@ -44,6 +44,10 @@ class ProvenStore : public ndb::BlockSource {
   /// without any.
   const std::vector<ndb::NodeEntry>& Nodes() const { return nodes_; }
 
+  bool IsNameMapWhole() const { return isNameMapWhole_; }
+  /// The maps of names that the file holds, if that of the store is not whole; see name_maps.h.
+  const std::vector<ndb::NodeTrees>& NameMaps() const { return nameMaps_; }
+
   StoreKind Kind() const { return kind_; }
   /// All of the file, or the part of it that is this store: every offset counts from the beginning of the store.
   const Source& Bytes() const { return source_; }
@@ -64,6 +68,7 @@ class ProvenStore : public ndb::BlockSource {
               RunContext& run);
   void GatherNodes();
   void FindKind();
+  void FindNames(RunContext& run);
 
   Source source_;
   std::optional<StorePlace> place_;
@@ -74,6 +79,8 @@ class ProvenStore : public ndb::BlockSource {
   LostNodes lost_;
   EvidenceBlocks blocks_{source_, evidence_, judgement_};
   std::vector<ndb::NodeEntry> nodes_;
+  bool isNameMapWhole_ = false;
+  std::vector<ndb::NodeTrees> nameMaps_;
   StoreKind kind_ = StoreKind::kNone;
   bool hasHurtBlocks_ = false;
 };

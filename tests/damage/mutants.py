@@ -3,7 +3,8 @@
 Scan, and whole with --verify.
 
 Each copy has one to four changes: flipped bits, sectors of zeros or noise, fields that hold a number on which readers
-trip, cuts, stretches of one store put into another. The same SEED and number give the same copy; --only N runs one
+trip, cuts, stretches of one store put into another. One in eight does not begin where the file does besides: its front
+is missing, something else is ahead of it, or another store ahead of it or behind it. The same SEED and number give the same copy; --only N runs one
 again, --keep FOLDER keeps those that fail. Fails where a run ends by a signal, by a sanitizer or with an exit code that
 does not exist, takes more than 15 seconds of processor time or, without sanitizers, more than 512 MB; and where the checker finds an error
 in the new store, which is asked for every copy whose number --check divides.
@@ -76,6 +77,23 @@ def splice(data, rnd, others):
     data[at:at + (len(piece) if rnd.randrange(2) else 0)] = piece
 
 
+def lose_front(data, rnd, _):
+    del data[:rnd.choice((1, 512, 4096, rnd.randrange(len(data) - 1024)))]
+
+
+def put_ahead(data, rnd, _):
+    length = rnd.choice((512, 4096, 65536, rnd.randrange(1, 20000)))
+    data[:0] = rnd.choice((bytes, rnd.randbytes))(length)
+
+
+def join(data, rnd, others):
+    other = rnd.choice(others) + rnd.randbytes(rnd.choice((0, 512, rnd.randrange(1, 2000))))
+    at = rnd.choice((0, len(data)))
+    data[at:at] = other
+
+
+PLACES = (lose_front, put_ahead, join)
+DISPLACED = 8
 KINDS = (flip_bits, spoil_sectors, put_numbers, cut, splice)
 
 
@@ -83,8 +101,11 @@ def mutant(seed, number, originals):
     rnd = random.Random(f"{seed}:{number}")
     data = bytearray(rnd.choice(originals))
     kinds = rnd.choices(KINDS, k=rnd.randint(1, 4))
+    rest = random.Random(f"{seed}:{number}:place")
+    if rest.randrange(DISPLACED) == 0:
+        kinds.append(rest.choice(PLACES))
     for kind in kinds:
-        kind(data, rnd, originals)
+        kind(data, rest if kind in PLACES else rnd, originals)
     return data, MODES[number % len(MODES)], [kind.__name__ for kind in kinds]
 
 

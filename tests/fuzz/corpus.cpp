@@ -36,6 +36,28 @@ void Spoil(forge::Bytes& bytes, std::uint32_t seed) {
   }
 }
 
+/// The store where it does not begin and end with the file: its front is missing, or something else is ahead
+/// of it or behind it.
+std::vector<Seed> Displaced(const std::string& variant, const forge::Bytes& store, const forge::Bytes& other) {
+  std::vector<Seed> seeds;
+  for (const std::size_t missing : {512U, 9001U}) {
+    seeds.push_back({variant + "-without-" + std::to_string(missing),
+                     {store.begin() + static_cast<std::ptrdiff_t>(missing), store.end()}});
+  }
+  for (const std::size_t ahead : {512U, 777U, 4096U}) {
+    forge::Bytes behind = forge::Noise(ahead, 5);
+    forge::Append(behind, store);
+    seeds.push_back({variant + "-behind-" + std::to_string(ahead), std::move(behind)});
+  }
+  for (const std::size_t between : {0U, 333U}) {
+    forge::Bytes two = store;
+    forge::Append(two, forge::Noise(between, 6));
+    forge::Append(two, other);
+    seeds.push_back({variant + "-ahead-of-another-" + std::to_string(between), std::move(two)});
+  }
+  return seeds;
+}
+
 }  // namespace
 
 std::vector<Seed> Corpus() {
@@ -62,6 +84,9 @@ std::vector<Seed> Corpus() {
         Spoil(spoiled, seed);
         seeds.push_back({variant + "-spoiled" + std::to_string(seed), std::move(spoiled)});
       }
+      if (encoding != Encoding::kPermute) continue;
+      const auto other = Mailbox(format, Encoding::kCyclic);
+      for (Seed& seed : Displaced(variant, image.bytes, other.bytes)) seeds.push_back(std::move(seed));
     }
   }
   return seeds;

@@ -1,6 +1,7 @@
 #include "engine/evidence/block_map.h"
 
 #include <algorithm>
+#include <bit>
 #include <tuple>
 #include <unordered_map>
 
@@ -9,6 +10,9 @@
 
 namespace velmora::engine {
 namespace {
+
+/// The signature of a block covers no more of its id.
+constexpr std::uint64_t kMostSigned = UINT32_MAX;
 
 /// A block as an entry of the block tree names it.
 struct Named {
@@ -26,6 +30,7 @@ class BlockMap {
     evidence_.blocks = std::move(finds_.whole);
     std::ranges::sort(evidence_.blocks, {}, ByIdAndPlace);
     AskTree(told, run);
+    MendIds();
     DropSecondOnes();
     AddNamed();
     AddHurt();
@@ -49,6 +54,10 @@ class BlockMap {
 
   void AskTree(const std::optional<ToldByHeader>& told, RunContext& run) {
     const FoundTree tree(source_, evidence_, PageType::kBbt, run);
+    for (const FoundBlock& block : evidence_.blocks) {
+      const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
+      if (!isSigned) unsigned_.emplace(block.offset, block.bid);
+    }
     const std::uint64_t newest = evidence_.blocks.empty() ? 0 : Value(evidence_.blocks.back().bid);
     const auto members = MembersOfNewest(tree, told ? std::optional(told->blockRoot) : std::nullopt, newest);
     Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
@@ -58,6 +67,8 @@ class BlockMap {
       const auto known = std::ranges::equal_range(evidence_.blocks, entry.ref.bid, {}, &FoundBlock::bid);
       if (known.size() > 1) {
         Prefer(entry, shade);
+      } else if (known.empty() && unsigned_.contains(entry.ref.ib)) {
+        CompareId(entry);
       } else if (known.empty() && IsFree(entry)) {
         named_.push_back(
             {{.bid = entry.ref.bid, .offset = entry.ref.ib, .cb = entry.cb, .grade = Grade::kNamed}, shade});
@@ -76,6 +87,21 @@ class BlockMap {
     const std::uint64_t size = BlockSizeOnDisk(entry.cb, *evidence_.layout);
     return entry.ref.ib < fileSize && entry.ref.ib != 0 &&
            finds_.taken.IsFree(entry.ref.ib, std::min(size, fileSize - entry.ref.ib));
+  }
+
+  /// What stands where it was written has a wrong bit in its id, if that is all that the tree has otherwise.
+  void CompareId(const BbtEntry& entry) {
+    const Bid bid = unsigned_.at(entry.ref.ib);
+    if (std::has_single_bit(Value(bid) ^ Value(entry.ref.bid))) idOf_.emplace(entry.ref.ib, entry);
+  }
+
+  void MendIds() {
+    if (idOf_.empty()) return;
+    for (FoundBlock& block : evidence_.blocks) {
+      const auto mended = idOf_.find(block.offset);
+      if (mended != idOf_.end() && mended->second.cb == block.cb) block.bid = mended->second.ref.bid;
+    }
+    std::ranges::sort(evidence_.blocks, {}, ByIdAndPlace);
   }
 
   /// Of several blocks of an id, the one that the best entry names.
@@ -137,11 +163,11 @@ class BlockMap {
     std::ranges::inplace_merge(blocks, blocks.begin() + static_cast<std::ptrdiff_t>(from), {}, &FoundBlock::bid);
   }
 
-  // A block that only the tree names was not looked at yet.
+  // A block that only the tree names was not looked at yet, one with a wrong id not with the right one.
   void FindKinds(RunContext& run) {
     std::vector<std::byte> stored;
     for (FoundBlock& block : evidence_.blocks) {
-      if (block.grade != Grade::kNamed) {
+      if (block.grade != Grade::kNamed && !idOf_.contains(block.offset)) {
         block.kind = UnpackKind(block.kind, evidence_.encoding);
         continue;
       }
@@ -167,6 +193,8 @@ class BlockMap {
   Finds& finds_;
   Evidence& evidence_;
   std::unordered_map<Bid, std::pair<std::uint64_t, Shade>> preferred_;  ///< place of ids that several blocks have
+  std::unordered_map<std::uint64_t, Bid> unsigned_;                     ///< by place: ids that no signature proves
+  std::unordered_map<std::uint64_t, BbtEntry> idOf_;                    ///< by place: of those whose id is wrong
   std::vector<Named> named_;
 };
 

@@ -2,8 +2,8 @@
 
 #include <ranges>
 
+#include "engine/evidence/name_maps.h"
 #include "store/format/little_endian.h"
-#include "store/format/name_map.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 
@@ -25,11 +25,6 @@ bool IsStore(const ltp::PropertyContext& context) {
   return context.Find(IdOf(tag::kIpmSubTreeEntryId)) != nullptr || context.Find(IdOf(tag::kPstPassword)) != nullptr;
 }
 
-bool IsNameMap(const ltp::PropertyContext& context) {
-  const PropertyRecord* first = context.Records().empty() ? nullptr : &context.Records().front();
-  return first != nullptr && first->Tag() == name_map::kBucketCount && context.Find(IdOf(name_map::kEntryStream));
-}
-
 /// Gives each listed folder the newest context that is like its row. Of folders that are alike the younger has the
 /// newer.
 std::unordered_map<Nid, Bid> ContextsOf(const EvidenceView& view, std::span<const ListedFolder> folders,
@@ -40,6 +35,24 @@ std::unordered_map<Nid, Bid> ContextsOf(const EvidenceView& view, std::span<cons
     if (view.InUse(folder.nid) != nullptr || contexts.empty()) continue;
     contextOf[folder.nid] = contexts.back();
     contexts.pop_back();
+  }
+  return contextOf;
+}
+
+/// Folders of which the node that stands in is an older version than the newest context that is like the row, which is
+/// like that of no other folder.
+std::unordered_map<Nid, Bid> NewerContextsOf(const EvidenceView& view, std::span<const ListedFolder> folders,
+                                             const std::unordered_map<std::uint32_t, std::vector<Bid>>& like) {
+  std::unordered_map<std::uint32_t, std::size_t> alike;
+  for (const ListedFolder& folder : folders) ++alike[folder.fingerprint];
+  std::unordered_map<Nid, Bid> contextOf;
+  for (const ListedFolder& folder : folders) {
+    const NodeClaim* claim = view.InUse(folder.nid);
+    const std::vector<Bid>& contexts = like.at(folder.fingerprint);
+    if (claim == nullptr || claim->standing != Standing::kDoubtful || contexts.empty()) continue;
+    if (alike[folder.fingerprint] == 1 && contexts.back() > claim->node.trees.bidData) {
+      contextOf[folder.nid] = contexts.back();
+    }
   }
   return contextOf;
 }
@@ -82,6 +95,7 @@ ContextSurvey SurveyContexts(const EvidenceView& view, std::span<const Bid> bids
       if (folder != like.end()) folder->second.push_back(bid);
     }
   }
+  survey.newerContextOf = NewerContextsOf(view, folders, like);
   survey.contextOf = ContextsOf(view, folders, like);
   return survey;
 }

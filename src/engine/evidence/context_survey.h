@@ -14,7 +14,8 @@ struct ContextSurvey {
   StoreFolders folders;
   Bid store = kNoBid;    ///< the newest that is not freed of those that look like the store's own properties
   Bid nameMap = kNoBid;  ///< likewise of the names of properties
-  std::unordered_map<Nid, Bid> contextOf;  ///< of folders that are listed, and are no nodes in use
+  std::unordered_map<Nid, Bid> contextOf;       ///< of folders that are listed, and are no nodes in use
+  std::unordered_map<Nid, Bid> newerContextOf;  ///< of folders whose node has an older one, by a row like no other
 };
 
 /// Offers the messages to `rows`, which is sealed.

@@ -37,6 +37,7 @@ struct FoundPage {
   PageType type = PageType::kNbt;
   std::uint8_t level = 0;
   Grade grade = Grade::kProven;
+  bool isMended = false;  ///< one bit in the file is wrong, and the checksum tells which
 };
 
 /// What a block is, by its first bytes.
@@ -170,6 +171,7 @@ struct LostNodes {
   std::vector<NodeClaim> nodes;         ///< by ascending id; those without a known id get one above all others
   std::vector<FolderRow> folderRows;    ///< of folders whose own node is gone
   std::vector<MessageRow> messageRows;  ///< of messages of which nothing else is left
+  std::vector<Nid> gone;                ///< doubtful messages that are deleted, as the table of their folder tells
 };
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted

@@ -15,6 +15,7 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
     if (found.type != type) continue;
     run.control.PausePoint();
     if (source.Read(found.offset, bytes).value_or(0) != bytes.size()) continue;
+    if (found.isMended && !MendPage(bytes, layout_)) continue;
     const std::optional<BtPageHead> head = SoundHead(bytes, type, layout_);
     if (!head || head->cEnt == 0 || head->cLevel != found.level) continue;  // it was written over meanwhile
     TreePage page{found, UINT64_MAX, 0, content_.size(), head->cEnt, head->cbEnt};

@@ -58,7 +58,7 @@ class LostSearch {
     rows_.Seal();
     survey_ = SurveyContexts(view_, tops.contexts, lists, tables_.folders, rows_, run_);
     AssignOwners(
-        view_, survey_.folders, [this](Nid folder) { return ContextOf(folder); }, tables_);
+        view_, survey_.folders, [this](Nid folder) { return ContextOf(folder); }, survey_.newerContextOf, tables_);
     existing_ = ExistingFolders(view_, tables_);
     listOf_ = PairWithLists(view_, survey_.messages, lists, sizes_, run_);
     NoteIds();
@@ -69,6 +69,7 @@ class LostSearch {
     AddListed();
     AddUnlisted();
     CorrectParents();
+    FindGone();
     std::ranges::stable_sort(lost_.nodes, {}, [](const NodeClaim& claim) { return claim.node.nid; });
     return std::move(lost_);
   }
@@ -303,6 +304,38 @@ class LostSearch {
         Add(node, Standing::kDoubtful);
       }
     }
+  }
+
+  // A doubtful message that a former table of its folder lists, and none since the folder was written anew. The table
+  // of another folder, to which it may have been moved, must not be lost.
+  void FindGone() {
+    std::unordered_set<Nid> listed;
+    std::unordered_set<Nid> withTable;
+    std::unordered_map<Nid, Bid> proven;  // by folder, the newest
+    for (const FolderTable& table : tables_.tables) {
+      if (table.kind != TableKind::kContents || !table.isCurrent) continue;
+      listed.insert(table.rows.begin(), table.rows.end());
+      withTable.insert(table.folder);
+      if (!table.isProven) continue;
+      Bid& newest = proven[table.folder];
+      newest = std::max(newest, table.trees.bidData);
+    }
+    const auto lacksTable = [&](Nid folder) { return !withTable.contains(folder) && CountOf(folder) != 0; };
+    if (proven.empty() || std::ranges::any_of(existing_, lacksTable)) return;
+    for (const FolderTable& table : tables_.tables) {
+      const auto newer = proven.find(table.folder);
+      if (table.kind != TableKind::kContents || table.isCurrent || newer == proven.end()) continue;
+      for (const Nid row : table.rows) {
+        const NodeClaim* claim = view_.InUse(row);
+        if (claim == nullptr || claim->standing != Standing::kDoubtful || listed.contains(row)) continue;
+        const Bid data = claim->node.trees.bidData;
+        const bool isOfFolder = claim->node.nidParent == table.folder && data < newer->second;
+        if (isOfFolder && view_.StatusOf(data) != BlockStatus::kLive) lost_.gone.push_back(row);
+      }
+    }
+    std::ranges::sort(lost_.gone);
+    const auto repeated = std::ranges::unique(lost_.gone);
+    lost_.gone.erase(repeated.begin(), repeated.end());
   }
 
   const EvidenceView& view_;

@@ -1,5 +1,7 @@
 #include "engine/evidence/page_evidence.h"
 
+#include <bit>
+
 #include "store/format/checksum.h"
 #include "store/format/little_endian.h"
 
@@ -45,18 +47,35 @@ std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Gener
   return type == PageType::kNbt ? Value(LoadNid(entry, 0)) : layout.LoadWord(entry, 0) & ~std::uint64_t{1};
 }
 
+bool MendPage(std::span<std::byte> page, const Generation& layout) {
+  const std::span<std::byte> covered = page.first(layout.offPageType);
+  const std::uint32_t difference = Load<std::uint32_t>(page, layout.offPageCrc) ^ WeakCrc(covered);
+  if (difference == 0 || std::has_single_bit(difference)) return true;  // or a bit of the sum itself is wrong
+  const auto bit = SingleWrongBit(difference, covered.size());
+  if (bit) covered[*bit / 8] ^= std::byte{1} << *bit % 8;
+  return bit.has_value();
+}
+
 std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Generation& layout) {
   const auto word = Load<std::uint16_t>(page, layout.offPageType);
   if (word != TypeWord(PageType::kBbt) && word != TypeWord(PageType::kNbt)) return std::nullopt;
   const auto type = static_cast<PageType>(word & 0xFF);
-  const std::optional<BtPageHead> head = SoundHead(page, type, layout);
-  if (!head) return std::nullopt;
   const std::uint64_t id = layout.LoadWord(page, layout.offPageId);
   const bool isSigned = Load<std::uint16_t>(page, layout.offPageSig) == ComputeSig(offset, id);
   const bool isWhole = Load<std::uint32_t>(page, layout.offPageCrc) == WeakCrc(page.first(layout.offPageType));
-  if (!isWhole && !(isSigned && head->cEnt != 0 && OddEntries(page, type, *head, layout))) return std::nullopt;
-  const Grade grade = !isWhole ? Grade::kHurt : isSigned ? Grade::kProven : Grade::kMoved;
-  return FoundPage{offset, id, type, head->cLevel, grade};
+  std::vector<std::byte> mended;
+  if (!isWhole && isSigned) {
+    mended.assign(page.begin(), page.end());
+    if (!MendPage(mended, layout)) mended.clear();
+  }
+  const bool isMended = !mended.empty();
+  if (isMended) page = mended;
+  const std::optional<BtPageHead> head = SoundHead(page, type, layout);
+  if (!head) return std::nullopt;
+  const bool isUsable = isWhole || isMended;
+  if (!isUsable && !(isSigned && head->cEnt != 0 && OddEntries(page, type, *head, layout))) return std::nullopt;
+  const Grade grade = !isUsable ? Grade::kHurt : isSigned ? Grade::kProven : Grade::kMoved;
+  return FoundPage{offset, id, type, head->cLevel, grade, isMended};
 }
 
 }  // namespace velmora::engine

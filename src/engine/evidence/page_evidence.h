@@ -25,10 +25,13 @@ std::uint64_t KeyOf(std::span<const std::byte> entry, PageType type, const Gener
 std::optional<std::vector<std::size_t>> OddEntries(PageView page, PageType type, const BtPageHead& head,
                                                    const Generation& layout);
 
+/// Puts the one bit right that is wrong in a page or its checksum. False where more of it is.
+bool MendPage(std::span<std::byte> page, const Generation& layout);
+
 /// The page that was written at `offset` (which is where it is said to stand) and consists of these bytes. Proven when
-/// checksum and signature fit, moved with the checksum alone. With the signature alone it is what is left of a page
-/// that was written over, or one with bits flipped: hurt, if its keys ascend but for one at most. Nothing
-/// otherwise.
+/// checksum and signature fit, one wrong bit put right, moved with the checksum alone. With the signature alone it is
+/// what is left of a page that was written over, or one with bits flipped: hurt, if its keys ascend but for one at
+/// most. Nothing otherwise.
 std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Generation& layout);
 
 }  // namespace velmora::engine

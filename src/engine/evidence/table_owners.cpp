@@ -35,8 +35,8 @@ bool IsOpen(const FolderTable& table, TableKind kind) {
 class Owners {
  public:
   Owners(const EvidenceView& view, const StoreFolders& store, const std::function<Bid(Nid)>& contextOf,
-         FolderTables& tables)
-      : view_(view), store_(store), contextOf_(contextOf), tables_(tables) {}
+         const std::unordered_map<Nid, Bid>& newerContextOf, FolderTables& tables)
+      : view_(view), store_(store), contextOf_(contextOf), newerContextOf_(newerContextOf), tables_(tables) {}
 
   void Assign() {
     ByEntries();
@@ -44,6 +44,7 @@ class Owners {
     ByFoldersOfTheStore();
     ByAge();
     ByCounts();
+    ProveByNewerFolders();
     DropOlder();
   }
 
@@ -225,6 +226,16 @@ class Owners {
     }
   }
 
+  void ProveByNewerFolders() {
+    for (FolderTable& table : tables_.tables) {
+      if (!table.isCurrent || !table.isWhole || table.kind != TableKind::kContents) continue;
+      const auto context = newerContextOf_.find(table.folder);
+      if (context == newerContextOf_.end() || Distance(context->second, table) > kWrittenTogether) continue;
+      const ListedFolder* folder = tables_.Find(table.folder);
+      table.isProven = table.isProven || (folder->count == table.rows.size() && folder->unread == table.unread);
+    }
+  }
+
   static std::uint64_t Distance(Bid bid, const FolderTable& table) {
     const std::uint64_t a = Value(bid);
     const std::uint64_t b = Value(table.trees.bidData);
@@ -247,14 +258,15 @@ class Owners {
   const EvidenceView& view_;
   const StoreFolders& store_;
   const std::function<Bid(Nid)>& contextOf_;
+  const std::unordered_map<Nid, Bid>& newerContextOf_;
   FolderTables& tables_;
 };
 
 }  // namespace
 
 void AssignOwners(const EvidenceView& view, const StoreFolders& store, const std::function<Bid(Nid)>& contextOf,
-                  FolderTables& tables) {
-  Owners(view, store, contextOf, tables).Assign();
+                  const std::unordered_map<Nid, Bid>& newerContextOf, FolderTables& tables) {
+  Owners(view, store, contextOf, newerContextOf, tables).Assign();
 }
 
 std::unordered_set<Nid> ExistingFolders(const EvidenceView& view, const FolderTables& tables) {

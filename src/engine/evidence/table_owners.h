@@ -10,11 +10,15 @@
 //               several such folders the one whose own block was written nearest to the table. Folders without a table
 //               come first; one whose table is named by no live entry may have a newer one, if no other fits as well
 //
+// A contents table that has the counts of its folder, and was written together with a version of the folder that is
+// newer than the node of it, is proven.
+//
 // A table that is older than a proven one of the same folder is out of use. One whose folder is neither a node nor a
 // row of a table in use is what is left of a deleted folder.
 #pragma once
 
 #include <functional>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "engine/evidence/folder_tables.h"
@@ -29,9 +33,10 @@ struct StoreFolders {
 };
 
 /// Sets folder and proof of the current tables; those that turn out not to be in use are no longer current.
-/// `contextOf` gives the block that holds the properties of a folder, or kNoBid.
+/// `contextOf` gives the block that holds the properties of a folder, or kNoBid; `newerContextOf` those that are newer
+/// than the folder's node.
 void AssignOwners(const EvidenceView& view, const StoreFolders& store, const std::function<Bid(Nid)>& contextOf,
-                  FolderTables& tables);
+                  const std::unordered_map<Nid, Bid>& newerContextOf, FolderTables& tables);
 
 /// The folders that there are: as nodes, or as rows of tables in use.
 std::unordered_set<Nid> ExistingFolders(const EvidenceView& view, const FolderTables& tables);

@@ -4,7 +4,7 @@
 //   velmora-evidence --blocks STORE   besides: "block STATUS GRADE KIND NAMED BID OFFSET SIZE"
 //   velmora-evidence --lost STORE     besides: what no entry tells of, as "node ..." too, and for what is known by its
 //   row
-//                                     alone "folder NID PARENT", "row NID PARENT"
+//                                     alone "folder NID PARENT", "row NID PARENT", and "gone NID" for what is none
 //   velmora-evidence --deleted STORE  the same, with what is deleted or older
 #include <algorithm>
 #include <cstdio>
@@ -50,6 +50,7 @@ int Print(const char* path, std::string_view more) {
     const EvidenceBlocks blocks(source, evidence, judgement);
     const LostNodes lost = FindLostNodes(blocks, evidence, judgement, more == "--deleted", run);
     std::ranges::for_each(lost.nodes, PrintNode);
+    for (const Nid nid : lost.gone) std::printf("gone %x\n", Value(nid));
     for (const FolderRow& row : lost.folderRows) std::printf("folder %x %x\n", Value(row.nid), Value(row.nidParent));
     for (const MessageRow& row : lost.messageRows) std::printf("row %x %x\n", Value(row.nid), Value(row.nidParent));
   }

@@ -238,10 +238,40 @@ TEST_F(EvidenceTest, BlocksOfAStoreInsideOfABlockAreNotOnesOfThisStore) {
   EXPECT_EQ(evidence_.Find(velmora::Bid{bid}), nullptr);
 }
 
-TEST_F(EvidenceTest, APageOfWhichABitIsWrongCountsWhereNothingElseStands) {
+TEST_F(EvidenceTest, AWrongBitInTheIdOfABlockIsPutRightByTheTreeThatNamesItsPlace) {
+  const forge::Image sound = SampleImage();
+  const forge::PlacedBlock block = sound.blocks[20];
+  for (const std::size_t byte : {0U, 3U, 4U}) {  // the id of another block, one of none, one that the signature fits
+    forge::Image image = sound;
+    image.bytes[block.offset + block.placeSize - 8 + byte] ^= std::byte{8};
+    Judge(image);
+    EXPECT_EQ(Block(block.bid).grade, byte == 4 ? Grade::kProven : Grade::kMoved);
+    EXPECT_TRUE(judgement_.nodesAreExact);
+    EXPECT_EQ(Block(block.bid).offset, block.offset);
+    EXPECT_EQ(StatusOf(block.bid), BlockStatus::kLive);
+    EXPECT_EQ(evidence_.blocks.size(), image.blocks.size()) << "and no other";
+  }
+}
+
+TEST_F(EvidenceTest, APageOfWhichOneBitIsWrongIsPutRight) {
+  const forge::Image sound = SampleImage();
+  const forge::PlacedPage page = sound.TreePages(forge::PageType::kNodes).front();
+  for (const std::size_t bit : {0U, 1U, 9U, 488U * 8, 491U * 8, 495U * 8 + 7, 500U * 8, 503U * 8 + 7}) {
+    forge::Image image = sound;  // a page of 512 bytes, its sum at 500
+    image.bytes[page.offset + bit / 8] ^= std::byte{1} << bit % 8;
+    Judge(image);
+    const auto found = std::ranges::find(evidence_.pages, page.offset, &FoundPage::offset);
+    ASSERT_NE(found, evidence_.pages.end()) << bit;
+    EXPECT_TRUE(found->isMended) << bit;
+    EXPECT_TRUE(judgement_.nodesAreExact) << bit;
+    EXPECT_EQ(Nodes({Standing::kLive}), LinesOf(image)) << bit;
+  }
+}
+
+TEST_F(EvidenceTest, APageOfWhichBitsAreWrongCountsWhereNothingElseStands) {
   forge::Image image = SampleImage();
   const forge::PlacedPage page = image.TreePages(forge::PageType::kNodes).front();
-  forge::Fill(image, page.offset + 400, 1, std::byte{1});
+  forge::Fill(image, page.offset + 400, 1, std::byte{3});
   Find(image);
   const auto found = std::ranges::find(evidence_.pages, page.offset, &FoundPage::offset);
   ASSERT_NE(found, evidence_.pages.end());

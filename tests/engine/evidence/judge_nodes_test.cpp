@@ -387,6 +387,7 @@ TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
   AddNodes(0x200024, 12);
   forge::Image image = store_.Finish();
   const forge::PlacedPage leaf = LeafWithNode(image, 0x200024);
+  forge::Fill(image, leaf.offset + 400, 1, std::byte{1});  // in no entry; a single bit would be put right
   forge::Image middle = image;
   forge::Fill(middle, leaf.offset + 64 + 2, 1, std::byte{0});  // 0x64 behind 0x200044
   Judge(middle);

@@ -500,6 +500,38 @@ TEST_P(LostNodesTest, AFolderWhoseTableIsDoubtfulGetsTheNewerOneThatFitsItAlone)
   EXPECT_EQ(ClaimTo(lost, second.nid).node, store.Entry(second.nid));
 }
 
+TEST_P(LostNodesTest, WhatAFolderListedBeforeItWasWrittenAnewIsGone) {
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const Bid oldFolder{Store().AddDataBlocks(
+      forge::FormContext(Store(), {forge::Text(0x3001, u"Work"), forge::Int32(0x3602, 1)}).blocks)};
+  const ndb::NodeTrees gone = WithoutNode(LetterTo(u"Gone", 3));
+  const forge::Context old = forge::FormTable(Store(), forge::ContentsColumns(), {{0x300024, {}}});
+  const Bid oldTable{Store().AddDataBlocks(old.blocks)};
+  const auto kept = box_.AddMessage(work, Letter(u"Kept", 1));
+  const auto other = box_.AddFolder({.name = u"Other"});
+  for (unsigned day = 4; day < 7; ++day) box_.AddMessage(other, Letter(u"Other", day));
+  WreckedStore store(box_.Finish());
+  const forge::Nid contents = (work & ~0x1Fu) | 0x0E;
+  const ndb::NodeEntry folder = store.Entry(work);
+  store.LoseBlockTree();
+  for (const forge::Nid nid : {kept.nid, contents, work}) store.Lose(nid);
+  store.Claim({Nid{contents}, {oldTable, kNoBid}, kNoNid}, Standing::kDoubtful);
+  store.Claim({Nid{0x300024}, gone, Nid{work}}, Standing::kDoubtful);
+  store.Claim({Nid{work}, {oldFolder, kNoBid}, folder.nidParent}, Standing::kDoubtful);
+  EXPECT_EQ(store.Find().gone, std::vector{Nid{0x300024}});
+  EXPECT_EQ(ClaimTo(store.Find(), kept.nid).node, store.Entry(kept.nid));
+
+  store.Lose(work);
+  store.Claim(folder, Standing::kDoubtful);
+  EXPECT_TRUE(store.Find().gone.empty()) << "the folder may be the one of that time";
+
+  store.Lose(work);
+  store.Claim({Nid{work}, {oldFolder, kNoBid}, folder.nidParent}, Standing::kDoubtful);
+  store.LoseBlock(store.Entry((other & ~0x1Fu) | 0x0E).trees.bidData);
+  store.Lose((other & ~0x1Fu) | 0x0E);
+  EXPECT_TRUE(store.Find().gone.empty()) << "it may have been moved to where the table is lost";
+}
+
 TEST_P(LostNodesTest, MessagesInNoTableAreOfTheOneFolderThatIsShortOfThem) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
   const auto work = box_.AddFolder({.name = u"Work"});

@@ -12,6 +12,7 @@ import collections
 import glob
 import os
 import pathlib
+import random
 import subprocess
 import sys
 import tempfile
@@ -39,6 +40,8 @@ def found_by(program, path):
             nodes[nid] = (data & ~1, sub & ~1, parent)
             if type_of(nid) in FOLDERS:
                 folders[nid] = parent
+        elif word[0] == "gone":
+            del nodes[int(word[1], 16)]
         elif word[0] == "folder":
             folders[int(word[1], 16)] = int(word[2], 16)
         elif word[0] == "row":
@@ -68,6 +71,7 @@ class Truth:
         import salvagescore
         store = pstcheck.Store(path)
         store.load()
+        self.store = store
         self.bytes = open(path, "rb").read()
         extents = salvagescore.Extents(store)
         self.nodes = {nid: (data & ~1, sub & ~1, parent) for nid, (data, sub, parent) in store.nbt.items()}
@@ -77,9 +81,17 @@ class Truth:
         return all(damaged[at:at + size] == self.bytes[at:at + size] for at, size in self.extents[nid])
 
 
-def score(truth, program, path, verbose):
+def damaged_copies(truth, path, seed):
+    """each case and its content: one at a time, as a large store has no room for all"""
+    import damage
+    with open(path, "rb") as whole:
+        yield from damage.cases(truth.store, whole.read(), random.Random(seed))
+    for case, types in OF_OUR_OWN.items():
+        yield case, without_pages(path, types)
+
+
+def score(truth, program, path, damaged, verbose):
     nodes, folders, rows = found_by(program, path)
-    damaged = open(path, "rb").read()
     messages = [nid for nid in truth.nodes if type_of(nid) == MESSAGE]
     pairs = collections.Counter(entry[:2] for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
     places = collections.Counter(entry for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
@@ -126,25 +138,20 @@ def main():
         return aids.SKIPPED
     sys.path.insert(0, TOOLS)
     sys.setrecursionlimit(4000)
-    damage = os.path.join(TOOLS, "damage.py")
-    listed = subprocess.run([sys.executable, damage, "--list"], check=True, capture_output=True, text=True).stdout.split()
-    sums = {case: collections.Counter() for case in [*listed, *OF_OUR_OWN]}
+    sums = {}
     for path in sorted(p for p in glob.glob(os.path.join(STORES, "*")) if p.endswith((".pst", ".ost"))):
         truth = Truth(path)
-        with tempfile.TemporaryDirectory() as folder:
-            subprocess.run([sys.executable, damage, path, folder, "--seed", a.seed] +
-                           (["--case", *a.case] if a.case else []), check=True)
-            for case, types in OF_OUR_OWN.items():
-                if not a.case or case in a.case:
-                    with open(os.path.join(folder, case + os.path.splitext(path)[1]), "wb") as out:
-                        out.write(without_pages(path, types))
-            for case in sums:
-                copy = os.path.join(folder, case + os.path.splitext(path)[1])
-                if os.path.exists(copy):
-                    row = score(truth, a.program, copy, a.verbose)
-                    if a.verbose:
-                        print(os.path.basename(path), case, dict(row))
-                    sums[case].update(row)
+        for case, content in damaged_copies(truth, path, int(a.seed)):
+            sums.setdefault(case, collections.Counter())
+            if a.case and case not in a.case:
+                continue
+            with tempfile.NamedTemporaryFile(suffix=os.path.splitext(path)[1]) as copy:
+                copy.write(content)
+                copy.flush()
+                row = score(truth, a.program, copy.name, content, a.verbose)
+            if a.verbose:
+                print(os.path.basename(path), case, dict(row), flush=True)
+            sums[case].update(row)
     print("%-22s %6s %6s %7s %9s | %8s %8s | %11s | %s" % ("case", "intact", "found", "same id", "in folder", "too much",
                                                           "too many", "hurt: found", "folders: found, placed, too much"))
     for case, t in sums.items():

@@ -41,5 +41,28 @@ TEST(WeakCrc, OfEveryLengthAndPlaceIsThatOfTheDefinition) {
   }
 }
 
+TEST(SingleWrongBit, IsFoundInEachPlace) {
+  std::vector<std::byte> bytes = test::Noise(496);
+  const std::uint32_t sum = WeakCrc(bytes);
+  for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
+    const auto flip = [&] { bytes[bit / 8] ^= std::byte{1} << bit % 8; };
+    flip();
+    ASSERT_EQ(SingleWrongBit(sum ^ WeakCrc(bytes), bytes.size()), bit);
+    flip();
+  }
+}
+
+TEST(SingleWrongBit, IsNotWhatSeveralAreTakenFor) {
+  std::vector<std::byte> bytes = test::Noise(496);
+  const std::uint32_t sum = WeakCrc(bytes);
+  EXPECT_EQ(SingleWrongBit(0, bytes.size()), std::nullopt) << "nothing is wrong";
+  for (std::size_t at = 1; at < bytes.size(); ++at) {
+    std::vector<std::byte> wrong = bytes;
+    wrong[0] ^= std::byte{1};
+    wrong[at] ^= std::byte{0x10};
+    ASSERT_EQ(SingleWrongBit(sum ^ WeakCrc(wrong), wrong.size()), std::nullopt) << at;
+  }
+}
+
 }  // namespace
 }  // namespace velmora

@@ -4,21 +4,11 @@
 #include <map>
 #include <vector>
 
-#include "store/format/checksum.h"
 #include "store/format/little_endian.h"
-#include "store/ltp/multi_value.h"
+#include "store/messaging/tables/name_streams.h"
 
 namespace velmora::messaging {
 namespace {
-
-/// The sets of the published kind {0006wxyz-0000-0000-C000-000000000046}, and those of the same tail.
-constexpr Uid SetOf(std::uint32_t data1) {
-  Uid set{};
-  for (std::size_t i = 0; i < sizeof data1; ++i) set[i] = static_cast<std::byte>(data1 >> (8 * i));
-  set[8] = std::byte{0xC0};
-  set[15] = std::byte{0x46};
-  return set;
-}
 
 struct SetRow {
   PropertySet set;
@@ -26,17 +16,12 @@ struct SetRow {
 };
 
 constexpr SetRow kSets[] = {
-    {PropertySet::kPublicStrings, SetOf(0x00020329)}, {PropertySet::kCommon, SetOf(0x00062008)},
+    {PropertySet::kPublicStrings, kPublicStringsSet}, {PropertySet::kCommon, SetOf(0x00062008)},
     {PropertySet::kAddress, SetOf(0x00062004)},       {PropertySet::kAppointment, SetOf(0x00062002)},
     {PropertySet::kTask, SetOf(0x00062003)},          {PropertySet::kLog, SetOf(0x0006200A)},
     {PropertySet::kNote, SetOf(0x0006200E)},
 };
 
-// The map names three sets by fixed numbers, no set at all among them; the stream of sets counts on from kFirstSet.
-constexpr Uid kNoSet{};
-constexpr Uid kMapiSet = SetOf(0x00020328);
-constexpr std::uint16_t kPublicStringsNumber = 2;
-constexpr std::uint16_t kFirstSet = 3;
 constexpr std::size_t kMostNames = 0x7FFE;
 
 constexpr std::uint32_t kBuckets = 251;
@@ -62,9 +47,9 @@ NewNameMap::NewNameMap() {
 std::uint16_t NewNameMap::NumberOf(const Uid& set) {
   if (set == kNoSet) return 0;
   if (set == kMapiSet) return 1;
-  if (set == kSets[0].guid) return kPublicStringsNumber;
+  if (set == kPublicStringsSet) return kPublicStringsNumber;
   const auto found = std::ranges::find(sets_, set);
-  const auto number = static_cast<std::uint16_t>(kFirstSet + (found - sets_.begin()));
+  const auto number = static_cast<std::uint16_t>(kFirstSetNumber + (found - sets_.begin()));
   if (found == sets_.end()) sets_.push_back(set);
   return number;
 }
@@ -93,7 +78,7 @@ void NewNameMap::AddTo(ltp::PropertyContextWriter& node) const {
     std::uint32_t hash = name.number;
     AppendEntry(entries, byText ? static_cast<std::uint32_t>(strings.size()) : name.number, setAndKind, i);
     if (byText) {
-      hash = WeakCrc(std::as_bytes(std::span(name.text)));
+      hash = HashOfName(name.text);
       Append(strings, static_cast<std::uint32_t>(name.text.size() * sizeof(char16_t)));
       Append(strings, std::as_bytes(std::span(name.text)));
       strings.resize((strings.size() + 3) / 4 * 4);
@@ -113,36 +98,20 @@ NamedPropertyMap::NamedPropertyMap() {
   for (std::size_t i = 0; i < ids_.size(); ++i) ids_[i] = static_cast<std::uint16_t>(name_map::kFirstNamedId + i);
 }
 
+bool IsPublishedSet(const Uid& set) { return std::ranges::find(kSets, set, &SetRow::guid) != std::end(kSets); }
+
 std::vector<IdentifiedName> ReadNames(ltp::PropertyContext& node) {
   const Bytes sets = node.Binary(name_map::kSetStream).value_or(Bytes());
   const Bytes entries = node.Binary(name_map::kEntryStream).value_or(Bytes());
   const Bytes texts = node.Binary(name_map::kTextStream).value_or(Bytes());
-  const auto setOf = [&](std::uint32_t number) -> std::optional<Uid> {
-    if (number == 0) return kNoSet;
-    if (number == 1) return kMapiSet;
-    if (number == kPublicStringsNumber) return kSets[0].guid;
-    const std::size_t at = (number - kFirstSet) * name_map::kSetSize;
-    if (at + name_map::kSetSize > sets.size()) return std::nullopt;
-    Uid set;
-    std::ranges::copy(std::span(sets).subspan(at, name_map::kSetSize), set.begin());
-    return set;
-  };
-  const auto textAt = [&](std::size_t at) -> text::Text {
-    const std::size_t size = Load<std::uint32_t>(texts, at);
-    if (at + 4 > texts.size() || size > texts.size() - at - 4) return {};
-    return ltp::DecodeText(std::span(texts).subspan(at + 4, size));
-  };
   std::vector<IdentifiedName> names;
-  for (std::size_t at = 0; at + name_map::kEntrySize <= entries.size(); at += name_map::kEntrySize) {
-    const std::uint32_t number = Load<std::uint32_t>(entries, at);
-    const std::uint32_t setAndKind = Load<std::uint16_t>(entries, at + 4);
-    const auto id =
-        static_cast<std::uint16_t>(name_map::kFirstNamedId + Load<std::uint16_t>(entries, at + name_map::kOffEntryId));
-    const std::optional<Uid> set = setOf(setAndKind >> 1);
+  for (const NameEntry& entry : ReadNameEntries(entries)) {
+    const auto id = static_cast<std::uint16_t>(name_map::kFirstNamedId + entry.index);
+    const std::optional<Uid> set = SetOfNumber(sets, entry.SetNumber());
     if (!set || id < name_map::kFirstNamedId) continue;
-    const bool byText = (setAndKind & 1) != 0;
-    AnyPropertyName name{*set, byText ? 0 : number, byText ? textAt(number) : text::Text()};
-    if (byText && name.text.empty()) continue;
+    AnyPropertyName name{*set, entry.IsText() ? 0 : entry.number,
+                         entry.IsText() ? NameTextAt(texts, entry.number) : text::Text()};
+    if (entry.IsText() && name.text.empty()) continue;
     names.push_back({id, std::move(name)});
   }
   return names;

@@ -103,6 +103,9 @@ struct IdentifiedName {
   AnyPropertyName name;
 };
 
+/// Whether it is a set that every store knows: one of the table.
+bool IsPublishedSet(const Uid& set);
+
 /// All names of the map that node 0x61 of a store holds, in its order. Entries that cannot be read are left out.
 std::vector<IdentifiedName> ReadNames(ltp::PropertyContext& node);
 
