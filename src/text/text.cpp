@@ -4,6 +4,8 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
+
 #include "text/runs.h"
 
 namespace velmora::text {
@@ -99,6 +101,10 @@ std::string EncodeUtf8(TextView text, Put put) {
   return out;
 }
 
+constexpr UChar32 AsciiFolded(UChar32 c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
+
+constexpr UChar32 AsciiCapital(UChar32 c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
+
 char* PutCharacter(char* out, char32_t c) { return PutUtf8(out, U_IS_SURROGATE(c) ? kReplacement : c); }
 
 }  // namespace
@@ -151,13 +157,20 @@ std::string ToFileName(TextView text) {
 }
 
 Text CaseFolded(TextView text) {
-  return Mapped(text, [](UChar32 c) { return u_foldCase(c, U_FOLD_CASE_DEFAULT); });
+  return Mapped(text, [](UChar32 c) { return c < 0x80 ? AsciiFolded(c) : u_foldCase(c, U_FOLD_CASE_DEFAULT); });
 }
 
 Text UpperCased(TextView text) {
-  return Mapped(text, [](UChar32 c) { return u_toupper(c); });
+  return Mapped(text, [](UChar32 c) { return c < 0x80 ? AsciiCapital(c) : u_toupper(c); });
 }
 
-bool EqualIgnoringCase(TextView a, TextView b) { return CaseFolded(a) == CaseFolded(b); }
+bool EqualIgnoringCase(TextView a, TextView b) {
+  const std::size_t both = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < both; ++i) {
+    if (a[i] >= 0x80 || b[i] >= 0x80) return CaseFolded(a.substr(i)) == CaseFolded(b.substr(i));
+    if (AsciiFolded(a[i]) != AsciiFolded(b[i])) return false;
+  }
+  return a.size() == b.size();
+}
 
 }  // namespace velmora::text
