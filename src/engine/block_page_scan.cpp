@@ -99,30 +99,37 @@ template <std::size_t kIdWidth>
 void TrailerScan::ScanWindow(std::size_t begin, std::size_t end) {
   using Id = std::conditional_t<kIdWidth == 4, std::uint32_t, std::uint64_t>;
   const bool smart = collector_.IsSmart();
-  for (std::size_t at = begin; at < end; at += kSlot) {
-    std::array<std::byte, kSlot> partial{};
-    auto bytes = window_.Bytes().subspan(at, std::min(kSlot, end - at));
-    if (bytes.size() < kSlot) {
-      std::ranges::copy(bytes, partial.begin());
-      bytes = partial;
-    }
-    const auto slot = bytes.first<kSlot>();
+  const std::span<const std::byte> bytes = window_.Bytes();
+  const std::uint64_t base = window_.Base();
+  // `before` are the eight bytes ahead of the slot.
+  const auto scanSlot = [&](std::size_t at, std::span<const std::byte, kSlot> slot, std::uint64_t before) {
     const auto size = Load<std::uint16_t>(slot, kIdWidth);
     const std::uint64_t id = Load<Id>(slot, 8);
-    if (size == 0 || size >= kMostBlockData || static_cast<std::uint32_t>(id) == 0) continue;
+    if (size == 0 || size >= kMostBlockData || static_cast<std::uint32_t>(id) == 0) return;
     const auto signature = Load<std::uint16_t>(slot, kIdWidth + 2);
 
-    const std::uint64_t offset = window_.Base() + at;
-    const std::uint64_t before = at >= 8 ? Load<std::uint64_t>(window_.Bytes(), at - 8) : 0;
+    const std::uint64_t offset = base + at;
     if (before == 0) {
       if (const auto last = LastNonZeroBefore(offset)) RecoverFromTrailer(offset, *last, {id, size, signature});
-      continue;
+      return;
     }
     const auto last = offset - 1 - static_cast<std::uint64_t>(std::countl_zero(before)) / 8;
     const std::uint64_t first = FirstCandidate(last, size);
     const bool fits = signature == ComputeSig(first, id) || signature == ComputeSig(first + kSlot, id);
     if (fits || smart) RecoverFromTrailer(offset, last, {id, size, signature});
+  };
+
+  std::uint64_t before = begin >= 8 ? Load<std::uint64_t>(bytes, begin - 8) : 0;
+  std::size_t at = begin;
+  for (; end - at >= kSlot; at += kSlot) {
+    const auto slot = bytes.subspan(at).first<kSlot>();
+    scanSlot(at, slot, before);
+    before = Load<std::uint64_t>(slot, 8);
   }
+  if (at == end) return;
+  std::array<std::byte, kSlot> partial{};
+  std::ranges::copy(bytes.subspan(at, end - at), partial.begin());
+  scanSlot(at, partial, before);
 }
 
 void TrailerScan::RecoverFromTrailer(std::uint64_t slot, std::uint64_t last, const Trailer& trailer) {

@@ -46,19 +46,24 @@ Body ReadInLineBody(const ValueSource& source, const MessageBlock& block, std::u
   return body;
 }
 
-/// The text of a slot, from its block; `missing` gets what is not in it.
-text::Text ReadSlot(const ValueSource& source, const engine::BlockRecord& record, const BodySlot& slot,
-                    text::Text& missing) {
+/// What a slot gives, from its block; `missing` gets what is not in it.
+Body::Write ReadSlot(const ValueSource& source, const engine::BlockRecord& record, const BodySlot& slot,
+                     text::Text& missing) {
+  Body::Write write{FieldOf(slot.tag), {}};
+  const bool isHtml = write.field == Field::HTMLBody;
   BlockChain chain;
   if (BuildBlockChain(source.store, record, source.allowance, chain)) {
-    text::Text text = ReadStreamAsText(source.store, chain, slot.tag, source.codePage, source.allowance);
+    if (isHtml) write.bytes = ReadStreamAsBytes(source.store, chain, source.allowance);
+    if (!isHtml) write.text = ReadStreamAsText(source.store, chain, slot.tag, source.codePage, source.allowance);
     missing = MissingOf(chain, chain.read);
-    return text;
+    return write;
   }
   const auto block = ReadDataBlock(source.store, record, slot.bid, source.allowance);
-  if (!block || !source.allowance.TakeHeld(block->bytes.size())) return {};
+  if (!block || !source.allowance.TakeHeld(block->bytes.size())) return write;
   missing = MissingOf(chain, block->bytes.size());
-  return CopyBodyText(source, ByteView(block->bytes), slot.tag);
+  if (isHtml) write.bytes = UpToNul(ByteView(block->bytes));
+  if (!isHtml) write.text = CopyBodyText(source, ByteView(block->bytes), slot.tag);
+  return write;
 }
 
 }  // namespace
@@ -74,8 +79,8 @@ Body ReadOutOfLineBody(const ValueSource& source, const BodyProperties& properti
     if (!record) continue;
     if (record->offset == 0 || record->size == 0) break;
     text::Text missing;
-    body.writes.push_back({FieldOf(slot.tag), ReadSlot(source, *record, slot, missing)});
-    if (body.writes.back().text.empty()) continue;
+    body.writes.push_back(ReadSlot(source, *record, slot, missing));
+    if (body.writes.back().Empty()) continue;
     body.taken = kind;
     body.missing = std::move(missing);
     break;

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "recovery/item_converter.h"
@@ -56,6 +57,9 @@ struct Body {
   struct Write {
     output::Field field = output::Field::Body;
     text::Text text;
+    std::string bytes = {};  ///< of HTML, in place of the text that carries them
+
+    bool Empty() const { return text.empty() && bytes.empty(); }
   };
   std::vector<Write> writes;
   bool inBounds = true;

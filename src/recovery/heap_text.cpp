@@ -1,20 +1,26 @@
 #include "recovery/heap_text.h"
 
-#include <algorithm>
+#include <cstring>
+
+#include "text/runs.h"
 
 namespace velmora::recovery {
 
 text::Text WideText(ByteView bytes) {
   text::Text result((bytes.Size() + 1) / 2, u'\0');
-  std::ranges::copy(bytes.Chars(), reinterpret_cast<char*>(result.data()));
-  if (const std::size_t nul = result.find(u'\0'); nul != text::Text::npos) result.resize(nul);
+  const std::string_view chars = bytes.Chars();
+  if (!chars.empty()) std::memcpy(result.data(), chars.data(), chars.size());
+  const auto isNul = [](char16_t unit) { return static_cast<char16_t>(unit == 0); };
+  result.resize(text::PlainRun(result.data(), result.size(), isNul));
   return result;
 }
 
-text::Text NarrowText(ByteView bytes, const text::CodePage& codePage) {
+std::string_view UpToNul(ByteView bytes) {
   const std::string_view chars = bytes.Chars();
-  return codePage.Decode(chars.substr(0, chars.find('\0')));
+  return chars.substr(0, chars.find('\0'));
 }
+
+text::Text NarrowText(ByteView bytes, const text::CodePage& codePage) { return codePage.Decode(UpToNul(bytes)); }
 
 text::Text CopyHeapText(ByteView bytes, bool wide, const text::CodePage& codePage) {
   return wide ? WideText(bytes) : NarrowText(bytes, codePage);

@@ -71,19 +71,26 @@ std::optional<ItemKind> MessageItems::Kind() const {
   return place == kItemKinds ? std::nullopt : std::optional(static_cast<ItemKind>(place));
 }
 
-std::optional<Placement> PlaceMessage(const RecoveryRun& run, text::TextView messageClass, std::uint32_t folderNid) {
+std::optional<Placement> PlaceMessage(const RecoveryRun& run, text::TextView messageClass, std::uint32_t folderNid,
+                                      OpenedFolder& last) {
   RecoveryState& state = run.state;
-  const text::Text path = BuildFolderPath(state.folders, state.topFolderNid, folderNid);
-  const SplitPath split = SplitAtLeaf(path);
-
-  Ref<RDOFolder> parent;
   const auto special = SpecialPlacementOf(messageClass);
-  if (special) parent = state.session->GetFolderFromPath(TargetPath(state.convertedName, split.parentPath));
-  if (!parent && path == kLostFolderName) return std::nullopt;
-  const auto folder =
-      parent ? PlaceSpecial(state, parent, split.leaf, messageClass, *special) : OpenFolder(state, path);
+  if (special || !last.placement || last.nid != folderNid) {
+    const text::Text path = BuildFolderPath(state.folders, state.topFolderNid, folderNid);
+    const SplitPath split = SplitAtLeaf(path);
+
+    Ref<RDOFolder> parent;
+    if (special) parent = state.session->GetFolderFromPath(TargetPath(state.convertedName, split.parentPath));
+    if (!parent && path == kLostFolderName) return std::nullopt;
+    if (parent) {
+      const auto folder = PlaceSpecial(state, parent, split.leaf, messageClass, *special);
+      run.context.Say(engine::FolderReached{folderNid, {}});
+      return Placement{folder, text::Text(split.leaf)};
+    }
+    last = {folderNid, Placement{OpenFolder(state, path), text::Text(split.leaf)}};
+  }
   run.context.Say(engine::FolderReached{folderNid, {}});
-  return Placement{folder, text::Text(split.leaf)};
+  return last.placement;
 }
 
 bool CreateItemForClass(RecoveryState& state, const Ref<RDOFolder>& folder, text::TextView messageClass,

@@ -40,8 +40,15 @@ struct Placement {
   text::Text leaf;  ///< the name at the end of its path, as the source has it
 };
 
+/// The folder that was opened last: most messages lie in that of the message before, and it need not be found again.
+struct OpenedFolder {
+  std::uint32_t nid = 0;
+  std::optional<Placement> placement;
+};
+
 /// Nothing when the message has no folder. Raises where a folder cannot be opened or made.
-std::optional<Placement> PlaceMessage(const RecoveryRun& run, text::TextView messageClass, std::uint32_t folderNid);
+std::optional<Placement> PlaceMessage(const RecoveryRun& run, text::TextView messageClass, std::uint32_t folderNid,
+                                      OpenedFolder& last);
 
 /// False when the class is none or is refused.
 bool CreateItemForClass(RecoveryState& state, const output::Ref<output::RDOFolder>& folder, text::TextView messageClass,

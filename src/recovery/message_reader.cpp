@@ -91,7 +91,7 @@ class MessageWalk {
       if (!created && !message_.items.classRefused) {
         CreateFallbackMail(run_.state, *place_.orphanFolder, message_.items);
       }
-    } else if (const auto placement = PlaceMessage(run_, messageClass, place_.folderNid)) {
+    } else if (const auto placement = PlaceMessage(run_, messageClass, place_.folderNid, left_.opened)) {
       outcome.skip.reset();
       scope_.currentFolderName = left_.folderName = placement->leaf;
       const bool created = CreateItemForClass(run_.state, placement->folder, messageClass, message_.items);

@@ -37,6 +37,7 @@ struct LeftByTheItemBefore {
   /// Name of the folder that took the last message placed. Orphans are not placed, so a mail among them counts as one
   /// in the folder of sent mails when the last message before the orphans lay there (docs/fidelity.md#sent).
   text::Text folderName;
+  OpenedFolder opened;
 };
 
 /// A record as the report has use for it when the message's block is gone.

@@ -71,7 +71,9 @@ class WorkQueueRun {
     if (!message.items.IsKind(ItemKind::kMail)) return true;
     Body body = ReadBody(run_.Values(), message.block, message.body, subNodes);
     for (Body::Write& write : body.writes) {
-      message.items.Item(ItemKind::kMail)->Put(write.field, std::move(write.text));
+      const Ref<RDOMail>& mail = message.items.Item(ItemKind::kMail);
+      if (write.field == output::Field::HTMLBody) mail->PutBytes(write.field, write.bytes);
+      if (write.field != output::Field::HTMLBody) mail->Put(write.field, std::move(write.text));
     }
     message.losses.bodyTaken = body.taken;
     message.losses.bodyMissing = std::move(body.missing);

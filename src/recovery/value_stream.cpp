@@ -1,5 +1,6 @@
 #include "recovery/value_stream.h"
 
+#include <cstring>
 #include <utility>
 
 #include "recovery/block_failure.h"
@@ -89,6 +90,21 @@ void WriteSingleBlock(const ScannedStore& store, BlockChain& chain, engine::Cont
   }
 }
 
+/// Gives each piece that is there to `take`, as long as they may be held.
+template <class Take>
+void ForEachPiece(const ScannedStore& store, BlockChain& chain, engine::ContentAllowance& allowance, Take take) {
+  const engine::BlockReader blocks(store);
+  for (const std::uint32_t bid : chain.pieces) {
+    const auto record = blocks.FindBlock(bid);
+    if (!record) continue;
+    const auto piece = ReadDataBlock(store, *record, record->bid, allowance);
+    if (!piece) continue;
+    if (!allowance.TakeHeld(piece->bytes.size())) break;
+    chain.read += piece->bytes.size();
+    take(ByteView(piece->bytes));
+  }
+}
+
 }  // namespace
 
 const text::CodePage& BodyCodePage(std::uint16_t tag, const text::CodePage& codePage) {
@@ -147,23 +163,20 @@ text::Text ReadStreamAsText(const ScannedStore& store, BlockChain& chain, std::u
     if (!record) return {};
     const auto single = ReadDataBlock(store, *record, record->bid, allowance);
     if (!single || !allowance.TakeHeld(single->bytes.size())) return {};
-    const ByteView block(single->bytes);
-    if (!wide) return NarrowText(block, page);
-    text::Text whole;  // all of the block's units, NULs included
-    for (std::size_t at = 0; at + 2 <= block.Size(); at += 2) whole.push_back(block.U16(at));
+    if (!wide) return NarrowText(ByteView(single->bytes), page);
+    text::Text whole(single->bytes.size() / 2, u'\0');  // all of the block's units, NULs included
+    if (!whole.empty()) std::memcpy(whole.data(), single->bytes.data(), 2 * whole.size());
     return whole;
   }
 
   text::Text result;
-  for (const std::uint32_t bid : chain.pieces) {
-    const auto record = blocks.FindBlock(bid);
-    if (!record) continue;
-    const auto piece = ReadDataBlock(store, *record, record->bid, allowance);
-    if (!piece) continue;
-    if (!allowance.TakeHeld(piece->bytes.size())) break;
-    chain.read += piece->bytes.size();
-    result += CopyHeapText(ByteView(piece->bytes), wide && kind != IdOf(tag::kHtml), page);
-  }
+  ForEachPiece(store, chain, allowance, [&](ByteView piece) { result += CopyHeapText(piece, wide, page); });
+  return result;
+}
+
+std::string ReadStreamAsBytes(const ScannedStore& store, BlockChain& chain, engine::ContentAllowance& allowance) {
+  std::string result;
+  ForEachPiece(store, chain, allowance, [&](ByteView piece) { result += UpToNul(piece); });
   return result;
 }
 

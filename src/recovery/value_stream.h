@@ -52,11 +52,14 @@ struct DataBlock {
 std::optional<DataBlock> ReadDataBlock(const engine::ScannedStore& store, const engine::BlockRecord& record,
                                        std::uint32_t id, engine::ContentAllowance& allowance, bool inflates = true);
 
-/// The pieces as one text. `kind` is the id of the property: 0x1013 is always 8-bit text, others have the width
-/// of the store. Each piece ends at its first NUL and is converted by itself. A piece that is missing, or that
-/// only the lower id finds, is left out.
+/// The pieces as one text, of the width that texts of the store have. `kind` is the id of the property. Each piece ends
+/// at its first NUL and is converted by itself. A piece that is missing, or that only the lower id finds, is left out.
 text::Text ReadStreamAsText(const engine::ScannedStore& store, BlockChain& chain, std::uint16_t kind,
                             const text::CodePage& codePage, engine::ContentAllowance& allowance);
+
+/// The pieces of a value of 8-bit text in every store, by the same rules.
+std::string ReadStreamAsBytes(const engine::ScannedStore& store, BlockChain& chain,
+                              engine::ContentAllowance& allowance);
 
 using PieceWriter = std::function<void(const Bytes&)>;
 

@@ -18,12 +18,14 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
 #include "store/format/classes.h"
 #include "store/format/failures.h"
 #include "text/calendar.h"
+#include "text/code_page.h"
 #include "text/text.h"
 
 namespace velmora::output {
@@ -383,6 +385,9 @@ class RDOMail : public RDOMessageBase {
   /// Writes a field. The value's alternative must be that of the field's type (E_INVALIDARG otherwise), and
   /// the item must answer to the field's interface (E_NOINTERFACE otherwise).
   virtual void Put(Field field, const FieldValue& value) = 0;
+
+  /// Writes a text field with the text that carries these bytes, one to a character (text::CodePage::Lossless).
+  virtual void PutBytes(Field field, std::string_view bytes) { Put(field, text::CodePage::Lossless().Decode(bytes)); }
 
   /// Reads a field, by the same conditions. Every field reads back, whether or not the system reads it.
   virtual FieldRead Get(Field field) const = 0;

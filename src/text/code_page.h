@@ -41,9 +41,11 @@ class CodePage {
 
  private:
   struct Tables;
+  class Lent;
+  static std::optional<CodePage> FindAnew(std::string_view name);
   Text DecodeWith(std::string_view bytes, std::uint64_t* undefined) const;
-  explicit CodePage(std::shared_ptr<const Tables> tables) : tables_(std::move(tables)) {}
-  std::shared_ptr<const Tables> tables_;
+  explicit CodePage(std::shared_ptr<Tables> tables) : tables_(std::move(tables)) {}
+  std::shared_ptr<Tables> tables_;
 };
 
 }  // namespace velmora::text

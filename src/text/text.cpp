@@ -4,6 +4,10 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
+
+#include "text/runs.h"
+
 namespace velmora::text {
 namespace {
 
@@ -12,118 +16,161 @@ constexpr char32_t kReplacement = 0xFFFD;
 /// A byte of a file name that is no UTF-8 travels as this lone surrogate plus the byte.
 constexpr char16_t kByteEscape = 0xDC00;
 
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) return out.push_back(static_cast<char>(c));
-  char buffer[4];
-  int32_t length = 0;
-  U8_APPEND_UNSAFE(buffer, length, static_cast<UChar32>(c));
-  out.append(buffer, static_cast<std::size_t>(length));
+char* PutUtf8(char* out, char32_t c) {
+  std::int32_t length = 0;
+  U8_APPEND_UNSAFE(out, length, static_cast<UChar32>(c));
+  return out + length;
 }
 
-void AppendUtf16(Text& out, char32_t c) {
-  if (c > 0xFFFF) {
-    out.push_back(U16_LEAD(c));
-    out.push_back(U16_TRAIL(c));
-  } else {
-    out.push_back(static_cast<char16_t>(c));
-  }
+char16_t* PutUtf16(char16_t* out, char32_t c) {
+  std::int32_t length = 0;
+  U16_APPEND_UNSAFE(out, length, static_cast<UChar32>(c));
+  return out + length;
 }
 
 /// The text with each code point replaced by what `map` gives for it.
 template <class Map>
 Text Mapped(TextView text, Map map) {
-  Text out;
-  out.reserve(text.size());
+  Text out(2 * text.size(), u'\0');
+  char16_t* end = out.data();
   for (std::size_t i = 0; i < text.size();) {
     UChar32 c = 0;
     U16_NEXT(text.data(), i, text.size(), c);
-    AppendUtf16(out, static_cast<char32_t>(map(c)));
+    end = PutUtf16(end, static_cast<char32_t>(map(c)));
   }
+  out.resize(static_cast<std::size_t>(end - out.data()));
   return out;
 }
 
-/// Calls `valid` for each code point and `invalid` for each byte that is not part of a valid sequence.
-template <class Valid, class Invalid>
-void ForEachUtf8(std::string_view bytes, Valid valid, Invalid invalid) {
-  const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
-  const auto length = static_cast<std::int64_t>(bytes.size());
-  for (std::int64_t i = 0; i < length;) {
-    UChar32 c = 0;
-    std::int64_t next = i;
-    U8_NEXT(data, next, length, c);
-    if (c >= 0) {
-      valid(static_cast<char32_t>(c));
-    } else {
-      for (; i < next; ++i) invalid(data[i]);
+/// The text of UTF-8 bytes. `putInvalid` writes what stands for a byte that is not part of a valid sequence, one unit
+/// at most, and gives the new end; it is told whether the byte before was one too.
+template <class PutInvalid>
+Text DecodeUtf8(std::string_view bytes, PutInvalid putInvalid) {
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  Text out(bytes.size(), u'\0');
+  char16_t* end = out.data();
+  bool broken = false;
+  for (std::int64_t at = 0; at < size;) {
+    const std::size_t run = PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii);
+    CopyUnits(data + at, run, end);
+    end += run;
+    at += static_cast<std::int64_t>(run);
+    if (run != 0) broken = false;
+    while (at < size && data[at] >= 0x80) {
+      UChar32 c = 0;
+      std::int64_t next = at;
+      U8_NEXT(data, next, size, c);
+      if (c >= 0) end = PutUtf16(end, static_cast<char32_t>(c));
+      for (; c < 0 && at < next; ++at) {
+        end = putInvalid(end, data[at], broken);
+        broken = true;
+      }
+      if (c >= 0) broken = false;
+      at = next;
     }
-    i = next;
   }
+  out.resize(static_cast<std::size_t>(end - out.data()));
+  return out;
 }
+
+/// The bytes of a text, of whose code points from 0x80 on `put` writes each at the end that it gets, in four bytes at
+/// most.
+template <class Put>
+std::string EncodeUtf8(TextView text, Put put) {
+  std::size_t most = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t run = PlainRun(text.data() + at, text.size() - at, kBeyondAscii);
+    most += run;
+    for (at += run; at < text.size() && text[at] >= 0x80; ++at) most += 3;  // of a pair, each half
+  }
+  std::string out(most, '\0');
+  char* end = out.data();
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t run = PlainRun(text.data() + at, text.size() - at, kBeyondAscii);
+    CopyUnits(text.data() + at, run, end);
+    end += run;
+    at += run;
+    while (at < text.size() && text[at] >= 0x80) {
+      UChar32 c = 0;
+      U16_NEXT(text.data(), at, text.size(), c);
+      end = put(end, static_cast<char32_t>(c));
+    }
+  }
+  out.resize(static_cast<std::size_t>(end - out.data()));
+  return out;
+}
+
+constexpr UChar32 AsciiFolded(UChar32 c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
+
+constexpr UChar32 AsciiCapital(UChar32 c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
+
+char* PutCharacter(char* out, char32_t c) { return PutUtf8(out, U_IS_SURROGATE(c) ? kReplacement : c); }
 
 }  // namespace
 
-std::string ToUtf8(TextView text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    UChar32 c = 0;
-    U16_NEXT(text.data(), i, text.size(), c);
-    AppendUtf8(out, U_IS_SURROGATE(c) ? kReplacement : static_cast<char32_t>(c));
-  }
-  return out;
-}
+std::string ToUtf8(TextView text) { return EncodeUtf8(text, PutCharacter); }
 
 Text Decimal(std::int64_t number) { return FromUtf8(std::to_string(number)); }
 
 Text FromUtf8(std::string_view bytes) {
-  Text out;
-  out.reserve(bytes.size());
-  bool broken = false;  // one replacement for each malformed run
-  ForEachUtf8(
-      bytes,
-      [&](char32_t c) {
-        AppendUtf16(out, c);
-        broken = false;
-      },
-      [&](std::uint8_t) {
-        if (!broken) out.push_back(static_cast<char16_t>(kReplacement));
-        broken = true;
-      });
-  return out;
+  return DecodeUtf8(bytes, [](char16_t* end, unsigned char, bool again) {
+    if (!again) *end++ = static_cast<char16_t>(kReplacement);  // one for each malformed run
+    return end;
+  });
 }
 
+bool IsUtf8(std::string_view bytes) {
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  for (std::int64_t at = 0; at < size;) {
+    at += static_cast<std::int64_t>(PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii));
+    while (at < size && data[at] >= 0x80) {
+      UChar32 c = 0;
+      U8_NEXT(data, at, size, c);
+      if (c < 0) return false;
+    }
+  }
+  return true;
+}
+
+bool IsAscii(std::string_view bytes) {
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+  return PlainRun(data, bytes.size(), kBeyondAscii) == bytes.size();
+}
+
+bool IsAscii(TextView text) { return PlainRun(text.data(), text.size(), kBeyondAscii) == text.size(); }
+
 Text FromFileName(std::string_view bytes) {
-  Text out;
-  out.reserve(bytes.size());
-  ForEachUtf8(
-      bytes, [&](char32_t c) { AppendUtf16(out, c); },
-      [&](std::uint8_t byte) { out.push_back(static_cast<char16_t>(kByteEscape + byte)); });
-  return out;
+  return DecodeUtf8(bytes, [](char16_t* end, unsigned char byte, bool) {
+    *end++ = static_cast<char16_t>(kByteEscape + byte);
+    return end;
+  });
 }
 
 std::string ToFileName(TextView text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    UChar32 c = 0;
-    U16_NEXT(text.data(), i, text.size(), c);
-    if (c >= kByteEscape + 0x80 && c <= kByteEscape + 0xFF) {
-      out.push_back(static_cast<char>(c - kByteEscape));
-    } else {
-      AppendUtf8(out, U_IS_SURROGATE(c) ? kReplacement : static_cast<char32_t>(c));
-    }
-  }
-  return out;
+  return EncodeUtf8(text, [](char* end, char32_t c) {
+    if (c < kByteEscape + 0x80 || c > kByteEscape + 0xFF) return PutCharacter(end, c);
+    *end++ = static_cast<char>(c - kByteEscape);
+    return end;
+  });
 }
 
 Text CaseFolded(TextView text) {
-  return Mapped(text, [](UChar32 c) { return u_foldCase(c, U_FOLD_CASE_DEFAULT); });
+  return Mapped(text, [](UChar32 c) { return c < 0x80 ? AsciiFolded(c) : u_foldCase(c, U_FOLD_CASE_DEFAULT); });
 }
 
 Text UpperCased(TextView text) {
-  return Mapped(text, [](UChar32 c) { return u_toupper(c); });
+  return Mapped(text, [](UChar32 c) { return c < 0x80 ? AsciiCapital(c) : u_toupper(c); });
 }
 
-bool EqualIgnoringCase(TextView a, TextView b) { return CaseFolded(a) == CaseFolded(b); }
+bool EqualIgnoringCase(TextView a, TextView b) {
+  const std::size_t both = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < both; ++i) {
+    if (a[i] >= 0x80 || b[i] >= 0x80) return CaseFolded(a.substr(i)) == CaseFolded(b.substr(i));
+    if (AsciiFolded(a[i]) != AsciiFolded(b[i])) return false;
+  }
+  return a.size() == b.size();
+}
 
 }  // namespace velmora::text

@@ -17,6 +17,11 @@ std::string ToUtf8(TextView text);
 /// Text of UTF-8 bytes; a malformed sequence becomes U+FFFD.
 Text FromUtf8(std::string_view bytes);
 
+/// Are the bytes UTF-8 from end to end? ASCII alone?
+bool IsUtf8(std::string_view bytes);
+bool IsAscii(std::string_view bytes);
+bool IsAscii(TextView text);
+
 /// The number in decimal digits.
 Text Decimal(std::int64_t number);
 

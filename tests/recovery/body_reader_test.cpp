@@ -201,7 +201,7 @@ TEST_F(BodyReaderTest, SlotBodiesAreDecodedByTheIdOfTheSlot) {
   const Body body = ReadOutOfLineBody({engine_, *state_.codePage, allowance}, properties);
   ASSERT_EQ(body.writes.size(), 1u);
   EXPECT_EQ(body.writes[0].field, output::Field::HTMLBody);
-  EXPECT_EQ(body.writes[0].text, NarrowText(ByteView(decoded), *state_.codePage));
+  EXPECT_EQ(body.writes[0].bytes, UpToNul(ByteView(decoded)));
   EXPECT_EQ(body.taken, kHtmlBody);
   EXPECT_EQ(body.missing, u"");
 }

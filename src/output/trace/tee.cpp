@@ -58,6 +58,9 @@ class TeeMail : public TeeOf<RDOMail> {
   void Put(Field field, const FieldValue& value) override {
     Each([&](RDOMail& item) { item.Put(field, value); });
   }
+  void PutBytes(Field field, std::string_view bytes) override {
+    Each([&](RDOMail& item) { item.PutBytes(field, bytes); });
+  }
   FieldRead Get(Field field) const override { return Primary().Get(field); }
   bool Answers(ItemInterface interface) const override { return Primary().Answers(interface); }
   Ref<RDOAttachments> Attachments() override;

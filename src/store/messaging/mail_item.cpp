@@ -99,21 +99,31 @@ void MailItem::Put(Field field, const FieldValue& value) {
   if (value.index() != EmptyValue(type).index()) {
     throw OutputFailure(ResultCode::E_INVALIDARG, "The value is not of the field's type.");
   }
+  const bool narrow = type == output::FieldType::Number16;
+  FieldsToChange(field).Put(
+      field, narrow ? FieldValue(std::int32_t{static_cast<std::int16_t>(std::get<std::int32_t>(value))}) : value);
+}
+
+/// Pages of HTML are long, and their bytes go into the store as they are.
+void MailItem::PutBytes(Field field, std::string_view bytes) {
+  if (field != Field::HTMLBody) return RDOMail::PutBytes(field, bytes);
+  CheckInterface(field);
+  FieldsToChange(field).PutBytes(field, bytes);
+}
+
+ItemFields& MailItem::FieldsToChange(Field field) {
   store_->Writer();
   WritePostponed();
   Load();
-  const bool narrow = type == output::FieldType::Number16;
-  state_.fields.Put(
-      field, narrow ? FieldValue(std::int32_t{static_cast<std::int16_t>(std::get<std::int32_t>(value))}) : value);
   if (nid_ && std::ranges::find(changed_, field) == changed_.end()) changed_.push_back(field);
+  return state_.fields;
 }
 
 FieldRead MailItem::Get(Field field) const {
   CheckInterface(field);
   ltp::PropertyContext* saved = std::ranges::find(changed_, field) == changed_.end() ? Saved() : nullptr;
   if (saved != nullptr) return ReadField(field, *saved, store_->Names());
-  const FieldValue* value = state_.fields.Find(field);
-  if (value != nullptr) return {*value, true};
+  if (auto value = state_.fields.Value(field)) return {std::move(*value), true};
   return {EmptyValue(output::InfoOf(field).type), false};
 }
 

@@ -26,6 +26,7 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
 
   void Save() override;
   void Put(output::Field field, const output::FieldValue& value) override;
+  void PutBytes(output::Field field, std::string_view bytes) override;
   output::FieldRead Get(output::Field field) const override;
   bool Answers(output::ItemInterface interface) const override;
   output::Ref<output::RDOAttachments> Attachments() override;
@@ -43,6 +44,7 @@ class MailItem : public output::RDOMail, public std::enable_shared_from_this<Mai
 
  private:
   void CheckInterface(output::Field field) const;
+  ItemFields& FieldsToChange(output::Field field);
   ltp::PropertyContext* Saved() const;
   void Load();
   void WriteSave() override;

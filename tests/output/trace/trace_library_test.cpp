@@ -107,6 +107,15 @@ TEST_F(TraceLibraryTest, FieldsOfTheSameNameAreTracedByTheirOperation) {
                                         R"({"op":"Put","id":2,"field":"Type","value":"Phone call"})"));
 }
 
+TEST_F(TraceLibraryTest, BytesAreTracedAsTheTextThatCarriesThem) {
+  const auto mail = AddItem(u"IPM.Note");
+  mail->Put(Field::HTMLBody, text::Text(u"\u20ac\u00e9\u0081"));
+  mail->PutBytes(Field::HTMLBody, "\x80\xE9\x81");
+  ASSERT_EQ(trace_.lines.size(), 3u);
+  EXPECT_EQ(trace_.lines[2], trace_.lines[1]);
+  EXPECT_EQ(mail->Get(Field::HTMLBody).AsText(), u"\u20ac\u00e9\u0081");
+}
+
 TEST_F(TraceLibraryTest, AReadTellsAFieldNeverWrittenFromOneWrittenEmpty) {
   auto item = AddItem(u"IPM.Contact");
   EXPECT_FALSE(item->Get(Field::FullName).written);

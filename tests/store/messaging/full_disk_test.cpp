@@ -89,7 +89,7 @@ class Filler {
 
   /// Another text, or none at all any more.
   void SaveAgain(std::size_t at) {
-    const Text before = std::get<Text>(*items_[at].fields.Find(Field::Subject));
+    const Text before(items_[at].fields.Text(Field::Subject));
     if (at % 2 == 0) {
       store_.Delete(*folder_, nids_[at]);
       nids_.erase(nids_.begin() + static_cast<std::ptrdiff_t>(at));

@@ -187,5 +187,45 @@ TEST_F(RoundTrip, OfHtmlGivesTheCharactersThatItsBytesAre) {
   EXPECT_EQ(Raw().Message().Integer32(0x3FDE0003), 65001);
 }
 
+TEST_F(RoundTrip, OfBytesOfHtmlIsThatOfTheTextThatCarriesThem) {
+  const std::string bytes = "<p>\xD0\x9F\xD1\x80\xD0\xB8\x81</p><meta charset=koi8-r>";
+  const auto item = NewItem();
+  Put(item, Field::HTMLBody, Text(u"an earlier page"));
+  item->PutBytes(Field::HTMLBody, bytes);
+  EXPECT_EQ(TextOf(item, Field::HTMLBody), text::CodePage::Lossless().Decode(bytes));
+  item->Save();
+  Reopen();
+  const auto stored = Raw().Message().Binary(0x10130102);
+  ASSERT_TRUE(stored);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(stored->data()), stored->size()), bytes);
+  EXPECT_EQ(Raw().Message().Integer32(0x3FDE0003), 20866);
+}
+
+TEST_F(RoundTrip, OfATextWrittenOverBytesOfHtmlIsTheText) {
+  const auto item = NewItem();
+  item->PutBytes(Field::HTMLBody, "<p>bytes</p>");
+  Put(item, Field::HTMLBody, Text(u"<p>text</p>"));
+  item->Save();
+  Reopen();
+  EXPECT_EQ(TextOf(FirstItem(), Field::HTMLBody), u"<p>text</p>");
+}
+
+TEST_F(RoundTrip, OfNoBytesOfHtmlIsNoPage) {
+  const auto item = NewItem();
+  item->PutBytes(Field::HTMLBody, "");
+  EXPECT_EQ(TextOf(item, Field::HTMLBody), u"");
+  item->Save();
+  Reopen();
+  EXPECT_FALSE(Raw().Message().Binary(0x10130102));
+}
+
+TEST_F(RoundTrip, OfBytesInAnotherFieldIsTheTextThatCarriesThem) {
+  const auto item = NewItem();
+  item->PutBytes(Field::Body, "caf\xE9");
+  item->Save();
+  Reopen();
+  EXPECT_EQ(TextOf(FirstItem(), Field::Body), u"caf\u00e9");
+}
+
 }  // namespace
 }  // namespace velmora::messaging

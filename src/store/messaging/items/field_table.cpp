@@ -206,6 +206,12 @@ const FieldRow& RowOf(Field field) { return kRows[static_cast<std::size_t>(field
 
 text::TextView SeparatorsOf(Coding coding) { return coding == Coding::kKeywords ? u";," : u";"; }
 
+void PutHtml(PropTag tag, std::string_view bytes, std::int32_t codePage, PropertyBag& bag) {
+  if (bytes.empty()) return;
+  bag.PutBytes(tag, std::as_bytes(std::span(bytes)));
+  bag.PutInteger32(tag::kInternetCodepage, codePage);
+}
+
 void PutTextField(const FieldRow& row, text::TextView text, const text::CodePage& codePage, PropertyBag& bag) {
   switch (row.coding) {
     case Coding::kName:
@@ -221,13 +227,11 @@ void PutTextField(const FieldRow& row, text::TextView text, const text::CodePage
     case Coding::kKeywords:
       bag.PutTexts(row.tag, SplitList(text, SeparatorsOf(row.coding)));
       break;
-    case Coding::kHtml:
-      if (!text.empty()) {
-        const HtmlBody body = StoreHtml(text, codePage);
-        bag.PutBytes(row.tag, std::as_bytes(std::span(body.bytes)));
-        bag.PutInteger32(tag::kInternetCodepage, body.codePage);
-      }
+    case Coding::kHtml: {
+      const HtmlBody body = StoreHtml(text, codePage);
+      PutHtml(row.tag, body.bytes, body.codePage, bag);
       break;
+    }
     case Coding::kRtf:
       if (const Bytes rtf = StoreRtf(text); !rtf.empty()) bag.PutBytes(row.tag, rtf);
       break;
@@ -279,6 +283,7 @@ FieldRead ReadNumberField(output::FieldType type, const std::optional<Value>& va
 
 void PutField(const ItemFields::Entry& field, const text::CodePage& codePage, PropertyBag& bag) {
   const FieldRow& row = RowOf(field.field);
+  if (field.bytes) return PutHtml(row.tag, *field.bytes, HtmlCodePage(*field.bytes, codePage), bag);
   if (row.coding == Coding::kUnRead || row.coding == Coding::kSent) return;
   switch (output::InfoOf(field.field).type) {
     case output::FieldType::Text:

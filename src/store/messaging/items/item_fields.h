@@ -2,6 +2,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/operations.h"
@@ -17,15 +19,19 @@ class ItemFields {
   struct Entry {
     output::Field field;
     output::FieldValue value;
+    std::optional<std::string> bytes = {};  ///< in place of a text that carries them
   };
 
   /// `value` has the alternative of the field's type.
   void Put(output::Field field, output::FieldValue value);
 
-  /// Null when the field was never written.
-  const output::FieldValue* Find(output::Field field) const;
+  /// A text that carries the bytes.
+  void PutBytes(output::Field field, std::string_view bytes);
 
-  /// Typed reads; a text that was never written is empty, other fields are nothing then, and so is a date
+  /// Nothing when the field was never written.
+  std::optional<output::FieldValue> Value(output::Field field) const;
+
+  /// Typed reads; a text that was never written, or as bytes, is empty, other fields are nothing then, and so is a date
   /// that a store cannot hold.
   text::TextView Text(output::Field field) const;
   std::optional<text::FileTime> Time(output::Field field) const;
@@ -36,6 +42,9 @@ class ItemFields {
   const std::vector<Entry>& Entries() const { return entries_; }
 
  private:
+  void Put(Entry entry);
+  const Entry* Find(output::Field field) const;
+
   std::vector<Entry> entries_;
 };
 

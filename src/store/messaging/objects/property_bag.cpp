@@ -16,13 +16,21 @@ const PropertyBag::Entry* PropertyBag::Find(PropTag tag) const {
 }
 
 void PropertyBag::Remove(PropTag tag) {
+  if (!Has(tag)) return;
   std::erase_if(entries_, [&](const Entry& entry) { return IdOf(entry.tag) == IdOf(tag); });
 }
 
 void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
   Remove(tag);
+  if (entries_.empty()) Reserve();
   entries_.push_back({tag, values_.size(), bytes.size(), nullptr});
   values_.insert(values_.end(), bytes.begin(), bytes.end());
+}
+
+/// A message or a recipient has about so many, and would move them to a larger place time and again.
+void PropertyBag::Reserve() {
+  entries_.reserve(24);
+  values_.reserve(512);
 }
 
 void PropertyBag::PutNumber(PropTag tag, std::uint64_t value, std::size_t size) {
@@ -36,12 +44,11 @@ void PropertyBag::PutFloating64(PropTag tag, double value) {
 }
 
 void PropertyBag::PutText(PropTag tag, text::TextView text) {
+  text = WithoutNulsAtEnd(text);
+  if (text.empty()) return Remove(tag);
+  if (IsStorable(text)) return PutBytes(tag, std::as_bytes(std::span(text)));  // nearly all
   const text::Text storable = Storable(text);
-  if (storable.empty()) {
-    Remove(tag);
-  } else {
-    PutBytes(tag, std::as_bytes(std::span(storable)));
-  }
+  PutBytes(tag, std::as_bytes(std::span(storable)));
 }
 
 void PropertyBag::PutName(PropTag tag, text::TextView text) { PutText(tag, NameOf(text)); }

@@ -100,6 +100,7 @@ class PropertyBag {
     std::shared_ptr<const StoredValue> stored;  ///< in place of bytes
   };
 
+  void Reserve();
   void PutNumber(PropTag tag, std::uint64_t value, std::size_t size);
   const Entry* Find(PropTag tag) const;
 

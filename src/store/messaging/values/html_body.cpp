@@ -1,8 +1,8 @@
 #include "store/messaging/values/html_body.h"
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
+#include <utility>
 
 namespace velmora::messaging {
 namespace {
@@ -26,15 +26,9 @@ constexpr NumberedPage kNumberedPages[] = {
 
 std::string Lower(std::string_view text) {
   std::string out(text);
-  std::ranges::transform(out, out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::ranges::transform(out, out.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
   return out;
 }
-
-bool IsAscii(std::string_view bytes) {
-  return std::ranges::all_of(bytes, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-bool IsUtf8(std::string_view bytes) { return text::ToUtf8(text::FromUtf8(bytes)) == bytes; }
 
 /// The charset that a meta element near the top of the page names, in small letters; empty without one.
 std::string DeclaredCharset(std::string_view bytes) {
@@ -73,17 +67,15 @@ std::optional<text::CodePage> PageOfNumber(std::int32_t number) {
 }  // namespace
 
 HtmlBody StoreHtml(text::TextView page, const text::CodePage& fallback) {
-  HtmlBody body;
-  body.bytes = text::CodePage::Lossless().Encode(page);
-  if (text::CodePage::Lossless().Decode(body.bytes) != page) {
-    body.bytes = text::ToUtf8(page);
-    body.codePage = kUtf8;
-  } else if (!IsAscii(body.bytes) && IsUtf8(body.bytes)) {
-    body.codePage = kUtf8;
-  } else {
-    body.codePage = NumberOfCharset(DeclaredCharset(body.bytes)).value_or(fallback.WindowsNumber());
-  }
-  return body;
+  std::string bytes = text::CodePage::Lossless().Encode(page);
+  if (text::CodePage::Lossless().Decode(bytes) != page) return {text::ToUtf8(page), kUtf8};
+  const std::int32_t codePage = HtmlCodePage(bytes, fallback);
+  return {std::move(bytes), codePage};
+}
+
+std::int32_t HtmlCodePage(std::string_view bytes, const text::CodePage& fallback) {
+  if (!text::IsAscii(bytes) && text::IsUtf8(bytes)) return kUtf8;
+  return NumberOfCharset(DeclaredCharset(bytes)).value_or(fallback.WindowsNumber());
 }
 
 text::Text HtmlText(std::string_view bytes, std::int32_t codePage) {

@@ -18,10 +18,12 @@ struct HtmlBody {
   std::int32_t codePage = 0;  ///< the internet code page that tells how to read them
 };
 
-/// The bytes of a page and their code page: 65001 when they are UTF-8 with a character beyond ASCII, else
-/// what the page's charset declaration names, else `fallback`. A text with characters that no byte carries
-/// is written as UTF-8.
+/// The bytes of a page and their code page. A text with characters that no byte carries is written as UTF-8.
 HtmlBody StoreHtml(text::TextView page, const text::CodePage& fallback);
+
+/// 65001 when the bytes are UTF-8 with a character beyond ASCII, else what the page's charset declaration names, else
+/// `fallback`.
+std::int32_t HtmlCodePage(std::string_view bytes, const text::CodePage& fallback);
 
 /// The characters of a page.
 text::Text HtmlText(std::string_view bytes, std::int32_t codePage);

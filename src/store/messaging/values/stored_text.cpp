@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/runs.h"
+
 namespace velmora::messaging {
 namespace {
 
@@ -10,17 +12,34 @@ constexpr char16_t kReplacement = 0xFFFD;
 bool IsLead(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsTrail(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
+/// Surrogates, in pairs or not, and NULs.
+constexpr auto kNotPlain = [](char16_t unit) {
+  return static_cast<char16_t>(static_cast<int>((unit & 0xF800) == 0xD800) | static_cast<int>(unit == 0));
+};
+
+/// The first place from `at` on that no store may hold; the size where there is none.
+std::size_t NextUnstorable(text::TextView text, std::size_t at) {
+  for (;;) {
+    at += text::PlainRun(text.data() + at, text.size() - at, kNotPlain);
+    const bool isPair = at + 1 < text.size() && IsLead(text[at]) && IsTrail(text[at + 1]);
+    if (!isPair) return at;
+    at += 2;
+  }
+}
+
 }  // namespace
 
-text::Text Storable(text::TextView text) {
+text::TextView WithoutNulsAtEnd(text::TextView text) {
   while (!text.empty() && text.back() == 0) text.remove_suffix(1);
-  text::Text out(text);
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    if (IsLead(out[i]) && i + 1 < out.size() && IsTrail(out[i + 1])) {
-      ++i;
-    } else if (IsLead(out[i]) || IsTrail(out[i]) || out[i] == 0) {
-      out[i] = kReplacement;
-    }
+  return text;
+}
+
+bool IsStorable(text::TextView text) { return NextUnstorable(text, 0) == text.size(); }
+
+text::Text Storable(text::TextView text) {
+  text::Text out(WithoutNulsAtEnd(text));
+  for (std::size_t at = NextUnstorable(out, 0); at < out.size(); at = NextUnstorable(out, at + 1)) {
+    out[at] = kReplacement;
   }
   return out;
 }

@@ -15,6 +15,11 @@ inline constexpr std::size_t kNameLimit = 255;
 /// Readers take a text with one of these for damaged.
 text::Text Storable(text::TextView text);
 
+text::TextView WithoutNulsAtEnd(text::TextView text);
+
+/// Is the text its own storable form?
+bool IsStorable(text::TextView text);
+
 /// At most `units` UTF-16 units from the start, never half a surrogate pair.
 text::TextView CutToUnits(text::TextView text, std::size_t units);
 

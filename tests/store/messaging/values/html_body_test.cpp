@@ -48,6 +48,18 @@ TEST(HtmlBody, WithoutAKnownCharsetHasTheCodePageOfTheRun) {
   EXPECT_EQ(Store("charset=koi8-r \xE9").codePage, 1252);
 }
 
+// The bytes of a page need no text to find their code page.
+TEST(HtmlBody, HasTheSameCodePageByItsBytesAsByTheTextThatCarriesThem) {
+  const auto fallback = CodePage::Find("windows-1251");
+  for (const std::string_view bytes :
+       {"", "plain", "<meta charset=KOI8-R>plain", "<META charset=koi8-r>\xE9", "<meta charset=koi8-r>\xC3\xA9",
+        "<meta charset=klingon>\xE9", "\xC3", "\xED\xA0\x80<meta charset=utf-8>", "\x81\x8D\xEF\xBF\xBD"}) {
+    const HtmlBody body = StoreHtml(Carried(bytes), *fallback);
+    EXPECT_EQ(body.bytes, bytes);
+    EXPECT_EQ(HtmlCodePage(bytes, *fallback), body.codePage) << bytes;
+  }
+}
+
 TEST(HtmlBody, WithCharactersThatNoByteCarriesIsWrittenAsUtf8) {
   const HtmlBody body = StoreHtml(u"<p>\u4f60\u597d \U0001F600</p>", CodePage::Lossless());
   EXPECT_EQ(body.codePage, 65001);
