@@ -89,9 +89,9 @@ def panel(lines, top, title, unit, value):
         for a, b in of:
             tip = f"{name}: {number(a)} MiB, {b:.2f} {unit}"
             out += f'<circle class="dot {look}" cx="{x.at(a):.1f}" cy="{y.at(b):.1f}" r="3.5"><title>{escape(tip)}</title></circle>\n'
-        ends.append((y.at(of[-1][1]), (name, look, y.at(of[-1][1]))))
-    for at, (name, look, end) in spread(ends):
-        out += f'<path class="line {look}" style="stroke-width:1" d="M{x.end - 8} {end:.1f}L{x.end + 12} {at:.1f}"/>\n'
+        ends.append((y.at(of[-1][1]), (name, look, x.at(of[-1][0]), y.at(of[-1][1]))))
+    for at, (name, look, right, end) in spread(ends):
+        out += f'<path class="line {look}" style="stroke-width:1" d="M{right:.1f} {end:.1f}L{x.end + 12} {at:.1f}"/>\n'
         out += f'<text x="{x.end + 16}" y="{at + 4:.1f}">{escape(name)}</text>\n'
     return out
 
