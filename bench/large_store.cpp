@@ -164,7 +164,8 @@ LargeStoreCounts MakeLargeStore(const std::filesystem::path& path, const LargeSt
   while (!complete()) {
     if (counts.messages == 0 || (!options.oneFolder && counts.messages % options.perFolder == 0)) openFolder();
     if (options.format == forge::Format::kAnsi &&
-        (box.store().End() > kMostOfAnsi || (options.oneFolder && counts.messages == kMostRowsOfAnsi))) {
+        (box.store().End() > kMostOfAnsi ||
+         (options.oneFolder && std::max(options.items, counts.messages + 1) > kMostRowsOfAnsi))) {
       throw std::runtime_error("an ANSI store has no room for so much");
     }
     const Message mail = maker.Next();
