@@ -22,7 +22,7 @@ using forge::RecipientKind;
 
 constexpr std::uint64_t kFoldersPerYear = 52;
 constexpr std::size_t kPeople = 200;
-constexpr std::size_t kBytesOfPiece = 120'000;
+constexpr std::uint64_t kBlocksOfPiece = 16;  // about as many full ones as a strewn store puts behind one another
 constexpr std::uint64_t kMostOfAnsi = (std::uint64_t{1} << 31) - (std::uint64_t{1} << 24);
 constexpr std::uint64_t kMostRowsOfAnsi = 0xFFFF;
 
@@ -56,6 +56,7 @@ class MailMaker {
                     .delivered = time_,
                     .flags = dice_.Chance(80) ? 1U : 0U};
     if (tiny_) {
+      mail.displayTo = Person(dice_.Between(0, kPeople - 1)).name;
       mail.plain = text_.Text(dice_, 60);
       return mail;
     }
@@ -128,12 +129,13 @@ class MailMaker {
 };
 
 forge::StoreOptions StoreOf(const LargeStoreOptions& options, bool isOffline) {
+  const std::uint64_t bytesOfPiece = kBlocksOfPiece * forge::TraitsOf(options.format).maxBlockData;
   return {.format = options.format,
           .encoding = options.encoding,
           .client = isOffline ? forge::Client::kOffline : forge::Client::kPersonal,
           .compressed = isOffline,
           .fullLength = true,
-          .pieces = options.strewn ? static_cast<std::size_t>(options.bytes / kBytesOfPiece) + 2 : 0,
+          .pieces = options.strewn ? static_cast<std::size_t>(options.bytes / bytesOfPiece) + 2 : 0,
           .pack = Pack};
 }
 
