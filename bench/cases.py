@@ -26,10 +26,11 @@ CASES = {
     "rows": Case(["--tiny", "--one-folder"], 1_000_000, "1,000,000 mails in one folder"),
 }
 
-Store = namedtuple("Store", "case format encoding megabytes items")
+# `more` are options of the maker beside those of the case.
+Store = namedtuple("Store", "case format encoding megabytes items more", defaults=((),))
 
 
-def stores(cases, formats, encodings, sizes, percent):
+def stores(cases, formats, encodings, sizes, percent, more=()):
     """All stores of that choice. `encodings` of None: each format's usual one."""
     chosen = []
     for case in cases:
@@ -40,18 +41,21 @@ def stores(cases, formats, encodings, sizes, percent):
             for encoding in encodings or [USUAL_ENCODING[form]]:
                 for size in [0] if items else sizes:
                     if form != "ansi" or size <= MOST_OF_ANSI:
-                        chosen.append(Store(case, form, encoding, size, items))
+                        chosen.append(Store(case, form, encoding, size, items, tuple(more)))
     return chosen
 
 
+def kind_of(store):
+    return ", ".join((" ".join((store.case, *store.more)), store.format, store.encoding))
+
+
 def name_of(store):
-    size = f"{store.items} mails" if store.items else f"{store.megabytes} MiB"
-    return f"{store.case}, {store.format}, {store.encoding}, {size}"
+    return f"{kind_of(store)}, " + (f"{store.items} mails" if store.items else f"{store.megabytes} MiB")
 
 
 def make(maker, store, path):
     """What the store holds, as the maker says: folders, messages, attachments, oldVersions."""
-    options = [*CASES[store.case].options, "--format", store.format, "--encoding", store.encoding]
+    options = [*CASES[store.case].options, *store.more, "--format", store.format, "--encoding", store.encoding]
     if store.items:
         options += ["--items", str(store.items)]
     made = subprocess.run([maker, *options, str(store.megabytes), path], check=True, stdout=subprocess.PIPE)

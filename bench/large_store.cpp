@@ -56,7 +56,7 @@ class MailMaker {
                     .delivered = time_,
                     .flags = dice_.Chance(80) ? 1U : 0U};
     if (tiny_) {
-      mail.displayTo = Person(dice_.Between(0, kPeople - 1)).name;
+      mail.delivered.reset();  // field by field, a mail without recipients loses it, and a loss is work
       mail.plain = text_.Text(dice_, 60);
       return mail;
     }

@@ -136,6 +136,12 @@ class Stores(Scratch):
         self.assertGreater(evidence["freedBlocks"], 0.8 * evidence["liveBlocks"])
         self.assertEqual(evidence["hurtBlocks"] + evidence["failedBlocks"], 0)
 
+    def test_shares_of_files_and_of_old_versions_can_be_asked_for(self):
+        few, = cases.stores(["mails"], ["unicode"], None, [1], 100, ["--files", "0", "--old", "50"])
+        self.assertEqual(cases.name_of(few), "mails --files 0 --old 50, unicode, permute, 1 MiB")
+        _, made = self.make(few)
+        self.assertEqual((made["attachments"], made["oldVersions"]), (0, made["messages"] // 2))
+
     def test_stores_that_a_format_has_no_room_for_are_not_made(self):
         sizes = {s.megabytes for s in cases.stores(["mails"], ["ansi"], None, [10, 8000], 100)}
         self.assertEqual(sizes, {10})
@@ -192,6 +198,30 @@ class Measuring(Scratch):
             self.assertGreater(writing.bytes, 3 << 20)
             found[case] = reading
         self.assertGreater(found["strewn"].distance, 2 * found["mails"].distance)
+
+
+class Choosing(Scratch):
+    def programs_of(self, help_text):
+        """Those that are measured of a build whose program says this for --help."""
+        program = self.work / "src/cli/velmora-convert"
+        program.parent.mkdir(parents=True, exist_ok=True)
+        program.write_text(f"#!/bin/sh\necho '{help_text}'\n")
+        program.chmod(0o755)
+        return programs.all_programs(self.work)
+
+    def test_numbers_of_workers_are_measured_where_the_program_takes_one(self):
+        with_jobs = {f"complete --jobs {n}" for n in (1, 2, 4)}
+        there, _ = self.programs_of("--complete --jobs N")
+        self.assertLessEqual(with_jobs, set(there))
+        self.assertEqual(there["complete --jobs 4"].words[-4:], ["--jobs", "4", "{store}", "{out}"])
+        there, missing = self.programs_of("--complete")
+        self.assertIn("complete", there)
+        self.assertLessEqual(with_jobs, set(missing))
+
+    def test_programs_that_are_not_built_are_left_out(self):
+        there, missing = programs.all_programs(self.work)
+        self.assertNotIn("floor", there)
+        self.assertIn("velmora-floor", missing["floor"])
 
 
 class Counting(unittest.TestCase):
