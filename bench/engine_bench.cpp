@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "engine/evidence/block_evidence.h"
 #include "engine/evidence/evidence.h"
 #include "engine/index_file.h"
 #include "engine/run.h"
@@ -15,7 +16,6 @@
 #include "store/format/block.h"
 #include "store/format/checksum.h"
 #include "store/format/encoding.h"
-#include "store/format/checksum.h"
 
 namespace velmora::engine {
 namespace {
@@ -111,6 +111,25 @@ BENCHMARK_CAPTURE(EvidenceOf, encoded, kEncoded)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EvidenceOf, text, kText)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EvidenceOf, zeros, kZeros)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EvidenceOf, store, kStore)->Unit(benchmark::kMillisecond);
+
+/// What looking for trailers costs ahead of any checksum: each unit of the file is asked once.
+void TrailerLookThrough(benchmark::State& bench, FormatId format, Content content) {
+  const auto source = BytesOf(content);
+  const Generation& layout = LayoutOf(format);
+  for (auto _ : bench) {
+    std::size_t seen = 0;
+    for (std::size_t end = layout.slotSize; end <= kSourceBytes; end += layout.slotSize) {
+      const auto tail = std::span(source->Bytes()).subspan(end - layout.blockTrailerSize, layout.blockTrailerSize);
+      seen += SeeTrailer(tail, end, layout).has_value() ? 1 : 0;
+    }
+    benchmark::DoNotOptimize(seen);
+  }
+  bench.SetBytesProcessed(static_cast<std::int64_t>(bench.iterations() * kSourceBytes));
+}
+BENCHMARK_CAPTURE(TrailerLookThrough, unicode_encoded, FORMAT_UNICODE, kEncoded)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(TrailerLookThrough, unicode_store, FORMAT_UNICODE, kStore)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(TrailerLookThrough, ansi_encoded, FORMAT_ANSI, kEncoded)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(TrailerLookThrough, unicode4k_encoded, FORMAT_UNICODE_4K, kEncoded)->Unit(benchmark::kMillisecond);
 
 void Decode(benchmark::State& bench, CryptMethod method) {
   std::vector<std::byte> block(8176, std::byte{0x5A});

@@ -1,9 +1,13 @@
 #include "bench/large_store.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "bench/old_versions.h"
+#include "bench/pack.h"
 #include "bench/sample_text.h"
 #include "forge/mailbox.h"
 
@@ -18,6 +22,9 @@ using forge::RecipientKind;
 
 constexpr std::uint64_t kFoldersPerYear = 52;
 constexpr std::size_t kPeople = 200;
+constexpr std::uint64_t kBlocksOfPiece = 16;  // about as many full ones as a strewn store puts behind one another
+constexpr std::uint64_t kMostOfAnsi = (std::uint64_t{1} << 31) - (std::uint64_t{1} << 24);
+constexpr std::uint64_t kMostRowsOfAnsi = 0xFFFF;
 
 std::u16string ToText(std::uint64_t number) {
   const std::string digits = std::to_string(number);
@@ -34,7 +41,10 @@ Recipient Person(std::size_t index) {
 class MailMaker {
  public:
   explicit MailMaker(const LargeStoreOptions& options)
-      : small_(options.small), attachmentSize_(options.attachmentSize) {}
+      : small_(options.small),
+        tiny_(options.tiny),
+        withFiles_(options.withFiles),
+        attachmentSize_(options.attachmentSize) {}
 
   Message Next() {
     const Recipient sender = Person(dice_.Between(0, kPeople - 1));
@@ -45,6 +55,11 @@ class MailMaker {
                     .submitted = time_ - 20'000'000,
                     .delivered = time_,
                     .flags = dice_.Chance(80) ? 1U : 0U};
+    if (tiny_) {
+      mail.delivered.reset();  // field by field, a mail without recipients loses it, and a loss is work
+      mail.plain = text_.Text(dice_, 60);
+      return mail;
+    }
     if (dice_.Chance(40)) {
       mail.subject = u"Re: " + mail.subject;
       mail.subjectPrefix = 4;
@@ -73,17 +88,17 @@ class MailMaker {
     }
   }
 
-  // Most mails are small, some are long, and a quarter carries files; in all they have 2 to 200 KB.
+  // Most mails are small, some are long, and some carry files; in all they have 2 to 200 KB.
   void AddContent(Message& mail) {
     const bool isLong = dice_.Chance(20);
-    const std::size_t units = isLong ? dice_.Between(4000, 20000) : dice_.Between(300, 3000);
+    const std::size_t units = isLong ? dice_.Step(4000, 20000) : dice_.Step(300, 3000);
     mail.plain = text_.Text(dice_, units);
     if (dice_.Chance(70)) mail.html = text_.Html(dice_, units * 2);
     if (dice_.Chance(50)) mail.properties.push_back(forge::Text(0x007D, Headers(mail)));
-    if (!dice_.Chance(25)) return;
+    if (!dice_.Chance(withFiles_)) return;
     const std::size_t files = dice_.Between(1, 3);
     for (std::size_t i = 0; i < files; ++i) {
-      const std::size_t size = dice_.Chance(50) ? dice_.Between(200, 6000) : dice_.Between(6000, 36000);
+      const std::size_t size = dice_.Chance(50) ? dice_.Step(200, 6000) : dice_.Step(6000, 36000);
       mail.attachments.push_back(File(size));
     }
   }
@@ -104,6 +119,8 @@ class MailMaker {
   }
 
   bool small_;
+  bool tiny_;
+  unsigned withFiles_;
   std::uint64_t attachmentSize_;
   SampleText text_;
   Dice dice_{42};
@@ -111,22 +128,36 @@ class MailMaker {
   std::uint64_t files_ = 0;
 };
 
+forge::StoreOptions StoreOf(const LargeStoreOptions& options, bool isOffline) {
+  const std::uint64_t bytesOfPiece = kBlocksOfPiece * forge::TraitsOf(options.format).maxBlockData;
+  return {.format = options.format,
+          .encoding = options.encoding,
+          .client = isOffline ? forge::Client::kOffline : forge::Client::kPersonal,
+          .compressed = isOffline,
+          .fullLength = true,
+          .pieces = options.strewn ? static_cast<std::size_t>(options.bytes / bytesOfPiece) + 2 : 0,
+          .pack = Pack};
+}
+
 }  // namespace
 
 LargeStoreCounts MakeLargeStore(const std::filesystem::path& path, const LargeStoreOptions& options) {
-  Mailbox box(path, {.fullLength = true}, {.tables = true, .namesAtLeast = 80});
+  const bool isOffline = options.format == forge::Format::kUnicode4k;
+  const Nid top = isOffline ? forge::kOfflineTop : forge::kTopFolder;
+  Mailbox box(path, StoreOf(options, isOffline), {.tables = true, .offline = isOffline, .namesAtLeast = 80});
   MailMaker maker(options);
+  OldVersions old(box, options.oldVersions);
   LargeStoreCounts counts;
   Nid year = 0;
   Nid folder = 0;
   const auto complete = [&] {
     return (options.items != 0 && counts.messages >= options.items) ||
-           (options.bytes != 0 && box.store().End() >= options.bytes);
+           (options.bytes != 0 && box.store().Written() >= options.bytes);
   };
   const auto openFolder = [&] {
     if (folder != 0) box.CloseFolder(folder);
     if (counts.folders % (kFoldersPerYear + 1) == 0) {
-      year = box.AddFolder({.name = u"Archive " + ToText(1 + counts.folders / (kFoldersPerYear + 1))});
+      year = box.AddFolder({.name = u"Archive " + ToText(1 + counts.folders / (kFoldersPerYear + 1)), .parent = top});
       ++counts.folders;
     }
     folder = box.AddFolder({.name = u"Week " + ToText(counts.folders), .parent = year, .containerClass = u"IPF.Note"});
@@ -134,11 +165,18 @@ LargeStoreCounts MakeLargeStore(const std::filesystem::path& path, const LargeSt
   };
   while (!complete()) {
     if (counts.messages == 0 || (!options.oneFolder && counts.messages % options.perFolder == 0)) openFolder();
+    if (options.format == forge::Format::kAnsi &&
+        (box.store().End() > kMostOfAnsi ||
+         (options.oneFolder && std::max(options.items, counts.messages + 1) > kMostRowsOfAnsi))) {
+      throw std::runtime_error("an ANSI store has no room for so much");
+    }
     const Message mail = maker.Next();
-    box.AddMessage(folder, mail);
+    old.Write(mail);
+    old.Name(box.AddMessage(folder, mail).nid, folder);
     ++counts.messages;
     counts.attachments += mail.attachments.size();
   }
+  counts.oldVersions = old.Count();
   box.Finish();
   return counts;
 }

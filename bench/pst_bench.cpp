@@ -4,9 +4,15 @@
 #include <algorithm>
 #include <array>
 
+#include "bench/pack.h"
+#include "bench/sample_text.h"
 #include "platform/memory_file.h"
+#include "store/format/block.h"
 #include "store/format/checksum.h"
+#include "store/format/encoding.h"
 #include "store/format/property_tags.h"
+#include "store/ltp/heap.h"
+#include "store/ltp/heap_writer.h"
 #include "store/ltp/property_context.h"
 #include "store/ltp/property_context_writer.h"
 #include "store/ltp/table_context_writer.h"
@@ -46,6 +52,37 @@ void Checksum(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 BENCHMARK(Checksum);
+
+void Encode(benchmark::State& state, CryptMethod method) {
+  const std::vector<std::byte> plain = Sample(kMaxBlockData);
+  std::vector<std::byte> encoded(plain.size());
+  for (auto _ : state) {
+    EncodeBlock(method, Bid{0x1234}, plain, encoded);
+    benchmark::DoNotOptimize(encoded.data());
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(plain.size()));
+}
+BENCHMARK_CAPTURE(Encode, permute, CryptMethod::kPermute);
+BENCHMARK_CAPTURE(Encode, cyclic, CryptMethod::kCyclic);
+
+/// A full block of a store of 4K pages, as texts fill it; bytes a second are those that come out.
+void Inflate(benchmark::State& state) {
+  constexpr const Generation& kFormat = generations::kUnicode4k;
+  bench::Dice dice(1);
+  const auto text = forge::ToUtf16(bench::SampleText().Text(dice, kFormat.maxBlockData / 2));
+  const auto packed = bench::Pack(text);
+  std::vector<std::byte> block(BlockSizeOnDisk(packed.size(), kFormat));
+  std::ranges::copy(packed, block.begin());
+  Store(std::span(block), block.size() - kFormat.blockTrailerSize + kFormat.offInflatedSize,
+        static_cast<std::uint16_t>(text.size()));
+  for (auto _ : state) {
+    std::vector<std::byte> content = block;
+    if (!UnpackBlock(content, Bid{4}, packed.size(), CryptMethod::kNone, kFormat)) state.SkipWithError("not packed");
+    benchmark::DoNotOptimize(content.data());
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(Inflate);
 
 void Data(benchmark::State& state) {
   const std::vector<std::byte> bytes = Sample(1 << 20);
@@ -95,6 +132,36 @@ void OpenItem(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(OpenItem);
+
+/// All items of a heap of some blocks, each once.
+void HeapItems(benchmark::State& state) {
+  platform::MemoryFile file;
+  const auto ndb = ndb::NdbWriter::Create(file);
+  ltp::HeapWriter writer(*ndb, ClientSig::kPropertyContext);
+  std::vector<Hid> items;
+  for (int i = 0; i < 1000; ++i) items.push_back(writer.Add(Sample(100)));
+  const ndb::DataTree tree = writer.Finish(items.front());
+  for (auto _ : state) {
+    auto heap = ltp::Heap::Open(*ndb, tree.bid, ClientSig::kPropertyContext);
+    for (const Hid item : items) benchmark::DoNotOptimize(heap.Item(item).data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items.size()));
+}
+BENCHMARK(HeapItems);
+
+/// Every value of an item, as a copy of it asks for them.
+void ReadItem(benchmark::State& state) {
+  platform::MemoryFile file;
+  const auto ndb = ndb::NdbWriter::Create(file);
+  ltp::PropertyContextWriter item(*ndb);
+  const Nid nid = WriteItem(*ndb, item);
+  for (auto _ : state) {
+    auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees);
+    for (const PropertyRecord& record : context.Records()) benchmark::DoNotOptimize(context.Read(record.Tag()));
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(ReadItem);
 
 constexpr std::array<ltp::Column, 5> kColumns{{{0x0E060040, 12, 8, 2},
                                                {0x0E070003, 8, 4, 3},

@@ -70,7 +70,7 @@ SampleText::SampleText() : noise_(forge::Noise(kPoolUnits, 1)) {
 std::u16string SampleText::Text(Dice& dice, std::size_t units) const {
   std::u16string out;
   while (out.size() < units) {
-    const std::size_t start = dice.Between(0, text_.size() - 1);
+    const std::size_t start = dice.Step(0, text_.size() - 1);
     out += text_.substr(start, units - out.size());
   }
   return out;
@@ -91,7 +91,7 @@ forge::Bytes SampleText::Html(Dice& dice, std::size_t bytes) const {
   constexpr std::string_view kParagraph = "<p ";
   // The cut begins at a paragraph; where it ends within one, a browser closes it.
   const std::size_t wanted = std::min(bytes, paragraphs_.size() / 2);
-  std::size_t start = paragraphs_.find(kParagraph, dice.Between(0, paragraphs_.size() - wanted - 2000));
+  std::size_t start = paragraphs_.find(kParagraph, dice.Step(0, paragraphs_.size() - wanted - 2000));
   std::size_t end = paragraphs_.find(kParagraph, start + wanted);
   if (end == std::string::npos) end = paragraphs_.size();
   return forge::ToBytes(std::string(kHead) + paragraphs_.substr(start, end - start) + "</body></html>\r\n");
@@ -100,7 +100,7 @@ forge::Bytes SampleText::Html(Dice& dice, std::size_t bytes) const {
 forge::Bytes SampleText::Binary(Dice& dice, std::size_t bytes) const {
   forge::Bytes out;
   while (out.size() < bytes) {
-    const std::size_t start = dice.Between(0, noise_.size() - 1);
+    const std::size_t start = dice.Step(0, noise_.size() - 1);
     forge::Append(out, std::span(noise_).subspan(start, std::min(bytes - out.size(), noise_.size() - start)));
   }
   return out;

@@ -16,6 +16,8 @@ class Dice {
   std::uint64_t Next();
   /// A number from `low` to `high`, both included.
   std::size_t Between(std::size_t low, std::size_t high);
+  /// One of sixteen numbers from `low` to `high`.
+  std::size_t Step(std::size_t low, std::size_t high) { return low + (high - low) / 15 * (Next() % 16); }
   /// True in `percent` of 100 cases.
   bool Chance(unsigned percent) { return Next() % 100 < percent; }
 
@@ -23,8 +25,8 @@ class Dice {
   std::uint64_t state_;
 };
 
-/// Pieces of text and of noise are cut out of pools that are made once, so that making a store costs
-/// little more than writing it.
+/// Pieces of text and of noise are cut out of pools that are made once, each from one of sixteen places, so that making
+/// a store costs little more than writing it.
 class SampleText {
  public:
   SampleText();

@@ -13,7 +13,7 @@ wizard_packages=(qt6-base-dev qt6-svg-dev)
 # To build and run the tests.
 test_packages=(
   ccache libgtest-dev libgmock-dev libbenchmark-dev python3
-  pst-utils pff-tools
+  pst-utils pff-tools strace time
   dpkg-dev mandoc bash-completion zsh desktop-file-utils appstream shared-mime-info libxml2-utils lintian
   xvfb openbox xdotool x11-utils
 )

@@ -35,8 +35,9 @@ std::uint64_t Get(std::span<const std::byte> bytes, std::size_t offset, std::siz
 }
 
 void Append(Bytes& bytes, std::uint64_t value, std::size_t width) {
-  bytes.resize(bytes.size() + width);
-  Put(bytes, bytes.size() - width, value, width);
+  std::array<std::byte, 8> word;
+  for (std::size_t i = 0; i < word.size(); ++i) word[i] = static_cast<std::byte>(value >> (8 * i));
+  bytes.insert(bytes.end(), word.begin(), word.begin() + static_cast<std::ptrdiff_t>(width));
 }
 
 void Append(Bytes& bytes, std::span<const std::byte> more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
@@ -49,7 +50,10 @@ Bytes ToBytes(std::string_view text) {
 
 Bytes ToUtf16(std::u16string_view text) {
   Bytes bytes(text.size() * 2);
-  for (std::size_t i = 0; i < text.size(); ++i) Put(bytes, i * 2, text[i], 2);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    bytes[2 * i] = static_cast<std::byte>(text[i]);
+    bytes[2 * i + 1] = static_cast<std::byte>(text[i] >> 8);
+  }
   return bytes;
 }
 

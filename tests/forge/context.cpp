@@ -18,10 +18,11 @@ class ValueWriter {
   std::uint32_t Write(const Property& property) {
     if (property.reference) return *property.reference;
     if (property.tree) return AddSubnode(*property.tree);
-    Bytes data = StoredData(property, store_.traits().wide);
+    const bool isAsGiven = StoredAsGiven(property, store_.traits().wide);
+    const Bytes narrowed = isAsGiven ? Bytes() : StoredData(property, false);
+    const Bytes& data = isAsGiven ? property.data : narrowed;
     if (IsInline(property.type)) {
-      data.resize(4);
-      return static_cast<std::uint32_t>(Get(data, 0, 4));
+      return static_cast<std::uint32_t>(Get(data, 0, std::min<std::size_t>(data.size(), 4)));
     }
     if (data.empty()) return 0;
     const bool inHeap =
@@ -65,9 +66,10 @@ std::uint64_t Context::DataSize() const {
 }
 
 Context FormContext(Store& store, const PropertyList& properties, const ContextOptions& options) {
-  PropertyList sorted = properties;
+  std::vector<const Property*> sorted;
+  for (const Property& property : properties) sorted.push_back(&property);
   if (!options.keepOrder) {
-    std::stable_sort(sorted.begin(), sorted.end(), [](const Property& a, const Property& b) { return a.id < b.id; });
+    std::stable_sort(sorted.begin(), sorted.end(), [](const Property* a, const Property* b) { return a->id < b->id; });
   }
   Context context;
   Heap heap(store.options().format, options.clientSignature, options.heapSignature);
@@ -82,7 +84,7 @@ Context FormContext(Store& store, const PropertyList& properties, const ContextO
   ValueWriter values(store, heap, context, options.firstValueNid);
   Bytes upper;
   for (std::size_t i = 0; i < sorted.size(); ++i) {
-    const Property& property = sorted[i];
+    const Property& property = *sorted[i];
     const std::size_t at = i % options.recordsPerLeaf * kRecordSize;
     const Hid leaf = leaves[i / options.recordsPerLeaf];
     const std::uint32_t value = values.Write(property);

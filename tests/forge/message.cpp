@@ -91,7 +91,9 @@ Context FormRecipients(Store& store, NameMap& names, const std::vector<Recipient
 std::uint32_t ValueBytes(const PropertyList& properties, bool wide) {
   std::size_t size = 0;
   for (const Property& property : properties) {
-    size += property.type == kObject ? Get(property.data, 4, 4) : StoredData(property, wide).size();
+    size += property.type == kObject        ? Get(property.data, 4, 4)
+            : StoredAsGiven(property, wide) ? property.data.size()
+                                            : StoredData(property, wide).size();
   }
   return static_cast<std::uint32_t>(size);
 }
@@ -203,7 +205,7 @@ PropertyList MessageProperties(NameMap& names, const Message& message) {
     list.push_back(Binary(0x300B, SearchKeyOf(message)));
   }
   if (message.size || !message.bare) list.push_back(Int32(0x0E08, message.size.value_or(0)));
-  list = Resolve(names, list);
+  list = Resolve(names, std::move(list));
   for (const Property& property : Resolve(names, message.properties)) Set(list, property);
   return list;
 }

@@ -123,14 +123,13 @@ PropertyList NameMap::Properties(bool pairedBuckets) const {
   return properties;
 }
 
-PropertyList Resolve(NameMap& names, const PropertyList& properties) {
-  PropertyList resolved = properties;
-  for (Property& property : resolved) {
+PropertyList Resolve(NameMap& names, PropertyList properties) {
+  for (Property& property : properties) {
     if (!property.name) continue;
     property.id = names.IdOf(*property.name);
     property.name.reset();
   }
-  return resolved;
+  return properties;
 }
 
 }  // namespace velmora::forge

@@ -41,6 +41,6 @@ class NameMap {
 };
 
 /// The properties with ids in place of names: what a context can be formed of.
-PropertyList Resolve(NameMap& names, const PropertyList& properties);
+PropertyList Resolve(NameMap& names, PropertyList properties);
 
 }  // namespace velmora::forge

@@ -116,8 +116,10 @@ std::uint16_t StoredType(const Property& property, bool wide) {
   return property.textOfStore && !wide ? static_cast<std::uint16_t>(property.type - 1) : property.type;
 }
 
+bool StoredAsGiven(const Property& property, bool wide) { return !property.textOfStore || wide; }
+
 Bytes StoredData(const Property& property, bool wide) {
-  if (!property.textOfStore || wide) return property.data;
+  if (StoredAsGiven(property, wide)) return property.data;
   return property.type == kStringList ? NarrowList(property.data) : ToAnsi(FromUtf16(property.data));
 }
 

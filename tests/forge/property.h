@@ -118,7 +118,8 @@ Property Named(PropertySet set, std::u16string_view text, Property property);
 /// True for a type whose value stands in the record itself.
 bool IsInline(std::uint16_t type);
 
-/// Type and bytes as they stand in a store of that width.
+/// Whether the bytes stand in a store of that width as they are given, and else type and bytes as they stand there.
+bool StoredAsGiven(const Property& property, bool wide);
 std::uint16_t StoredType(const Property& property, bool wide);
 Bytes StoredData(const Property& property, bool wide);
 

@@ -6,6 +6,9 @@
 namespace velmora::forge {
 namespace {
 
+// Of a piece of the file when places are strewn: of 512-byte pages two fit into the range of a map.
+constexpr std::uint64_t kBlocksOfPiece = 15;
+
 constexpr std::uint8_t kFreeMap = 0x82;
 constexpr std::uint8_t kPageMap = 0x83;
 constexpr std::uint8_t kFreePageMap = 0x85;
@@ -27,7 +30,7 @@ std::vector<MapPage> PagesOfRange(const FormatTraits& traits, std::size_t index)
 
 }  // namespace
 
-Space::Space(const FormatTraits& traits) : traits_(traits) {
+Space::Space(const FormatTraits& traits, std::size_t pieces) : traits_(traits), pieces_(pieces) {
   OpenMap();
   end_ = traits.firstData;
 }
@@ -39,27 +42,50 @@ void Space::OpenMap() {
   end_ = pages.back().offset + traits_.pageSize;
 }
 
-void Space::Mark(std::uint64_t offset, std::uint64_t size) {
+void Space::Mark(std::uint64_t offset, std::uint64_t size, bool used) {
   if (offset < traits_.firstMap) return;
   const std::uint64_t first = (offset - traits_.firstMap) / traits_.slotSize;
   const std::uint64_t last = (offset + size - 1 - traits_.firstMap) / traits_.slotSize;
   const std::uint64_t slotsOfMap = traits_.mapSpan / traits_.slotSize;
   for (std::uint64_t slot = first; slot <= last && slot / slotsOfMap < maps_.size(); ++slot) {
     const std::uint64_t bit = slot % slotsOfMap;
-    maps_[slot / slotsOfMap][bit / 8] |= std::byte{0x80} >> (bit % 8);
+    const std::byte mask = std::byte{0x80} >> (bit % 8);
+    std::byte& bits = maps_[slot / slotsOfMap][bit / 8];
+    bits = used ? bits | mask : bits & ~mask;
   }
 }
 
-std::uint64_t Space::Allocate(std::uint64_t size, std::uint64_t align) {
+std::uint64_t Space::Advance(std::uint64_t size, std::uint64_t align) {
   std::uint64_t start = (end_ + align - 1) / align * align;
   while (start + size > MappedEnd()) {
     OpenMap();
     start = (end_ + align - 1) / align * align;
   }
-  Mark(start, size);
   end_ = start + size;
   return start;
 }
+
+std::uint64_t Space::TakeFromPiece(std::uint64_t size, std::uint64_t align) {
+  Piece& piece = pieces_[anyPiece_() % pieces_.size()];
+  const auto aligned = [&] { return (piece.at + align - 1) / align * align; };
+  if (aligned() + size > piece.end) {
+    const std::uint64_t length = kBlocksOfPiece * (traits_.maxBlockData + traits_.blockTrailerSize);
+    const std::uint64_t start = Advance(length, traits_.pageSize);
+    piece = {.at = start, .end = start + length};
+  }
+  const std::uint64_t start = aligned();
+  piece.at = start + size;
+  return start;
+}
+
+std::uint64_t Space::Allocate(std::uint64_t size, std::uint64_t align) {
+  const std::uint64_t start = pieces_.empty() ? Advance(size, align) : TakeFromPiece(size, align);
+  Mark(start, size);
+  handedOut_ += size;
+  return start;
+}
+
+void Space::Free(std::uint64_t offset, std::uint64_t size) { Mark(offset, size, false); }
 
 void Space::Take(std::uint64_t offset, std::uint64_t size) {
   const std::uint64_t end = std::max(end_, offset + size);

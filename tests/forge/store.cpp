@@ -37,7 +37,7 @@ Store::Store(StoreOptions options)
     : options_(options),
       traits_(TraitsOf(options.format)),
       sink_(std::make_unique<MemorySink>()),
-      space_(traits_),
+      space_(traits_, options.pieces),
       lastIndex_(FirstIndexes()) {
   if (options.startOffset > space_.End()) space_.Take(space_.End(), options.startOffset - space_.End());
 }
@@ -47,10 +47,12 @@ Store::Store(StoreOptions options, const std::filesystem::path& path) : Store(op
 }
 
 Bid Store::AddBlock(std::span<const std::byte> data, const BlockOptions& options) {
-  Bytes stored(data.begin(), data.end());
+  Bytes stored;
+  stored.reserve(data.size() + traits_.blockTrailerSize + traits_.slotSize);
+  stored.assign(data.begin(), data.end());
   const bool compress = options_.format == Format::kUnicode4k && options.compressed.value_or(options_.compressed);
   if (compress && (options.compressed || stored.size() >= kSmallestCompressed)) {
-    Bytes smaller = Deflate(stored);
+    Bytes smaller = options_.pack != nullptr ? options_.pack(stored) : Deflate(stored);
     if (smaller.size() < stored.size() || options.compressed) stored = std::move(smaller);
   }
   return Place(std::move(stored), static_cast<std::uint16_t>(data.size()), false, options);
@@ -131,6 +133,23 @@ PlacedPage Store::AddPage(const PageSpec& given) {
   PlacedPage page = WritePage(given);
   pages_.back().stray = page.stray = true;
   return page;
+}
+
+void Store::AddOldPage(const PageSpec& given) { space_.Free(AddPage(given).offset, traits_.pageSize); }
+
+std::vector<BlockEntry> Store::FreeFrom(Bid first) {
+  std::vector<BlockEntry> freed;
+  for (auto block = blocks_.rbegin(); block != blocks_.rend() && block->bid >= first; ++block) {
+    block->listed = false;
+    space_.Free(block->offset, block->placeSize);
+    freed.push_back({.bid = block->bid,
+                     .offset = block->offset,
+                     .size = block->size,
+                     .refs = block->refs,
+                     .inflatedSize = block->inflatedSize});
+  }
+  std::reverse(freed.begin(), freed.end());
+  return freed;
 }
 
 PlacedPage Store::WritePage(const PageSpec& given) {

@@ -31,6 +31,8 @@ struct StoreOptions {
   bool fullLength = false;         ///< the file ends where its last allocation map does, not behind the last page
   std::size_t entriesPerPage = 0;  ///< of both trees; 0 fills each page
   std::uint64_t startOffset = 0;   ///< of the first block; 0 is the first place of the format
+  std::size_t pieces = 0;  ///< of the file over which blocks and pages are strewn, as use and years do it; 0: none
+  Bytes (*pack)(std::span<const std::byte> data) = nullptr;  ///< makes a zlib stream, in place of zlib itself
 };
 
 /// Of messages in attachments, far behind those in folders.
@@ -96,6 +98,13 @@ class Store {
   /// Writes a page that belongs to no tree: a stale copy, or one with something wrong.
   PlacedPage AddPage(const PageSpec& given);
 
+  /// Writes a page that belonged to a tree once: its place is free.
+  void AddOldPage(const PageSpec& given);
+
+  /// Makes blocks of what was there once of all blocks from that id on: their bytes stay, their places are free, the
+  /// block tree has them no more. Returns the entries that it had.
+  std::vector<BlockEntry> FreeFrom(Bid first);
+
   /// Adds one more entry to the block tree, true or not.
   void ListBlock(const BlockEntry& entry);
 
@@ -114,6 +123,9 @@ class Store {
 
   /// File offset at which the next block of `dataSize` bytes will stand.
   std::uint64_t End() const { return space_.End(); }
+
+  /// Bytes of all blocks and pages so far, with what is free by now.
+  std::uint64_t Written() const { return space_.HandedOut(); }
 
   /// Writes what is missing and gives the store away. The Store is of no use afterwards.
   Image Finish();

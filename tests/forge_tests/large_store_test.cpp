@@ -65,5 +65,10 @@ TEST_F(LargeStore, TakesOneFolderForAllWhenAsked) {
   EXPECT_TRUE(Check("--strict")) << TextOf(folder_.path() / "output");
 }
 
+TEST_F(LargeStore, RefusesMoreMessagesInAFolderThanAnAnsiStoreCanNumber) {
+  EXPECT_THROW(Make({.format = forge::Format::kAnsi, .items = 65'536, .tiny = true, .oneFolder = true}),
+               std::runtime_error);
+}
+
 }  // namespace
 }  // namespace velmora::bench

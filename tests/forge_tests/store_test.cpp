@@ -7,6 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "forge/checksum.h"
 #include "forge/encoding.h"
@@ -79,6 +82,50 @@ TEST_P(StoreOf, KeepsBlocksClearOfMapPages) {
   for (const PlacedBlock& block : image.blocks) {
     EXPECT_TRUE(block.offset + block.placeSize <= map || block.offset >= map + traits().pageSize);
   }
+}
+
+TEST_P(StoreOf, StrewsBlocksAndPagesOverTheFileWithoutOverlap) {
+  Store store({.format = GetParam(), .pieces = 8});
+  for (std::size_t i = 0; i < 200; ++i) store.AddBlock(Noise(traits().maxBlockData, 1));
+  const Image image = store.Finish();
+  std::size_t goingBack = 0;
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> places;
+  for (std::size_t i = 0; i < image.blocks.size(); ++i) {
+    const PlacedBlock& block = image.blocks[i];
+    if (i > 0 && block.offset < image.blocks[i - 1].offset) ++goingBack;
+    places.emplace_back(block.offset, block.offset + block.placeSize);
+  }
+  for (const PlacedPage& page : image.pages) places.emplace_back(page.offset, page.offset + traits().pageSize);
+  EXPECT_GT(goingBack, 60U);
+  std::sort(places.begin(), places.end());
+  for (std::size_t i = 1; i < places.size(); ++i) EXPECT_LE(places[i - 1].second, places[i].first);
+}
+
+TEST_P(StoreOf, KeepsTheBytesOfBlocksAndPagesThatAreFreeByNow) {
+  Store store({.format = GetParam()});
+  const Bid kept = store.AddBlock(Noise(100, 1));
+  const Bid freed = store.AddBlock(Noise(100, 2));
+  const std::vector<BlockEntry> entries = store.FreeFrom(freed);
+  store.AddOldPage(BlockPage(GetParam(), entries));
+  const Image image = store.Finish();
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries[0].bid, freed);
+  EXPECT_EQ(entries[0].offset, image.Block(freed).offset);
+  EXPECT_TRUE(image.Block(kept).listed);
+  EXPECT_FALSE(image.Block(freed).listed);
+  const PlacedPage& old = image.pages.front();
+  EXPECT_TRUE(old.stray);
+  const auto isUsed = [&](std::uint64_t offset) {
+    const std::uint64_t slot = (offset - traits().firstMap) / traits().slotSize;
+    const std::uint64_t start = traits().firstMap + (GetParam() == Format::kAnsi ? 4 : 0);
+    return (At(image, start + slot / 8, 1) & (0x80U >> slot % 8)) != 0;
+  };
+  EXPECT_TRUE(isUsed(image.Block(kept).offset));
+  EXPECT_FALSE(isUsed(image.Block(freed).offset));
+  EXPECT_FALSE(isUsed(old.offset));
+  const PlacedBlock& block = image.Block(freed);
+  const std::uint64_t trailer = TrailerOf(block);
+  EXPECT_EQ(At(image, trailer + ChecksumPlace(), 4), Checksum(std::span(image.bytes).subspan(block.offset, 100)));
 }
 
 TEST_P(StoreOf, ChainsValuesLongerThanABlock) {
@@ -169,6 +216,18 @@ TEST(CompressedStore, DeflatesLargeDataBlocksAlone) {
   EXPECT_EQ(image.Block(small).size, 400);
   EXPECT_EQ(image.Block(noise).size, 5000);
   EXPECT_EQ(image.Block(list).size, 5000);
+}
+
+TEST(CompressedStore, TakesWhatAnotherPackerMakes) {
+  Store store({.format = Format::kUnicode4k,
+               .encoding = Encoding::kNone,
+               .compressed = true,
+               .pack = [](std::span<const std::byte> data) { return ToBytes(std::to_string(data.size())); }});
+  const Bid bid = store.AddBlock(Noise(5000, 1));
+  const Image image = store.Finish();
+  EXPECT_EQ(image.Block(bid).size, 4);
+  EXPECT_EQ(image.Block(bid).inflatedSize, 5000);
+  EXPECT_EQ(Get(image.bytes, image.Block(bid).offset, 4), 0x30303035U) << "5000 in digits";
 }
 
 TEST(StoreInAFile, IsTheStoreInMemory) {
