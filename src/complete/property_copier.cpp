@@ -119,13 +119,18 @@ void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag ta
   if (size > MostInMemory(targetTag) && IsCopiedAsItIs(tag, size)) {
     ltp::CheckSize(targetTag, size);
     if (!tree) RaiseCorrupt({ObjectKind::kProperty, tag}, size, "the value lies in no sub-node");
-    tools_.target.PutTree(out, targetTag, CopyTree(std::move(*tree)));
-    return;
+    const ndb::DataTree copied = CopyTree(std::move(*tree));
+    if (IsCopiedAsItIs(tag, copied.size)) return tools_.target.PutTree(out, targetTag, copied);
+    // There was less of it than its tree says, and what there is does not stand as it is.
+    tools_.target.Ndb().Discard({copied.bid});
+    tools_.account.bytes -= copied.size;
+    tree = from.OpenTree(tag);
   }
   if (!tools_.allowance.TakeText(size)) {
     Raise(FailureKind::kNotSupported, {ObjectKind::kProperty, tag}, size, "the store claims more than it can hold");
   }
   auto value = tree ? tree->ReadAll(kMostConverted) : *from.Read(tag, kMostConverted);
+  if (TypeOf(tag) == PropType::kString && size % 2 == 0) value.resize(value.size() / 2 * 2);  // half a unit is lost
   tools_.account.bytes += value.size();
   Put(tag, targetTag, std::move(value), page, out);
 }

@@ -21,8 +21,8 @@ BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTree
     : store_(store), keepStored_(keepStored) {
   std::vector<Wanted> wanted;
   for (const ndb::NodeTrees& trees : messages) {
-    wanted.push_back({trees.bidData, Part::kObject});
-    wanted.push_back({trees.bidSub, Part::kSubnodes});
+    Ask(trees.bidData, Part::kObject, wanted);
+    Ask(trees.bidSub, Part::kSubnodes, wanted);
   }
   for (int level = 0; level < kMostLevels && !wanted.empty() && !isFull_; ++level) {
     const std::vector<Placed> placed = Place(wanted);
@@ -40,17 +40,21 @@ BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTree
     std::ranges::sort(blocks_, {}, &Block::bid);
     std::vector<Wanted> below;
     for (const Wanted& above : wanted) {
-      if (IsInternal(above.bid)) AddBlocksBelow(above, below);
+      if (IsInternal(above.bid)) AskBelow(above, below);
     }
     wanted = std::move(below);
   }
+}
+
+/// Once for each block, however many lists name it, and how often.
+void BlocksAhead::Ask(Bid bid, Part part, std::vector<Wanted>& wanted) {
+  if (bid != kNoBid && asked_.insert(Canonical(bid)).second) wanted.push_back({bid, part});
 }
 
 /// Those of the wanted that are whole and have room, by their places.
 std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> wanted) {
   std::vector<Placed> placed;
   for (const auto& [bid, part] : wanted) {
-    if (bid == kNoBid || !asked_.insert(Canonical(bid)).second) continue;
     const FoundBlock* block = store_.Found().Find(bid);
     if (block == nullptr || !IsWhole(*block)) continue;
     const std::size_t size = BlockSizeOnDisk(block->cb, store_.Format());
@@ -105,19 +109,19 @@ void BlocksAhead::Take(const Placed& placed, std::span<std::byte> onDisk) {
   blocks_.push_back(block);
 }
 
-void BlocksAhead::AddBlocksBelow(const Wanted& above, std::vector<Wanted>& below) const {
+void BlocksAhead::AskBelow(const Wanted& above, std::vector<Wanted>& below) {
   const Block* found = Among(above.bid);
   if (found == nullptr) return;
   const InternalBlock list(found->bytes, store_.Format());
   for (std::size_t i = 0; i < list.EntryCount(); ++i) {
     if (list.Head().btype == BlockType::kDataTree) {
-      below.push_back({list.EntryBid(i, 0), above.part});
+      Ask(list.EntryBid(i, 0), above.part, below);
     } else if (list.Head().cLevel != 0) {
-      below.push_back({list.EntryBid(i, 1), above.part});
+      Ask(list.EntryBid(i, 1), above.part, below);
     } else {
       const bool isValue = TypeOf(list.EntryNid(i)) == NidType::kLtp;
-      below.push_back({list.EntryBid(i, 1), isValue ? Part::kValue : Part::kObject});
-      below.push_back({list.EntryBid(i, 2), Part::kSubnodes});
+      Ask(list.EntryBid(i, 1), isValue ? Part::kValue : Part::kObject, below);
+      Ask(list.EntryBid(i, 2), Part::kSubnodes, below);
     }
   }
 }

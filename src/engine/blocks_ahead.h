@@ -52,10 +52,11 @@ class BlocksAhead {
     Part part = Part::kObject;
   };
 
+  void Ask(Bid bid, Part part, std::vector<Wanted>& wanted);
   std::vector<Placed> Place(std::span<const Wanted> wanted);
   void Read(std::span<const Placed> run);
   void Take(const Placed& placed, std::span<std::byte> onDisk);
-  void AddBlocksBelow(const Wanted& above, std::vector<Wanted>& below) const;
+  void AskBelow(const Wanted& above, std::vector<Wanted>& below);
   const Block* Among(Bid bid) const;
 
   const ProvenStore& store_;

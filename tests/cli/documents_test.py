@@ -20,7 +20,7 @@ CODES = dict(re.findall(r"^  (\d+) +(.+)$", help_text(), re.M))
 
 class Documents(unittest.TestCase):
     def test_the_help_names_options_and_codes(self):
-        self.assertEqual(len(OPTIONS), 15)
+        self.assertEqual(len(OPTIONS), 16)
         self.assertEqual(len(CODES), 9)
 
     def test_the_manual_names_the_same_options(self):

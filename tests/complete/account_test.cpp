@@ -179,6 +179,30 @@ TEST_P(AccountTest, ATreeThatTellsOfMoreThanItsBlocksHoldIsNotWhole) {
   }
 }
 
+TEST_P(AccountTest, ATextOfWhichAnOddNumberOfBytesIsLeftCostsNothingElseOfItsMessage) {
+  forge::Property text = Text16(0x1000, std::u16string(20'000, u'x'));
+  text.data.pop_back();
+  text.place = Place::kChain;
+  forge::Mailbox box = NewBox();
+  Message message = Mail(u"Damaged", {text});
+  message.plain.reset();
+  nid_ = box.AddMessage(box.AddFolder({.name = u"Inbox"}), message).nid;
+  const forge::Image sound = box.Finish();
+  forge::Image damaged = sound;
+  const auto list = std::ranges::find_if(damaged.blocks, [&](const forge::PlacedBlock& block) {
+    return (block.bid & 2) != 0 && forge::Get(damaged.bytes, block.offset + 4, 4) == text.data.size();
+  });
+  ASSERT_NE(list, damaged.blocks.end());
+  TellSize(damaged, *list, text.data.size() + 1);
+  CopyDamaged(sound, damaged);
+  ASSERT_EQ(account_.losses.size(), 1U);
+  EXPECT_TRUE(account_.losses[0].target.has_value());
+  ASSERT_FALSE(account_.losses[0].missing.empty());
+  EXPECT_EQ(account_.losses[0].missing[0].tag, tag::kBody);
+  EXPECT_EQ(TextOf(TargetItem(nid_).properties, 0x0037), u"Damaged");
+  ExpectSound();
+}
+
 TEST_P(AccountTest, ABlockWithAWrongByteComesAcrossAndIsNamed) {
   const forge::Image sound = Forge();
   forge::Image damaged = sound;

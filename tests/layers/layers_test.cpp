@@ -51,7 +51,7 @@ using Cycle = std::set<std::string>;
 /// Headers of the language and of the libraries that the project uses. Outside the platform layer nothing
 /// else in angle brackets may be included.
 bool IsPortable(std::string_view header) {
-  static const std::set<std::string_view> kLibraries = {"zlib.h", "libdeflate.h", "sha2.h", "md5.h"};
+  static const std::set<std::string_view> kLibraries = {"zlib.h", "libdeflate.h", "sha2.h", "md5.h", "immintrin.h"};
   for (const std::string_view beginning : {"unicode/", "fmt/", "tl/", "nlohmann/", "CLI/", "Q"}) {
     if (header.starts_with(beginning)) return true;
   }

@@ -20,11 +20,15 @@ std::span<std::byte> WriteWindow::Place(std::uint64_t ib, std::size_t size) {
     });
     return filling_.At(ib, size);
   }
-  if (ib != filling_.start + filling_.used || filling_.used + size > kCapacity) {
+  const bool goesOn = filling_.used != 0 && (ib == filling_.End() || (filling_.End() == end_ && ib > end_));
+  if (!goesOn || ib + size > filling_.start + kCapacity) {
     Send();
     filling_.start = ib;
   }
-  filling_.used += size;
+  const std::uint64_t gap = ib - filling_.End();
+  std::memset(filling_.bytes.get() + filling_.used, 0, gap);
+  filling_.used += gap + size;
+  end_ = std::max(end_, filling_.End());
   return filling_.At(ib, size);
 }
 
@@ -78,7 +82,7 @@ void WriteWindow::Seal(const Stretch& stretch) {
 std::size_t WriteWindow::ReadBlock(std::uint64_t ib, std::span<std::byte> out, bool& isEncoded) const {
   isEncoded = true;
   if (!filling_.Holds(ib, out.size())) {
-    if (step_ != nullptr && ib < sent_.start + sent_.used && sent_.start < ib + out.size()) step_->Wait();
+    if (step_ != nullptr && ib < sent_.End() && sent_.start < ib + out.size()) step_->Wait();
     return ValueOrRaise(file_.ReadAt(ib, out));
   }
   const auto unsealed = std::ranges::find(filling_.unsealed, ib, &UnsealedBlock::ib);

@@ -29,13 +29,14 @@ struct UnsealedBlock {
 /// one behind it.
 class WriteWindow {
  public:
-  static constexpr std::size_t kCapacity = kAreaSize;
+  static constexpr std::size_t kCapacity = 4 * kAreaSize;
 
   /// Blocks are sealed and bytes handed to the file by `workers`, which must outlive the window, as must the file.
   WriteWindow(platform::ByteStore& file, platform::Workers& workers);
 
   /// Room for `size` bytes (at most kCapacity) that belong at `ib`, to be filled before the next call. What
-  /// stands in the window and does not touch them goes to the file first.
+  /// stands in the window and does not touch them goes to the file first; but where nothing was ever placed in between
+  /// the window goes on, with zeros, so that a store that grows is written front to back.
   [[nodiscard]] std::span<std::byte> Place(std::uint64_t ib, std::size_t size);
 
   /// Room for a block: its data are to be filled in, the rest is done on the way to the file.
@@ -53,7 +54,8 @@ class WriteWindow {
 
  private:
   struct Stretch {
-    bool Holds(std::uint64_t ib, std::size_t size) const { return ib >= start && ib + size <= start + used; }
+    bool Holds(std::uint64_t ib, std::size_t size) const { return ib >= start && ib + size <= End(); }
+    std::uint64_t End() const { return start + used; }
     std::span<std::byte> At(std::uint64_t ib, std::size_t size) const { return {bytes.get() + (ib - start), size}; }
 
     std::unique_ptr<std::byte[]> bytes = std::make_unique_for_overwrite<std::byte[]>(kCapacity);
@@ -71,6 +73,7 @@ class WriteWindow {
   Stretch filling_;
   Stretch sent_;  ///< of the step, which alone touches it
   std::unique_ptr<platform::Workers::Step> step_;
+  std::uint64_t end_ = 0;  ///< of all that was ever placed
 };
 
 }  // namespace velmora::ndb

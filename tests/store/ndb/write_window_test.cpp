@@ -62,6 +62,25 @@ TEST_P(WriteWindowTest, StartsAnewElsewhereAndWhenItIsFull) {
   EXPECT_EQ(file_.Size(), (1u << 20) + 64);
 }
 
+TEST_P(WriteWindowTest, GoesOnOverAGapInWhichNothingWasEverWritten) {
+  int writes = 0;
+  test::WatchedFile file([&](const auto&) { ++writes; });
+  WriteWindow window(file, workers_);
+  Put(window, 4096, 64, 1);
+  Put(window, 5000, 64, 2);
+  EXPECT_EQ(ByteAt(window, 4200), 0);
+  window.Flush();
+  EXPECT_EQ(writes, 1);
+  Put(window, 4160, 64, 3);  // in the gap
+  Put(window, 4900, 64, 4);  // behind it, and ahead of what is in the file
+  window.Flush();
+  EXPECT_EQ(writes, 3);
+  EXPECT_EQ(ByteAt(window, 5000), 2);
+  EXPECT_EQ(ByteAt(window, 4160), 3);
+  EXPECT_EQ(ByteAt(window, 4224), 0);
+  EXPECT_EQ(ByteAt(window, 4900), 4);
+}
+
 TEST_P(WriteWindowTest, WritesAPlaceAgain) {
   platform::MemoryFile file;
   WriteWindow window(file_, workers_);
@@ -135,12 +154,12 @@ TEST_P(WriteWindowTest, RaisesAFailureOfTheFileByEveryStepThatWrites) {
   test::FailingFile file(0);
   WriteWindow window(file, workers_);
   Put(window, 0, 64, 1);
-  Put(window, 4096, 64, 2);
+  Put(window, 1 << 20, 64, 2);
   for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(test::FailureOf([&] { Put(window, 1 << 20, 64, 3); }), FailureKind::kFull);
+    EXPECT_EQ(test::FailureOf([&] { Put(window, 1 << 22, 64, 3); }), FailureKind::kFull);
     EXPECT_EQ(test::FailureOf([&] { window.Flush(); }), FailureKind::kFull);
   }
-  EXPECT_EQ(ByteAt(window, 4096), 2);
+  EXPECT_EQ(ByteAt(window, 1 << 20), 2);
 }
 
 }  // namespace

@@ -88,13 +88,14 @@ Result<std::size_t> ForgetfulFile::ReadAt(std::uint64_t offset, std::span<std::b
 
 Result<void> ForgetfulFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
   size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
-  if (offset < keepFrom_ && bytes.size() > 2048) bytes = bytes.first(2048);
   for (std::size_t i = 0; i < bytes.size();) {
-    Piece& piece = pieces_[(offset + i) / sizeof(Piece)];
-    const std::uint64_t within = (offset + i) % sizeof(Piece);
+    const std::uint64_t at = offset + i;
+    const std::uint64_t within = at % sizeof(Piece);
     const std::size_t count = std::min<std::size_t>(sizeof(Piece) - within, bytes.size() - i);
-    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(i), count,
-                piece.begin() + static_cast<std::ptrdiff_t>(within));
+    if (isKept_(at)) {
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(i), count,
+                  pieces_[at / sizeof(Piece)].begin() + static_cast<std::ptrdiff_t>(within));
+    }
     i += count;
   }
   return {};

@@ -71,11 +71,10 @@ class WatchedFile : public platform::MemoryFile {
   std::function<void(const std::vector<std::byte>&)> beforeChange_;
 };
 
-/// A file of any length that keeps of each write below `keepFrom` the first 2 KiB alone, and forgets the
-/// rest; what is written from there on it keeps.
+/// A file of any length that keeps the bytes of some offsets, by 512, and forgets the others.
 class ForgetfulFile : public platform::ByteStore {
  public:
-  explicit ForgetfulFile(std::uint64_t keepFrom) : keepFrom_(keepFrom) {}
+  explicit ForgetfulFile(std::function<bool(std::uint64_t)> isKept) : isKept_(std::move(isKept)) {}
   std::uint64_t Size() const override { return size_; }
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override;
   platform::Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
@@ -84,7 +83,7 @@ class ForgetfulFile : public platform::ByteStore {
 
  private:
   using Piece = std::array<std::byte, 512>;
-  std::uint64_t keepFrom_;
+  std::function<bool(std::uint64_t)> isKept_;
   std::uint64_t size_ = 0;
   std::unordered_map<std::uint64_t, Piece> pieces_;  ///< by offset / 512
 };
