@@ -23,12 +23,13 @@ using platform::StandardStream;
 
 void WriteError(std::string_view text) { static_cast<void>(platform::WriteTo(StandardStream::kError, text)); }
 
-ProgressStyle StyleOfTerminal() {
+ProgressStyle StyleOfTerminal(const Options& options) {
   const char* noColor = std::getenv("NO_COLOR");
   ProgressStyle style;
   style.bar = platform::IsTerminal(StandardStream::kError);
   style.color = style.bar && (noColor == nullptr || *noColor == '\0');
   style.columns = platform::TerminalColumns(StandardStream::kError);
+  style.stages = options.verify ? kVerifiedStages : options.complete ? kCompleteStages : kFieldStages;
   return style;
 }
 
@@ -51,7 +52,7 @@ class ConvertCommand {
   ConvertCommand(const Options& options, const platform::SourceOpener& openSource)
       : options_(options),
         workers_(options.jobs),
-        progress_(StyleOfTerminal(), WriteError),
+        progress_(StyleOfTerminal(options), WriteError),
         console_(options.quiet || options.noProgress ? nullptr : &progress_, WriteError,
                  [this] { conversion_->BeforeClose(); }),
         conversion_(MakeConversion(options, source_, targets_, openSource)) {

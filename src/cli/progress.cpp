@@ -12,6 +12,16 @@ namespace {
 constexpr std::chrono::seconds kBetweenLines{5};
 constexpr int kBarWidth = 30;
 
+/// Earlier the pace of a copy is chance.
+constexpr double kTellingSeconds = 2;
+
+std::string DurationText(double seconds) {
+  const auto whole = static_cast<long>(std::min(seconds, 359'999.0));
+  if (whole < 60) return fmt::format("{} s", whole);
+  if (whole < 3600) return fmt::format("{} min {} s", whole / 60, whole % 60);
+  return fmt::format("{} h {} min", whole / 3600, whole / 60 % 60);
+}
+
 constexpr std::string_view kCaptions[] = {
     "Processing Wait...",  // no stage has this number
     "Opening OST file...",
@@ -32,19 +42,30 @@ std::string_view StageCaption(std::uint32_t stage) {
 }
 
 void Progress::OnStage(std::uint32_t stage) {
+  stage_ = stage;
   caption_ = StageCaption(stage);
   copied_.clear();
+  pace_.clear();
+  stageBegun_ = style_.now();
+  ofRun_ = std::max(ofRun_, OfRun(0));
   if (style_.bar) return Draw();
   if (caption_.empty()) return;
   write_(fmt::format("{}\n", caption_));
-  lastLine_ = std::chrono::steady_clock::now();
+  lastLine_ = stageBegun_;
+}
+
+std::uint32_t Progress::OfRun(std::uint32_t percentage) const {
+  if (stage_ == 0 || stage_ >= style_.stages.size()) return ofRun_;
+  const std::uint32_t begin = style_.stages[stage_ - 1];
+  return begin + (style_.stages[stage_] - begin) * percentage / 100;
 }
 
 void Progress::OnPercentage(std::uint32_t percentage) {
   if (percentage > 100 || (drawn_ && percentage == percentage_)) return;
   percentage_ = percentage;
+  ofRun_ = std::max(ofRun_, OfRun(percentage));
   if (style_.bar) return Draw();
-  const auto now = std::chrono::steady_clock::now();
+  const auto now = style_.now();
   if (now - lastLine_ < kBetweenLines) return;
   write_(fmt::format("{}%{}{}\n", percentage_, copied_.empty() ? "" : ": ", copied_));
   lastLine_ = now;
@@ -52,17 +73,22 @@ void Progress::OnPercentage(std::uint32_t percentage) {
 
 void Progress::OnCopied(const engine::ItemsCopied& copied) {
   copied_ = fmt::format("{} of {} items, {}", copied.items, copied.itemsTotal, SizeText(copied.bytes));
+  const double seconds = std::chrono::duration<double>(style_.now() - stageBegun_).count();
+  if (copied.items == 0 || seconds < kTellingSeconds) return;
+  const double rate = static_cast<double>(copied.items) / seconds;
+  const double left = static_cast<double>(copied.itemsTotal - std::min(copied.items, copied.itemsTotal)) / rate;
+  pace_ = fmt::format(", {:.0f} a second, {} left", rate, DurationText(left));
 }
 
 void Progress::Draw() {
-  const int filled = static_cast<int>(percentage_) * kBarWidth / 100;
+  const int filled = static_cast<int>(ofRun_) * kBarWidth / 100;
   const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
                           std::string(static_cast<std::size_t>(kBarWidth - filled), '.');
   // "[" bar "] 100% " before the words; the last column stays free, so that no terminal wraps.
   const int room = std::max(0, style_.columns - kBarWidth - 9);
-  const std::string_view words = copied_.empty() ? caption_ : std::string_view(copied_);
+  const std::string words = copied_.empty() ? std::string(caption_) : copied_ + pace_;
   write_(fmt::format("\r\033[K[{}{}{}] {:3}% {}", style_.color ? "\033[32m" : "", bar, style_.color ? "\033[0m" : "",
-                     percentage_, words.substr(0, static_cast<std::size_t>(room))));
+                     ofRun_, words.substr(0, static_cast<std::size_t>(room))));
   drawn_ = true;
 }
 

@@ -1,6 +1,7 @@
 // How far a run has come, on standard error.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -14,10 +15,20 @@ namespace velmora::cli {
 /// The caption of a stage; empty for the one that has none.
 std::string_view StageCaption(std::uint32_t stage);
 
+/// What share of a run each stage takes: the percentage of the whole at its end, by its number.
+using StageEnds = std::array<std::uint32_t, 10>;
+
+/// Measured over stores of a gigabyte; a stage that a run does not have takes none.
+inline constexpr StageEnds kFieldStages = {0, 0, 12, 13, 20, 22, 24, 26, 98, 100};
+inline constexpr StageEnds kCompleteStages = {0, 0, 28, 29, 29, 29, 29, 29, 98, 100};
+inline constexpr StageEnds kVerifiedStages = {0, 0, 14, 15, 15, 15, 15, 15, 50, 100};
+
 struct ProgressStyle {
   bool bar = false;  ///< a terminal: one line, drawn anew. Else plain lines, at each stage and now and then
   bool color = false;
   int columns = 80;
+  StageEnds stages = kFieldStages;
+  std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
 };
 
 class Progress {
@@ -26,7 +37,7 @@ class Progress {
   Progress(ProgressStyle style, Write write) : style_(style), write_(std::move(write)) {}
 
   void OnStage(std::uint32_t stage);
-  /// A percentage above 100 is passed over.
+  /// Of the stage; one above 100 is passed over. The bar shows that of the whole run, and never goes back.
   void OnPercentage(std::uint32_t percentage);
   /// Shown with the next percentage.
   void OnCopied(const engine::ItemsCopied& copied);
@@ -37,13 +48,19 @@ class Progress {
  private:
   void Draw();
 
+  std::uint32_t OfRun(std::uint32_t percentage) const;
+
   ProgressStyle style_;
   Write write_;
   std::string_view caption_;
   std::string copied_;  ///< in this stage
-  std::uint32_t percentage_ = 0;
+  std::string pace_;    ///< likewise: items a second, and the time that is left
+  std::uint32_t stage_ = 0;
+  std::uint32_t percentage_ = 0;  ///< of the stage
+  std::uint32_t ofRun_ = 0;
   bool drawn_ = false;
   std::chrono::steady_clock::time_point lastLine_{};
+  std::chrono::steady_clock::time_point stageBegun_{};
 };
 
 }  // namespace velmora::cli

@@ -45,8 +45,8 @@ TEST(Progress, OnATerminalTheBarIsDrawnAnew) {
   progress.OnStage(8);
   progress.OnPercentage(50);
   EXPECT_EQ(screen.text,
-            "\r\033[K[..............................]   0% Converting Mail Items..."
-            "\r\033[K[###############...............]  50% Converting Mail Items...");
+            "\r\033[K[#######.......................]  26% Converting Mail Items..."
+            "\r\033[K[##################............]  62% Converting Mail Items...");
   screen.text.clear();
   progress.Clear();
   progress.Clear();
@@ -72,10 +72,49 @@ TEST(Progress, OfACopyItemsAndBytesAreShownInPlaceOfTheCaption) {
   console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000});
   EXPECT_EQ(screen.text, "") << "it is drawn with its percentage";
   console.OnEvent(engine::Progress{50, engine::Phase::kLater});
-  EXPECT_EQ(screen.text, "\r\033[K[###############...............]  50% 617 of 1234 items, 5.4 MB");
+  EXPECT_EQ(screen.text, "\r\033[K[##################............]  62% 617 of 1234 items, 5.4 MB");
   screen.text.clear();
   console.OnEvent(engine::StageBegun{9});
-  EXPECT_EQ(screen.text, "\r\033[K[###############...............]  50% Closing file...");
+  EXPECT_EQ(screen.text, "\r\033[K[#############################.]  98% Closing file...");
+}
+
+TEST(Progress, OfACopyThePaceAndTheTimeThatIsLeftAreShownOnceTheyCanBeTold) {
+  Screen screen;
+  std::chrono::steady_clock::time_point now{};
+  Progress progress({.bar = true, .columns = 120, .stages = kCompleteStages, .now = [&] { return now; }},
+                    screen.Writer());
+  progress.OnStage(8);
+  now += std::chrono::seconds(1);
+  progress.OnCopied({100, 10'000, 5'000'000});
+  progress.OnPercentage(1);
+  EXPECT_TRUE(screen.text.ends_with("29% 100 of 10000 items, 5.0 MB")) << "a second tells nothing";
+  now += std::chrono::seconds(9);
+  progress.OnCopied({1000, 10'000, 50'000'000});
+  progress.OnPercentage(10);
+  EXPECT_TRUE(screen.text.ends_with("35% 1000 of 10000 items, 50.0 MB, 100 a second, 1 min 30 s left")) << screen.text;
+  now += std::chrono::seconds(9'990);
+  progress.OnCopied({5000, 10'000, 50'000'000});
+  progress.OnPercentage(50);
+  EXPECT_TRUE(screen.text.ends_with("a second, 2 h 46 min left")) << screen.text;
+}
+
+TEST(Progress, TheBarNeverGoesBack) {
+  Screen screen;
+  Progress progress({.bar = true, .stages = kVerifiedStages}, screen.Writer());
+  const auto shown = [&] { return std::stoi(screen.text.substr(screen.text.rfind(']') + 1)); };
+  int most = 0;
+  for (const std::uint32_t stage : {1u, 2u, 3u, 8u, 9u}) {
+    progress.OnStage(stage);
+    EXPECT_GE(shown(), most);
+    for (int pass = 0; pass < 2; ++pass) {  // one that looks through the file again begins anew
+      for (std::uint32_t percentage = 0; percentage <= 100; percentage += 20) {
+        progress.OnPercentage(percentage);
+        EXPECT_GE(shown(), most) << stage;
+        most = shown();
+      }
+    }
+  }
+  EXPECT_EQ(most, 100);
 }
 
 TEST(Progress, OfACopyALineNowAndThenHasItemsAndBytes) {
