@@ -1,5 +1,7 @@
 #include "platform/workers.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -8,6 +10,10 @@ namespace velmora::platform {
 unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()); }
 
 Workers::Workers(unsigned jobs) {
+#ifdef M_ARENA_MAX
+  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes.
+  if (jobs > 1) ::mallopt(M_ARENA_MAX, 1);
+#endif
   for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
 }
 
