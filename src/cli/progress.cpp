@@ -87,8 +87,12 @@ void Progress::Draw() {
   // "[" bar "] 100% " before the words; the last column stays free, so that no terminal wraps.
   const int room = std::max(0, style_.columns - kBarWidth - 9);
   const std::string words = copied_.empty() ? std::string(caption_) : copied_ + pace_;
-  write_(fmt::format("\r\033[K[{}{}{}] {:3}% {}", style_.color ? "\033[32m" : "", bar, style_.color ? "\033[0m" : "",
-                     ofRun_, words.substr(0, static_cast<std::size_t>(room))));
+  std::string line =
+      fmt::format("\r\033[K[{}{}{}] {:3}% {}", style_.color ? "\033[32m" : "", bar, style_.color ? "\033[0m" : "",
+                  ofRun_, words.substr(0, static_cast<std::size_t>(room)));
+  if (drawn_ && line == line_) return;
+  line_ = std::move(line);
+  write_(line_);
   drawn_ = true;
 }
 
