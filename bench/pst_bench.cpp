@@ -120,16 +120,24 @@ void Items(benchmark::State& state) {
 }
 BENCHMARK(Items);
 
-void OpenItem(benchmark::State& state) {
+/// Opens an item over and over and has `use` read of it.
+template <class Use>
+void ReadAnItem(benchmark::State& state, Use use) {
   platform::MemoryFile file;
   const auto ndb = ndb::NdbWriter::Create(file);
   ltp::PropertyContextWriter item(*ndb);
   const Nid nid = WriteItem(*ndb, item);
   for (auto _ : state) {
     auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees);
-    benchmark::DoNotOptimize(context.Text(MakeTag(0x0E03, PropType::kString)));
+    use(context);
   }
   state.SetItemsProcessed(state.iterations());
+}
+
+void OpenItem(benchmark::State& state) {
+  ReadAnItem(state, [](ltp::PropertyContext& context) {
+    benchmark::DoNotOptimize(context.Text(MakeTag(0x0E03, PropType::kString)));
+  });
 }
 BENCHMARK(OpenItem);
 
@@ -151,15 +159,9 @@ BENCHMARK(HeapItems);
 
 /// Every value of an item, as a copy of it asks for them.
 void ReadItem(benchmark::State& state) {
-  platform::MemoryFile file;
-  const auto ndb = ndb::NdbWriter::Create(file);
-  ltp::PropertyContextWriter item(*ndb);
-  const Nid nid = WriteItem(*ndb, item);
-  for (auto _ : state) {
-    auto context = ltp::PropertyContext::Open(*ndb, ndb->FindNode(nid)->trees);
+  ReadAnItem(state, [](ltp::PropertyContext& context) {
     for (const PropertyRecord& record : context.Records()) benchmark::DoNotOptimize(context.Read(record.Tag()));
-  }
-  state.SetItemsProcessed(state.iterations());
+  });
 }
 BENCHMARK(ReadItem);
 

@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "engine/read_runs.h"
 #include "engine/run.h"
 #include "engine/source.h"
 #include "engine/source_window.h"
@@ -35,10 +36,6 @@ std::vector<std::uint32_t> Contested(std::span<const PackedBlock> sorted) {
   }
   return positions;
 }
-
-/// Most bytes that are read at once, and the widest gap between two blocks that is read along with them.
-constexpr std::uint64_t kMostAtOnce = 1 << 20;
-constexpr std::uint64_t kGap = 16384;
 
 /// In ascending order of trust.
 enum class Proof : std::uint8_t {
@@ -85,15 +82,11 @@ std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, R
   SourceWindow window(source);
   for (auto at = chosen.begin(); at != chosen.end();) {
     run.control.PausePoint();
-    const std::uint64_t begin = blocks[*at].Block().offset;
-    std::uint64_t end = begin;
-    auto last = at;
-    for (; last != chosen.end(); ++last) {
-      const PlacedBlock block = blocks[*last].Block();
-      const std::uint64_t reach = std::max(end, EndOf(layout, block));
-      if (last != at && (block.offset > end + kGap || reach - begin > kMostAtOnce)) break;
-      end = reach;
-    }
+    const auto beginOf = [&](std::uint32_t i) { return blocks[i].Block().offset; };
+    const auto endOf = [&](std::uint32_t i) { return EndOf(layout, blocks[i].Block()); };
+    const std::uint64_t begin = beginOf(*at);
+    std::uint64_t end = 0;
+    const auto last = EndOfRun(at, chosen.end(), beginOf, endOf, end);
     const ByteView bytes = window.Peek(begin, end - begin);
     for (; at != last; ++at) {
       const PlacedBlock block = blocks[*at].Block();

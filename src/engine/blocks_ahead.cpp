@@ -2,15 +2,12 @@
 
 #include <algorithm>
 
+#include "engine/read_runs.h"
 #include "store/format/block.h"
 #include "store/format/checksum.h"
 
 namespace velmora::engine {
 namespace {
-
-/// Gaps of this length are read and thrown away: that takes less time than a seek, and not much less than a call.
-constexpr std::uint64_t kBridged = 16 << 10;
-constexpr std::uint64_t kLongestRun = 1 << 20;
 
 /// Lists above lists above lists, in messages within messages.
 constexpr int kMostLevels = 32;
@@ -26,16 +23,15 @@ BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTree
   }
   for (int level = 0; level < kMostLevels && !wanted.empty() && !isFull_; ++level) {
     const std::vector<Placed> placed = Place(wanted);
-    for (std::size_t from = 0, to = 0; from < placed.size(); from = to) {
-      const std::uint64_t start = placed[from].block->offset;
-      std::uint64_t end = start;
-      for (; to < placed.size(); ++to) {
-        const FoundBlock& block = *placed[to].block;
-        const std::uint64_t itsEnd = block.offset + BlockSizeOnDisk(block.cb, store_.Format());
-        if (to > from && (block.offset > end + kBridged || itsEnd > start + kLongestRun)) break;
-        end = std::max(end, itsEnd);
-      }
-      Read(std::span(placed).subspan(from, to - from));
+    const auto beginOf = [](const Placed& one) { return one.block->offset; };
+    const auto endOf = [&](const Placed& one) {
+      return one.block->offset + BlockSizeOnDisk(one.block->cb, store_.Format());
+    };
+    for (auto at = placed.begin(); at != placed.end();) {
+      std::uint64_t end = 0;
+      const auto behind = EndOfRun(at, placed.end(), beginOf, endOf, end);
+      Read({at, behind}, end);
+      at = behind;
     }
     std::ranges::sort(blocks_, {}, &Block::bid);
     std::vector<Wanted> below;
@@ -69,12 +65,10 @@ std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> want
   return placed;
 }
 
-/// Blocks between which nothing lies that is worth a seek.
-void BlocksAhead::Read(std::span<const Placed> run) {
+/// Blocks that one read takes, up to the offset `end`.
+void BlocksAhead::Read(std::span<const Placed> run, std::uint64_t end) {
   const Generation& layout = store_.Format();
   const std::uint64_t start = run.front().block->offset;
-  std::uint64_t end = start;
-  for (const auto& [block, part] : run) end = std::max(end, block->offset + BlockSizeOnDisk(block->cb, layout));
   const auto length = static_cast<std::size_t>(end - start);
   const std::span bytes(runs_.emplace_back(std::make_unique_for_overwrite<std::byte[]>(length)).get(), length);
   const std::size_t read = store_.Bytes().ReadAround(start, bytes);

@@ -54,7 +54,7 @@ class BlocksAhead {
 
   void Ask(Bid bid, Part part, std::vector<Wanted>& wanted);
   std::vector<Placed> Place(std::span<const Wanted> wanted);
-  void Read(std::span<const Placed> run);
+  void Read(std::span<const Placed> run, std::uint64_t end);
   void Take(const Placed& placed, std::span<std::byte> onDisk);
   void AskBelow(const Wanted& above, std::vector<Wanted>& below);
   const Block* Among(Bid bid) const;

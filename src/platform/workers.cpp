@@ -11,8 +11,9 @@ unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()
 
 Workers::Workers(unsigned jobs) {
 #ifdef M_ARENA_MAX
-  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes.
-  if (jobs > 1) ::mallopt(M_ARENA_MAX, 1);
+  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in one
+  // for all they would wait for each other.
+  if (jobs > 1) ::mallopt(M_ARENA_MAX, 2);
 #endif
   for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
 }

@@ -156,16 +156,17 @@ class CodePage::Lent {
 
 namespace {
 
-/// Bytes to units, the converter being in its first state.
-Text DecodeBy(UConverter* converter, std::string_view bytes) {
-  Text out(bytes.size(), u'\0');
-  const char* source = bytes.data();
-  const char* sourceEnd = source + bytes.size();
+/// All of `in`, in a buffer of `room` characters at first, converted by a step of the library (which takes the ends of
+/// what is written and of what is read).
+template <class Out, class In, class Step>
+Out ConvertAll(In in, std::size_t room, Step step) {
+  Out out(room, 0);
+  auto* source = in.data();
   std::size_t used = 0;
   for (;;) {
     UErrorCode status = U_ZERO_ERROR;
-    char16_t* target = out.data() + used;
-    ucnv_toUnicode(converter, &target, out.data() + out.size(), &source, sourceEnd, nullptr, true, &status);
+    auto* target = out.data() + used;
+    step(&target, out.data() + out.size(), &source, in.data() + in.size(), &status);
     used = static_cast<std::size_t>(target - out.data());
     if (status != U_BUFFER_OVERFLOW_ERROR) break;
     out.resize(out.size() * 2 + 16);
@@ -174,21 +175,18 @@ Text DecodeBy(UConverter* converter, std::string_view bytes) {
   return out;
 }
 
+/// Bytes to units, the converter being in its first state.
+Text DecodeBy(UConverter* converter, std::string_view bytes) {
+  return ConvertAll<Text>(bytes, bytes.size(), [&](auto target, auto end, auto source, auto sourceEnd, auto status) {
+    ucnv_toUnicode(converter, target, end, source, sourceEnd, nullptr, true, status);
+  });
+}
+
 std::string EncodeBy(UConverter* converter, TextView text) {
-  std::string out(text.size() * 2 + 16, '\0');
-  const char16_t* source = text.data();
-  const char16_t* sourceEnd = source + text.size();
-  std::size_t used = 0;
-  for (;;) {
-    UErrorCode status = U_ZERO_ERROR;
-    char* target = out.data() + used;
-    ucnv_fromUnicode(converter, &target, out.data() + out.size(), &source, sourceEnd, nullptr, true, &status);
-    used = static_cast<std::size_t>(target - out.data());
-    if (status != U_BUFFER_OVERFLOW_ERROR) break;
-    out.resize(out.size() * 2);
-  }
-  out.resize(used);
-  return out;
+  const std::size_t room = text.size() * 2 + 16;
+  return ConvertAll<std::string>(text, room, [&](auto target, auto end, auto source, auto sourceEnd, auto status) {
+    ucnv_fromUnicode(converter, target, end, source, sourceEnd, nullptr, true, status);
+  });
 }
 
 /// A page that shifts, or begins with a mark, shows it at one of these characters alone.

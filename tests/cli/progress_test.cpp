@@ -45,8 +45,8 @@ TEST(Progress, OnATerminalTheBarIsDrawnAnew) {
   progress.OnStage(8);
   progress.OnPercentage(50);
   EXPECT_EQ(screen.text,
-            "\r\033[K[#######.......................]  26% Converting Mail Items..."
-            "\r\033[K[##################............]  63% Converting Mail Items...");
+            "\r\033[K[#########.....................]  33% Converting Mail Items..."
+            "\r\033[K[###################...........]  66% Converting Mail Items...");
   screen.text.clear();
   progress.Clear();
   progress.Clear();
@@ -72,7 +72,7 @@ TEST(Progress, OfACopyItemsAndBytesAreShownInPlaceOfTheCaption) {
   console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000});
   EXPECT_EQ(screen.text, "") << "it is drawn with its percentage";
   console.OnEvent(engine::Progress{50, engine::Phase::kLater});
-  EXPECT_EQ(screen.text, "\r\033[K[##################............]  63% 617 of 1234 items, 5.4 MB");
+  EXPECT_EQ(screen.text, "\r\033[K[###################...........]  66% 617 of 1234 items, 5.4 MB");
   screen.text.clear();
   console.OnEvent(engine::StageBegun{9});
   EXPECT_EQ(screen.text, "\r\033[K[##############################] 100% Closing file...");
@@ -87,11 +87,11 @@ TEST(Progress, OfACopyThePaceAndTheTimeThatIsLeftAreShownOnceTheyCanBeTold) {
   now += std::chrono::seconds(1);
   progress.OnCopied({100, 10'000, 5'000'000});
   progress.OnPercentage(1);
-  EXPECT_TRUE(screen.text.ends_with("29% 100 of 10000 items, 5.0 MB")) << "a second tells nothing";
+  EXPECT_TRUE(screen.text.ends_with("30% 100 of 10000 items, 5.0 MB")) << "a second tells nothing";
   now += std::chrono::seconds(9);
   progress.OnCopied({1000, 10'000, 50'000'000});
   progress.OnPercentage(10);
-  EXPECT_TRUE(screen.text.ends_with("36% 1000 of 10000 items, 50.0 MB, 100 a second, 1 min 30 s left")) << screen.text;
+  EXPECT_TRUE(screen.text.ends_with("37% 1000 of 10000 items, 50.0 MB, 100 a second, 1 min 30 s left")) << screen.text;
   now += std::chrono::seconds(9'990);
   progress.OnCopied({5000, 10'000, 50'000'000});
   progress.OnPercentage(50);

@@ -73,9 +73,9 @@ void WriteWindow::Seal(const Stretch& stretch) {
     const auto stored = place.first(block.cb);
     if (block.encoding != CryptMethod::kNone) EncodeBlock(block.encoding, block.bid, stored, stored);
     std::ranges::fill(place.subspan(block.cb, place.size() - block.cb - kBlockTrailerSize), std::byte{0});
-    const BlockTrailer trailer{block.cb, ComputeSig(block.ib, Value(block.bid)), block.crc.value_or(WeakCrc(stored)),
-                               block.bid};
-    Encode(trailer, place.last(kBlockTrailerSize));
+    const std::uint32_t crc = block.crc ? *block.crc : WeakCrc(stored);
+    Encode(BlockTrailer{block.cb, ComputeSig(block.ib, Value(block.bid)), crc, block.bid},
+           place.last(kBlockTrailerSize));
   }
 }
 
