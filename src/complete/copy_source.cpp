@@ -14,7 +14,8 @@ CopySource::CopySource(const engine::ProvenStore& found, const text::CodePage& l
     : live(found), names(live), pages(live, last), plan(live, pages, hidden), hidden_(hidden) {
   if (hidden) return;
   for (const ndb::NodeEntry& node : live.Nodes()) {
-    if (TypeOf(node.nid) == NidType::kAssocMessage && IsCategoryList(node)) categoryLists_.insert(node.nid);
+    if (TypeOf(node.nid) != NidType::kAssocMessage || !IsInCopied(node)) continue;
+    if (IsCategoryList(node)) categoryLists_.insert(node.nid);
   }
 }
 
@@ -24,13 +25,17 @@ bool CopySource::Takes(const ndb::NodeEntry& node) {
       return plan.Find(node.nid)->isCopied;
     case NidType::kNormalMessage:
       return true;
-    case NidType::kAssocMessage: {  // that of a folder which stays behind is of use to nobody
-      const SourceFolder* folder = plan.Find(node.nidParent);
-      return folder != nullptr && folder->isCopied && (hidden_ || categoryLists_.contains(node.nid));
-    }
+    case NidType::kAssocMessage:
+      return hidden_ ? IsInCopied(node) : categoryLists_.contains(node.nid);
     default:
       return false;
   }
+}
+
+/// A hidden message of a folder that stays behind is of use to nobody.
+bool CopySource::IsInCopied(const ndb::NodeEntry& message) {
+  const SourceFolder* folder = plan.Find(message.nidParent);
+  return folder != nullptr && folder->isCopied;
 }
 
 bool CopySource::IsCategoryList(const ndb::NodeEntry& message) {

@@ -32,6 +32,7 @@ struct CopySource {
   FolderPlan plan;
 
  private:
+  bool IsInCopied(const ndb::NodeEntry& message);
   bool IsCategoryList(const ndb::NodeEntry& message);
 
   bool hidden_;

@@ -102,11 +102,11 @@ ndb::DataTree PropertyCopier::CopyTree(ndb::DataTreeReader from) {
   TakeBytes(from.Size());
   ndb::DataTreeWriter to(tools_.target.Ndb());
   const bool isWhole = CopyStored(from, to) == from.BlockCount() && to.Size() == from.Size();
-  if (!isWhole) piece_.resize(kPiece);
-  while (!isWhole) {
-    const std::size_t count = from.ReadAt(to.Size(), piece_);
-    if (count == 0) break;
-    messaging::AsOperation([&] { to.Append(std::span(piece_).first(count)); });
+  if (!isWhole) {
+    piece_.resize(kPiece);
+    while (const std::size_t count = from.ReadAt(to.Size(), piece_)) {
+      messaging::AsOperation([&] { to.Append(std::span(piece_).first(count)); });
+    }
   }
   tools_.account.bytes += to.Size();
   return messaging::AsOperation([&] { return to.Finish(); });
