@@ -11,8 +11,8 @@ unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()
 
 Workers::Workers(unsigned jobs) {
 #ifdef M_ARENA_MAX
-  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in one
-  // for all they would wait for each other.
+  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in
+  // one for all they would wait for each other.
   if (jobs > 1) ::mallopt(M_ARENA_MAX, 2);
 #endif
   for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
@@ -48,15 +48,20 @@ void Workers::Work() {
   while (true) {
     started_.wait(lock, [&] { return isEnding_ || !waiting_.empty(); });
     if (waiting_.empty()) return;
-    Step& step = *waiting_.front();
-    waiting_.pop_front();
-    step.state_ = Step::State::kRunning;
-    lock.unlock();
-    step.Run();
-    lock.lock();
-    step.state_ = Step::State::kDone;
-    done_.notify_all();  // the step may be gone as soon as the mutex is free
+    DoFirst(lock);
   }
+}
+
+/// Does the step that waits longest. The mutex is held before and behind it.
+void Workers::DoFirst(std::unique_lock<std::mutex>& lock) {
+  Step& step = *waiting_.front();
+  waiting_.pop_front();
+  step.state_ = Step::State::kRunning;
+  lock.unlock();
+  step.Run();
+  lock.lock();
+  step.state_ = Step::State::kDone;
+  done_.notify_all();  // the step may be gone as soon as the mutex is free
 }
 
 void Workers::Step::Run() {
@@ -79,6 +84,14 @@ void Workers::Step::Wait() {
   }
   workers_.done_.wait(lock, [&] { return state_ == State::kDone; });
   if (failure_) std::rethrow_exception(failure_);
+}
+
+void Workers::Step::WorkUntilDone() {
+  {
+    std::unique_lock lock(workers_.mutex_);
+    while (state_ != State::kDone && !workers_.waiting_.empty()) workers_.DoFirst(lock);
+  }
+  Wait();
 }
 
 Workers::Step::~Step() {

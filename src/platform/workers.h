@@ -31,6 +31,10 @@ class Workers {
     /// Returns when it is done; does it where nobody has begun. Raises what it raised, as often as it is asked.
     void Wait();
 
+    /// The same for a thread that has nothing else to do: while another has this one under work, it does those that
+    /// wait.
+    void WorkUntilDone();
+
    private:
     friend class Workers;
     enum class State { kWaiting, kRunning, kDone };
@@ -62,6 +66,7 @@ class Workers {
 
  private:
   void Work();
+  void DoFirst(std::unique_lock<std::mutex>& lock);
 
   std::mutex mutex_;
   std::condition_variable started_;  ///< there is a step to do, or no more will come

@@ -72,7 +72,7 @@ class ShiftedSeeker {
     if (seen->trailer.dwCRC != WeakCrc(stored)) return false;
     start_ = seen->start;
     const std::uint64_t offset = end - place.size();
-    finds_.TakeWhole(*seen, offset, offset == start_ ? Grade::kProven : Grade::kMoved, stored);
+    finds_.TakeWhole(*seen, offset, offset == start_ ? Grade::kProven : Grade::kMoved, stored, finds_.usedSlots);
     return true;
   }
 

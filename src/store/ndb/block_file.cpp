@@ -10,7 +10,7 @@
 namespace velmora::ndb {
 
 BlockFile::BlockFile(platform::ByteStore& file, CryptMethod cryptMethod, platform::Workers& workers)
-    : file_(file), cryptMethod_(cryptMethod), window_(file, workers) {}
+    : file_(file), cryptMethod_(cryptMethod), window_(file, workers), room_(file, workers) {}
 
 BlockFile::~BlockFile() {
   window_.Drop();
@@ -18,7 +18,7 @@ BlockFile::~BlockFile() {
 }
 
 void BlockFile::Start() {
-  Kept([&] { ValueOrRaise(file_.Resize(0)); });
+  Kept([&] { ValueOrRaise(room_.Clear()); });
   OpenAreas();
 }
 
@@ -35,9 +35,7 @@ void BlockFile::DrawOnReserve() {
   full_.reset();
 }
 
-void BlockFile::Trim() {
-  if (file_.Size() > map_.FileSize()) static_cast<void>(file_.Resize(map_.FileSize()));
-}
+void BlockFile::Trim() { static_cast<void>(room_.Trim(map_.FileSize())); }
 
 Bid BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, data, cryptMethod_); }
 
@@ -209,7 +207,7 @@ void BlockFile::KeepReserve() {
     constexpr std::uint64_t kUsable = kAreaSize - kMostMapPages * kPageSize - kMaxBlockSize;
     size += (bytes / kUsable + 1) * kAreaSize;
   }
-  auto reserved = file_.Reserve(size);
+  auto reserved = room_.Require(size);
   if (!reserved && reserved.error().kind == FailureKind::kFull) {
     full_ = std::move(reserved.error());
     throw FailureError(*full_);

@@ -15,6 +15,7 @@
 #include "store/ndb/allocation_map.h"
 #include "store/ndb/block_source.h"
 #include "store/ndb/block_table.h"
+#include "store/ndb/room_ahead.h"
 #include "store/ndb/write_window.h"
 
 namespace velmora::ndb {
@@ -129,6 +130,7 @@ class BlockFile {
   BlockTable table_;
   std::unordered_map<Bid, std::uint32_t> holds_;
   WriteWindow window_;
+  RoomAhead room_;
   std::uint64_t bidNextP_ = 1;
   Bid firstUncommitted_{};       ///< blocks from this id on are in no commit
   std::uint32_t openAreas_ = 0;  ///< areas whose maps are written

@@ -1,6 +1,6 @@
-#include <algorithm>
+#include "engine/evidence/sights.h"
 
-#include "engine/evidence/evidence_pass.h"
+#include <algorithm>
 
 namespace velmora::engine {
 namespace {
@@ -19,19 +19,6 @@ bool IsHeap(BlockKind kind) { return kind == BlockKind::kPropertyContext || kind
 
 }  // namespace
 
-void SlotMap::Take(std::uint64_t offset, std::uint64_t size) {
-  const std::uint64_t end = std::min<std::uint64_t>((offset + size) / slot_, taken_.size());
-  for (std::uint64_t slot = (offset + slot_ - 1) / slot_; slot < end; ++slot) taken_[slot] = true;
-}
-
-bool SlotMap::IsFree(std::uint64_t offset, std::uint64_t size) const {
-  const std::uint64_t end = std::min<std::uint64_t>((offset + size + slot_ - 1) / slot_, taken_.size());
-  for (std::uint64_t slot = offset / slot_; slot < end; ++slot) {
-    if (taken_[slot]) return false;
-  }
-  return true;
-}
-
 BlockKind PackKinds(const Kinds& kinds) {
   unsigned packed = 0;
   if (static_cast<unsigned>(kinds[0]) > kKindMask)
@@ -46,17 +33,19 @@ BlockKind UnpackKind(BlockKind packed, CryptMethod method) {
   return BlockKind{static_cast<std::uint8_t>(bits >> (kKindBits * static_cast<unsigned>(method)) & kKindMask)};
 }
 
-void Finds::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored) {
+void Sights::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored,
+                       std::uint64_t usedUpToIt) {
   const Kinds kinds = KindsOf(stored, seen.trailer, *layout);
   for (std::size_t i = 0; i < kinds.size(); ++i) votes[i] += IsHeap(kinds[i]) ? 1 : 0;
-  if (kinds[0] == BlockKind::kList || kinds[0] == BlockKind::kSubnodes) Name(stored);
+  if ((kinds[0] == BlockKind::kList || kinds[0] == BlockKind::kSubnodes) && MayName()) {
+    ForEachReference(InternalBlock(stored, *layout), [this](Bid bid) { named.push_back(Canonical(bid)); });
+  }
   whole.push_back(
       {.bid = seen.trailer.bid, .offset = offset, .cb = seen.trailer.cb, .kind = PackKinds(kinds), .grade = grade});
-  taken.Take(offset, BlockSizeOnDisk(seen.trailer.cb, *layout));
-  NoteEnd(offset + BlockSizeOnDisk(seen.trailer.cb, *layout));
+  NoteEnd(offset + BlockSizeOnDisk(seen.trailer.cb, *layout), usedUpToIt);
 }
 
-void Finds::TakeHurt(const SeenTrailer& seen, std::span<const std::byte> stored) {
+void Sights::TakeHurt(const SeenTrailer& seen, std::span<const std::byte> stored) {
   hurt.push_back({.bid = seen.trailer.bid,
                   .offset = seen.start,
                   .cb = seen.trailer.cb,
@@ -64,29 +53,39 @@ void Finds::TakeHurt(const SeenTrailer& seen, std::span<const std::byte> stored)
                   .grade = Grade::kHurt});
 }
 
-void Finds::TakePage(const FoundPage& page) {
+void Sights::TakePage(const FoundPage& page) {
   pages.push_back(page);
   if (page.grade == Grade::kHurt) return;
   ++wholePages;
-  NoteEnd(page.offset + layout->pageSize);
-  if (page.grade == Grade::kProven) taken.Take(page.offset, layout->pageSize);
+  NoteEnd(page.offset + layout->pageSize, usedSlots);
 }
 
-void Finds::NoteEnd(std::uint64_t itsEnd) {
-  end = std::max(end, itsEnd);
-  usedAheadOfLast = usedSlots;
+void Sights::Add(const Sights& behind) {
+  if (!behind.named.empty() && MayName()) named.insert(named.end(), behind.named.begin(), behind.named.end());
+  pages.insert(pages.end(), behind.pages.begin(), behind.pages.end());
+  whole.insert(whole.end(), behind.whole.begin(), behind.whole.end());
+  hurt.insert(hurt.end(), behind.hurt.begin(), behind.hurt.end());
+  for (std::size_t i = 0; i < votes.size(); ++i) votes[i] += behind.votes[i];
+  wholePages += behind.wholePages;
+  NoteEnd(behind.end, usedSlots + behind.usedAheadOfLast);
+  usedSlots += behind.usedSlots;
+}
+
+void Sights::NoteEnd(std::uint64_t itsEnd, std::uint64_t usedUpToIt) {
+  if (itsEnd <= end) return;
+  end = itsEnd;
+  usedAheadOfLast = usedUpToIt;
 }
 
 // Lists of a sound store name each block about once. More names than that are of a store made to do harm, and those
 // beyond it are left out.
-void Finds::Name(std::span<const std::byte> list) {
-  if (named.size() >= namesAtMost_) {
-    std::ranges::sort(named);
-    named.erase(std::ranges::unique(named).begin(), named.end());
-    if (named.size() > kNamesOfBlock * whole.size() + kNamesAtLeast) return;
-    namesAtMost_ = std::max(namesAtMost_, 2 * named.size());
-  }
-  ForEachReference(InternalBlock(list, *layout), [this](Bid bid) { named.push_back(Canonical(bid)); });
+bool Sights::MayName() {
+  if (named.size() < namesAtMost_) return true;
+  std::ranges::sort(named);
+  named.erase(std::ranges::unique(named).begin(), named.end());
+  if (named.size() > kNamesOfBlock * whole.size() + kNamesAtLeast) return false;
+  namesAtMost_ = std::max(namesAtMost_, 2 * named.size());
+  return true;
 }
 
 }  // namespace velmora::engine

@@ -1,0 +1,48 @@
+#include "store/ndb/room_ahead.h"
+
+#include "store/ndb/allocation_map.h"
+
+namespace velmora::ndb {
+namespace {
+
+/// Bytes: as much as is gathered before it is written.
+constexpr std::uint64_t kAhead = 16 * kAreaSize;
+
+}  // namespace
+
+platform::Result<void> RoomAhead::Require(std::uint64_t size) {
+  if (size > have_) Await();
+  if (size > have_) {
+    if (auto reserved = file_.Reserve(size); !reserved) return reserved;
+    have_ = size;
+  }
+  const bool isLow = have_ - size < kAhead / 2;
+  if (workers_.Jobs() > 1 && isLow && !isNearlyFull_ && step_ == nullptr) {
+    asked_ = have_ + kAhead;
+    step_ = workers_.Start([this] { given_ = file_.Reserve(asked_); });
+  }
+  return {};
+}
+
+platform::Result<void> RoomAhead::Clear() {
+  Await();
+  have_ = 0;
+  return file_.Resize(0);
+}
+
+platform::Result<void> RoomAhead::Trim(std::uint64_t size) {
+  Await();
+  if (file_.Size() <= size) return {};
+  have_ = size;
+  return file_.Resize(size);
+}
+
+void RoomAhead::Await() {
+  if (step_ == nullptr) return;
+  step_->Wait();
+  step_.reset();
+  isNearlyFull_ = !given_;
+  if (given_) have_ = asked_;
+}
+
+}  // namespace velmora::ndb
