@@ -83,5 +83,32 @@ TEST(Workers, AStepThatWaitsBehindOthersIsDoneByWhoeverWaitsForIt) {
   blocked->Wait();
 }
 
+TEST_P(WorkersTest, AThreadThatHasNothingElseToDoWorksUntilAStepIsDone) {
+  std::array<int, 50> done{};
+  std::vector<std::unique_ptr<Workers::Step>> steps;
+  for (int& count : done) steps.push_back(workers_.Start([&count] { ++count; }));
+  for (const auto& step : steps) step->WorkUntilDone();
+  EXPECT_TRUE(std::ranges::all_of(done, [](int count) { return count == 1; }));
+}
+
+TEST(Workers, WhileAnotherHasAStepUnderWorkItsOwnerMayDoThoseThatWait) {
+  Workers workers(2);
+  std::promise<void> begun;
+  std::promise<void> release;
+  const auto needsTheOther = workers.Start([&] {
+    begun.set_value();
+    release.get_future().wait();
+  });
+  begun.get_future().wait();
+  std::thread::id doneBy;
+  const auto other = workers.Start([&] {
+    doneBy = std::this_thread::get_id();
+    release.set_value();
+  });
+  needsTheOther->WorkUntilDone();  // would never return if it only waited
+  other->Wait();
+  EXPECT_EQ(doneBy, std::this_thread::get_id());
+}
+
 }  // namespace
 }  // namespace velmora::platform
