@@ -72,12 +72,13 @@ void Progress::OnPercentage(std::uint32_t percentage) {
 }
 
 void Progress::OnCopied(const engine::ItemsCopied& copied) {
-  copied_ = fmt::format("{} of {} items, {}", copied.items, copied.itemsTotal, SizeText(copied.bytes));
+  copied_ = fmt::format("{} of {} items, {} of {}", copied.items, copied.itemsTotal, SizeText(copied.bytes),
+                        SizeText(copied.bytesTotal));
   const double seconds = std::chrono::duration<double>(style_.now() - stageBegun_).count();
-  if (copied.items == 0 || seconds < kTellingSeconds) return;
-  const double rate = static_cast<double>(copied.items) / seconds;
-  const double left = static_cast<double>(copied.itemsTotal - std::min(copied.items, copied.itemsTotal)) / rate;
-  pace_ = fmt::format(", {:.0f} a second, {} left", rate, DurationText(left));
+  if (copied.bytes == 0 || seconds < kTellingSeconds) return;
+  const double bytesLeft = static_cast<double>(copied.bytesTotal - std::min(copied.bytes, copied.bytesTotal));
+  const double left = bytesLeft / static_cast<double>(copied.bytes) * seconds;
+  pace_ = fmt::format(", {:.0f} a second, {} left", static_cast<double>(copied.items) / seconds, DurationText(left));
 }
 
 void Progress::Draw() {

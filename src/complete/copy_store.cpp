@@ -62,9 +62,7 @@ class StoreCopy {
     const std::vector<ndb::NodeEntry> deleted = options_.deleted ? DeletedMessages() : std::vector<ndb::NodeEntry>();
     GiveIds(deleted);
     folders_.CopyAll();
-    engine::ItemsCopied progress;
-    progress.itemsTotal = deleted.size();
-    for (const ndb::NodeEntry& node : source_.Nodes()) progress.itemsTotal += IsMessage(node.nid) ? 1 : 0;
+    engine::ItemsCopied progress = WhatIsToCopy(deleted.size());
     const auto copy = [&](const std::vector<ndb::NodeEntry>& nodes, bool areDeleted) {
       ReadAhead ahead(
           source_, IsStoredAlike(source_, target_.Ndb()), *run_.workers, nodes,
@@ -76,11 +74,12 @@ class StoreCopy {
         ahead.Reach(i);
         CopyMessage(nodes[i], areDeleted);
         ++progress.items;
-        progress.bytes = account_.bytes;
+        progress.bytes = std::min(source_.BytesRead(), progress.bytesTotal);
       }
     };
     copy(source_.Nodes(), false);
     copy(deleted, true);
+    progress.bytes = progress.bytesTotal;
     run_.SayCopied(progress);
     for (const engine::MessageRow& row : source_.Found().Lost().messageRows) CountRow(row);
     for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
@@ -90,6 +89,14 @@ class StoreCopy {
   }
 
  private:
+  /// A deleted message counts for as many bytes as the others on the average.
+  engine::ItemsCopied WhatIsToCopy(std::uint64_t deleted) const {
+    std::uint64_t live = 0;
+    for (const ndb::NodeEntry& node : source_.Nodes()) live += IsMessage(node.nid) ? 1 : 0;
+    const std::uint64_t bytes = source_.BytesInUse();
+    return {.itemsTotal = live + deleted, .bytesTotal = bytes + bytes / std::max<std::uint64_t>(live, 1) * deleted};
+  }
+
   /// Notes the ids that objects bring along, so that those which the new store gives itself stay apart from them; then
   /// gives the messages new ones that cannot keep theirs.
   void GiveIds(const std::vector<ndb::NodeEntry>& deleted) {

@@ -17,19 +17,21 @@ class LiveStore : public ndb::BlockSource {
 
   const Generation& Format() const override { return found_.Format(); }
   [[nodiscard]] bool FindBlock(Bid bid, std::vector<std::byte>& out) const override {
-    if (ahead_ != nullptr && ahead_->Find(bid, out)) return true;
-    const bool isThere = found_.FindBlock(bid, out);
-    if (isThere && found_.HasHurtBlocks() && !found_.IsTrusted(bid)) hurt_.push_back(Canonical(bid));
-    return isThere;
+    const bool isAhead = ahead_ != nullptr && ahead_->Find(bid, out);
+    if (!isAhead && !found_.FindBlock(bid, out)) return false;
+    CountBytes(bid, out.size());
+    if (!isAhead && found_.HasHurtBlocks() && !found_.IsTrusted(bid)) hurt_.push_back(Canonical(bid));
+    return true;
   }
 
   /// Data of a block that is proven as they are stored, in `buffer` or where they were read ahead; valid until either
   /// changes. Nothing where there is no such block. Raises kCorrupt where it is whole no more.
   [[nodiscard]] std::optional<StoredData> FindStored(Bid bid, std::vector<std::byte>& buffer) const {
-    if (ahead_ != nullptr) {
-      if (const auto data = ahead_->FindStored(bid)) return data;
-    }
-    return found_.FindStored(bid, buffer);
+    std::optional<StoredData> data;
+    if (ahead_ != nullptr) data = ahead_->FindStored(bid);
+    if (!data) data = found_.FindStored(bid, buffer);
+    if (data) CountBytes(bid, data->bytes.size());
+    return data;
   }
 
   std::optional<std::size_t> SizeOf(Bid bid) const override { return found_.SizeOf(bid); }
@@ -44,13 +46,24 @@ class LiveStore : public ndb::BlockSource {
 
   const engine::ProvenStore& Found() const { return found_; }
 
+  /// Of blocks as they are stored: of those that were read so far, and of all that are not known to be free.
+  std::uint64_t BytesRead() const { return bytesRead_; }
+  std::uint64_t BytesInUse() const;
+
   /// The blocks whose content is not proven that were read since the last call, each once.
   std::vector<Bid> TakeHurt() const;
 
  private:
+  void CountBytes(Bid bid, std::size_t bytesOfContent) const {
+    const bool mayBePacked = Format().offInflatedSize != 0;
+    const engine::FoundBlock* block = mayBePacked ? found_.Found().Find(bid) : nullptr;
+    bytesRead_ += block != nullptr ? block->cb : bytesOfContent;
+  }
+
   const engine::ProvenStore& found_;
   mutable const engine::BlocksAhead* ahead_ = nullptr;
   mutable std::vector<Bid> hurt_;
+  mutable std::uint64_t bytesRead_ = 0;
 };
 
 }  // namespace velmora::complete

@@ -28,7 +28,8 @@ struct Progress {
 struct ItemsCopied {
   std::uint64_t items = 0;
   std::uint64_t itemsTotal = 0;
-  std::uint64_t bytes = 0;  ///< of values that were copied
+  std::uint64_t bytes = 0;  ///< of blocks of the source, as they are stored, that were read for it
+  std::uint64_t bytesTotal = 0;
   friend bool operator==(const ItemsCopied&, const ItemsCopied&) = default;
 };
 

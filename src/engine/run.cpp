@@ -41,7 +41,7 @@ void RunContext::SayProgress(std::uint64_t percentage, Phase phase) {
 }
 
 void RunContext::SayCopied(const ItemsCopied& copied) {
-  const std::uint64_t percentage = copied.itemsTotal == 0 ? 100 : copied.items * 100 / copied.itemsTotal;
+  const std::uint64_t percentage = copied.bytesTotal == 0 ? 100 : copied.bytes * 100 / copied.bytesTotal;
   if (said_ && said_->percentage == percentage) return;
   Say(copied);
   SayProgress(percentage);

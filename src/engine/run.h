@@ -73,7 +73,7 @@ struct RunContext {
   void BeginStage(std::uint32_t stage);
   /// Says the number when it is another one than before.
   void SayProgress(std::uint64_t percentage, Phase phase = Phase::kLater);
-  /// Says how much is copied, and the percentage of the items that this is, when that is another one than before.
+  /// Says how much is copied, and the percentage of the bytes that this is, when that is another one than before.
   void SayCopied(const ItemsCopied& copied);
 
   /// Says why the run cannot go on, and raises `runAborted`.

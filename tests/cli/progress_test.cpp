@@ -69,10 +69,10 @@ TEST(Progress, OfACopyItemsAndBytesAreShownInPlaceOfTheCaption) {
   Console console(&progress, screen.Writer(), [] {});
   console.OnEvent(engine::StageBegun{8});
   screen.text.clear();
-  console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000});
+  console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000, 10'800'000});
   EXPECT_EQ(screen.text, "") << "it is drawn with its percentage";
   console.OnEvent(engine::Progress{50, engine::Phase::kLater});
-  EXPECT_EQ(screen.text, "\r\033[K[###################...........]  66% 617 of 1234 items, 5.4 MB");
+  EXPECT_EQ(screen.text, "\r\033[K[###################...........]  66% 617 of 1234 items, 5.4 MB of 10.8 MB");
   screen.text.clear();
   console.OnEvent(engine::StageBegun{9});
   EXPECT_EQ(screen.text, "\r\033[K[##############################] 100% Closing file...");
@@ -85,15 +85,16 @@ TEST(Progress, OfACopyThePaceAndTheTimeThatIsLeftAreShownOnceTheyCanBeTold) {
                     screen.Writer());
   progress.OnStage(8);
   now += std::chrono::seconds(1);
-  progress.OnCopied({100, 10'000, 5'000'000});
+  progress.OnCopied({100, 10'000, 5'000'000, 500'000'000});
   progress.OnPercentage(1);
-  EXPECT_TRUE(screen.text.ends_with("30% 100 of 10000 items, 5.0 MB")) << "a second tells nothing";
+  EXPECT_TRUE(screen.text.ends_with("30% 100 of 10000 items, 5.0 MB of 500.0 MB")) << "a second tells nothing";
   now += std::chrono::seconds(9);
-  progress.OnCopied({1000, 10'000, 50'000'000});
-  progress.OnPercentage(10);
-  EXPECT_TRUE(screen.text.ends_with("37% 1000 of 10000 items, 50.0 MB, 100 a second, 1 min 30 s left")) << screen.text;
+  progress.OnCopied({1000, 10'000, 100'000'000, 500'000'000});
+  progress.OnPercentage(20);
+  EXPECT_TRUE(screen.text.ends_with("44% 1000 of 10000 items, 100.0 MB of 500.0 MB, 100 a second, 40 s left"))
+      << screen.text << ": what is left is told by the bytes";
   now += std::chrono::seconds(9'990);
-  progress.OnCopied({5000, 10'000, 50'000'000});
+  progress.OnCopied({5000, 10'000, 250'000'000, 500'000'000});
   progress.OnPercentage(50);
   EXPECT_TRUE(screen.text.ends_with("a second, 2 h 46 min left")) << screen.text;
 }
@@ -120,9 +121,9 @@ TEST(Progress, TheBarNeverGoesBack) {
 TEST(Progress, OfACopyALineNowAndThenHasItemsAndBytes) {
   Screen screen;
   Progress progress({}, screen.Writer());
-  progress.OnCopied({617, 1234, 5'400'000});
+  progress.OnCopied({617, 1234, 5'400'000, 10'800'000});
   progress.OnPercentage(50);
-  EXPECT_EQ(screen.text, "50%: 617 of 1234 items, 5.4 MB\n");
+  EXPECT_EQ(screen.text, "50%: 617 of 1234 items, 5.4 MB of 10.8 MB\n");
 }
 
 TEST(Progress, ColorIsAMatterOfStyle) {

@@ -112,19 +112,41 @@ TEST_P(CopyStoreTest, ItPassesAPausePointAheadOfEachMessageAndTellsItsProgress) 
   };
   Copy(Forge());
   EXPECT_TRUE(std::ranges::is_sorted(said));
-  EXPECT_GE(said.size(), 90U);
+  EXPECT_GE(said.size(), 25U) << "one of the messages is a fifth of all, or more";
   ASSERT_FALSE(said.empty());
   EXPECT_EQ(said.back(), 100U);
+}
+
+TEST_P(CopyStoreTest, TheShareThatItTellsIsThatOfTheBytes) {
+  std::map<std::uint64_t, std::uint32_t> shareAt;  // by items
+  std::uint64_t items = 0;
+  listener_.onEvent = [&](const engine::Event& event) {
+    if (const auto* copied = std::get_if<engine::ItemsCopied>(&event)) items = copied->items;
+    const auto* progress = std::get_if<engine::Progress>(&event);
+    if (progress != nullptr && progress->phase == engine::Phase::kLater) shareAt.insert({items, progress->percentage});
+  };
+  forge::Mailbox box = NewBox();
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  for (std::uint32_t i = 0; i < 20; ++i) {
+    forge::Message message = Mail(u"Large or small");
+    if (i == 0 || i == 19) message.attachments = {{.name = u"file.bin", .data = Noise(1'000'000, i)}};
+    box.AddMessage(inbox, message);
+  }
+  Copy(box);
+  ASSERT_TRUE(shareAt.contains(1));
+  EXPECT_NEAR(shareAt.at(1), 49, 4);
+  EXPECT_NEAR(std::prev(shareAt.upper_bound(19))->second, 50, 4) << "eighteen small ones are hardly anything";
+  EXPECT_EQ(shareAt.at(20), 100U);
 }
 
 TEST_P(CopyStoreTest, AStopLeavesAnAccountOfWhatWasDone) {
   listener_.onEvent = [&](const engine::Event& event) {
     const auto* progress = std::get_if<engine::Progress>(&event);
-    if (progress != nullptr && progress->phase == engine::Phase::kLater && progress->percentage == 50)
+    if (progress != nullptr && progress->phase == engine::Phase::kLater && progress->percentage >= 50)
       run_.control.RequestStop();
   };
   EXPECT_THROW(Copy(Forge()), engine::RunStopped);
-  EXPECT_GT(account_.Totals().whole, 100U);
+  EXPECT_GE(account_.Totals().whole, 1U);
   EXPECT_LT(account_.Totals().whole, 604U);
 }
 

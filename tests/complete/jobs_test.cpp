@@ -120,15 +120,19 @@ TEST_P(JobsTest, NorDoesWhatIsThereAfterAStop) {
   const Bytes source = Forge();
   std::optional<Bytes> alone;
   for (const unsigned jobs : kJobs) {
-    listener_.onEvent = [this](const engine::Event& event) {
+    std::uint64_t items = 0;
+    listener_.onEvent = [&](const engine::Event& event) {
       const auto* copied = std::get_if<engine::ItemsCopied>(&event);
-      if (copied != nullptr && copied->items == 33) run_.control.RequestStop();
+      if (copied == nullptr || copied->items < 33 || items != 0) return;
+      items = copied->items;
+      run_.control.RequestStop();
     };
     const Result result = CopyWith(jobs, source);
     listener_.onEvent = nullptr;
     run_.control.Reset();
     EXPECT_TRUE(result.isStopped) << jobs;
-    EXPECT_EQ(result.account.Totals().whole, 34U) << jobs << ": the one under work was finished";
+    EXPECT_LT(items, 40U);
+    EXPECT_EQ(result.account.Totals().whole, items + 1) << jobs << ": the one under work was finished";
     if (!alone) alone = result.bytes;
     EXPECT_TRUE(result.bytes == *alone) << jobs;
   }

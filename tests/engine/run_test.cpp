@@ -75,13 +75,13 @@ TEST(RunContextTest, WhatIsCopiedIsSaidAheadOfItsPercentageAndOnlyWithANewOne) {
   } listener(said);
   RunContext run;
   run.observer = &listener;
-  for (const std::uint64_t items : {0, 1, 2, 3}) run.SayCopied({items, 200, items * 10});
+  for (const std::uint64_t items : {0, 1, 2, 3}) run.SayCopied({items, 5, items * 10, 2000});
   ASSERT_EQ(said.size(), 4u);
-  EXPECT_EQ(std::get<ItemsCopied>(said[0]), (ItemsCopied{0, 200, 0}));
+  EXPECT_EQ(std::get<ItemsCopied>(said[0]), (ItemsCopied{0, 5, 0, 2000}));
   EXPECT_EQ(std::get<Progress>(said[1]).percentage, 0u);
-  EXPECT_EQ(std::get<ItemsCopied>(said[2]), (ItemsCopied{2, 200, 20}));
+  EXPECT_EQ(std::get<ItemsCopied>(said[2]), (ItemsCopied{2, 5, 20, 2000}));
   EXPECT_EQ(std::get<Progress>(said[3]).percentage, 1u);
-  run.SayCopied({0, 0, 0});
+  run.SayCopied({0, 0, 0, 0});
   EXPECT_EQ(std::get<Progress>(said.back()).percentage, 100u) << "of nothing all is copied";
 }
 

@@ -6,7 +6,7 @@ namespace velmora::ndb {
 namespace {
 
 /// Bytes: as much as is gathered before it is written.
-constexpr std::uint64_t kAhead = 16 * kAreaSize;
+constexpr std::uint64_t kAhead = 4 * kAreaSize;
 
 }  // namespace
 
