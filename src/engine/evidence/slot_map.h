@@ -8,10 +8,13 @@
 
 namespace velmora::engine {
 
+/// Takes memory for the parts of a file alone in which something is.
 class SlotMap {
  public:
   SlotMap(std::uint64_t fileSize, const Generation& layout)
-      : slot_(layout.slotSize), taken_(static_cast<std::size_t>(fileSize / layout.slotSize + 1)) {}
+      : slot_(layout.slotSize),
+        slots_(fileSize / layout.slotSize + 1),
+        parts_(static_cast<std::size_t>(slots_ / kSlotsOfPart + 1)) {}
 
   /// Units that lie wholly in the range.
   void Take(std::uint64_t offset, std::uint64_t size);
@@ -21,8 +24,11 @@ class SlotMap {
   std::uint64_t Taken() const { return count_; }
 
  private:
+  static constexpr std::size_t kSlotsOfPart = 32768;
+
   std::uint64_t slot_;
-  std::vector<bool> taken_;
+  std::uint64_t slots_;
+  std::vector<std::vector<bool>> parts_;  ///< empty where nothing is
   std::uint64_t count_ = 0;
 };
 
