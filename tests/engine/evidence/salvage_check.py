@@ -81,13 +81,14 @@ class Truth:
         return all(damaged[at:at + size] == self.bytes[at:at + size] for at, size in self.extents[nid])
 
 
-def damaged_copies(truth, path, seed):
+def damaged_copies(truth, path, seed, wanted):
     """each case and its content: one at a time, as a large store has no room for all"""
     import damage
     with open(path, "rb") as whole:
         yield from damage.cases(truth.store, whole.read(), random.Random(seed))
     for case, types in OF_OUR_OWN.items():
-        yield case, without_pages(path, types)
+        if wanted(case):
+            yield case, without_pages(path, types)
 
 
 def score(truth, program, path, damaged, verbose):
@@ -139,11 +140,12 @@ def main():
     sys.path.insert(0, TOOLS)
     sys.setrecursionlimit(4000)
     sums = {}
+    wanted = (lambda case: case in a.case) if a.case else (lambda case: True)
     for path in sorted(p for p in glob.glob(os.path.join(STORES, "*")) if p.endswith((".pst", ".ost"))):
         truth = Truth(path)
-        for case, content in damaged_copies(truth, path, int(a.seed)):
+        for case, content in damaged_copies(truth, path, int(a.seed), wanted):
             sums.setdefault(case, collections.Counter())
-            if a.case and case not in a.case:
+            if not wanted(case):
                 continue
             with tempfile.NamedTemporaryFile(suffix=os.path.splitext(path)[1]) as copy:
                 copy.write(content)
