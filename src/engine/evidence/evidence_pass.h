@@ -35,12 +35,6 @@ class SlotMap {
   std::vector<bool> taken_;
 };
 
-/// From where on what was written at an offset stands so many bytes ahead of it.
-struct Shift {
-  std::uint64_t from = 0;
-  std::uint64_t bytes = 0;
-};
-
 /// What a pass found of one layout.
 struct Finds {
   Finds(const Generation& itsLayout, std::uint64_t fileSize) : layout(&itsLayout), taken(fileSize, itsLayout) {}
@@ -53,7 +47,6 @@ struct Finds {
   std::vector<Bid> named;         ///< by whole lists; may hold an id twice
   std::array<std::uint64_t, kMethods.size()> votes{};
   std::uint64_t wholePages = 0;
-  std::vector<Shift> shifts;          ///< by ascending offset; none where no bytes were lost
   bool soughtMoved = true;            ///< moved blocks, everywhere
   std::uint64_t end = 0;              ///< of the last thing that proves itself
   std::uint64_t usedSlots = 0;        ///< that do not end in zeros
@@ -79,10 +72,5 @@ BlockKind UnpackKind(BlockKind packed, CryptMethod method);
 
 /// Front to back, for each of the layouts.
 std::vector<Finds> LookThrough(const Source& source, std::span<const Generation* const> layouts, RunContext& run);
-
-/// Adds what is behind `from` in a source from which single bytes were lost, as a copy in text mode loses them:
-/// everything is looked for at its own place less as many bytes as are lost so far, and where nothing stands there, at
-/// up to 256 bytes less.
-void LookForShifted(const Source& source, std::uint64_t from, Finds& finds, RunContext& run);
 
 }  // namespace velmora::engine
