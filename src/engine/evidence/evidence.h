@@ -171,7 +171,7 @@ struct LostNodes {
   std::vector<NodeClaim> nodes;         ///< by ascending id; those without a known id get one above all others
   std::vector<FolderRow> folderRows;    ///< of folders whose own node is gone
   std::vector<MessageRow> messageRows;  ///< of messages of which nothing else is left
-  std::vector<Nid> gone;                ///< doubtful messages that are deleted, as the table of their folder tells
+  std::vector<Nid> gone;                ///< messages in use that are deleted, as the tables of folders tell
 };
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted
