@@ -40,8 +40,9 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
 /// Where the store lies is asked only if the file does not look like a store from its first byte to its last.
 void ProvenStore::Look(std::shared_ptr<const platform::ByteSource> file, std::optional<std::uint64_t> at,
                        RunContext& run) {
+  LookAt(file, 0, file->Size(), run);
+  file = source_.Bytes();
   const std::uint64_t size = file->Size();
-  LookAt(file, 0, size, run);
   if (!at && !evidence_.hasStrays) return;
   others_ = FindStores(source_, run);
   auto chosen = others_.begin();

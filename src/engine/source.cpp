@@ -56,7 +56,7 @@ std::uint64_t BadRanges::BytesAheadOf(std::uint64_t offset) const {
   return offset - std::prev(next)->first;
 }
 
-void Source::Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin) {
+void Source::Open(std::shared_ptr<const platform::ByteSource> bytes, std::uint64_t begin) {
   bytes_ = std::move(bytes);
   begin_ = begin;
   firstFailure_.reset();

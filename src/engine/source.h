@@ -41,7 +41,10 @@ class BadRanges {
 class Source {
  public:
   /// Forgets what was known of another one. Ahead of `begin` there is nothing but zeros, and no need to look.
-  void Open(std::unique_ptr<const platform::ByteSource> bytes, std::uint64_t begin = 0);
+  void Open(std::shared_ptr<const platform::ByteSource> bytes, std::uint64_t begin = 0);
+
+  /// What was opened; null while nothing is.
+  const std::shared_ptr<const platform::ByteSource>& Bytes() const { return bytes_; }
 
   /// What could not be read stays known.
   void Close() { bytes_.reset(); }
@@ -72,7 +75,7 @@ class Source {
   std::size_t BytesToSkip(std::uint64_t offset, std::size_t most, std::uint64_t badAhead) const;
   void NoteBad(std::uint64_t offset, std::uint64_t length, const platform::Failure& failure) const;
 
-  std::unique_ptr<const platform::ByteSource> bytes_;
+  std::shared_ptr<const platform::ByteSource> bytes_;
   std::uint64_t begin_ = 0;
   mutable std::mutex mutex_;  ///< guards what follows
   mutable std::optional<platform::Failure> firstFailure_;

@@ -1,6 +1,7 @@
 #include "damage/aged_mailbox.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>

@@ -99,6 +99,7 @@ struct Score {
   int inFolder = 0;  ///< of these, in their folder
   int damaged = 0;
   int damagedFound = 0;  ///< in some form
+  int damagedWhole = 0;  ///< of these, in the new store as they were
   int copies = 0;        ///< messages of the new store beyond one for each of the old
   int others = 0;        ///< messages that the old store does not have, or has no longer
 };
@@ -129,7 +130,7 @@ class Original {
       }
       if (found == left.end()) continue;
       ++(isIntact ? score.found : score.damagedFound);
-      score.whole += isIntact && isWhole;
+      (isIntact ? score.whole : score.damagedWhole) += isWhole;
       score.inFolder += isIntact && found->second.folder == message.folder;
       left.erase(found);
     }
@@ -155,8 +156,8 @@ class Original {
 std::string LineOf(const std::string& name, const Score& s) {
   std::ostringstream line;
   line << name << ": intact " << s.intact << ", found " << s.found << ", whole " << s.whole << ", in folder "
-       << s.inFolder << "; damaged " << s.damaged << ", found " << s.damagedFound << "; copies " << s.copies
-       << ", others " << s.others;
+       << s.inFolder << "; damaged " << s.damaged << ", found " << s.damagedFound << ", whole " << s.damagedWhole
+       << "; copies " << s.copies << ", others " << s.others;
   return line.str();
 }
 

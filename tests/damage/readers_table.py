@@ -64,6 +64,7 @@ def velmora(*options):
 
 PROGRAMS = {
     "field by field": velmora(), "with Smart Scan": velmora("--smart"), "complete": velmora("--complete"),
+    "complete, deleted and hidden": velmora("--complete", "--deleted", "--hidden"),
     "pffexport": pffexport("items"), "pffexport -m all": pffexport("all"), "readpst": readpst,
 }
 

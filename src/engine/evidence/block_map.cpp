@@ -63,7 +63,7 @@ class BlockMap {
     Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
       BbtEntry entry = DecodeBbtEntry(bytes, *evidence_.layout);
       if (page.found.grade == Grade::kHurt || entry.cb == 0 || entry.cb > evidence_.layout->maxBlockData) return;
-      entry.ref = {Canonical(entry.ref.bid), PlaceOf(entry.ref.ib)};
+      entry.ref.bid = Canonical(entry.ref.bid);
       const auto known = std::ranges::equal_range(evidence_.blocks, entry.ref.bid, {}, &FoundBlock::bid);
       if (known.size() > 1) {
         Prefer(entry, shade);
@@ -74,12 +74,6 @@ class BlockMap {
             {{.bid = entry.ref.bid, .offset = entry.ref.ib, .cb = entry.cb, .grade = Grade::kNamed}, shade});
       }
     });
-  }
-
-  /// Where what was written there stands since bytes were lost ahead of it.
-  std::uint64_t PlaceOf(std::uint64_t written) const {
-    const auto next = std::ranges::upper_bound(finds_.shifts, written, {}, &Shift::from);
-    return next == finds_.shifts.begin() ? written : written - std::min(written, std::prev(next)->bytes);
   }
 
   bool IsFree(const BbtEntry& entry) const {

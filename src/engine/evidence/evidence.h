@@ -86,9 +86,9 @@ struct ToldByHeader {
 /// Nothing when the source has no header that proves itself.
 std::optional<ToldByHeader> ReadHeader(const Source& source);
 
-/// One pass over the file; a second one where bytes were lost from its middle. What was told counts only as far as
-/// nothing that was found speaks against it.
-Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& told, RunContext& run);
+/// One pass over the file; two more where single bytes were lost from it, which are put back then: the source is opened
+/// again, as it was. What was told counts only as far as nothing that was found speaks against it.
+Evidence FindEvidence(Source& source, const std::optional<ToldByHeader>& told, RunContext& run);
 
 /// Whether a block is still in use.
 enum class BlockStatus : std::uint8_t { kLive, kFreed, kUnknown };
@@ -171,7 +171,7 @@ struct LostNodes {
   std::vector<NodeClaim> nodes;         ///< by ascending id; those without a known id get one above all others
   std::vector<FolderRow> folderRows;    ///< of folders whose own node is gone
   std::vector<MessageRow> messageRows;  ///< of messages of which nothing else is left
-  std::vector<Nid> gone;                ///< doubtful messages that are deleted, as the table of their folder tells
+  std::vector<Nid> gone;                ///< messages in use that are deleted, as the tables of folders tell
 };
 
 /// Looks for messages and folders that no entry names, where the node tree is not exact or `deleted` ones are wanted

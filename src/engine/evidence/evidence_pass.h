@@ -15,19 +15,12 @@
 
 namespace velmora::engine {
 
-/// From where on what was written at an offset stands so many bytes ahead of it.
-struct Shift {
-  std::uint64_t from = 0;
-  std::uint64_t bytes = 0;
-};
-
 /// What a pass found of one layout, and where.
 struct Finds : Sights {
   Finds(const Generation& itsLayout, std::uint64_t fileSize) : Sights(itsLayout), taken(fileSize, itsLayout) {}
 
-  SlotMap taken;              ///< by whole blocks and proven pages
-  std::vector<Shift> shifts;  ///< by ascending offset; none where no bytes were lost
-  bool soughtMoved = true;    ///< moved blocks, everywhere
+  SlotMap taken;            ///< by whole blocks and proven pages
+  bool soughtMoved = true;  ///< moved blocks, everywhere
 
   // Like those of Sights.
   void TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored,
@@ -45,10 +38,5 @@ struct Finds : Sights {
 /// Front to back, for each of the layouts; the workers of the run look at what lies ahead. The same for any number of
 /// them.
 std::vector<Finds> LookThrough(const Source& source, std::span<const Generation* const> layouts, RunContext& run);
-
-/// Adds what is behind `from` in a source from which single bytes were lost, as a copy in text mode loses them:
-/// everything is looked for at its own place less as many bytes as are lost so far, and where nothing stands there, at
-/// up to 256 bytes less.
-void LookForShifted(const Source& source, std::uint64_t from, Finds& finds, RunContext& run);
 
 }  // namespace velmora::engine

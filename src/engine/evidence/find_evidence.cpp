@@ -4,6 +4,8 @@
 #include "engine/evidence/block_map.h"
 #include "engine/evidence/evidence.h"
 #include "engine/evidence/evidence_pass.h"
+#include "engine/evidence/text_copy.h"
+#include "engine/restored_bytes.h"
 #include "store/format/header.h"
 
 namespace velmora::engine {
@@ -50,14 +52,13 @@ bool HasStrays(const Finds& finds) {
 }
 
 /// Where bytes were lost nothing proves itself behind some point, or little in all.
-void LookBehindLostBytes(const Source& source, Finds& finds, RunContext& run) {
-  if (HasLittleProven(finds)) {
-    Finds again(*finds.layout, source.Size());
-    LookForShifted(source, source.Begin(), again, run);
-    if (again.Count() > finds.Count()) finds = std::move(again);
-  } else if (HasUnprovenTail(finds)) {
-    LookForShifted(source, finds.end, finds, run);
-  }
+void PutBackLostBytes(Source& source, Finds& finds, RunContext& run) {
+  const bool isLittle = HasLittleProven(finds);
+  if (!isLittle && !HasUnprovenTail(finds)) return;
+  LostBytes lost = FindLostBytes(source, isLittle ? source.Begin() : finds.end, *finds.layout, run);
+  if (lost.places.empty() || (isLittle && lost.things <= finds.Count())) return;
+  source.Open(std::make_shared<RestoredBytes>(source.Bytes(), std::move(lost.places)), source.Begin());
+  finds = std::move(LookThrough(source, std::array{finds.layout}, run).front());
 }
 
 }  // namespace
@@ -75,7 +76,7 @@ std::optional<ToldByHeader> ReadHeader(const Source& source) {
   return ToldByHeader{header->generation, header->bCryptMethod, header->root.brefNbt, header->root.brefBbt};
 }
 
-Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& told, RunContext& run) {
+Evidence FindEvidence(Source& source, const std::optional<ToldByHeader>& told, RunContext& run) {
   constexpr std::array<const Generation*, 3> kLayouts = {&generations::kUnicode, &generations::kAnsi,
                                                          &generations::kUnicode4k};
   Evidence evidence;
@@ -88,8 +89,8 @@ Evidence FindEvidence(const Source& source, const std::optional<ToldByHeader>& t
   Finds finds = std::move(*best);
   all.clear();
   if (!finds.soughtMoved) finds = std::move(LookThrough(source, std::array{finds.layout}, run).front());
+  PutBackLostBytes(source, finds, run);
   evidence.hasStrays = HasStrays(finds);
-  LookBehindLostBytes(source, finds, run);
   evidence.layout = finds.layout;
   evidence.encoding = LikeliestEncoding(finds, told);
   MapBlocks(source, std::move(finds), told && told->layout == evidence.layout ? told : std::nullopt, evidence, run);

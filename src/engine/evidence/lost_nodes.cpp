@@ -14,6 +14,7 @@
 #include "engine/evidence/context_pairing.h"
 #include "engine/evidence/context_survey.h"
 #include "engine/evidence/message_versions.h"
+#include "engine/evidence/table_witness.h"
 #include "engine/evidence/top_blocks.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
@@ -69,7 +70,7 @@ class LostSearch {
     AddListed();
     AddUnlisted();
     CorrectParents();
-    FindGone();
+    lost_.gone = TablesAsWitness().Gone();
     std::ranges::stable_sort(lost_.nodes, {}, [](const NodeClaim& claim) { return claim.node.nid; });
     return std::move(lost_);
   }
@@ -81,6 +82,10 @@ class LostSearch {
     if (const NodeClaim* claim = view_.InUse(folder)) return Canonical(claim->node.trees.bidData);
     const auto context = survey_.contextOf.find(folder);
     return context == survey_.contextOf.end() ? kNoBid : context->second;
+  }
+
+  TableWitness TablesAsWitness() const {
+    return {view_, tables_, existing_, [this](Nid folder) { return ContextOf(folder); }};
   }
 
   void NoteIds() {
@@ -213,7 +218,8 @@ class LostSearch {
   }
 
   void AddUnlisted() {
-    const std::vector<bool> isOlder = FindOlderVersions(view_, survey_.messages, isTaken_);
+    const bool copiesAreTaken = TablesAsWitness().TellOfAll();
+    const std::vector<bool> isOlder = FindOlderVersions(view_, survey_.messages, isTaken_, copiesAreTaken);
     std::vector<std::size_t> homeless;  // positions in lost_.nodes
     for (std::size_t i = 0; i < Messages().size(); ++i) {
       const MessageFacts& message = Messages()[i];
@@ -266,7 +272,7 @@ class LostSearch {
     Nid without = kNoNid;
     std::size_t room = 0;
     for (const Nid folder : existing_) {
-      const std::size_t count = withTable.contains(folder) ? 0 : CountOf(folder);
+      const std::size_t count = withTable.contains(folder) ? 0 : TablesAsWitness().CountOf(folder);
       if (count == 0) continue;
       if (without != kNoNid) return;
       without = folder;
@@ -278,17 +284,6 @@ class LostSearch {
     }
     if (homeless.size() > room) return;
     for (const std::size_t at : homeless) lost_.nodes[at].node.nidParent = without;
-  }
-
-  /// How many messages a folder says it has.
-  std::size_t CountOf(Nid folder) const {
-    if (TypeOf(folder) != NidType::kNormalFolder) return 0;
-    if (const ListedFolder* listed = tables_.Find(folder)) return listed->count;
-    ndb::Faults faults;
-    auto context = IfReadable([&] {
-      return ltp::PropertyContext::Open(view_.Blocks(), {ContextOf(folder), kNoBid}, &faults);
-    });
-    return context ? static_cast<std::uint32_t>(context->Integer32(tag::kContentCount).value_or(0)) : 0;
   }
 
   // A proven table tells more of the folder than an old entry does.
@@ -304,38 +299,6 @@ class LostSearch {
         Add(node, Standing::kDoubtful);
       }
     }
-  }
-
-  // A doubtful message that a former table of its folder lists, and none since the folder was written anew. The table
-  // of another folder, to which it may have been moved, must not be lost.
-  void FindGone() {
-    std::unordered_set<Nid> listed;
-    std::unordered_set<Nid> withTable;
-    std::unordered_map<Nid, Bid> proven;  // by folder, the newest
-    for (const FolderTable& table : tables_.tables) {
-      if (table.kind != TableKind::kContents || !table.isCurrent) continue;
-      listed.insert(table.rows.begin(), table.rows.end());
-      withTable.insert(table.folder);
-      if (!table.isProven) continue;
-      Bid& newest = proven[table.folder];
-      newest = std::max(newest, table.trees.bidData);
-    }
-    const auto lacksTable = [&](Nid folder) { return !withTable.contains(folder) && CountOf(folder) != 0; };
-    if (proven.empty() || std::ranges::any_of(existing_, lacksTable)) return;
-    for (const FolderTable& table : tables_.tables) {
-      const auto newer = proven.find(table.folder);
-      if (table.kind != TableKind::kContents || table.isCurrent || newer == proven.end()) continue;
-      for (const Nid row : table.rows) {
-        const NodeClaim* claim = view_.InUse(row);
-        if (claim == nullptr || claim->standing != Standing::kDoubtful || listed.contains(row)) continue;
-        const Bid data = claim->node.trees.bidData;
-        const bool isOfFolder = claim->node.nidParent == table.folder && data < newer->second;
-        if (isOfFolder && view_.StatusOf(data) != BlockStatus::kLive) lost_.gone.push_back(row);
-      }
-    }
-    std::ranges::sort(lost_.gone);
-    const auto repeated = std::ranges::unique(lost_.gone);
-    lost_.gone.erase(repeated.begin(), repeated.end());
   }
 
   const EvidenceView& view_;

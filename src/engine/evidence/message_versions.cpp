@@ -31,7 +31,7 @@ class SameSearchKey {
 }  // namespace
 
 std::vector<bool> FindOlderVersions(const EvidenceView& view, const MessageContexts& messages,
-                                    const std::vector<bool>& isInUse) {
+                                    const std::vector<bool>& isInUse, bool copiesAreInUse) {
   const std::vector<MessageFacts>& facts = messages.facts;
   std::vector<bool> isOlder(facts.size());
   std::vector<std::uint32_t> order(facts.size());
@@ -40,13 +40,19 @@ std::vector<bool> FindOlderVersions(const EvidenceView& view, const MessageConte
     return std::tuple(facts[i].searchKey, facts[i].isHidden, !isInUse[i], ~Value(facts[i].bid));
   });
   SameSearchKey group;
+  Bid newestInUse = kNoBid;  // of the group
   for (std::size_t at = 0; at < order.size(); ++at) {
     const MessageFacts& message = facts[order[at]];
-    if (message.searchKey == 0 || message.hasCommonKeys) continue;
+    if (message.searchKey == 0) continue;
     const bool isFirst = at == 0 || facts[order[at - 1]].searchKey != message.searchKey ||
                          facts[order[at - 1]].isHidden != message.isHidden;
-    if (isFirst) group = {};
-    if (!isInUse[order[at]]) isOlder[order[at]] = group.HasVersionOf(messages, message);
+    if (isFirst) {
+      group = {};
+      newestInUse = isInUse[order[at]] ? message.bid : kNoBid;
+    }
+    if (copiesAreInUse && !isInUse[order[at]] && message.bid < newestInUse) isOlder[order[at]] = true;
+    if (message.hasCommonKeys) continue;
+    if (!isOlder[order[at]] && !isInUse[order[at]]) isOlder[order[at]] = group.HasVersionOf(messages, message);
     group.Add(messages, message);
   }
   for (const NodeClaim& claim : view.Judged().nodes) {

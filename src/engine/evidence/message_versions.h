@@ -12,8 +12,9 @@
 namespace velmora::engine {
 
 /// `isInUse` of each message, in their order. True for those not in use that are versions of one that is, or of a newer
-/// one. O(n log n), however many share a search key.
+/// one. With `copiesAreInUse` each copy is known to be, so that what has the search key of a newer one in use and is
+/// not is no copy. O(n log n), however many share a search key.
 std::vector<bool> FindOlderVersions(const EvidenceView& view, const MessageContexts& messages,
-                                    const std::vector<bool>& isInUse);
+                                    const std::vector<bool>& isInUse, bool copiesAreInUse);
 
 }  // namespace velmora::engine

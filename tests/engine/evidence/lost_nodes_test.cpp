@@ -532,6 +532,69 @@ TEST_P(LostNodesTest, WhatAFolderListedBeforeItWasWrittenAnewIsGone) {
   EXPECT_TRUE(store.Find().gone.empty()) << "it may have been moved to where the table is lost";
 }
 
+TEST_P(LostNodesTest, WhereTheTablesTellOfAllAMessageThatNoneListsIsGoneWhateverPageNamesIt) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const ndb::NodeTrees gone = WithoutNode(LetterTo(u"Gone", 2));
+  box_.AddMessage(inbox, Letter(u"Kept", 1));
+  box_.AddMessage(work, Letter(u"Report", 4));
+  WreckedStore store(box_.Finish());
+  const ndb::NodeEntry table = store.Entry((work & ~0x1Fu) | 0x0E);
+  store.LoseBlockTree();
+  store.Claim({Nid{0x300024}, gone, Nid{inbox}}, Standing::kLive);
+  EXPECT_EQ(store.Find().gone, std::vector{Nid{0x300024}});
+
+  store.SetStatus(gone.bidData, BlockStatus::kLive);
+  EXPECT_TRUE(store.Find().gone.empty()) << "the block tree says that it is there";
+  store.SetStatus(gone.bidData, BlockStatus::kUnknown);
+  store.LoseBlock(table.trees.bidData);
+  store.Lose(Value(table.nid));
+  EXPECT_TRUE(store.Find().gone.empty()) << "it may be in the folder whose table is lost";
+}
+
+TEST_P(LostNodesTest, AMessageThatIsNewerThanTheTableOfItsFolderIsNotGone) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  box_.AddMessage(inbox, Letter(u"Kept", 1));
+  forge::Image image = box_.Finish();
+  WreckedStore store(image);
+  store.LoseBlockTree();
+  ndb::NodeEntry newer = store.Entry(forge::kNameMapNode);  // written last
+  ASSERT_GT(newer.trees.bidData, store.Entry((inbox & ~0x1Fu) | 0x0E).trees.bidData);
+  newer.nid = Nid{0x300024};
+  newer.nidParent = Nid{inbox};
+  store.Claim(newer, Standing::kLive);
+  EXPECT_TRUE(store.Find().gone.empty());
+}
+
+TEST_P(LostNodesTest, WhereTheTablesTellOfAllWhatHasTheSearchKeyOfANewerMessageIsAnOlderStateOfIt) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  const auto work = box_.AddFolder({.name = u"Work"});
+  const auto draft = [](std::int32_t importance) {
+    Message message = LetterTo(u"Draft", 2);
+    message.importance = importance;
+    message.properties = {forge::Binary(0x300B, forge::Noise(16, 7))};
+    return message;
+  };
+  const ndb::NodeTrees before = WithoutNode(draft(2));
+  box_.AddMessage(inbox, draft(1));
+  box_.AddMessage(work, Letter(u"Report", 4));
+  const ndb::NodeTrees behind = WithoutNode(draft(0));
+  WreckedStore store(box_.Finish());
+  const ndb::NodeEntry table = store.Entry((work & ~0x1Fu) | 0x0E);
+  store.LoseBlockTree();
+  const LostNodes lost = store.Find();
+  ASSERT_EQ(lost.nodes.size(), 1u);
+  EXPECT_EQ(lost.nodes[0].node.trees, behind) << "newer than the one that a node has";
+
+  std::map<Bid, Standing> found;
+  for (const NodeClaim& claim : store.Find(true).nodes) found[claim.node.trees.bidData] = claim.standing;
+  EXPECT_EQ(found, (std::map<Bid, Standing>{{before.bidData, Standing::kOlder}, {behind.bidData, Standing::kFound}}));
+
+  store.LoseBlock(table.trees.bidData);
+  store.Lose(Value(table.nid));
+  EXPECT_EQ(CountOf(store.Find(), Standing::kFound), 2u) << "one may be a copy in the folder whose table is lost";
+}
+
 TEST_P(LostNodesTest, MessagesInNoTableAreOfTheOneFolderThatIsShortOfThem) {
   const auto inbox = box_.AddFolder({.name = u"Inbox"});
   const auto work = box_.AddFolder({.name = u"Work"});

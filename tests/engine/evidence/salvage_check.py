@@ -5,8 +5,9 @@ stores are known again.
 Makes damaged copies of each store (damage.py of the tools, and two without any tree page, old ones too), lets PROGRAM
 (velmora-evidence --lost) find their nodes, and compares the messages with the node tree of the whole store. A message is intact when each byte of its blocks is where it was; it
 is found when a node leads to the same data and the same list of sub-nodes. Copies share blocks, so ids do not count, but
-each node counts once. "too much" are nodes that lead to what is no live message, "hurt" the messages of which a block is
-damaged, found in some form. Ends with 1 if an intact message is missing, or more than --misplaced are in a wrong folder."""
+each node counts once. "too much" are nodes that lead to the data of no live message, "too many" those beyond one for
+each live message with that data, "hurt" the messages of which a block is damaged, found in some form: by their id, or
+by their data where nothing is left of their list. Ends with 1 if an intact message is missing, or more than --misplaced are in a wrong folder."""
 import argparse
 import collections
 import glob
@@ -81,13 +82,14 @@ class Truth:
         return all(damaged[at:at + size] == self.bytes[at:at + size] for at, size in self.extents[nid])
 
 
-def damaged_copies(truth, path, seed):
+def damaged_copies(truth, path, seed, wanted):
     """each case and its content: one at a time, as a large store has no room for all"""
     import damage
     with open(path, "rb") as whole:
         yield from damage.cases(truth.store, whole.read(), random.Random(seed))
     for case, types in OF_OUR_OWN.items():
-        yield case, without_pages(path, types)
+        if wanted(case):
+            yield case, without_pages(path, types)
 
 
 def score(truth, program, path, damaged, verbose):
@@ -95,14 +97,18 @@ def score(truth, program, path, damaged, verbose):
     messages = [nid for nid in truth.nodes if type_of(nid) == MESSAGE]
     pairs = collections.Counter(entry[:2] for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
     places = collections.Counter(entry for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
-    row = collections.Counter()
+    contexts = collections.Counter(entry[0] for nid, entry in nodes.items() if type_of(nid) == MESSAGE)
+    live = collections.Counter(truth.nodes[nid][0] for nid in messages)
+    row = collections.Counter(too_much=sum(n for data, n in contexts.items() if data not in live),
+                              too_many=sum(max(contexts[data] - n, 0) for data, n in live.items()))
     for nid in messages:
         entry = truth.nodes[nid]
         if not truth.is_intact(nid, damaged):
             row["hurt"] += 1
-            row["hurt_found"] += nid in nodes or pairs[entry[:2]] > 0
-            row["hurt_by_row"] += nid in rows and nid not in nodes
+            row["hurt_found"] += nid in nodes or contexts[entry[0]] > 0
+            row["hurt_by_row"] += nid in rows and nid not in nodes and contexts[entry[0]] == 0
             pairs[entry[:2]] -= pairs[entry[:2]] > 0
+            contexts[entry[0]] -= contexts[entry[0]] > 0
             continue
         row["intact"] += 1
         row["same_id"] += nodes.get(nid, ())[:2] == entry[:2]
@@ -112,10 +118,8 @@ def score(truth, program, path, damaged, verbose):
             print("   %s %x %x/%x in %x: %s" % ("misplaced" if pairs[entry[:2]] > 0 else "missing", nid, *entry,
                                                ["%x" % v for v in nodes.get(nid, ())]))
         pairs[entry[:2]] -= 1
+        contexts[entry[0]] -= contexts[entry[0]] > 0
         places[entry] -= 1
-    live = {truth.nodes[nid][0] for nid in messages}
-    row["too_much"] = sum(type_of(nid) == MESSAGE and entry[0] not in live for nid, entry in nodes.items())
-    row["too_many"] = sum(n for pair, n in pairs.items() if n > 0 and pair[0] in live)
     for nid in (nid for nid in truth.nodes if type_of(nid) in FOLDERS):
         row["folders"] += 1
         row["folders_found"] += nid in folders
@@ -139,11 +143,12 @@ def main():
     sys.path.insert(0, TOOLS)
     sys.setrecursionlimit(4000)
     sums = {}
+    wanted = (lambda case: case in a.case) if a.case else (lambda case: True)
     for path in sorted(p for p in glob.glob(os.path.join(STORES, "*")) if p.endswith((".pst", ".ost"))):
         truth = Truth(path)
-        for case, content in damaged_copies(truth, path, int(a.seed)):
+        for case, content in damaged_copies(truth, path, int(a.seed), wanted):
             sums.setdefault(case, collections.Counter())
-            if a.case and case not in a.case:
+            if not wanted(case):
                 continue
             with tempfile.NamedTemporaryFile(suffix=os.path.splitext(path)[1]) as copy:
                 copy.write(content)
