@@ -6,6 +6,7 @@
 #include "engine/evidence/inflate_part.h"
 #include "store/format/byte_view.h"
 #include "store/format/heap_format.h"
+#include "store/format/inflate.h"
 
 namespace velmora::engine {
 namespace {
@@ -23,15 +24,22 @@ class Content {
 
   ByteView Part(std::size_t at, std::size_t length) {
     if (trailer_.cbInflated == trailer_.cb) return ByteView(Decoded(at, length));
-    const bool isHead = at + length <= kOffHeapWord + 2;
-    const std::vector<std::byte> packed = Decoded(0, isHead ? kPackedHead : stored_.size());
-    const auto head = ByteView(packed).U16(0);
-    if ((head & 0x0F) != 8 || ((head & 0xFF) << 8 | head >> 8) % 31 != 0) return {};  // no zlib stream begins so
-    part_ = InflatePart(packed, at + length);
-    return ByteView(part_).Slice(at, length);
+    if (inflated_.size() < at + length) InflateUpTo(at + length);
+    return ByteView(inflated_).Slice(at, length);
   }
 
  private:
+  /// To inflate all takes less time than the same by parts, but the first bytes are mostly enough, and a block that is
+  /// hurt has parts alone.
+  void InflateUpTo(std::size_t end) {
+    const bool isHead = end <= kOffHeapWord + 2;
+    const std::vector<std::byte>& packed = Decoded(0, isHead ? kPackedHead : stored_.size());
+    const auto head = ByteView(packed).U16(0);
+    if ((head & 0x0F) != 8 || ((head & 0xFF) << 8 | head >> 8) % 31 != 0) return;  // no zlib stream begins so
+    inflated_.resize(trailer_.cbInflated);
+    if (isHead || !Inflate(packed, inflated_)) inflated_ = InflatePart(packed, end);
+  }
+
   const std::vector<std::byte>& Decoded(std::size_t at, std::size_t length) {
     const auto bytes = ByteView(stored_).Slice(at, length).Bytes();
     part_.assign(bytes.begin(), bytes.end());
@@ -43,6 +51,7 @@ class Content {
   const BlockTrailer& trailer_;
   CryptMethod method_;
   std::vector<std::byte> part_;
+  std::vector<std::byte> inflated_;  ///< as far as it was asked for
 };
 
 /// Properties or a table if these are the first bytes of such a heap and its page map fits, else data.

@@ -1,21 +1,11 @@
 #include "store/format/block.h"
 
-#include <libdeflate.h>
-
-#include <memory>
-
 #include "store/format/checksum.h"
+#include "store/format/inflate.h"
 #include "store/format/little_endian.h"
 
 namespace velmora {
 namespace {
-
-bool Inflate(std::span<const std::byte> packed, std::span<std::byte> out) {
-  const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> stream(
-      libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
-  return stream != nullptr && libdeflate_zlib_decompress(stream.get(), packed.data(), packed.size(), out.data(),
-                                                         out.size(), nullptr) == LIBDEFLATE_SUCCESS;
-}
 
 BlockTrailer TrailerOf(std::span<const std::byte> block, const Generation& generation) {
   return DecodeBlockTrailer(block.last(generation.blockTrailerSize), generation);
