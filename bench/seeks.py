@@ -38,7 +38,7 @@ def accesses(lines):
             yield found["path"], found["call"], int(found["at"]), int(found["n"])
         elif found := BEGIN.match(line):
             begun[found["pid"]] = found["path"], found["rest"]
-        elif found := END.match(line):
+        elif (found := END.match(line)) and found["pid"] in begun:  # else of a file without a name
             path, rest = begun.pop(found["pid"])
             yield path, found["call"], int((rest + found["rest"]).rsplit(",", 1)[1]), int(found["n"])
 
