@@ -11,9 +11,13 @@ unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()
 
 Workers::Workers(unsigned jobs) {
 #ifdef M_ARENA_MAX
-  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in
-  // one for all they would wait for each other.
+  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in one
+  // for all they would wait for each other.
   if (jobs > 1) ::mallopt(M_ARENA_MAX, 2);
+#endif
+#ifdef M_MMAP_THRESHOLD
+  // The large tables of the scans go back to the system when they are done with, in place of leaving gaps.
+  ::mallopt(M_MMAP_THRESHOLD, 4 << 20);
 #endif
   for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
 }

@@ -36,6 +36,8 @@ class BlockMap {
     AddHurt();
     FindKinds(run);
     MarkNamed();
+    evidence_.blocks.shrink_to_fit();
+    evidence_.pages.shrink_to_fit();
   }
 
  private:

@@ -11,6 +11,10 @@ namespace velmora::engine {
 FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType type, RunContext& run)
     : layout_(*evidence.layout), type_(type) {
   std::vector<std::byte> bytes(layout_.pageSize);
+  // A large store has hundreds of thousands of pages: to grow by doubling would take twice their memory.
+  const auto count = static_cast<std::size_t>(std::ranges::count(evidence.pages, type, &FoundPage::type));
+  pages_.reserve(count);
+  content_.reserve(count * layout_.pageSize);
   for (const FoundPage& found : evidence.pages) {
     if (found.type != type) continue;
     run.control.PausePoint();
