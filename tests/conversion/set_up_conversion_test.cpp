@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "conversion/run_fixture.h"
+#include "platform/path_text.h"
 #include "platform/process.h"
 
 namespace velmora::conversion {
@@ -13,7 +14,7 @@ using testing::IsEmpty;
 
 class SetUpTest : public RunTest {
  protected:
-  text::Text Path(const std::string& name) const { return text::FromFileName((destination_ / name).string()); }
+  text::Text Path(const std::string& name) const { return platform::TextOfPath(destination_ / name); }
 };
 
 TEST_F(SetUpTest, NamesComeFromTheSourceAndTheNumber) {
@@ -99,7 +100,7 @@ TEST_F(SetUpTest, ADestinationThatEndsInABackslashIsCutAtItsFirstOne) {
   MakeSource();
   const std::filesystem::path drive = destination_ / "D:";
   std::filesystem::create_directory(drive);
-  state_.destinationPath = text::FromFileName(drive.string() + "\\mail\\old\\");
+  state_.destinationPath = platform::TextOfPath(drive) + u"\\mail\\old\\";
   RunConversion(outLook_, state_);
   EXPECT_THAT(Output(), ElementsAre("D:", "D:/outlook Converted0"));
 }
@@ -114,7 +115,7 @@ TEST_F(SetUpTest, ABackslashElsewhereIsPartOfAName) {
 
 TEST_F(SetUpTest, ASeparatorAtTheEndOfADestinationSaysNothing) {
   MakeSource();
-  state_.destinationPath = text::FromFileName(destination_.string() + "//");
+  state_.destinationPath = platform::TextOfPath(destination_) + u"//";
   RunConversion(outLook_, state_);
   EXPECT_EQ(state_.destinationPath, Path("outlook Converted0/outlook Converted.pst"));
 }
