@@ -173,7 +173,7 @@ std::filesystem::path RunTest::WriteFile(const std::string& name, std::string_vi
 std::vector<std::string> RunTest::Output() const {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(destination_)) {
-    names.push_back(std::filesystem::relative(entry.path(), destination_).string());
+    names.push_back(std::filesystem::relative(entry.path(), destination_).generic_string());
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <thread>
 
+#include "aids/system.h"
 #include "conversion/run_fixture.h"
 #include "platform/path_text.h"
 #include "platform/process.h"
@@ -14,7 +15,9 @@ using testing::IsEmpty;
 
 class SetUpTest : public RunTest {
  protected:
-  text::Text Path(const std::string& name) const { return platform::TextOfPath(destination_ / name); }
+  text::Text Path(const std::string& name) const {
+    return platform::TextOfPath((destination_ / name).make_preferred());
+  }
 };
 
 TEST_F(SetUpTest, NamesComeFromTheSourceAndTheNumber) {
@@ -41,6 +44,7 @@ TEST_F(SetUpTest, ANameWithoutAPointHasAnEmptyStem) {
 }
 
 TEST_F(SetUpTest, AFileNameThatIsNoUtf8TravelsThrough) {
+  if (test::kIsWindows) GTEST_SKIP() << "names are no bytes there";
   MakeSource(
       "b\xFF"
       "d.ost");
@@ -97,6 +101,7 @@ TEST_F(SetUpTest, ADestinationThatIsNotThereCannotTakeTheFolder) {
 }
 
 TEST_F(SetUpTest, ADestinationThatEndsInABackslashIsCutAtItsFirstOne) {
+  if (test::kIsWindows) GTEST_SKIP() << "no folder can be called as a drive there";
   MakeSource();
   const std::filesystem::path drive = destination_ / "D:";
   std::filesystem::create_directory(drive);
@@ -106,6 +111,7 @@ TEST_F(SetUpTest, ADestinationThatEndsInABackslashIsCutAtItsFirstOne) {
 }
 
 TEST_F(SetUpTest, ABackslashElsewhereIsPartOfAName) {
+  if (test::kIsWindows) GTEST_SKIP() << "it divides names there";
   MakeSource();
   std::filesystem::create_directory(destination_ / "a\\b");
   state_.destinationPath = Path("a\\b");
@@ -164,6 +170,7 @@ class CompanionTest : public SetUpTest {
 };
 
 TEST_F(CompanionTest, AMissingClassStartsTheCompanionProgramAndClosesTheWindow) {
+  if (test::kIsWindows) GTEST_SKIP() << "a script is no program there";
   MakeSource();
   library_->noSession = true;
   bool closed = false;

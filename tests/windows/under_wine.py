@@ -2,8 +2,10 @@
 
 import atexit
 import functools
+import json
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -16,9 +18,11 @@ import stores  # noqa: E402,F401
 WINE = SOURCE / "tests" / "windows" / "wine"
 PREFIX = pathlib.Path(os.environ.get("WINEPREFIX", SOURCE / "build" / "wine"))
 PROGRAM = pathlib.Path(os.environ["VELMORA_CONVERT_EXE"])  # for Windows
+COMMAND = SOURCE / "tests" / "windows" / "velmora-convert"  # the same as a command of this machine
 TWIN = pathlib.Path(os.environ["VELMORA_CONVERT"])  # for this machine
 CONFIGURATION = "drive_c/users/*/AppData/Roaming/velmora"
 EPOCH = "1700000000"
+OF_THE_RUN = ("seconds", "peakRssKiB", "source", "destination")  # and not of the store
 
 
 @functools.cache
@@ -73,6 +77,36 @@ class UnderWine(unittest.TestCase):
         """The same run of the program for this machine."""
         return subprocess.run([TWIN, *map(str, words)], capture_output=True, text=True, errors="replace",
                               env={**self.environment(), "XDG_CONFIG_HOME": str(self.work / "config")})
+
+    def leavings(self, run, folder, source, *options):
+        """What a run leaves: its code, the report without what is the run's own, and the bytes of all other files."""
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        forget_profiles()
+        shutil.rmtree(self.work / "config", ignore_errors=True)
+        report = folder / "report.json"
+        if "--complete" not in options:
+            options = (*options, "--trace", folder / "trace.jsonl")
+        ended = run("--quiet", *options, "--report", report, source, folder)
+        self.assertTrue(report.is_file(), ended.stderr)
+        known = json.loads(report.read_text("utf-8"))
+        report.unlink()
+        for name in OF_THE_RUN:
+            self.assertIn(name, known)
+            del known[name]
+        files = {str(p.relative_to(folder)): p.read_bytes() for p in folder.rglob("*") if p.is_file()}
+        return ended.returncode, known, files
+
+    def compare_with_twin(self, source, *options, below="there"):
+        """Runs both programs in folders of the same name: they leave the same. Gives the files that they leave."""
+        here = self.leavings(self.run_twin, self.work / "here" / below, source, *options)
+        there = self.leavings(self.run_program, self.work / "there" / below, source, *options)
+        self.assertEqual(here[0], there[0], "exit code")
+        self.assertEqual(here[1], there[1], "report")
+        self.assertEqual(here[2].keys(), there[2].keys())
+        for name, content in here[2].items():
+            self.assertTrue(content == there[2][name], f"{name} differs")
+        return here[2]
 
     @staticmethod
     def environment():

@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <bit>
 #include <cerrno>
@@ -16,6 +14,7 @@
 #include <utility>
 
 #include "platform/posix/system_failure.h"
+#include "platform/zero_fill.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers of a store are read as the host holds them");
 static_assert(sizeof(off_t) == 8, "stores above 2 GB");
@@ -93,20 +92,10 @@ class SystemFile : public ByteStore {
  private:
   Result<void> AllocateTo(std::uint64_t size) {
     while (::fallocate(descriptor_.Get(), 0, static_cast<off_t>(size_), static_cast<off_t>(size - size_)) != 0) {
-      if (errno == EOPNOTSUPP || errno == ENOSYS) return FillTo(size);
+      if (errno == EOPNOTSUPP || errno == ENOSYS) return FillWithZerosTo(*this, size);
       if (errno != EINTR) return Fail(errno, name_, size);
     }
     size_ = size;
-    return {};
-  }
-
-  /// Where a file system cannot set room aside, bytes that are there have theirs.
-  Result<void> FillTo(std::uint64_t size) {
-    static constexpr std::array<std::byte, 0x10000> kZeros{};
-    while (size_ < size) {
-      const std::size_t length = std::min<std::uint64_t>(kZeros.size(), size - size_);
-      if (auto written = WriteAt(size_, std::span(kZeros).first(length)); !written) return written;
-    }
     return {};
   }
 

@@ -11,6 +11,7 @@
 #include "platform/windows/long_path.h"
 #include "platform/windows/system_failure.h"
 #include "platform/windows/win32.h"
+#include "platform/zero_fill.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers of a store are read as the host holds them");
 
@@ -68,12 +69,23 @@ class SystemFile : public ByteStore {
     return {};
   }
 
-  /// A file that is made longer takes its room on the disk at once, so that Reserve needs no more.
   Result<void> Resize(std::uint64_t size) override {
-    FILE_END_OF_FILE_INFO end{};
-    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
-    if (!::SetFileInformationByHandle(handle_.Get(), FileEndOfFileInfo, &end, sizeof end)) {
-      return Fail(::GetLastError(), name_, size);
+    if (auto ended = EndAt(size); !ended) return ended;
+    size_ = size;
+    return {};
+  }
+
+  Result<void> Reserve(std::uint64_t size) override {
+    if (size <= size_) return {};
+    const std::uint64_t before = size_;
+    auto reserved = EndAt(size);
+    if (reserved && !HasRoomFor(size)) {
+      static_cast<void>(EndAt(before));
+      reserved = FillWithZerosTo(*this, size);
+    }
+    if (!reserved) {
+      static_cast<void>(Resize(before));  // what there was room for stays nobody's
+      return reserved;
     }
     size_ = size;
     return {};
@@ -85,6 +97,22 @@ class SystemFile : public ByteStore {
   }
 
  private:
+  Result<void> EndAt(std::uint64_t size) {
+    FILE_END_OF_FILE_INFO end{};
+    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    if (!::SetFileInformationByHandle(handle_.Get(), FileEndOfFileInfo, &end, sizeof end)) {
+      return Fail(::GetLastError(), name_, size);
+    }
+    return {};
+  }
+
+  /// A disk of the system's own kind gives a longer file its room at once; others, and shares, let a hole be.
+  bool HasRoomFor(std::uint64_t size) const {
+    FILE_STANDARD_INFO info{};
+    return ::GetFileInformationByHandleEx(handle_.Get(), FileStandardInfo, &info, sizeof info) &&
+           static_cast<std::uint64_t>(info.AllocationSize.QuadPart) >= size;
+  }
+
   Handle handle_;
   std::string name_;
   std::atomic<std::uint64_t> size_;  ///< asked while another thread writes

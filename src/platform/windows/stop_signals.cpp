@@ -32,13 +32,13 @@ StopSignals::StopSignals(void (*handler)(void*), void* argument) {
   g_seen = 0;
   g_argument = argument;
   g_handler = handler;
-  ::SetConsoleCtrlHandler(OnRequest, TRUE);
+  static const BOOL installed = ::SetConsoleCtrlHandler(OnRequest, TRUE);
+  static_cast<void>(installed);
 }
 
-StopSignals::~StopSignals() {
-  ::SetConsoleCtrlHandler(OnRequest, FALSE);
-  g_handler = nullptr;
-}
+// It stays installed: while a request is answered, the list of handlers is locked, and the run would wait for the
+// answer that waits for the run.
+StopSignals::~StopSignals() { g_handler = nullptr; }
 
 // Writes fail as they are here; but a medium that is not in its drive must not be asked for in a box.
 void LetWritesFail() { ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX); }
