@@ -19,7 +19,10 @@ test_packages=(
 )
 
 # To build for Windows, and to run that here. Libraries that no package has are made from source packages.
-windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev icu-devtools dpkg-dev make ccache googletest python3 wine64)
+windows_packages=(
+  g++-mingw-w64-x86-64-posix libz-mingw-w64-dev icu-devtools dpkg-dev make librsvg2-bin nsis
+  ccache googletest python3 wine64
+)
 
 # need PACKAGE...: installs those that are missing; asks for nothing when all are there.
 need() {
