@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 
 namespace velmora {
@@ -51,7 +52,7 @@ void SaveMails(benchmark::State& state, std::size_t bodySize, std::size_t attach
     std::filesystem::remove(path);
     messaging::PstLibrary library({.configFolder = {}});
     const auto session = library.CreateRDOSession();
-    const auto top = session->Stores()->AddPSTStore(text::FromFileName(path.string()), u"Bench")->IPMRootFolder();
+    const auto top = session->Stores()->AddPSTStore(platform::TextOfPath(path), u"Bench")->IPMRootFolder();
     const auto items = top->Folders()->Add(u"Inbox", output::FolderType())->Items();
     for (int i = 0; i < count; ++i) SaveMail(*items, i, bodySize, attachmentSize != 0 ? &content : nullptr);
     if (!library.Seal()) state.SkipWithError("the store cannot be sealed");

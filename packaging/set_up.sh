@@ -18,6 +18,12 @@ test_packages=(
   xvfb openbox xdotool x11-utils
 )
 
+# To build for Windows, and to run that here. Libraries that no package has are made from source packages.
+windows_packages=(
+  g++-mingw-w64-x86-64-posix libz-mingw-w64-dev icu-devtools dpkg-dev make librsvg2-bin nsis
+  ccache googletest python3 wine64
+)
+
 # need PACKAGE...: installs those that are missing; asks for nothing when all are there.
 need() {
   local missing=() package

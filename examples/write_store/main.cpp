@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstdio>
 
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 #include "text/calendar.h"
 
@@ -16,7 +17,7 @@ int main(int argc, char** argv) {
   try {
     messaging::PstLibrary library({.configFolder = "."});
     const auto session = library.CreateRDOSession();
-    const auto store = session->Stores()->AddPSTStore(text::FromFileName(argv[1]), u"An example");
+    const auto store = session->Stores()->AddPSTStore(platform::TextOfPath(argv[1]), u"An example");
     const auto folder = store->IPMRootFolder()->Folders()->Add(u"Letters", text::Text(u"IPF.Note"));
 
     const auto mail = folder->Items()->Add(u"IPM.Note");

@@ -8,6 +8,7 @@
 #include "cli/complete_result_text.h"
 #include "cli/place_words.h"
 #include "cli/result_text.h"
+#include "platform/path_text.h"
 
 namespace velmora::cli {
 namespace {
@@ -25,7 +26,7 @@ bool IsPage(const std::string& path) {
 CompleteConversion::CompleteConversion(const Options& options, const text::Text& source,
                                        const platform::SourceOpener& openSource)
     : options_(options) {
-  request_.source = text::ToFileName(source);
+  request_.source = platform::PathOf(source);
   request_.copy.hidden = options.hidden;
   request_.copy.deleted = options.deleted;
   request_.copy.codePage = options.codePage;
@@ -37,14 +38,14 @@ CompleteConversion::CompleteConversion(const Options& options, const text::Text&
 }
 
 conversion::RunEnd CompleteConversion::Run(const text::Text& destination) {
-  request_.destination = text::ToFileName(destination);
+  request_.destination = platform::PathOf(destination);
   const conversion::RunEnd end = conversion::RunComplete(request_, run_, report_);
   isStopped_ = end == conversion::RunEnd::kStopped;
   return end;
 }
 
 text::Text CompleteConversion::Destination() const {
-  return text::FromFileName((HasStore() ? report_.store : request_.destination).string());
+  return platform::TextOfPath(HasStore() ? report_.store : request_.destination);
 }
 
 ExitCode CompleteConversion::CodeOfDone() const {

@@ -10,6 +10,7 @@
 #include "cli/page/loss_list.h"
 #include "cli/page/summary.h"
 #include "cli/plain_words.h"
+#include "platform/path_text.h"
 
 namespace velmora::cli {
 namespace {
@@ -82,7 +83,7 @@ void WriteKinds(const Account& account, const ReportSink& sink) {
 void WriteCompleteReportHtml(const ReportFrame& frame, const conversion::CompleteReport& report, const page::Run& run,
                              const ReportSink& sink) {
   const text::TextView source = frame.source;
-  const text::TextView name = source.substr(source.find_last_of(u'/') + 1);
+  const text::Text name = platform::TextOfPath(platform::PathOf(source).filename());
   sink("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n");
   sink(
       fmt::format("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src '{}'; "

@@ -12,6 +12,8 @@
 #include "cli/field_conversion.h"
 #include "conversion/free_space.h"
 #include "conversion/notices.h"
+#include "platform/file_system.h"
+#include "platform/path_text.h"
 #include "platform/process.h"
 #include "platform/stop_signals.h"
 #include "platform/terminal.h"
@@ -35,9 +37,17 @@ ProgressStyle StyleOfTerminal(const Options& options) {
 
 /// A path as the run has it: absolute, whatever folder the program was started in.
 text::Text FullPath(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path full = std::filesystem::absolute(path, error);
-  return text::FromFileName(error ? path : full.string());
+  return platform::TextOfPath(platform::AbsolutePath(platform::PathOf(path)));
+}
+
+/// A separator at its end says nothing; where it is a backslash, the base-folder rule would take the path for a drive's
+/// root.
+text::Text FullFolder(const std::string& path) {
+  std::filesystem::path full = platform::AbsolutePath(platform::PathOf(path));
+  if (std::filesystem::path::preferred_separator == '\\') {
+    while (!full.has_filename() && full.has_relative_path()) full = full.parent_path();
+  }
+  return platform::TextOfPath(full);
 }
 
 std::unique_ptr<Conversion> MakeConversion(const Options& options, const text::Text& source, RunTargets& targets,
@@ -146,7 +156,7 @@ class ConvertCommand {
   const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
   const Options& options_;
   const text::Text source_ = FullPath(options_.source);
-  const text::Text destination_ = FullPath(options_.destination);
+  const text::Text destination_ = FullFolder(options_.destination);
   platform::Workers workers_;
   RunTargets targets_;
   Progress progress_;

@@ -1,8 +1,7 @@
 #include "cli/field_conversion.h"
 
-#include <filesystem>
-
 #include "cli/result_text.h"
+#include "platform/path_text.h"
 
 namespace velmora::cli {
 
@@ -14,7 +13,7 @@ FieldConversion::FieldConversion(const Options& options, const text::Text& sourc
   state_.run.smartScan = options.smart;
   state_.codePage = options.codePage;
   state_.sourcePath = source;
-  state_.sourceFileName = text::FromFileName(std::filesystem::path(options.source).filename().string());
+  state_.sourceFileName = platform::TextOfPath(platform::PathOf(options.source).filename());
   outLook_.logEnabled = options.log;
 }
 

@@ -2,6 +2,8 @@
 
 #include <span>
 
+#include "platform/path_text.h"
+
 namespace velmora::cli {
 namespace {
 
@@ -10,7 +12,7 @@ constexpr std::size_t kPiece = 256 * 1024;
 }  // namespace
 
 platform::Result<OutputFile> OutputFile::Create(const std::string& path) {
-  auto file = platform::CreateFile(path, platform::Existing::kRefuse);
+  auto file = platform::CreateFile(platform::PathOf(path), platform::Existing::kRefuse);
   if (!file) return tl::unexpected(file.error());
   return OutputFile(std::move(*file));
 }

@@ -1,6 +1,7 @@
 #include <new>
 
 #include "cli/convert_command.h"
+#include "platform/arguments.h"
 #include "platform/stop_signals.h"
 #include "platform/terminal.h"
 
@@ -10,7 +11,7 @@ int main(int argc, char** argv) {
   using velmora::platform::StandardStream;
 
   velmora::platform::LetWritesFail();
-  const auto parsed = velmora::cli::ParseCommandLine(argc, argv);
+  const auto parsed = velmora::cli::ParseCommandLine(velmora::platform::ProgramArguments(argc, argv));
   if (const auto* answer = std::get_if<Answer>(&parsed)) {
     const bool isMistake = answer->code != ExitCode::kDone;
     const auto written =

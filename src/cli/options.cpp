@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
 
 #include "cli/version.h"
 
@@ -62,7 +64,7 @@ std::string HelpText() {
   return text;
 }
 
-std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv) {
+std::variant<Options, Answer> ParseCommandLine(std::vector<std::string> words) {
   Options options;
   std::string codePage;
   bool help = false;
@@ -70,6 +72,7 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
 
   CLI::App app;
   app.set_help_flag();
+  app.allow_windows_style_options(false);  // "/x" is a path wherever the program runs
   app.add_flag("--help", help);
   app.add_flag("--version", version);
   app.add_flag("--complete", options.complete);
@@ -93,7 +96,8 @@ std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv
     return Answer{ExitCode::kUsage, fmt::format("velmora-convert: {}\nTry 'velmora-convert --help'.\n", what)};
   };
   try {
-    app.parse(argc, argv);
+    std::reverse(words.begin(), words.end());  // as the parser takes them
+    app.parse(std::move(words));
   } catch (const CLI::ParseError& error) {
     return mistake(error.what());
   }

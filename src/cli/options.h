@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "cli/exit_codes.h"
 #include "platform/workers.h"
@@ -37,7 +38,9 @@ struct Answer {
   std::string text;
 };
 
-std::variant<Options, Answer> ParseCommandLine(int argc, const char* const* argv);
+/// Takes the words behind the program's name. Of the options, what names a file is in the form of
+/// platform::BytesOfPath.
+std::variant<Options, Answer> ParseCommandLine(std::vector<std::string> words);
 
 /// What --help says.
 std::string HelpText();

@@ -2,6 +2,7 @@
 
 #include "output/trace/tee.h"
 #include "output/trace/trace_library.h"
+#include "platform/path_text.h"
 #include "platform/terminal.h"
 #include "store/messaging/pst_library.h"
 
@@ -48,7 +49,7 @@ conversion::RunOutput RunTargets::MakeOutput() {
 }
 
 text::Text RunTargets::TemporaryFolder() const {
-  return temporary_ ? text::FromFileName(temporary_->Path().string()) : text::Text();
+  return temporary_ ? platform::TextOfPath(temporary_->Path()) : text::Text();
 }
 
 text::Text RunTargets::Shown(const text::Text& path, const text::Text& destination) const {

@@ -4,6 +4,8 @@
 #include "conversion/out_look.h"
 #include "conversion/run_log.h"
 #include "engine/proven_store.h"
+#include "platform/file_system.h"
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 #include "store/messaging/store_writer.h"
 #include "text/text.h"
@@ -66,12 +68,12 @@ class CompleteRun {
     for (std::size_t i = 1; i < std::min(report_.others.size(), kStoresNamed); ++i) {
       message += ", " + std::to_string(report_.others[i].from);
     }
-    return {platform::FailureKind::kNotFound, request_.source.string(), request_.at, message};
+    return {platform::FailureKind::kNotFound, platform::BytesOfPath(request_.source), request_.at, message};
   }
 
   void MakeStore() {
     run_.BeginStage(3);
-    const std::string name = request_.source.stem().string() + " Converted";
+    const text::Text name = platform::TextOfPath(request_.source.stem()) + u" Converted";
     auto file = request_.dryRun ? platform::CreateUnnamedFile() : CreateFileIn(FreeFolder(name), name);
     if (!file) return run_.Abort({NoticeKind::kStoreNotMade, {}, file.error()});
     StartLog();
@@ -80,7 +82,7 @@ class CompleteRun {
     options.codePage = request_.copy.codePage;
     options.workers = run_.workers;
     try {
-      target_ = messaging::StoreWriter::Create(std::move(*file), text::FromFileName(name), options);
+      target_ = messaging::StoreWriter::Create(std::move(*file), name, options);
     } catch (const output::OutputFailure& failure) {
       report_.store.clear();  // what lies there is no store yet
       run_.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
@@ -88,9 +90,9 @@ class CompleteRun {
   }
 
   /// A new folder for the store: "NAME0", or the next number that no folder has.
-  platform::Result<std::filesystem::path> FreeFolder(const std::string& name) {
+  platform::Result<std::filesystem::path> FreeFolder(const text::Text& name) {
     for (std::uint32_t number = 0;; ++number) {
-      const std::filesystem::path folder = request_.destination / (name + std::to_string(number));
+      const std::filesystem::path folder = request_.destination / platform::PathOf(name + text::Decimal(number));
       const auto made = platform::CreateFolder(folder);
       if (made) return folder;
       if (made.error().kind != platform::FailureKind::kExists) return tl::unexpected(made.error());
@@ -98,9 +100,9 @@ class CompleteRun {
   }
 
   platform::Result<std::unique_ptr<platform::ByteStore>> CreateFileIn(
-      const platform::Result<std::filesystem::path>& folder, const std::string& name) {
+      const platform::Result<std::filesystem::path>& folder, const text::Text& name) {
     if (!folder) return tl::unexpected(folder.error());
-    report_.store = *folder / (name + ".pst");
+    report_.store = *folder / platform::PathOf(name + u".pst");
     return platform::CreateFile(report_.store, platform::Existing::kRefuse);
   }
 
@@ -108,8 +110,8 @@ class CompleteRun {
     if (!request_.log || report_.store.empty()) return;
     log_.Open(report_.store.parent_path() / "LogInformation.log");
     run_.log = &log_;
-    run_.Log(u"Complete conversion\r\n\r\nSource File Path:" + text::FromFileName(request_.source.string()));
-    run_.Log(u"\r\n\r\nDestination File Path:" + text::FromFileName(report_.store.string()));
+    run_.Log(u"Complete conversion\r\n\r\nSource File Path:" + platform::TextOfPath(request_.source));
+    run_.Log(u"\r\n\r\nDestination File Path:" + platform::TextOfPath(report_.store));
     run_.Log(u"\r\n\r\nStart date and time : " + LogTime());
   }
 
@@ -137,8 +139,8 @@ class CompleteRun {
 
   void NoteNotWritten(const platform::Failure& cause) {
     const bool isFull = cause.kind == platform::FailureKind::kFull;
-    run_.Abort({isFull ? NoticeKind::kDiskFull : NoticeKind::kStoreNotWritten,
-                text::FromFileName(report_.store.string()), cause});
+    run_.Abort(
+        {isFull ? NoticeKind::kDiskFull : NoticeKind::kStoreNotWritten, platform::TextOfPath(report_.store), cause});
   }
 
   void Close(RunEnd& end) {
@@ -153,9 +155,8 @@ class CompleteRun {
     } catch (const engine::RunStopped&) {
       end = RunEnd::kStopped;
     }
-    std::error_code isGone;
-    const std::uint64_t sizeNow = std::filesystem::file_size(request_.source, isGone);
-    if (!isGone && openedSize_ && sizeNow > *openedSize_) report_.grownBy = sizeNow - *openedSize_;
+    const auto sizeNow = platform::FileSize(request_.source);
+    if (sizeNow && openedSize_ && *sizeNow > *openedSize_) report_.grownBy = *sizeNow - *openedSize_;
     if (store_ != nullptr) {
       report_.readFailure = store_->Bytes().FirstFailure();
       const engine::BadRanges unread = store_->Bytes().Unread();

@@ -4,6 +4,7 @@
 
 #include "engine/steps.h"
 #include "output/items/item_converters.h"
+#include "platform/path_text.h"
 #include "recovery/steps.h"
 
 namespace velmora::conversion {
@@ -27,7 +28,7 @@ void COutLook::OpenSource(const text::Text& path) {
     logHandle_ = std::make_unique<RunLogFile>();
     state_.run.log = logHandle_.get();
   }
-  engine::OpenSource(scan_, state_.run, text::ToFileName(path), openSource_);
+  engine::OpenSource(scan_, state_.run, platform::PathOf(path), openSource_);
 }
 
 void COutLook::ProbeFormat() {

@@ -17,7 +17,7 @@ struct RunState {
   /// `runEnded`, `runAborted`, `smartScan`, the observer, hold and stop.
   engine::RunContext run;
 
-  text::Text sourcePath;      ///< full path of the source, in the form of text::FromFileName
+  text::Text sourcePath;      ///< full path of the source, in the form of platform::TextOfPath
   text::Text sourceFileName;  ///< its last component
   /// The folder that the user chose; the set-up replaces it by the full path of the new store.
   text::Text destinationPath;

@@ -1,5 +1,6 @@
 #include "conversion/out_look.h"
 #include "platform/file.h"
+#include "platform/path_text.h"
 #include "platform/process.h"
 
 namespace velmora::conversion {
@@ -52,9 +53,10 @@ void COutLook::SetUpConversion(text::Text destination, const text::Text& name) {
 
 void COutLook::NameOutput(const text::Text& baseFolder, const text::Text& stem, const text::Text& number) {
   state_.convertedName = stem + u" Converted";
-  const text::Text folder = baseFolder + u"/" + state_.convertedName + number;
-  scan_.outputFolder = text::ToFileName(folder);
-  state_.destinationPath = folder + u"/" + state_.convertedName + u".pst";
+  constexpr auto kSeparator = static_cast<char16_t>(std::filesystem::path::preferred_separator);
+  const text::Text folder = baseFolder + kSeparator + state_.convertedName + number;
+  scan_.outputFolder = platform::PathOf(folder);
+  state_.destinationPath = folder + kSeparator + state_.convertedName + u".pst";
 }
 
 void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
@@ -102,7 +104,7 @@ void COutLook::CreateOutput(text::Text destination, const text::Text& name) {
     CloseSourceAndLog();
     return state_.run.Abort({NoticeKind::kStoreNotMade, {}, FailureOf(failure)});
   }
-  state_.logPath = text::FromFileName((scan_.outputFolder / "LogInformation.log").string());
+  state_.logPath = platform::TextOfPath(scan_.outputFolder / "LogInformation.log");
   if (logHandle_ != nullptr) WriteLogHeader();
 }
 
@@ -116,7 +118,7 @@ void COutLook::CreateDefaultFolders() {
 }
 
 void COutLook::WriteLogHeader() {
-  logHandle_->Open(text::ToFileName(state_.logPath));
+  logHandle_->Open(platform::PathOf(state_.logPath));
   state_.run.Log(u"Validation Successful");
   state_.run.Log(state_.run.smartScan ? u" in SmartScan Scan\n\n" : u" in Normal Scan\n\n");
   state_.run.Log(u"\r\n\r\nSource File Path:");

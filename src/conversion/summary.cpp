@@ -2,6 +2,7 @@
 
 #include "conversion/run_log.h"
 #include "platform/file.h"
+#include "platform/path_text.h"
 #include "recovery/folder_path.h"
 #include "store/format/classes.h"
 
@@ -29,7 +30,7 @@ std::int64_t FolderCounters::*CounterOf(text::TextView containerClass) {
 /// The end of the log of a run. Where the run keeps none there is nothing to write to.
 class LogEnd {
  public:
-  explicit LogEnd(text::TextView path) : file_(platform::OpenForWriting(text::ToFileName(path))) {}
+  explicit LogEnd(text::TextView path) : file_(platform::OpenForWriting(platform::PathOf(path))) {}
   void Write(text::TextView piece) {
     if (file_) AppendToLog(**file_, piece);
   }

@@ -1,14 +1,16 @@
 #include "platform/ini_file.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <system_error>
+#include <span>
+
+#include "platform/file.h"
+#include "platform/file_system.h"
+#include "platform/path_text.h"
 
 namespace velmora::platform {
 namespace {
 
-constexpr std::uintmax_t kLargestFile = 1 << 20;
+constexpr std::uint64_t kLargestFile = 1 << 20;
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -51,15 +53,16 @@ IniFile IniFile::Parse(std::string_view text) {
 }
 
 Result<IniFile> IniFile::Load(const std::filesystem::path& path) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error) return tl::unexpected(Failure{FailureKind::kNotFound, path.string(), {}, error.message()});
+  const auto file = OpenForReading(path);
+  if (!file) return tl::unexpected(file.error());
+  const std::uint64_t size = (*file)->Size();
   if (size > kLargestFile) {
-    return tl::unexpected(Failure{FailureKind::kNotSupported, path.string(), size, "too long for a settings file"});
+    return tl::unexpected(Failure{FailureKind::kNotSupported, BytesOfPath(path), size, "too long for a settings file"});
   }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, "cannot be opened"});
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  std::string text(size, '\0');
+  const auto read = (*file)->ReadAt(0, std::as_writable_bytes(std::span(text)));
+  if (!read) return tl::unexpected(read.error());
+  text.resize(*read);
   return Parse(text);
 }
 
@@ -103,16 +106,16 @@ std::string IniFile::ToText() const {
 }
 
 Result<void> IniFile::Save(const std::filesystem::path& path) const {
-  std::error_code error;
-  std::filesystem::create_directories(path.parent_path(), error);
-  const std::filesystem::path fresh = path.string() + ".new";
-  std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-  file << ToText();
-  file.close();
-  if (!file) return tl::unexpected(Failure{FailureKind::kDenied, fresh.string(), {}, "cannot be written"});
-  std::filesystem::rename(fresh, path, error);
-  if (error) return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, error.message()});
-  return {};
+  static_cast<void>(CreateFolders(path.parent_path()));  // what is wrong with it shows in the file
+  std::filesystem::path fresh = path;
+  fresh += ".new";
+  {
+    const auto file = CreateFile(fresh, Existing::kReplace);
+    if (!file) return tl::unexpected(file.error());
+    const std::string text = ToText();
+    if (const auto written = (*file)->WriteAt(0, std::as_bytes(std::span(text))); !written) return written;
+  }
+  return Replace(fresh, path);
 }
 
 }  // namespace velmora::platform

@@ -1,6 +1,7 @@
 // One copy of the program at a time.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 
 #include "platform/failure.h"
@@ -19,8 +20,8 @@ class InstanceLock {
   InstanceLock& operator=(InstanceLock&&) = delete;
 
  private:
-  explicit InstanceLock(int handle) : handle_(handle) {}
-  int handle_;
+  explicit InstanceLock(std::intptr_t handle) : handle_(handle) {}
+  std::intptr_t handle_;  ///< as the system has it
 };
 
 }  // namespace velmora::platform

@@ -1,8 +1,9 @@
 #include "platform/registry.h"
 
-#include <unistd.h>
-
 #include <charconv>
+
+#include "platform/file.h"
+#include "platform/file_system.h"
 
 namespace velmora::platform {
 namespace {
@@ -14,14 +15,12 @@ constexpr std::string_view kAsShipped = R"([Software\Microsoft\Windows\CurrentVe
 
 IniFile IniRegistry::Contents() const {
   if (Result<IniFile> file = IniFile::Load(file_)) return *file;
-  std::error_code ignored;
-  return std::filesystem::exists(file_, ignored) ? IniFile{} : IniFile::Parse(kAsShipped);
+  return Exists(file_) ? IniFile{} : IniFile::Parse(kAsShipped);
 }
 
 bool IniRegistry::Opens(std::string_view key) const {
   const IniFile contents = Contents();
-  std::error_code ignored;
-  const bool writable = !std::filesystem::exists(file_, ignored) || ::access(file_.c_str(), W_OK) == 0;
+  const bool writable = !Exists(file_) || OpenForWriting(file_);
   return writable && contents.HasSection(key) && contents.Value(key, "Access") != "Read";
 }
 

@@ -2,9 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 namespace velmora::platform {
@@ -22,13 +19,8 @@ struct Volume {
 /// Empty when the system does not tell.
 std::vector<Volume> MountedVolumes();
 
-/// The same from the text of a mount table (one line a mount, as the kernel lists them to a process).
-/// `isRemovable` is asked with a device's "major:minor", `isFolder` with a mount point.
-std::vector<Volume> ParseMountTable(std::string_view table, const std::function<bool(std::string_view)>& isRemovable,
-                                    const std::function<bool(const std::filesystem::path&)>& isFolder);
-
 struct FolderEntry {
-  std::string name;            ///< bytes as the file system holds them
+  std::filesystem::path name;
   bool isFolder = false;       ///< a folder of its own, not a link to one
   bool isOtherVolume = false;  ///< a folder at which another volume is mounted
 };

@@ -485,7 +485,7 @@ class RDOStores {
   /// The store added last.
   virtual Ref<RDOStore> DefaultStore() = 0;
   /// Creates the new store file and mounts it in the session. `path` is a path in the program's text form
-  /// (text::FromFileName). Raises STG_E_WRITEFAULT, STG_E_MEDIUMFULL or MAPI_E_COLLISION.
+  /// (platform::TextOfPath). Raises STG_E_WRITEFAULT, STG_E_MEDIUMFULL or MAPI_E_COLLISION.
   virtual Ref<RDOStore> AddPSTStore(text::TextView path, text::TextView displayName) = 0;
   /// Mounts a finished store for reading. `path` as above; raises STG_E_READFAULT.
   virtual Ref<RDOStore> OpenPSTStore(text::TextView path) = 0;

@@ -13,9 +13,6 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-/// A byte of a file name that is no UTF-8 travels as this lone surrogate plus the byte.
-constexpr char16_t kByteEscape = 0xDC00;
-
 char* PutUtf8(char* out, char32_t c) {
   std::int32_t length = 0;
   U8_APPEND_UNSAFE(out, length, static_cast<UChar32>(c));
@@ -42,42 +39,13 @@ Text Mapped(TextView text, Map map) {
   return out;
 }
 
-/// The text of UTF-8 bytes. `putInvalid` writes what stands for a byte that is not part of a valid sequence, one unit
-/// at most, and gives the new end; it is told whether the byte before was one too.
-template <class PutInvalid>
-Text DecodeUtf8(std::string_view bytes, PutInvalid putInvalid) {
-  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
-  const auto size = static_cast<std::int64_t>(bytes.size());
-  Text out(bytes.size(), u'\0');
-  char16_t* end = out.data();
-  bool broken = false;
-  for (std::int64_t at = 0; at < size;) {
-    const std::size_t run = PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii);
-    CopyUnits(data + at, run, end);
-    end += run;
-    at += static_cast<std::int64_t>(run);
-    if (run != 0) broken = false;
-    while (at < size && data[at] >= 0x80) {
-      UChar32 c = 0;
-      std::int64_t next = at;
-      U8_NEXT(data, next, size, c);
-      if (c >= 0) end = PutUtf16(end, static_cast<char32_t>(c));
-      for (; c < 0 && at < next; ++at) {
-        end = putInvalid(end, data[at], broken);
-        broken = true;
-      }
-      if (c >= 0) broken = false;
-      at = next;
-    }
-  }
-  out.resize(static_cast<std::size_t>(end - out.data()));
-  return out;
-}
+constexpr UChar32 AsciiFolded(UChar32 c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
 
-/// The bytes of a text, of whose code points from 0x80 on `put` writes each at the end that it gets, in four bytes at
-/// most.
-template <class Put>
-std::string EncodeUtf8(TextView text, Put put) {
+constexpr UChar32 AsciiCapital(UChar32 c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
+
+}  // namespace
+
+std::string ToUtf8(TextView text) {
   std::size_t most = 0;
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t run = PlainRun(text.data() + at, text.size() - at, kBeyondAscii);
@@ -94,30 +62,39 @@ std::string EncodeUtf8(TextView text, Put put) {
     while (at < text.size() && text[at] >= 0x80) {
       UChar32 c = 0;
       U16_NEXT(text.data(), at, text.size(), c);
-      end = put(end, static_cast<char32_t>(c));
+      end = PutUtf8(end, U_IS_SURROGATE(c) ? kReplacement : static_cast<char32_t>(c));
     }
   }
   out.resize(static_cast<std::size_t>(end - out.data()));
   return out;
 }
 
-constexpr UChar32 AsciiFolded(UChar32 c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
-
-constexpr UChar32 AsciiCapital(UChar32 c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
-
-char* PutCharacter(char* out, char32_t c) { return PutUtf8(out, U_IS_SURROGATE(c) ? kReplacement : c); }
-
-}  // namespace
-
-std::string ToUtf8(TextView text) { return EncodeUtf8(text, PutCharacter); }
-
 Text Decimal(std::int64_t number) { return FromUtf8(std::to_string(number)); }
 
 Text FromUtf8(std::string_view bytes) {
-  return DecodeUtf8(bytes, [](char16_t* end, unsigned char, bool again) {
-    if (!again) *end++ = static_cast<char16_t>(kReplacement);  // one for each malformed run
-    return end;
-  });
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  Text out(bytes.size(), u'\0');
+  char16_t* end = out.data();
+  bool broken = false;
+  for (std::int64_t at = 0; at < size;) {
+    const std::size_t run = PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii);
+    CopyUnits(data + at, run, end);
+    end += run;
+    at += static_cast<std::int64_t>(run);
+    if (run != 0) broken = false;
+    while (at < size && data[at] >= 0x80) {
+      UChar32 c = 0;
+      std::int64_t next = at;
+      U8_NEXT(data, next, size, c);
+      if (c >= 0) end = PutUtf16(end, static_cast<char32_t>(c));
+      if (c < 0 && !broken) *end++ = static_cast<char16_t>(kReplacement);  // one for each malformed run
+      broken = c < 0;
+      at = next;
+    }
+  }
+  out.resize(static_cast<std::size_t>(end - out.data()));
+  return out;
 }
 
 bool IsUtf8(std::string_view bytes) {
@@ -140,21 +117,6 @@ bool IsAscii(std::string_view bytes) {
 }
 
 bool IsAscii(TextView text) { return PlainRun(text.data(), text.size(), kBeyondAscii) == text.size(); }
-
-Text FromFileName(std::string_view bytes) {
-  return DecodeUtf8(bytes, [](char16_t* end, unsigned char byte, bool) {
-    *end++ = static_cast<char16_t>(kByteEscape + byte);
-    return end;
-  });
-}
-
-std::string ToFileName(TextView text) {
-  return EncodeUtf8(text, [](char* end, char32_t c) {
-    if (c < kByteEscape + 0x80 || c > kByteEscape + 0xFF) return PutCharacter(end, c);
-    *end++ = static_cast<char>(c - kByteEscape);
-    return end;
-  });
-}
 
 Text CaseFolded(TextView text) {
   return Mapped(text, [](UChar32 c) { return c < 0x80 ? AsciiFolded(c) : u_foldCase(c, U_FOLD_CASE_DEFAULT); });

@@ -25,13 +25,6 @@ bool IsAscii(TextView text);
 /// The number in decimal digits.
 Text Decimal(std::int64_t number);
 
-/// Text of a file name as the system gives it: UTF-8, and each byte that is not part of a valid sequence
-/// becomes the lone surrogate U+DC00 + byte, so that every file name travels through the program and back.
-Text FromFileName(std::string_view bytes);
-
-/// The reverse of FromFileName.
-std::string ToFileName(TextView text);
-
 /// Equality without regard to case (simple case folding of the Unicode standard, no locale).
 bool EqualIgnoringCase(TextView a, TextView b);
 

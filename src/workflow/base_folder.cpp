@@ -3,6 +3,7 @@
 #include <iterator>
 #include <string>
 
+#include "platform/file_system.h"
 #include "platform/ini_file.h"
 
 namespace velmora::workflow {
@@ -29,9 +30,8 @@ BaseFolder::BaseFolder(const std::filesystem::path& programFile)
       languageFile_(path_ / "Lang" / (ChosenLanguage(Settings()) + ".INI")) {}
 
 std::filesystem::path BaseFolder::Help() const {
-  std::error_code ignored;
   const std::filesystem::path help = path_ / "vm-oxp.chm";
-  return std::filesystem::exists(help, ignored) ? help : path_ / "vm-oxp.html";
+  return platform::Exists(help) ? help : path_ / "vm-oxp.html";
 }
 
 QString Language::Text(const char* key) const {

@@ -6,6 +6,8 @@
 #include <filesystem>
 
 #include "controls/display_class.h"
+#include "platform/file_system.h"
+#include "platform/path_text.h"
 #include "resources/texts.h"
 #include "workflow/qt_text.h"
 #include "workflow/wizard_frame.h"
@@ -25,9 +27,7 @@ CCustom2Dlg::CCustom2Dlg(WizardFrame& frame, TemplateId previous)
   OnClick(kNextId, [this] { OnConvert(); });
   OnClick(kMainId, [this] { LeadToStart(); });
   connect(Control<QLineEdit>(kDestinationEditId), &QLineEdit::textChanged, this, [this] {
-    std::error_code ignored;
-    const std::filesystem::path path = text::ToFileName(frame_.State().destinationPath);
-    Control<QWidget>(kNextId)->setEnabled(std::filesystem::exists(path, ignored));
+    Control<QWidget>(kNextId)->setEnabled(platform::Exists(platform::PathOf(frame_.State().destinationPath)));
   });
 }
 

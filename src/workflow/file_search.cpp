@@ -3,24 +3,25 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/file_system.h"
+#include "platform/path_text.h"
 #include "platform/volumes.h"
 #include "text/text.h"
 
 namespace velmora::workflow {
 namespace {
 
-bool Matches(const std::string& name, std::string_view mask) {
-  const text::Text ending = text::FromFileName(mask.substr(mask.find('*') + 1));
-  const text::Text whole = text::FromFileName(name);
+bool Matches(const std::filesystem::path& name, std::string_view mask) {
+  const text::Text ending = text::FromUtf8(mask.substr(mask.find('*') + 1));
+  const text::Text whole = platform::TextOfPath(name);
   return whole.size() >= ending.size() &&
          text::EqualIgnoringCase(text::TextView(whole).substr(whole.size() - ending.size()), ending);
 }
 
 /// The folder may be named by a road of its own: through a link, or from above.
 bool IsOneOf(const MountPoints& drives, const std::filesystem::path& folder) {
-  std::error_code error;
-  const std::filesystem::path place = std::filesystem::canonical(folder, error);
-  return !error && std::find(drives.begin(), drives.end(), place) != drives.end();
+  const auto place = platform::RealPath(folder);
+  return place && std::find(drives.begin(), drives.end(), *place) != drives.end();
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include "platform/path_text.h"
 #include "platform/shell.h"
 #include "resources/menus.h"
 #include "resources/string_table.h"
@@ -152,7 +153,7 @@ void CMainFrame::OnCommand(std::uint16_t id) {
 }
 
 void CMainFrame::OpenHelp(QWidget* owner) {
-  const std::string help = base_.Help().string();
+  const std::string help = platform::BytesOfPath(base_.Help());
   OpenWithShell(help, [this, help, near = QPointer<QWidget>(owner)](int code) {
     QWidget* over = near != nullptr && near->isVisible() ? near.data() : nullptr;
     if (code == platform::kShellFileNotFound || code == platform::kShellPathNotFound) {
@@ -182,8 +183,9 @@ void CMainFrame::OpenWithShell(const std::string& target, std::function<void(int
 
 void CMainFrame::TellShellFailure(QWidget* owner, int code, const std::string& target, text::TextView title) {
   const text::TextView reason = LinkFailureText(code);
-  ShowBox(owner, text::Text(reason.empty() ? kNothingOpens : reason) + u"\n" + text::FromFileName(target), title,
-          BoxIcon::Error);
+  ShowBox(owner,
+          text::Text(reason.empty() ? kNothingOpens : reason) + u"\n" + platform::TextOfPath(platform::PathOf(target)),
+          title, BoxIcon::Error);
 }
 
 void CMainFrame::StartUpdateHelper() {

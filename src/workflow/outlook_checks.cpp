@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/path_text.h"
+
 namespace velmora::workflow {
 namespace {
 
@@ -31,8 +33,8 @@ bool IsOutlook2000InInternetMode(const platform::Registry& registry) {
 
 void ChangeOutlook2000Mode(const Services& services) {
   if (!IsOutlookRunning(services)) {
-    services.openWithShell((services.programFilesFolder() / "Microsoft Office" / "Office" / "OUTLOOK.EXE").string(),
-                           {});
+    services.openWithShell(
+        platform::BytesOfPath(services.programFilesFolder() / "Microsoft Office" / "Office" / "OUTLOOK.EXE"), {});
   }
   if (!services.registry->Opens(kOutlook2000Key)) return;
   const auto mode = services.registry->Query(kOutlook2000Key, kMailSupport);

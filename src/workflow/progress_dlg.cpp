@@ -8,6 +8,7 @@
 
 #include "controls/display_class.h"
 #include "controls/transparent_static.h"
+#include "platform/path_text.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/boxes.h"
@@ -76,8 +77,7 @@ void CProgressDlg::OnRunEnd() {
   Control<QWidget>(kFinishId)->setFocus();
   endPicture_.Load(229, "BITMAP");
   update();
-  const std::string folder =
-      std::filesystem::path(text::ToFileName(frame_.State().destinationPath)).parent_path().string();
+  const std::string folder = platform::BytesOfPath(platform::PathOf(frame_.State().destinationPath).parent_path());
   frame_.OpenWithShell(folder, [&frame = frame_, folder, self = QPointer<CProgressDlg>(this)](int code) {
     frame.TellShellFailure(self, code, folder, LoadString(kInformationTitle));
   });

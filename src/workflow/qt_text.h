@@ -4,6 +4,7 @@
 #include <QString>
 #include <filesystem>
 
+#include "platform/path_text.h"
 #include "text/text.h"
 
 namespace velmora::workflow {
@@ -13,8 +14,8 @@ inline QString ToQt(text::TextView text) { return QString::fromUtf16(text.data()
 inline text::Text FromQt(const QString& text) { return text.toStdU16String(); }
 
 /// A path as text and back; every file name survives, whatever its bytes are.
-inline QString PathToQt(const std::filesystem::path& path) { return ToQt(text::FromFileName(path.native())); }
+inline QString PathToQt(const std::filesystem::path& path) { return ToQt(platform::TextOfPath(path)); }
 
-inline std::filesystem::path ToPath(const QString& text) { return text::ToFileName(FromQt(text)); }
+inline std::filesystem::path ToPath(const QString& text) { return platform::PathOf(FromQt(text)); }
 
 }  // namespace velmora::workflow

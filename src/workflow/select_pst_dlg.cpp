@@ -7,6 +7,7 @@
 #include "controls/display_class.h"
 #include "controls/file_rows.h"
 #include "controls/tx_list_ctrl.h"
+#include "platform/file_system.h"
 #include "resources/string_table.h"
 #include "resources/texts.h"
 #include "workflow/file_search.h"
@@ -47,8 +48,7 @@ void CSelectPstDlg::OnBrowse() {
 }
 
 void CSelectPstDlg::OnSourceChanged(const QString& text) {
-  std::error_code ignored;
-  Control<QWidget>(kNextId)->setEnabled(std::filesystem::exists(ToPath(text), ignored));
+  Control<QWidget>(kNextId)->setEnabled(platform::Exists(ToPath(text)));
 }
 
 CRepairProfileDlg::CRepairProfileDlg(WizardFrame& frame) : Page(frame, kProfileTemplate, controls::kProfileArtSize) {

@@ -7,6 +7,7 @@
 
 #include "conversion/free_space.h"
 #include "platform/instance_lock.h"
+#include "platform/path_text.h"
 #include "platform/process.h"
 #include "platform/shell.h"
 #include "platform/user_folders.h"
@@ -20,7 +21,7 @@ std::vector<std::filesystem::path> ProfileFolders() {
   const std::filesystem::path outlook = std::filesystem::path("Microsoft") / "Outlook";
   if (const auto data = platform::DataFolder()) folders.push_back(*data / outlook);
   if (const auto drive = platform::WindowsDrive()) {
-    const std::filesystem::path user = *drive / "users" / platform::UserName();
+    const std::filesystem::path user = *drive / "users" / platform::PathOf(platform::UserName());
     folders.push_back(user / "AppData" / "Local" / outlook);
     folders.push_back(user / "Local Settings" / "Application Data" / outlook);
   }

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "complete/complete_fixture.h"
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 
 namespace velmora::complete {
@@ -136,7 +137,7 @@ TEST_P(RecoveredTest, TheOperationsBehindThePanesOpenTheNewStore) {
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   messaging::PstLibrary library({.configFolder = folder_.Path()});
   const auto session = library.CreateRDOSession();
-  const auto top = session->Stores()->OpenPSTStore(text::FromFileName(path.string()))->IPMRootFolder();
+  const auto top = session->Stores()->OpenPSTStore(platform::TextOfPath(path))->IPMRootFolder();
   const auto inbox = top->Folders()->Item(u"Inbox");
   ASSERT_TRUE(inbox);
   ASSERT_EQ(inbox->Items()->Count(), 1);

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "platform/path_text.h"
+
 namespace velmora::conversion {
 namespace {
 
@@ -27,13 +29,12 @@ TEST(FreeSpace, OfTheFreeMebibytesTheLow32BitsCount) {
 }
 
 TEST(FreeSpace, ASourceThatCannotBeOpenedCountsAsEmpty) {
-  EXPECT_TRUE(
-      HasEnoughFreeSpace(text::FromFileName(std::filesystem::temp_directory_path().string()), u"/no such file"));
+  EXPECT_TRUE(HasEnoughFreeSpace(platform::TextOfPath(std::filesystem::temp_directory_path()), u"/no such file"));
 }
 
 TEST(FreeSpace, ADestinationThatDoesNotExistIsMeasuredAtItsNearestFolder) {
   const auto path = std::filesystem::temp_directory_path() / "no such folder" / "nor this";
-  EXPECT_TRUE(HasEnoughFreeSpace(text::FromFileName(path.string()), u"/no such file"));
+  EXPECT_TRUE(HasEnoughFreeSpace(platform::TextOfPath(path), u"/no such file"));
   EXPECT_TRUE(HasEnoughFreeSpace(u"no such folder", u"/no such file"));
   EXPECT_TRUE(HasEnoughFreeSpace(u"", u"/no such file")) << "the current folder";
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "conversion/notices.h"
+#include "platform/path_text.h"
 
 namespace velmora::conversion {
 namespace {
@@ -143,7 +144,7 @@ void RunTest::StartOver(const std::string& destination) {
 }
 
 RunEnd RunTest::Run() {
-  state_.destinationPath = text::FromFileName(destination_.string());
+  state_.destinationPath = platform::TextOfPath(destination_);
   return RunConversion(outLook_, state_);
 }
 
@@ -159,8 +160,8 @@ void RunTest::MakeSource(const std::string& name, forge::Encoding encoding) {
 }
 
 void RunTest::UseSource(const std::filesystem::path& path) {
-  state_.sourcePath = text::FromFileName(path.string());
-  state_.sourceFileName = text::FromFileName(path.filename().string());
+  state_.sourcePath = platform::TextOfPath(path);
+  state_.sourceFileName = platform::TextOfPath(path.filename());
 }
 
 std::filesystem::path RunTest::WriteFile(const std::string& name, std::string_view bytes) {
@@ -172,7 +173,7 @@ std::filesystem::path RunTest::WriteFile(const std::string& name, std::string_vi
 std::vector<std::string> RunTest::Output() const {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(destination_)) {
-    names.push_back(std::filesystem::relative(entry.path(), destination_).string());
+    names.push_back(std::filesystem::relative(entry.path(), destination_).generic_string());
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "conversion/run_fixture.h"
+#include "platform/path_text.h"
 
 namespace velmora::conversion {
 namespace {
@@ -54,7 +55,7 @@ TEST(LogTime, IsWrittenInEnglish) {
 
 class LogOfARunTest : public RunTest {
  protected:
-  std::u16string Log() const { return ReadUtf16(text::ToFileName(state_.logPath)); }
+  std::u16string Log() const { return ReadUtf16(platform::PathOf(state_.logPath)); }
 };
 
 TEST_F(LogOfARunTest, WithTheSwitchOffThereIsNone) {

@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "conversion/run_fixture.h"
+#include "platform/path_text.h"
 
 namespace velmora::conversion {
 namespace {
@@ -20,7 +21,7 @@ class SummaryTest : public testing::Test {
 
   /// A log with nothing but its mark.
   void BeginLog() { std::ofstream(log_, std::ios::binary) << "\xFF\xFE"; }
-  text::Text Log() const { return text::FromFileName(log_.string()); }
+  text::Text Log() const { return platform::TextOfPath(log_); }
 
   platform::TemporaryFolder folder_ = platform::TemporaryFolder::Create().value();
   std::filesystem::path log_ = folder_.Path() / "LogInformation.log";

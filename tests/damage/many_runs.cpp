@@ -43,10 +43,7 @@ std::vector<std::string> FieldsOf(const std::string& line) {
   const itimerval most{{}, {static_cast<time_t>(seconds), 0}};
   ::setitimer(ITIMER_PROF, &most, nullptr);
   ::alarm(20 * seconds);
-  std::vector<char*> arguments;
-  fields[1] = "velmora-convert";
-  for (std::size_t i = 1; i < fields.size(); ++i) arguments.push_back(fields[i].data());
-  const auto parsed = velmora::cli::ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+  const auto parsed = velmora::cli::ParseCommandLine({fields.begin() + 2, fields.end()});
   const auto* options = std::get_if<velmora::cli::Options>(&parsed);
   std::exit(options == nullptr ? EXIT_FAILURE : static_cast<int>(velmora::cli::Convert(*options)));
 }

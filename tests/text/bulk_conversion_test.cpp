@@ -103,26 +103,11 @@ Text SlowFromUtf8(const std::string& bytes) {
   return out;
 }
 
-Text SlowFromFileName(const std::string& bytes) {
-  Text out;
-  std::size_t at = 0;
-  for (const UChar32 c : SequencesOf(bytes)) {
-    if (c < 0) out.push_back(static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(bytes[at])));
-    if (c >= 0) Append(out, c);
-    at += c < 0 ? 1 : U8_LENGTH(c);
-  }
-  return out;
-}
-
-std::string SlowToUtf8(const Text& text, bool escapes) {
+std::string SlowToUtf8(const Text& text) {
   std::string out;
   for (std::size_t i = 0; i < text.size();) {
     UChar32 c = 0;
     U16_NEXT(text.data(), i, text.size(), c);
-    if (escapes && c >= 0xDC80 && c <= 0xDCFF) {
-      out.push_back(static_cast<char>(c - 0xDC00));
-      continue;
-    }
     if (U_IS_SURROGATE(c)) c = 0xFFFD;
     std::uint8_t sequence[4];
     std::size_t length = 0;
@@ -175,8 +160,6 @@ TEST(BulkConversion, FromUtf8TakesAnyBytesAsOneAfterAnother) {
   for (int round = 0; round < kRounds; ++round) {
     const std::string bytes = maker.Bytes();
     ASSERT_EQ(FromUtf8(bytes), SlowFromUtf8(bytes)) << testing::PrintToString(bytes);
-    ASSERT_EQ(FromFileName(bytes), SlowFromFileName(bytes)) << testing::PrintToString(bytes);
-    ASSERT_EQ(ToFileName(FromFileName(bytes)), bytes) << testing::PrintToString(bytes);
   }
 }
 
@@ -184,8 +167,7 @@ TEST(BulkConversion, ToUtf8TakesAnyUnitsAsOneAfterAnother) {
   TextMaker maker;
   for (int round = 0; round < kRounds; ++round) {
     const Text text = maker.Units();
-    ASSERT_EQ(ToUtf8(text), SlowToUtf8(text, false)) << testing::PrintToString(text);
-    ASSERT_EQ(ToFileName(text), SlowToUtf8(text, true)) << testing::PrintToString(text);
+    ASSERT_EQ(ToUtf8(text), SlowToUtf8(text)) << testing::PrintToString(text);
   }
 }
 

@@ -1,6 +1,7 @@
 #include <QLineEdit>
 #include <QListView>
 
+#include "platform/path_text.h"
 #include "workflow/custom2_dlg.h"
 #include "workflow/custom_dlg.h"
 #include "workflow/harness.h"
@@ -162,7 +163,7 @@ TEST_F(BrowsePageTest, IsMadeAnewOnEachVisitThoughTheSourceStays) {
 TEST_F(BrowsePageTest, APathOfManyScriptsArrivesUnchanged) {
   const auto file = machine_.Write("почта 郵便.ost");
   Browse(file);
-  EXPECT_EQ(std::filesystem::path(text::ToFileName(State().sourcePath)), file);
+  EXPECT_EQ(platform::PathOf(State().sourcePath), file);
   EXPECT_TRUE(CanGoOn());
 }
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <string>
-#include <system_error>
 
 #include "platform/file.h"
+#include "platform/file_system.h"
 #include "store/messaging/failures.h"
 
 namespace velmora::messaging {
@@ -34,18 +34,16 @@ std::vector<text::Text> ProfileFile::Read() const {
 void ProfileFile::Write(const std::vector<text::Text>& names) const {
   std::string bytes;
   for (const text::Text& name : names) bytes += text::ToUtf8(name) + "\n";
-  std::error_code error;
-  std::filesystem::create_directories(folder_, error);
+  static_cast<void>(platform::CreateFolders(folder_));  // what is wrong with it shows in the file
   const std::filesystem::path fresh = folder_ / kNewFileName;
   AsOperation([&] {
     const auto file = ValueOrRaise(platform::CreateFile(fresh, platform::Existing::kReplace));
     ValueOrRaise(file->WriteAt(0, std::as_bytes(std::span(bytes))));
     ValueOrRaise(file->Flush());
   });
-  std::filesystem::rename(fresh, folder_ / kFileName, error);
-  if (error) {
+  if (const auto replaced = platform::Replace(fresh, folder_ / kFileName); !replaced) {
     throw output::OutputFailure(output::ResultCode::STG_E_WRITEFAULT,
-                                "The list of profiles cannot be replaced: " + error.message());
+                                "The list of profiles cannot be replaced: " + replaced.error().message);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/file.h"
+#include "platform/path_text.h"
 #include "store/messaging/failures.h"
 #include "store/messaging/mail_item.h"
 #include "store/messaging/opened_store.h"
@@ -138,7 +139,7 @@ class StoresObject : public output::RDOStores {
   }
 
   Ref<output::RDOStore> AddPSTStore(text::TextView path, text::TextView displayName) override {
-    const std::filesystem::path file = text::ToFileName(path);
+    const std::filesystem::path file = platform::PathOf(path);
     auto bytes = AsOperation([&] { return ValueOrRaise(platform::CreateFile(file, platform::Existing::kRefuse)); });
     try {
       auto store = StoreWriter::Create(std::move(bytes), displayName, library_->options);
@@ -152,7 +153,7 @@ class StoresObject : public output::RDOStores {
 
   Ref<output::RDOStore> OpenPSTStore(text::TextView path) override {
     return Mount(
-        OpenedStore::Open(AsReading([&] { return ValueOrRaise(platform::OpenForReading(text::ToFileName(path))); })));
+        OpenedStore::Open(AsReading([&] { return ValueOrRaise(platform::OpenForReading(platform::PathOf(path))); })));
   }
 
  private:

@@ -4,6 +4,7 @@
 
 #include "conversion/notices.h"
 #include "conversion/worker.h"
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 
 namespace velmora::kinds {
@@ -33,9 +34,9 @@ Conversion::Conversion(const forge::Image& source, const std::string& name) {
   conversion::RunState state;
   BoxesOf boxes;
   state.run.observer = &boxes;
-  state.sourcePath = text::FromFileName(path.string());
-  state.sourceFileName = text::FromFileName(name);
-  state.destinationPath = text::FromFileName(out.string());
+  state.sourcePath = platform::TextOfPath(path);
+  state.sourceFileName = text::FromUtf8(name);
+  state.destinationPath = platform::TextOfPath(out);
   conversion::COutLook outLook(state, [&] {
     auto library = std::make_shared<messaging::PstLibrary>(options);
     return conversion::RunOutput{library, [library] { return library->Seal(); }};
@@ -45,14 +46,14 @@ Conversion::Conversion(const forge::Image& source, const std::string& name) {
     throw std::runtime_error("the conversion failed: " + boxes.said);
   }
   report_ = outLook.Report();
-  store_ = text::ToFileName(state.destinationPath);
+  store_ = platform::PathOf(state.destinationPath);
   library_ = std::make_unique<messaging::PstLibrary>(options);
 }
 
 Ref<output::RDOSession> Conversion::Session() {
   if (!session_) {
     session_ = library_->CreateRDOSession();
-    opened_ = session_->Stores()->OpenPSTStore(text::FromFileName(store_.string()));
+    opened_ = session_->Stores()->OpenPSTStore(platform::TextOfPath(store_));
   }
   return session_;
 }

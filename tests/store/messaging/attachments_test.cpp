@@ -1,5 +1,6 @@
 // Attachments: files, messages within messages, contact pictures.
 #include "platform/memory_file.h"
+#include "platform/path_text.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 #include "store/messaging/items/item_attachments.h"
@@ -293,7 +294,7 @@ TEST_F(AttachmentsTest, OfAnItemThatIsSavedTwiceAreThereOnce) {
 TEST_F(AttachmentsTest, CannotBeItemsOfAnotherStore) {
   const auto other = folder_.path() / "other.pst";
   const auto session = library_->CreateRDOSession();
-  const auto top = session->Stores()->AddPSTStore(text::FromFileName(other.string()), u"Other")->IPMRootFolder();
+  const auto top = session->Stores()->AddPSTStore(platform::TextOfPath(other), u"Other")->IPMRootFolder();
   const auto item = NewItem();
   EXPECT_EQ(CodeOf([&] { item->Attachments()->Add(top->Items()->Add(u"IPM.Note"), u"x"); }), ResultCode::E_INVALIDARG);
   EXPECT_EQ(CodeOf([&] { item->Attachments()->Add(Ref<RDOMail>(), u"x"); }), ResultCode::E_POINTER);

@@ -4,6 +4,7 @@
 
 #include "forge/mailbox.h"
 #include "platform/memory_file.h"
+#include "platform/path_text.h"
 #include "store/format/checksum.h"
 #include "store/messaging/opened_store.h"
 #include "store/messaging/store_fixture.h"
@@ -108,7 +109,7 @@ TEST_F(DamagedStore, IsReadWithinBoundsWhateverItsBlocksHold) {
     std::ofstream(damaged, std::ios::binary) << file;
     const auto session = library_->CreateRDOSession();
     try {
-      const auto top = session->Stores()->OpenPSTStore(text::FromFileName(damaged.string()))->IPMRootFolder();
+      const auto top = session->Stores()->OpenPSTStore(platform::TextOfPath(damaged))->IPMRootFolder();
       ++opened;
       found += ReadAll(top, 0);
     } catch (const output::OutputFailure& failure) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/path_text.h"
+
 namespace velmora::messaging {
 namespace {
 
@@ -108,7 +110,7 @@ StoreTest::StoreTest()
     : library_(std::make_unique<PstLibrary>(
           PstLibraryOptions{folder_.path() / "config", kTestEpoch, text::CodePage::Lossless()})),
       session_(library_->CreateRDOSession()) {
-  top_ = session_->Stores()->AddPSTStore(text::FromFileName(path_.string()), u"Test store")->IPMRootFolder();
+  top_ = session_->Stores()->AddPSTStore(platform::TextOfPath(path_), u"Test store")->IPMRootFolder();
   inbox_ = top_->Folders()->Add(u"Inbox", std::monostate());
 }
 
@@ -128,7 +130,7 @@ void StoreTest::Close() {
 void StoreTest::Reopen() {
   Close();
   session_ = library_->CreateRDOSession();
-  top_ = session_->Stores()->OpenPSTStore(text::FromFileName(path_.string()))->IPMRootFolder();
+  top_ = session_->Stores()->OpenPSTStore(platform::TextOfPath(path_))->IPMRootFolder();
   inbox_ = top_->Folders()->Item(u"Inbox");
 }
 

@@ -1,6 +1,7 @@
 // New stores, their folders, and what is found of them when they are opened again.
 #include <fstream>
 
+#include "platform/path_text.h"
 #include "store/format/property_tags.h"
 #include "store/format/store_nodes.h"
 #include "store/messaging/store_fixture.h"
@@ -27,11 +28,11 @@ TEST_F(StoreTest, StartsWithItsTopFolderAndDeletedItems) {
 }
 
 TEST_F(StoreTest, IsNeverWrittenOverAFileThatExists) {
-  const auto add = [&] { session_->Stores()->AddPSTStore(text::FromFileName(path_.string()), u"Other"); };
+  const auto add = [&] { session_->Stores()->AddPSTStore(platform::TextOfPath(path_), u"Other"); };
   EXPECT_EQ(CodeOf(add), ResultCode::MAPI_E_COLLISION);
   const auto foreign = folder_.path() / "foreign.pst";
   std::ofstream(foreign) << "not ours";
-  EXPECT_EQ(CodeOf([&] { session_->Stores()->AddPSTStore(text::FromFileName(foreign.string()), u"Other"); }),
+  EXPECT_EQ(CodeOf([&] { session_->Stores()->AddPSTStore(platform::TextOfPath(foreign), u"Other"); }),
             ResultCode::MAPI_E_COLLISION);
   EXPECT_EQ(forge::TextOf(foreign), "not ours");
   EXPECT_EQ(session_->Stores()->DefaultStore()->IPMRootFolder()->Folders()->Count(), 2);
@@ -39,15 +40,14 @@ TEST_F(StoreTest, IsNeverWrittenOverAFileThatExists) {
 
 TEST_F(StoreTest, InAFolderThatIsNotThereIsAFailureOfWriting) {
   const auto path = folder_.path() / "nowhere" / "a.pst";
-  EXPECT_EQ(CodeOf([&] { session_->Stores()->AddPSTStore(text::FromFileName(path.string()), u"x"); }),
+  EXPECT_EQ(CodeOf([&] { session_->Stores()->AddPSTStore(platform::TextOfPath(path), u"x"); }),
             ResultCode::STG_E_WRITEFAULT);
 }
 
 TEST_F(StoreTest, ThatIsNoneCannotBeOpened) {
   const auto path = folder_.path() / "text.pst";
   std::ofstream(path) << std::string(2000, 'x');
-  EXPECT_EQ(CodeOf([&] { session_->Stores()->OpenPSTStore(text::FromFileName(path.string())); }),
-            ResultCode::STG_E_READFAULT);
+  EXPECT_EQ(CodeOf([&] { session_->Stores()->OpenPSTStore(platform::TextOfPath(path)); }), ResultCode::STG_E_READFAULT);
   EXPECT_EQ(CodeOf([&] { session_->Stores()->OpenPSTStore(u"/nowhere/a.pst"); }), ResultCode::STG_E_READFAULT);
 }
 
@@ -78,12 +78,12 @@ TEST_F(StoreTest, IsFoundByAnyNameThatASourceFileCanHave) {
     const auto path = folder_.path() / "odd.pst";
     std::filesystem::remove(path);
     auto session = library_->CreateRDOSession();
-    session->Stores()->AddPSTStore(text::FromFileName(path.string()), name);
+    session->Stores()->AddPSTStore(platform::TextOfPath(path), name);
     EXPECT_TRUE(session->GetFolderFromPath(u"\\\\" + name + u"\\Deleted Items"));
     ASSERT_TRUE(library_->Seal());
     if (name.size() > 255) continue;
     session = library_->CreateRDOSession();
-    session->Stores()->OpenPSTStore(text::FromFileName(path.string()));
+    session->Stores()->OpenPSTStore(platform::TextOfPath(path));
     EXPECT_TRUE(session->GetFolderFromPath(u"\\\\" + name + u"\\Deleted Items"));
   }
 }
@@ -248,7 +248,7 @@ TEST_F(StoreTest, OfTheSameOperationsAndEpochHasTheSameBytes) {
   const auto write = [&](const char* name) {
     const auto path = folder_.path() / name;
     const auto session = library_->CreateRDOSession();
-    const auto top = session->Stores()->AddPSTStore(text::FromFileName(path.string()), u"Same")->IPMRootFolder();
+    const auto top = session->Stores()->AddPSTStore(platform::TextOfPath(path), u"Same")->IPMRootFolder();
     for (int i = 0; i < 200; ++i) {
       const auto item = top->Folders()->Item(u"Deleted Items")->Items()->Add(u"IPM.Note");
       Put(item, output::Field::Subject, text::FromUtf8("Subject " + std::to_string(i)));

@@ -8,6 +8,7 @@
 
 #include "aids/shared_file.h"
 #include "platform/memory_file.h"
+#include "platform/path_text.h"
 #include "store/format/property_tags.h"
 #include "store/messaging/opened_store.h"
 #include "store/messaging/store_fixture.h"
@@ -136,7 +137,7 @@ void WriteAndDie(const std::filesystem::path& path, int milliseconds) {
   if (child == 0) {
     PstLibrary library({path.parent_path() / "config", kTestEpoch, text::CodePage::Lossless()});
     const auto session = library.CreateRDOSession();
-    const auto top = session->Stores()->AddPSTStore(text::FromFileName(path.string()), u"Test store")->IPMRootFolder();
+    const auto top = session->Stores()->AddPSTStore(platform::TextOfPath(path), u"Test store")->IPMRootFolder();
     const auto folder = top->Folders()->Add(u"Inbox", FolderType());
     for (int i = 0;; ++i) {
       const auto item = folder->Items()->Add(u"IPM.Note");
@@ -164,7 +165,7 @@ TEST_F(WholeStore, OfAProcessThatIsKilledOpensWithItsLastCommit) {
     if (!std::filesystem::exists(path) || std::filesystem::file_size(path) == 0) continue;
     SCOPED_TRACE("killed after " + std::to_string(milliseconds) + " ms");
     const auto session = library_->CreateRDOSession();
-    const auto top = session->Stores()->OpenPSTStore(text::FromFileName(path.string()))->IPMRootFolder();
+    const auto top = session->Stores()->OpenPSTStore(platform::TextOfPath(path))->IPMRootFolder();
     EXPECT_EQ(top->Folders()->At(0)->Name(), u"Deleted Items");
     const auto inbox = top->Folders()->Item(u"Inbox");
     if (!inbox) continue;

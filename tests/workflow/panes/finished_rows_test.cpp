@@ -1,4 +1,5 @@
 // Every row of every kind, read back from a store on disk: fields that no source can bring across included.
+#include "platform/path_text.h"
 #include "platform/user_folders.h"
 #include "store/messaging/pst_library.h"
 #include "workflow/panes/grid_rows.h"
@@ -15,7 +16,7 @@ class FinishedRowsTest : public testing::TestWithParam<KindCase> {
     options.configFolder = folder_.Path();
     return messaging::PstLibrary(std::move(options));
   }
-  text::Text Store() const { return text::FromFileName((folder_.Path() / "rows.pst").native()); }
+  text::Text Store() const { return platform::TextOfPath(folder_.Path() / "rows.pst"); }
 
   void Write(const KindCase& kind, const FieldValues& fields) const {
     const auto session = Library().CreateRDOSession();

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/path_text.h"
 #include "platform/user_folders.h"
 #include "workflow/panes/image_list.h"
 #include "workflow/panes/one_folder_session.h"
@@ -315,7 +316,7 @@ class FolderCountTest : public FolderTreeTest {
     Add(0x80A2);
     Add(4386, u"Orphaned Mails");
     std::ofstream(log_).close();
-    state_.logPath = text::FromFileName(log_.native());
+    state_.logPath = platform::TextOfPath(log_);
   }
 
   /// What stands in the log.

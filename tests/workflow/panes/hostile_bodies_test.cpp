@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "platform/path_text.h"
 #include "platform/user_folders.h"
 #include "store/messaging/pst_library.h"
 #include "workflow/panes/body_fixture.h"
@@ -239,7 +240,7 @@ TEST_F(HostileBodyTest, AMessageOfFiftyMegabytesOfHtmlShowsItsPlainText) {
   messaging::PstLibraryOptions options;
   options.configFolder = folder->Path();
   messaging::PstLibrary library(std::move(options));
-  const text::Text path = text::FromFileName((folder->Path() / "large.pst").native());
+  const text::Text path = platform::TextOfPath(folder->Path() / "large.pst");
   {
     const auto store = library.CreateRDOSession()->Stores()->AddPSTStore(path, u"Test Converted");
     const auto item =

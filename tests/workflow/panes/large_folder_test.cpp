@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "platform/path_text.h"
 #include "platform/process.h"
 #include "platform/user_folders.h"
 #include "store/messaging/pst_library.h"
@@ -64,7 +65,7 @@ class LargeFolderTest : public testing::Test {
     options.configFolder = folder_->Path();
     return messaging::PstLibrary(std::move(options));
   }
-  static text::Text StorePath() { return text::FromFileName((folder_->Path() / "large.pst").native()); }
+  static text::Text StorePath() { return platform::TextOfPath(folder_->Path() / "large.pst"); }
 
   LargeFolderTest() { finished_->Use(StorePath()); }
 

@@ -5,6 +5,7 @@
 #include <QTreeWidget>
 
 #include "output/trace/tee.h"
+#include "platform/path_text.h"
 #include "store/messaging/pst_library.h"
 #include "workflow/panes/grid_rows.h"
 #include "workflow/panes/whole_value.h"
@@ -53,9 +54,9 @@ conversion::RunOutput ResultFixture::MakeOutput() {
 conversion::RunEnd ResultFixture::Convert(const std::filesystem::path& source) {
   const std::filesystem::path destination = folder_.Path() / std::to_string(++runs_);
   std::filesystem::create_directory(destination);
-  state_.sourcePath = text::FromFileName(source.native());
-  state_.sourceFileName = text::FromFileName(source.filename().native());
-  state_.destinationPath = text::FromFileName(destination.native());
+  state_.sourcePath = platform::TextOfPath(source);
+  state_.sourceFileName = platform::TextOfPath(source.filename());
+  state_.destinationPath = platform::TextOfPath(destination);
   state_.run.runEnded = false;
   trace_.lines.clear();
   reader_.Release();

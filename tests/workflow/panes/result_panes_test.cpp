@@ -9,6 +9,7 @@
 
 #include "forge/demo_store.h"
 #include "forge/mailbox.h"
+#include "platform/path_text.h"
 #include "workflow/panes/forged_kinds.h"
 #include "workflow/panes/grid_rows.h"
 #include "workflow/panes/open_files.h"
@@ -306,7 +307,7 @@ TEST_F(PanesDuringARunTest, NothingIsReadFromAStoreThatIsBeingWritten) {
 
 TEST_F(ResultPanesTest, AStoreThatIsGoneShowsEmptyFolders) {
   Run(Demo());
-  std::filesystem::remove(text::ToFileName(state_.destinationPath));
+  std::filesystem::remove(platform::PathOf(state_.destinationPath));
   Select(*Folder(u"Inbox"));
   EXPECT_EQ(panes_.ListPane().RowCount(), 0);
   EXPECT_FALSE(panes_.ListBusy());
@@ -319,7 +320,7 @@ TEST_F(ResultPanesTest, TheSummaryIsWrittenWhenTheLogIsOn) {
   Run(Demo());
   const int inbox = int(Written(ToQt(PathOf(*Folder(u"Inbox")))).size());
   EXPECT_EQ(Folder(u"Inbox")->item->text(0), QString("Inbox(%1)").arg(inbox));
-  std::ifstream file(text::ToFileName(state_.logPath), std::ios::binary);
+  std::ifstream file(platform::PathOf(state_.logPath), std::ios::binary);
   const std::string bytes(std::istreambuf_iterator<char>(file), {});
   const QString log = QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.data()), qsizetype(bytes.size() / 2));
   EXPECT_TRUE(log.contains("-------------------Summary--------------------"));

@@ -1,4 +1,5 @@
 // Items as the operations promise them: reading and writing fields, saving, deleting, walking.
+#include "platform/path_text.h"
 #include "store/format/property_tags.h"
 #include "store/messaging/store_fixture.h"
 
@@ -192,7 +193,7 @@ TEST_F(ItemTest, NeverSavedLeavesNothing) {
   {
     const auto session = library_->CreateRDOSession();
     session->Stores()
-        ->AddPSTStore(text::FromFileName(empty.string()), u"Test store")
+        ->AddPSTStore(platform::TextOfPath(empty), u"Test store")
         ->IPMRootFolder()
         ->Folders()
         ->Add(u"Inbox", std::monostate());

@@ -11,7 +11,7 @@ namespace velmora::platform {
 
 Result<InstanceLock> InstanceLock::Take(const std::filesystem::path& file) {
   const auto failed = [&](FailureKind kind, int error) {
-    return tl::unexpected(Failure{kind, file.string(), {}, std::generic_category().message(error)});
+    return tl::unexpected(Failure{kind, file.native(), {}, std::generic_category().message(error)});
   };
   std::error_code ignored;
   std::filesystem::create_directories(file.parent_path(), ignored);
@@ -26,7 +26,7 @@ Result<InstanceLock> InstanceLock::Take(const std::filesystem::path& file) {
 }
 
 InstanceLock::~InstanceLock() {
-  if (handle_ >= 0) ::close(handle_);
+  if (handle_ >= 0) ::close(static_cast<int>(handle_));
 }
 
 }  // namespace velmora::platform

@@ -1,11 +1,6 @@
-#include "platform/volumes.h"
+#include "platform/posix/mount_table.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <fstream>
-
-#include "platform/user_folders.h"
 
 namespace velmora::platform {
 namespace {
@@ -16,7 +11,7 @@ std::vector<Volume> Parse(std::string_view table) {
       [](const std::filesystem::path& path) { return path != "/etc/hosts"; });
 }
 
-TEST(VolumesTest, ListsUsersVolumesSortedAndOnce) {
+TEST(MountTable, ListsUsersVolumesSortedAndOnce) {
   const std::vector<Volume> expected = {{"/", false}, {"/home", false}, {"/media/stick 1", true}};
   EXPECT_EQ(Parse("22 1 0:20 / /sys rw - sysfs sysfs rw\n"
                   "23 1 0:21 / /proc rw - proc proc rw\n"
@@ -31,12 +26,12 @@ TEST(VolumesTest, ListsUsersVolumesSortedAndOnce) {
             expected);
 }
 
-TEST(VolumesTest, ARemovableVolumeCountsWhereverItIsMounted) {
+TEST(MountTable, ARemovableVolumeCountsWhereverItIsMounted) {
   const std::vector<Volume> expected = {{"/run/media/me/STICK", true}};
   EXPECT_EQ(Parse("30 1 8:17 / /run/media/me/STICK rw - vfat /dev/sdb1 rw\n"), expected);
 }
 
-TEST(VolumesTest, TheTypeDecidesAndNotThePlace) {
+TEST(MountTable, TheTypeDecidesAndNotThePlace) {
   const std::vector<Volume> expected = {
       {"/", false}, {"/media/me/OLD", false}, {"/mnt", false}, {"/run/media/me/DISK", false}, {"/srv/share", false}};
   EXPECT_EQ(Parse("1 0 0:1 / / rw - overlay overlay rw\n"
@@ -56,46 +51,14 @@ TEST(VolumesTest, TheTypeDecidesAndNotThePlace) {
             expected);
 }
 
-TEST(VolumesTest, WhatIsMountedOverAVolumeHidesIt) {
+TEST(MountTable, WhatIsMountedOverAVolumeHidesIt) {
   EXPECT_EQ(Parse("1 0 8:2 / /mnt rw - ext4 /dev/sda2 rw\n2 1 0:9 / /mnt rw - tmpfs tmpfs rw\n"),
             std::vector<Volume>{});
 }
 
-TEST(VolumesTest, AFolderWhoseNameBeginsLikeASystemTreeIsNone) {
+TEST(MountTable, AFolderWhoseNameBeginsLikeASystemTreeIsNone) {
   const std::vector<Volume> expected = {{"/developers", false}};
   EXPECT_EQ(Parse("28 1 8:2 / /developers rw - ext4 /dev/sda2 rw\n"), expected);
-}
-
-TEST(VolumesTest, ThisMachineHasARootVolume) {
-  const std::vector<Volume> volumes = MountedVolumes();
-  ASSERT_FALSE(volumes.empty());
-  EXPECT_EQ(volumes.front().mountPoint, "/");
-}
-
-TEST(ListFolderTest, TellsFoldersFromFilesAndFollowsLinksToFilesAlone) {
-  const auto folder = TemporaryFolder::Create();
-  std::filesystem::create_directory(folder->Path() / "sub");
-  std::ofstream(folder->Path() / "file") << "x";
-  std::filesystem::create_symlink("file", folder->Path() / "to file");
-  std::filesystem::create_symlink("sub", folder->Path() / "to folder");
-  std::filesystem::create_symlink("nowhere", folder->Path() / "to nothing");
-  std::vector<std::string> found;
-  for (const FolderEntry& entry : ListFolder(folder->Path())) {
-    found.push_back((entry.isFolder ? "folder " : "file ") + entry.name);
-    EXPECT_FALSE(entry.isOtherVolume);
-  }
-  std::sort(found.begin(), found.end());
-  EXPECT_EQ(found, (std::vector<std::string>{"file file", "file to file", "folder sub"}));
-}
-
-TEST(ListFolderTest, AFolderThatCannotBeReadGivesNothing) { EXPECT_TRUE(ListFolder("/no such folder").empty()); }
-
-TEST(ListFolderTest, SeesWhereAnotherVolumeBegins) {
-  const auto root = ListFolder("/");
-  const auto proc =
-      std::find_if(root.begin(), root.end(), [](const FolderEntry& entry) { return entry.name == "proc"; });
-  ASSERT_NE(proc, root.end()) << "every Linux that runs programs mounts it";
-  EXPECT_TRUE(proc->isOtherVolume);
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ Result<TemporaryFolder> TemporaryFolder::Create() {
   std::error_code error;
   const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
   if (error) return tl::unexpected(Failure{FailureKind::kInputOutput, "temporary folder", {}, error.message()});
-  std::string name = (parent / "velmora-XXXXXX").string();
+  std::string name = (parent / "velmora-XXXXXX").native();
   if (::mkdtemp(name.data()) == nullptr) {
     return tl::unexpected(Failure{FailureKind::kDenied, name, {}, std::generic_category().message(errno)});
   }

@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <bit>
 #include <cerrno>
@@ -15,36 +13,14 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/posix/system_failure.h"
+#include "platform/zero_fill.h"
+
 static_assert(std::endian::native == std::endian::little, "numbers of a store are read as the host holds them");
 static_assert(sizeof(off_t) == 8, "stores above 2 GB");
 
 namespace velmora::platform {
 namespace {
-
-FailureKind KindOf(int error) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      return FailureKind::kNotFound;
-    case EEXIST:
-      return FailureKind::kExists;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EISDIR:
-      return FailureKind::kDenied;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-      return FailureKind::kFull;
-    default:
-      return FailureKind::kInputOutput;
-  }
-}
-
-tl::unexpected<Failure> Fail(int error, const std::string& object, std::optional<std::uint64_t> offset = {}) {
-  return tl::unexpected(Failure{KindOf(error), object, offset, std::generic_category().message(error)});
-}
 
 /// A file descriptor that is closed with its holder.
 class Descriptor {
@@ -116,20 +92,10 @@ class SystemFile : public ByteStore {
  private:
   Result<void> AllocateTo(std::uint64_t size) {
     while (::fallocate(descriptor_.Get(), 0, static_cast<off_t>(size_), static_cast<off_t>(size - size_)) != 0) {
-      if (errno == EOPNOTSUPP || errno == ENOSYS) return FillTo(size);
+      if (errno == EOPNOTSUPP || errno == ENOSYS) return FillWithZerosTo(*this, size);
       if (errno != EINTR) return Fail(errno, name_, size);
     }
     size_ = size;
-    return {};
-  }
-
-  /// Where a file system cannot set room aside, bytes that are there have theirs.
-  Result<void> FillTo(std::uint64_t size) {
-    static constexpr std::array<std::byte, 0x10000> kZeros{};
-    while (size_ < size) {
-      const std::size_t length = std::min<std::uint64_t>(kZeros.size(), size - size_);
-      if (auto written = WriteAt(size_, std::span(kZeros).first(length)); !written) return written;
-    }
     return {};
   }
 
@@ -141,13 +107,13 @@ class SystemFile : public ByteStore {
 Result<std::unique_ptr<ByteStore>> Open(const std::filesystem::path& path, int flags) {
   // O_NONBLOCK: a named pipe must not hold the program; regular files take no notice of it.
   Descriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0644));
-  if (descriptor.Get() < 0) return Fail(errno, path.string());
+  if (descriptor.Get() < 0) return Fail(errno, path);
   struct stat status {};
-  if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path.string());
-  if (S_ISDIR(status.st_mode)) return Fail(EISDIR, path.string());
+  if (::fstat(descriptor.Get(), &status) != 0) return Fail(errno, path);
+  if (S_ISDIR(status.st_mode)) return Fail(EISDIR, path);
   if (!S_ISREG(status.st_mode))
-    return tl::unexpected(Failure{FailureKind::kDenied, path.string(), {}, "no regular file"});
-  return std::make_unique<SystemFile>(std::move(descriptor), path.string(), static_cast<std::uint64_t>(status.st_size));
+    return tl::unexpected(Failure{FailureKind::kDenied, path.native(), {}, "no regular file"});
+  return std::make_unique<SystemFile>(std::move(descriptor), path.native(), static_cast<std::uint64_t>(status.st_size));
 }
 
 }  // namespace
@@ -165,9 +131,9 @@ Result<std::unique_ptr<ByteStore>> CreateFile(const std::filesystem::path& path,
 Result<std::unique_ptr<ByteStore>> CreateUnnamedFile() {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-  if (error) return Fail(error.value(), "temporary folder");
+  if (error) return Fail(error.value(), std::string("temporary folder"));
   // Not every file system has O_TMPFILE; a name that is unlinked at once does the same.
-  std::string name = (folder / "velmora-XXXXXX").string();
+  std::string name = (folder / "velmora-XXXXXX").native();
   Descriptor descriptor(::mkostemp(name.data(), O_CLOEXEC));
   if (descriptor.Get() < 0) return Fail(errno, name);
   ::unlink(name.c_str());
@@ -175,12 +141,12 @@ Result<std::unique_ptr<ByteStore>> CreateUnnamedFile() {
 }
 
 Result<void> CreateFolder(const std::filesystem::path& path) {
-  if (::mkdir(path.c_str(), 0755) != 0) return Fail(errno, path.string());
+  if (::mkdir(path.c_str(), 0755) != 0) return Fail(errno, path);
   return {};
 }
 
 Result<void> DeleteFile(const std::filesystem::path& path) {
-  if (::unlink(path.c_str()) != 0) return Fail(errno, path.string());
+  if (::unlink(path.c_str()) != 0) return Fail(errno, path);
   return {};
 }
 

@@ -1,9 +1,6 @@
-#include "platform/volumes.h"
-
-#include <sys/stat.h>
+#include "platform/posix/mount_table.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -38,16 +35,6 @@ bool IsOfTheSystem(const std::filesystem::path& mountPoint, std::string_view typ
   if (mountPoint == "/") return false;
   if (type == "vfat" && mountPoint.filename() == "efi") return true;
   return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
-}
-
-/// A partition says nothing itself; its disk, the folder above it, does.
-bool IsRemovableDevice(std::string_view device) {
-  const std::filesystem::path block = std::filesystem::path("/sys/dev/block") / device;
-  for (const std::filesystem::path& file : {block / "removable", block / ".." / "removable"}) {
-    char mark = 0;
-    if (std::ifstream(file) >> mark) return mark == '1';
-  }
-  return false;
 }
 
 }  // namespace
@@ -85,31 +72,6 @@ std::vector<Volume> ParseMountTable(std::string_view table, const std::function<
     volumes.push_back(std::move(mount.volume));
   }
   return volumes;
-}
-
-std::vector<Volume> MountedVolumes() {
-  std::ifstream file("/proc/self/mountinfo");
-  const std::string table{std::istreambuf_iterator<char>(file), {}};
-  return ParseMountTable(table, IsRemovableDevice, [](const std::filesystem::path& path) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(path, ignored);
-  });
-}
-
-std::vector<FolderEntry> ListFolder(const std::filesystem::path& folder) {
-  std::vector<FolderEntry> entries;
-  struct stat own {};
-  if (::lstat(folder.c_str(), &own) != 0) return entries;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    struct stat info {};
-    if (::lstat(entry->path().c_str(), &info) != 0) continue;
-    const bool isFolder = S_ISDIR(info.st_mode);
-    // A link counts by what it leads to, so that a link to a file is found; a link to a folder is none.
-    if (S_ISLNK(info.st_mode) && (::stat(entry->path().c_str(), &info) != 0 || S_ISDIR(info.st_mode))) continue;
-    entries.push_back({entry->path().filename().native(), isFolder, isFolder && info.st_dev != own.st_dev});
-  }
-  return entries;
 }
 
 }  // namespace velmora::platform

@@ -46,7 +46,7 @@ Result<std::filesystem::path> ProgramPath() {
 
 Result<void> StartProgram(const std::filesystem::path& file, const std::vector<std::string>& arguments,
                           std::function<void(bool well)> onEnd) {
-  std::string name = file.string();
+  std::string name = file.native();
   std::vector<std::string> words = arguments;
   std::vector<char*> argv{name.data()};
   for (std::string& word : words) argv.push_back(word.data());
@@ -71,7 +71,7 @@ std::vector<std::string> RunningPrograms() {
   std::vector<std::string> names;
   std::error_code error;
   for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end; entry.increment(error)) {
-    const std::string number = entry->path().filename().string();
+    const std::string number = entry->path().filename().native();
     if (!std::all_of(number.begin(), number.end(), [](unsigned char c) { return std::isdigit(c) != 0; })) continue;
     if (std::string name = NameOf(entry->path()); !name.empty()) names.push_back(std::move(name));
   }

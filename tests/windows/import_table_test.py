@@ -1,0 +1,22 @@
+"""The program for Windows is one file: what it is linked with comes with every Windows."""
+
+import re
+import subprocess
+import unittest
+
+import under_wine
+
+SYSTEM = {"ADVAPI32.dll", "KERNEL32.dll", "msvcrt.dll", "ole32.dll", "SHELL32.dll"}
+
+
+class ImportTable(unittest.TestCase):
+    def test_only_libraries_of_the_system_are_needed(self):
+        told = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", under_wine.PROGRAM], capture_output=True, text=True,
+                              check=True).stdout
+        needed = set(re.findall(r"DLL Name: (\S+)", told))
+        self.assertIn("KERNEL32.dll", needed)
+        self.assertEqual(set(), needed - SYSTEM)
+
+
+if __name__ == "__main__":
+    unittest.main()
