@@ -21,9 +21,10 @@ namespace {
 constexpr std::uint64_t kLostAtOnce = 256;
 constexpr std::uint64_t kMostLostAtOnce = 32768;
 
-/// Places at which something may end that are tried, for each byte of the source and besides; then only kLostAtOnce.
-constexpr std::uint64_t kTimesTried = 8;
-constexpr std::uint64_t kTriedAtLeast = std::uint64_t{1} << 28;
+/// Places at which something may end that are tried beyond kLostAtOnce for each end: for each byte of the source, and
+/// besides.
+constexpr std::uint64_t kTimesTried = 2;
+constexpr std::uint64_t kTriedAtLeast = std::uint64_t{1} << 26;
 
 /// Bytes without any finding, by which this is given up: no block is as long, and what is lost ahead of the next one
 /// may be more than is sought.
@@ -72,12 +73,10 @@ class LostByteSeeker {
     if (endOfSource < size || nearest - endOfSource > MostLost()) return;
     const std::uint64_t least = nearest - endOfSource;
     const std::uint64_t most = std::min(MostLost(), nearest - size);
-    tried_ += most - least;
+    tried_ += most - std::min(most, kLostAtOnce);
     const auto tails = stretch_.Ending(endOfSource, most - least + size);
     for (std::uint64_t lost = least; !tails.empty() && lost <= most; ++lost) {
       const auto tail = tails.subspan(most - lost, size);
-      // Four places for each byte of the source are looked at, and more, so the cheapest test is made apart.
-      if (layout_.LoadWord(tail, layout_.offBlockId) >= kBidLimit) continue;
       if (const auto block = SignedBlock(tail, end); block && Take(*block, end, lost)) return;
     }
     for (std::uint64_t lost = least; end % kSector == 0 && lost <= most; ++lost) {
@@ -133,8 +132,11 @@ class LostByteSeeker {
   }
 
   /// LF between it and the last thing that was found.
-  std::uint64_t EndsAhead(const SignedThing& thing) const {
-    return CountEnds(thing.start - lost_, thing.start - found_);
+  std::uint64_t EndsAhead(const SignedThing& thing) {
+    const std::uint64_t ahead = thing.start - found_;
+    if (summed_ > mostSummed_) return 0;
+    summed_ += ahead;
+    return CountEnds(thing.start - lost_, ahead);
   }
 
   std::optional<std::vector<std::size_t>> PlacesIn(std::span<const std::byte> stored, std::uint64_t lost,
