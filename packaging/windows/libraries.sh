@@ -23,7 +23,7 @@ mkdir -p "$folder/include" "$folder/lib/pkgconfig"
 mirror=$(apt-get indextargets --format '$(REPO_URI) $(CODENAME) $(COMPONENT)' 'Created-By: Packages' |
   awk '$2 == "bookworm" && $3 == "main" { print $1; exit }')
 mkdir -p "$work/lists/partial" "$work/sources"
-echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] ${mirror:-http://deb.debian.org/debian} bookworm main" \
+echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] ${mirror:?no source of packages of this release is known} bookworm main" \
   >"$work/sources.list"
 apt=(apt-get -q -o "Dir::Etc::SourceList=$work/sources.list" -o Dir::Etc::SourceParts=/dev/null
   -o "Dir::State::Lists=$work/lists" -o APT::Sandbox::User=root)
