@@ -14,7 +14,7 @@ install(EXPORT VelmoraStoreTargets NAMESPACE VelmoraStore:: DESTINATION ${store_
   COMPONENT store_library EXCLUDE_FROM_ALL)
 foreach(folder platform text store)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/${folder} DESTINATION include/velmora
-    COMPONENT store_library EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.h")
+    COMPONENT store_library EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.h" PATTERN posix EXCLUDE PATTERN windows EXCLUDE)
 endforeach()
 
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/VelmoraStoreConfigVersion.cmake COMPATIBILITY SameMajorVersion)

@@ -21,7 +21,7 @@ set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/lib/pkgconfig)
 # vectors of 32 on it: the assembler makes their moves such that it does not matter.
 set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -Wa,-muse-unaligned-vector-move")
 set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT} -DU_STATIC_IMPLEMENTATION")
-# One file that runs alone, without the names of its functions.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -s -Wl,--gc-sections")
+# One file that runs alone, without the names of its functions, and with the stack that it has elsewhere.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -s -Wl,--gc-sections -Wl,--stack,8388608")
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../tests/windows/wine)

@@ -21,6 +21,7 @@ PROGRAM = pathlib.Path(os.environ["VELMORA_CONVERT_EXE"])  # for Windows
 COMMAND = SOURCE / "tests" / "windows" / "velmora-convert"  # the same as a command of this machine
 TWIN = pathlib.Path(os.environ["VELMORA_CONVERT"])  # for this machine
 CONFIGURATION = "drive_c/users/*/AppData/Roaming/velmora"
+MEMORY = 512 << 20  # that a run may take; a limit of this machine would end wine itself
 EPOCH = "1700000000"
 OF_THE_RUN = ("seconds", "peakRssKiB", "source", "destination")  # and not of the store
 
@@ -91,6 +92,7 @@ class UnderWine(unittest.TestCase):
         self.assertTrue(report.is_file(), ended.stderr)
         known = json.loads(report.read_text("utf-8"))
         report.unlink()
+        self.assertLess(known["peakRssKiB"], MEMORY >> 10)
         for name in OF_THE_RUN:
             self.assertIn(name, known)
             del known[name]

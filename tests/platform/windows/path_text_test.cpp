@@ -3,6 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
+
+#include "platform/file.h"
+#include "platform/user_folders.h"
+#include "platform/volumes.h"
 
 namespace velmora::platform {
 namespace {
@@ -28,6 +33,17 @@ TEST(PathText, EveryUnitComesBackThroughBytes) {
     const std::u16string text = {u'a', static_cast<char16_t>(unit), u'b'};
     ASSERT_EQ(TextOfPath(PathOf(BytesOfPath(PathOf(text)))), text) << unit;
   }
+}
+
+TEST(PathText, AFileWhoseNameIsNoTextIsFoundAgainByBytes) {
+  const auto folder = TemporaryFolder::Create();
+  ASSERT_TRUE(folder);
+  const std::filesystem::path file = folder->Path() / L"a\xD800!.ost";
+  if (!CreateFile(file, Existing::kRefuse)) GTEST_SKIP() << "the file system has no such name";
+  const std::vector<FolderEntry> entries = ListFolder(folder->Path());
+  ASSERT_EQ(entries.size(), 1u);
+  if (entries.front().name != file.filename()) GTEST_SKIP() << "the file system keeps another name for it";
+  EXPECT_TRUE(OpenForReading(PathOf(BytesOfPath(folder->Path() / entries.front().name))));
 }
 
 }  // namespace
