@@ -17,7 +17,7 @@ import damaged_stores
 
 # What a store computes for itself, and what readpst writes otherwise in each run.
 COMPUTED = re.compile(rb"^(Size|Modification time):\t.*$|^DTSTAMP:.*$|boundary-LibPST-iamunique-\d+", re.MULTILINE)
-ITEM = re.compile(r"[A-Z][A-Za-z ]*\d{5}")
+ITEM = re.compile(r"(?!Folder)[A-Z][A-Za-z ]*\d{5}")  # a folder that is recovered is empty, and is no item
 
 
 def digest(folder, files):

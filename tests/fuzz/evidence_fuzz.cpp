@@ -90,7 +90,7 @@ void TellStore(const std::vector<std::byte>& bytes, bool believesHeader, bool de
   source.Open(std::make_unique<platform::MemoryFile>(bytes));
   const auto told = believesHeader ? ReadHeader(source) : std::nullopt;
   const Evidence evidence = FindEvidence(source, told, run);
-  CheckEvidence(evidence, bytes.size());
+  CheckEvidence(evidence, source.Size());  // bytes may have been put back
   if (evidence.layout == nullptr) return Require(evidence.pages.empty() && evidence.blocks.empty());
   const Judgement judgement = JudgeNodes(source, evidence, told, run);
   CheckJudgement(evidence, judgement);

@@ -4,9 +4,9 @@
 //   2  a listed message is, if there are several: what an older entry of it names, when all of that is whole and live;
 //      the message that its row tells of; a copy of another message. Else nothing but its row is left
 //   3  a message that no row leads to: live if the block tree says so, an older version of another, deleted if its
-//   block
-//      is freed or the node tree is whole and does not name it. Where nothing tells, it is handed out as found
+//      block is freed or the node tree is whole and does not name it. Where nothing tells, it is handed out as found
 //   4  a folder is known by its row; its own properties are added where they are found
+//   5  a message that an entry names and the tables do without is deleted, if no table is lost in which it might be
 #include <algorithm>
 #include <set>
 
