@@ -17,13 +17,13 @@ namespace {
 /// The parameter is the format of the source.
 class BlocksAheadTest : public ::testing::TestWithParam<forge::Format> {
  protected:
-  static std::unique_ptr<const ProvenStore> Prove(Bytes bytes) {
+  static std::unique_ptr<const ProvenStore> Prove(forge::Bytes bytes) {
     RunContext run;
     return ProvenStore::Prove(std::make_unique<platform::MemoryFile>(std::move(bytes)), false, run);
   }
 
   /// A mail with a long body, and one with an attachment of so many bytes.
-  static Bytes Forge(std::size_t attached) {
+  static forge::Bytes Forge(std::size_t attached) {
     forge::Mailbox box({.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k}, {.tables = true});
     const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
     box.AddMessage(inbox, {.subject = u"Long", .html = forge::Noise(30'000, 1)});
@@ -109,7 +109,7 @@ TEST_P(BlocksAheadTest, StopWhereThereIsNoMoreRoom) {
 }
 
 TEST_P(BlocksAheadTest, LeaveOutBlocksThatAreNotWhatTheyWere) {
-  Bytes bytes = Forge(20'000);
+  forge::Bytes bytes = Forge(20'000);
   const auto before = Prove(bytes);
   const ndb::NodeTrees trees = Messages(*before).front();
   const FoundBlock* block = before->Found().Find(trees.bidData);
