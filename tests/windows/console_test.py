@@ -7,19 +7,10 @@ import unittest
 
 import under_wine
 
-import program_fixture
 
-
-class Console(program_fixture.ProgramTest):
-    @classmethod
-    def setUpClass(cls):
-        under_wine.stay_up()
-        super().setUpClass()
-
+class Console(under_wine.CommandUnderWine):
     def setUp(self):
         super().setUp()
-        program_fixture.stores.PROGRAM = under_wine.COMMAND
-        under_wine.forget_profiles()
         self.environment["TERM"] = "xterm"
 
     def test_it_gets_a_bar_in_color(self):

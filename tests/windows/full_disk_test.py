@@ -7,24 +7,16 @@ import unittest
 import under_wine
 
 import complete_program_test
-import program_fixture
 import program_test
 
 
-class FullDisk(program_fixture.ProgramTest):
+class FullDisk(under_wine.CommandUnderWine):
     STAGES = program_test.STAGES
     OPTIONS = ()
     MESSAGE = "Error: Not enough free disk space available to save converted .pst file."
 
-    @classmethod
-    def setUpClass(cls):
-        under_wine.stay_up()
-        super().setUpClass()
-
     def setUp(self):
         super().setUp()
-        program_fixture.stores.PROGRAM = under_wine.COMMAND
-        under_wine.forget_profiles()
         mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=8m", "tmpfs", self.out], capture_output=True)
         if mounted.returncode:
             self.skipTest("no file system of a few megabytes can be mounted here")

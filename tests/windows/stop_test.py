@@ -8,25 +8,14 @@ import unittest
 import under_wine
 
 import complete_program_test
-import program_fixture
 import program_test
 
 NO_STORE = "Stopped. No store was written."
 STORE = "Stopped. Recovered at: {}"
 
 
-class Stop(program_fixture.ProgramTest):
+class Stop(under_wine.CommandUnderWine):
     STAGES = program_test.STAGES
-
-    @classmethod
-    def setUpClass(cls):
-        under_wine.stay_up()
-        super().setUpClass()
-
-    def setUp(self):
-        super().setUp()
-        program_fixture.stores.PROGRAM = under_wine.COMMAND
-        under_wine.forget_profiles()
 
     def stop_at(self, stage, *options):
         """The system tells the program of a Ctrl-C by a thread of its own, which takes its time."""

@@ -8,11 +8,10 @@ import pathlib
 import shutil
 import subprocess
 import sys
-import tempfile
-import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tests" / "cli"))
+import program_fixture  # noqa: E402
 import stores  # noqa: E402,F401
 
 WINE = SOURCE / "tests" / "windows" / "wine"
@@ -47,37 +46,38 @@ def forget_profiles():
         profiles.unlink()
 
 
-class UnderWine(unittest.TestCase):
+class CommandUnderWine(program_fixture.ProgramTest):
+    """The program for Windows as the tests of the one for this machine call that."""
+
     maxDiff = 4000
 
     @classmethod
     def setUpClass(cls):
         stay_up()
-        cls.demo_folder = tempfile.TemporaryDirectory()
-        cls.demo = pathlib.Path(cls.demo_folder.name) / "demo.ost"
-        subprocess.run([os.environ["VELMORA_FORGE_DEMO"], cls.demo], check=True)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.demo_folder.cleanup()
+        super().setUpClass()
 
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.work = pathlib.Path(self.folder.name)
-        self.out = self.work / "out"
-        self.out.mkdir()
+        super().setUp()
+        stores.PROGRAM = COMMAND
         forget_profiles()
+
+
+class UnderWine(CommandUnderWine):
+    """The same, called as it is, and its twin."""
+
+    def setUp(self):
+        super().setUp()
+        self.environment["SOURCE_DATE_EPOCH"] = EPOCH
 
     def run_program(self, *words, **options):
         """A run of the program for Windows, to its end."""
         return subprocess.run([WINE, PROGRAM, *map(str, words)], capture_output=True, text=True, errors="replace",
-                              stdin=subprocess.DEVNULL, timeout=120, **{"env": self.environment(), **options})
+                              stdin=subprocess.DEVNULL, timeout=120, **{"env": self.environment, **options})
 
     def run_twin(self, *words):
         """The same run of the program for this machine."""
         return subprocess.run([TWIN, *map(str, words)], capture_output=True, text=True, errors="replace",
-                              env={**self.environment(), "XDG_CONFIG_HOME": str(self.work / "config")})
+                              env=self.environment)
 
     def leavings(self, run, folder, source, *options):
         """What a run leaves: its code, the report without what is the run's own, and the bytes of all other files."""
@@ -109,11 +109,3 @@ class UnderWine(unittest.TestCase):
         for name, content in here[2].items():
             self.assertTrue(content == there[2][name], f"{name} differs")
         return here[2]
-
-    @staticmethod
-    def environment():
-        return {**os.environ, "SOURCE_DATE_EPOCH": EPOCH}
-
-    def produced(self, folder=None):
-        folder = folder or self.out
-        return sorted(str(p.relative_to(folder)) for p in folder.rglob("*"))
