@@ -186,11 +186,6 @@ void Finds::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade
   Mark(whole.back());
 }
 
-void Finds::TakePage(const FoundPage& page) {
-  Sights::TakePage(page);
-  Mark(page);
-}
-
 void Finds::Add(const Sights& behind) {
   Sights::Add(behind);
   for (const FoundPage& page : behind.pages) Mark(page);

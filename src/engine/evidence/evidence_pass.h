@@ -22,10 +22,9 @@ struct Finds : Sights {
   SlotMap taken;            ///< by whole blocks and proven pages
   bool soughtMoved = true;  ///< moved blocks, everywhere
 
-  // Like those of Sights.
+  /// Like those of Sights.
   void TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored,
                  std::uint64_t usedUpToIt);
-  void TakePage(const FoundPage& page);
   void Add(const Sights& behind);
 
  private:
