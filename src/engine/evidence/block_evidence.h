@@ -32,10 +32,11 @@ inline constexpr std::uint64_t kBidLimit = std::uint64_t{1} << 40;
 /// since it is asked for every unit of the file.
 inline std::optional<SeenTrailer> SeeTrailer(std::span<const std::byte> tail, std::uint64_t end,
                                              const Generation& layout) {
-  const std::uint64_t bid = layout.LoadWord(tail, layout.offBlockId);  // first: of wide ids hardly any passes
-  if (bid == 0 || (bid & 1) != 0 || bid >= kBidLimit) return std::nullopt;
+  const std::uint64_t bid = layout.LoadWord(tail, layout.offBlockId);
   const auto cb = Load<std::uint16_t>(tail, 0);
-  if (cb == 0 || cb > layout.maxBlockData) return std::nullopt;
+  // One question, as each alone is often answered either way.
+  const bool isNone = (bid == 0) | ((bid & 1) != 0) | (bid >= kBidLimit) | (cb == 0) | (cb > layout.maxBlockData);
+  if (isNone) return std::nullopt;
   const std::size_t size = BlockSizeOnDisk(cb, layout);
   if (size > end) return std::nullopt;
   const bool isSigned = Load<std::uint16_t>(tail, 2) == ComputeSig(end - size, bid);

@@ -57,9 +57,8 @@ bool MendPage(std::span<std::byte> page, const Generation& layout) {
 }
 
 std::optional<FoundPage> GradePage(PageView page, std::uint64_t offset, const Generation& layout) {
-  const auto word = Load<std::uint16_t>(page, layout.offPageType);
-  if (word != TypeWord(PageType::kBbt) && word != TypeWord(PageType::kNbt)) return std::nullopt;
-  const auto type = static_cast<PageType>(word & 0xFF);
+  if (!EndsLikeTreePage(page, layout)) return std::nullopt;
+  const auto type = static_cast<PageType>(Load<std::uint8_t>(page, layout.offPageType));
   const std::uint64_t id = layout.LoadWord(page, layout.offPageId);
   const bool isSigned = Load<std::uint16_t>(page, layout.offPageSig) == ComputeSig(offset, id);
   const bool isWhole = Load<std::uint32_t>(page, layout.offPageCrc) == WeakCrc(page.first(layout.offPageType));

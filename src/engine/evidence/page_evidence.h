@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/evidence/evidence.h"
+#include "store/format/little_endian.h"
 
 namespace velmora::engine {
 
@@ -27,6 +28,13 @@ std::optional<std::vector<std::size_t>> OddEntries(PageView page, PageType type,
 
 /// Puts the one bit right that is wrong in a page or its checksum. False where more of it is.
 bool MendPage(std::span<std::byte> page, const Generation& layout);
+
+/// Whether the end of a page, of which these are the last bytes, says that it belongs to a tree. In place, since it is
+/// asked for every sector of a file.
+inline bool EndsLikeTreePage(std::span<const std::byte> tail, const Generation& layout) {
+  const auto word = Load<std::uint16_t>(tail, tail.size() - (layout.pageSize - layout.offPageType));
+  return word == TypeWord(PageType::kBbt) || word == TypeWord(PageType::kNbt);
+}
 
 /// The page that was written at `offset` (which is where it is said to stand) and consists of these bytes. Proven when
 /// checksum and signature fit, one wrong bit put right, moved with the checksum alone. With the signature alone it is

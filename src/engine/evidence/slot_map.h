@@ -24,11 +24,18 @@ class SlotMap {
   std::uint64_t Taken() const { return count_; }
 
  private:
-  static constexpr std::size_t kSlotsOfPart = 32768;
+  using Word = std::uint64_t;  ///< a bit a unit
+  static constexpr std::uint64_t kSlotsOfWord = 64;
+  static constexpr std::uint64_t kWordsOfPart = 512;
+  static constexpr std::uint64_t kSlotsOfPart = kSlotsOfWord * kWordsOfPart;
+
+  /// The words of the units from `first` up to `end`, and which bits of each are theirs, until `visit` says false.
+  template <class Visit>
+  static bool EachWord(std::uint64_t first, std::uint64_t end, Visit visit);
 
   std::uint64_t slot_;
   std::uint64_t slots_;
-  std::vector<std::vector<bool>> parts_;  ///< empty where nothing is
+  std::vector<std::vector<Word>> parts_;  ///< empty where nothing is
   std::uint64_t count_ = 0;
 };
 

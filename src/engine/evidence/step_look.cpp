@@ -1,6 +1,6 @@
 #include "engine/evidence/step_look.h"
 
-#include <optional>
+#include <utility>
 
 #include "engine/evidence/page_evidence.h"
 #include "store/format/checksum.h"
@@ -8,46 +8,52 @@
 namespace velmora::engine {
 namespace {
 
+/// The layout's figures are constants here: the loop below asks for them at every unit of the file.
+template <const Generation& kLayout>
 class Look {
  public:
-  Look(const Stretch& stretch, const Generation& layout, std::uint64_t bytes)
-      : stretch_(stretch), layout_(layout), allowance_(bytes), found_{Sights(layout), {}} {}
+  explicit Look(const Stretch& stretch)
+      : stretch_(stretch), allowance_(stretch.bytes.size()), found_{Sights(kLayout), {}} {}
 
-  /// What ends in the sector that ends at `end`.
-  void LookAt(std::uint64_t end) {
-    if (const auto page = stretch_.Ending(end, layout_.pageSize); !page.empty()) {
-      if (const auto found = GradePage(page, end - layout_.pageSize, layout_)) found_.sights.TakePage(*found);
-    }
-    for (std::uint64_t slot = end - kSector + layout_.slotSize; slot <= end; slot += layout_.slotSize) {
-      LookForBlock(slot);
+  StepSights Through(std::uint64_t begin, std::uint64_t end) && {
+    for (std::uint64_t at = begin; at < end; at += kSector) LookAt(at);
+    return std::move(found_);
+  }
+
+ private:
+  /// What ends in the sector at `begin`, of which the end of the source may cut off a part.
+  void LookAt(std::uint64_t begin) {
+    const auto sector = stretch_.UpTo(begin, kSector);
+    if (sector.size() == kSector && EndsLikeTreePage(sector, kLayout)) LookForPage(begin + kSector);
+    for (std::size_t slotEnd = kLayout.slotSize; slotEnd <= sector.size(); slotEnd += kLayout.slotSize) {
+      const auto tail = sector.subspan(slotEnd - kLayout.blockTrailerSize, kLayout.blockTrailerSize);
+      found_.sights.usedSlots += Load<std::uint64_t>(tail, tail.size() - 8) != 0 ? 1 : 0;
+      if (const auto seen = SeeTrailer(tail, begin + slotEnd, kLayout)) LookAtBlock(*seen, begin + slotEnd);
     }
   }
 
-  StepSights Take() { return std::move(found_); }
+  void LookForPage(std::uint64_t end) {
+    const auto page = stretch_.Ending(end, kLayout.pageSize);
+    if (page.empty()) return;
+    if (const auto found = GradePage(page, end - kLayout.pageSize, kLayout)) found_.sights.TakePage(*found);
+  }
 
- private:
-  void LookForBlock(std::uint64_t end) {
+  void LookAtBlock(const SeenTrailer& seen, std::uint64_t end) {
     Sights& sights = found_.sights;
-    const auto tail = stretch_.Ending(end, layout_.blockTrailerSize);
-    if (tail.empty()) return;
-    if (Load<std::uint64_t>(tail, tail.size() - 8) != 0) ++sights.usedSlots;
-    const std::optional<SeenTrailer> seen = SeeTrailer(tail, end, layout_);
-    if (!seen) return;
-    if (!seen->isSigned) {
-      if (seen->trailer.dwCRC != 0) found_.maybeMoved.push_back({*seen, end, sights.usedSlots});
+    if (!seen.isSigned) {
+      if (seen.trailer.dwCRC != 0) found_.maybeMoved.push_back({seen, end, sights.usedSlots});
       return;
     }
-    const auto stored = allowance_.Stored(stretch_, *seen, end);
+    const auto stored = allowance_.Stored(stretch_, seen, end);
     if (stored.empty()) return;
-    if (seen->trailer.dwCRC == WeakCrc(stored)) {
-      sights.TakeWhole(*seen, seen->start, Grade::kProven, stored, sights.usedSlots);
+    if (seen.trailer.dwCRC == WeakCrc(stored)) {
+      sights.TakeWhole(seen, seen.start, Grade::kProven, stored, sights.usedSlots);
     } else {
-      sights.TakeHurt(*seen, stored);
+      sights.TakeHurt(seen, stored);
     }
   }
 
   const Stretch& stretch_;
-  const Generation& layout_;
   SumAllowance allowance_;
   StepSights found_;
 };
@@ -63,9 +69,9 @@ std::span<const std::byte> SumAllowance::Stored(const Stretch& stretch, const Se
 }
 
 StepSights LookAtStep(const Stretch& stretch, std::uint64_t begin, std::uint64_t end, const Generation& layout) {
-  Look look(stretch, layout, stretch.bytes.size());
-  for (std::uint64_t at = begin + kSector; at < end + kSector; at += kSector) look.LookAt(at);
-  return look.Take();
+  if (layout.formatId == FORMAT_ANSI) return Look<generations::kAnsi>(stretch).Through(begin, end);
+  if (layout.formatId == FORMAT_UNICODE) return Look<generations::kUnicode>(stretch).Through(begin, end);
+  return Look<generations::kUnicode4k>(stretch).Through(begin, end);
 }
 
 }  // namespace velmora::engine

@@ -1,6 +1,8 @@
 // A source in large pieces, each with enough of what lies ahead of it for the largest block that ends in it.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -23,6 +25,12 @@ struct Stretch {
   std::span<const std::byte> Ending(std::uint64_t end, std::uint64_t length) const {
     if (end < base + length || end - base > bytes.size()) return {};
     return bytes.subspan(end - base - length, length);
+  }
+
+  /// The bytes from `begin` on, which lies in it or at its end: `length` of them, or what there is.
+  std::span<const std::byte> UpTo(std::uint64_t begin, std::uint64_t length) const {
+    const auto behind = bytes.subspan(std::min<std::uint64_t>(begin - base, bytes.size()));
+    return behind.first(std::min<std::uint64_t>(length, behind.size()));
   }
 };
 
