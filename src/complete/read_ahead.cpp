@@ -50,8 +50,8 @@ void ReadAhead::Reach(std::size_t index) {
   Batch& batch = batches_.front();
   batch.step->Wait();
   source_.Use(batch.blocks.get());
-  messagesOfBatch_ = batch.blocks->IsFull() ? std::max(messagesOfBatch_ / 2, kFewestMessages)
-                                            : std::min(messagesOfBatch_ * 2, kMostMessages);
+  if (batch.blocks->IsFull()) messagesOfBatch_ = std::max(messagesOfBatch_ * 3 / 4, kFewestMessages);
+  if (batch.blocks->HasRoom()) messagesOfBatch_ = std::min(messagesOfBatch_ * 5 / 4, kMostMessages);
 }
 
 }  // namespace velmora::complete

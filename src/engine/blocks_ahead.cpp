@@ -12,27 +12,22 @@ namespace {
 /// Lists above lists above lists, in messages within messages.
 constexpr int kMostLevels = 32;
 
+/// Two messages that lie no farther apart than this may have between them what is theirs.
+constexpr std::uint64_t kSpanOfMessage = 256 << 10;
+
 }  // namespace
 
 BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTrees> messages, bool keepStored)
-    : store_(store), keepStored_(keepStored) {
+    : store_(store), keepStored_(keepStored), pieces_(store.Bytes()) {
   std::vector<Wanted> wanted;
   for (const ndb::NodeTrees& trees : messages) {
     Ask(trees.bidData, Part::kObject, wanted);
     Ask(trees.bidSub, Part::kSubnodes, wanted);
   }
-  for (int level = 0; level < kMostLevels && !wanted.empty() && !isFull_; ++level) {
+  for (int level = 0; level < kMostLevels && !wanted.empty(); ++level) {
     const std::vector<Placed> placed = Place(wanted);
-    const auto beginOf = [](const Placed& one) { return one.block->offset; };
-    const auto endOf = [&](const Placed& one) {
-      return one.block->offset + BlockSizeOnDisk(one.block->cb, store_.Format());
-    };
-    for (auto at = placed.begin(); at != placed.end();) {
-      std::uint64_t end = 0;
-      const auto behind = EndOfRun(at, placed.end(), beginOf, endOf, end);
-      Read({at, behind}, end);
-      at = behind;
-    }
+    Read(placed, level == 0);
+    for (const Placed& one : placed) Take(one);
     std::ranges::sort(blocks_, {}, &Block::bid);
     std::vector<Wanted> below;
     for (const Wanted& above : wanted) {
@@ -47,41 +42,73 @@ void BlocksAhead::Ask(Bid bid, Part part, std::vector<Wanted>& wanted) {
   if (bid != kNoBid && asked_.insert(Canonical(bid)).second) wanted.push_back({bid, part});
 }
 
-/// Those of the wanted that are whole and have room, by their places.
+/// Those of the wanted that are whole and were read or have room, by their places.
 std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> wanted) {
   std::vector<Placed> placed;
   for (const auto& [bid, part] : wanted) {
     const FoundBlock* block = store_.Found().Find(bid);
     if (block == nullptr || !IsWhole(*block)) continue;
     const std::size_t size = BlockSizeOnDisk(block->cb, store_.Format());
-    if (size > bytesLeft_) {
-      isFull_ = true;
-      break;
+    if (!pieces_.Holds(block->offset, size)) {
+      if (size > bytesLeft_) {
+        isFull_ = true;
+        continue;
+      }
+      bytesLeft_ -= size;
     }
-    bytesLeft_ -= size;
     placed.push_back({block, part});
   }
   std::ranges::sort(placed, {}, [](const Placed& one) { return one.block->offset; });
   return placed;
 }
 
-/// Blocks that one read takes, up to the offset `end`.
-void BlocksAhead::Read(std::span<const Placed> run, std::uint64_t end) {
-  const Generation& layout = store_.Format();
-  const std::uint64_t start = run.front().block->offset;
-  const auto length = static_cast<std::size_t>(end - start);
-  const std::span bytes(runs_.emplace_back(std::make_unique_for_overwrite<std::byte[]>(length)).get(), length);
-  const std::size_t read = store_.Bytes().ReadAround(start, bytes);
-  for (const Placed& placed : run) {
-    const auto at = static_cast<std::size_t>(placed.block->offset - start);
-    const std::size_t size = BlockSizeOnDisk(placed.block->cb, layout);
-    if (at + size <= read) Take(placed, bytes.subspan(at, size));
-  }
+/// Those of the blocks that no piece holds yet.
+void BlocksAhead::Read(std::span<const Placed> placed, bool withWhatLiesBetween) {
+  std::vector<Placed> missing;
+  std::ranges::copy_if(placed, std::back_inserter(missing),
+                       [&](const Placed& one) { return !pieces_.Holds(Begin(one), End(one) - Begin(one)); });
+  const auto readRuns = [&](auto at, auto last, std::uint64_t widestGap) {
+    while (at != last) {
+      const std::uint64_t begin = Begin(*at);
+      const std::uint64_t limit = pieces_.NextBegin(begin);
+      const auto atLimit = std::partition_point(at, last, [&](const Placed& one) { return Begin(one) < limit; });
+      std::uint64_t end = 0;
+      at = EndOfRun(
+          at, std::max(atLimit, std::next(at)), Begin, [this](const Placed& one) { return End(one); }, end, widestGap);
+      pieces_.Read(begin, end);
+    }
+  };
+  const auto strewn = missing.begin() + (withWhatLiesBetween ? TakeGaps(missing) : 0);
+  readRuns(missing.begin(), strewn, kSpanOfMessage);
+  readRuns(strewn, missing.end(), kWidestGap);
 }
 
-void BlocksAhead::Take(const Placed& placed, std::span<std::byte> onDisk) {
+/// Of blocks in the order of the file, those that are read with all that lies between them, as far as there is room for
+/// it; none where they stand far apart for the most part.
+std::ptrdiff_t BlocksAhead::TakeGaps(std::span<const Placed> blocks) {
+  if (blocks.empty()) return 0;
+  std::uint64_t between = 0;
+  std::uint64_t taken = 0;
+  std::ptrdiff_t count = 0;
+  for (std::size_t i = 1; i < blocks.size(); ++i) {
+    const std::uint64_t gap = Begin(blocks[i]) - std::min(Begin(blocks[i]), End(blocks[i - 1]));
+    if (gap <= kSpanOfMessage) between += gap;
+    if (between > bytesLeft_) continue;
+    taken = between;
+    count = static_cast<std::ptrdiff_t>(i) + 1;
+  }
+  if (between < (End(blocks.back()) - Begin(blocks.front())) / 2) return 0;
+  bytesLeft_ -= static_cast<std::size_t>(taken);
+  if (taken < between) isFull_ = true;
+  return count;
+}
+
+/// A block that lies in another one is left: to decode it in its place would change the other.
+void BlocksAhead::Take(const Placed& placed) {
   const Generation& layout = store_.Format();
   const FoundBlock& found = *placed.block;
+  const std::span<std::byte> onDisk = pieces_.Claim(found.offset, BlockSizeOnDisk(found.cb, layout));
+  if (onDisk.empty()) return;
   const auto stored = onDisk.first(found.cb);
   const BlockTrailer trailer = DecodeBlockTrailer(onDisk.last(layout.blockTrailerSize), layout);
   if (trailer.dwCRC != WeakCrc(stored)) return;
@@ -91,13 +118,13 @@ void BlocksAhead::Take(const Placed& placed, std::span<std::byte> onDisk) {
   } else if (layout.offInflatedSize == 0) {
     if (!IsInternal(found.bid)) DecodeBlock(store_.Found().encoding, found.bid, stored);
   } else {
-    if (trailer.cbInflated > bytesLeft_) {
+    if (trailer.cbInflated > inflatedLeft_) {
       isFull_ = true;
       return;
     }
     std::vector<std::byte> content(onDisk.begin(), onDisk.end());
     if (!UnpackBlock(content, found.bid, found.cb, store_.Found().encoding, layout)) return;
-    bytesLeft_ -= std::min(bytesLeft_, content.size());
+    inflatedLeft_ -= std::min(inflatedLeft_, content.size());
     block.bytes = inflated_.emplace_back(std::move(content));
   }
   blocks_.push_back(block);

@@ -1,5 +1,9 @@
 // The blocks of several objects, read together ahead of whoever copies them: in the order of the file and in large
 // pieces, so that a disk which has to seek does so seldom, and by whichever thread has time.
+//
+// What belongs to a message was mostly written with it. So what lies between messages that follow one another is read
+// along with their own blocks, before anybody knows that their lists name it; where they stand too far apart for that,
+// it is left.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +13,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "engine/pieces_read.h"
 #include "engine/proven_store.h"
 #include "store/format/block.h"
 
@@ -17,8 +22,8 @@ namespace velmora::engine {
 /// Constant once it is made. A block that is not among them is no loss: it is read from the store when it is needed.
 class BlocksAhead {
  public:
-  /// Bytes that are read and kept, counted as they lie in the file or as they inflate; a little more where pieces that
-  /// are read have gaps.
+  /// Bytes of the file that are read and kept, and as many of what they inflate to; a little more where pieces that are
+  /// read have gaps.
   static constexpr std::size_t kMostBytes = std::size_t{2} << 20;
 
   /// Reads the blocks of messages: their properties, recipients, attachments and what these embed. With `keepStored`
@@ -33,6 +38,9 @@ class BlocksAhead {
 
   /// Whether blocks were left out for want of room.
   bool IsFull() const { return isFull_; }
+
+  /// Whether more messages of the kind would mostly have had room.
+  bool HasRoom() const { return !isFull_ && bytesLeft_ > kMostBytes / 4; }
 
  private:
   /// What a block belongs to.
@@ -52,21 +60,26 @@ class BlocksAhead {
     Part part = Part::kObject;
   };
 
+  static std::uint64_t Begin(const Placed& one) { return one.block->offset; }
+  std::uint64_t End(const Placed& one) const { return Begin(one) + BlockSizeOnDisk(one.block->cb, store_.Format()); }
+
   void Ask(Bid bid, Part part, std::vector<Wanted>& wanted);
   std::vector<Placed> Place(std::span<const Wanted> wanted);
-  void Read(std::span<const Placed> run, std::uint64_t end);
-  void Take(const Placed& placed, std::span<std::byte> onDisk);
+  void Read(std::span<const Placed> placed, bool withWhatLiesBetween);
+  std::ptrdiff_t TakeGaps(std::span<const Placed> blocks);
+  void Take(const Placed& placed);
   void AskBelow(const Wanted& above, std::vector<Wanted>& below);
   const Block* Among(Bid bid) const;
 
   const ProvenStore& store_;
   bool keepStored_;
   std::size_t bytesLeft_ = kMostBytes;
+  std::size_t inflatedLeft_ = kMostBytes;
   bool isFull_ = false;
   std::unordered_set<Bid> asked_;
-  std::vector<Block> blocks_;                       ///< by ascending id
-  std::vector<std::unique_ptr<std::byte[]>> runs_;  ///< memory of the blocks
-  std::vector<std::vector<std::byte>> inflated_;    ///< likewise, where blocks are packed
+  std::vector<Block> blocks_;                     ///< by ascending id
+  PiecesRead pieces_;                             ///< memory of the blocks
+  std::vector<std::vector<std::byte>> inflated_;  ///< likewise, where blocks are packed
 };
 
 }  // namespace velmora::engine

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <ranges>
 
+#include "engine/bad_disk.h"
 #include "forge/forge.h"
 #include "platform/memory_file.h"
 #include "store/format/checksum.h"
@@ -18,8 +19,11 @@ namespace {
 class BlocksAheadTest : public ::testing::TestWithParam<forge::Format> {
  protected:
   static std::unique_ptr<const ProvenStore> Prove(forge::Bytes bytes) {
+    return Prove(std::make_unique<platform::MemoryFile>(std::move(bytes)));
+  }
+  static std::unique_ptr<const ProvenStore> Prove(std::unique_ptr<platform::ByteSource> bytes) {
     RunContext run;
-    return ProvenStore::Prove(std::make_unique<platform::MemoryFile>(std::move(bytes)), false, run);
+    return ProvenStore::Prove(std::move(bytes), false, run);
   }
 
   /// A mail with a long body, and one with an attachment of so many bytes.
@@ -93,6 +97,32 @@ TEST_P(BlocksAheadTest, KeepTheBlocksOfLongValuesAsTheyAreStoredWhereThatIsWante
     }
   }
   EXPECT_GT(values, 2U);
+}
+
+TEST_P(BlocksAheadTest, ReadWhatLiesBetweenMessagesAlongWithThemUnlessTheyStandFarApart) {
+  for (const bool isStrewn : {false, true}) {
+    forge::Mailbox box({.format = GetParam(), .pieces = isStrewn ? 400U : 0U}, {.tables = true});
+    const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+    for (std::uint32_t i = 0; i < 32; ++i) box.AddMessage(inbox, {.subject = u"Long", .html = forge::Noise(40'000, i)});
+    auto disk =
+        std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(box.Finish().bytes), std::vector<BadPlace>{});
+    const BadDisk& counts = *disk;
+    const auto store = Prove(std::move(disk));
+
+    const int readsBefore = counts.reads;
+    const std::uint64_t bytesBefore = counts.bytesRead;
+    const BlocksAhead ahead(*store, Messages(*store), true);
+    const int reads = counts.reads - readsBefore;
+    const std::uint64_t bytesRead = counts.bytesRead - bytesBefore;
+    std::vector<std::byte> content;
+    std::size_t bytes = 0;
+    for (const ndb::NodeTrees& trees : Messages(*store)) {
+      for (const Bid bid : BlocksOf(*store, trees)) bytes += ahead.Find(bid, content) ? content.size() : 0;
+    }
+    EXPECT_GT(bytes, 32U * 40'000) << isStrewn;
+    EXPECT_LT(bytesRead, bytes + bytes / 16) << isStrewn;
+    EXPECT_LT(reads, isStrewn ? 500 : 10) << "of " << bytes << " bytes";
+  }
 }
 
 TEST_P(BlocksAheadTest, StopWhereThereIsNoMoreRoom) {
