@@ -111,7 +111,7 @@ PropertyBag FolderCopier::PropertiesOf(const SourceFolder& folder, Missing& miss
   PropertyBag properties;
   if (folder.trees == ndb::NodeTrees()) {
     properties.PutName(tag::kDisplayName, folder.name);
-    properties.PutName(tag::kContainerClass, folder.classOfRow);
+    if (!folder.classOfRow.empty()) properties.PutName(tag::kContainerClass, folder.classOfRow);
     missing.push_back({.kind = MissingPart::Kind::kProperty,
                        .cause = {FailureKind::kNotFound,
                                  {ObjectKind::kNode, folder.nid},

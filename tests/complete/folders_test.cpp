@@ -53,6 +53,15 @@ TEST_P(FoldersTest, TheTreeComesAcrossWithIdsClassesAndProperties) {
   ExpectSound();
 }
 
+TEST_P(FoldersTest, AClassThatIsThereAndEmptyStaysSo) {
+  forge::Mailbox box = NewBox();
+  const forge::Nid plain = box.AddFolder({.name = u"Plain", .properties = {forge::Text(0x3613, u"")}});
+  Copy(box);
+  ExpectHas(target_->PropertiesOf(NodeOf(plain)), {forge::Text(0x3613, u"")});
+  ExpectAllWhole();
+  ExpectSound();
+}
+
 TEST_P(FoldersTest, CountsAreThoseOfWhatIsWritten) {
   forge::Mailbox box = NewBox();
   const forge::Nid inbox =

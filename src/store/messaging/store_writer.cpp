@@ -40,16 +40,18 @@ constexpr std::size_t kStreamPiece = 8 * kMaxBlockData;
 /// Ids up to this index are those of the nodes that every store has.
 constexpr std::uint32_t kLastFixedIndex = 0x400;
 
-/// The properties of a folder, sorted by who needs them; the counts that they tell are left out.
+/// The properties of a folder, sorted by who needs them; the counts that they tell are left out. A class that is there
+/// and empty is one of the others.
 struct FolderProperties {
   explicit FolderProperties(PropertyBag properties)
       : name(ltp::DecodeText(properties.Value(tag::kDisplayName))),
         containerClass(ltp::DecodeText(properties.Value(tag::kContainerClass))),
         others(std::move(properties)) {
-    for (const PropTag tag : {tag::kDisplayName, tag::kContainerClass, tag::kContentCount, tag::kContentUnreadCount,
-                              tag::kSubfolders, tag::kPstHiddenCount, tag::kPstHiddenUnread}) {
+    for (const PropTag tag : {tag::kDisplayName, tag::kContentCount, tag::kContentUnreadCount, tag::kSubfolders,
+                              tag::kPstHiddenCount, tag::kPstHiddenUnread}) {
       others.Remove(tag);
     }
+    if (!containerClass.empty()) others.Remove(tag::kContainerClass);
   }
 
   text::Text name;
@@ -229,7 +231,7 @@ Folder& StoreWriter::AddFolder(Folder& parent, PropertyBag properties, std::opti
 Folder& StoreWriter::AddFolder(Folder& parent, text::TextView name, text::TextView containerClass) {
   PropertyBag properties;
   properties.PutName(tag::kDisplayName, name);
-  properties.PutName(tag::kContainerClass, containerClass);
+  if (!containerClass.empty()) properties.PutName(tag::kContainerClass, containerClass);
   return AddFolder(parent, std::move(properties));
 }
 
@@ -255,6 +257,7 @@ void StoreWriter::SetProperties(Folder& folder, PropertyBag properties) {
 void StoreWriter::SetContainerClass(Folder& folder, text::TextView containerClass) {
   Change([&] {
     folders_.Rename(folder, folder.name, NameOf(containerClass));
+    folder.others.Remove(tag::kContainerClass);
     MarkChanged(folder, &Folder::propertiesChanged);
   });
 }

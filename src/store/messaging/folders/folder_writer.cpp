@@ -29,7 +29,11 @@ PropertyBag PropertiesOf(const Folder& folder) {
 
 ndb::WrittenNode HierarchyTable(ndb::NdbWriter& ndb, std::size_t maxHeapBlocks, Folder& folder) {
   ltp::TableContextWriter table(ndb, schema::kHierarchy, maxHeapBlocks);
-  for (const Folder* child : folder.children) table.AddRow(Value(child->nid), PropertiesOf(*child).Views());
+  for (const Folder* child : folder.children) {
+    PropertyBag row = PropertiesOf(*child);
+    if (child->others.Has(tag::kContainerClass)) row.PutBytes(tag::kContainerClass, {});  // there, and empty
+    table.AddRow(Value(child->nid), row.Views());
+  }
   if (folder.nid == nid::kRootFolder) {
     Folder search;
     search.name = kSpamSearchFolderName;
