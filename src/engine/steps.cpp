@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine/block_reader.h"
+#include "engine/near_bytes.h"
 
 namespace velmora::engine {
 namespace {
@@ -35,7 +36,7 @@ void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& p
     throw WorkerEnded{};
   }
   scan.percentBase = (*source)->Size() / 100;
-  scan.found->source.Open(std::move(*source));
+  scan.found->source.Open(std::make_shared<NearBytes>(std::move(*source)));
 }
 
 std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run) {

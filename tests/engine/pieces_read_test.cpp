@@ -10,7 +10,7 @@
 namespace velmora::engine {
 namespace {
 
-constexpr std::size_t kSize = 10'000;
+constexpr std::size_t kSizeOfSource = 10'000;
 constexpr std::size_t kSectorOfDisk = 512;
 
 /// Each byte tells its place.
@@ -19,8 +19,8 @@ std::byte ByteAt(std::size_t offset) { return static_cast<std::byte>(offset % 25
 class PiecesReadTest : public ::testing::Test {
  protected:
   void Open(const std::vector<BadPlace>& bad) {
-    std::vector<std::byte> bytes(kSize);
-    for (std::size_t i = 0; i < kSize; ++i) bytes[i] = ByteAt(i);
+    std::vector<std::byte> bytes(kSizeOfSource);
+    for (std::size_t i = 0; i < kSizeOfSource; ++i) bytes[i] = ByteAt(i);
     source_.Open(std::make_shared<BadDisk>(std::make_unique<platform::MemoryFile>(std::move(bytes)), bad));
   }
   void SetUp() override { Open({}); }
@@ -42,9 +42,9 @@ TEST_F(PiecesReadTest, HoldWhatLiesInOnePiece) {
 }
 
 TEST_F(PiecesReadTest, HoldNoMoreThanTheSourceHas) {
-  pieces_.Read(kSize - 100, kSize + 100);
-  EXPECT_TRUE(pieces_.Holds(kSize - 100, 100));
-  EXPECT_FALSE(pieces_.Holds(kSize - 100, 101));
+  pieces_.Read(kSizeOfSource - 100, kSizeOfSource + 100);
+  EXPECT_TRUE(pieces_.Holds(kSizeOfSource - 100, 100));
+  EXPECT_FALSE(pieces_.Holds(kSizeOfSource - 100, 101));
 }
 
 TEST_F(PiecesReadTest, GiveEachByteToOneAlone) {
