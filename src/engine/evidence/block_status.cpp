@@ -45,10 +45,13 @@ std::vector<BlockStatus> StatusesOf(const Evidence& evidence, const FoundTree& t
   std::vector<BlockStatus> statuses(evidence.blocks.size(), isExact ? BlockStatus::kFreed : BlockStatus::kUnknown);
   std::uint64_t lastKey = 0;
   SteppedOver stepped(evidence.blocks);
+  std::vector<std::byte> buffer;
   for (const TreePage& page : tree.Pages()) {
     if (page.found.level != 0 || page.found.grade == Grade::kHurt) continue;
     lastKey = std::max(lastKey, page.last);
-    for (std::size_t i = 1; i < page.count && !isExact; ++i) stepped.Add(tree.Key(page, i - 1), tree.Key(page, i));
+    if (isExact) continue;
+    const PageEntries entries = tree.EntriesOf(page, buffer);
+    for (std::size_t i = 1; i < entries.Count(); ++i) stepped.Add(tree.KeyOf(entries[i - 1]), tree.KeyOf(entries[i]));
   }
   const bool pagesAreOld = !isExact && NewestWholeBlock(evidence) > lastKey;
   Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
