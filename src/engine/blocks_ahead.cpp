@@ -23,9 +23,9 @@ BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTree
   }
   for (int level = 0; level < kMostLevels && !wanted.empty() && !isFull_; ++level) {
     const std::vector<Placed> placed = Place(wanted);
-    const auto beginOf = [](const Placed& one) { return one.block->offset; };
+    const auto beginOf = [](const Placed& one) { return one.block.offset; };
     const auto endOf = [&](const Placed& one) {
-      return one.block->offset + BlockSizeOnDisk(one.block->cb, store_.Format());
+      return one.block.offset + BlockSizeOnDisk(one.block.cb, store_.Format());
     };
     for (auto at = placed.begin(); at != placed.end();) {
       std::uint64_t end = 0;
@@ -51,37 +51,37 @@ void BlocksAhead::Ask(Bid bid, Part part, std::vector<Wanted>& wanted) {
 std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> wanted) {
   std::vector<Placed> placed;
   for (const auto& [bid, part] : wanted) {
-    const FoundBlock* block = store_.Found().Find(bid);
-    if (block == nullptr || !IsWhole(*block)) continue;
+    const std::optional<FoundBlock> block = store_.Found().Find(bid);
+    if (!block || !IsWhole(*block)) continue;
     const std::size_t size = BlockSizeOnDisk(block->cb, store_.Format());
     if (size > bytesLeft_) {
       isFull_ = true;
       break;
     }
     bytesLeft_ -= size;
-    placed.push_back({block, part});
+    placed.push_back({*block, part});
   }
-  std::ranges::sort(placed, {}, [](const Placed& one) { return one.block->offset; });
+  std::ranges::sort(placed, {}, [](const Placed& one) { return one.block.offset; });
   return placed;
 }
 
 /// Blocks that one read takes, up to the offset `end`.
 void BlocksAhead::Read(std::span<const Placed> run, std::uint64_t end) {
   const Generation& layout = store_.Format();
-  const std::uint64_t start = run.front().block->offset;
+  const std::uint64_t start = run.front().block.offset;
   const auto length = static_cast<std::size_t>(end - start);
   const std::span bytes(runs_.emplace_back(std::make_unique_for_overwrite<std::byte[]>(length)).get(), length);
   const std::size_t read = store_.Bytes().ReadAround(start, bytes);
   for (const Placed& placed : run) {
-    const auto at = static_cast<std::size_t>(placed.block->offset - start);
-    const std::size_t size = BlockSizeOnDisk(placed.block->cb, layout);
+    const auto at = static_cast<std::size_t>(placed.block.offset - start);
+    const std::size_t size = BlockSizeOnDisk(placed.block.cb, layout);
     if (at + size <= read) Take(placed, bytes.subspan(at, size));
   }
 }
 
 void BlocksAhead::Take(const Placed& placed, std::span<std::byte> onDisk) {
   const Generation& layout = store_.Format();
-  const FoundBlock& found = *placed.block;
+  const FoundBlock& found = placed.block;
   const auto stored = onDisk.first(found.cb);
   const BlockTrailer trailer = DecodeBlockTrailer(onDisk.last(layout.blockTrailerSize), layout);
   if (trailer.dwCRC != WeakCrc(stored)) return;

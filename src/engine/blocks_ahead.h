@@ -48,7 +48,7 @@ class BlocksAhead {
     std::uint32_t crc = 0;
   };
   struct Placed {
-    const FoundBlock* block = nullptr;
+    FoundBlock block;
     Part part = Part::kObject;
   };
 
