@@ -16,17 +16,26 @@ std::uint64_t MarksOf(const FoundBlock& block) {
          std::uint64_t{block.isNamed} << kGradeBits | static_cast<std::uint8_t>(block.grade);
 }
 
-/// A number is read by its first eight bytes and the one behind them, so there is always as much behind the last.
+/// A number is read by its first eight bytes and, if it is wide, the one behind them; so there is always as much behind
+/// the last. A field has at least one bit, so that the mask needs no exception.
 constexpr std::size_t kBehind = sizeof(std::uint64_t) + 1;
+constexpr unsigned kWord = 64;
+
+constexpr std::uint64_t Mask(unsigned width) { return ~std::uint64_t{0} >> (kWord - width); }
+
+/// The bits from there on: as many of them as kBitsOfWord, whatever bit of a byte is the first.
+constexpr unsigned kBitsOfWord = kWord - 7;
+std::uint64_t WordAt(const std::byte* bits, std::size_t at) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bits + at / 8, sizeof(word));
+  return word >> at % 8;
+}
 
 std::uint64_t Get(const std::byte* bits, std::size_t at, unsigned width) {
-  const std::byte* from = bits + at / 8;
+  std::uint64_t value = WordAt(bits, at);
   const auto shift = static_cast<unsigned>(at % 8);
-  std::uint64_t value = 0;
-  std::memcpy(&value, from, sizeof(value));
-  value >>= shift;
-  if (shift + width > 64) value |= std::to_integer<std::uint64_t>(from[sizeof(value)]) << (64 - shift);
-  return width == 64 ? value : value & ((std::uint64_t{1} << width) - 1);
+  if (shift + width > kWord) value |= std::to_integer<std::uint64_t>(bits[at / 8 + 8]) << (kWord - shift);
+  return value & Mask(width);
 }
 
 /// Into bits that are zero.
@@ -37,11 +46,11 @@ void Put(std::byte* bits, std::size_t& at, unsigned width, std::uint64_t value) 
   std::memcpy(&there, to, sizeof(there));
   there |= value << shift;
   std::memcpy(to, &there, sizeof(there));
-  if (shift + width > 64) to[sizeof(there)] = static_cast<std::byte>(value >> (64 - shift));
+  if (shift + width > kWord) to[sizeof(there)] = static_cast<std::byte>(value >> (kWord - shift));
   at += width;
 }
 
-std::uint8_t WidthOf(std::uint64_t value) { return static_cast<std::uint8_t>(std::bit_width(value)); }
+std::uint8_t WidthOf(std::uint64_t value) { return static_cast<std::uint8_t>(std::bit_width(value | 1)); }
 
 /// The low bits that are zero in all numbers, `all` being what is set in any.
 std::uint8_t LowZeros(std::uint64_t all) { return all == 0 ? 0 : static_cast<std::uint8_t>(std::countr_zero(all)); }
@@ -81,6 +90,7 @@ BlockList::Group BlockList::Pack(std::span<const FoundBlock> blocks) {
   group.offsetBits = WidthOf(offsets >> group.offsetShift);
   group.sizeBits = WidthOf(sizes);
   group.markBits = WidthOf(marks);
+  group.blockBits = static_cast<std::uint8_t>(group.idBits + group.offsetBits + group.sizeBits + group.markBits);
   group.bits = std::make_unique<std::byte[]>(group.Bytes());
   std::size_t at = 0;
   for (const FoundBlock& block : blocks) {
@@ -92,51 +102,68 @@ BlockList::Group BlockList::Pack(std::span<const FoundBlock> blocks) {
   return group;
 }
 
-std::size_t BlockList::Group::Bytes() const { return (kGroup * BitsOfBlock() + 7) / 8 + kBehind; }
+std::size_t BlockList::Group::Bytes() const { return (kGroup * blockBits + 7) / 8 + kBehind; }
 
-std::uint64_t BlockList::Group::Id(std::size_t i) const {
-  return firstId + (Get(bits.get(), i * BitsOfBlock(), idBits) << idShift);
-}
+std::uint64_t BlockList::Group::PackedId(std::size_t i) const { return Get(bits.get(), i * blockBits, idBits); }
 
 FoundBlock BlockList::Group::Block(std::size_t i) const {
-  std::size_t at = i * BitsOfBlock() + idBits;
-  const std::uint64_t offset = Get(bits.get(), at, offsetBits) << offsetShift;
-  at += offsetBits;
-  const std::uint64_t size = Get(bits.get(), at, sizeBits);
-  const std::uint64_t marks = Get(bits.get(), at + sizeBits, markBits);
-  return {.bid = Bid{Id(i)},
-          .offset = leastOffset + offset,
-          .cb = static_cast<std::uint16_t>(size),
-          .kind = static_cast<BlockKind>(marks >> kKindShift),
-          .grade = static_cast<Grade>(marks & ((1u << kGradeBits) - 1)),
-          .isNamed = (marks >> kGradeBits & 1) != 0};
+  const std::size_t at = i * blockBits;
+  const unsigned sizeAt = unsigned{idBits} + offsetBits;
+  const unsigned marksAt = sizeAt + sizeBits;
+  const auto blockOf = [this](std::uint64_t id, std::uint64_t offset, std::uint64_t size, std::uint64_t marks) {
+    return FoundBlock{.bid = Bid{firstId + (id << idShift)},
+                      .offset = leastOffset + (offset << offsetShift),
+                      .cb = static_cast<std::uint16_t>(size),
+                      .kind = static_cast<BlockKind>(marks >> kKindShift),
+                      .grade = static_cast<Grade>(marks & Mask(kGradeBits)),
+                      .isNamed = (marks >> kGradeBits & 1) != 0};
+  };
+  if (blockBits > kBitsOfWord) {
+    const auto get = [&](unsigned from, unsigned width) { return Get(bits.get(), at + from, width); };
+    return blockOf(get(0, idBits), get(idBits, offsetBits), get(sizeAt, sizeBits), get(marksAt, markBits));
+  }
+  const std::uint64_t word = WordAt(bits.get(), at);  // all of it, of nearly every block
+  return blockOf(word & Mask(idBits), word >> idBits & Mask(offsetBits), word >> sizeAt & Mask(sizeBits),
+                 word >> marksAt & Mask(markBits));
+}
+
+/// The first block whose id is not below one that is above that of the first; kGroup where there is none.
+std::size_t BlockList::Group::FirstFrom(std::uint64_t id) const {
+  const std::uint64_t packed = ((id - firstId - 1) >> idShift) + 1;
+  const std::uint64_t mask = Mask(idBits);
+  const auto isBelow = [&](std::size_t i) {
+    return (idBits > kBitsOfWord ? PackedId(i) : WordAt(bits.get(), i * blockBits) & mask) < packed;
+  };
+  std::size_t first = 0;
+  for (std::size_t step = kGroup / 2; step != 0; step /= 2) {
+    if (isBelow(first + step - 1)) first += step;
+  }
+  return isBelow(first) ? first + 1 : first;
 }
 
 FoundBlock BlockList::operator[](std::size_t number) const {
-  const std::size_t group = number / kGroup;
+  const std::size_t group = taken_ + number / kGroup;
   return group < groups_.size() ? groups_[group].Block(number % kGroup) : tail_[number % kGroup];
 }
 
 Bid BlockList::IdOf(std::size_t number) const {
-  const std::size_t group = number / kGroup;
+  const std::size_t group = taken_ + number / kGroup;
   return group < groups_.size() ? Bid{groups_[group].Id(number % kGroup)} : tail_[number % kGroup].bid;
 }
 
 std::size_t BlockList::FirstFrom(Bid bid) const {
-  // The last group that begins below the id holds it, or ends ahead of it.
-  const auto behind = std::ranges::lower_bound(groups_, Value(bid), {}, &Group::firstId);
-  auto begin = static_cast<std::size_t>(behind - groups_.begin()) * kGroup;
-  std::size_t end = behind == groups_.end() ? size() : begin;
-  begin -= std::min(begin, kGroup);
-  while (begin < end) {
-    const std::size_t middle = begin + (end - begin) / 2;
-    if (IdOf(middle) < bid) {
-      begin = middle + 1;
-    } else {
-      end = middle;
-    }
+  const auto first = groups_.begin() + static_cast<std::ptrdiff_t>(taken_);
+  const auto behind = std::ranges::lower_bound(first, groups_.end(), Value(bid), {}, &Group::firstId);
+  if (behind != first) {
+    // The last group that begins below the id holds it, or all of it is below.
+    const auto group = static_cast<std::size_t>(behind - first) - 1;
+    const std::size_t number = std::prev(behind)->FirstFrom(Value(bid));
+    if (number < kGroup || behind != groups_.end()) return group * kGroup + number;
+  } else if (behind != groups_.end()) {
+    return 0;
   }
-  return begin;
+  const auto inTail = std::ranges::lower_bound(tail_, bid, {}, &FoundBlock::bid);
+  return size() - static_cast<std::size_t>(tail_.end() - inTail);
 }
 
 std::optional<std::size_t> BlockList::NumberOf(Bid bid) const {
@@ -146,18 +173,18 @@ std::optional<std::size_t> BlockList::NumberOf(Bid bid) const {
 
 bool BlockList::TakeFirst(std::vector<FoundBlock>& out) {
   out.clear();
-  if (groups_.empty()) {
+  if (taken_ == groups_.size()) {
     out.swap(tail_);
     return !out.empty();
   }
-  for (std::size_t i = 0; i < kGroup; ++i) out.push_back(groups_.front().Block(i));
-  groups_.pop_front();
+  for (std::size_t i = 0; i < kGroup; ++i) out.push_back(groups_[taken_].Block(i));
+  groups_[taken_++].bits.reset();
   return true;
 }
 
 std::size_t BlockList::Memory() const {
-  std::size_t bytes = tail_.capacity() * sizeof(FoundBlock) + groups_.size() * sizeof(Group);
-  for (const Group& group : groups_) bytes += group.Bytes();
+  std::size_t bytes = tail_.capacity() * sizeof(FoundBlock) + groups_.capacity() * sizeof(Group);
+  for (std::size_t i = taken_; i < groups_.size(); ++i) bytes += groups_[i].Bytes();
   return bytes;
 }
 

@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -36,9 +35,10 @@ class BlockList {
   /// Its id is not below that of the last.
   void Add(const FoundBlock& block);
 
-  std::size_t size() const { return groups_.size() * kGroup + tail_.size(); }
+  std::size_t size() const { return (groups_.size() - taken_) * kGroup + tail_.size(); }
   bool empty() const { return size() == 0; }
   FoundBlock operator[](std::size_t number) const;
+  Bid IdOf(std::size_t number) const;
   Iterator begin() const;
   Iterator end() const;
 
@@ -67,18 +67,20 @@ class BlockList {
     std::uint8_t offsetBits = 0;
     std::uint8_t sizeBits = 0;
     std::uint8_t markBits = 0;
+    std::uint8_t blockBits = 0;  ///< of all fields
 
-    std::size_t BitsOfBlock() const { return std::size_t{idBits} + offsetBits + sizeBits + markBits; }
     std::size_t Bytes() const;
-    std::uint64_t Id(std::size_t i) const;
+    std::uint64_t PackedId(std::size_t i) const;
+    std::uint64_t Id(std::size_t i) const { return firstId + (PackedId(i) << idShift); }
     FoundBlock Block(std::size_t i) const;
+    std::size_t FirstFrom(std::uint64_t id) const;
   };
   static_assert(sizeof(Group) <= 32);
 
   static Group Pack(std::span<const FoundBlock> blocks);
-  Bid IdOf(std::size_t number) const;
 
-  std::deque<Group> groups_;
+  std::vector<Group> groups_;
+  std::size_t taken_ = 0;         ///< groups that are empty by now
   std::vector<FoundBlock> tail_;  ///< fewer than a group
 };
 

@@ -53,18 +53,20 @@ class BlockMap {
 
   void AskTree(const std::optional<ToldByHeader>& told, RunContext& run) {
     const FoundTree tree(source_, evidence_, PageType::kBbt, run);
-    for (const FoundBlock& block : whole_) {
-      const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
-      if (!isSigned) unsigned_.emplace(block.offset, block.bid);
+    const std::uint64_t newest = whole_.empty() ? 0 : Value(whole_.IdOf(whole_.size() - 1));
+    if (finds_.hasMovedBlocks || newest > kMostSigned) {
+      for (const FoundBlock& block : whole_) {
+        const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
+        if (!isSigned) unsigned_.emplace(block.offset, block.bid);
+      }
     }
-    const std::uint64_t newest = whole_.empty() ? 0 : Value(whole_[whole_.size() - 1].bid);
     const auto members = MembersOfNewest(tree, told ? std::optional(told->blockRoot) : std::nullopt, newest);
     Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
       BbtEntry entry = DecodeBbtEntry(bytes, *evidence_.layout);
       if (page.found.grade == Grade::kHurt || entry.cb == 0 || entry.cb > evidence_.layout->maxBlockData) return;
       entry.ref.bid = Canonical(entry.ref.bid);
       if (const auto known = whole_.NumberOf(entry.ref.bid)) {
-        const bool isRepeated = *known + 1 < whole_.size() && whole_[*known + 1].bid == entry.ref.bid;
+        const bool isRepeated = *known + 1 < whole_.size() && whole_.IdOf(*known + 1) == entry.ref.bid;
         if (isRepeated) Prefer(entry, shade);
       } else if (unsigned_.contains(entry.ref.ib)) {
         CompareId(entry);
@@ -186,6 +188,7 @@ class BlockMap {
       block.kind = UnpackKind(block.kind, evidence_.encoding);
     }
     block.isNamed = finds_.named.Contains(block.bid);
+    evidence_.hasHurtBlocks = evidence_.hasHurtBlocks || !IsWhole(block);
     evidence_.blocks.Add(block);
   }
 

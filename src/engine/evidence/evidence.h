@@ -39,6 +39,7 @@ struct Evidence {
   CryptMethod encoding = CryptMethod::kNone;
   std::vector<FoundPage> pages;    ///< of both trees, by ascending offset
   BlockList blocks;                ///< one for each id, the one that counts
+  bool hasHurtBlocks = false;      ///< one of them is not whole
   std::uint64_t failedBlocks = 0;  ///< that look like one and fail their checksum
   bool hasStrays = false;  ///< much of the file was written elsewhere or cannot be told, so it may hold other stores
 

@@ -64,8 +64,10 @@ void PutBackLostBytes(Source& source, Finds& finds, RunContext& run) {
 }  // namespace
 
 std::optional<FoundBlock> Evidence::Find(Bid bid) const {
-  const auto number = NumberOf(bid);
-  return number ? std::optional(blocks[*number]) : std::nullopt;
+  const std::size_t number = blocks.FirstFrom(Canonical(bid));
+  if (number == blocks.size()) return std::nullopt;
+  const FoundBlock block = blocks[number];
+  return block.bid == Canonical(bid) ? std::optional(block) : std::nullopt;
 }
 
 std::optional<ToldByHeader> ReadHeader(const Source& source) {
