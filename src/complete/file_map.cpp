@@ -45,7 +45,7 @@ FileMap MapOf(const engine::ProvenStore& store) {
     painter.Paint(page.offset, layout.pageSize, IsHurt(page.grade) ? FileUse::kFailed : FileUse::kTree);
   }
   for (std::size_t i = 0; i < store.Found().blocks.size(); ++i) {
-    const engine::FoundBlock& block = store.Found().blocks[i];
+    const engine::FoundBlock block = store.Found().blocks[i];
     const bool isFreed = store.Judged().statuses[i] == engine::BlockStatus::kFreed;
     const FileUse use = IsHurt(block.grade) ? FileUse::kFailed : isFreed ? FileUse::kFreed : FileUse::kLive;
     painter.Paint(block.offset, BlockSizeOnDisk(block.cb, layout), use);

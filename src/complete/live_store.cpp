@@ -6,7 +6,7 @@
 namespace velmora::complete {
 
 std::uint64_t LiveStore::BytesInUse() const {
-  const std::vector<engine::FoundBlock>& blocks = found_.Found().blocks;
+  const engine::BlockList& blocks = found_.Found().blocks;
   const std::vector<engine::BlockStatus>& statuses = found_.Judged().statuses;
   std::uint64_t bytes = 0;
   for (std::size_t i = 0; i < blocks.size(); ++i) {

@@ -56,8 +56,8 @@ class LiveStore : public ndb::BlockSource {
  private:
   void CountBytes(Bid bid, std::size_t bytesOfContent) const {
     const bool mayBePacked = Format().offInflatedSize != 0;
-    const engine::FoundBlock* block = mayBePacked ? found_.Found().Find(bid) : nullptr;
-    bytesRead_ += block != nullptr ? block->cb : bytesOfContent;
+    const auto block = mayBePacked ? found_.Found().Find(bid) : std::nullopt;
+    bytesRead_ += block ? block->cb : bytesOfContent;
   }
 
   const engine::ProvenStore& found_;

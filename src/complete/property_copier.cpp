@@ -34,9 +34,9 @@ bool IsStoredAlike(const LiveStore& source, const ndb::NdbWriter& target) {
 void AddHurt(const LiveStore& source, MissingPart part, Missing& missing) {
   const std::vector<Bid> hurt = source.TakeHurt();
   if (hurt.empty()) return;
-  const engine::FoundBlock* block = source.Found().Found().Find(hurt.front());
+  const std::optional<engine::FoundBlock> block = source.Found().Found().Find(hurt.front());
   part.cause = {FailureKind::kCorrupt, {ObjectKind::kBlock, hurt.front()}, {}, "the checksum of the block is wrong"};
-  if (block != nullptr) part.cause.offset = block->offset;
+  if (block) part.cause.offset = block->offset;
   missing.push_back(std::move(part));
 }
 

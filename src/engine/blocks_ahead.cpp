@@ -46,8 +46,8 @@ void BlocksAhead::Ask(Bid bid, Part part, std::vector<Wanted>& wanted) {
 std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> wanted) {
   std::vector<Placed> placed;
   for (const auto& [bid, part] : wanted) {
-    const FoundBlock* block = store_.Found().Find(bid);
-    if (block == nullptr || !IsWhole(*block)) continue;
+    const std::optional<FoundBlock> block = store_.Found().Find(bid);
+    if (!block || !IsWhole(*block)) continue;
     const std::size_t size = BlockSizeOnDisk(block->cb, store_.Format());
     if (!pieces_.Holds(block->offset, size)) {
       if (size > bytesLeft_) {
@@ -56,9 +56,9 @@ std::vector<BlocksAhead::Placed> BlocksAhead::Place(std::span<const Wanted> want
       }
       bytesLeft_ -= size;
     }
-    placed.push_back({block, part});
+    placed.push_back({*block, part});
   }
-  std::ranges::sort(placed, {}, [](const Placed& one) { return one.block->offset; });
+  std::ranges::sort(placed, {}, Begin);
   return placed;
 }
 
@@ -106,7 +106,7 @@ std::ptrdiff_t BlocksAhead::TakeGaps(std::span<const Placed> blocks) {
 /// A block that lies in another one is left: to decode it in its place would change the other.
 void BlocksAhead::Take(const Placed& placed) {
   const Generation& layout = store_.Format();
-  const FoundBlock& found = *placed.block;
+  const FoundBlock& found = placed.block;
   const std::span<std::byte> onDisk = pieces_.Claim(found.offset, BlockSizeOnDisk(found.cb, layout));
   if (onDisk.empty()) return;
   const auto stored = onDisk.first(found.cb);

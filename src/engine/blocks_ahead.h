@@ -56,12 +56,12 @@ class BlocksAhead {
     std::uint32_t crc = 0;
   };
   struct Placed {
-    const FoundBlock* block = nullptr;
+    FoundBlock block;
     Part part = Part::kObject;
   };
 
-  static std::uint64_t Begin(const Placed& one) { return one.block->offset; }
-  std::uint64_t End(const Placed& one) const { return Begin(one) + BlockSizeOnDisk(one.block->cb, store_.Format()); }
+  static std::uint64_t Begin(const Placed& one) { return one.block.offset; }
+  std::uint64_t End(const Placed& one) const { return Begin(one) + BlockSizeOnDisk(one.block.cb, store_.Format()); }
 
   void Ask(Bid bid, Part part, std::vector<Wanted>& wanted);
   std::vector<Placed> Place(std::span<const Wanted> wanted);

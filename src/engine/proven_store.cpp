@@ -28,9 +28,6 @@ std::unique_ptr<const ProvenStore> ProvenStore::Prove(std::unique_ptr<const plat
   if (deleted || !store->judgement_.nodesAreExact) {
     store->lost_ = FindLostNodes(store->blocks_, store->evidence_, store->judgement_, deleted, run);
   }
-  store->hasHurtBlocks_ = std::ranges::any_of(store->evidence_.blocks, [](const FoundBlock& block) {
-    return block.grade == Grade::kHurt || block.grade == Grade::kNamed;
-  });
   store->GatherNodes();
   store->FindKind();
   store->FindNames(run);

@@ -38,7 +38,7 @@ class ProvenStore : public ndb::BlockSource {
 
   /// Whether the content of a block is proven; one that is hurt is read as far as it can be.
   bool IsTrusted(Bid bid) const { return blocks_.IsTrusted(bid); }
-  bool HasHurtBlocks() const { return hasHurtBlocks_; }
+  bool HasHurtBlocks() const { return evidence_.hasHurtBlocks; }
 
   /// All live nodes by ascending id: those that pages name, those that stand in for them, and those that were found
   /// without any.
@@ -82,7 +82,6 @@ class ProvenStore : public ndb::BlockSource {
   bool isNameMapWhole_ = false;
   std::vector<ndb::NodeTrees> nameMaps_;
   StoreKind kind_ = StoreKind::kNone;
-  bool hasHurtBlocks_ = false;
 };
 
 }  // namespace velmora::engine

@@ -142,7 +142,7 @@ TEST_P(BlocksAheadTest, LeaveOutBlocksThatAreNotWhatTheyWere) {
   forge::Bytes bytes = Forge(20'000);
   const auto before = Prove(bytes);
   const ndb::NodeTrees trees = Messages(*before).front();
-  const FoundBlock* block = before->Found().Find(trees.bidData);
+  const auto block = before->Found().Find(trees.bidData);
   bytes[block->offset + 3] ^= std::byte{1};
   const auto store = Prove(bytes);
   const BlocksAhead ahead(*store, Messages(*store), true);

@@ -34,7 +34,7 @@ void CheckEvidence(const Evidence& evidence, std::uint64_t size) {
   for (const FoundBlock& block : evidence.blocks) {
     Require(block.cb > 0 && block.offset < size);
     Require(block.offset + block.cb <= size || block.grade == Grade::kNamed);  // the end of the file may cut one off
-    Require(block.bid == Canonical(block.bid) && evidence.Find(block.bid) == &block);
+    Require(block.bid == Canonical(block.bid) && evidence.Find(block.bid) == block);
   }
 }
 

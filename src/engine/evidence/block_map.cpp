@@ -5,6 +5,7 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "engine/evidence/block_sorter.h"
 #include "engine/evidence/found_tree.h"
 #include "store/format/block.h"
 
@@ -13,6 +14,9 @@ namespace {
 
 /// The signature of a block covers no more of its id.
 constexpr std::uint64_t kMostSigned = UINT32_MAX;
+
+/// Ids are even.
+constexpr Bid kBehindAll{UINT64_MAX};
 
 /// A block as an entry of the block tree names it.
 struct Named {
@@ -27,24 +31,17 @@ class BlockMap {
 
   void Run(const std::optional<ToldByHeader>& told, RunContext& run) {
     TakePages();
-    evidence_.blocks = std::move(finds_.whole);
-    std::ranges::sort(evidence_.blocks, {}, ByIdAndPlace);
+    finds_.sorted.Take(finds_.whole);
+    whole_ = finds_.sorted.Merge();
     AskTree(told, run);
     MendIds();
-    DropSecondOnes();
-    AddNamed();
-    AddHurt();
-    FindKinds(run);
-    MarkNamed();
-    evidence_.blocks.shrink_to_fit();
+    TakeNamed();
+    TakeHurt();
+    Join(run);
     evidence_.pages.shrink_to_fit();
   }
 
  private:
-  static std::tuple<Bid, bool, std::uint64_t> ByIdAndPlace(const FoundBlock& block) {
-    return {block.bid, block.grade != Grade::kProven, block.offset};
-  }
-
   // What is left of a page that was written over lies under what was written there.
   void TakePages() {
     evidence_.pages = std::move(finds_.pages);
@@ -56,22 +53,24 @@ class BlockMap {
 
   void AskTree(const std::optional<ToldByHeader>& told, RunContext& run) {
     const FoundTree tree(source_, evidence_, PageType::kBbt, run);
-    for (const FoundBlock& block : evidence_.blocks) {
-      const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
-      if (!isSigned) unsigned_.emplace(block.offset, block.bid);
+    const std::uint64_t newest = whole_.empty() ? 0 : Value(whole_.IdOf(whole_.size() - 1));
+    if (finds_.hasMovedBlocks || newest > kMostSigned) {
+      for (const FoundBlock& block : whole_) {
+        const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
+        if (!isSigned) unsigned_.emplace(block.offset, block.bid);
+      }
     }
-    const std::uint64_t newest = evidence_.blocks.empty() ? 0 : Value(evidence_.blocks.back().bid);
     const auto members = MembersOfNewest(tree, told ? std::optional(told->blockRoot) : std::nullopt, newest);
     Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
       BbtEntry entry = DecodeBbtEntry(bytes, *evidence_.layout);
       if (page.found.grade == Grade::kHurt || entry.cb == 0 || entry.cb > evidence_.layout->maxBlockData) return;
       entry.ref.bid = Canonical(entry.ref.bid);
-      const auto known = std::ranges::equal_range(evidence_.blocks, entry.ref.bid, {}, &FoundBlock::bid);
-      if (known.size() > 1) {
-        Prefer(entry, shade);
-      } else if (known.empty() && unsigned_.contains(entry.ref.ib)) {
+      if (const auto known = whole_.NumberOf(entry.ref.bid)) {
+        const bool isRepeated = *known + 1 < whole_.size() && whole_.IdOf(*known + 1) == entry.ref.bid;
+        if (isRepeated) Prefer(entry, shade);
+      } else if (unsigned_.contains(entry.ref.ib)) {
         CompareId(entry);
-      } else if (known.empty() && IsFree(entry)) {
+      } else if (IsFree(entry)) {
         named_.push_back(
             {{.bid = entry.ref.bid, .offset = entry.ref.ib, .cb = entry.cb, .grade = Grade::kNamed}, shade});
       }
@@ -91,98 +90,106 @@ class BlockMap {
     if (std::has_single_bit(Value(bid) ^ Value(entry.ref.bid))) idOf_.emplace(entry.ref.ib, entry);
   }
 
-  void MendIds() {
-    if (idOf_.empty()) return;
-    for (FoundBlock& block : evidence_.blocks) {
-      const auto mended = idOf_.find(block.offset);
-      if (mended != idOf_.end() && mended->second.cb == block.cb) block.bid = mended->second.ref.bid;
-    }
-    std::ranges::sort(evidence_.blocks, {}, ByIdAndPlace);
-  }
-
   /// Of several blocks of an id, the one that the best entry names.
   void Prefer(const BbtEntry& entry, Shade shade) {
     const auto [at, isNew] = preferred_.try_emplace(entry.ref.bid, entry.ref.ib, shade);
     if (!isNew && shade < at->second.second) at->second = {entry.ref.ib, shade};
   }
 
-  void DropSecondOnes() {
-    auto& blocks = evidence_.blocks;
-    std::size_t kept = 0;
-    for (std::size_t i = 0, end = 0; i < blocks.size(); i = end) {
-      for (end = i; end < blocks.size() && blocks[end].bid == blocks[i].bid; ++end) {
+  void MendIds() {
+    if (idOf_.empty()) return;
+    BlockSorter sorter;
+    std::vector<FoundBlock> piece;
+    std::vector<FoundBlock> some;
+    while (whole_.TakeFirst(some)) {
+      for (FoundBlock& block : some) {
+        const auto mended = idOf_.find(block.offset);
+        if (mended != idOf_.end() && mended->second.cb == block.cb) block.bid = mended->second.ref.bid;
+        piece.push_back(block);
       }
-      std::size_t best = i;
-      if (const auto preferred = preferred_.find(blocks[i].bid); preferred != preferred_.end()) {
-        for (std::size_t j = i; j < end; ++j) {
-          if (blocks[j].offset == preferred->second.first) best = j;
-        }
-      }
-      blocks[kept++] = blocks[best];
+      if (piece.size() >= BlockSorter::kPiece) sorter.Take(piece);
     }
-    blocks.resize(kept);
+    sorter.Take(piece);
+    whole_ = sorter.Merge();
   }
 
-  void AddNamed() {
-    std::ranges::stable_sort(named_, {}, [](const Named& named) { return std::tuple(named.block.bid, named.shade); });
-    const auto second = std::ranges::unique(named_, {}, [](const Named& named) { return named.block.bid; });
-    named_.erase(second.begin(), second.end());
-    for (const Named& named : named_) evidence_.blocks.push_back(named.block);
-    Merge(evidence_.blocks.size() - named_.size());
-    named_ = {};
-  }
-
-  void AddHurt() {
+  void TakeHurt() {
     auto& hurt = finds_.hurt;
     std::erase_if(hurt, [&](const FoundBlock& block) {
       return !finds_.taken.IsFree(block.offset, BlockSizeOnDisk(block.cb, *evidence_.layout));
     });
     evidence_.failedBlocks = hurt.size();
     std::ranges::sort(hurt, {}, ByIdAndPlace);
-    const std::size_t known = evidence_.blocks.size();
-    for (std::size_t i = 0; i < hurt.size(); ++i) {
-      const auto first = evidence_.blocks.begin();
-      const auto same = std::ranges::lower_bound(first, first + known, hurt[i].bid, {}, &FoundBlock::bid);
-      if (same == first + known || same->bid != hurt[i].bid) {
-        if (i == 0 || hurt[i].bid != hurt[i - 1].bid) evidence_.blocks.push_back(hurt[i]);
-      } else if (same->grade == Grade::kNamed && same->offset == hurt[i].offset && same->cb == hurt[i].cb) {
-        *same = hurt[i];
-      }
-    }
-    Merge(known);
-    hurt = {};
   }
 
-  /// The blocks from that one on are sorted, and those ahead of it.
-  void Merge(std::size_t from) {
-    auto& blocks = evidence_.blocks;
-    std::ranges::inplace_merge(blocks, blocks.begin() + static_cast<std::ptrdiff_t>(from), {}, &FoundBlock::bid);
+  /// Of each id the place that the best entry names.
+  void TakeNamed() {
+    std::ranges::stable_sort(named_, {}, [](const Named& named) { return std::tuple(named.block.bid, named.shade); });
+    const auto second = std::ranges::unique(named_, {}, [](const Named& named) { return named.block.bid; });
+    named_.erase(second.begin(), second.end());
+  }
+
+  /// Puts the list together. That of the whole blocks gives its memory back meanwhile.
+  void Join(RunContext& run) {
+    std::optional<FoundBlock> best;  ///< of those of one id
+    const auto add = [&] {
+      AddLostBelow(best->bid, run);
+      PassOver(best->bid);
+      Add(*best, run);
+    };
+    std::vector<FoundBlock> some;
+    while (whole_.TakeFirst(some)) {
+      for (const FoundBlock& block : some) {
+        const bool isFirst = !best || best->bid != block.bid;
+        if (isFirst && best) add();
+        if (isFirst || IsPreferred(block)) best = block;
+      }
+    }
+    if (best) add();
+    AddLostBelow(kBehindAll, run);
+  }
+
+  bool IsPreferred(const FoundBlock& block) const {
+    const auto preferred = preferred_.find(block.bid);
+    return preferred != preferred_.end() && preferred->second.first == block.offset;
+  }
+
+  /// Ids of which no block is whole: what the tree names, or what is left of it there, else the first that is hurt.
+  void AddLostBelow(Bid bid, RunContext& run) {
+    const auto& hurts = finds_.hurt;
+    for (;;) {
+      const Bid ofNamed = namedAt_ < named_.size() ? named_[namedAt_].block.bid : kBehindAll;
+      const Bid ofHurt = hurtAt_ < hurts.size() ? hurts[hurtAt_].bid : kBehindAll;
+      const Bid next = std::min(ofNamed, ofHurt);
+      if (next >= bid) return;
+      FoundBlock block = ofNamed == next ? named_[namedAt_].block : hurts[hurtAt_];
+      for (std::size_t i = hurtAt_; i < hurts.size() && hurts[i].bid == next; ++i) {
+        if (hurts[i].offset == block.offset && hurts[i].cb == block.cb) block = hurts[i];
+      }
+      PassOver(next);
+      Add(block, run);
+    }
+  }
+
+  void PassOver(Bid bid) {
+    while (namedAt_ < named_.size() && named_[namedAt_].block.bid <= bid) ++namedAt_;
+    while (hurtAt_ < finds_.hurt.size() && finds_.hurt[hurtAt_].bid <= bid) ++hurtAt_;
   }
 
   // A block that only the tree names was not looked at yet, one with a wrong id not with the right one.
-  void FindKinds(RunContext& run) {
-    std::vector<std::byte> stored;
-    for (FoundBlock& block : evidence_.blocks) {
-      if (block.grade != Grade::kNamed && !idOf_.contains(block.offset)) {
-        block.kind = UnpackKind(block.kind, evidence_.encoding);
-        continue;
-      }
+  void Add(FoundBlock block, RunContext& run) {
+    if (block.grade == Grade::kNamed || idOf_.contains(block.offset)) {
       run.control.PausePoint();
-      stored.resize(block.cb);
-      stored.resize(source_.ReadAround(block.offset, stored));
+      stored_.resize(block.cb);
+      stored_.resize(source_.ReadAround(block.offset, stored_));
       const BlockTrailer trailer{.cb = block.cb, .bid = block.bid, .cbInflated = block.cb};
-      block.kind = KindsOf(stored, trailer, *evidence_.layout).at(static_cast<std::size_t>(evidence_.encoding));
+      block.kind = KindsOf(stored_, trailer, *evidence_.layout).at(static_cast<std::size_t>(evidence_.encoding));
+    } else {
+      block.kind = UnpackKind(block.kind, evidence_.encoding);
     }
-  }
-
-  void MarkNamed() {
-    auto& named = finds_.named;
-    std::ranges::sort(named);
-    auto block = evidence_.blocks.begin();
-    for (const Bid bid : named) {
-      while (block != evidence_.blocks.end() && block->bid < bid) ++block;
-      if (block != evidence_.blocks.end() && block->bid == bid) block->isNamed = true;
-    }
+    block.isNamed = finds_.named.Contains(block.bid);
+    evidence_.hasHurtBlocks = evidence_.hasHurtBlocks || !IsWhole(block);
+    evidence_.blocks.Add(block);
   }
 
   const Source& source_;
@@ -191,7 +198,11 @@ class BlockMap {
   std::unordered_map<Bid, std::pair<std::uint64_t, Shade>> preferred_;  ///< place of ids that several blocks have
   std::unordered_map<std::uint64_t, Bid> unsigned_;                     ///< by place: ids that no signature proves
   std::unordered_map<std::uint64_t, BbtEntry> idOf_;                    ///< by place: of those whose id is wrong
-  std::vector<Named> named_;
+  BlockList whole_;                                                     ///< may hold several of one id
+  std::vector<Named> named_;                                            ///< and `hurt` of the finds: by id
+  std::size_t namedAt_ = 0;
+  std::size_t hurtAt_ = 0;
+  std::vector<std::byte> stored_;
 };
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <optional>
 #include <vector>
 
+#include "engine/evidence/block_list.h"
+#include "engine/evidence/found_block.h"
 #include "engine/run.h"
 #include "engine/source.h"
 #include "store/format/block.h"
@@ -22,14 +24,6 @@
 
 namespace velmora::engine {
 
-/// How far a page or block can be relied on.
-enum class Grade : std::uint8_t {
-  kProven,  ///< signature and checksum fit
-  kMoved,   ///< the checksum fits: whole, but not where it was written, so that the places in pages may be wrong for it
-  kNamed,   ///< a block that only the block tree tells of: its place and size are known, its content is not proven
-  kHurt,    ///< the signature fits, the checksum does not: some of its bytes are wrong
-};
-
 /// A page of the node or block tree, of whatever age.
 struct FoundPage {
   std::uint64_t offset = 0;
@@ -40,39 +34,18 @@ struct FoundPage {
   bool isMended = false;  ///< one bit in the file is wrong, and the checksum tells which
 };
 
-/// What a block is, by its first bytes.
-enum class BlockKind : std::uint8_t {
-  kData,
-  kPropertyContext,  ///< the first block of a heap with properties
-  kTable,            ///< the first block of a heap with a table
-  kList,             ///< XBLOCK or XXBLOCK: a list of data blocks
-  kSubnodes,         ///< SLBLOCK or SIBLOCK: a list of sub-nodes
-};
-
-struct FoundBlock {
-  Bid bid{};                 ///< canonical
-  std::uint64_t offset = 0;  ///< of its first byte in the file
-  std::uint16_t cb = 0;      ///< bytes of data as stored
-  BlockKind kind = BlockKind::kData;
-  Grade grade = Grade::kProven;
-  bool isNamed = false;  ///< another block names it: it is no block that a node entry would name as its data or list
-};
-
-/// Whether all bytes of a block are those that were written.
-constexpr bool IsWhole(const FoundBlock& block) {
-  return block.grade == Grade::kProven || block.grade == Grade::kMoved;
-}
-
 struct Evidence {
   const Generation* layout = nullptr;  ///< null: no page and no block proves itself, so this is no store
   CryptMethod encoding = CryptMethod::kNone;
   std::vector<FoundPage> pages;    ///< of both trees, by ascending offset
-  std::vector<FoundBlock> blocks;  ///< by ascending id; one for each id, the one that counts
+  BlockList blocks;                ///< one for each id, the one that counts
+  bool hasHurtBlocks = false;      ///< one of them is not whole
   std::uint64_t failedBlocks = 0;  ///< that look like one and fail their checksum
   bool hasStrays = false;  ///< much of the file was written elsewhere or cannot be told, so it may hold other stores
 
-  /// The block of that id (bit 0 ignored); null where none was found.
-  const FoundBlock* Find(Bid bid) const;
+  /// The block of that id (bit 0 ignored), and its number in the list; nothing where none was found.
+  std::optional<FoundBlock> Find(Bid bid) const;
+  std::optional<std::size_t> NumberOf(Bid bid) const { return blocks.NumberOf(Canonical(bid)); }
 };
 
 /// What a header that proves itself says of format and encoding, and where its trees begin.

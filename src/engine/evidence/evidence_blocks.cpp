@@ -39,8 +39,8 @@ void UnpackPart(std::vector<std::byte>& stored, const FoundBlock& block, const E
 }  // namespace
 
 bool EvidenceBlocks::FindBlock(Bid bid, std::vector<std::byte>& out) const {
-  const FoundBlock* block = evidence_.Find(bid);
-  if (block == nullptr) return false;
+  const std::optional<FoundBlock> block = evidence_.Find(bid);
+  if (!block) return false;
   if (!IsWhole(*block)) {
     out.resize(block->cb);
     out.resize(source_.ReadAround(block->offset, out));
@@ -67,13 +67,13 @@ StoredData EvidenceBlocks::ReadWhole(const FoundBlock& block, std::vector<std::b
 
 std::optional<std::size_t> EvidenceBlocks::SizeOf(Bid bid) const {
   if (evidence_.layout->offInflatedSize != 0) return std::nullopt;
-  const FoundBlock* block = evidence_.Find(bid);
-  return block != nullptr && IsWhole(*block) ? std::optional<std::size_t>(block->cb) : std::nullopt;
+  const std::optional<FoundBlock> block = evidence_.Find(bid);
+  return block && IsWhole(*block) ? std::optional<std::size_t>(block->cb) : std::nullopt;
 }
 
 std::optional<StoredData> EvidenceBlocks::FindStored(Bid bid, std::vector<std::byte>& out) const {
-  const FoundBlock* block = evidence_.Find(bid);
-  if (block == nullptr || !IsWhole(*block)) return std::nullopt;
+  const std::optional<FoundBlock> block = evidence_.Find(bid);
+  if (!block || !IsWhole(*block)) return std::nullopt;
   return ReadWhole(*block, out);
 }
 
@@ -86,8 +86,8 @@ std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {
 }
 
 bool EvidenceBlocks::IsTrusted(Bid bid) const {
-  const FoundBlock* block = evidence_.Find(bid);
-  return block != nullptr && IsWhole(*block);
+  const std::optional<FoundBlock> block = evidence_.Find(bid);
+  return block && IsWhole(*block);
 }
 
 }  // namespace velmora::engine

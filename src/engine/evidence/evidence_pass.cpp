@@ -190,6 +190,7 @@ void Finds::Add(const Sights& behind) {
   Sights::Add(behind);
   for (const FoundPage& page : behind.pages) Mark(page);
   for (const FoundBlock& block : behind.whole) Mark(block);
+  if (whole.size() >= BlockSorter::kPiece) sorted.Take(whole);
 }
 
 std::vector<Finds> LookThrough(const Source& source, std::span<const Generation* const> layouts, RunContext& run) {

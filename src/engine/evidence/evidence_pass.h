@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/evidence/block_sorter.h"
 #include "engine/evidence/evidence.h"
 #include "engine/evidence/sights.h"
 #include "engine/evidence/slot_map.h"
@@ -19,6 +20,7 @@ namespace velmora::engine {
 struct Finds : Sights {
   Finds(const Generation& itsLayout, std::uint64_t fileSize) : Sights(itsLayout), taken(fileSize, itsLayout) {}
 
+  BlockSorter sorted;       ///< whole blocks ahead of those that `whole` holds
   SlotMap taken;            ///< by whole blocks and proven pages
   bool soughtMoved = true;  ///< moved blocks, everywhere
 

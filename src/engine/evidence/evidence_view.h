@@ -28,9 +28,8 @@ class EvidenceView {
 
   /// kUnknown of a block that was not found.
   BlockStatus StatusOf(Bid bid) const {
-    const FoundBlock* block = evidence_.Find(bid);
-    if (block == nullptr) return BlockStatus::kUnknown;
-    return judgement_.statuses[static_cast<std::size_t>(block - evidence_.blocks.data())];
+    const std::optional<std::size_t> number = evidence_.NumberOf(bid);
+    return number ? judgement_.statuses[*number] : BlockStatus::kUnknown;
   }
   bool IsFreed(Bid bid) const { return StatusOf(bid) == BlockStatus::kFreed; }
 

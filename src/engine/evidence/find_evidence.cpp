@@ -19,7 +19,7 @@ constexpr std::uint64_t kMuchUnproven = 4096;
 
 /// The layout that most was found of; the told one in doubt. Null where nothing was found.
 Finds* Likeliest(std::vector<Finds>& finds, const Generation* told) {
-  const auto most = std::ranges::max(finds, {}, &Finds::wholePages).wholePages;
+  const auto most = std::ranges::max_element(finds, {}, &Finds::wholePages)->wholePages;
   const auto weight = [&](const Finds& of) { return most < kTellingPages ? of.Count() : of.wholePages; };
   Finds* best = nullptr;
   for (Finds& of : finds) {
@@ -46,8 +46,8 @@ bool HasUnprovenTail(const Finds& finds) {
 }
 
 bool HasStrays(const Finds& finds) {
-  const auto isMoved = [](const auto& found) { return found.grade == Grade::kMoved; };
-  return HasLittleProven(finds) || HasUnprovenTail(finds) || std::ranges::any_of(finds.whole, isMoved) ||
+  const auto isMoved = [](const FoundPage& page) { return page.grade == Grade::kMoved; };
+  return HasLittleProven(finds) || HasUnprovenTail(finds) || finds.hasMovedBlocks ||
          std::ranges::any_of(finds.pages, isMoved);
 }
 
@@ -63,9 +63,11 @@ void PutBackLostBytes(Source& source, Finds& finds, RunContext& run) {
 
 }  // namespace
 
-const FoundBlock* Evidence::Find(Bid bid) const {
-  const auto found = std::ranges::lower_bound(blocks, Canonical(bid), {}, &FoundBlock::bid);
-  return found != blocks.end() && found->bid == Canonical(bid) ? &*found : nullptr;
+std::optional<FoundBlock> Evidence::Find(Bid bid) const {
+  const std::size_t number = blocks.FirstFrom(Canonical(bid));
+  if (number == blocks.size()) return std::nullopt;
+  const FoundBlock block = blocks[number];
+  return block.bid == Canonical(bid) ? std::optional(block) : std::nullopt;
 }
 
 std::optional<ToldByHeader> ReadHeader(const Source& source) {

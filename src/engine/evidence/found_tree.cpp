@@ -9,50 +9,63 @@
 namespace velmora::engine {
 
 FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType type, RunContext& run)
-    : layout_(*evidence.layout), type_(type) {
-  std::vector<std::byte> bytes(layout_.pageSize);
+    : source_(source), layout_(*evidence.layout), type_(type) {
+  std::vector<std::byte> buffer;
   // A large store has hundreds of thousands of pages: to grow by doubling would take twice their memory.
-  const auto count = static_cast<std::size_t>(std::ranges::count(evidence.pages, type, &FoundPage::type));
-  pages_.reserve(count);
-  content_.reserve(count * layout_.pageSize);
+  pages_.reserve(static_cast<std::size_t>(std::ranges::count(evidence.pages, type, &FoundPage::type)));
   for (const FoundPage& found : evidence.pages) {
     if (found.type != type) continue;
     run.control.PausePoint();
-    if (source.Read(found.offset, bytes).value_or(0) != bytes.size()) continue;
-    if (found.isMended && !MendPage(bytes, layout_)) continue;
-    const std::optional<BtPageHead> head = SoundHead(bytes, type, layout_);
-    if (!head || head->cEnt == 0 || head->cLevel != found.level) continue;  // it was written over meanwhile
-    TreePage page{found, UINT64_MAX, 0, content_.size(), head->cEnt, head->cbEnt};
-    content_.insert(content_.end(), bytes.begin(), bytes.begin() + std::size_t{page.count} * page.pitch);
-    if (found.grade == Grade::kHurt) DropOddEntries(page, bytes, *head);
-    for (std::size_t i = 0; i < page.count; ++i) {
-      page.first = std::min(page.first, Key(page, i));
-      page.last = std::max(page.last, Key(page, i));
+    const PageEntries entries = Read(found, buffer);
+    if (entries.Count() == 0) continue;
+    TreePage page{found,
+                  UINT64_MAX,
+                  0,
+                  content_.size(),
+                  static_cast<std::uint16_t>(entries.Count()),
+                  static_cast<std::uint8_t>(entries.pitch)};
+    for (std::size_t i = 0; i < entries.Count(); ++i) {
+      page.first = std::min(page.first, KeyOf(entries[i]));
+      page.last = std::max(page.last, KeyOf(entries[i]));
     }
+    if (found.level != 0) content_.insert(content_.end(), entries.bytes.begin(), entries.bytes.end());
     pages_.push_back(page);
   }
   std::ranges::sort(pages_, std::greater(),
                     [](const TreePage& page) { return std::tuple(page.found.id, page.found.offset); });
 }
 
-// A key out of order has wrong bits, so its entry is another node's or block's.
-void FoundTree::DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head) {
-  const auto odd = OddEntries(bytes, type_, head, layout_);
-  if (!odd) return;
-  for (auto at = odd->rbegin(); at != odd->rend(); ++at, --page.count) {
-    const auto entry = content_.begin() + static_cast<std::ptrdiff_t>(page.begin + *at * page.pitch);
-    content_.erase(entry, entry + page.pitch);
+/// None of a page without entries, and of one that was written over meanwhile.
+PageEntries FoundTree::Read(const FoundPage& found, std::vector<std::byte>& buffer) const {
+  buffer.resize(layout_.pageSize);
+  if (source_.Read(found.offset, buffer).value_or(0) != buffer.size()) return {};
+  if (found.isMended && !MendPage(buffer, layout_)) return {};
+  const std::optional<BtPageHead> head = SoundHead(buffer, type_, layout_);
+  if (!head || head->cLevel != found.level) return {};
+  std::size_t count = head->cEnt;
+  if (found.grade == Grade::kHurt) {
+    // A key out of order has wrong bits, so its entry is another node's or block's.
+    const auto odd = OddEntries(buffer, type_, *head, layout_);
+    for (std::size_t i = odd ? odd->size() : 0; i-- > 0; --count) {
+      const auto entry = buffer.begin() + static_cast<std::ptrdiff_t>((*odd)[i] * head->cbEnt);
+      std::move(entry + head->cbEnt, buffer.begin() + static_cast<std::ptrdiff_t>(count * head->cbEnt), entry);
+    }
   }
+  return {std::span(buffer).first(count * head->cbEnt), head->cbEnt};
 }
 
-std::uint64_t FoundTree::Key(const TreePage& page, std::size_t i) const {
-  return KeyOf(Entry(page, i), type_, layout_);
+PageEntries FoundTree::EntriesOf(const TreePage& page, std::vector<std::byte>& buffer) const {
+  return page.found.level == 0 ? Read(page.found, buffer) : Held(page);
 }
+
+std::uint64_t FoundTree::KeyOf(std::span<const std::byte> entry) const { return engine::KeyOf(entry, type_, layout_); }
 
 std::optional<std::size_t> FoundTree::Root() const {
   if (pages_.empty()) return std::nullopt;
   const auto newest = std::ranges::max_element(pages_, {}, [](const TreePage& page) { return page.found.level; });
-  const std::uint64_t second = newest->count > 1 ? Key(*newest, 1) : UINT64_MAX;
+  std::vector<std::byte> buffer;
+  const PageEntries entries = EntriesOf(*newest, buffer);
+  const std::uint64_t second = entries.Count() > 1 ? KeyOf(entries[1]) : UINT64_MAX;
   const bool isRoot = std::ranges::all_of(pages_, [&](const TreePage& page) {
     return page.found.level != newest->found.level || (page.first < second && page.last >= newest->first);
   });
@@ -71,13 +84,13 @@ std::optional<std::size_t> FoundTree::PageAt(const Bref& ref) const {
 }
 
 std::optional<std::size_t> FoundTree::Child(const TreePage& page, std::size_t i) const {
-  const std::optional<std::size_t> child = PageAt(DecodeBtEntry(Entry(page, i), layout_).ref);
+  const std::optional<std::size_t> child = PageAt(DecodeBtEntry(Held(page)[i], layout_).ref);
   if (!child || pages_[*child].found.level + 1 != page.found.level) return std::nullopt;
   return child;
 }
 
 std::uint64_t FoundTree::ChildId(const TreePage& page, std::size_t i) const {
-  return Value(DecodeBtEntry(Entry(page, i), layout_).ref.bid);
+  return Value(DecodeBtEntry(Held(page)[i], layout_).ref.bid);
 }
 
 }  // namespace velmora::engine

@@ -16,13 +16,25 @@ struct TreePage {
   FoundPage found;
   std::uint64_t first = 0;  ///< its lowest key
   std::uint64_t last = 0;   ///< its highest key
-  std::size_t begin = 0;    ///< of its entries in the content
+  std::size_t begin = 0;    ///< of its entries among those that are held, unless it is a leaf
   std::uint16_t count = 0;
   std::uint8_t pitch = 0;
 };
 
+/// The entries of a page, one after another.
+struct PageEntries {
+  std::span<const std::byte> bytes;
+  std::size_t pitch = 1;
+
+  std::size_t Count() const { return bytes.size() / pitch; }
+  std::span<const std::byte> operator[](std::size_t i) const { return bytes.subspan(i * pitch, pitch); }
+};
+
+/// Holds the entries of the pages above the leaves. Those of the leaves, which are nearly all of a tree, are read again
+/// by whoever asks for them: they would take more memory than all that is known of the blocks they name.
 class FoundTree {
  public:
+  /// `source` and `evidence` must outlive it.
   FoundTree(const Source& source, const Evidence& evidence, PageType type, RunContext& run);
 
   PageType Type() const { return type_; }
@@ -30,10 +42,13 @@ class FoundTree {
   /// By descending id: the newest first.
   std::span<const TreePage> Pages() const { return pages_; }
 
-  std::span<const std::byte> Entry(const TreePage& page, std::size_t i) const {
-    return std::span(content_).subspan(page.begin + i * page.pitch, page.pitch);
-  }
-  std::uint64_t Key(const TreePage& page, std::size_t i) const;
+  /// Those of a leaf are read into `buffer`, which the result views; none where it cannot be read any more.
+  PageEntries EntriesOf(const TreePage& page, std::vector<std::byte>& buffer) const;
+
+  std::uint64_t KeyOf(std::span<const std::byte> entry) const;
+
+  /// The key of an entry of `page`, which is no leaf.
+  std::uint64_t Key(const TreePage& page, std::size_t i) const { return KeyOf(Held(page)[i]); }
 
   /// The newest of the highest pages, if others on its level look like earlier roots: each shares keys with it. If they
   /// stand beside it, they are parts of one tree whose root is gone.
@@ -49,12 +64,16 @@ class FoundTree {
   std::uint64_t ChildId(const TreePage& page, std::size_t i) const;
 
  private:
-  void DropOddEntries(TreePage& page, PageView bytes, const BtPageHead& head);
+  PageEntries Read(const FoundPage& found, std::vector<std::byte>& buffer) const;
+  PageEntries Held(const TreePage& page) const {
+    return {std::span(content_).subspan(page.begin, std::size_t{page.count} * page.pitch), page.pitch};
+  }
 
+  const Source& source_;
   const Generation& layout_;
   PageType type_;
   std::vector<TreePage> pages_;
-  std::vector<std::byte> content_;
+  std::vector<std::byte> content_;  ///< entries of the pages above the leaves
 };
 
 /// Which pages form the tree that the store has now, if that is certain; empty if not.

@@ -66,7 +66,7 @@ class NodeJudge {
       if (entry.nid == kNoNid) return;
       const ndb::NodeTrees trees{Canonical(entry.bidData), Canonical(entry.bidSub)};
       if (page.found.grade == Grade::kHurt) {
-        if (evidence_.Find(trees.bidData) == nullptr || !IsNoneOrFound(trees.bidSub)) return;
+        if (!evidence_.NumberOf(trees.bidData) || !IsNoneOrFound(trees.bidSub)) return;
         ofHurtPages_.push_back(claims_.size());
       }
       claims_.push_back({{entry.nid, trees, entry.nidParent}, StandingOf(shade)});
@@ -118,20 +118,20 @@ class NodeJudge {
       namesFreed = namesFreed || StatusOf(entry.bidData) == BlockStatus::kFreed;
     });
     if (namesFreed) return false;
-    const auto newer = std::ranges::upper_bound(evidence_.blocks, highest, {}, &FoundBlock::bid);
-    return std::none_of(newer, evidence_.blocks.end(), [&](const FoundBlock& block) {
+    for (std::size_t i = evidence_.blocks.FirstFrom(Bid{Value(highest) + 1}); i < evidence_.blocks.size(); ++i) {
+      const FoundBlock block = evidence_.blocks[i];
       const bool isTop = !block.isNamed && block.kind != BlockKind::kData && block.kind != BlockKind::kList;
-      return isTop && block.grade != Grade::kHurt && StatusOf(block.bid) != BlockStatus::kFreed;
-    });
+      if (isTop && block.grade != Grade::kHurt && judgement_.statuses[i] != BlockStatus::kFreed) return false;
+    }
+    return true;
   }
 
   BlockStatus StatusOf(Bid bid) const {
-    const FoundBlock* block = evidence_.Find(bid);
-    return block == nullptr ? BlockStatus::kUnknown
-                            : judgement_.statuses[static_cast<std::size_t>(block - evidence_.blocks.data())];
+    const std::optional<std::size_t> number = evidence_.NumberOf(bid);
+    return number ? judgement_.statuses[*number] : BlockStatus::kUnknown;
   }
   bool IsNoneOrLive(Bid bid) const { return bid == kNoBid || StatusOf(bid) == BlockStatus::kLive; }
-  bool IsNoneOrFound(Bid bid) const { return bid == kNoBid || evidence_.Find(bid) != nullptr; }
+  bool IsNoneOrFound(Bid bid) const { return bid == kNoBid || evidence_.NumberOf(bid).has_value(); }
 
   /// All entries of one node, the newest first.
   void Settle(std::span<NodeClaim> entries) {
@@ -193,10 +193,7 @@ class NodeJudge {
     for (const NodeClaim& claim : judgement_.nodes) {
       if (claim.standing != Standing::kLive) continue;
       for (const Bid bid : {claim.node.trees.bidData, claim.node.trees.bidSub}) {
-        const FoundBlock* block = evidence_.Find(bid);
-        if (block != nullptr) {
-          judgement_.statuses[static_cast<std::size_t>(block - evidence_.blocks.data())] = BlockStatus::kLive;
-        }
+        if (const auto number = evidence_.NumberOf(bid)) judgement_.statuses[*number] = BlockStatus::kLive;
       }
     }
   }

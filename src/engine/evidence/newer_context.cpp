@@ -52,18 +52,19 @@ class ContextSeeker {
   }
 
  private:
-  BlockStatus StatusOf(const FoundBlock& block) const {
-    return judgement_.statuses[static_cast<std::size_t>(&block - evidence_.blocks.data())];
+  /// kUnknown of a block that was not found.
+  BlockStatus StatusOf(Bid bid) const {
+    const std::optional<std::size_t> number = evidence_.NumberOf(bid);
+    return number ? judgement_.statuses[*number] : BlockStatus::kUnknown;
   }
 
   bool IsInDoubt(const NodeClaim& claim) const {
     if (!IsInUse(claim.standing) || TypeOf(claim.node.nid) != NidType::kNormalMessage) return false;
-    const FoundBlock* block = evidence_.Find(claim.node.trees.bidData);
-    return block == nullptr || StatusOf(*block) != BlockStatus::kLive;
+    return StatusOf(claim.node.trees.bidData) != BlockStatus::kLive;
   }
 
   bool IsCandidate(const FoundBlock& block) const {
-    return !block.isNamed && blocks_.IsTrusted(block.bid) && StatusOf(block) != BlockStatus::kFreed;
+    return !block.isNamed && blocks_.IsTrusted(block.bid) && StatusOf(block.bid) != BlockStatus::kFreed;
   }
 
   void IndexTops() {
@@ -114,17 +115,14 @@ class ContextSeeker {
   /// The list of sub-nodes that a context asks for; nothing if it is not there.
   std::optional<Bid> ListOf(Bid context, const std::vector<Nid>& keys, Bid before) const {
     if (!keys.empty()) {
-      const auto end =
-          std::ranges::upper_bound(evidence_.blocks, Bid{Value(context) + kListReach}, {}, &FoundBlock::bid);
-      for (auto at = end; at != evidence_.blocks.begin();) {
-        --at;
-        if (Value(at->bid) + kListReach < Value(context)) break;
-        if (at->kind == BlockKind::kSubnodes && IsCandidate(*at) && Holds(at->bid, keys)) return at->bid;
+      for (std::size_t i = evidence_.blocks.FirstFrom(Bid{Value(context) + kListReach + 1}); i-- > 0;) {
+        const FoundBlock block = evidence_.blocks[i];
+        if (Value(block.bid) + kListReach < Value(context)) break;
+        if (block.kind == BlockKind::kSubnodes && IsCandidate(block) && Holds(block.bid, keys)) return block.bid;
       }
     }
-    const FoundBlock* block = evidence_.Find(before);
-    if (before == kNoBid ? !keys.empty() : block == nullptr || StatusOf(*block) == BlockStatus::kFreed)
-      return std::nullopt;
+    const bool isGone = !evidence_.NumberOf(before) || StatusOf(before) == BlockStatus::kFreed;
+    if (before == kNoBid ? !keys.empty() : isGone) return std::nullopt;
     return Holds(before, keys) ? std::optional(before) : std::nullopt;
   }
 

@@ -38,10 +38,12 @@ void Sights::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grad
   const Kinds kinds = KindsOf(stored, seen.trailer, *layout);
   for (std::size_t i = 0; i < kinds.size(); ++i) votes[i] += IsHeap(kinds[i]) ? 1 : 0;
   if ((kinds[0] == BlockKind::kList || kinds[0] == BlockKind::kSubnodes) && MayName()) {
-    ForEachReference(InternalBlock(stored, *layout), [this](Bid bid) { named.push_back(Canonical(bid)); });
+    ForEachReference(InternalBlock(stored, *layout), [this](Bid bid) { named.Insert(bid); });
   }
   whole.push_back(
       {.bid = seen.trailer.bid, .offset = offset, .cb = seen.trailer.cb, .kind = PackKinds(kinds), .grade = grade});
+  ++wholeBlocks;
+  hasMovedBlocks = hasMovedBlocks || grade == Grade::kMoved;
   NoteEnd(offset + BlockSizeOnDisk(seen.trailer.cb, *layout), usedUpToIt);
 }
 
@@ -61,12 +63,14 @@ void Sights::TakePage(const FoundPage& page) {
 }
 
 void Sights::Add(const Sights& behind) {
-  if (!behind.named.empty() && MayName()) named.insert(named.end(), behind.named.begin(), behind.named.end());
+  if (MayName()) named.Insert(behind.named);
   pages.insert(pages.end(), behind.pages.begin(), behind.pages.end());
   whole.insert(whole.end(), behind.whole.begin(), behind.whole.end());
   hurt.insert(hurt.end(), behind.hurt.begin(), behind.hurt.end());
   for (std::size_t i = 0; i < votes.size(); ++i) votes[i] += behind.votes[i];
   wholePages += behind.wholePages;
+  wholeBlocks += behind.wholeBlocks;
+  hasMovedBlocks = hasMovedBlocks || behind.hasMovedBlocks;
   NoteEnd(behind.end, usedSlots + behind.usedAheadOfLast);
   usedSlots += behind.usedSlots;
 }
@@ -79,13 +83,6 @@ void Sights::NoteEnd(std::uint64_t itsEnd, std::uint64_t usedUpToIt) {
 
 // Lists of a sound store name each block about once. More names than that are of a store made to do harm, and those
 // beyond it are left out.
-bool Sights::MayName() {
-  if (named.size() < namesAtMost_) return true;
-  std::ranges::sort(named);
-  named.erase(std::ranges::unique(named).begin(), named.end());
-  if (named.size() > kNamesOfBlock * whole.size() + kNamesAtLeast) return false;
-  namesAtMost_ = std::max(namesAtMost_, 2 * named.size());
-  return true;
-}
+bool Sights::MayName() const { return named.size() <= kNamesOfBlock * wholeBlocks + kNamesAtLeast; }
 
 }  // namespace velmora::engine

@@ -8,6 +8,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/evidence/bid_set.h"
 #include "engine/evidence/block_evidence.h"
 #include "engine/evidence/evidence.h"
 
@@ -20,14 +21,16 @@ struct Sights {
   std::vector<FoundPage> pages;
   std::vector<FoundBlock> whole;  ///< proven or moved; `kind` is what PackKinds made of it
   std::vector<FoundBlock> hurt;   ///< likewise
-  std::vector<Bid> named;         ///< by whole lists; may hold an id twice
+  BidSet named;                   ///< by whole lists
   std::array<std::uint64_t, kMethods.size()> votes{};
   std::uint64_t wholePages = 0;
+  std::uint64_t wholeBlocks = 0;
+  bool hasMovedBlocks = false;
   std::uint64_t end = 0;              ///< of the last thing that proves itself
   std::uint64_t usedSlots = 0;        ///< that do not end in zeros
   std::uint64_t usedAheadOfLast = 0;  ///< of these, those up to that end
 
-  std::uint64_t Count() const { return wholePages + whole.size(); }
+  std::uint64_t Count() const { return wholePages + wholeBlocks; }
 
   /// Takes a block whose bytes as stored are `stored`, up to whose end there are so many used slots.
   void TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored,
@@ -39,10 +42,8 @@ struct Sights {
   void Add(const Sights& behind);
 
  private:
-  bool MayName();
+  bool MayName() const;
   void NoteEnd(std::uint64_t itsEnd, std::uint64_t usedUpToIt);
-
-  std::size_t namesAtMost_ = std::size_t{1} << 20;
 };
 
 /// A kind under each method in the place of one, until the encoding is known.

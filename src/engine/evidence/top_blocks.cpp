@@ -10,15 +10,15 @@ constexpr int kMostLevels = 2;
 
 /// What the first data block below a list is.
 BlockKind KindBelow(const EvidenceView& view, const FoundBlock& list) {
-  const FoundBlock* block = &list;
+  std::optional<FoundBlock> block = list;
   std::vector<std::byte> content;
-  for (int level = 0; level < kMostLevels && block != nullptr && block->kind == BlockKind::kList; ++level) {
+  for (int level = 0; level < kMostLevels && block && block->kind == BlockKind::kList; ++level) {
     if (!view.Blocks().TryBlock(block->bid, content)) return BlockKind::kData;
     const InternalBlock entries(content, view.Format());
     if (entries.EntryCount() == 0) return BlockKind::kData;
     block = view.Found().Find(entries.EntryBid(0, 0));
   }
-  return block == nullptr ? BlockKind::kData : block->kind;
+  return block ? block->kind : BlockKind::kData;
 }
 
 }  // namespace

@@ -121,19 +121,21 @@ class Ranges {
   std::optional<std::uint8_t> rootLevel_;
 };
 
-void VisitAll(const FoundTree& tree, const TreePage& page, const VisitEntry& visit,
+void VisitAll(const FoundTree& tree, const TreePage& page, std::vector<std::byte>& buffer, const VisitEntry& visit,
               const std::function<Shade(std::uint64_t key)>& shade) {
-  for (std::size_t i = 0; i < page.count; ++i) visit(page, tree.Entry(page, i), shade(tree.Key(page, i)));
+  const PageEntries entries = tree.EntriesOf(page, buffer);
+  for (std::size_t i = 0; i < entries.Count(); ++i) visit(page, entries[i], shade(tree.KeyOf(entries[i])));
 }
 
 }  // namespace
 
 void Paint(const FoundTree& tree, const std::vector<bool>& members, const VisitEntry& visit) {
   const auto pages = tree.Pages();
+  std::vector<std::byte> buffer;
   if (!members.empty()) {
     for (std::size_t i = 0; i < pages.size(); ++i) {
       const Shade shade = members[i] ? Shade::kLive : Shade::kOlder;
-      if (pages[i].found.level == 0) VisitAll(tree, pages[i], visit, [shade](std::uint64_t) { return shade; });
+      if (pages[i].found.level == 0) VisitAll(tree, pages[i], buffer, visit, [shade](std::uint64_t) { return shade; });
     }
     return;
   }
@@ -154,7 +156,7 @@ void Paint(const FoundTree& tree, const std::vector<bool>& members, const VisitE
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (pages[i].found.level != 0) continue;
     takeGoneDownTo(pages[i].found.id);
-    VisitAll(tree, pages[i], visit, shadeOf);
+    VisitAll(tree, pages[i], buffer, visit, shadeOf);
     // A hurt leaf may have lost some of its entries.
     const bool isHurt = pages[i].found.grade == Grade::kHurt;
     canvas.Take(ranges.Of(i), isHurt ? Canvas::State::kDoubtful : Canvas::State::kTaken);

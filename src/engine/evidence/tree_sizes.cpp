@@ -13,8 +13,8 @@ constexpr int kDeepest = 64;  ///< of sub-nodes below sub-nodes
 }  // namespace
 
 std::uint64_t TreeSizes::OfData(Bid bid) const {
-  const FoundBlock* block = view_.Found().Find(bid);
-  if (block == nullptr) return 0;
+  const std::optional<FoundBlock> block = view_.Found().Find(bid);
+  if (!block) return 0;
   // The data itself is read only where blocks may be packed.
   if (!IsInternal(bid) && view_.Format().offInflatedSize == 0) return block->cb;
   std::vector<std::byte> content;

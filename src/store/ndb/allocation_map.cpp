@@ -10,6 +10,12 @@ namespace {
 constexpr std::uint32_t kSlotsPerPage = kPageSize / kSlotSize;
 constexpr std::uint32_t kMaxSlots = kMaxBlockSize / kSlotSize;
 
+constexpr AllocationMap::Bits kFull = [] {
+  AllocationMap::Bits bits{};
+  bits.fill(0xFF);
+  return bits;
+}();
+
 std::uint32_t SlotOf(std::uint64_t ib) { return static_cast<std::uint32_t>((ib - kFirstArea) / kSlotSize); }
 std::uint64_t OffsetOf(std::uint32_t slot) { return kFirstArea + std::uint64_t{slot} * kSlotSize; }
 
@@ -88,6 +94,10 @@ void AllocationMap::Settle() {
   searchSlot_ = 0;
 }
 
+const AllocationMap::Bits& AllocationMap::AreaBits(std::uint32_t area) const {
+  return areas_[area].bits == nullptr ? kFull : *areas_[area].bits;
+}
+
 std::uint64_t AllocationMap::FreeBytes() const {
   std::uint64_t slots = 0;
   for (const Area& area : areas_) slots += area.freeSlots;
@@ -129,8 +139,9 @@ std::optional<AllocationMap::Run> AllocationMap::FindFreeRun(std::uint32_t slots
     const std::uint32_t area = searchSlot_ / kSlotsPerArea;
     const std::uint32_t base = area * kSlotsPerArea;
     if (areas_[area].freeSlots >= slots) {
-      const std::uint32_t first = Next(areas_[area].bits, searchSlot_ - base, false);
-      const std::uint32_t end = Next(areas_[area].bits, first, true);
+      const Bits& bits = AreaBits(area);
+      const std::uint32_t first = Next(bits, searchSlot_ - base, false);
+      const std::uint32_t end = Next(bits, first, true);
       searchSlot_ = base + end;
       if (end - first >= slots) return Run{base + first, end - first};
       if (end < kSlotsPerArea) continue;
@@ -143,23 +154,23 @@ std::optional<AllocationMap::Run> AllocationMap::FindFreeRun(std::uint32_t slots
 void AllocationMap::AddArea() {
   const std::uint32_t base = AreaCount() * kSlotsPerArea;
   const auto reserved = static_cast<std::uint32_t>(MapPagesOf(AreaCount()).size()) * kSlotsPerPage;
-  Area& area = areas_.emplace_back();
-  area.bits.fill(0xFF);
-  area.freeSlots = 0;
+  areas_.emplace_back();
   AddOpenRun({base + reserved, kSlotsPerArea - reserved});
 }
 
 void AllocationMap::Mark(Run run, bool used) {
   if (run.count == 0) return;
   Area& area = areas_[run.first / kSlotsPerArea];
+  if (area.bits == nullptr) area.bits = std::make_unique<Bits>(kFull);
   const std::uint32_t first = run.first % kSlotsPerArea;
   for (std::uint32_t slot = first; slot < first + run.count; ++slot) {
     const auto mask = static_cast<std::uint8_t>(0x80 >> slot % 8);
-    std::uint8_t& byte = area.bits[slot / 8];
+    std::uint8_t& byte = (*area.bits)[slot / 8];
     assert(((byte & mask) != 0) != used);
     byte = static_cast<std::uint8_t>(byte ^ mask);
   }
   area.freeSlots = static_cast<std::uint16_t>(used ? area.freeSlots - run.count : area.freeSlots + run.count);
+  if (area.freeSlots == 0) area.bits.reset();
 }
 
 }  // namespace velmora::ndb

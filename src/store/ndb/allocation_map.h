@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -54,15 +55,16 @@ class AllocationMap {
   void Settle();
 
   std::uint32_t AreaCount() const { return static_cast<std::uint32_t>(areas_.size()); }
-  const Bits& AreaBits(std::uint32_t area) const { return areas_[area].bits; }
+  const Bits& AreaBits(std::uint32_t area) const;
   std::uint32_t FreeSlots(std::uint32_t area) const { return areas_[area].freeSlots; }
   std::uint64_t FreeBytes() const;
   std::uint64_t FileSize() const { return AreaOffset(AreaCount()); }
 
  private:
+  /// Most areas of a large store are full, and their bits need not be held.
   struct Area {
-    Bits bits;
-    std::uint16_t freeSlots;
+    std::unique_ptr<Bits> bits;  ///< null: all of it is in use
+    std::uint16_t freeSlots = 0;
   };
 
   /// Slots in a row within one area, numbered over the whole file.

@@ -1,16 +1,18 @@
-// All blocks of a store that is being written, 8 bytes each: the block tree before it becomes pages.
+// All blocks of a store that is being written, 6 bytes each: the block tree before it becomes pages.
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
-#include <vector>
+#include <unordered_map>
 
 #include "store/format/block.h"
 #include "store/format/ids.h"
 
 namespace velmora::ndb {
 
-/// Block ids are handed out in a row, so the number of a block is the place of its entry.
+/// Block ids are handed out in a row, so the number of a block is the place of its entry. The list grows by pieces:
+/// while one that doubles is moved, it takes three times its memory.
 class BlockTable {
  public:
   struct Block {
@@ -46,34 +48,46 @@ class BlockTable {
   /// Calls `visit(bid, block)` for each block by ascending id.
   template <class Visit>
   void ForEach(Visit visit) const {
-    for (std::size_t i = 1; i < entries_.size(); ++i) {
-      const Entry& entry = entries_[i];
-      if (entry.slot != 0) visit(BidOf(i), BlockOf(entry));
+    std::size_t i = 0;
+    for (const Entry& entry : entries_) {
+      if (entry.Exists()) visit(Bid{NumberOf(i) | (entry.isInternal != 0 ? kBidInternal : 0)}, BlockOf(entry, i));
+      ++i;
     }
   }
 
  private:
+  /// Hardly any block is referred to more than once.
+  static constexpr unsigned kManyReferences = 3;
+
+  static constexpr unsigned kSizeBits = 13;
+
   struct Entry {
-    std::uint32_t slot = 0;  ///< file offset / 64; 0 when the block is gone
-    std::uint16_t cbAndKind = 0;
-    std::uint16_t references = 0;
+    std::uint16_t slotLow = 0;  ///< file offset / 64; 0 when the block is gone
+    std::uint16_t slotHigh = 0;
+    std::uint16_t cb : kSizeBits = 0;
+    std::uint16_t isInternal : 1 = 0;
+    std::uint16_t references : 2 = 0;  ///< kManyReferences: `many_` has their number
+
+    std::uint32_t Slot() const { return std::uint32_t{slotHigh} << 16 | slotLow; }
+    bool Exists() const { return Slot() != 0; }
   };
-  static_assert(sizeof(Entry) == 8);
-  static constexpr std::uint16_t kInternalFlag = 0x8000;
+  static_assert(sizeof(Entry) == 6 && kMaxBlockData < 1u << kSizeBits);
   static constexpr std::size_t kMaxBlocks = (std::size_t{1} << 31) - 1;  // so that half of an id fits 32 bits
 
   static std::uint64_t NumberOf(std::size_t index) { return std::uint64_t{index} * kBidStep; }
-  Bid BidOf(std::size_t index) const {
-    return Bid{NumberOf(index) | ((entries_[index].cbAndKind & kInternalFlag) != 0 ? kBidInternal : 0)};
+  Block BlockOf(const Entry& entry, std::size_t index) const {
+    return {std::uint64_t{entry.Slot()} * kSlotSize, entry.cb, ReferencesOf(entry, index)};
   }
-  static Block BlockOf(const Entry& entry) {
-    return {std::uint64_t{entry.slot} * kSlotSize, static_cast<std::uint16_t>(entry.cbAndKind & ~kInternalFlag),
-            entry.references};
+  std::uint16_t ReferencesOf(const Entry& entry, std::size_t index) const {
+    return entry.references == kManyReferences ? many_.at(index) : entry.references;
   }
-  const Entry* EntryOf(Bid bid) const;
-  Entry* EntryOf(Bid bid) { return const_cast<Entry*>(static_cast<const BlockTable*>(this)->EntryOf(bid)); }
+  void SetReferences(std::size_t index, std::uint16_t references);
 
-  std::vector<Entry> entries_{1};  // number 0 names no block
+  /// The number of a block that is there.
+  std::optional<std::size_t> IndexOf(Bid bid) const;
+
+  std::deque<Entry> entries_{1};  // number 0 names no block
+  std::unordered_map<std::size_t, std::uint16_t> many_;
   std::size_t count_ = 0;
 };
 

@@ -13,7 +13,7 @@ std::uint32_t Half(Bid bid) { return static_cast<std::uint32_t>(Value(bid) >> 1)
 
 void NodeTable::Set(const NodeEntry& node) {
   const Entry entry{node.nid, node.nidParent, Half(node.trees.bidData), Half(node.trees.bidSub)};
-  std::vector<Entry>& list = byType_[ListOf(node.nid)];
+  List& list = byType_[ListOf(node.nid)];
   const auto place =
       std::lower_bound(list.begin(), list.end(), node.nid, [](const Entry& a, Nid nid) { return a.nid < nid; });
   if (place == list.end() || place->nid != node.nid) {
@@ -39,7 +39,7 @@ std::optional<NodeEntry> NodeTable::Find(Nid nid) const {
 }
 
 void NodeTable::Compact() {
-  for (std::vector<Entry>& list : byType_) {
+  for (List& list : byType_) {
     std::erase_if(list, [](const Entry& entry) { return entry.data == kRemoved; });
   }
 }
@@ -48,11 +48,11 @@ NodeEntry NodeTable::NodeOf(const Entry& entry) {
   return {entry.nid, {Bid{std::uint64_t{entry.data} << 1}, Bid{std::uint64_t{entry.sub} << 1}}, entry.nidParent};
 }
 
-const NodeTable::Entry* NodeTable::NextOf(std::array<std::size_t, kNidTypeCount>& at) const {
+const NodeTable::Entry* NodeTable::NextOf(std::array<List::const_iterator, kNidTypeCount>& at) const {
   const Entry* next = nullptr;
   for (std::size_t type = 0; type < kNidTypeCount; ++type) {
-    if (at[type] == byType_[type].size()) continue;
-    const Entry& candidate = byType_[type][at[type]];
+    if (at[type] == byType_[type].end()) continue;
+    const Entry& candidate = *at[type];
     if (next == nullptr || candidate.nid < next->nid) next = &candidate;
   }
   if (next != nullptr) ++at[ListOf(next->nid)];
@@ -60,7 +60,7 @@ const NodeTable::Entry* NodeTable::NextOf(std::array<std::size_t, kNidTypeCount>
 }
 
 const NodeTable::Entry* NodeTable::EntryOf(Nid nid) const {
-  const std::vector<Entry>& list = byType_[ListOf(nid)];
+  const List& list = byType_[ListOf(nid)];
   const auto place = std::lower_bound(list.begin(), list.end(), nid, [](const Entry& a, Nid id) { return a.nid < id; });
   return place != list.end() && place->nid == nid && place->data != kRemoved ? &*place : nullptr;
 }

@@ -3,14 +3,15 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <optional>
-#include <vector>
 
 #include "store/ndb/block_source.h"
 
 namespace velmora::ndb {
 
-/// One sorted list a type: ids of a type come from a counter, so a new node nearly always goes to the end.
+/// One sorted list a type: ids of a type come from a counter, so a new node nearly always goes to the end. The lists
+/// grow by pieces: while one that doubles is moved, it takes three times its memory.
 class NodeTable {
  public:
   /// Adds or replaces a node.
@@ -29,7 +30,8 @@ class NodeTable {
   /// Calls `visit(node)` for each node by ascending id.
   template <class Visit>
   void ForEach(Visit visit) const {
-    std::array<std::size_t, kNidTypeCount> at{};
+    std::array<List::const_iterator, kNidTypeCount> at;
+    for (std::size_t type = 0; type < kNidTypeCount; ++type) at[type] = byType_[type].begin();
     while (const Entry* next = NextOf(at)) {
       if (next->data != kRemoved) visit(NodeOf(*next));
     }
@@ -45,11 +47,13 @@ class NodeTable {
   static_assert(sizeof(Entry) == 16);
   static constexpr std::uint32_t kRemoved = 0xFFFFFFFF;
 
+  using List = std::deque<Entry>;
+
   static NodeEntry NodeOf(const Entry& entry);
-  const Entry* NextOf(std::array<std::size_t, kNidTypeCount>& at) const;
+  const Entry* NextOf(std::array<List::const_iterator, kNidTypeCount>& at) const;
   const Entry* EntryOf(Nid nid) const;
 
-  std::array<std::vector<Entry>, kNidTypeCount> byType_;
+  std::array<List, kNidTypeCount> byType_;
   std::size_t count_ = 0;
 };
 

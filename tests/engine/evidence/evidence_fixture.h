@@ -95,14 +95,14 @@ class EvidenceTest : public testing::Test {
     judgement_ = JudgeNodes(*source_, evidence_, told_, run_);
   }
 
-  const FoundBlock& Block(forge::Bid bid) const {
-    const FoundBlock* block = evidence_.Find(velmora::Bid{bid});
-    if (block == nullptr) throw std::out_of_range("the block was not found");
+  FoundBlock Block(forge::Bid bid) const {
+    const auto block = evidence_.Find(velmora::Bid{bid});
+    if (!block) throw std::out_of_range("the block was not found");
     return *block;
   }
 
   BlockStatus StatusOf(forge::Bid bid) const {
-    return judgement_.statuses.at(static_cast<std::size_t>(&Block(bid) - evidence_.blocks.data()));
+    return judgement_.statuses.at(evidence_.NumberOf(velmora::Bid{bid}).value());
   }
 
   NodeLines Nodes(const std::set<Standing>& standings) const {

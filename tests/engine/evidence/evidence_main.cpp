@@ -55,7 +55,7 @@ int Print(const char* path, std::string_view more) {
     for (const MessageRow& row : lost.messageRows) std::printf("row %x %x\n", Value(row.nid), Value(row.nidParent));
   }
   for (std::size_t i = 0; more == "--blocks" && i < evidence.blocks.size(); ++i) {
-    const FoundBlock& block = evidence.blocks[i];
+    const FoundBlock block = evidence.blocks[i];
     std::printf("block %s %s %s %d %jx %jx %d\n", kStatuses[static_cast<int>(judgement.statuses[i])],
                 kGrades[static_cast<int>(block.grade)], kKinds[static_cast<int>(block.kind)], block.isNamed,
                 static_cast<std::uintmax_t>(Value(block.bid)), static_cast<std::uintmax_t>(block.offset), block.cb);

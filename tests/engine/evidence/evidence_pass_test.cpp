@@ -29,7 +29,7 @@ class EvidencePassTest : public testing::TestWithParam<unsigned> {
   Finds LookAt(std::unique_ptr<const platform::ByteSource> bytes) {
     source_.Open(std::move(bytes));
     run_.workers = &workers_;
-    return LookThrough(source_, std::array{&generations::kUnicode}, run_).front();
+    return std::move(LookThrough(source_, std::array{&generations::kUnicode}, run_).front());
   }
   Finds LookAt(std::vector<std::byte> bytes) {
     return LookAt(std::make_unique<platform::MemoryFile>(std::move(bytes)));

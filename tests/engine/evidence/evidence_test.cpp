@@ -104,7 +104,7 @@ TEST_P(EveryFormatTest, BytesThatWereLostAreMadeUpForSoThatWhatIsBehindThemStand
   Find(image);
   for (std::size_t i = 0; i < count; ++i) {
     const bool isHurt = i == count - 1 || i == count / 2 || i == count / 4;
-    if (isHurt && evidence_.Find(velmora::Bid{image.blocks[i].bid}) == nullptr) continue;
+    if (isHurt && !evidence_.Find(velmora::Bid{image.blocks[i].bid})) continue;
     EXPECT_EQ(Block(image.blocks[i].bid).offset, image.blocks[i].offset);
     EXPECT_EQ(Block(image.blocks[i].bid).grade, isHurt ? Grade::kNamed : Grade::kProven);
   }
@@ -212,7 +212,7 @@ TEST_F(EvidenceTest, ABlockWithoutTrailerIsWhereTheBlockTreeNamesIt) {
 
   forge::WipePages(image, forge::PageType::kBlocks);
   Find(image);
-  EXPECT_EQ(evidence_.Find(velmora::Bid{block.bid}), nullptr) << "nothing tells of it any more";
+  EXPECT_FALSE(evidence_.Find(velmora::Bid{block.bid})) << "nothing tells of it any more";
 }
 
 TEST_F(EvidenceTest, ABlockThatTheTreeNamesWhereAnotherStandsIsNot) {
@@ -221,7 +221,7 @@ TEST_F(EvidenceTest, ABlockThatTheTreeNamesWhereAnotherStandsIsNot) {
   store.ListBlock({.bid = 0x4444, .offset = store.End() - 64, .size = 20});
   const forge::Image image = store.Finish();
   Find(image);
-  EXPECT_EQ(evidence_.Find(velmora::Bid{0x4444}), nullptr);
+  EXPECT_FALSE(evidence_.Find(velmora::Bid{0x4444}));
   EXPECT_EQ(Block(first).grade, Grade::kProven);
 }
 
@@ -280,7 +280,7 @@ TEST_F(EvidenceTest, BlocksOfAStoreInsideOfABlockAreNotOnesOfThisStore) {
   const forge::Bid outer = store.AddBlock(data);
   Find(store.Finish());
   EXPECT_EQ(Block(outer).grade, Grade::kProven);
-  EXPECT_EQ(evidence_.Find(velmora::Bid{bid}), nullptr);
+  EXPECT_FALSE(evidence_.Find(velmora::Bid{bid}));
 }
 
 TEST_F(EvidenceTest, AWrongBitInTheIdOfABlockIsPutRightByTheTreeThatNamesItsPlace) {

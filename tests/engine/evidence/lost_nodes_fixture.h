@@ -28,6 +28,7 @@ class WreckedStore {
     evidence_.layout = &reader_->Format();
     evidence_.encoding = ReadHeader(source_).value().encoding;
     std::set<Bid> named;
+    std::vector<FoundBlock> blocks;
     std::vector<std::byte> content;
     for (const forge::PlacedBlock& placed : image.blocks) {
       const Bid bid = Canonical(Bid{placed.bid});
@@ -36,10 +37,11 @@ class WreckedStore {
       if (IsInternal(bid)) {
         ForEachReference(InternalBlock(content, reader_->Format()), [&](Bid child) { named.insert(Canonical(child)); });
       }
-      evidence_.blocks.push_back(block);
+      blocks.push_back(block);
     }
-    std::ranges::sort(evidence_.blocks, {}, &FoundBlock::bid);
-    for (FoundBlock& block : evidence_.blocks) block.isNamed = named.contains(block.bid);
+    std::ranges::sort(blocks, {}, &FoundBlock::bid);
+    for (FoundBlock& block : blocks) block.isNamed = named.contains(block.bid);
+    evidence_.blocks = BlockList(blocks);
     judgement_.statuses.assign(evidence_.blocks.size(), BlockStatus::kLive);
     judgement_.blocksAreExact = true;
     for (const ndb::NodeEntry& node : reader_->Nodes()) judgement_.nodes.push_back({node, Standing::kLive});
@@ -67,9 +69,7 @@ class WreckedStore {
     judgement_.nodes.insert(place, {node, standing});
   }
 
-  void SetStatus(Bid bid, BlockStatus status) {
-    judgement_.statuses.at(static_cast<std::size_t>(evidence_.Find(bid) - evidence_.blocks.data())) = status;
-  }
+  void SetStatus(Bid bid, BlockStatus status) { judgement_.statuses.at(evidence_.NumberOf(bid).value()) = status; }
 
   /// Nothing tells which blocks are in use.
   void LoseBlockTree() {
@@ -79,9 +79,11 @@ class WreckedStore {
 
   /// The block is gone from the file.
   void LoseBlock(Bid bid) {
-    const FoundBlock* block = evidence_.Find(bid);
-    judgement_.statuses.erase(judgement_.statuses.begin() + (block - evidence_.blocks.data()));
-    evidence_.blocks.erase(evidence_.blocks.begin() + (block - evidence_.blocks.data()));
+    judgement_.statuses.erase(judgement_.statuses.begin() +
+                              static_cast<std::ptrdiff_t>(evidence_.NumberOf(bid).value()));
+    std::vector<FoundBlock> left(evidence_.blocks.begin(), evidence_.blocks.end());
+    std::erase_if(left, [bid](const FoundBlock& block) { return block.bid == Canonical(bid); });
+    evidence_.blocks = BlockList(left);
   }
 
   LostNodes Find(bool deleted = false) {

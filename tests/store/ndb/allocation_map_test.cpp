@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "store/support/test_files.h"
@@ -152,6 +153,30 @@ TEST(AllocationMap, TellsExactlyWhatIsInUseWhenSettled) {
     }
     ASSERT_EQ(map.FreeBytes(), (all - used) * kSlotSize);
   }
+}
+
+/// The others share those of a full one.
+std::size_t AreasWithOwnBits(const AllocationMap& map) {
+  std::map<const AllocationMap::Bits*, std::size_t> areasOf;
+  for (std::uint32_t area = 0; area < map.AreaCount(); ++area) ++areasOf[&map.AreaBits(area)];
+  return static_cast<std::size_t>(std::ranges::count_if(areasOf, [](const auto& of) { return of.second == 1; }));
+}
+
+TEST(AllocationMap, HoldsBitsOfAreasAloneThatHaveRoom) {
+  AllocationMap map;
+  const std::uint64_t first = map.Allocate(8).value();
+  while (map.AreaCount() < 10) map.Allocate(8);
+  map.Settle();
+  EXPECT_EQ(AreasWithOwnBits(map), 1u) << "the last";
+  map.Free(first, 8);
+  map.Settle();
+  EXPECT_EQ(AreasWithOwnBits(map), 2u);
+  EXPECT_FALSE(IsUsed(map, first));
+  EXPECT_TRUE(IsUsed(map, first + 8 * kSlotSize));
+  while (map.FreeSlots(0) != 0) map.Allocate(8);
+  map.Settle();
+  EXPECT_EQ(AreasWithOwnBits(map), 1u);
+  EXPECT_TRUE(IsUsed(map, first));
 }
 
 TEST(AllocationMap, EndsAtItsLargestSize) {

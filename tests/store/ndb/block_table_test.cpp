@@ -49,6 +49,21 @@ TEST(BlockTable, CountsNoMoreReferencesThanTheFieldHolds) {
   EXPECT_EQ(table.Find(Bid{4})->references + 1, 0xFFFF);
 }
 
+TEST(BlockTable, CountsReferencesOfEachBlockUpAndDownAgain) {
+  BlockTable table;
+  for (int i = 0; i < 3; ++i) table.Append(false, 0x4800, 1);
+  for (int i = 1; i <= 6; ++i) {
+    EXPECT_TRUE(table.AddReference(Bid{8}));
+    EXPECT_EQ(table.Find(Bid{8})->references, i);
+  }
+  EXPECT_EQ(table.Find(Bid{4})->references, 0);
+  EXPECT_EQ(table.Find(Bid{12})->references, 0);
+  for (int i = 5; i >= 0; --i) {
+    EXPECT_EQ(table.DropReference(Bid{8}), i);
+    EXPECT_EQ(table.Find(Bid{8})->references, i);
+  }
+}
+
 TEST(BlockTable, ListsBlocksByAscendingId) {
   BlockTable table;
   table.Append(false, 0x4800, 1);
