@@ -20,7 +20,7 @@ class NearBytes : public platform::ByteSource {
   /// Bytes that are read at a time.
   static constexpr std::size_t kWindow = std::size_t{64} << 10;
 
-  explicit NearBytes(std::unique_ptr<const platform::ByteSource> bytes) : bytes_(std::move(bytes)) {}
+  explicit NearBytes(std::shared_ptr<const platform::ByteSource> bytes) : bytes_(std::move(bytes)) {}
 
   std::uint64_t Size() const override { return bytes_->Size(); }
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override;
@@ -37,7 +37,7 @@ class NearBytes : public platform::ByteSource {
   bool IsNear(std::uint64_t offset) const;
   const Window* Load(std::uint64_t offset) const;
 
-  std::unique_ptr<const platform::ByteSource> bytes_;
+  std::shared_ptr<const platform::ByteSource> bytes_;
   mutable std::mutex mutex_;               ///< guards what follows
   mutable std::array<Window, 2> windows_;  ///< a message may lie in both
   mutable std::size_t oldest_ = 0;

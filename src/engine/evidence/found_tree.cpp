@@ -9,7 +9,7 @@
 namespace velmora::engine {
 
 FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType type, RunContext& run)
-    : source_(source), layout_(*evidence.layout), type_(type) {
+    : bytes_(source.Bytes()), layout_(*evidence.layout), type_(type) {
   std::vector<std::byte> buffer;
   // A large store has hundreds of thousands of pages: to grow by doubling would take twice their memory.
   pages_.reserve(static_cast<std::size_t>(std::ranges::count(evidence.pages, type, &FoundPage::type)));
@@ -38,7 +38,7 @@ FoundTree::FoundTree(const Source& source, const Evidence& evidence, PageType ty
 /// None of a page without entries, and of one that was written over meanwhile.
 PageEntries FoundTree::Read(const FoundPage& found, std::vector<std::byte>& buffer) const {
   buffer.resize(layout_.pageSize);
-  if (source_.Read(found.offset, buffer).value_or(0) != buffer.size()) return {};
+  if (bytes_.ReadAt(found.offset, buffer).value_or(0) != buffer.size()) return {};
   if (found.isMended && !MendPage(buffer, layout_)) return {};
   const std::optional<BtPageHead> head = SoundHead(buffer, type_, layout_);
   if (!head || head->cLevel != found.level) return {};

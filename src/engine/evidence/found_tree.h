@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/evidence/evidence.h"
+#include "engine/near_bytes.h"
 
 namespace velmora::engine {
 
@@ -34,7 +35,7 @@ struct PageEntries {
 /// by whoever asks for them: they would take more memory than all that is known of the blocks they name.
 class FoundTree {
  public:
-  /// `source` and `evidence` must outlive it.
+  /// `evidence` must outlive it, and the source stay open.
   FoundTree(const Source& source, const Evidence& evidence, PageType type, RunContext& run);
 
   PageType Type() const { return type_; }
@@ -69,7 +70,7 @@ class FoundTree {
     return {std::span(content_).subspan(page.begin, std::size_t{page.count} * page.pitch), page.pitch};
   }
 
-  const Source& source_;
+  NearBytes bytes_;  ///< pages of one age mostly stand near one another
   const Generation& layout_;
   PageType type_;
   std::vector<TreePage> pages_;
