@@ -5,6 +5,7 @@ pages."""
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -13,6 +14,7 @@ import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 WINE = SOURCE / "tests" / "windows" / "wine"
+PREFIX = SOURCE / "build" / "wine-wizard"
 TITLE = "Velmora Convert OST to PST"  # of all pages, and of the dialog for the source
 LIMIT = 60  # seconds for anything to come
 OPENBOX = """<openbox_config xmlns="http://openbox.org/3.4/rc">
@@ -70,7 +72,9 @@ class Wizard(unittest.TestCase):
         self.display = Display(self.work)
         self.addCleanup(self.display.close)
         self.environment = {**self.display.environment, "VELMORA_DISPLAY": self.display.name,
-                            "SOURCE_DATE_EPOCH": "1700000000", "WINEPREFIX": str(SOURCE / "build" / "wine-wizard")}
+                            "SOURCE_DATE_EPOCH": "1700000000", "WINEPREFIX": str(PREFIX)}
+        for settings in PREFIX.glob("drive_c/users/*/AppData/Roaming/velmora"):
+            shutil.rmtree(settings)
 
     def wait(self, what, condition, seconds=LIMIT):
         end = time.monotonic() + seconds
@@ -125,10 +129,11 @@ class Wizard(unittest.TestCase):
         self.pick("Select destination path", self.target)
         self.display.do("key", "alt+c")
         store = self.target / "outlook Converted0" / "outlook Converted.pst"
-        self.wait("the new store", store.exists)
-        self.wait("the end of the run", lambda: not (store.parent / "FirstTableItem.dat").exists())
-        time.sleep(3)
+        self.wait("the folder of the new store", self.in_dialog(".*outlook Converted0"))
+        self.display.picture("folder")
+        self.press("alt+F4", "the page", self.on_page)
         self.display.picture("finished")
+        self.assertFalse((store.parent / "FirstTableItem.dat").exists())
         self.display.do("key", "alt+f")
         time.sleep(2)
         self.display.picture("again")
