@@ -24,6 +24,9 @@ windows_packages=(
   ccache googletest python3 wine64
 )
 
+# To see the wizard for Windows here.
+windows_wizard_packages=(xvfb openbox xdotool imagemagick)
+
 # need PACKAGE...: installs those that are missing; asks for nothing when all are there.
 need() {
   local missing=() package

@@ -10,6 +10,8 @@ set -euo pipefail
 self=$(realpath "${BASH_SOURCE[0]}")
 folder=$(mkdir -p "$1" && cd "$1" && pwd)
 host=x86_64-w64-mingw32
+# shellcheck source=packaging/windows/sources.sh
+source "${self%/*}/sources.sh"
 
 wanted=$(sha256sum <"$self")
 [ "$(cat "$folder/made-by" 2>/dev/null)" != "$wanted" ] || exit 0
@@ -19,20 +21,7 @@ trap 'rm -rf "$work"' EXIT
 rm -rf "${folder:?}"/*
 mkdir -p "$folder/include" "$folder/lib/pkgconfig"
 
-# Sources, by lists of this script's own: those of the machine stay as they are.
-mirror=$(apt-get indextargets --format '$(REPO_URI) $(CODENAME) $(COMPONENT)' 'Created-By: Packages' |
-  awk '$2 == "bookworm" && $3 == "main" { print $1; exit }')
-mkdir -p "$work/lists/partial" "$work/sources"
-echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] ${mirror:?no source of packages of this release is known} bookworm main" \
-  >"$work/sources.list"
-apt=(apt-get -q -o "Dir::Etc::SourceList=$work/sources.list" -o Dir::Etc::SourceParts=/dev/null
-  -o "Dir::State::Lists=$work/lists" -o APT::Sandbox::User=root)
-"${apt[@]}" update >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
-(cd "$work/sources" && "${apt[@]}" source --download-only libdeflate libmd icu) >"$work/log" 2>&1 ||
-  { cat "$work/log" >&2; exit 1; }
-for package in libdeflate libmd icu; do
-  dpkg-source --no-check -q -x "$work/sources/$package"_*.dsc "$work/$package"
-done
+unpack_sources "$work" libdeflate libmd icu
 
 launcher=()
 command -v ccache >/dev/null && launcher=(ccache)
@@ -57,8 +46,10 @@ compile deflate gcc-posix -I. -- lib/*.c lib/x86/*.c
 cp libdeflate.h "$folder/include"
 
 cd "$work/libmd"
-(./configure --host="$host" CC="$host-gcc-posix" CFLAGS="${flags[*]}" --disable-shared --prefix="$folder" &&
-  make -C include install && make -C src install) >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+quietly "$work/log" ./configure --host="$host" CC="$host-gcc-posix" CFLAGS="${flags[*]}" --disable-shared \
+  --prefix="$folder"
+quietly "$work/log" make -C include install
+quietly "$work/log" make -C src install
 
 cd "$work/icu/source"
 compile icuuc g++-posix -std=gnu++17 -w -Icommon -DU_COMMON_IMPLEMENTATION -DU_STATIC_IMPLEMENTATION -- common/*.cpp

@@ -8,9 +8,11 @@ set(CMAKE_RC_COMPILER ${host}-windres)
 
 set(VELMORA_WINDOWS_LIBRARIES ${CMAKE_CURRENT_LIST_DIR}/../../build/windows-libraries CACHE PATH
   "What packaging/windows/libraries.sh has made")
+set(VELMORA_WINDOWS_QT ${CMAKE_CURRENT_LIST_DIR}/../../build/windows-qt CACHE PATH "What packaging/windows/qt.sh has made")
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VELMORA_WINDOWS_LIBRARIES)
 get_filename_component(libraries ${VELMORA_WINDOWS_LIBRARIES} ABSOLUTE)
-set(CMAKE_FIND_ROOT_PATH ${libraries} /usr/${host})
+get_filename_component(qt ${VELMORA_WINDOWS_QT} ABSOLUTE)
+set(CMAKE_FIND_ROOT_PATH ${libraries} ${qt} /usr/${host})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

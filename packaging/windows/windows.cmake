@@ -9,13 +9,19 @@ add_custom_command(OUTPUT ${VELMORA_ICON}
 add_custom_target(velmora_windows_icon DEPENDS ${VELMORA_ICON})
 
 # A library of its own, since a source that is made goes with the folder that makes it.
-set(resources ${CMAKE_BINARY_DIR}/velmora-convert.rc)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/velmora-convert.rc.in ${resources} @ONLY)
-set_source_files_properties(${resources} PROPERTIES
-  OBJECT_DEPENDS "${VELMORA_ICON};${CMAKE_CURRENT_LIST_DIR}/velmora-convert.manifest")
-add_library(velmora_windows_resources OBJECT ${resources})
-add_dependencies(velmora_windows_resources velmora_windows_icon)
-target_sources(velmora-convert PRIVATE $<TARGET_OBJECTS:velmora_windows_resources>)
+function(velmora_windows_resources program description)
+  set(resources ${CMAKE_BINARY_DIR}/${program}.rc)
+  configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/program.rc.in ${resources} @ONLY)
+  set_source_files_properties(${resources} PROPERTIES
+    OBJECT_DEPENDS "${VELMORA_ICON};${CMAKE_CURRENT_FUNCTION_LIST_DIR}/program.manifest")
+  add_library(${program}-resources OBJECT ${resources})
+  add_dependencies(${program}-resources velmora_windows_icon)
+  target_sources(${program} PRIVATE $<TARGET_OBJECTS:${program}-resources>)
+endfunction()
+velmora_windows_resources(velmora-convert "Converts Outlook stores to new .pst files")
+if(VELMORA_WIZARD)
+  velmora_windows_resources(velmora "Wizard that converts Outlook stores to new .pst files")
+endif()
 
 find_program(VELMORA_MAKENSIS makensis REQUIRED)
 set(VELMORA_INSTALLER ${CMAKE_BINARY_DIR}/velmora-convert-${PROJECT_VERSION}-setup.exe)

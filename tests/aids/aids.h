@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "aids/system.h"
+
 namespace velmora::test {
 
 /// The folder of that name, or the one that the variable names; empty where there is none. A variable that names no
@@ -23,6 +25,8 @@ inline std::filesystem::path AidFolder(const char* variable, const char* name) {
 
 inline std::filesystem::path StoresFolder() { return AidFolder("VELMORA_STORES", "stores"); }
 inline std::filesystem::path ExpectedFolder() { return AidFolder("VELMORA_EXPECTED", "expected"); }
-inline std::filesystem::path ToolsFolder() { return AidFolder("VELMORA_TOOLS", "tools"); }
+
+/// The tools are programs of the machine that this one was built on.
+inline std::filesystem::path ToolsFolder() { return kIsWindows ? "" : AidFolder("VELMORA_TOOLS", "tools"); }
 
 }  // namespace velmora::test

@@ -1,9 +1,6 @@
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 #include "engine/run_fixture.h"
@@ -352,37 +349,6 @@ TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeMadeEndsTheRun) {
   Scan();
   EXPECT_TRUE(run_.runAborted);
   EXPECT_EQ(recorder_.Notices(), (std::vector<NoticeKind>{NoticeKind::kNoIndexFile}));
-}
-
-/// No file may grow while this lives, as on a full disk.
-class FullDisk {
- public:
-  FullDisk() {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit none{0, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &none);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-};
-
-TEST_F(BlockPageScanTest, AnIndexFileThatCannotBeWrittenEndsTheRun) {
-  canvas_.Page(
-      Format::kUnicode, 18432,
-      forge::BlockPage(Format::kUnicode, {{.bid = 4, .offset = 64, .size = 1}, {.bid = 8, .offset = 64, .size = 1}}));
-  Attach(canvas_.bytes);
-  {
-    const FullDisk full;
-    ScanBlockPages(scan_, run_);
-  }
-  EXPECT_TRUE(run_.runAborted);
-  EXPECT_EQ(recorder_.Notices().back(), NoticeKind::kNoIndexFile);
 }
 
 TEST_F(BlockPageScanTest, AnOldIndexFileIsReplaced) {

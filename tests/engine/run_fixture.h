@@ -5,13 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,6 +17,7 @@
 #include "engine/store_scan.h"
 #include "forge/forge.h"
 #include "platform/memory_file.h"
+#include "platform/user_folders.h"
 
 namespace velmora::engine {
 
@@ -86,12 +85,8 @@ class RunTest : public testing::Test {
  protected:
   RunTest() {
     run_.observer = &recorder_;
-    std::string name = (std::filesystem::temp_directory_path() / "velmora-engine-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = name;
     scan_.outputFolder = folder_;
   }
-  ~RunTest() override { std::filesystem::remove_all(folder_); }
 
   /// The bytes are the source from now on, of a personal store of that format.
   void Attach(std::vector<std::byte> bytes, forge::Format format = forge::Format::kUnicode) {
@@ -131,7 +126,8 @@ class RunTest : public testing::Test {
     return records;
   }
 
-  std::filesystem::path folder_;
+  platform::TemporaryFolder temporary_ = platform::TemporaryFolder::Create().value();
+  const std::filesystem::path& folder_ = temporary_.Path();
   Recorder recorder_;
   RunContext run_;
   StoreScan scan_;

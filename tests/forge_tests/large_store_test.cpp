@@ -37,7 +37,7 @@ TEST_F(LargeStore, GrowsToTheSizeAskedFor) {
 }
 
 TEST_F(LargeStore, HasNothingForTheStrictCheckerToFind) {
-  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
+  if (forge::ToolsFolder().empty()) GTEST_SKIP() << test::kWithoutTools;
   Make({.bytes = 2 << 20});
   EXPECT_TRUE(Check("--strict")) << TextOf(folder_.path() / "output");
 }
@@ -61,7 +61,7 @@ TEST_F(LargeStore, SplitsItsMessagesOverFoldersThatEveryReaderLists) {
 TEST_F(LargeStore, TakesOneFolderForAllWhenAsked) {
   const LargeStoreCounts counts = Make({.items = 460, .small = true, .oneFolder = true});
   EXPECT_EQ(counts.folders, 2U);
-  if (forge::ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
+  if (forge::ToolsFolder().empty()) GTEST_SKIP() << test::kWithoutTools;
   EXPECT_TRUE(Check("--strict")) << TextOf(folder_.path() / "output");
 }
 

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "aids/system.h"
+
 namespace velmora::forge {
 
 /// A folder of its own for one test, gone with this object.
@@ -40,3 +42,7 @@ int CountOf(const std::string& text, const std::string& part);
 std::filesystem::path ToolsFolder();
 
 }  // namespace velmora::forge
+
+/// Ends a test where no other reader can be started.
+#define VELMORA_NEEDS_PEERS() \
+  if (velmora::test::kIsWindows) GTEST_SKIP() << "the other readers do not run there"

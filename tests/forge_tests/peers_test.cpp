@@ -60,7 +60,7 @@ TEST_P(ForgedStore, IsListedWithoutTables) {
 }
 
 TEST_P(ForgedStore, IsDumpedByTheChecker) {
-  if (ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
+  if (ToolsFolder().empty()) GTEST_SKIP() << test::kWithoutTools;
   ForgeSample(Options()).Save(folder_.path() / "s.pst");
   ASSERT_TRUE(RunIn(folder_, "python3 '" + (ToolsFolder() / "pstcheck.py").string() + "' --dump s.pst"));
   const std::string dump = TextOf(folder_.path() / "output");
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(FormatsAndEncodings, ForgedStore,
                          NameOf);
 
 TEST(ForgedStoreAtFullLength, HasNothingForTheStrictCheckerToFind) {
-  if (ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
+  if (ToolsFolder().empty()) GTEST_SKIP() << test::kWithoutTools;
   for (const Encoding encoding : {Encoding::kNone, Encoding::kPermute, Encoding::kCyclic}) {
     ScratchFolder folder;
     ForgeSample({.encoding = encoding, .fullLength = true}, {.tables = true}).Save(folder.path() / "s.pst");
@@ -103,7 +103,7 @@ TEST(ForgedStoreAtFullLength, HasNothingForTheStrictCheckerToFind) {
 }
 
 TEST(DemoStore, HoldsWhatItSaysWhileItIsSound) {
-  if (ToolsFolder().empty()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one";
+  if (ToolsFolder().empty()) GTEST_SKIP() << test::kWithoutTools;
   ScratchFolder folder;
   ForgeDemoStore(DemoState::kSound).Save(folder.path() / "s.ost");
   ASSERT_TRUE(RunIn(folder, "python3 '" + (ToolsFolder() / "pstcheck.py").string() + "' --dump s.ost"));

@@ -6,31 +6,16 @@
 #include <filesystem>
 #include <memory>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "engine/block_reader.h"
 #include "engine/index_file.h"
 #include "engine/steps.h"
 #include "platform/memory_file.h"
+#include "platform/user_folders.h"
 
 namespace velmora::engine {
 namespace {
-
-/// A folder for the index file, gone with the process.
-class Folder {
- public:
-  Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "velmora-fuzz-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) std::abort();
-    path_ = name;
-  }
-  ~Folder() { std::filesystem::remove_all(path_); }
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 void Require(bool holds) {
   if (!holds) std::abort();
@@ -66,7 +51,7 @@ void ReadBlocks(const ScannedStore& store) {
 }
 
 void RunScans(const std::vector<std::byte>& bytes, std::uint16_t formatId, bool smart) {
-  static const Folder folder;
+  static const auto folder = platform::TemporaryFolder::Create().value();  // for the index file
   RunContext run;
   run.smartScan = smart;
   StoreScan scan;

@@ -2,6 +2,8 @@
 
 #include <zlib.h>
 
+#include "platform/spares.h"
+
 namespace velmora::engine {
 
 namespace {
@@ -24,8 +26,9 @@ class Inflater {
 }  // namespace
 
 std::vector<std::byte> InflatePart(std::span<const std::byte> packed, std::size_t most) {
-  thread_local Inflater inflater;  // to make it takes as long as to inflate a small block
-  z_stream* stream = inflater.Begin();
+  static platform::Spares<Inflater> inflaters;  // to make one takes as long as to inflate a small block
+  const auto inflater = inflaters.Take();
+  z_stream* stream = inflater->Begin();
   if (stream == nullptr) return {};
   std::vector<std::byte> out(most);
   stream->next_in = reinterpret_cast<Bytef*>(const_cast<std::byte*>(packed.data()));

@@ -2,18 +2,30 @@
 
 #include <libdeflate.h>
 
-#include <memory>
+#include "platform/spares.h"
 
 namespace velmora {
 
+namespace {
+
+struct Decompressor {
+  Decompressor() = default;
+  ~Decompressor() { libdeflate_free_decompressor(stream); }
+  Decompressor(const Decompressor&) = delete;
+  Decompressor& operator=(const Decompressor&) = delete;
+
+  libdeflate_decompressor* const stream = libdeflate_alloc_decompressor();  ///< null where there is no memory for one
+};
+
+}  // namespace
+
 bool Inflate(std::span<const std::byte> packed, std::span<std::byte> out) {
-  // One for each thread: to make it takes as long as to inflate a small block.
-  thread_local const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> stream(
-      libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
+  static platform::Spares<Decompressor> decompressors;  // to make one takes as long as to inflate a small block
+  const auto decompressor = decompressors.Take();
   std::size_t size = 0;
-  return stream != nullptr &&
-         libdeflate_zlib_decompress(stream.get(), packed.data(), packed.size(), out.data(), out.size(), &size) ==
-             LIBDEFLATE_SUCCESS &&
+  return decompressor->stream != nullptr &&
+         libdeflate_zlib_decompress(decompressor->stream, packed.data(), packed.size(), out.data(), out.size(),
+                                    &size) == LIBDEFLATE_SUCCESS &&
          size == out.size();
 }
 

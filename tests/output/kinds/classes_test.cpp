@@ -166,6 +166,7 @@ TEST(DistributionLists, KeepTheirNameAndNoMembers) {
         forge::Named(forge::PropertySet::kAddress, members, forge::Raw(0, 0x1102, member, forge::Place::kHeap)));
   }
   Conversion conversion(SourceOf(UnicodePst(), {list}), UnicodePst().fileName);
+  VELMORA_NEEDS_PEERS();
   const auto folder = conversion.Pffexport() / "Sent" / "DistributionList00001";
   EXPECT_THAT(LinesOf(forge::TextOf(folder / "DistributionList.txt"), "Name"), ElementsAre("\u00abFullName\u00bb"));
   const DumpedValues values(folder / "ItemValues.txt");
@@ -183,6 +184,7 @@ TEST(Mails, BringTheFirstBodyThatYieldsText) {
   const auto mail = Only(conversion);
   EXPECT_EQ(mail->Get(Field::HTMLBody).AsText(), u"<p>the page</p>");
   EXPECT_FALSE(mail->Get(Field::Body).written);
+  VELMORA_NEEDS_PEERS();
   EXPECT_EQ(forge::TextOf(conversion.Pffexport() / "Sent" / "Message00001" / "Message.html"), "<p>the page</p>");
 }
 

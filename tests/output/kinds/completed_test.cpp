@@ -99,6 +99,7 @@ std::vector<Added> AddedValues() {
 class Completed : public testing::TestWithParam<Kind> {};
 
 TEST_P(Completed, HasWhatOtherProgramsLookFor) {
+  VELMORA_NEEDS_PEERS();
   Conversion conversion(SourceOf(UnicodePst(), {MessageOf(GetParam())}), UnicodePst().fileName);
   const DumpedValues values(conversion.Pffexport() / "Sent" / (std::string(GetParam().peerName) + "00001") /
                             "ItemValues.txt");

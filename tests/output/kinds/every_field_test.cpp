@@ -87,6 +87,8 @@ INSTANTIATE_TEST_SUITE_P(OfEachSource, EveryField, testing::ValuesIn(Cases(Sourc
 
 class OtherReaders : public EveryField {
  protected:
+  void SetUp() override { VELMORA_NEEDS_PEERS(); }
+
   std::filesystem::path PffexportItem() const {
     return conversion().Pffexport() / "Sent" / (std::string(kind().peerName) + "00001");
   }

@@ -64,7 +64,7 @@ TEST_F(DataTrees, OfUpToABlockAreThatBlock) {
 }
 
 TEST_F(DataTrees, OfMoreThanABlockHaveAnXBlock) {
-  for (const std::size_t size : {8177ul, 2 * kMaxBlockData, kXBlockBytes}) {
+  for (const std::size_t size : std::initializer_list<std::size_t>{8177, 2 * kMaxBlockData, kXBlockBytes}) {
     const std::vector<std::byte> bytes = test::Noise(size);
     const DataTree tree = Written(bytes, 100000);
     const InternalHead head = Head(tree.bid);
@@ -93,7 +93,8 @@ TEST_F(DataTrees, OfMoreThanAFullXBlockHaveAnXXBlockOverFullXBlocks) {
 
 TEST_F(DataTrees, AreTheSameWhateverThePieces) {
   const std::vector<std::byte> bytes = test::Noise(5 * kMaxBlockData + 77);
-  for (const std::size_t piece : {1000ul, kMaxBlockData, kMaxBlockData + 1, 3 * kMaxBlockData, bytes.size()}) {
+  for (const std::size_t piece :
+       std::initializer_list<std::size_t>{1000, kMaxBlockData, kMaxBlockData + 1, 3 * kMaxBlockData, bytes.size()}) {
     EXPECT_EQ(Content(Written(bytes, piece)), bytes) << piece;
   }
 }
@@ -102,8 +103,8 @@ TEST_F(DataTrees, AreReadFromAnyOffset) {
   const std::vector<std::byte> bytes = test::Noise(3 * kMaxBlockData + 100);
   const DataTree tree = Written(bytes, bytes.size());
   DataTreeReader reader = DataTreeReader::Open(*ndb_, tree.bid);
-  for (const std::size_t offset : {0ul, 1ul, 8175ul, 8176ul, 16351ul, bytes.size() - 1}) {
-    for (const std::size_t size : {1ul, 8176ul, 20000ul, bytes.size()}) {
+  for (const std::size_t offset : std::initializer_list<std::size_t>{0, 1, 8175, 8176, 16351, bytes.size() - 1}) {
+    for (const std::size_t size : std::initializer_list<std::size_t>{1, 8176, 20000, bytes.size()}) {
       std::vector<std::byte> out(size);
       const std::size_t read = reader.ReadAt(offset, out);
       ASSERT_EQ(read, std::min(size, bytes.size() - offset));

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "aids/system.h"
+
 namespace velmora::test {
 
 /// What the checker is asked for.
@@ -30,4 +32,4 @@ bool DumpStore(const std::filesystem::path& store, const std::filesystem::path& 
 
 /// Ends a test with a reason where the checker is not there.
 #define VELMORA_NEEDS_PST_CHECK() \
-  if (!velmora::test::HasPstCheck()) GTEST_SKIP() << "no folder of tools beside the sources; VELMORA_TOOLS names one"
+  if (!velmora::test::HasPstCheck()) GTEST_SKIP() << velmora::test::kWithoutTools
