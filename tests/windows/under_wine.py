@@ -89,7 +89,7 @@ class UnderWine(CommandUnderWine):
         if "--complete" not in options:
             options = (*options, "--trace", folder / "trace.jsonl")
         ended = run("--quiet", *options, "--report", report, source, folder)
-        self.assertTrue(report.is_file(), ended.stderr)
+        self.assertTrue(report.is_file(), f"ended with {ended.returncode}: {ended.stderr}")
         known = json.loads(report.read_text("utf-8"))
         report.unlink()
         self.assertLess(known["peakRssKiB"], MEMORY >> 10)
