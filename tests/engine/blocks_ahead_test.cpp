@@ -138,6 +138,43 @@ TEST_P(BlocksAheadTest, StopWhereThereIsNoMoreRoom) {
   EXPECT_LE(bytes, BlocksAhead::kMostBytes);
 }
 
+// Nothing but intent makes a store in which the bytes of one block are also another one's.
+TEST_P(BlocksAheadTest, LeaveOutABlockThatHoldsAnotherOne) {
+  forge::Mailbox box({.format = GetParam()}, {.tables = true});
+  const forge::Nid inbox = box.AddFolder({.name = u"Inbox"});
+  box.AddMessage(inbox, {.subject = u"Ahead"});
+  box.AddMessage(inbox, {.subject = u"Long", .html = forge::Noise(20'000, 1)});
+  box.AddMessage(inbox, {.subject = u"Within"});
+  forge::Bytes bytes = box.Finish().bytes;
+  const auto before = Prove(bytes);
+  const Generation& layout = before->Format();
+  const FoundBlock heap = *before->Found().Find(Messages(*before).back().bidData);
+  const auto chain = BlocksOf(*before, Messages(*before)[1]);
+  const auto outer = std::ranges::find_if(
+      chain, [&](Bid bid) { return before->Found().Find(bid)->cb > 2 * BlockSizeOnDisk(heap.cb, layout); });
+  ASSERT_NE(outer, chain.end());
+  const FoundBlock holder = *before->Found().Find(*outer);
+
+  // The heap of the last message moves into a value of the one before, which gets another checksum.
+  const std::size_t size = BlockSizeOnDisk(heap.cb, layout);
+  const auto moved = std::span(bytes).subspan(holder.offset + layout.slotSize, size);
+  std::ranges::copy(std::span(bytes).subspan(heap.offset, size), moved.begin());
+  bytes[heap.offset] ^= std::byte{1};
+  Store(moved.last(layout.blockTrailerSize), 2, ComputeSig(holder.offset + layout.slotSize, Value(heap.bid)));
+  const auto whole = std::span(bytes).subspan(holder.offset, BlockSizeOnDisk(holder.cb, layout));
+  Store(whole.last(layout.blockTrailerSize), layout.offBlockCrc, WeakCrc(whole.first(holder.cb)));
+
+  const auto store = Prove(bytes);
+  const BlocksAhead ahead(*store, Messages(*store), true);
+  std::vector<std::byte> content;
+  std::vector<std::byte> expected;
+  ASSERT_TRUE(ahead.Find(heap.bid, content));
+  before->ReadBlock(heap.bid, expected);
+  EXPECT_EQ(content, expected);
+  EXPECT_FALSE(ahead.Find(holder.bid, content));
+  EXPECT_FALSE(ahead.FindStored(holder.bid));
+}
+
 TEST_P(BlocksAheadTest, LeaveOutBlocksThatAreNotWhatTheyWere) {
   forge::Bytes bytes = Forge(20'000);
   const auto before = Prove(bytes);
