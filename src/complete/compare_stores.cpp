@@ -109,11 +109,9 @@ class StoreComparison {
     return target_->FindNode(target) ? std::optional(target) : std::nullopt;
   }
 
-  /// What references lead to: folders that are there, and each message that was to come across, even if it was lost.
+  /// What references lead to: what was to come across, even if it was lost.
   std::optional<Nid> ReferredTo(Nid nid) {
-    if (plan_.Find(nid) != nullptr) return TargetOf(nid);
-    const auto node = source_.FindNode(nid);
-    return node && from_.Takes(*node) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
+    return from_.Takes(nid) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
   }
 
   const Loss* LossOf(Nid nid) const {

@@ -32,6 +32,12 @@ bool CopySource::Takes(const ndb::NodeEntry& node) {
   }
 }
 
+bool CopySource::Takes(Nid nid) {
+  if (const SourceFolder* folder = plan.Find(nid)) return folder->isCopied;
+  const auto node = live.FindNode(nid);
+  return node && Takes(*node);
+}
+
 /// A hidden message of a folder that stays behind is of use to nobody.
 bool CopySource::IsInCopied(const ndb::NodeEntry& message) {
   const SourceFolder* folder = plan.Find(message.nidParent);

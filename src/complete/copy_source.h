@@ -26,6 +26,9 @@ struct CopySource {
   /// Whether a live folder or message comes across.
   bool Takes(const ndb::NodeEntry& node);
 
+  /// The same by its id, also of a folder of which only its row is left.
+  bool Takes(Nid nid);
+
   LiveStore live;
   SourceNames names;
   TextPages pages;

@@ -115,13 +115,9 @@ class StoreCopy {
     for (const Nid nid : anew) account_.newIds.emplace(nid, target_.Ndb().NewNid(TypeOf(nid)));
   }
 
-  /// Of folders that are made already, and of messages that will be.
+  /// What references lead to may be lost on the way.
   std::optional<Nid> TargetOf(Nid nid) {
-    if (const SourceFolder* folder = plan_.Find(nid)) {
-      return folder->target != nullptr ? std::optional(folder->target->nid) : std::nullopt;
-    }
-    const auto node = source_.FindNode(nid);
-    return node && from_.Takes(*node) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
+    return from_.Takes(nid) ? std::optional(account_.NewIdOf(nid)) : std::nullopt;
   }
 
   Folder& FolderOf(const ndb::NodeEntry& node) {

@@ -40,28 +40,11 @@ void FolderCopier::CopyAll() {
   SourceFolder* const top = plan_.Top();
   if (top == nullptr) return;
   top->target = &tools_.target.Top();
-  tools_.account.newIds.emplace(top->nid, top->target->nid);
   ++tools_.account.folders;
-  std::unordered_map<const SourceFolder*, std::vector<SourceFolder*>> below;
-  for (auto& [nid, folder] : plan_.Folders()) {
-    if (folder.isCopied && &folder != top) below[plan_.ParentOf(folder)].push_back(&folder);
-  }
-  // Siblings by ascending id in the new store, where new ids follow all others, so that a copy of the copy is the same.
-  const auto placeOf = [this](const SourceFolder* folder) {
-    if (folder == plan_.DeletedItems()) return std::pair(false, OwnDeletedItems().nid);
-    return std::pair(!IsFree(folder->nid), folder->nid);
-  };
-  std::vector<SourceFolder*> next;
-  const auto addBelow = [&](const SourceFolder& folder) {
-    std::vector<SourceFolder*>& children = below[&folder];
-    std::ranges::sort(children, std::greater(), placeOf);
-    next.insert(next.end(), children.begin(), children.end());
-  };
-  for (addBelow(*top); !next.empty();) {
-    SourceFolder& folder = *next.back();
-    next.pop_back();
-    Copy(folder);
-    if (folder.target != nullptr) addBelow(folder);
+  const std::vector<SourceFolder*> folders = ParentsFirst();
+  GiveIds(folders);
+  for (SourceFolder* folder : folders) {
+    if (plan_.ParentOf(*folder)->target != nullptr) Copy(*folder);
   }
   for (const auto& [kind, nid] : plan_.Defaults().All()) {
     const SourceFolder* folder = plan_.Find(nid);
@@ -69,6 +52,49 @@ void FolderCopier::CopyAll() {
       tools_.target.SetDefaultFolder(kind, *folder->target);
     }
   }
+}
+
+/// What is copied, but for the top.
+std::vector<SourceFolder*> FolderCopier::ParentsFirst() {
+  std::unordered_map<const SourceFolder*, std::vector<SourceFolder*>> below;
+  for (auto& [nid, folder] : plan_.Folders()) {
+    if (folder.isCopied && &folder != plan_.Top()) below[plan_.ParentOf(folder)].push_back(&folder);
+  }
+  // Siblings by ascending id in the new store, where new ids follow all others, so that a copy of the copy is the same.
+  const auto placeOf = [this](const SourceFolder* folder) {
+    if (folder == plan_.DeletedItems()) return std::pair(false, OwnDeletedItems().nid);
+    return std::pair(!IsFree(folder->nid), folder->nid);
+  };
+  std::vector<SourceFolder*> folders;
+  std::vector<SourceFolder*> next;
+  const auto addBelow = [&](const SourceFolder& folder) {
+    std::vector<SourceFolder*>& children = below[&folder];
+    std::ranges::sort(children, std::greater(), placeOf);
+    next.insert(next.end(), children.begin(), children.end());
+  };
+  for (addBelow(*plan_.Top()); !next.empty();) {
+    folders.push_back(next.back());
+    next.pop_back();
+    addBelow(*folders.back());
+  }
+  return folders;
+}
+
+/// Ahead of all contents, as a property of any folder may refer to any other.
+void FolderCopier::GiveIds(const std::vector<SourceFolder*>& folders) {
+  auto& newIds = tools_.account.newIds;
+  newIds.emplace(plan_.Top()->nid, plan_.Top()->target->nid);
+  std::vector<Nid> anew;
+  for (const SourceFolder* folder : folders) {
+    if (folder == plan_.DeletedItems()) {
+      newIds.emplace(folder->nid, OwnDeletedItems().nid);
+    } else if (IsFree(folder->nid)) {
+      tools_.target.Ndb().NoteNid(folder->nid);
+    } else {
+      anew.push_back(folder->nid);
+    }
+  }
+  for (const Nid nid : anew) newIds.emplace(nid, tools_.target.Ndb().NewNid(NidType::kNormalFolder));
 }
 
 Folder& FolderCopier::AddOwn(text::TextView name) {
@@ -183,11 +209,9 @@ void FolderCopier::Copy(SourceFolder& folder) {
       tools_.target.SetProperties(*folder.target, std::move(properties));
     } else {
       GiveFreeName(parent, nullptr, properties);
-      const auto nid = IsFree(folder.nid) ? std::optional(folder.nid) : std::nullopt;
-      folder.target = &tools_.target.AddFolder(parent, std::move(properties), nid);
+      folder.target = &tools_.target.AddFolder(parent, std::move(properties), tools_.account.NewIdOf(folder.nid));
     }
     ++tools_.account.folders;
-    if (folder.target->nid != folder.nid) tools_.account.newIds.emplace(folder.nid, folder.target->nid);
   } catch (const std::exception&) {
     missing.push_back({.kind = MissingPart::Kind::kObject, .cause = CauseOfLoss()});
   }

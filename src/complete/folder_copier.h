@@ -3,6 +3,7 @@
 
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "complete/folder_plan.h"
 #include "complete/property_copier.h"
@@ -25,6 +26,8 @@ class FolderCopier {
   messaging::Folder& RecoveredFrom(const SourceFolder* folder);
 
  private:
+  std::vector<SourceFolder*> ParentsFirst();
+  void GiveIds(const std::vector<SourceFolder*>& folders);
   messaging::Folder& AddOwn(text::TextView name);
   void Copy(SourceFolder& folder);
   messaging::PropertyBag PropertiesOf(const SourceFolder& folder, Missing& missing);

@@ -97,5 +97,27 @@ TEST_P(ReferencesTest, OneThatLeadsToNothingStaysAsItIs) {
   EXPECT_TRUE(account_.IsWhole()) << "the message has all that it had";
 }
 
+TEST_P(ReferencesTest, OfAFolderLeadToFoldersThatAreMadeAfterIt) {
+  constexpr forge::Nid kKept = 0x123E2;
+  constexpr forge::Nid kTooHigh = 0xFFFFFFE2;  // gets another id
+  constexpr forge::Nid kNowhere = 0x223E2;
+  forge::Mailbox box = NewBox();
+  const forge::PropertyList refers = {
+      Binary(0x6903, forge::EntryId(kTooHigh)),
+      Binaries(0x6904, {MemberEntryId(kTooHigh), MemberEntryId(kNowhere), MemberEntryId(kKept)})};
+  const forge::Nid first = box.AddFolder({.name = u"First", .properties = refers});
+  box.AddFolder({.name = u"Kept", .nid = kKept});
+  box.AddFolder({.name = u"Too high", .nid = kTooHigh});
+  Copy(box);
+  const velmora::Nid anew = target_->Folders().at(u"/Top of Personal Folders/Too high");
+  ASSERT_NE(anew, velmora::Nid{kTooHigh});
+  ExpectHas(target_->PropertiesOf(NodeOf(first)),
+            {Binary(0x6903, InTarget(forge::EntryId(kTooHigh), anew)),
+             Binaries(0x6904, {InTarget(MemberEntryId(kTooHigh), anew), MemberEntryId(kNowhere),
+                               InTarget(MemberEntryId(kKept), velmora::Nid{kKept})})});
+  ExpectAllWhole();
+  ExpectSound();
+}
+
 }  // namespace
 }  // namespace velmora::complete
