@@ -1,6 +1,7 @@
 #include "workflow/custom2_dlg.h"
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <filesystem>
@@ -48,8 +49,9 @@ void CCustom2Dlg::OnBrowse() {
 }
 
 void CCustom2Dlg::OnFolderPicked(const QUrl& folder) {
-  frame_.State().destinationPath = FromQt(folder.toLocalFile());
-  Control<QLineEdit>(kDestinationEditId)->setText(folder.toLocalFile());
+  const QString path = QDir::toNativeSeparators(folder.toLocalFile());
+  frame_.State().destinationPath = FromQt(path);
+  Control<QLineEdit>(kDestinationEditId)->setText(path);
 }
 
 void CCustom2Dlg::OnBack() {

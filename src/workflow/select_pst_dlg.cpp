@@ -1,5 +1,6 @@
 #include "workflow/select_pst_dlg.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <filesystem>
@@ -41,8 +42,9 @@ void CSelectPstDlg::OnBrowse() {
 
   const QFileInfo chosen(dialog.selectedFiles().first());
   frame_.State().sourceFileName = FromQt(chosen.fileName());
-  frame_.State().sourcePath = FromQt(chosen.filePath());
-  Control<QLineEdit>(kSourceEditId)->setText(chosen.filePath());
+  const QString path = QDir::toNativeSeparators(chosen.filePath());
+  frame_.State().sourcePath = FromQt(path);
+  Control<QLineEdit>(kSourceEditId)->setText(path);
   const QString extension = chosen.suffix().toLower();
   if (extension != u"pst" && extension != u"ost") Control<QWidget>(kNextId)->setEnabled(false);
 }
