@@ -19,6 +19,10 @@ Workers::Workers(unsigned jobs) {
   // The large tables of the scans go back to the system when they are done with, in place of leaving gaps.
   ::mallopt(M_MMAP_THRESHOLD, 4 << 20);
 #endif
+#ifdef M_TRIM_THRESHOLD
+  // What is read ahead and given back is asked for again at once, a page at a time if the system has it meanwhile.
+  ::mallopt(M_TRIM_THRESHOLD, 4 << 20);
+#endif
   for (unsigned i = 1; i < jobs; ++i) threads_.emplace_back([this] { Work(); });
 }
 
