@@ -39,7 +39,7 @@ BlocksAhead::BlocksAhead(const ProvenStore& store, std::span<const ndb::NodeTree
 
 /// Once for each block, however many lists name it, and how often.
 void BlocksAhead::Ask(Bid bid, Part part, std::vector<Wanted>& wanted) {
-  if (bid != kNoBid && asked_.insert(Canonical(bid)).second) wanted.push_back({bid, part});
+  if (bid != kNoBid && asked_.Insert(bid)) wanted.push_back({bid, part});
 }
 
 /// Those of the wanted that are whole and were read or have room, by their places.

@@ -10,9 +10,9 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <unordered_set>
 #include <vector>
 
+#include "engine/evidence/bid_set.h"
 #include "engine/pieces_read.h"
 #include "engine/proven_store.h"
 #include "store/format/block.h"
@@ -76,7 +76,7 @@ class BlocksAhead {
   std::size_t bytesLeft_ = kMostBytes;
   std::size_t inflatedLeft_ = kMostBytes;
   bool isFull_ = false;
-  std::unordered_set<Bid> asked_;
+  BidSet asked_;
   std::vector<Block> blocks_;                     ///< by ascending id
   PiecesRead pieces_;                             ///< memory of the blocks
   std::vector<std::vector<std::byte>> inflated_;  ///< likewise, where blocks are packed

@@ -13,8 +13,12 @@ namespace velmora::engine {
 /// Ids that are near one another share a word: lists name blocks that were written one after another.
 class BidSet {
  public:
-  /// Bit 0 does not count.
-  void Insert(Bid bid) { Add(WordOf(bid), BitOf(bid)); }
+  /// Bit 0 does not count. Returns whether it was not there.
+  bool Insert(Bid bid) {
+    const std::size_t before = size_;
+    Add(WordOf(bid), BitOf(bid));
+    return size_ != before;
+  }
   void Insert(const BidSet& others) {
     for (const auto& [word, bits] : others.words_) Add(word, bits);
   }

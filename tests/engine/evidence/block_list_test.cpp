@@ -123,6 +123,8 @@ TEST(BidSet, CountsEachIdOnceWhateverItsBitZero) {
   set.Insert(other);
   EXPECT_EQ(set.size(), 4u);
   EXPECT_TRUE(set.Contains(Bid{8}));
+  EXPECT_FALSE(set.Insert(Bid{9})) << "it was there";
+  EXPECT_TRUE(set.Insert(Bid{10}));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 namespace velmora::messaging {
 
 const PropertyBag::Entry* PropertyBag::Find(PropTag tag) const {
+  if (IdOf(tag) > highestId_) return nullptr;
   const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) { return IdOf(entry.tag) == IdOf(tag); });
   return found != entries_.end() ? &*found : nullptr;
 }
@@ -23,6 +24,7 @@ void PropertyBag::Remove(PropTag tag) {
 void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
   Remove(tag);
   if (entries_.empty()) Reserve();
+  highestId_ = std::max(highestId_, IdOf(tag));
   entries_.push_back({tag, values_.size(), bytes.size(), nullptr});
   values_.insert(values_.end(), bytes.begin(), bytes.end());
 }
@@ -66,6 +68,7 @@ void PropertyBag::PutTexts(PropTag tag, const std::vector<text::Text>& texts) {
 
 void PropertyBag::PutStored(PropTag tag, std::shared_ptr<const StoredValue> value) {
   Remove(tag);
+  highestId_ = std::max(highestId_, IdOf(tag));
   entries_.push_back({tag, 0, 0, std::move(value)});
 }
 

@@ -106,6 +106,7 @@ class PropertyBag {
 
   std::vector<Entry> entries_;
   std::vector<std::byte> values_;  ///< of replaced properties too
+  std::uint16_t highestId_ = 0;    ///< that was ever put: most bags are filled in ascending order
 };
 
 }  // namespace velmora::messaging
