@@ -22,6 +22,7 @@ constexpr int kHalf = kMessages / 2;
 constexpr std::size_t kEntriesPerPage = 8;  // trees of three levels
 constexpr Nid kFirstMessage = 0x200024;
 constexpr Nid kStep = 0x20;
+constexpr std::uint64_t kHour = 36'000'000'000;
 
 std::u16string Digits(int number) {
   const std::string digits = std::to_string(number);
@@ -127,14 +128,16 @@ AgedMailbox Forge(forge::Format format, forge::Encoding encoding, const std::vec
       old.push_back({next, deleted.bidData, deleted.bidSub, folder});
       next += kStep;
     }
+    Message message = MessageOf(number);
     if (number >= kHalf && number % 6 == 2) {  // an older state of one that is still there
-      Message before = MessageOf(number);
+      Message before = message;
       before.importance = 2;
       const auto written = WriteMessage(store, box.names(), before);
       old.push_back({next, written.bidData, written.bidSub, folder});
+      message.properties.push_back(forge::Time(0x3008, *message.delivered + kHour));
     }
     const std::uint64_t begin = store.End();
-    const auto added = box.AddMessage(folder, MessageOf(number), next);
+    const auto added = box.AddMessage(folder, message, next);
     made.messages.push_back({added.nid, begin, store.End()});
     if (number < kHalf) old.push_back({added.nid, added.bidData, added.bidSub, folder});
     if (number + 6 == kMessages) {
