@@ -1,5 +1,6 @@
-; The installer of the command line: program, help and an entry in the path, for all users. It brings all that it
-; installs. "/S" asks nothing, "/D=FOLDER" at the end names another folder.
+; The installer: the command line with its help and an entry in the path, and the wizard where it was built (WIZARD names
+; its folder), for all users. It brings all that it installs. "/S" asks nothing, "/D=FOLDER" at the end names another
+; folder.
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
@@ -73,9 +74,16 @@ Section
   WriteUninstaller "$INSTDIR\uninstall.exe"
 
   CreateDirectory "$SMPROGRAMS\Velmora"
+!ifdef WIZARD
+  File /r "${WIZARD}"
+  CreateShortcut "$SMPROGRAMS\Velmora\${NAME}.lnk" "$INSTDIR\wizard\bin\velmora.exe"
+  !define INSTALLED "${NAME}"
+!else
+  !define INSTALLED "${NAME} (command line)"
+!endif
   CreateShortcut "$SMPROGRAMS\Velmora\Help of velmora-convert.lnk" "$INSTDIR\command-line.txt"
 
-  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${NAME} (command line)"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${INSTALLED}"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\velmora-convert.exe"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "Publisher" "Velmora"
@@ -112,8 +120,15 @@ Section Uninstall
   ${EndIf}
   !insertmacro ClosePath
 
+  Delete "$SMPROGRAMS\Velmora\${NAME}.lnk"
   Delete "$SMPROGRAMS\Velmora\Help of velmora-convert.lnk"
   RMDir "$SMPROGRAMS\Velmora"
+  Delete "$INSTDIR\wizard\bin\velmora.exe"
+  Delete "$INSTDIR\wizard\Lang\*.INI"
+  Delete "$INSTDIR\wizard\vm-oxp.html"
+  RMDir "$INSTDIR\wizard\bin"
+  RMDir "$INSTDIR\wizard\Lang"
+  RMDir "$INSTDIR\wizard"
   Delete "$INSTDIR\velmora-convert.exe"
   Delete "$INSTDIR\command-line.txt"
   Delete "$INSTDIR\exit-codes.txt"

@@ -25,10 +25,16 @@ endif()
 
 find_program(VELMORA_MAKENSIS makensis REQUIRED)
 set(VELMORA_INSTALLER ${CMAKE_BINARY_DIR}/velmora-convert-${PROJECT_VERSION}-setup.exe)
+set(installed velmora-convert)
+if(VELMORA_WIZARD)
+  set(VELMORA_INSTALLER ${CMAKE_BINARY_DIR}/velmora-${PROJECT_VERSION}-setup.exe)
+  list(APPEND installed velmora velmora_guide)
+  set(with_wizard -DWIZARD=${VELMORA_TREE})
+endif()
 add_custom_command(OUTPUT ${VELMORA_INSTALLER}
   COMMAND ${VELMORA_MAKENSIS} -V2 -WX -NOCD -DVERSION=${PROJECT_VERSION} -DPROGRAM=$<TARGET_FILE:velmora-convert>
-    -DSOURCES=${CMAKE_SOURCE_DIR} -DICON=${VELMORA_ICON} -DINSTALLER=${VELMORA_INSTALLER}
+    -DSOURCES=${CMAKE_SOURCE_DIR} -DICON=${VELMORA_ICON} -DINSTALLER=${VELMORA_INSTALLER} ${with_wizard}
     ${CMAKE_CURRENT_LIST_DIR}/installer.nsi
-  DEPENDS velmora-convert ${CMAKE_CURRENT_LIST_DIR}/installer.nsi ${CMAKE_SOURCE_DIR}/docs/command-line.md
+  DEPENDS ${installed} ${CMAKE_CURRENT_LIST_DIR}/installer.nsi ${CMAKE_SOURCE_DIR}/docs/command-line.md
     ${CMAKE_SOURCE_DIR}/docs/exit-codes.md)
 add_custom_target(velmora_windows_installer ALL DEPENDS ${VELMORA_INSTALLER})

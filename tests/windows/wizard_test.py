@@ -1,5 +1,5 @@
-"""The wizard for Windows in a real window, worked by keys alone from its start to its end: the store that it writes is the
-one that the command line for this machine writes of the same source. VELMORA_PICTURES names a folder for pictures of its
+"""The wizard for Windows, installed, in a real window, worked by keys alone from its start to its end: the store that it
+writes is the one that the command line for this machine writes of the same source. Then it is removed. VELMORA_PICTURES names a folder for pictures of its
 pages."""
 
 import os
@@ -15,6 +15,8 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 WINE = SOURCE / "tests" / "windows" / "wine"
 PREFIX = SOURCE / "build" / "wine-wizard"
 DRIVE = PREFIX / "drive_c"
+INSTALLED = DRIVE / "Program Files" / "Velmora"
+MENU = DRIVE / "ProgramData/Microsoft/Windows/Start Menu/Programs/Velmora"
 TITLE = "Velmora Convert OST to PST"  # of all pages, and of the dialog for the source
 LIMIT = 60  # seconds for anything to come
 OPENBOX = """<openbox_config xmlns="http://openbox.org/3.4/rc">
@@ -74,6 +76,11 @@ class Wizard(unittest.TestCase):
                             "SOURCE_DATE_EPOCH": "1700000000", "WINEPREFIX": str(PREFIX)}
         for settings in DRIVE.glob("users/*/AppData/Roaming/velmora"):
             shutil.rmtree(settings)
+        shutil.rmtree(INSTALLED, ignore_errors=True)  # by a run that was ended
+
+    def wine(self, *words):
+        subprocess.run([WINE, *words], env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, check=True)
 
     def wait(self, what, condition, seconds=LIMIT):
         end = time.monotonic() + seconds
@@ -116,7 +123,10 @@ class Wizard(unittest.TestCase):
         self.press("Return", "the page", self.on_page, "C:\\" + "\\".join(path.relative_to(DRIVE).parts))
 
     def test_it_writes_the_store_of_the_command_line(self):
-        wizard = subprocess.Popen([WINE, os.environ["VELMORA_EXE"]], env=self.environment, stdin=subprocess.DEVNULL)
+        self.wine(os.environ["VELMORA_INSTALLER"], "/S")
+        self.assertTrue((MENU / f"{TITLE}.lnk").exists())
+        program = INSTALLED / "wizard" / "bin" / "velmora.exe"
+        wizard = subprocess.Popen([WINE, program], env=self.environment, stdin=subprocess.DEVNULL)
         self.addCleanup(subprocess.run, ["/usr/lib/wine/wineserver64", "-k"], env=self.environment)
         self.wait("the start page", lambda: self.display.title() == TITLE, 180)
         self.window = self.display.do("getactivewindow")
@@ -144,6 +154,9 @@ class Wizard(unittest.TestCase):
         self.display.picture("exit")
         self.display.do("key", "alt+y")
         self.assertEqual(0, wizard.wait(LIMIT))
+        self.wine(r"C:\Program Files\Velmora\uninstall.exe", "/S")
+        self.wait("the end of the removal", lambda: not INSTALLED.exists())  # a copy of it does the work
+        self.assertFalse(MENU.exists())
 
         here = self.work / "here"
         here.mkdir()
