@@ -1,6 +1,6 @@
 """The wizard for Windows, installed, in a real window, worked by keys alone from its start to its end: the store that it
-writes is the one that the command line for this machine writes of the same source. Then it is removed. VELMORA_PICTURES names a folder for pictures of its
-pages."""
+writes is the one that the command line for this machine writes of the same source. Then it is removed. VELMORA_PICTURES
+names a folder for pictures of its pages."""
 
 import os
 import pathlib
