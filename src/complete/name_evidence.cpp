@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "store/format/name_map.h"
+#include "store/format/store_nodes.h"
 #include "store/ltp/property_context.h"
 
 namespace velmora::complete {
