@@ -233,7 +233,7 @@ class StoreCopy {
       if (IdOf(column.tag) >= name_map::kFirstNamedId) continue;
       try {
         if (auto cell = table->Cell(*row, column.tag)) {
-          copier.Put(column.tag, TargetForm(column.tag), std::move(*cell), from_.pages.OfStore(), properties);
+          copier.Put(column.tag, TargetForm(column.tag), *cell, from_.pages.OfStore(), properties);
         }
       } catch (const FailureError&) {
         // The others name it as well.

@@ -83,13 +83,12 @@ PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, co
   for (const ltp::Column& column : table.Columns()) {
     if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || IsLeftOut(IdOf(column.tag), owner)) continue;
     try {
-      auto value = table.Cell(row, column.tag);
-      if (!value) continue;
-      tools_.account.bytes += value->size();
-      if (!tools_.allowance.TakeText(value->size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
+      if (!table.Cell(row, column.tag, cell_)) continue;
+      tools_.account.bytes += cell_.size();
+      if (!tools_.allowance.TakeText(cell_.size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
       const PropTag targetTag = properties_.TargetTag(column.tag);
       PropertyCopier::CheckIsFirst(column.tag, targetTag, out);
-      properties_.Put(column.tag, targetTag, std::move(*value), page, out);
+      properties_.Put(column.tag, targetTag, cell_, page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
     }

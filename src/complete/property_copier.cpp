@@ -74,7 +74,7 @@ void PropertyCopier::CheckIsFirst(PropTag tag, PropTag targetTag, const Property
   if (out.TagOf(targetTag)) RaiseCorrupt({ObjectKind::kProperty, tag}, IdOf(tag), "another property has its name");
 }
 
-void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page,
+void PropertyCopier::Put(PropTag tag, PropTag targetTag, std::vector<std::byte>& value, const text::CodePage& page,
                          PropertyBag& out) {
   if (!BringIntoForm(tag, value, page, tools_.references, tools_.account.undefinedBytes)) return;
   if (value.size() > MostInMemory(targetTag)) {
@@ -129,36 +129,38 @@ void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag ta
   if (!tools_.allowance.TakeText(size)) {
     Raise(FailureKind::kNotSupported, {ObjectKind::kProperty, tag}, size, "the store claims more than it can hold");
   }
-  auto value = tree ? tree->ReadAll(kMostConverted) : *from.Read(tag, kMostConverted);
+  Bytes ofTree;
+  if (tree) {
+    ofTree = tree->ReadAll(kMostConverted);
+  } else {
+    static_cast<void>(from.Read(tag, kMostConverted, heapValue_));
+  }
+  Bytes& value = tree ? ofTree : heapValue_;
   if (TypeOf(tag) == PropType::kString && size % 2 == 0) value.resize(value.size() / 2 * 2);  // half a unit is lost
   tools_.account.bytes += value.size();
-  Put(tag, targetTag, std::move(value), page, out);
+  Put(tag, targetTag, value, page, out);
 }
 
 PropertyBag PropertyCopier::Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
                                  const ndb::Faults& faults, const PropertyBag& defaults, Missing& missing) {
-  struct Step {
-    PropTag targetTag;
-    const PropertyRecord* record;  ///< null: the default
-  };
-  std::vector<Step> steps;
+  steps_.clear();
   for (const PropertyRecord& record : from.Records()) {
     const PropTag tag = record.Tag();
     if (IsLeftOut(IdOf(tag), owner) || tag == tag::kAttachDataObject) continue;
     try {
-      steps.push_back({TargetTag(tag), &record});
+      steps_.push_back({TargetTag(tag), &record});
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = tag, .cause = CauseOfLoss()});
     }
   }
   for (const ltp::PropertyView& property : defaults.Views()) {
-    if (from.Find(IdOf(property.tag)) == nullptr) steps.push_back({property.tag, nullptr});
+    if (from.Find(IdOf(property.tag)) == nullptr) steps_.push_back({property.tag, nullptr});
   }
   // In the order of the new store's ids, so that a copy of the copy is the same to the byte.
-  std::ranges::stable_sort(steps, {}, &Step::targetTag);
+  if (!std::ranges::is_sorted(steps_, {}, &Step::targetTag)) std::ranges::stable_sort(steps_, {}, &Step::targetTag);
 
   PropertyBag out;
-  for (const Step& step : steps) {
+  for (const Step& step : steps_) {
     if (step.record == nullptr) {
       out.PutBytes(step.targetTag, defaults.Value(step.targetTag));
       continue;

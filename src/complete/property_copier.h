@@ -54,9 +54,9 @@ class PropertyCopier {
   messaging::PropertyBag Copy(ltp::PropertyContext& from, Owner owner, const text::CodePage& page,
                               const ndb::Faults& faults, const messaging::PropertyBag& defaults, Missing& missing);
 
-  /// Puts one value in the form of the new store, where it has the tag `targetTag`. Raises FailureError for one that
-  /// its type cannot have.
-  void Put(PropTag tag, PropTag targetTag, std::vector<std::byte> value, const text::CodePage& page,
+  /// Brings one value into the form of the new store and puts it, with the tag `targetTag`. Raises FailureError for one
+  /// that its type cannot have.
+  void Put(PropTag tag, PropTag targetTag, std::vector<std::byte>& value, const text::CodePage& page,
            messaging::PropertyBag& out);
 
   /// The tag in the new store. Raises FailureError for an identifier from 0x8000 on that has no name.
@@ -77,8 +77,16 @@ class PropertyCopier {
   std::size_t CopyStored(const ndb::DataTreeReader& from, ndb::DataTreeWriter& to);
   void TakeBytes(std::uint64_t count);
 
+  /// A property of the new object.
+  struct Step {
+    PropTag targetTag;
+    const PropertyRecord* record;  ///< null: the default
+  };
+
   CopyTools& tools_;
-  std::vector<std::byte> piece_;  ///< of a tree under way
+  std::vector<Step> steps_;           ///< of the object under way
+  std::vector<std::byte> heapValue_;  ///< under way
+  std::vector<std::byte> piece_;      ///< of a tree under way
   std::vector<std::byte> block_;
 };
 

@@ -98,6 +98,11 @@ class BthWalk {
  private:
   /// The records of all items of a level, in the order of the items.
   std::vector<std::byte> ReadLevel(std::span<const Hid> items, std::size_t level) {
+    if (items.size() == 1) {  // nearly all
+      std::vector<std::byte> records;
+      if (auto fault = ReadItem(items[0], level, records)) ndb::Note(faults_, std::move(*fault));
+      return records;
+    }
     std::vector<std::size_t> order(items.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return items[i]; });

@@ -10,8 +10,8 @@ Heap Heap::Open(const ndb::BlockSource& source, Bid bidData, ClientSig clientSig
   Heap heap;
   heap.format_ = &source.Format();
   heap.blocks_ = ndb::DataTreeReader::Open(source, bidData, faults);
-  const std::span<const std::byte> first = heap.blocks_.Block(0);
-  heap.first_.assign(first.begin(), first.end());
+  heap.first_ = heap.blocks_.TakeBlock(0);
+  const std::span<const std::byte> first = heap.first_;
   if (first.size() < kHnHdrSize || first[2] != std::byte{kHeapSig}) {
     RaiseCorrupt(ObjectKind::kHeap, Value(bidData), "the node holds no heap");
   }
@@ -49,16 +49,16 @@ Failure Heap::WhyLost(Hid hid) {
   return Corrupt({ObjectKind::kHeapItem, hid}, hid, "the heap has no such item");
 }
 
-std::vector<std::byte> ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid, std::uint64_t limit,
-                                ndb::Faults* faults) {
-  if (hnid == 0) return {};
+void ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid, std::uint64_t limit,
+              ndb::Faults* faults, std::vector<std::byte>& out) {
+  if (hnid == 0) return out.clear();
   if (IsHid(hnid)) {
     const std::span<const std::byte> item = heap.Item(hnid);
-    return {item.begin(), item.end()};
+    return out.assign(item.begin(), item.end());
   }
   const auto subnode = ndb::FindSubnode(source, bidSub, Nid{hnid});
   if (!subnode) RaiseCorrupt({ObjectKind::kSubnode, hnid}, hnid, "the value's sub-node is not there");
-  return ndb::DataTreeReader::Open(source, subnode->trees.bidData, faults).ReadAll(limit);
+  out = ndb::DataTreeReader::Open(source, subnode->trees.bidData, faults).ReadAll(limit);
 }
 
 }  // namespace velmora::ltp

@@ -45,10 +45,10 @@ class Heap {
   Hid hidUserRoot_ = 0;
 };
 
-/// The bytes that `hnid` names in a node with that heap and those sub-nodes; none for 0. Raises kNotSupported when
-/// there are more than `limit`, and why they are lost where they are. With `faults`, what is lost of a sub-node's bytes
-/// reads as zeros.
-[[nodiscard]] std::vector<std::byte> ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid,
-                                              std::uint64_t limit, ndb::Faults* faults = nullptr);
+/// Replaces `out` by the bytes that `hnid` names in a node with that heap and those sub-nodes; none for 0. Raises
+/// kNotSupported when there are more than `limit`, and why they are lost where they are. With `faults`, what is lost of
+/// a sub-node's bytes reads as zeros.
+void ReadHnid(const ndb::BlockSource& source, Heap& heap, Bid bidSub, Hnid hnid, std::uint64_t limit,
+              ndb::Faults* faults, std::vector<std::byte>& out);
 
 }  // namespace velmora::ltp

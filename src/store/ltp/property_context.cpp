@@ -39,20 +39,26 @@ const PropertyRecord* PropertyContext::FindTag(PropTag tag) const {
 }
 
 std::optional<std::vector<std::byte>> PropertyContext::Read(PropTag tag, std::uint64_t limit) {
+  std::vector<std::byte> value;
+  if (!Read(tag, limit, value)) return std::nullopt;
+  return value;
+}
+
+bool PropertyContext::Read(PropTag tag, std::uint64_t limit, std::vector<std::byte>& out) {
   const PropertyRecord* record = FindTag(tag);
-  if (record == nullptr) return std::nullopt;
+  if (record == nullptr) return false;
   const std::optional<std::size_t> size = FixedSize(record->wPropType);
   if (size && *size <= sizeof(record->dwValueHnid)) {
-    std::vector<std::byte> value(sizeof(record->dwValueHnid));
-    Store<std::uint32_t>(value, 0, record->dwValueHnid);
-    value.resize(*size);
-    return value;
+    out.resize(sizeof(record->dwValueHnid));
+    Store<std::uint32_t>(out, 0, record->dwValueHnid);
+    out.resize(*size);
+    return true;
   }
-  std::vector<std::byte> value = ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, limit, faults_);
-  if (size && value.size() != *size) {
-    RaiseCorrupt({ObjectKind::kProperty, tag}, value.size(), "the value does not fit its type");
+  ReadHnid(*source_, heap_, bidSub_, record->dwValueHnid, limit, faults_, out);
+  if (size && out.size() != *size) {
+    RaiseCorrupt({ObjectKind::kProperty, tag}, out.size(), "the value does not fit its type");
   }
-  return value;
+  return true;
 }
 
 std::optional<std::vector<std::byte>> PropertyContext::Binary(PropTag tag) {

@@ -37,6 +37,9 @@ class PropertyContext {
   static constexpr std::uint64_t kMaxValue = std::uint64_t{64} << 20;
   [[nodiscard]] std::optional<std::vector<std::byte>> Read(PropTag tag, std::uint64_t limit = kMaxValue);
 
+  /// The same into `out`; false for nothing. Who reads many values so asks for memory seldom.
+  [[nodiscard]] bool Read(PropTag tag, std::uint64_t limit, std::vector<std::byte>& out);
+
   /// The value of a small property; nothing when it is not there with this type, or cannot be read.
   std::optional<bool> Boolean(PropTag tag) { return FlagIn(Binary(tag)); }
   std::optional<std::int16_t> Integer16(PropTag tag) { return NumberIn<std::uint16_t>(Binary(tag)); }

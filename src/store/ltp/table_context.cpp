@@ -131,19 +131,28 @@ std::optional<std::span<const std::byte>> TableContext::StoredCell(std::size_t r
   return bytes->subspan(column.ibData, column.cbData);
 }
 
-std::vector<std::byte> TableContext::ValueOf(const Column& column, std::span<const std::byte> stored) {
-  if (IsWhole(column)) return {stored.begin(), stored.end()};
-  return ReadHnid(*source_, heap_, bidSub_, Load<std::uint32_t>(stored, 0), kMaxCell, faults_);
+void TableContext::ReadValue(const Column& column, std::span<const std::byte> stored, std::vector<std::byte>& out) {
+  if (IsWhole(column)) return out.assign(stored.begin(), stored.end());
+  ReadHnid(*source_, heap_, bidSub_, Load<std::uint32_t>(stored, 0), kMaxCell, faults_, out);
 }
 
 std::optional<std::vector<std::byte>> TableContext::Cell(std::size_t row, PropTag tag) {
+  std::vector<std::byte> value;
+  if (!Cell(row, tag, value)) return std::nullopt;
+  return value;
+}
+
+bool TableContext::Cell(std::size_t row, PropTag tag, std::vector<std::byte>& out) {
   const Column* column = FindColumn(tag);
-  if (column == nullptr) return std::nullopt;
+  if (column == nullptr) return false;
   if (row >= index_.size()) RaiseCorrupt(ObjectKind::kTable, row, "the table has no such row");
-  if (const auto stored = StoredCell(row, *column)) return ValueOf(*column, *stored);
+  if (const auto stored = StoredCell(row, *column)) {
+    ReadValue(*column, *stored, out);
+    return true;
+  }
   const std::size_t matrixRow = index_[row].matrixRow;
   if (!MatrixRow(matrixRow)) throw FailureError(WhyRowLost(matrixRow));
-  return std::nullopt;
+  return false;
 }
 
 // The same for readers that take what is lost for absent. The common losses are found without raising.
@@ -154,7 +163,11 @@ std::optional<std::vector<std::byte>> TableContext::ReadableCell(std::size_t row
   if (!stored) return std::nullopt;
   const Hnid hnid = IsWhole(*column) ? 0 : Load<std::uint32_t>(*stored, 0);
   if (hnid != 0 && IsHid(hnid) && !heap_.Find(hnid)) return std::nullopt;
-  return IfReadable([&] { return ValueOf(*column, *stored); });
+  return IfReadable([&] {
+    std::vector<std::byte> value;
+    ReadValue(*column, *stored, value);
+    return value;
+  });
 }
 
 }  // namespace velmora::ltp

@@ -39,6 +39,9 @@ class TableContext {
   /// the value is lost where it is.
   [[nodiscard]] std::optional<std::vector<std::byte>> Cell(std::size_t row, PropTag tag);
 
+  /// The same into `out`; false for nothing. Who reads many cells so asks for memory seldom.
+  [[nodiscard]] bool Cell(std::size_t row, PropTag tag, std::vector<std::byte>& out);
+
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
   std::optional<bool> Boolean(std::size_t row, PropTag tag) { return FlagIn(ReadableCell(row, tag)); }
   std::optional<std::int32_t> Integer32(std::size_t row, PropTag tag) {
@@ -64,7 +67,7 @@ class TableContext {
   [[nodiscard]] std::optional<std::span<const std::byte>> MatrixRow(std::size_t matrixRow);
   [[nodiscard]] Failure WhyRowLost(std::size_t matrixRow);
   [[nodiscard]] std::optional<std::span<const std::byte>> StoredCell(std::size_t row, const Column& column);
-  [[nodiscard]] std::vector<std::byte> ValueOf(const Column& column, std::span<const std::byte> stored);
+  void ReadValue(const Column& column, std::span<const std::byte> stored, std::vector<std::byte>& out);
   std::optional<std::vector<std::byte>> ReadableCell(std::size_t row, PropTag tag);
   std::size_t RowsPerBlock() const { return heap_.Format().maxBlockData / rowSize_; }
   const Column* FindColumn(PropTag tag) const;

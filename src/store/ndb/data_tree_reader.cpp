@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "store/format/block.h"
 #include "store/format/failures.h"
@@ -110,6 +111,12 @@ std::span<const std::byte> DataTreeReader::Block(std::size_t index) {
 }
 
 // A tolerant reader's block: what there is of it, with zeros up to the size that it must have.
+std::vector<std::byte> DataTreeReader::TakeBlock(std::size_t index) {
+  static_cast<void>(Block(index));
+  blockIndex_ = SIZE_MAX;
+  return std::exchange(block_, {});
+}
+
 std::span<const std::byte> DataTreeReader::BlockOrZeros(std::size_t index) {
   const std::optional<Failure>& why = WhyLost(index);
   const bool isLast = index + 1 == dataBids_.size();

@@ -38,6 +38,9 @@ class DataTreeReader {
   /// it is lost.
   [[nodiscard]] std::span<const std::byte> Block(std::size_t index);
 
+  /// The same, given away.
+  [[nodiscard]] std::vector<std::byte> TakeBlock(std::size_t index);
+
   /// Why data block `index` is lost; nothing of one that can be read.
   [[nodiscard]] const std::optional<Failure>& WhyLost(std::size_t index);
 
