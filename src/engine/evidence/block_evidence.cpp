@@ -17,8 +17,10 @@ constexpr std::size_t kPackedHead = 1024;
 /// Parts of a block's content under one method.
 class Content {
  public:
-  Content(std::span<const std::byte> stored, const BlockTrailer& trailer, CryptMethod method)
-      : stored_(stored), trailer_(trailer), method_(method) {}
+  /// `part` is memory for what is asked for.
+  Content(std::span<const std::byte> stored, const BlockTrailer& trailer, CryptMethod method,
+          std::vector<std::byte>& part)
+      : stored_(stored), trailer_(trailer), method_(method), part_(part) {}
 
   std::size_t Size() const { return trailer_.cbInflated; }
 
@@ -50,7 +52,7 @@ class Content {
   std::span<const std::byte> stored_;
   const BlockTrailer& trailer_;
   CryptMethod method_;
-  std::vector<std::byte> part_;
+  std::vector<std::byte>& part_;
   std::vector<std::byte> inflated_;  ///< as far as it was asked for
 };
 
@@ -90,8 +92,9 @@ Kinds KindsOf(std::span<const std::byte> stored, const BlockTrailer& trailer, co
   if (IsInternal(trailer.bid)) {
     kinds.fill(KindOfList(stored, layout));
   } else {
+    std::vector<std::byte> part;
     std::ranges::transform(kMethods, kinds.begin(),
-                           [&](CryptMethod method) { return KindOfContent(Content(stored, trailer, method)); });
+                           [&](CryptMethod method) { return KindOfContent(Content(stored, trailer, method, part)); });
   }
   return kinds;
 }

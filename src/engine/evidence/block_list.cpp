@@ -134,11 +134,19 @@ std::size_t BlockList::Group::FirstFrom(std::uint64_t id) const {
   const auto isBelow = [&](std::size_t i) {
     return (idBits > kBitsOfWord ? PackedId(i) : WordAt(bits.get(), i * blockBits) & mask) < packed;
   };
+  if (isBelow(kGroup - 1)) return kGroup;
+  // Mostly it is where it would be if ids grew evenly, or the next.
+  const std::uint64_t last = PackedId(kGroup - 1);
+  const std::size_t expected = last >> 32 != 0 ? 1 : static_cast<std::size_t>(packed * (kGroup - 1) / last);
+  if (expected != 0 && isBelow(expected - 1)) {
+    if (!isBelow(expected)) return expected;
+    if (!isBelow(expected + 1)) return expected + 1;
+  }
   std::size_t first = 0;
   for (std::size_t step = kGroup / 2; step != 0; step /= 2) {
     if (isBelow(first + step - 1)) first += step;
   }
-  return isBelow(first) ? first + 1 : first;
+  return first;
 }
 
 FoundBlock BlockList::operator[](std::size_t number) const {
@@ -151,15 +159,31 @@ Bid BlockList::IdOf(std::size_t number) const {
   return group < groups_.size() ? Bid{groups_[group].Id(number % kGroup)} : tail_[number % kGroup].bid;
 }
 
+/// The first group that does not begin below the id. Ids grow evenly as a rule, so it is sought first where it would be
+/// then.
+std::size_t BlockList::FirstGroupFrom(std::uint64_t id) const {
+  if (taken_ == groups_.size() || groups_[taken_].firstId >= id) return taken_;
+  if (groups_.back().firstId < id) return groups_.size();
+  std::size_t below = taken_;  // begins below the id
+  std::size_t notBelow = groups_.size() - 1;
+  const auto look = [&](std::size_t at) { (groups_[at].firstId < id ? below : notBelow) = at; };
+  const double share = static_cast<double>(id - groups_[below].firstId) /
+                       static_cast<double>(groups_[notBelow].firstId - groups_[below].firstId);
+  const auto expected = below + static_cast<std::size_t>(share * static_cast<double>(notBelow - below));
+  for (const std::size_t at : {expected, expected + 1}) {
+    if (at > below && at < notBelow) look(at);
+  }
+  while (notBelow - below > 1) look(below + (notBelow - below) / 2);
+  return notBelow;
+}
+
 std::size_t BlockList::FirstFrom(Bid bid) const {
-  const auto first = groups_.begin() + static_cast<std::ptrdiff_t>(taken_);
-  const auto behind = std::ranges::lower_bound(first, groups_.end(), Value(bid), {}, &Group::firstId);
-  if (behind != first) {
+  const std::size_t behind = FirstGroupFrom(Value(bid));
+  if (behind != taken_) {
     // The last group that begins below the id holds it, or all of it is below.
-    const auto group = static_cast<std::size_t>(behind - first) - 1;
-    const std::size_t number = std::prev(behind)->FirstFrom(Value(bid));
-    if (number < kGroup || behind != groups_.end()) return group * kGroup + number;
-  } else if (behind != groups_.end()) {
+    const std::size_t number = groups_[behind - 1].FirstFrom(Value(bid));
+    if (number < kGroup || behind != groups_.size()) return (behind - 1 - taken_) * kGroup + number;
+  } else if (behind != groups_.size()) {
     return 0;
   }
   const auto inTail = std::ranges::lower_bound(tail_, bid, {}, &FoundBlock::bid);

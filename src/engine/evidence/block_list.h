@@ -78,6 +78,7 @@ class BlockList {
   static_assert(sizeof(Group) <= 32);
 
   static Group Pack(std::span<const FoundBlock> blocks);
+  std::size_t FirstGroupFrom(std::uint64_t id) const;
 
   std::vector<Group> groups_;
   std::size_t taken_ = 0;         ///< groups that are empty by now

@@ -17,6 +17,9 @@ constexpr std::size_t kFillLevelsInOthers = 2;
 static_assert(kFillLevelsInFirst + kFillLevelsInHnHdr / 2 == kHnHdrSize);
 static_assert(kFillLevelsInOthers + kFillLevelsInBitmapHdr / 2 == kHnBitmapHdrSize);
 
+/// Most heaps have no more in a block.
+constexpr std::size_t kCommonItems = 64;
+
 }  // namespace
 
 void HeapPosition::Advance(std::size_t size) {
@@ -104,6 +107,7 @@ void HeapWriter::OpenBlock(std::size_t block) {
   }
   bids_.push_back(kNoBid);
   ends_.clear();
+  ends_.reserve(kCommonItems);
 }
 
 // Ends the block at hand with its page map, and cuts or fills it to `size` bytes. Block 0 and the blocks with

@@ -39,6 +39,7 @@ TableInfo DecodeTableInfo(std::span<const std::byte> bytes, const Generation& ge
   }
   info.hidRowIndex = Load<std::uint32_t>(bytes, 10);
   info.hnidRows = Load<std::uint32_t>(bytes, 14);
+  info.columns.reserve(cCols);
   for (std::size_t i = 0; i < cCols; ++i) {
     const std::size_t at = TableInfo::kHeadSize + i * TableInfo::kColumnSize;
     const Column column{Load<std::uint32_t>(bytes, at), Load<std::uint16_t>(bytes, at + 4),

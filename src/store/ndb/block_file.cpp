@@ -42,10 +42,9 @@ Bid BlockFile::WriteData(std::span<const std::byte> data) { return Write(false, 
 Bid BlockFile::WriteStored(const StoredData& data) { return Write(false, data.bytes, CryptMethod::kNone, data.crc); }
 
 Bid BlockFile::WriteInternal(std::span<const std::byte> content) {
-  std::vector<Bid> references;
-  ForEachReference(InternalBlock(content, generations::kUnicode),
-                   [&references](Bid bid) { references.push_back(bid); });
-  Refer(references);
+  references_.clear();
+  ForEachReference(InternalBlock(content, generations::kUnicode), [this](Bid bid) { references_.push_back(bid); });
+  Refer(references_);
   return Write(true, content, CryptMethod::kNone);
 }
 

@@ -129,6 +129,7 @@ class BlockFile {
   AllocationMap map_;
   BlockTable table_;
   std::unordered_map<Bid, std::uint32_t> holds_;
+  std::vector<Bid> references_;  ///< of the internal block under way
   WriteWindow window_;
   RoomAhead room_;
   std::uint64_t bidNextP_ = 1;

@@ -70,6 +70,25 @@ TEST(BlockList, FindsByIdTheFirstOfSeveralAndNoneBetween) {
   EXPECT_FALSE(BlockList().NumberOf(Bid{4}));
 }
 
+TEST(BlockList, FindsTheFirstFromAnyIdHoweverUnevenlyTheyGrow) {
+  std::mt19937_64 random(7);
+  for (const std::uint64_t widest : {std::uint64_t{1}, std::uint64_t{3}, std::uint64_t{1} << 20, std::uint64_t{1} << 52}) {
+    std::vector<FoundBlock> blocks;
+    std::vector<std::uint64_t> asked{0, 1, UINT64_MAX};
+    std::uint64_t id = 4;
+    for (int i = 0; i < 1500; ++i) {
+      id += i % 100 < 50 ? 4 : random() % (widest + 1);  // rows of one step, and ids that repeat
+      blocks.push_back(BlockAt(id, 64));
+      asked.insert(asked.end(), {id - 1, id, id + 1});
+    }
+    const BlockList list(blocks);
+    for (const std::uint64_t one : asked) {
+      const auto first = std::ranges::lower_bound(blocks, Bid{one}, {}, &FoundBlock::bid);
+      ASSERT_EQ(list.FirstFrom(Bid{one}), static_cast<std::size_t>(first - blocks.begin())) << one;
+    }
+  }
+}
+
 TEST(BlockList, IsTakenFromTheFrontToTheLast) {
   const std::vector<FoundBlock> blocks = InOrder(1000);
   BlockList list(blocks);
@@ -78,6 +97,7 @@ TEST(BlockList, IsTakenFromTheFrontToTheLast) {
   while (list.TakeFirst(some)) {
     taken.insert(taken.end(), some.begin(), some.end());
     EXPECT_EQ(list.size(), 1000 - taken.size());
+    if (!list.empty()) EXPECT_EQ(list.FirstFrom(blocks[taken.size()].bid), 0u);
   }
   EXPECT_EQ(taken, blocks);
 }
