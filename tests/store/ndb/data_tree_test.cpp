@@ -1,6 +1,7 @@
 // Data trees, written and read back.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "store/format/block.h"
@@ -115,6 +116,16 @@ TEST_F(DataTrees, AreReadFromAnyOffset) {
   std::byte byte;
   EXPECT_EQ(reader.ReadAt(bytes.size(), std::span(&byte, 1)), 0u);
   EXPECT_EQ(reader.ReadAt(~std::uint64_t{0}, std::span(&byte, 1)), 0u);
+}
+
+TEST_F(DataTrees, GiveABlockAwayAndReadItAgainForTheNext) {
+  const std::vector<std::byte> bytes = test::Noise(kMaxBlockData + 100);
+  DataTreeReader reader = DataTreeReader::Open(*ndb_, Written(bytes, bytes.size()).bid);
+  const std::vector<std::byte> last(bytes.end() - 100, bytes.end());
+  EXPECT_EQ(reader.TakeBlock(1), last);
+  EXPECT_TRUE(std::ranges::equal(reader.Block(1), last));
+  EXPECT_EQ(reader.TakeBlock(1), last);
+  EXPECT_EQ(reader.ReadAll(bytes.size()), bytes);
 }
 
 TEST_F(DataTrees, ShowTheirBytesWhileTheyAreOneBlock) {
