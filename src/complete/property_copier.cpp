@@ -132,8 +132,8 @@ void PropertyCopier::CopyOne(ltp::PropertyContext& from, PropTag tag, PropTag ta
   Bytes ofTree;
   if (tree) {
     ofTree = tree->ReadAll(kMostConverted);
-  } else {
-    static_cast<void>(from.Read(tag, kMostConverted, heapValue_));
+  } else if (!from.Read(tag, kMostConverted, heapValue_)) {
+    heapValue_.clear();
   }
   Bytes& value = tree ? ofTree : heapValue_;
   if (TypeOf(tag) == PropType::kString && size % 2 == 0) value.resize(value.size() / 2 * 2);  // half a unit is lost
