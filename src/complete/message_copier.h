@@ -48,7 +48,6 @@ class MessageCopier {
 
   CopyTools& tools_;
   PropertyCopier properties_;
-  std::vector<std::byte> cell_;  ///< under way
 };
 
 }  // namespace velmora::complete

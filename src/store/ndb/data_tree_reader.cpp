@@ -110,13 +110,13 @@ std::span<const std::byte> DataTreeReader::Block(std::size_t index) {
   return block_;
 }
 
-// A tolerant reader's block: what there is of it, with zeros up to the size that it must have.
 std::vector<std::byte> DataTreeReader::TakeBlock(std::size_t index) {
   static_cast<void>(Block(index));
   blockIndex_ = SIZE_MAX;
   return std::exchange(block_, {});
 }
 
+// A tolerant reader's block: what there is of it, with zeros up to the size that it must have.
 std::span<const std::byte> DataTreeReader::BlockOrZeros(std::size_t index) {
   const std::optional<Failure>& why = WhyLost(index);
   const bool isLast = index + 1 == dataBids_.size();

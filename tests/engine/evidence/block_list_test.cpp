@@ -72,7 +72,8 @@ TEST(BlockList, FindsByIdTheFirstOfSeveralAndNoneBetween) {
 
 TEST(BlockList, FindsTheFirstFromAnyIdHoweverUnevenlyTheyGrow) {
   std::mt19937_64 random(7);
-  for (const std::uint64_t widest : {std::uint64_t{1}, std::uint64_t{3}, std::uint64_t{1} << 20, std::uint64_t{1} << 52}) {
+  for (const int bits : {0, 2, 20, 52}) {
+    const std::uint64_t widest = std::uint64_t{1} << bits;
     std::vector<FoundBlock> blocks;
     std::vector<std::uint64_t> asked{0, 1, UINT64_MAX};
     std::uint64_t id = 4;
