@@ -1,4 +1,8 @@
+#include <algorithm>
+
+#include "engine/block_steps.h"
 #include "engine/page_walk.h"
+#include "engine/pieces_ahead.h"
 #include "engine/steps.h"
 #include "store/format/page.h"
 
@@ -8,6 +12,7 @@ namespace {
 /// Of the upper levels of wide trees; asked for in ANSI stores as well, whose own are smaller.
 constexpr std::uint8_t kUpperEntrySize = generations::kUnicode.blockEntrySize;
 constexpr std::uint32_t kIdBound = 0xFFFFFF;
+constexpr std::uint64_t kPiece = std::uint64_t{1} << 20;  ///< of the source, looked at by one thread
 
 /// A page with the exact entry size is taken even unproven; one of an upper level's size only if its
 /// signature holds. Neither its level nor the number of its entries decides.
@@ -31,34 +36,65 @@ std::uint32_t EntryAreaEnd(const Generation& layout) {
   return std::uint32_t{MaxEntries(layout.nodeEntrySize, layout)} * layout.nodeEntrySize;
 }
 
-/// Keeps the entries of every node page.
-class NodePages : public PageVisitor {
- public:
-  explicit NodePages(ScannedStore& found) : layout_(found.layout), nodes_(found.nodes) {}
-
-  void VisitPage(std::uint64_t offset, ByteView page, std::uint64_t) override {
-    if (IsNodePage(layout_, offset, page)) ReadNodePage(page);
+/// Takes the entries up to the first without a node id.
+void ReadNodePage(const Generation& layout, ByteView page, std::vector<NodeRecord>& nodes) {
+  const std::uint32_t width = layout.idWidth;
+  const bool upper = IsUpperPage(layout, page);
+  const std::uint32_t end = EntryAreaEnd(layout);
+  for (std::uint32_t i = 0; i < end; i += layout.nodeEntrySize) {
+    const NodeRecord node(page.U32(i), page.Word(i + width, width), page.Word(i + 2 * width, width),
+                          page.U32(i + 3 * width), upper);
+    if (node.nid == 0) return;
+    const bool bounded = LowBid(node.bidData) < kIdBound && LowBid(node.bidSub) < kIdBound && node.nidParent < kIdBound;
+    if (bounded) nodes.push_back(node);
   }
+}
 
- private:
-  /// Takes the entries up to the first without a node id.
-  void ReadNodePage(ByteView page) {
-    const std::uint32_t width = layout_.idWidth;
-    const bool upper = IsUpperPage(layout_, page);
-    const std::uint32_t end = EntryAreaEnd(layout_);
-    for (std::uint32_t i = 0; i < end; i += layout_.nodeEntrySize) {
-      const NodeRecord node(page.U32(i), page.Word(i + width, width), page.Word(i + 2 * width, width),
-                            page.U32(i + 3 * width), upper);
-      if (node.nid == 0) return;
-      const bool bounded =
-          LowBid(node.bidData) < kIdBound && LowBid(node.bidSub) < kIdBound && node.nidParent < kIdBound;
-      if (bounded) nodes_.Insert(node);
+/// The bytes that a page is seen with: an entry may reach from it into what is read with it.
+std::uint32_t ReadSize(const Generation& layout) { return layout.formatId == FORMAT_UNICODE_4K ? 65536 : 4096; }
+
+/// What a piece of the source shows.
+struct PieceShown {
+  std::vector<NodeRecord> nodes;  ///< of its node pages, in their order
+  StepMarks blockSteps;           ///< Normal Scan only
+};
+
+PieceShown LookAtPiece(const Generation& layout, const Piece& piece, bool forBlocks) {
+  PieceShown shown;
+  const std::uint32_t read = ReadSize(layout);
+  for (std::uint64_t readOffset = piece.begin; readOffset < piece.end; readOffset += read) {
+    const ByteView bytes = piece.bytes.Slice(readOffset - piece.base, read);
+    for (std::uint32_t p = 0; p < read; p += StrideOf(layout)) {
+      const ByteView page = bytes.Slice(p, read);
+      if (IsNodePage(layout, readOffset + p, page)) ReadNodePage(layout, page, shown.nodes);
     }
   }
+  for (std::uint64_t offset = piece.begin; forBlocks && offset < piece.end; offset += kBlockScanStep) {
+    shown.blockSteps.push_back(MayShowBlocks(layout, piece, offset));
+  }
+  return shown;
+}
 
-  const Generation& layout_;
-  NodeList& nodes_;
-};
+/// All of the source; ends early once `runEnded` is raised.
+void ReadPieces(StoreScan& scan, RunContext& run) {
+  ScannedStore& found = *scan.found;
+  const std::uint32_t read = ReadSize(found.layout);
+  const auto look = [&layout = found.layout, forBlocks = !run.smartScan](const Piece& piece) {
+    return LookAtPiece(layout, piece, forBlocks);
+  };
+  const PieceCut cut{.first = FirstPage(found.layout), .size = kPiece, .lead = kLeadOfBlockStep};
+  for (PiecesAhead<PieceShown> pieces(found.source, cut, look, *run.workers); !pieces.IsEmpty() && !run.runEnded;
+       pieces.Pop()) {
+    run.control.PausePoint();
+    pieces.Await();
+    const PieceShown& shown = pieces.FrontShown();
+    for (const NodeRecord& node : shown.nodes) found.nodes.Insert(node);
+    scan.blockSteps.insert(scan.blockSteps.end(), shown.blockSteps.begin(), shown.blockSteps.end());
+    for (std::uint64_t offset = pieces.Front().begin; offset < pieces.Front().end; offset += read) {
+      run.SayProgress(scan.PercentOfSource(offset + read), Phase::kNodeScan);
+    }
+  }
+}
 
 }  // namespace
 
@@ -67,13 +103,13 @@ void ScanNodePages(StoreScan& scan, RunContext& run) {
   run.BeginStage(4);
 
   ScannedStore& found = *scan.found;
-  const std::uint32_t read = found.layout.formatId == FORMAT_UNICODE_4K ? 65536 : 4096;
   found.nodes = {};
-  SourceWindow window(found.source);
-  NodePages pages(found);
-  WalkPages(scan, run, window, {.read = read, .step = read, .reach = read}, Phase::kNodeScan, pages);
+  scan.blockSteps = {};
+  ReadPieces(scan, run);
   if (run.runEnded) return;
 
+  // What could not be read may be readable when the blocks are looked for.
+  if (!found.source.Unread().Ranges().empty()) scan.blockSteps = {};
   found.nodes.Settle();
   if (run.smartScan) {
     scan.referencedIds.Build(found.nodes);

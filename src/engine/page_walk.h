@@ -35,9 +35,9 @@ constexpr std::uint32_t StrideOf(const Generation& layout) { return LayoutOf(lay
 constexpr std::uint64_t FirstPage(const Generation& layout) { return 36ull * StrideOf(layout); }
 static_assert(FirstPage(generations::kUnicode) == 18432 && FirstPage(generations::kUnicode4k) == 147456);
 
-/// From the first page of the store to the end of its source. Reports each step with `phase`; ends early once
-/// `runEnded` is raised.
+/// From the first page of the store to the end of its source; what is not worth a visit is not even read. Reports each
+/// step with `phase`; ends early once `runEnded` is raised.
 void WalkPages(const StoreScan& scan, RunContext& run, SourceWindow& window, const WalkSizes& sizes, Phase phase,
-               PageVisitor& visitor);
+               const StepMarks& marks, PageVisitor& visitor);
 
 }  // namespace velmora::engine

@@ -11,11 +11,12 @@ ByteView SourceWindow::ReadPiece(std::uint64_t offset, std::size_t length) {
 }
 
 void SourceWindow::Load(std::uint64_t offset, std::size_t length) {
-  buffer_.resize(std::max(kWindowBytes, length));
-  const std::size_t filled = source_.ReadAround(offset, buffer_);
+  buffer_.resize(std::max(buffer_.size(), length));
+  const std::span<std::byte> window = std::span(buffer_).first(length);
+  const std::size_t filled = source_.ReadAround(offset, window);
   base_ = offset;
-  bytes_ = std::span(buffer_).first(filled);
-  atEnd_ = filled < buffer_.size();
+  bytes_ = window.first(filled);
+  atEnd_ = filled < window.size();
 }
 
 }  // namespace velmora::engine

@@ -1,6 +1,7 @@
 // Reads a source front to back in large pieces, whatever the size of the pieces that are looked at.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -13,15 +14,16 @@ namespace velmora::engine {
 /// A window on a source, which outlives it. A piece of the source that cannot be read counts as zeros.
 class SourceWindow {
  public:
-  /// Memory that a window takes, in bytes.
+  /// Memory that a window takes as a rule, in bytes.
   static constexpr std::size_t kWindowBytes = 1 << 20;
 
   explicit SourceWindow(const Source& source) : source_(source) {}
 
   /// `length` bytes from `offset`, cut at the end of the source, so the view's size is what the source
-  /// delivers. Moves the window to `offset` unless it holds the range. The view lives until the next call.
-  ByteView Read(std::uint64_t offset, std::size_t length) {
-    if (!Holds(offset, length)) Load(offset, length);
+  /// delivers. Moves the window to `offset` unless it holds the range, and has it hold `atOnce` bytes then, or the range
+  /// if that is longer. The view lives until the next call.
+  ByteView Read(std::uint64_t offset, std::size_t length, std::size_t atOnce = kWindowBytes) {
+    if (!Holds(offset, length)) Load(offset, std::max(length, atOnce));
     return ByteView(bytes_).Slice(offset - base_, length);
   }
 

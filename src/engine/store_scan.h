@@ -36,10 +36,14 @@ class ReferencedIds {
   std::vector<std::uint32_t> ids_;  ///< sorted
 };
 
+/// Of each step of a walk over the source, in order, whether it is worth a visit; all steps behind the last mark are.
+using StepMarks = std::vector<bool>;
+
 struct StoreScan {
   std::unique_ptr<ScannedStore> found = std::make_unique<ScannedStore>();  ///< so far; null behind FinishScan
 
   std::uint64_t percentBase = 0;  ///< a hundredth of the source; 0 for a tiny one
+  StepMarks blockSteps;           ///< of the block scan that may show a block; from the node scan on, Normal Scan only
   ReferencedIds referencedIds;    ///< Smart Scan only, from the node scan to the end of the block scan
   bool encodingUnknown = true;
   std::filesystem::path outputFolder;  ///< holds the new store and the index file; empty before the set-up

@@ -2,7 +2,10 @@
 // have a fixed length and no way out, so that compilers turn them into vector instructions.
 #pragma once
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace velmora::text {
 
@@ -29,6 +32,20 @@ void CopyUnits(const From* __restrict from, std::size_t size, To* __restrict to)
     for (std::size_t i = 0; i < kRunStep; ++i) to[done + i] = static_cast<To>(from[done + i]);
   }
   for (; done < size; ++done) to[done] = static_cast<To>(from[done]);
+}
+
+/// How many bytes from the start are ASCII. In most languages the next one that is not stands a few words on, so it is
+/// told where it stands and not looked for.
+inline std::size_t AsciiRun(const unsigned char* bytes, std::size_t size) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t length = 0;
+  for (; size - length >= sizeof(std::uint64_t); length += sizeof(std::uint64_t)) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, bytes + length, sizeof eight);
+    if ((eight & kHighBits) != 0) return length + static_cast<std::size_t>(std::countr_zero(eight & kHighBits)) / 8;
+  }
+  while (length < size && bytes[length] < 0x80) ++length;
+  return length;
 }
 
 /// What is not plain by ASCII.

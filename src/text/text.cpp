@@ -78,7 +78,7 @@ Text FromUtf8(std::string_view bytes) {
   char16_t* end = out.data();
   bool broken = false;
   for (std::int64_t at = 0; at < size;) {
-    const std::size_t run = PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii);
+    const std::size_t run = AsciiRun(data + at, static_cast<std::size_t>(size - at));
     CopyUnits(data + at, run, end);
     end += run;
     at += static_cast<std::int64_t>(run);
@@ -101,7 +101,7 @@ bool IsUtf8(std::string_view bytes) {
   const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
   const auto size = static_cast<std::int64_t>(bytes.size());
   for (std::int64_t at = 0; at < size;) {
-    at += static_cast<std::int64_t>(PlainRun(data + at, static_cast<std::size_t>(size - at), kBeyondAscii));
+    at += static_cast<std::int64_t>(AsciiRun(data + at, static_cast<std::size_t>(size - at)));
     while (at < size && data[at] >= 0x80) {
       UChar32 c = 0;
       U8_NEXT(data, at, size, c);
@@ -113,7 +113,7 @@ bool IsUtf8(std::string_view bytes) {
 
 bool IsAscii(std::string_view bytes) {
   const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
-  return PlainRun(data, bytes.size(), kBeyondAscii) == bytes.size();
+  return AsciiRun(data, bytes.size()) == bytes.size();
 }
 
 bool IsAscii(TextView text) { return PlainRun(text.data(), text.size(), kBeyondAscii) == text.size(); }

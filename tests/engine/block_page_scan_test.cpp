@@ -330,6 +330,46 @@ TEST_F(BlockPageScanTest, InAWideStoreTrailersAreLookedForWhereTheIdsStand) {
   EXPECT_FALSE(Found().index.Find(static_cast<std::uint32_t>(bid)));
 }
 
+TEST_F(BlockPageScanTest, AStepThatMayShowNoBlockIsLeftOutThisOnce) {
+  canvas_.Page(Format::kUnicode, 18432, forge::BlockPage(Format::kUnicode, {{.bid = 4, .offset = 512, .size = 9}}));
+  canvas_.Page(Format::kUnicode, 22528, forge::BlockPage(Format::kUnicode, {{.bid = 8, .offset = 1024, .size = 9}}));
+  scan_.blockSteps = {false, true};
+  Scan();
+  EXPECT_EQ(IndexFileRecords(), (std::vector<BlockRecord>{{8, 9, 1024}}));
+  Scan();
+  EXPECT_EQ(IndexFileRecords(), (std::vector<BlockRecord>{{4, 9, 512}, {8, 9, 1024}}));
+}
+
+/// A trailer behind 0 to 40 zeros in each of 3000 steps, which fits one of the places that these leave, in a store that
+/// looks like nothing else.
+TEST_F(BlockPageScanTest, NoStepIsLeftOutInWhichATrailerFits) {
+  constexpr std::size_t kSteps = 3000;
+  canvas_.bytes.assign(18432 + kSteps * 4096, std::byte{0xFF});
+  std::size_t planted = 0;
+  for (std::size_t step = 0; step < kSteps; ++step) {
+    const std::uint64_t slot = 18432 + step * 4096 + 16 * (step * 37 % 256);
+    const std::uint64_t zeros = step % 41;
+    const std::uint64_t last = slot - 1 - zeros;
+    const std::uint64_t places = (1 + slot - last) / 16 + 2;
+    for (std::uint64_t size = 1 + step * 7 % 60'000; size < 65'512; ++size) {
+      const std::uint64_t place = (last - size + 15) / 16 * 16 + 16 * (step % places);
+      if (((place ^ place >> 16) & 0xFFFF) != size) continue;
+      canvas_.Put(slot - zeros, std::vector<std::byte>(zeros));
+      canvas_.Number(slot + 8, size | std::uint64_t{0x1234} << 16, 8);
+      ++planted;
+      break;
+    }
+  }
+  EXPECT_GT(planted, 500u);
+  Scan();
+  const auto records = IndexFileRecords();
+  EXPECT_GE(records.size(), planted);
+  ScanNodePages(scan_, run_);
+  EXPECT_GT(std::ranges::count(scan_.blockSteps, false), 100);
+  Scan();
+  EXPECT_EQ(IndexFileRecords(), records);
+}
+
 TEST_F(BlockPageScanTest, EachStepIsReportedBehindTheStage) {
   canvas_.Number(18432 + 2 * 4096 - 1, 0, 1);
   Scan();

@@ -1,3 +1,6 @@
+#include <array>
+
+#include "engine/bad_disk.h"
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
 
@@ -201,6 +204,86 @@ TEST_F(NodePageScanTest, OnlyASmartScanListsReferencesAndStartsTheOrphans) {
   ASSERT_EQ(Found().orphans.size(), 1u);
   EXPECT_EQ(Found().orphans[0].bidData, 0u);
   EXPECT_EQ(Found().orphans[0].bidSub, 0u);
+}
+
+/// Of the marks those that are set.
+std::vector<std::size_t> Marked(const StepMarks& marks) {
+  std::vector<std::size_t> numbers;
+  for (std::size_t i = 0; i < marks.size(); ++i) {
+    if (marks[i]) numbers.push_back(i);
+  }
+  return numbers;
+}
+
+constexpr std::size_t kSteps = 1000;  // nearly four pieces of the source
+
+class MarkingTest : public NodePageScanTest, public testing::WithParamInterface<unsigned> {
+ protected:
+  MarkingTest() {
+    run_.workers = &workers_;
+    canvas_.bytes.assign(18432 + kSteps * 4096, std::byte{0xFF});
+    for (const std::size_t step : kNodeSteps) {
+      canvas_.Page(Format::kUnicode, 18432 + step * 4096,
+                   forge::NodePage(Format::kUnicode, {{static_cast<std::uint32_t>(step), 4, 8, 0}}));
+    }
+    for (const std::size_t step : kBlockSteps) {
+      canvas_.Page(Format::kUnicode, 18432 + step * 4096 + 1024,
+                   forge::BlockPage(Format::kUnicode, {{.bid = 4, .offset = 20480, .size = 100}}));
+    }
+  }
+
+  static constexpr std::array<std::size_t, 5> kNodeSteps{2, 255, 256, 700, 999};
+  static constexpr std::array<std::size_t, 4> kBlockSteps{1, 255, 600, 998};
+  platform::Workers workers_{GetParam()};
+};
+INSTANTIATE_TEST_SUITE_P(Jobs, MarkingTest, testing::Values(1u, 2u, 5u));
+
+TEST_P(MarkingTest, TheStepsThatMayShowABlockAreTold) {
+  Scan();
+  Scan();
+  EXPECT_EQ(scan_.blockSteps.size(), kSteps) << "those of the last scan alone";
+  EXPECT_EQ(Marked(scan_.blockSteps), std::vector<std::size_t>(kBlockSteps.begin(), kBlockSteps.end()));
+}
+
+TEST_P(MarkingTest, TheNodesOfAllPiecesComeInTheOrderOfTheFile) {
+  std::vector<std::uint32_t> nids;
+  for (const NodeRecord& node : Scan()) nids.push_back(node.nid);
+  EXPECT_EQ(nids, std::vector<std::uint32_t>(kNodeSteps.begin(), kNodeSteps.end()));
+}
+
+TEST_P(MarkingTest, ASmartScanLeavesNoStepOut) {
+  run_.smartScan = true;
+  Scan();
+  EXPECT_TRUE(scan_.blockSteps.empty());
+}
+
+TEST_P(MarkingTest, WhereSomethingCannotBeReadNoStepIsLeftOut) {
+  Attach({});
+  auto content = std::make_unique<platform::MemoryFile>(canvas_.bytes);
+  Found().source.Open(std::make_unique<BadDisk>(std::move(content), std::vector<BadPlace>{{1'000'000, 1'100'000}}));
+  ScanNodePages(scan_, run_);
+  EXPECT_TRUE(scan_.blockSteps.empty());
+  EXPECT_EQ(Found().nodes.Records().size(), 3u) << "two pages lie in the bad place";
+  EXPECT_EQ(Found().source.Unread().Ranges(), (std::map<std::uint64_t, std::uint64_t>{{997'376, 1'103'872}}));
+}
+
+TEST_P(MarkingTest, AStepIsToldByWhatStandsRightAheadOfItInThePieceBefore) {
+  const auto putTrailer = [&](std::size_t step, std::uint64_t size, std::uint64_t zeros) {
+    const std::uint64_t slot = 18432 + step * 4096;
+    canvas_.Put(slot - zeros, std::vector<std::byte>(zeros));
+    canvas_.Number(slot + 8, size | 0x1234 << 16, 4);
+  };
+  putTrailer(256, 8704, 0);     // fits neither of two places
+  putTrailer(512, 8704, 1000);  // fits the first of those that many zeros leave, 0x202220
+  putTrailer(768, 8704, 5000);  // what it fits depends on bytes that are not there
+  Scan();
+  EXPECT_EQ(Marked(scan_.blockSteps), (std::vector<std::size_t>{1, 255, 512, 600, 768, 998}));
+}
+
+TEST_P(MarkingTest, ASlotThatTheEndOfTheSourceCutsIsWorthALook) {
+  canvas_.bytes.resize(canvas_.bytes.size() - 7);
+  Scan();
+  EXPECT_EQ(Marked(scan_.blockSteps), (std::vector<std::size_t>{1, 255, 600, 998, 999}));
 }
 
 TEST_F(NodePageScanTest, ARunThatEndedOrFailedIsLeftAlone) {

@@ -33,6 +33,19 @@ TEST_F(SourceWindowTest, AWalkReadsLargePiecesWhateverItLooksAt) {
   EXPECT_EQ(disk.reads, 3);
 }
 
+TEST_F(SourceWindowTest, NoMoreIsReadAtOnceThanIsAskedFor) {
+  const auto bytes = forge::Noise(100'000, 1);
+  const BadDisk& disk = AttachDisk(bytes);
+  EXPECT_EQ(window_.Read(50'000, 1000, 3000).Size(), 1000u);
+  EXPECT_EQ(disk.bytesRead, 3000u);
+  EXPECT_EQ(window_.Read(52'000, 1000, 3000).Size(), 1000u);
+  EXPECT_EQ(disk.bytesRead, 3000u) << "it is held";
+  EXPECT_EQ(window_.Read(52'000, 4000, 10).Size(), 4000u);
+  EXPECT_EQ(disk.bytesRead, 7000u) << "the range is longer";
+  const auto read = window_.Peek(53'000, 500).Bytes();
+  EXPECT_TRUE(std::equal(read.begin(), read.end(), bytes.begin() + 53'000, bytes.begin() + 53'500));
+}
+
 TEST_F(SourceWindowTest, WhatIsReadEndsWithTheSource) {
   AttachDisk(forge::Noise(10'000, 1));
   EXPECT_EQ(window_.Read(8192, 4096).Size(), 1808u);

@@ -1,0 +1,136 @@
+// A source front to back in pieces, which the threads of a run look at ahead of the one that takes them in their order.
+#pragma once
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "engine/source.h"
+#include "engine/source_window.h"
+#include "platform/workers.h"
+#include "store/format/byte_view.h"
+
+namespace velmora::engine {
+
+/// How a source is cut, in bytes.
+struct PieceCut {
+  std::uint64_t first = 0;  ///< where the first piece begins
+  std::uint64_t size = 0;   ///< of a piece; the last one ends with the source
+  std::uint64_t lead = 0;   ///< read again ahead of each piece, but nothing ahead of the first
+};
+
+/// The bytes of the source from `begin` to before `end`, and those of the lead from `base` on.
+struct Piece {
+  std::uint64_t base = 0;
+  std::uint64_t begin = 0;
+  std::uint64_t end = 0;
+  ByteView bytes;  ///< from `base` to `end`; what of it cannot be read is zeros
+};
+
+/// Lets pieces be read one after the other, in their order: how far a bad stretch is passed over depends on what was
+/// read ahead of it. All numbers must come.
+class ReadTurns {
+ public:
+  template <class Read>
+  void Take(std::uint64_t number, Read read) {
+    std::unique_lock lock(mutex_);
+    passed_.wait(lock, [&] { return next_ == number; });
+    const Pass pass(*this);
+    read();
+  }
+
+ private:
+  struct Pass {
+    explicit Pass(ReadTurns& turns) : turns_(turns) {}
+    ~Pass() {
+      ++turns_.next_;
+      turns_.passed_.notify_all();
+    }
+    ReadTurns& turns_;
+  };
+
+  std::mutex mutex_;
+  std::condition_variable passed_;
+  std::uint64_t next_ = 0;
+};
+
+/// `Shown` is what a look at a piece gives; the look sees nothing but its piece, so the same is shown for any number of
+/// threads.
+template <class Shown>
+class PiecesAhead {
+ public:
+  using Look = std::function<Shown(const Piece&)>;
+
+  /// Source and workers must outlive it.
+  PiecesAhead(const Source& source, const PieceCut& cut, Look look, platform::Workers& workers)
+      : source_(source), cut_(cut), look_(std::move(look)), workers_(workers) {
+    const std::size_t ahead = workers.Jobs() == 1 ? 1 : std::min<std::size_t>(kPiecesOfJob * workers.Jobs(), kMost);
+    while (pieces_.size() < ahead && HasNext()) Start(std::make_unique<AheadPiece>(source));
+  }
+
+  /// The last first: a piece that was begun waits for the turns of those ahead of it.
+  ~PiecesAhead() {
+    while (!pieces_.empty()) pieces_.pop_back();
+  }
+  PiecesAhead(const PiecesAhead&) = delete;
+  PiecesAhead& operator=(const PiecesAhead&) = delete;
+
+  bool IsEmpty() const { return pieces_.empty(); }
+
+  /// Returns when the front was looked at; works on others meanwhile.
+  void Await() { pieces_.front()->work->WorkUntilDone(); }
+
+  /// The front, and what it shows; they live until Pop.
+  const Piece& Front() const { return pieces_.front()->piece; }
+  const Shown& FrontShown() const { return pieces_.front()->shown; }
+
+  void Pop() {
+    std::unique_ptr<AheadPiece> piece = std::move(pieces_.front());
+    pieces_.pop_front();
+    if (HasNext()) Start(std::move(piece));  // its memory is as good for another one
+  }
+
+ private:
+  /// Under work or waiting to be, for each job, so that nobody has to wait for the next; and the most, as each takes
+  /// its memory.
+  static constexpr std::size_t kPiecesOfJob = 2;
+  static constexpr std::size_t kMost = 8;
+
+  struct AheadPiece {
+    explicit AheadPiece(const Source& source) : window(source) {}
+
+    SourceWindow window;
+    Piece piece;
+    Shown shown;
+    std::unique_ptr<platform::Workers::Step> work;  ///< goes first
+  };
+
+  bool HasNext() const { return cut_.first + next_ * cut_.size < source_.Size(); }
+
+  void Start(std::unique_ptr<AheadPiece> ahead) {
+    const std::uint64_t number = next_++;
+    const std::uint64_t begin = cut_.first + number * cut_.size;
+    const std::uint64_t base = begin - std::min(begin - cut_.first, cut_.lead);
+    ahead->piece = {base, begin, std::min(begin + cut_.size, source_.Size()), {}};
+    ahead->work = workers_.Start([this, number, &window = ahead->window, &piece = ahead->piece, &shown = ahead->shown] {
+      turns_.Take(number, [&] { piece.bytes = window.Read(piece.base, piece.begin - piece.base + cut_.size); });
+      shown = look_(piece);
+    });
+    pieces_.push_back(std::move(ahead));
+  }
+
+  const Source& source_;
+  const PieceCut cut_;
+  const Look look_;
+  platform::Workers& workers_;
+  std::uint64_t next_ = 0;
+  ReadTurns turns_;
+  std::deque<std::unique_ptr<AheadPiece>> pieces_;
+};
+
+}  // namespace velmora::engine
