@@ -9,18 +9,24 @@
 #include <span>
 
 #include "platform/file.h"
+#include "platform/workers.h"
 
 namespace velmora::engine {
 
 /// For a reader that asks for a block here and a block there, most of them close to the last one, as a message was
-/// written: a disk that has to seek does so seldom, and the system is asked seldom. Reads that lie far apart are made
-/// as they are asked for. A disk that failed once is asked for nothing any more that nobody wants.
+/// written: a disk that has to seek does so seldom, and the system is asked seldom. Where one window follows the other
+/// the next is read ahead, more of it each time. Reads that lie far apart are made as they are asked for. A disk that
+/// failed once is asked for nothing any more that nobody wants.
 class NearBytes : public platform::ByteSource {
  public:
-  /// Bytes that are read at a time.
+  /// Bytes that are read at a time, and the most that are read ahead.
   static constexpr std::size_t kWindow = std::size_t{64} << 10;
+  static constexpr std::size_t kMostAhead = std::size_t{512} << 10;
 
-  explicit NearBytes(std::shared_ptr<const platform::ByteSource> bytes) : bytes_(std::move(bytes)) {}
+  /// The workers read ahead, and must outlive it.
+  explicit NearBytes(std::shared_ptr<const platform::ByteSource> bytes,
+                     platform::Workers& workers = platform::Workers::WithoutThreads())
+      : bytes_(std::move(bytes)), workers_(workers) {}
 
   std::uint64_t Size() const override { return bytes_->Size(); }
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override;
@@ -28,21 +34,30 @@ class NearBytes : public platform::ByteSource {
  private:
   struct Window {
     std::uint64_t begin = 0;
+    std::size_t length = 0;  ///< for which it is there; some of what lies behind is read along
     std::unique_ptr<std::byte[]> bytes;
-    std::size_t size = 0;
+    std::size_t size = 0;  ///< of what was read; 0 where the disk fails
+    bool hasFailed = false;
 
-    std::span<const std::byte> Part(std::uint64_t offset, std::size_t length) const;
+    bool IsFor(std::uint64_t offset) const { return offset >= begin && offset - begin < length; }
+    std::span<const std::byte> Part(std::uint64_t offset, std::size_t wanted) const;
   };
 
   bool IsNear(std::uint64_t offset) const;
-  const Window* Load(std::uint64_t offset) const;
+  void Load(std::uint64_t offset) const;
+  void TakeAhead() const;
+  void ReadAhead(std::uint64_t begin, std::size_t length) const;
+  void Fill(Window& window) const;
 
   std::shared_ptr<const platform::ByteSource> bytes_;
+  platform::Workers& workers_;
   mutable std::mutex mutex_;               ///< guards what follows
   mutable std::array<Window, 2> windows_;  ///< a message may lie in both
-  mutable std::size_t oldest_ = 0;
+  mutable std::size_t newest_ = 0;
   mutable std::uint64_t last_ = UINT64_MAX;
   mutable bool hasFailed_ = false;
+  mutable Window ahead_;
+  mutable std::unique_ptr<platform::Workers::Step> reading_;  ///< fills `ahead_`; goes first
 };
 
 }  // namespace velmora::engine

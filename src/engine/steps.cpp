@@ -36,7 +36,7 @@ void OpenSource(StoreScan& scan, RunContext& run, const std::filesystem::path& p
     throw WorkerEnded{};
   }
   scan.percentBase = (*source)->Size() / 100;
-  scan.found->source.Open(std::make_shared<NearBytes>(std::move(*source)));
+  scan.found->source.Open(std::make_shared<NearBytes>(std::move(*source), *run.workers));
 }
 
 std::unique_ptr<const ScannedStore> FinishScan(StoreScan& scan, RunContext& run) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
+#include <thread>
 
 #include "engine/bad_disk.h"
 #include "platform/memory_file.h"
@@ -11,9 +13,10 @@ namespace velmora::engine {
 namespace {
 
 constexpr std::size_t kOneWindow = NearBytes::kWindow;
-constexpr std::size_t kSizeOfDisk = 10 * kOneWindow + 100;
+constexpr std::size_t kSizeOfDisk = 30 * kOneWindow + 100;
 
-class NearBytesTest : public ::testing::Test {
+/// By the number of jobs.
+class NearBytesTest : public ::testing::TestWithParam<unsigned> {
  protected:
   NearBytesTest() {
     std::mt19937_64 any(1);
@@ -22,9 +25,8 @@ class NearBytesTest : public ::testing::Test {
   }
 
   void Open(std::vector<BadPlace> bad) {
-    auto disk = std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(content_), std::move(bad));
-    disk_ = disk.get();
-    bytes_ = std::make_unique<NearBytes>(std::move(disk));
+    disk_ = std::make_shared<BadDisk>(std::make_unique<platform::MemoryFile>(content_), std::move(bad));
+    bytes_ = std::make_unique<NearBytes>(disk_, workers_);
   }
 
   /// Whether so many bytes are read there, and are those of the file.
@@ -40,12 +42,36 @@ class NearBytesTest : public ::testing::Test {
                : testing::AssertionFailure() << "other bytes at " << offset;
   }
 
+  /// Small reads of all bytes from one offset to before another.
+  testing::AssertionResult AreRead(std::uint64_t begin, std::uint64_t end) {
+    for (std::uint64_t offset = begin; offset < end; offset += 1000) {
+      const auto isRead = IsRead(offset, static_cast<std::size_t>(std::min<std::uint64_t>(1000, end - offset)));
+      if (!isRead) return isRead;
+    }
+    return testing::AssertionSuccess();
+  }
+
+  /// How often the disk was read once all that was begun is done; where there are threads, this is `ahead` times more
+  /// often than was asked for.
+  testing::AssertionResult WasReadFor(int times, int ahead) {
+    std::atomic<bool> isDone = false;
+    const auto last = workers_.Start([&] { isDone = true; });
+    while (GetParam() > 1 && !isDone) std::this_thread::yield();  // so all that was to be read ahead is begun
+    bytes_.reset();
+    const int expected = times + (GetParam() > 1 ? ahead : 0);
+    if (disk_->reads == expected) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "read " << disk_->reads << " times, not " << expected;
+  }
+
+  platform::Workers workers_{GetParam()};
   std::vector<std::byte> content_ = std::vector<std::byte>(kSizeOfDisk);
-  const BadDisk* disk_ = nullptr;
+  std::shared_ptr<const BadDisk> disk_;
   std::unique_ptr<NearBytes> bytes_;
 };
 
-TEST_F(NearBytesTest, EveryReadGivesTheBytesOfTheFile) {
+INSTANTIATE_TEST_SUITE_P(Jobs, NearBytesTest, testing::Values(1u, 2u, 5u));
+
+TEST_P(NearBytesTest, EveryReadGivesTheBytesOfTheFile) {
   std::mt19937_64 any(2);
   std::uint64_t offset = 0;
   for (int i = 0; i < 2000; ++i) {
@@ -58,26 +84,59 @@ TEST_F(NearBytesTest, EveryReadGivesTheBytesOfTheFile) {
   EXPECT_TRUE(IsRead(UINT64_MAX, 100));
 }
 
-TEST_F(NearBytesTest, ReadsThatFollowOneAnotherTakeOneForEachWindow) {
-  for (std::uint64_t offset = 0; offset + 1000 < 4 * kOneWindow; offset += 1000) ASSERT_TRUE(IsRead(offset, 1000));
-  EXPECT_EQ(disk_->reads, 5) << "the first one was near nothing";
+TEST_P(NearBytesTest, ReadsThatFollowOneAnotherTakeOneForEachWindowAndEverLargerOnes) {
+  ASSERT_TRUE(AreRead(0, kSizeOfDisk));
+  // One that was near nothing; windows 0 and 1; then 1, 2 and 4 of them, and 8 at a time up to the end.
+  EXPECT_TRUE(WasReadFor(1 + 2 + 3 + 3, 0));
 }
 
-TEST_F(NearBytesTest, ReadsThatGoToAndFroOverTheEndOfAWindowTakeNoMore) {
+TEST_P(NearBytesTest, LargeReadsAreServedFromWhatWasReadAhead) {
+  ASSERT_TRUE(AreRead(0, 2 * kOneWindow));
+  ASSERT_TRUE(IsRead(2 * kOneWindow + 100, 60000));
+  ASSERT_TRUE(IsRead(3 * kOneWindow + 100, 60000));
+  EXPECT_TRUE(WasReadFor(1 + 2 + 2, 1));
+}
+
+TEST_P(NearBytesTest, AWindowThatFollowsMayLieBehindOneThatNobodyAskedFor) {
+  ASSERT_TRUE(AreRead(0, 3000));
+  ASSERT_TRUE(IsRead(2 * kOneWindow - 100, 100)) << "far from the last";
+  ASSERT_TRUE(AreRead(2 * kOneWindow, 2 * kOneWindow + 1000));
+  ASSERT_TRUE(IsRead(3 * kOneWindow, 60000));
+  EXPECT_TRUE(WasReadFor(2 + 1 + 1 + 1, 1));
+}
+
+TEST_P(NearBytesTest, WhereNoWindowFollowsNothingIsReadAhead) {
+  for (const std::uint64_t window : {20, 10, 13, 5})
+    ASSERT_TRUE(AreRead(window * kOneWindow, window * kOneWindow + 3000));
+  EXPECT_TRUE(WasReadFor(2 * 4, 0));
+  EXPECT_EQ(disk_->bytesRead, 4 * (1000 + kOneWindow + 16384));
+}
+
+TEST_P(NearBytesTest, ADiskThatFailsAheadIsReadAsItIsAskedFor) {
+  Open({{2 * kOneWindow + 70000, 2 * kOneWindow + 70512}});
+  ASSERT_TRUE(AreRead(0, 3 * kOneWindow)) << "though the window cannot be read";
+  EXPECT_EQ(disk_->failures, 1);
+  EXPECT_FALSE(IsRead(2 * kOneWindow + 69800, 1000));
+  EXPECT_EQ(disk_->failures, 2);
+  ASSERT_TRUE(AreRead(4 * kOneWindow, 5 * kOneWindow));
+  EXPECT_EQ(disk_->failures, 2);
+}
+
+TEST_P(NearBytesTest, ReadsThatGoToAndFroOverTheEndOfAWindowTakeNoMore) {
   for (int i = 0; i < 100; ++i) {
     ASSERT_TRUE(IsRead(2 * kOneWindow - 9000 + 10U * static_cast<unsigned>(i), 500));
     ASSERT_TRUE(IsRead(2 * kOneWindow + 20000 + 10U * static_cast<unsigned>(i), 500));
   }
-  EXPECT_EQ(disk_->reads, 3);
+  EXPECT_TRUE(WasReadFor(3, 0));
 }
 
-TEST_F(NearBytesTest, ReadsThatLieFarApartAreMadeAsTheyAre) {
+TEST_P(NearBytesTest, ReadsThatLieFarApartAreMadeAsTheyAre) {
   for (std::uint64_t i = 0; i < 30; ++i) ASSERT_TRUE(IsRead(i * 7 % 10 * kOneWindow + i, 500));
   EXPECT_EQ(disk_->reads, 30);
   EXPECT_EQ(disk_->bytesRead, 30U * 500);
 }
 
-TEST_F(NearBytesTest, ADiskThatFailsIsAskedForNoMoreThanIsWanted) {
+TEST_P(NearBytesTest, ADiskThatFailsIsAskedForNoMoreThanIsWanted) {
   Open({{3000, 3512}});
   ASSERT_TRUE(IsRead(0, 500));
   ASSERT_TRUE(IsRead(500, 500)) << "though the window cannot be read";

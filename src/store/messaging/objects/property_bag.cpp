@@ -9,6 +9,14 @@
 #include "store/messaging/values/stored_text.h"
 
 namespace velmora::messaging {
+namespace {
+
+/// A message or a recipient has about so many properties, and would move them to a larger place time and again; so much
+/// stays free behind a long value too, which is not moved for those that follow it.
+constexpr std::size_t kUsualCount = 24;
+constexpr std::size_t kUsualBytes = 512;
+
+}  // namespace
 
 const PropertyBag::Entry* PropertyBag::Find(PropTag tag) const {
   if (IdOf(tag) > highestId_) return nullptr;
@@ -26,13 +34,14 @@ void PropertyBag::PutBytes(PropTag tag, std::span<const std::byte> bytes) {
   if (entries_.empty()) Reserve();
   highestId_ = std::max(highestId_, IdOf(tag));
   entries_.push_back({tag, values_.size(), bytes.size(), nullptr});
+  const std::size_t needed = values_.size() + bytes.size();
+  if (needed > values_.capacity()) values_.reserve(std::max(2 * values_.capacity(), needed + kUsualBytes));
   values_.insert(values_.end(), bytes.begin(), bytes.end());
 }
 
-/// A message or a recipient has about so many, and would move them to a larger place time and again.
 void PropertyBag::Reserve() {
-  entries_.reserve(24);
-  values_.reserve(512);
+  entries_.reserve(kUsualCount);
+  values_.reserve(kUsualBytes);
 }
 
 void PropertyBag::PutNumber(PropTag tag, std::uint64_t value, std::size_t size) {
