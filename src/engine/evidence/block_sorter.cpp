@@ -34,7 +34,8 @@ bool IsBehind(const std::unique_ptr<Rest>& a, const std::unique_ptr<Rest>& b) {
 
 void BlockSorter::Take(std::vector<FoundBlock>& blocks) {
   if (blocks.empty()) return;
-  std::ranges::sort(blocks, {}, ByIdAndPlace);
+  // Those of a store that was written from front to back are in order.
+  if (!std::ranges::is_sorted(blocks, {}, ByIdAndPlace)) std::ranges::sort(blocks, {}, ByIdAndPlace);
   pieces_.emplace_back(blocks);
   blocks.clear();
 }
