@@ -131,13 +131,15 @@ bool Comes(const std::function<bool()>& condition, int milliseconds) {
   if (condition()) return true;
   QEventLoop loop;
   QTimer looks;
+  bool hasCome = false;  // and may be gone again before the loop is left
   QObject::connect(&looks, &QTimer::timeout, &loop, [&] {
-    if (condition()) loop.quit();
+    hasCome = hasCome || condition();
+    if (hasCome) loop.quit();
   });
   looks.start(5);
   QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
   loop.exec();
-  return condition();
+  return hasCome || condition();
 }
 
 void PickInDialog(const QString& name) {
