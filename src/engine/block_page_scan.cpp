@@ -49,7 +49,7 @@ struct Trailer {
   std::uint16_t signature = 0;
 };
 
-/// Every slot of 16 bytes as if it were a trailer: is it none by its size and its id? In the ANSI layout the trailer's
+/// Reads a slot as if it were a trailer; false where size or id say that it is none. In the ANSI layout the trailer's
 /// words stand where this looks; in the wide layouts it takes the halves of the id for size and signature, so there it
 /// finds next to nothing.
 template <std::size_t kIdWidth>
