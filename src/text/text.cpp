@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "text/runs.h"
+#include "text/utf8_check.h"
 
 namespace velmora::text {
 namespace {
@@ -97,19 +98,7 @@ Text FromUtf8(std::string_view bytes) {
   return out;
 }
 
-bool IsUtf8(std::string_view bytes) {
-  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
-  const auto size = static_cast<std::int64_t>(bytes.size());
-  for (std::int64_t at = 0; at < size;) {
-    at += static_cast<std::int64_t>(AsciiRun(data + at, static_cast<std::size_t>(size - at)));
-    while (at < size && data[at] >= 0x80) {
-      UChar32 c = 0;
-      U8_NEXT(data, at, size, c);
-      if (c < 0) return false;
-    }
-  }
-  return true;
-}
+bool IsUtf8(std::string_view bytes) { return Utf8Checks().back()(bytes); }
 
 bool IsAscii(std::string_view bytes) {
   const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
