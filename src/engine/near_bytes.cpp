@@ -44,25 +44,40 @@ void NearBytes::Load(std::uint64_t offset) const {
   Fill(window);
   hasFailed_ = window.hasFailed;
   const bool follows = before.size != 0 && window.begin - before.begin <= kFollowing;  // far, if it lies ahead of it
-  if (follows && !hasFailed_) ReadAhead(window.begin + kWindow, kWindow);
+  if (follows && !hasFailed_) ReadAhead(window.begin + kWindow, kWindow, ahead_[0]);
 }
 
-void NearBytes::ReadAhead(std::uint64_t begin, std::size_t length) const {
-  reading_.reset();
-  ahead_.begin = begin;
-  ahead_.length = length;
-  if (begin < Size()) reading_ = workers_.Start([this] { Fill(ahead_); });
+void NearBytes::ReadAhead(std::uint64_t begin, std::size_t length, Ahead& ahead) const {
+  ahead.reading.reset();
+  ahead.window.begin = begin;
+  ahead.window.length = length;
+  if (begin < Size()) ahead.reading = workers_.Start([this, &ahead] { Fill(ahead.window); });
 }
 
-/// Makes what is read ahead the newest window.
-void NearBytes::TakeAhead() const {
-  reading_->Wait();
-  reading_.reset();
+void NearBytes::ReadBehind(const Window& window, Ahead& ahead) const {
+  ReadAhead(window.begin + window.length, std::min(2 * window.length, kMostAhead), ahead);
+}
+
+/// Makes what is read ahead the newest window, where the offset lies in it.
+bool NearBytes::TakeAhead(std::uint64_t offset) const {
+  const std::size_t number = ahead_[0].IsFor(offset) ? 0 : 1;
+  Ahead& taken = ahead_[number];
+  Ahead& other = ahead_[1 - number];
+  if (!taken.IsFor(offset)) return false;
+  taken.reading->Wait();
+  taken.reading.reset();
   newest_ = (newest_ + 1) % windows_.size();
-  std::swap(windows_[newest_], ahead_);
+  std::swap(windows_[newest_], taken.window);
   const Window& window = windows_[newest_];
   hasFailed_ = window.hasFailed;
-  if (!hasFailed_) ReadAhead(window.begin + window.length, std::min(2 * window.length, kMostAhead));
+  if (hasFailed_) {
+    other.reading.reset();
+    return true;
+  }
+  const bool isNext = other.reading != nullptr && other.window.begin == window.begin + window.length;
+  if (!isNext) ReadBehind(window, other);
+  ReadBehind(other.window, taken);
+  return true;
 }
 
 platform::Result<std::size_t> NearBytes::ReadAt(std::uint64_t offset, std::span<std::byte> out) const {
@@ -73,8 +88,7 @@ platform::Result<std::size_t> NearBytes::ReadAt(std::uint64_t offset, std::span<
     return part.empty() ? windows_[1 - newest_].Part(offset, out.size()) : part;
   };
   std::span<const std::byte> part = held();
-  if (part.empty() && reading_ != nullptr && ahead_.IsFor(offset)) {
-    TakeAhead();
+  if (part.empty() && TakeAhead(offset)) {
     part = held();
   } else if (part.empty() && out.size() <= kSmallRead && !hasFailed_ && IsNear(offset)) {
     Load(offset);

@@ -15,8 +15,8 @@ namespace velmora::engine {
 
 /// For a reader that asks for a block here and a block there, most of them close to the last one, as a message was
 /// written: a disk that has to seek does so seldom, and the system is asked seldom. Where one window follows the other
-/// the next is read ahead, more of it each time. Reads that lie far apart are made as they are asked for. A disk that
-/// failed once is asked for nothing any more that nobody wants.
+/// the next two are read ahead, more of it each time. Reads that lie far apart are made as they are asked for. A disk
+/// that failed once is asked for nothing any more that nobody wants.
 class NearBytes : public platform::ByteSource {
  public:
   /// Bytes that are read at a time, and the most that are read ahead.
@@ -43,10 +43,19 @@ class NearBytes : public platform::ByteSource {
     std::span<const std::byte> Part(std::uint64_t offset, std::size_t wanted) const;
   };
 
+  /// A window that is read before anybody asks for it.
+  struct Ahead {
+    Window window;
+    std::unique_ptr<platform::Workers::Step> reading;  ///< fills it; goes first
+
+    bool IsFor(std::uint64_t offset) const { return reading != nullptr && window.IsFor(offset); }
+  };
+
   bool IsNear(std::uint64_t offset) const;
   void Load(std::uint64_t offset) const;
-  void TakeAhead() const;
-  void ReadAhead(std::uint64_t begin, std::size_t length) const;
+  bool TakeAhead(std::uint64_t offset) const;
+  void ReadAhead(std::uint64_t begin, std::size_t length, Ahead& ahead) const;
+  void ReadBehind(const Window& window, Ahead& ahead) const;
   void Fill(Window& window) const;
 
   std::shared_ptr<const platform::ByteSource> bytes_;
@@ -56,8 +65,7 @@ class NearBytes : public platform::ByteSource {
   mutable std::size_t newest_ = 0;
   mutable std::uint64_t last_ = UINT64_MAX;
   mutable bool hasFailed_ = false;
-  mutable Window ahead_;
-  mutable std::unique_ptr<platform::Workers::Step> reading_;  ///< fills `ahead_`; goes first
+  mutable std::array<Ahead, 2> ahead_;  ///< a reader who is faster than a thread wakes up reads one himself
 };
 
 }  // namespace velmora::engine

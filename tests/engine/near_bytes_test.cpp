@@ -54,13 +54,18 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
   /// How often the disk was read once all that was begun is done; where there are threads, this is `ahead` times more
   /// often than was asked for.
   testing::AssertionResult WasReadFor(int times, int ahead) {
-    std::atomic<bool> isDone = false;
-    const auto last = workers_.Start([&] { isDone = true; });
-    while (GetParam() > 1 && !isDone) std::this_thread::yield();  // so all that was to be read ahead is begun
+    AwaitBeginnings();
     bytes_.reset();
     const int expected = times + (GetParam() > 1 ? ahead : 0);
     if (disk_->reads == expected) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "read " << disk_->reads << " times, not " << expected;
+  }
+
+  /// Returns when all that is to be read ahead is begun, where there are threads to do so.
+  void AwaitBeginnings() {
+    std::atomic<bool> isDone = false;
+    const auto last = workers_.Start([&] { isDone = true; });
+    while (GetParam() > 1 && !isDone) std::this_thread::yield();
   }
 
   platform::Workers workers_{GetParam()};
@@ -94,7 +99,7 @@ TEST_P(NearBytesTest, LargeReadsAreServedFromWhatWasReadAhead) {
   ASSERT_TRUE(AreRead(0, 2 * kOneWindow));
   ASSERT_TRUE(IsRead(2 * kOneWindow + 100, 60000));
   ASSERT_TRUE(IsRead(3 * kOneWindow + 100, 60000));
-  EXPECT_TRUE(WasReadFor(1 + 2 + 2, 1));
+  EXPECT_TRUE(WasReadFor(1 + 2 + 2, 2));
 }
 
 TEST_P(NearBytesTest, AWindowThatFollowsMayLieBehindOneThatNobodyAskedFor) {
@@ -102,7 +107,24 @@ TEST_P(NearBytesTest, AWindowThatFollowsMayLieBehindOneThatNobodyAskedFor) {
   ASSERT_TRUE(IsRead(2 * kOneWindow - 100, 100)) << "far from the last";
   ASSERT_TRUE(AreRead(2 * kOneWindow, 2 * kOneWindow + 1000));
   ASSERT_TRUE(IsRead(3 * kOneWindow, 60000));
-  EXPECT_TRUE(WasReadFor(2 + 1 + 1 + 1, 1));
+  EXPECT_TRUE(WasReadFor(2 + 1 + 1 + 1, 2));
+}
+
+TEST_P(NearBytesTest, AWindowAheadMayBePassedOver) {
+  ASSERT_TRUE(AreRead(0, 3 * kOneWindow));  // ahead are two windows and then four
+  AwaitBeginnings();
+  ASSERT_TRUE(AreRead(5 * kOneWindow, 9 * kOneWindow));
+  AwaitBeginnings();
+  ASSERT_TRUE(AreRead(9 * kOneWindow, 17 * kOneWindow)) << "eight are ahead of those four";
+  EXPECT_TRUE(WasReadFor(1 + 2 + 1 + 1 + 1, 1 + 2)) << "the first was for nothing, and two are ahead at the end";
+}
+
+TEST_P(NearBytesTest, WhatWasReadAheadElsewhereIsNotTakenForWhatFollows) {
+  ASSERT_TRUE(AreRead(20 * kOneWindow, 23 * kOneWindow));  // ahead are two windows and then four
+  AwaitBeginnings();
+  ASSERT_TRUE(AreRead(0, 9 * kOneWindow));
+  // Of the windows from 0 on none is read alone that lies in a larger one: 0, 1, 2, two and four.
+  EXPECT_TRUE(WasReadFor((1 + 2 + 1) + (1 + 2 + 1 + 1 + 1), 2 + 2));
 }
 
 TEST_P(NearBytesTest, WhereNoWindowFollowsNothingIsReadAhead) {
@@ -120,6 +142,24 @@ TEST_P(NearBytesTest, ADiskThatFailsAheadIsReadAsItIsAskedFor) {
   EXPECT_EQ(disk_->failures, 2);
   ASSERT_TRUE(AreRead(4 * kOneWindow, 5 * kOneWindow));
   EXPECT_EQ(disk_->failures, 2);
+}
+
+TEST_P(NearBytesTest, BehindAWindowThatFailedNothingIsReadAhead) {
+  Open({{kOneWindow + 30000, kOneWindow + 30512}});
+  ASSERT_TRUE(AreRead(0, kOneWindow));
+  ASSERT_TRUE(AreRead(kOneWindow + 17000, kOneWindow + 20000));
+  EXPECT_TRUE(WasReadFor(2 + (1 + 3), 0)) << "once for the window, and then as it is asked for";
+}
+
+TEST_P(NearBytesTest, WhatIsReadAheadOfWhatFailedIsGivenUp) {
+  Open({{4 * kOneWindow, 4 * kOneWindow + 512}});
+  ASSERT_TRUE(AreRead(0, 3 * kOneWindow));  // ahead are two windows, which cannot be read, and then four
+  AwaitBeginnings();
+  ASSERT_TRUE(IsRead(3 * kOneWindow + 17000, 1000));
+  EXPECT_EQ(disk_->failures, 1);
+  const std::uint64_t before = disk_->bytesRead;
+  ASSERT_TRUE(AreRead(5 * kOneWindow, 5 * kOneWindow + 3000));
+  EXPECT_EQ(disk_->bytesRead - before, 3000U);
 }
 
 TEST_P(NearBytesTest, ReadsThatGoToAndFroOverTheEndOfAWindowTakeNoMore) {
