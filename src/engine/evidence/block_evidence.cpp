@@ -14,6 +14,10 @@ namespace {
 /// Of a packed block: enough for the tables of the stream and the first bytes that come out of it.
 constexpr std::size_t kPackedHead = 1024;
 
+/// Bytes of a packed block's content that take no longer than the tables of its stream. So small are mostly properties
+/// and tables, of which more than the first bytes is asked for.
+constexpr std::size_t kSmall = 4096;
+
 /// Parts of a block's content under one method.
 class Content {
  public:
@@ -31,13 +35,13 @@ class Content {
   }
 
  private:
-  /// To inflate all takes less time than the same by parts, but the first bytes are mostly enough, and a block that is
-  /// hurt has parts alone.
+  /// To inflate all takes less time than the same by parts, but of a large block the first bytes are mostly enough, and
+  /// one that is hurt has parts alone.
   void InflateUpTo(std::size_t end) {
-    const bool isHead = end <= kOffHeapWord + 2;
-    const std::vector<std::byte>& packed = Decoded(0, isHead ? kPackedHead : stored_.size());
-    const auto head = ByteView(packed).U16(0);
+    const auto head = ByteView(Decoded(0, 2)).U16(0);
     if ((head & 0x0F) != 8 || ((head & 0xFF) << 8 | head >> 8) % 31 != 0) return;  // no zlib stream begins so
+    const bool isHead = end <= kOffHeapWord + 2 && Size() > kSmall;
+    const std::vector<std::byte>& packed = Decoded(0, isHead ? kPackedHead : stored_.size());
     inflated_.resize(trailer_.cbInflated);
     if (isHead || !Inflate(packed, inflated_)) inflated_ = InflatePart(packed, end);
   }
