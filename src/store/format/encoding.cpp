@@ -66,18 +66,52 @@ void Substitute(const Table& table, std::span<const std::byte> from, std::span<s
   kFastest(table, from, to);
 }
 
-// The same function encodes and decodes.
+/// The numbers of the bytes of a stretch, to be added to them or taken from them.
+constexpr std::array<std::uint8_t, 256> kRamp = [] {
+  std::array<std::uint8_t, 256> ramp{};
+  for (std::size_t i = 0; i < ramp.size(); ++i) ramp[i] = static_cast<std::uint8_t>(i);
+  return ramp;
+}();
+
+/// Puts what `step` makes of each byte and of its number, the first one's being `number`.
+template <class Step>
+void ForEach(std::span<const std::byte> from, std::span<std::byte> to, std::size_t number, Step step) {
+  constexpr std::size_t kAtOnce =
+      32;  // of a fixed length and in place, so that compilers make vector instructions of it
+  std::size_t done = 0;
+  for (; from.size() - done >= kAtOnce; done += kAtOnce) {
+    std::array<std::uint8_t, kAtOnce> bytes;
+    std::array<std::uint8_t, kAtOnce> numbers;
+    std::memcpy(bytes.data(), from.data() + done, kAtOnce);
+    std::memcpy(numbers.data(), kRamp.data() + number + done, kAtOnce);
+    for (std::size_t i = 0; i < kAtOnce; ++i) bytes[i] = static_cast<std::uint8_t>(step(bytes[i], numbers[i]));
+    std::memcpy(to.data() + done, bytes.data(), kAtOnce);
+  }
+  for (; done < from.size(); ++done) {
+    to[done] = static_cast<std::byte>(step(std::to_integer<std::uint8_t>(from[done]), kRamp[number + done]));
+  }
+}
+
+/// The same function encodes and decodes. The key is a number of two bytes that grows by one from byte to byte, so its
+/// high byte stays for up to 256 of them: these go through one table after the other.
 void Cycle(Bid bid, std::span<const std::byte> from, std::span<std::byte> to, std::size_t at = 0) {
-  const auto key = static_cast<std::uint32_t>(Value(bid));
-  auto w = static_cast<std::uint16_t>((key ^ key >> 16) + at);
-  for (std::size_t i = 0; i < from.size(); ++i, ++w) {
-    const auto low = static_cast<std::uint8_t>(w);
-    const auto high = static_cast<std::uint8_t>(w >> 8);
-    auto b = static_cast<std::uint8_t>(std::to_integer<std::uint8_t>(from[i]) + low);
-    b = static_cast<std::uint8_t>(kR[b] + high);
-    b = static_cast<std::uint8_t>(kS[b] - high);
-    b = static_cast<std::uint8_t>(kI[b] - low);
-    to[i] = std::byte{b};
+  const auto id = static_cast<std::uint32_t>(Value(bid));
+  auto key = static_cast<std::uint16_t>((id ^ id >> 16) + at);
+  while (!from.empty()) {
+    const std::size_t low = key & 0xFF;
+    const int high = key >> 8;
+    const std::size_t length = std::min(from.size(), kRamp.size() - low);
+    const auto stretch = to.first(length);
+    ForEach(from.first(length), stretch, low, [](int byte, int number) { return byte + number; });
+    Substitute(kR, stretch, stretch);
+    ForEach(stretch, stretch, low, [high](int byte, int) { return byte + high; });
+    Substitute(kS, stretch, stretch);
+    ForEach(stretch, stretch, low, [high](int byte, int) { return byte - high; });
+    Substitute(kI, stretch, stretch);
+    ForEach(stretch, stretch, low, [](int byte, int number) { return byte - number; });
+    from = from.subspan(length);
+    to = to.subspan(length);
+    key = static_cast<std::uint16_t>(key + length);
   }
 }
 

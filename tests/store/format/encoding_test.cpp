@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <numeric>
 #include <vector>
 
@@ -55,6 +56,21 @@ TEST(Encoding, TheKeysOfALongBlockWrapAround) {
   EXPECT_NE(bytes, plain);
   DecodeBlock(CryptMethod::kCyclic, Bid{0xFFF0}, bytes);
   EXPECT_EQ(bytes, plain);
+}
+
+TEST(Encoding, CyclesManyBytesAsOneByOne) {
+  for (const std::uint64_t id : {0x1234U, 0x12F1U, 0xFFF0U, 0x00FFFEF4U}) {
+    const std::vector<std::byte> plain = test::Noise(1000);
+    std::vector<std::byte> expected = plain;
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+      DecodeBlock(CryptMethod::kCyclic, Bid{id}, std::span(expected).subspan(i, 1), i);
+    }
+    for (std::size_t length = 0; length <= plain.size(); length += length < 600 ? 1 : 57) {
+      std::vector<std::byte> bytes(plain.begin(), plain.begin() + static_cast<std::ptrdiff_t>(length));
+      DecodeBlock(CryptMethod::kCyclic, Bid{id}, bytes);
+      ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), expected.begin())) << length << " bytes of block " << id;
+    }
+  }
 }
 
 TEST(Encoding, APartOfABlockComesBackByItself) {
