@@ -53,7 +53,7 @@ class BlockMap {
 
   void AskTree(const std::optional<ToldByHeader>& told, RunContext& run) {
     const FoundTree tree(source_, evidence_, PageType::kBbt, run);
-    const std::uint64_t newest = whole_.empty() ? 0 : Value(whole_.IdOf(whole_.size() - 1));
+    const std::uint64_t newest = whole_.empty() ? 0 : Value(whole_.KeyOf(whole_.size() - 1));
     if (finds_.hasMovedBlocks || newest > kMostSigned) {
       for (const FoundBlock& block : whole_) {
         const bool isSigned = block.grade == Grade::kProven && Value(block.bid) <= kMostSigned;
@@ -66,7 +66,7 @@ class BlockMap {
       if (page.found.grade == Grade::kHurt || entry.cb == 0 || entry.cb > evidence_.layout->maxBlockData) return;
       entry.ref.bid = Canonical(entry.ref.bid);
       if (const auto known = whole_.NumberOf(entry.ref.bid)) {
-        const bool isRepeated = *known + 1 < whole_.size() && whole_.IdOf(*known + 1) == entry.ref.bid;
+        const bool isRepeated = *known + 1 < whole_.size() && whole_.KeyOf(*known + 1) == entry.ref.bid;
         if (isRepeated) Prefer(entry, shade);
       } else if (unsigned_.contains(entry.ref.ib)) {
         CompareId(entry);
