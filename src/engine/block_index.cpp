@@ -1,7 +1,10 @@
 #include "engine/block_index.h"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
+#include <numeric>
+#include <ranges>
 #include <tuple>
 #include <utility>
 
@@ -14,28 +17,6 @@
 
 namespace velmora::engine {
 namespace {
-
-/// Records that wait at least before they are merged.
-constexpr std::size_t kLeastMerge = 65536;
-
-bool Lower(const PackedBlock& a, const PackedBlock& b) { return a.LowId() < b.LowId(); }
-
-/// Where the records end that share the low half of their ids with the one at `begin`.
-std::size_t EndOfGroup(std::span<const PackedBlock> sorted, std::size_t begin) {
-  std::size_t end = begin + 1;
-  while (end < sorted.size() && !Lower(sorted[begin], sorted[end])) ++end;
-  return end;
-}
-
-/// Positions of the records whose ids have others, by their low halves.
-std::vector<std::uint32_t> Contested(std::span<const PackedBlock> sorted) {
-  std::vector<std::uint32_t> positions;
-  for (std::size_t begin = 0, end = 0; begin < sorted.size(); begin = end) {
-    end = EndOfGroup(sorted, begin);
-    for (std::size_t i = begin; i < end && end - begin > 1; ++i) positions.push_back(static_cast<std::uint32_t>(i));
-  }
-  return positions;
-}
 
 /// In ascending order of trust.
 enum class Proof : std::uint8_t {
@@ -64,33 +45,35 @@ Proof ProveBlock(const Generation& layout, const PlacedBlock& block, ByteView by
   return trailer.dwCRC == WeakCrc(whole.first(block.size)) ? Proof::kWhole : Proof::kTrailer;
 }
 
-/// Proves the blocks at the positions `chosen`; the others keep kNone. By position.
+/// Proves the blocks, by their numbers.
 ///
-/// The blocks are read in the order of their places, so no part of the source is read twice but for the
+/// They are read in the order of their places, so no part of the source is read twice but for the
 /// ends of its blocks, however many records point into it. Blocks of a sound store do not overlap; where
 /// those of the records do, checksums are computed over as many bytes as the source has, and blocks beyond
 /// that are proven by their trailers alone.
 std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, RunContext& run,
-                               std::span<const PackedBlock> blocks, std::vector<std::uint32_t> chosen) {
-  std::ranges::sort(chosen, {}, [&](std::uint32_t i) {
-    const PlacedBlock block = blocks[i].Block();
+                               const PlacedBlocks& blocks) {
+  std::vector<std::uint32_t> order(blocks.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::ranges::sort(order, {}, [&](std::uint32_t i) {
+    const PlacedBlock block = blocks[i];
     return std::tuple(block.offset, block.size, LowBid(block.bid));
   });
 
   std::vector<Proof> proofs(blocks.size(), Proof::kNone);
   std::uint64_t mostSummed = source.Size();
   SourceWindow window(source);
-  for (auto at = chosen.begin(); at != chosen.end();) {
+  for (auto at = order.begin(); at != order.end();) {
     run.control.PausePoint();
-    const auto beginOf = [&](std::uint32_t i) { return blocks[i].Block().offset; };
-    const auto endOf = [&](std::uint32_t i) { return EndOf(layout, blocks[i].Block()); };
+    const auto beginOf = [&](std::uint32_t i) { return blocks[i].offset; };
+    const auto endOf = [&](std::uint32_t i) { return EndOf(layout, blocks[i]); };
     const std::uint64_t begin = beginOf(*at);
     std::uint64_t end = 0;
-    const auto last = EndOfRun(at, chosen.end(), beginOf, endOf, end);
+    const auto last = EndOfRun(at, order.end(), beginOf, endOf, end);
     const ByteView bytes = window.Peek(begin, end - begin);
     for (; at != last; ++at) {
-      const PlacedBlock block = blocks[*at].Block();
-      const bool again = at != chosen.begin() && RecordOf(block) == RecordOf(blocks[*std::prev(at)].Block());
+      const PlacedBlock block = blocks[*at];
+      const bool again = at != order.begin() && RecordOf(block) == RecordOf(blocks[*std::prev(at)]);
       const ByteView its = bytes.Slice(block.offset - begin, EndOf(layout, block) - block.offset);
       proofs[*at] = again ? proofs[*std::prev(at)] : ProveBlock(layout, block, its, mostSummed);
     }
@@ -98,77 +81,87 @@ std::vector<Proof> ProveBlocks(const Source& source, const Generation& layout, R
   return proofs;
 }
 
-}  // namespace
-
-void BlockIndex::Add(std::span<const PlacedBlock> blocks) {
-  for (const PlacedBlock& block : blocks) pending_.emplace_back(block);
-  if (pending_.size() >= std::max(kLeastMerge, sorted_.size())) Merge();
-}
-
-void BlockIndex::Settle(const Source& source, const Generation& layout, RunContext& run) {
-  Merge();
-  pending_ = {};
-  KeepTheBestOfEachId(source, layout, run);
-  sorted_.shrink_to_fit();
-}
-
-void BlockIndex::Merge() {
-  std::stable_sort(pending_.begin(), pending_.end(), Lower);
-  const auto middle = static_cast<std::ptrdiff_t>(sorted_.size());
-  sorted_.insert(sorted_.end(), pending_.begin(), pending_.end());
-  pending_.clear();
-  // Stable, as the sort is: what came first stays ahead.
-  std::inplace_merge(sorted_.begin(), sorted_.begin() + middle, sorted_.end(), Lower);
-  sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
-}
-
-void BlockIndex::KeepTheBestOfEachId(const Source& source, const Generation& layout, RunContext& run) {
-  auto contested = Contested(sorted_);
-  if (contested.empty()) return;
-  const std::vector<Proof> proofs = ProveBlocks(source, layout, run, sorted_, std::move(contested));
-  std::size_t kept = 0;
-  for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
-    end = EndOfGroup(sorted_, begin);
-    const auto best = std::max_element(proofs.begin() + static_cast<std::ptrdiff_t>(begin),
-                                       proofs.begin() + static_cast<std::ptrdiff_t>(end));
-    const PackedBlock leader = sorted_[static_cast<std::size_t>(best - proofs.begin())];
+/// Of each low half the block that proves itself best, the first among equals; behind it the best of each other whole
+/// id, by these.
+PlacedBlocks BestOf(const PlacedBlocks& blocks, const std::vector<Proof>& proofs) {
+  PlacedBlocks best;
+  for (std::size_t begin = 0, end = 0; begin < blocks.size(); begin = end) {
+    end = blocks.FirstFrom(blocks.KeyOf(begin) + 1);
+    const auto leader = std::max_element(proofs.begin() + static_cast<std::ptrdiff_t>(begin),
+                                         proofs.begin() + static_cast<std::ptrdiff_t>(end));
+    const auto first = static_cast<std::size_t>(leader - proofs.begin());
+    const auto idOf = [&](std::size_t i) { return blocks[i].bid; };
     std::vector<std::uint32_t> others;  // few: in a store the whole ids of a low half are one
     for (std::size_t i = begin; i < end; ++i) {
-      if (sorted_[i].Id() != leader.Id()) others.push_back(static_cast<std::uint32_t>(i));
+      if (idOf(i) != idOf(first)) others.push_back(static_cast<std::uint32_t>(i));
     }
     // By whole id, the best proof first, in file order among equals.
     std::ranges::sort(others, {}, [&](std::uint32_t i) {
-      return std::tuple(sorted_[i].Id(), Proof::kWhole > proofs[i], Proof::kTrailer > proofs[i], i);
+      return std::tuple(idOf(i), Proof::kWhole > proofs[i], Proof::kTrailer > proofs[i], i);
     });
-    others.erase(std::ranges::unique(others, {}, [&](std::uint32_t i) { return sorted_[i].Id(); }).begin(),
-                 others.end());
-    std::vector<PackedBlock> blocks;
-    for (const std::uint32_t i : others) blocks.push_back(sorted_[i]);
-    sorted_[kept++] = leader;
-    for (const PackedBlock& block : blocks) sorted_[kept++] = block;
+    others.erase(std::ranges::unique(others, {}, idOf).begin(), others.end());
+    best.Add(blocks[first]);
+    for (const std::uint32_t i : others) best.Add(blocks[i]);
   }
-  sorted_.resize(kept);
+  return best;
 }
 
-std::span<const PackedBlock> BlockIndex::EntriesOf(std::uint32_t low) const {
-  const auto [first, last] = std::equal_range(sorted_.begin(), sorted_.end(), PackedBlock({low, 0, 0}), Lower);
-  return {first, last};
+}  // namespace
+
+void BlockIndex::Add(std::span<const PlacedBlock> blocks) {
+  for (const PlacedBlock& block : blocks) {
+    pending_.push_back(block);
+    if (pending_.size() == Sorter::kPiece) sorter_.Take(pending_);
+  }
+}
+
+void BlockIndex::Settle(const Source& source, const Generation& layout, RunContext& run) {
+  assert(blocks_.empty());
+  sorter_.Take(pending_);
+  pending_ = std::vector<PlacedBlock>();  // with `{}` it would keep its memory
+  PlacedBlocks contested;                 // by others of their low halves
+  std::optional<PlacedBlock> last;
+  bool isAlone = true;  // the last, so far
+  const auto keepIfAlone = [&] {
+    if (last && isAlone) blocks_.Add(*last);
+  };
+  sorter_.Merge([&](const PlacedBlock& block) {
+    if (last == block) return;  // copies side by side tell nothing more
+    const bool isContested = last && LowIdOf(*last) == LowIdOf(block);
+    if (!isContested) keepIfAlone();
+    if (isContested && isAlone) contested.Add(*last);
+    if (isContested) contested.Add(block);
+    isAlone = !isContested;
+    last = block;
+  });
+  keepIfAlone();
+  if (contested.empty()) return;
+
+  PlacedBlocks best = BestOf(contested, ProveBlocks(source, layout, run, contested));
+  contested = {};
+  sorter_.TakeSorted(std::move(blocks_));
+  sorter_.TakeSorted(std::move(best));
+  blocks_ = sorter_.Merge();
 }
 
 std::optional<BlockRecord> BlockIndex::Find(std::uint32_t low) const {
-  const auto found = std::lower_bound(sorted_.begin(), sorted_.end(), PackedBlock({low, 0, 0}), Lower);
-  if (found == sorted_.end() || found->LowId() != low) return std::nullopt;
-  return RecordOf(found->Block());
+  const auto number = blocks_.NumberOf(low);
+  return number ? std::optional(RecordOf(blocks_[*number])) : std::nullopt;
 }
 
 std::optional<PlacedBlock> BlockIndex::FindExact(Bid bid) const {
-  const auto entries = EntriesOf(LowBid(bid));
-  if (entries.empty()) return std::nullopt;
-  if (entries.front().Id() == Value(bid)) return entries.front().Block();
-  const auto others = entries.subspan(1);
-  const auto found = std::ranges::lower_bound(others, Value(bid), {}, &PackedBlock::Id);
-  if (found == others.end() || found->Id() != Value(bid)) return std::nullopt;
-  return found->Block();
+  const std::uint64_t low = LowBid(bid);
+  const auto leader = blocks_.NumberOf(low);
+  if (!leader) return std::nullopt;
+  if (blocks_[*leader].bid == bid) return blocks_[*leader];
+  const auto others = std::views::iota(*leader + 1, blocks_.FirstFrom(low + 1));
+  const auto found = std::ranges::lower_bound(others, bid, {}, [this](std::size_t i) { return blocks_[i].bid; });
+  if (found == others.end() || blocks_[*found].bid != bid) return std::nullopt;
+  return blocks_[*found];
+}
+
+std::size_t BlockIndex::Memory() const {
+  return pending_.capacity() * sizeof(PlacedBlock) + sorter_.Memory() + blocks_.Memory();
 }
 
 }  // namespace velmora::engine

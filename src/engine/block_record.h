@@ -26,30 +26,6 @@ struct PlacedBlock {
   friend bool operator==(const PlacedBlock&, const PlacedBlock&) = default;
 };
 
-/// The same in 16 bytes, as the index keeps it.
-class PackedBlock {
- public:
-  PackedBlock() = default;
-  explicit PackedBlock(const PlacedBlock& block)
-      : bid_(Value(block.bid)), offsetAndSize_(block.offset << kSizeBits | (block.size & 0xFFFF)) {}
-
-  /// Offsets are below the size of a file, or up to 64 KiB below 0 where a trailer tells so; the sign gives these back.
-  PlacedBlock Block() const {
-    const auto offset = static_cast<std::int64_t>(offsetAndSize_) >> kSizeBits;
-    return {bid_, static_cast<std::uint16_t>(offsetAndSize_), static_cast<std::uint64_t>(offset)};
-  }
-  std::uint64_t Id() const { return bid_; }
-  std::uint32_t LowId() const { return static_cast<std::uint32_t>(bid_); }
-
-  friend bool operator==(const PackedBlock&, const PackedBlock&) = default;
-
- private:
-  static constexpr int kSizeBits = 16;
-  std::uint64_t bid_ = 0;
-  std::uint64_t offsetAndSize_ = 0;
-};
-static_assert(sizeof(PackedBlock) == 16);
-
 /// In the index file a record is 16 bytes: bid, size (u32 each), offset (u64), little-endian.
 struct BlockRecord {
   std::uint32_t bid = 0;     ///< low 32 bits of the block id
