@@ -1,5 +1,6 @@
 #include "engine/block_index.h"
 
+#include <algorithm>
 #include <map>
 #include <random>
 
@@ -74,6 +75,123 @@ TEST_F(BlockIndexTest, ManyRecordsAnswerAsASearchThroughThemInOrderWould) {
   Build(records);
   for (const auto& [bid, record] : expected) ASSERT_EQ(Find(bid), record);
   EXPECT_FALSE(Find(100'001));
+}
+
+/// What nothing proves: the first record of each low half and of each whole id counts.
+class ManyRecordsTest : public BlockIndexTest {
+ protected:
+  ManyRecordsTest() { Attach({}); }
+
+  void Settle(std::span<const PlacedBlock> blocks) {
+    index_.Add(blocks);
+    index_.Settle(Found().source, Found().layout, run_);
+  }
+
+  /// Asks for each, and for what lies beside.
+  void ExpectAsSearchedThrough(const std::vector<PlacedBlock>& blocks) const {
+    constexpr std::uint64_t kHigh = std::uint64_t{1} << 32;
+    std::map<std::uint32_t, PlacedBlock> byLow;
+    std::map<std::uint64_t, PlacedBlock> byId;
+    for (const PlacedBlock& block : blocks) {
+      byLow.emplace(LowBid(block.bid), block);
+      byId.emplace(Value(block.bid), block);
+    }
+    for (const PlacedBlock& block : blocks) {
+      const std::uint64_t id = Value(block.bid);
+      for (const std::uint64_t asked : {id, id - 1, id + 1, id + kHigh, id - kHigh}) {
+        const auto ofLow = byLow.find(static_cast<std::uint32_t>(asked));
+        const auto ofId = byId.find(asked);
+        const auto found = index_.Find(static_cast<std::uint32_t>(asked));
+        ASSERT_EQ(found, ofLow == byLow.end() ? std::nullopt : std::optional(RecordOf(ofLow->second))) << asked;
+        const auto exact = index_.FindExact(Bid{asked});
+        ASSERT_EQ(exact, ofId == byId.end() ? std::nullopt : std::optional(ofId->second)) << asked;
+      }
+    }
+  }
+
+  BlockIndex index_;
+};
+
+TEST_F(ManyRecordsTest, InAnyOrderWithAnyHighHalvesTheyAreFoundAsTheyCame) {
+  std::mt19937 random(11);
+  std::vector<PlacedBlock> blocks;
+  for (std::uint64_t i = 0; i < 100'000; ++i) {
+    const std::uint64_t high = i % 10 == 0 ? random() % 4 : 0;
+    const std::uint64_t low = i % 4 == 0 ? random() % 50'000 : 4 * i;
+    blocks.emplace_back(high << 32 | low, static_cast<std::uint32_t>(1 + i % 8176), i * 64);
+  }
+  std::ranges::shuffle(blocks, random);
+  Settle(blocks);
+  ExpectAsSearchedThrough(blocks);
+}
+
+TEST_F(ManyRecordsTest, TheHighHalfOfALoneIdIsKept) {
+  std::vector<PlacedBlock> blocks;
+  for (std::uint64_t i = 0; i < 300; ++i) blocks.emplace_back((i % 7 == 0 ? ~i << 32 : 0) | (4 * i), 1, 64 * i);
+  Settle(blocks);
+  ExpectAsSearchedThrough(blocks);
+}
+
+TEST_F(ManyRecordsTest, EachWholeIdOfALowHalfIsFoundHoweverManyThereAre) {
+  std::mt19937 random(11);
+  for (const std::uint64_t count : {2u, 3u, 127u, 128u, 129u, 130u, 257u, 700u, 20'000u}) {
+    std::vector<PlacedBlock> blocks{{4, 1, 64}, {0xFFFFFFFF, 1, 128}, {0, 1, 192}};
+    for (std::uint64_t i = 0; i < count; ++i) {
+      for (const std::uint64_t low : {8ull, 0xFFFFFFFFull}) {
+        blocks.emplace_back(2 * i << 32 | low, 1 + static_cast<std::uint32_t>(i % 100), 1024 + 64 * i);
+      }
+    }
+    std::ranges::shuffle(blocks, random);
+    index_ = {};
+    Settle(blocks);
+    ExpectAsSearchedThrough(blocks);
+  }
+}
+
+TEST_F(ManyRecordsTest, OffsetsBelowZeroComeBackAsTheyWere) {
+  std::vector<PlacedBlock> blocks;
+  for (std::uint64_t i = 0; i < 1000; ++i) blocks.emplace_back(4 * i, 1, (i % 90 == 0 ? -16 * (i + 1) : 64 * i));
+  for (std::uint64_t i = 0; i < 300; ++i) blocks.emplace_back(8000 + 4 * i, 0xFFFF, -16 * (i + 1));
+  Settle(blocks);
+  ExpectAsSearchedThrough(blocks);
+}
+
+// As many between them as make a piece of their own.
+TEST_F(ManyRecordsTest, CopiesSideBySideAreOneRecordHoweverFarApartTheyCome) {
+  std::vector<PlacedBlock> blocks;
+  for (int round = 0; round < 3; ++round) {
+    for (std::uint64_t i = 0; i < 40'000; ++i) blocks.emplace_back(4 * i, 20, 64 * i);
+  }
+  auto disk = std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(std::vector<std::byte>(1 << 20)),
+                                        std::vector<BadPlace>{});
+  const BadDisk& observed = *disk;
+  Found().source.Open(std::move(disk));
+  Settle(blocks);
+  EXPECT_EQ(observed.bytesRead, 0u) << "a lone record needs no proof";
+  EXPECT_LE(index_.Memory(), 40'000u * 6);
+  blocks.emplace_back(4, 20, 64 * 40'000);
+  index_ = {};
+  Settle(blocks);
+  EXPECT_NE(observed.bytesRead, 0u);
+  EXPECT_EQ(index_.Find(4), (BlockRecord{4, 20, 64}));
+}
+
+TEST_F(ManyRecordsTest, SixBytesARecordAreEnoughAllAlong) {
+  constexpr std::uint64_t kCount = 300'000;
+  constexpr std::size_t kOfAPiece = 32'768 * sizeof(PlacedBlock);
+  std::uint64_t offset = 0x4600;
+  std::vector<PlacedBlock> some;
+  for (std::uint64_t i = 1; i <= kCount; ++i) {
+    const auto size = static_cast<std::uint32_t>(1 + i * 7 % 8176);
+    some.emplace_back(4 * i, size, offset);
+    offset += (size + 16 + 63) / 64 * 64;
+    if (i % 3000 != 0) continue;
+    index_.Add(some);
+    some.clear();
+    ASSERT_LE(index_.Memory(), 6 * i + kOfAPiece + 10'000);
+  }
+  index_.Settle(Found().source, Found().layout, run_);
+  EXPECT_LE(index_.Memory(), 6 * kCount);
 }
 
 /// Which part of a block's trailer is wrong.
@@ -212,6 +330,31 @@ TEST_P(EveryFormatBlockIndexTest, WhereBlocksOverlapNoMoreBytesAreSummedThanTheS
   all = records;
   all.push_back(whole);
   EXPECT_EQ(Winner(all), records[0]) << "and 288,000 are more";
+}
+
+// A trailer has room for the whole id in two formats of three, but proves the low half alone.
+TEST_P(EveryFormatBlockIndexTest, OfEachWholeIdTheBlockCountsThatProvesItselfBest) {
+  constexpr std::uint64_t kHigh = 5ull << 32;
+  const BlockRecord leader = Place();
+  const BlockRecord damaged = Place(Flaw::kChecksum);
+  const BlockRecord whole = Place();
+  const BlockRecord later = Place();
+  const auto placed = [](std::uint64_t high, const BlockRecord& record) {
+    return PlacedBlock(high | record.bid, record.size, record.offset);
+  };
+  const PlacedBlock chance(kHigh | kId, 300, 0x5000);
+  Attach(canvas_.bytes, GetParam());
+  const std::vector<PlacedBlock> blocks{
+      placed(2 * kHigh, damaged), chance,          placed(kHigh, damaged), placed(0, leader), placed(kHigh, whole),
+      placed(kHigh, later),       {kId + 4, 1, 64}};
+  Found().index.Add(blocks);
+  Found().index.Settle(Found().source, Found().layout, run_);
+  EXPECT_EQ(Find(kId), leader);
+  EXPECT_EQ(Found().index.FindExact(Bid{kId}), blocks[3]);
+  EXPECT_EQ(Found().index.FindExact(Bid{kHigh | kId}), blocks[4]);
+  EXPECT_EQ(Found().index.FindExact(Bid{2 * kHigh | kId}), blocks[0]);
+  EXPECT_FALSE(Found().index.FindExact(Bid{3 * kHigh | kId}));
+  EXPECT_EQ(Find(kId + 4), (BlockRecord{kId + 4, 1, 64}));
 }
 
 TEST_P(EveryFormatBlockIndexTest, AStopLeavesTheProving) {
