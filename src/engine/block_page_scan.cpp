@@ -313,7 +313,7 @@ void ScanBlockPages(StoreScan& scan, RunContext& run) {
   const std::uint32_t read = found.layout.formatId == FORMAT_UNICODE_4K ? 16384 : 4096;
   WalkPages(scan, run, window, {.read = read, .step = kBlockScanStep, .reach = kReach}, Phase::kBlockScan,
             scan.blockSteps, pages);
-  scan.blockSteps = {};
+  scan.blockSteps = StepMarks();  // with `{}` it would keep its memory
   if (run.runEnded) return;
   if (run.smartScan) scan.referencedIds.Clear();
 

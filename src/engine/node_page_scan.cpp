@@ -104,12 +104,12 @@ void ScanNodePages(StoreScan& scan, RunContext& run) {
 
   ScannedStore& found = *scan.found;
   found.nodes = {};
-  scan.blockSteps = {};
+  scan.blockSteps.clear();
   ReadPieces(scan, run);
   if (run.runEnded) return;
 
   // What could not be read may be readable when the blocks are looked for.
-  if (!found.source.Unread().Ranges().empty()) scan.blockSteps = {};
+  if (!found.source.Unread().Ranges().empty()) scan.blockSteps.clear();
   found.nodes.Settle();
   if (run.smartScan) {
     scan.referencedIds.Build(found.nodes);

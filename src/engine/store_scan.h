@@ -30,7 +30,8 @@ class ReferencedIds {
   /// True for id 0 and for every id of the table.
   bool IsReferencedId(std::uint32_t id) const { return id == 0 || std::ranges::binary_search(ids_, id); }
 
-  void Clear() { ids_ = {}; }
+  /// Gives the memory back, which `{}` would not.
+  void Clear() { ids_ = std::vector<std::uint32_t>(); }
 
  private:
   std::vector<std::uint32_t> ids_;  ///< sorted

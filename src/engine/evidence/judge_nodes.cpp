@@ -36,7 +36,7 @@ class NodeJudge {
       Settle({at, end});
       at = end;
     }
-    claims_ = {};
+    claims_ = std::vector<NodeClaim>();  // with `{}` it would keep its memory
     if (judgement_.nodesAreExact) {
       MarkLive();
     } else {
