@@ -156,6 +156,23 @@ TEST_F(ManyRecordsTest, OffsetsBelowZeroComeBackAsTheyWere) {
   ExpectAsSearchedThrough(blocks);
 }
 
+TEST_F(ManyRecordsTest, RecordsOfOnePlaceAreNoCopiesIfTheirIdsOrSizesAreOthers) {
+  const std::vector<PlacedBlock> blocks{{8, 20, 64}, {1ull << 32 | 8, 20, 64}, {8, 20, 64}, {2ull << 32 | 8, 30, 64}};
+  Settle(blocks);
+  ExpectAsSearchedThrough(blocks);
+}
+
+TEST_F(ManyRecordsTest, OfEachIdOneRecordIsKept) {
+  std::vector<PlacedBlock> blocks;
+  for (std::uint64_t i = 0; i < 100'000; ++i) {
+    const std::uint64_t id = i % 5'000;
+    blocks.emplace_back(id % 2 << 32 | (id / 2 * 4), 100, 64 * i);
+  }
+  Settle(blocks);
+  ExpectAsSearchedThrough({blocks.begin(), blocks.begin() + 5'000});
+  EXPECT_LE(index_.Memory(), 5'000u * 5);
+}
+
 // As many between them as make a piece of their own.
 TEST_F(ManyRecordsTest, CopiesSideBySideAreOneRecordHoweverFarApartTheyCome) {
   std::vector<PlacedBlock> blocks;
@@ -261,6 +278,16 @@ TEST_P(EveryFormatBlockIndexTest, WithoutAWholeOneTheFirstBlockOfIdAndSignatureW
   EXPECT_EQ(Winner({noId, noSignature, chance}), noId) << "none has both";
 }
 
+TEST_P(EveryFormatBlockIndexTest, OfRecordsOfOnePlaceTheOneWithTheRightSizeWins) {
+  const BlockRecord whole = Place();
+  BlockRecord shorter = whole;
+  shorter.size -= 1;
+  BlockRecord longer = whole;
+  longer.size += 1;
+  EXPECT_EQ(Winner({shorter, longer, whole}), whole);
+  EXPECT_EQ(Winner({longer, whole, shorter}), whole);
+}
+
 TEST_P(EveryFormatBlockIndexTest, TheTrailerEndsTheRoundedBlockWhateverItsSize) {
   // The trailer just fits behind the data of its round, or just does not.
   for (std::uint16_t size = 480; size < 530; ++size) {
@@ -275,6 +302,7 @@ TEST_P(EveryFormatBlockIndexTest, ABlockThatTheSourceDoesNotHaveToItsEndIsNotWho
   canvas_.bytes.resize(cut.offset + 300);
   EXPECT_EQ(Winner({cut, whole}), whole);
   EXPECT_EQ(Winner({{kId, 300, 0xFFFFFFFFFFFFFFF0}, whole}), whole) << "nor one that would begin ahead of it";
+  EXPECT_EQ(Winner({{kId, 300, (1ull << 32) + whole.offset - 64}, whole}), whole) << "nor one 4 GiB farther on";
 }
 
 TEST_P(EveryFormatBlockIndexTest, ABlockOnABadPlaceIsNotWholeAndTakesNoOtherWithIt) {
@@ -344,17 +372,33 @@ TEST_P(EveryFormatBlockIndexTest, OfEachWholeIdTheBlockCountsThatProvesItselfBes
   };
   const PlacedBlock chance(kHigh | kId, 300, 0x5000);
   Attach(canvas_.bytes, GetParam());
-  const std::vector<PlacedBlock> blocks{
-      placed(2 * kHigh, damaged), chance,          placed(kHigh, damaged), placed(0, leader), placed(kHigh, whole),
-      placed(kHigh, later),       {kId + 4, 1, 64}};
+  const std::vector<PlacedBlock> blocks{placed(2 * kHigh, damaged), chance,
+                                        placed(kHigh, damaged),     placed(0, leader),
+                                        placed(kHigh, whole),       placed(kHigh, later),
+                                        {kId + 4, 1, 64},           {3 * kHigh | kId, 300, 0x5000},
+                                        placed(3 * kHigh, whole)};
   Found().index.Add(blocks);
   Found().index.Settle(Found().source, Found().layout, run_);
   EXPECT_EQ(Find(kId), leader);
   EXPECT_EQ(Found().index.FindExact(Bid{kId}), blocks[3]);
   EXPECT_EQ(Found().index.FindExact(Bid{kHigh | kId}), blocks[4]);
   EXPECT_EQ(Found().index.FindExact(Bid{2 * kHigh | kId}), blocks[0]);
-  EXPECT_FALSE(Found().index.FindExact(Bid{3 * kHigh | kId}));
+  EXPECT_EQ(Found().index.FindExact(Bid{3 * kHigh | kId}), blocks.back()) << "it proves itself under either id";
+  EXPECT_FALSE(Found().index.FindExact(Bid{4 * kHigh | kId}));
   EXPECT_EQ(Find(kId + 4), (BlockRecord{kId + 4, 1, 64}));
+}
+
+TEST_P(EveryFormatBlockIndexTest, CopiesWithOthersInBetweenAreSummedOnce) {
+  const BlockRecord damaged = Place(Flaw::kChecksum, 8000);
+  next_ += 8192;
+  const BlockRecord whole = Place(Flaw::kNone, 8000);
+  std::vector<BlockRecord> records;
+  while (records.size() * 4000 < canvas_.bytes.size() * 2) {
+    records.push_back(damaged);
+    records.push_back({kId, 300, 0x5000});
+  }
+  records.push_back(whole);
+  EXPECT_EQ(Winner(records), whole);
 }
 
 TEST_P(EveryFormatBlockIndexTest, AStopLeavesTheProving) {
