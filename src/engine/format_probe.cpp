@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "engine/page_walk.h"
+#include "engine/pieces_ahead.h"
 #include "engine/source_window.h"
 #include "engine/steps.h"
 #include "store/format/header.h"
@@ -13,9 +14,8 @@ using generations::kAnsi;
 using generations::kUnicode;
 using generations::kUnicode4k;
 
-constexpr std::uint64_t kProbeStep = 4096;  ///< positions examined by one look
-constexpr std::size_t kLook =
-    2 * kProbeStep;  ///< read, so that a 4K page's trailer lies in the buffer at every position
+constexpr std::uint64_t kProbeStep = 4096;     ///< positions examined by one look
+constexpr std::size_t kLook = 2 * kProbeStep;  ///< so that a 4K page's trailer lies in the buffer at every position
 constexpr std::uint64_t kSmallPage = kAnsi.pageSize;
 
 /// Is this the word in which a page of one of the trees tells its type?
@@ -67,6 +67,44 @@ std::optional<FormatId> FormatOfWindow(std::uint64_t offset, ByteView bytes) {
   return found;
 }
 
+/// What a piece of the source tells.
+struct PieceTells {
+  std::optional<FormatId> format;
+  std::uint64_t steps = 0;  ///< that tell nothing, ahead of the one that tells the format
+};
+
+/// The last step of a piece reaches into the next, which has it in its lead.
+PieceTells LookAtPiece(const Piece& piece, std::uint64_t sourceSize) {
+  PieceTells tells;
+  const std::uint64_t end = piece.end == sourceSize ? sourceSize : piece.end - kProbeStep;
+  for (std::uint64_t offset = piece.base; offset < end; offset += kProbeStep) {
+    tells.format = FormatOfWindow(offset, piece.bytes.Slice(offset - piece.base, kLook));
+    if (tells.format) break;
+    ++tells.steps;
+  }
+  return tells;
+}
+
+/// By the first page that tells; ends early once `runEnded` is raised.
+std::optional<FormatId> FormatOfPages(StoreScan& scan, RunContext& run) {
+  const Source& source = scan.found->source;
+  std::uint64_t offset = FirstPage(kAnsi);
+  const auto report = [&](std::uint64_t steps) {
+    for (; steps > 0; --steps) run.SayProgress(scan.PercentOfSource(offset += kProbeStep), Phase::kProbe);
+  };
+  const PieceCut cut{.first = offset, .size = SourceWindow::kWindowBytes, .lead = kProbeStep};
+  const auto look = [size = source.Size()](const Piece& piece) { return LookAtPiece(piece, size); };
+  for (PiecesAhead<PieceTells> pieces(source, cut, look, *run.workers); !pieces.IsEmpty(); pieces.Pop()) {
+    if (run.runEnded) return std::nullopt;
+    run.control.PausePoint();
+    pieces.Await();
+    report(pieces.FrontShown().steps);
+    if (const auto format = pieces.FrontShown().format) return format;
+  }
+  report(1);  // the step behind the end
+  return std::nullopt;
+}
+
 /// The last resort: root offsets of the header that have the shape of a page's place.
 std::optional<FormatId> FormatOfHeader(ByteView header) {
   const auto isPlace = [&](std::uint64_t at) { return header.U32(at) != 0 && header.U8(at) == 0; };
@@ -88,19 +126,8 @@ ProbeResult ProbeFormat(StoreScan& scan, RunContext& run) {
   found.storeKind = KindOf(window.Peek(0, kSmallPage).U16(kWMagicClient));
   if (found.storeKind != StoreKind::kPst && found.storeKind != StoreKind::kOst) return ProbeResult::kRefused;
 
-  std::optional<FormatId> format;
-  std::uint64_t offset = FirstPage(kAnsi);
-  for (bool more = true; more && !format;) {
-    if (run.runEnded) return ProbeResult::kFound;
-    run.control.PausePoint();
-    const ByteView bytes = window.Read(offset, kLook);
-    format = FormatOfWindow(offset, bytes);
-    if (format) break;
-    offset += kProbeStep;
-    run.SayProgress(scan.PercentOfSource(offset), Phase::kProbe);
-    more = !bytes.Empty();
-  }
-
+  auto format = FormatOfPages(scan, run);
+  if (run.runEnded) return ProbeResult::kFound;
   if (!format) format = FormatOfHeader(window.Peek(0, 528));
   if (!format) return ProbeResult::kRefused;
   run.Log(u"\r\n\r\n");

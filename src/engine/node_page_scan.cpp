@@ -12,7 +12,6 @@ namespace {
 /// Of the upper levels of wide trees; asked for in ANSI stores as well, whose own are smaller.
 constexpr std::uint8_t kUpperEntrySize = generations::kUnicode.blockEntrySize;
 constexpr std::uint32_t kIdBound = 0xFFFFFF;
-constexpr std::uint64_t kPiece = std::uint64_t{1} << 20;  ///< of the source, looked at by one thread
 
 /// A page with the exact entry size is taken even unproven; one of an upper level's size only if its
 /// signature holds. Neither its level nor the number of its entries decides.
@@ -82,7 +81,7 @@ void ReadPieces(StoreScan& scan, RunContext& run) {
   const auto look = [&layout = found.layout, forBlocks = !run.smartScan](const Piece& piece) {
     return LookAtPiece(layout, piece, forBlocks);
   };
-  const PieceCut cut{.first = FirstPage(found.layout), .size = kPiece, .lead = kLeadOfBlockStep};
+  const PieceCut cut{.first = FirstPage(found.layout), .size = SourceWindow::kWindowBytes, .lead = kLeadOfBlockStep};
   for (PiecesAhead<PieceShown> pieces(found.source, cut, look, *run.workers); !pieces.IsEmpty() && !run.runEnded;
        pieces.Pop()) {
     run.control.PausePoint();

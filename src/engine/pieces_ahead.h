@@ -2,12 +2,11 @@
 #pragma once
 
 #include <algorithm>
-#include <condition_variable>
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "engine/source.h"
@@ -32,35 +31,10 @@ struct Piece {
   ByteView bytes;  ///< from `base` to `end`; what of it cannot be read is zeros
 };
 
-/// Lets pieces be read one after the other, in their order: how far a bad stretch is passed over depends on what was
-/// read ahead of it. All numbers must come.
-class ReadTurns {
- public:
-  template <class Read>
-  void Take(std::uint64_t number, Read read) {
-    std::unique_lock lock(mutex_);
-    passed_.wait(lock, [&] { return next_ == number; });
-    const Pass pass(*this);
-    read();
-  }
-
- private:
-  struct Pass {
-    explicit Pass(ReadTurns& turns) : turns_(turns) {}
-    ~Pass() {
-      ++turns_.next_;
-      turns_.passed_.notify_all();
-    }
-    ReadTurns& turns_;
-  };
-
-  std::mutex mutex_;
-  std::condition_variable passed_;
-  std::uint64_t next_ = 0;
-};
-
 /// `Shown` is what a look at a piece gives; the look sees nothing but its piece, so the same is shown for any number of
-/// threads.
+/// threads. How far a bad stretch is passed over depends on what was read ahead of it, so pieces that have one are read
+/// anew, in their order, by the thread that takes them; and once there was one, nothing is read ahead any more: a
+/// failing disk takes seconds to say so.
 template <class Shown>
 class PiecesAhead {
  public:
@@ -73,17 +47,21 @@ class PiecesAhead {
     while (pieces_.size() < ahead && HasNext()) Start(std::make_unique<AheadPiece>(source));
   }
 
-  /// The last first: a piece that was begun waits for the turns of those ahead of it.
-  ~PiecesAhead() {
-    while (!pieces_.empty()) pieces_.pop_back();
-  }
   PiecesAhead(const PiecesAhead&) = delete;
   PiecesAhead& operator=(const PiecesAhead&) = delete;
 
   bool IsEmpty() const { return pieces_.empty(); }
 
   /// Returns when the front was looked at; works on others meanwhile.
-  void Await() { pieces_.front()->work->WorkUntilDone(); }
+  void Await() {
+    AheadPiece& front = *pieces_.front();
+    front.work->WorkUntilDone();
+    Piece& piece = front.piece;
+    if (front.isRead && !source_.IsBadWithin(piece.base, piece.end)) return;
+    piece.bytes = front.window.ReadAnew(piece.base, piece.end - piece.base);
+    front.shown = look_(piece);
+    front.isRead = true;
+  }
 
   /// The front, and what it shows; they live until Pop.
   const Piece& Front() const { return pieces_.front()->piece; }
@@ -106,6 +84,7 @@ class PiecesAhead {
 
     SourceWindow window;
     Piece piece;
+    bool isRead = false;  ///< and looked at
     Shown shown;
     std::unique_ptr<platform::Workers::Step> work;  ///< goes first
   };
@@ -113,15 +92,25 @@ class PiecesAhead {
   bool HasNext() const { return cut_.first + next_ * cut_.size < source_.Size(); }
 
   void Start(std::unique_ptr<AheadPiece> ahead) {
-    const std::uint64_t number = next_++;
-    const std::uint64_t begin = cut_.first + number * cut_.size;
+    const std::uint64_t begin = cut_.first + next_++ * cut_.size;
     const std::uint64_t base = begin - std::min(begin - cut_.first, cut_.lead);
     ahead->piece = {base, begin, std::min(begin + cut_.size, source_.Size()), {}};
-    ahead->work = workers_.Start([this, number, &window = ahead->window, &piece = ahead->piece, &shown = ahead->shown] {
-      turns_.Take(number, [&] { piece.bytes = window.Read(piece.base, piece.begin - piece.base + cut_.size); });
-      shown = look_(piece);
-    });
+    ahead->isRead = false;
+    ahead->work = workers_.Start([this, ahead = ahead.get()] { LookAhead(*ahead); });
     pieces_.push_back(std::move(ahead));
+  }
+
+  void LookAhead(AheadPiece& ahead) {
+    Piece& piece = ahead.piece;
+    if (isFailing_ || source_.IsBadWithin(piece.base, piece.end)) return;
+    const auto bytes = ahead.window.ReadIfSound(piece.base, piece.end - piece.base);
+    if (!bytes) {
+      isFailing_ = true;
+      return;
+    }
+    piece.bytes = *bytes;
+    ahead.shown = look_(piece);
+    ahead.isRead = true;
   }
 
   const Source& source_;
@@ -129,7 +118,7 @@ class PiecesAhead {
   const Look look_;
   platform::Workers& workers_;
   std::uint64_t next_ = 0;
-  ReadTurns turns_;
+  std::atomic<bool> isFailing_ = false;
   std::deque<std::unique_ptr<AheadPiece>> pieces_;
 };
 

@@ -95,6 +95,18 @@ std::size_t Source::ReadAround(std::uint64_t offset, std::span<std::byte> out) c
   return out.size();
 }
 
+std::optional<std::size_t> Source::ReadIfSound(std::uint64_t offset, std::span<std::byte> out) const {
+  if (!IsOffset(offset) || bytes_ == nullptr) return std::nullopt;
+  const auto delivered = ReadBytes(offset, out.first(Available(Size(), offset, out.size())));
+  return delivered ? std::optional(*delivered) : std::nullopt;
+}
+
+bool Source::IsBadWithin(std::uint64_t begin, std::uint64_t end) const {
+  const std::lock_guard lock(mutex_);
+  const auto bad = unread_.EndingBehind(begin);
+  return bad && bad->first < end;
+}
+
 /// What the file has lost since it was opened is a failure too.
 platform::Result<std::size_t> Source::ReadBytes(std::uint64_t offset, std::span<std::byte> out) const {
   auto delivered = bytes_->ReadAt(offset, out);

@@ -65,6 +65,13 @@ class Source {
   /// how many bytes the source has there, those that cannot be read among them.
   std::size_t ReadAround(std::uint64_t offset, std::span<std::byte> out) const;
 
+  /// Reads into `out` and returns how many bytes there were, nothing where some could not be read; this is not kept, so
+  /// it is for bytes that are read ahead of their turn.
+  std::optional<std::size_t> ReadIfSound(std::uint64_t offset, std::span<std::byte> out) const;
+
+  /// Is anything from one offset to before the other known to be bad?
+  bool IsBadWithin(std::uint64_t begin, std::uint64_t end) const;
+
   /// The first read that failed.
   std::optional<platform::Failure> FirstFailure() const;
   BadRanges Unread() const;

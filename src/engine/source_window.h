@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -20,8 +21,8 @@ class SourceWindow {
   explicit SourceWindow(const Source& source) : source_(source) {}
 
   /// `length` bytes from `offset`, cut at the end of the source, so the view's size is what the source
-  /// delivers. Moves the window to `offset` unless it holds the range, and has it hold `atOnce` bytes then, or the range
-  /// if that is longer. The view lives until the next call.
+  /// delivers. Moves the window to `offset` unless it holds the range, and has it hold `atOnce` bytes then, or the
+  /// range if that is longer. The view lives until the next call.
   ByteView Read(std::uint64_t offset, std::size_t length, std::size_t atOnce = kWindowBytes) {
     if (!Holds(offset, length)) Load(offset, std::max(length, atOnce));
     return ByteView(bytes_).Slice(offset - base_, length);
@@ -32,6 +33,15 @@ class SourceWindow {
   ByteView Peek(std::uint64_t offset, std::size_t length) {
     return Holds(offset, length) ? ByteView(bytes_).Slice(offset - base_, length) : ReadPiece(offset, length);
   }
+
+  /// Moves the window to the range, whatever it holds, and shows it.
+  ByteView ReadAnew(std::uint64_t offset, std::size_t length) {
+    Load(offset, length);
+    return ByteView(bytes_);
+  }
+
+  /// The same; nothing, and the window is of no use, where some of it cannot be read, of which no note is taken.
+  std::optional<ByteView> ReadIfSound(std::uint64_t offset, std::size_t length);
 
   /// What the window holds, and the file offset of its first byte.
   std::span<const std::byte> Bytes() const { return bytes_; }
@@ -44,6 +54,8 @@ class SourceWindow {
     return atEnd_ || (start <= bytes_.size() && bytes_.size() - start >= length);
   }
   void Load(std::uint64_t offset, std::size_t length);
+  std::span<std::byte> Room(std::size_t length);
+  void Hold(std::uint64_t offset, std::span<const std::byte> room, std::size_t filled);
   ByteView ReadPiece(std::uint64_t offset, std::size_t length);
 
   const Source& source_;

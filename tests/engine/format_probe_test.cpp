@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engine/run_fixture.h"
 #include "engine/steps.h"
 
@@ -20,6 +22,16 @@ class FormatProbeTest : public RunTest {
   /// A page trailer of the ANSI or Unicode form that proves itself.
   void Proven(std::uint64_t offset, forge::Format format) {
     canvas_.Page(format, offset, {.type = forge::PageType::kBlocks});
+  }
+
+  /// What is said of so many steps without a page: each percentage once.
+  std::vector<std::uint32_t> PercentagesOf(std::uint64_t steps) const {
+    std::vector<std::uint32_t> all;
+    for (std::uint64_t step = 1; step <= steps; ++step) {
+      all.push_back(static_cast<std::uint32_t>((kFirst + step * 4096) / (canvas_.bytes.size() / 100)));
+    }
+    all.erase(std::ranges::unique(all).begin(), all.end());
+    return all;
   }
 
   Canvas canvas_;
@@ -172,6 +184,26 @@ TEST_F(FormatProbeTest, TheWindowThatHoldsThePageIsNotReported) {
   Proven(kFirst + 4096, forge::Format::kUnicode);
   EXPECT_EQ(Probe(), ProbeResult::kFound);
   EXPECT_EQ(recorder_.Percentages(Phase::kProbe).size(), 1u);
+}
+
+TEST_F(FormatProbeTest, ALargeSourceIsLookedAtStepByStepToItsEnd) {
+  canvas_.Number(3 << 20, 0, 1);
+  EXPECT_EQ(Probe(), ProbeResult::kRefused);
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe), PercentagesOf(765));  // the last step lies behind the end
+}
+
+// As above, but what tells of the 4K trailer lies in the next piece of the source that is read.
+TEST_F(FormatProbeTest, APageIsKnownWhereverTheSourceIsCut) {
+  const std::uint32_t id = 0x55;
+  const std::uint64_t page = kFirst + (1 << 20) - 512;
+  canvas_.Number(page + 496, 0x8181, 2);
+  canvas_.Number(page + 4072, 0x8080, 2);
+  canvas_.Number(page + 4074, (page ^ id ^ (page ^ id) >> 16) & 0xFFFF, 2);
+  canvas_.Number(page + 4080, id, 4);
+  canvas_.Number(100 * (kFirst + 256 * 4096) / 32 - 1, 0, 1);  // one step more is one percent more
+  EXPECT_EQ(Probe(), ProbeResult::kFound);
+  EXPECT_EQ(Found().layout.formatId, FORMAT_UNICODE);
+  EXPECT_EQ(recorder_.Percentages(Phase::kProbe), PercentagesOf(255));
 }
 
 TEST_F(FormatProbeTest, ARunThatHasEndedIsLeftAlone) {

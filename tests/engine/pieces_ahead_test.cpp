@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -55,36 +56,92 @@ TEST_P(PiecesAheadTest, ASourceThatEndsAheadOfTheFirstHasNone) {
   EXPECT_TRUE(Pieces(source_, {.first = 100, .size = 4}, Told, workers_).IsEmpty());
 }
 
-/// Writes down where it is read; the first read takes its time.
-class SlowAtFirst : public platform::ByteSource {
+/// Writes down where reads of it begin; a read that meets its bad bytes fails, and takes its time.
+class SlowWhereBad : public platform::ByteSource {
  public:
-  explicit SlowAtFirst(std::uint64_t size) : size_(size) {}
-  std::uint64_t Size() const override { return size_; }
+  SlowWhereBad(forge::Bytes bytes, std::uint64_t badBegin, std::uint64_t badEnd)
+      : file_(std::move(bytes)), badBegin_(badBegin), badEnd_(badEnd) {}
+  std::uint64_t Size() const override { return file_.Size(); }
   platform::Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const override {
-    if (offset == 0) std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    const std::lock_guard lock(mutex_);
-    offsets.push_back(offset);
-    return out.size();
+    {
+      const std::lock_guard lock(mutex_);
+      offsets.push_back(offset);
+    }
+    if (isHealed || offset >= badEnd_ || offset + out.size() <= badBegin_) return file_.ReadAt(offset, out);
+    if (out.size() > kSector) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    return tl::unexpected(platform::Failure{platform::FailureKind::kInputOutput, "disk", offset, "bad"});
   }
 
+  static constexpr std::size_t kSector = 4096;
+  bool isHealed = false;
   mutable std::vector<std::uint64_t> offsets;
 
  private:
-  const std::uint64_t size_;
+  platform::MemoryFile file_;
+  std::uint64_t badBegin_;
+  std::uint64_t badEnd_;
   mutable std::mutex mutex_;
 };
 
-TEST_P(PiecesAheadTest, TheSourceIsReadInItsOrder) {
-  auto slow = std::make_unique<SlowAtFirst>(4 << 20);
-  const SlowAtFirst& observed = *slow;
-  source_.Open(std::move(slow));
-  std::size_t count = 0;
-  for (Pieces pieces(source_, {.size = 1 << 19}, Told, workers_); !pieces.IsEmpty(); pieces.Pop(), ++count) {
-    pieces.Await();
+TEST_P(PiecesAheadTest, NothingIsReadTwiceOrFarAheadOfWhatIsTaken) {
+  constexpr std::size_t kSize = 1 << 16;
+  constexpr std::size_t kMostAhead = 8;
+  auto disk = std::make_unique<SlowWhereBad>(forge::Noise(40 * kSize, 1), 0, 0);
+  const SlowWhereBad& observed = *disk;
+  source_.Open(std::move(disk));
+  for (Pieces pieces(source_, {.size = kSize}, Told, workers_); !pieces.IsEmpty(); pieces.Pop()) pieces.Await();
+  ASSERT_EQ(observed.offsets.size(), 40u);
+  for (std::size_t i = 0; i < observed.offsets.size(); ++i) {
+    EXPECT_LE(observed.offsets[i], (i + kMostAhead) * kSize);
+    EXPECT_GE(observed.offsets[i] + kMostAhead * kSize, i * kSize);
   }
-  EXPECT_EQ(count, 8u);
-  EXPECT_GE(observed.offsets.size(), 4u);
-  EXPECT_TRUE(std::ranges::is_sorted(observed.offsets));
+  EXPECT_EQ(std::set(observed.offsets.begin(), observed.offsets.end()).size(), 40u);
+}
+
+// The bad bytes lie ahead of the second piece's lead, but in one sector with it: it can be read, and is known as bad.
+TEST_P(PiecesAheadTest, WhatAPieceGaveUpIsZerosForTheNextHoweverManyJobsThereAre) {
+  constexpr std::uint64_t kSize = 1 << 18;
+  source_.Open(std::make_unique<SlowWhereBad>(forge::Noise(4 * kSize, 1), kSize - 3000, kSize - 2000));
+  std::vector<std::string> told;
+  Pieces pieces(source_, {.size = kSize, .lead = 1000}, Told, workers_);
+  pieces.Await();
+  pieces.Pop();
+  pieces.Await();
+  EXPECT_EQ(pieces.Front().bytes.Chars().substr(0, 1000), std::string(1000, '\0'));
+  EXPECT_EQ(pieces.FrontShown(), Told(pieces.Front()));
+  EXPECT_EQ(source_.Unread().Ranges(), (std::map<std::uint64_t, std::uint64_t>{{kSize - 4096, kSize}}));
+}
+
+TEST_P(PiecesAheadTest, WhatIsKnownToBeBadIsNotTriedAgain) {
+  constexpr std::uint64_t kSize = 1 << 16;
+  auto disk = std::make_unique<SlowWhereBad>(forge::Noise(8 * kSize, 1), 3 * kSize, 4 * kSize);
+  SlowWhereBad& observed = *disk;
+  source_.Open(std::move(disk));
+  std::vector<std::byte> all(8 * kSize);
+  ASSERT_EQ(source_.ReadAround(0, all), all.size());
+  observed.isHealed = true;
+  observed.offsets.clear();
+  std::vector<std::byte> again;
+  for (Pieces pieces(source_, {.size = kSize}, Told, workers_); !pieces.IsEmpty(); pieces.Pop()) {
+    pieces.Await();
+    const auto bytes = pieces.Front().bytes.Bytes();
+    again.insert(again.end(), bytes.begin(), bytes.end());
+  }
+  EXPECT_EQ(again, all);
+  EXPECT_EQ(std::ranges::count(observed.offsets, 3 * kSize), 0);
+}
+
+TEST_P(PiecesAheadTest, OnceSomethingIsBadNothingIsReadThatNobodyWaitsFor) {
+  auto disk = std::make_unique<SlowWhereBad>(forge::Noise(16 << 18, 1), 100'000, 100'001);
+  const SlowWhereBad& observed = *disk;
+  source_.Open(std::move(disk));
+  Pieces pieces(source_, {.size = 1 << 18}, Told, workers_);
+  pieces.Await();
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));  // for what was begun ahead of it
+  const std::size_t before = observed.offsets.size();
+  pieces.Pop();
+  std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  EXPECT_EQ(observed.offsets.size(), before);
 }
 
 TEST_P(PiecesAheadTest, OfABadStretchTheSameIsPassedOverForAnyNumberOfJobs) {

@@ -55,6 +55,22 @@ TEST(BadRangesTest, AReadThatMeetsAKnownStretchAddsNothing) {
   EXPECT_EQ(After({{4096, 4096}, {8191, 4096}}), (Ranges{{4096, 8192}})) << "its end";
 }
 
+TEST(SourceTest, KnowsWhetherAnythingBetweenTwoOffsetsIsBad) {
+  Source source;
+  source.Open(std::make_unique<BadDisk>(std::make_unique<platform::MemoryFile>(forge::Noise(20000, 1)),
+                                        std::vector<BadPlace>{{4096, 8192}}));
+  EXPECT_FALSE(source.IsBadWithin(0, 20000)) << "nobody has read it";
+  std::vector<std::byte> all(20000);
+  EXPECT_FALSE(source.ReadIfSound(0, all));
+  EXPECT_FALSE(source.IsBadWithin(0, 20000)) << "that is not kept";
+  EXPECT_EQ(source.ReadIfSound(8192, all), 20000u - 8192) << "up to the end";
+  source.ReadAround(0, all);
+  EXPECT_FALSE(source.IsBadWithin(0, 4096));
+  EXPECT_TRUE(source.IsBadWithin(0, 4097));
+  EXPECT_TRUE(source.IsBadWithin(8191, 8192));
+  EXPECT_FALSE(source.IsBadWithin(8192, 20000));
+}
+
 TEST(BadRangesTest, AReadOfNothingIsNone) { EXPECT_EQ(After({{4096, 0}}), Ranges{}); }
 
 TEST(BadRangesTest, InWhateverOrderTheSectorsOfADiskFailTheStretchesAreTheSame) {
