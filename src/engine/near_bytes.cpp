@@ -64,6 +64,10 @@ bool NearBytes::TakeAhead(std::uint64_t offset) const {
   Ahead& taken = ahead_[number];
   Ahead& other = ahead_[1 - number];
   if (!taken.IsFor(offset)) return false;
+  // Whoever has to wait for another thread reads the other one meanwhile.
+  if (other.reading != nullptr && taken.reading->Now() == platform::Workers::Step::State::kRunning) {
+    other.reading->Wait();
+  }
   taken.reading->Wait();
   taken.reading.reset();
   newest_ = (newest_ + 1) % windows_.size();

@@ -11,8 +11,8 @@ unsigned DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()
 
 Workers::Workers(unsigned jobs) {
 #ifdef M_ARENA_MAX
-  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in one
-  // for all they would wait for each other.
+  // Blocks that one thread reads another gives back: pools of each thread's own would keep tens of megabytes, and in
+  // one for all they would wait for each other.
   if (jobs > 1) ::mallopt(M_ARENA_MAX, 2);
 #endif
 #ifdef M_MMAP_THRESHOLD
@@ -100,6 +100,11 @@ void Workers::Step::WorkUntilDone() {
     while (state_ != State::kDone && !workers_.waiting_.empty()) workers_.DoFirst(lock);
   }
   Wait();
+}
+
+Workers::Step::State Workers::Step::Now() const {
+  const std::lock_guard lock(workers_.mutex_);
+  return state_;
 }
 
 Workers::Step::~Step() {

@@ -35,9 +35,13 @@ class Workers {
     /// wait.
     void WorkUntilDone();
 
+    enum class State { kWaiting, kRunning, kDone };
+
+    /// Another thread may have changed it by the time the caller looks at it: what waits may run, what runs be done.
+    State Now() const;
+
    private:
     friend class Workers;
-    enum class State { kWaiting, kRunning, kDone };
 
     void Run();
 

@@ -71,6 +71,26 @@ TEST(Workers, WithThreadsDoAStepWhileItsOwnerDoesSomethingElse) {
   step->Wait();
 }
 
+TEST(Workers, TellWhetherAStepWaitsRunsOrIsDone) {
+  using State = Workers::Step::State;
+  Workers workers(2);
+  std::promise<void> begun;
+  std::promise<void> release;
+  const auto first = workers.Start([&] {
+    begun.set_value();
+    release.get_future().wait();
+  });
+  const auto second = workers.Start([] {});
+  begun.get_future().wait();
+  EXPECT_EQ(first->Now(), State::kRunning);
+  EXPECT_EQ(second->Now(), State::kWaiting);
+  release.set_value();
+  first->Wait();
+  second->Wait();
+  EXPECT_EQ(first->Now(), State::kDone);
+  EXPECT_EQ(second->Now(), State::kDone);
+}
+
 TEST(Workers, AStepThatWaitsBehindOthersIsDoneByWhoeverWaitsForIt) {
   Workers workers(2);
   std::promise<void> release;

@@ -5,8 +5,12 @@
 namespace velmora::ndb {
 namespace {
 
-/// Bytes: as much as is gathered before it is written.
+/// Bytes that are taken at a time: as much as is gathered before it is written. More take so long that other writes
+/// have to wait.
 constexpr std::uint64_t kAhead = 4 * kAreaSize;
+
+/// Where so many are left the next are taken, early enough that nobody has to wait for them.
+constexpr std::uint64_t kLow = 2 * kAhead;
 
 }  // namespace
 
@@ -16,7 +20,8 @@ platform::Result<void> RoomAhead::Require(std::uint64_t size) {
     if (auto reserved = file_.Reserve(size); !reserved) return reserved;
     have_ = size;
   }
-  const bool isLow = have_ - size < kAhead / 2;
+  const bool isLow = have_ - size < kLow;
+  if (isLow && step_ != nullptr && step_->Now() == platform::Workers::Step::State::kDone) Await();
   if (workers_.Jobs() > 1 && isLow && !isNearlyFull_ && step_ == nullptr) {
     asked_ = have_ + kAhead;
     step_ = workers_.Start([this] { given_ = file_.Reserve(asked_); });
