@@ -47,10 +47,17 @@ PackedGroup::PackedGroup(std::span<const PackedFields, kBlocks> blocks)
   bits_ = std::make_unique<std::byte[]>(Bytes());
   std::size_t at = 0;
   for (const PackedFields& block : blocks) {
-    Put(bits_.get(), at, keyBits_, (block.key - firstKey_) >> keyShift_);
-    Put(bits_.get(), at, offsetBits_, (block.offset - leastOffset_) >> offsetShift_);
-    Put(bits_.get(), at, sizeBits_, block.size);
-    Put(bits_.get(), at, markBits_, block.marks);
+    const std::uint64_t key = (block.key - firstKey_) >> keyShift_;
+    const std::uint64_t offset = (block.offset - leastOffset_) >> offsetShift_;
+    if (blockBits_ <= kBitsOfWord) {  // nearly always
+      const std::uint64_t sizeAndMarks = block.marks << sizeBits_ | block.size;
+      Put(bits_.get(), at, blockBits_, (sizeAndMarks << offsetBits_ | offset) << keyBits_ | key);
+    } else {
+      Put(bits_.get(), at, keyBits_, key);
+      Put(bits_.get(), at, offsetBits_, offset);
+      Put(bits_.get(), at, sizeBits_, block.size);
+      Put(bits_.get(), at, markBits_, block.marks);
+    }
   }
 }
 
