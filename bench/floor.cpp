@@ -2,6 +2,9 @@
 // lists once, in the order of the file, checks, inflates and decodes it, and writes its content in blocks of a Unicode
 // store: encoded, summed, behind one another. Nothing is read but the header, the block tree and the blocks, and what
 // is written is no store. Prints what went through as one JSON object.
+//
+// With --by-bytes the permuting encoding takes byte after byte through its table, as a program does that has no vector
+// instructions for it.
 #include <libdeflate.h>
 
 #include <algorithm>
@@ -11,6 +14,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/file.h"
@@ -24,6 +28,32 @@ namespace {
 
 constexpr std::size_t kPiece = 1 << 20;  // of reading and of writing
 constexpr int kMostLevels = 8;
+
+/// How the bytes of blocks are encoded and decoded.
+class Codec {
+ public:
+  explicit Codec(bool byBytes) : byBytes_(byBytes) {
+    for (std::size_t i = 0; i < encoded_.size(); ++i) encoded_[i] = decoded_[i] = static_cast<std::byte>(i);
+    EncodeBlock(CryptMethod::kPermute, {}, encoded_, encoded_);
+    DecodeBlock(CryptMethod::kPermute, {}, decoded_);
+  }
+
+  void Encode(CryptMethod method, Bid bid, std::span<const std::byte> plain, std::span<std::byte> encoded) const {
+    if (!IsByBytes(method)) return EncodeBlock(method, bid, plain, encoded);
+    for (std::size_t i = 0; i < plain.size(); ++i) encoded[i] = encoded_[std::to_integer<std::size_t>(plain[i])];
+  }
+  void Decode(CryptMethod method, Bid bid, std::span<std::byte> bytes) const {
+    if (!IsByBytes(method)) return DecodeBlock(method, bid, bytes);
+    for (std::byte& byte : bytes) byte = decoded_[std::to_integer<std::size_t>(byte)];
+  }
+
+ private:
+  bool IsByBytes(CryptMethod method) const { return byBytes_ && method == CryptMethod::kPermute; }
+
+  const bool byBytes_;
+  std::array<std::byte, 256> encoded_{};
+  std::array<std::byte, 256> decoded_{};
+};
 
 /// The source in large pieces, as long as what is asked for goes forward.
 class Pieces {
@@ -49,7 +79,9 @@ class Pieces {
 /// Forms blocks and hands them on in large pieces.
 class BlockSink {
  public:
-  explicit BlockSink(platform::ByteStore& file) : file_(file) { out_.reserve(kPiece + kMaxBlockSize); }
+  BlockSink(platform::ByteStore& file, const Codec& codec) : file_(file), codec_(codec) {
+    out_.reserve(kPiece + kMaxBlockSize);
+  }
 
   void Write(std::span<const std::byte> content, bool isInternal) {
     while (!content.empty()) {
@@ -71,7 +103,7 @@ class BlockSink {
     const Bid bid{next_ += kBidStep};
     out_.resize(out_.size() + BlockSizeOnDisk(data.size()));
     const auto block = std::span(out_).subspan(offset - written_);
-    EncodeBlock(isInternal ? CryptMethod::kNone : CryptMethod::kPermute, bid, data, block.first(data.size()));
+    codec_.Encode(isInternal ? CryptMethod::kNone : CryptMethod::kPermute, bid, data, block.first(data.size()));
     const auto cb = static_cast<std::uint16_t>(data.size());
     Encode(BlockTrailer{.cb = cb,
                         .wSig = ComputeSig(offset, Value(bid)),
@@ -82,6 +114,7 @@ class BlockSink {
   }
 
   platform::ByteStore& file_;
+  const Codec& codec_;
   std::vector<std::byte> out_;
   std::uint64_t written_ = 0;
   std::uint64_t next_ = 0;
@@ -114,8 +147,9 @@ std::vector<BbtEntry> BlocksOf(const platform::ByteSource& file, const Header& h
 /// The plain content of one block after the other.
 class Contents {
  public:
-  Contents(const platform::ByteSource& file, const Header& header)
+  Contents(const platform::ByteSource& file, const Header& header, const Codec& codec)
       : pieces_(file),
+        codec_(codec),
         format_(*header.generation),
         method_(header.bCryptMethod),
         inflater_(libdeflate_alloc_decompressor(), libdeflate_free_decompressor),
@@ -129,7 +163,7 @@ class Contents {
     if (IsInternal(block.ref.bid)) return stored.first(block.cb);
     const BlockTrailer trailer = DecodeBlockTrailer(stored.last(format_.blockTrailerSize), format_);
     decoded_.assign(stored.begin(), stored.begin() + block.cb);
-    DecodeBlock(method_, Canonical(block.ref.bid), decoded_);
+    codec_.Decode(method_, Canonical(block.ref.bid), decoded_);
     if (trailer.cbInflated == block.cb) return decoded_;
     if (libdeflate_zlib_decompress(inflater_.get(), decoded_.data(), decoded_.size(), inflated_.data(),
                                    trailer.cbInflated, nullptr) != LIBDEFLATE_SUCCESS) {
@@ -143,6 +177,7 @@ class Contents {
 
  private:
   Pieces pieces_;
+  const Codec& codec_;
   const Generation& format_;
   CryptMethod method_;
   std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> inflater_;
@@ -151,15 +186,16 @@ class Contents {
   std::uint64_t packed_ = 0;
 };
 
-void Run(const char* source, const char* out) {
+void Run(const char* source, const char* out, bool byBytes) {
   const auto file = ValueOrRaise(platform::OpenForReading(source));
   const auto made = ValueOrRaise(platform::CreateFile(out, platform::Existing::kReplace));
   std::array<std::byte, Header::kSize> bytes{};
   ValueOrRaise(file->ReadAt(0, bytes));
   const Header header = DecodeHeader(bytes);
   const std::vector<BbtEntry> blocks = BlocksOf(*file, header);
-  Contents contents(*file, header);
-  BlockSink sink(*made);
+  const Codec codec(byBytes);
+  Contents contents(*file, header, codec);
+  BlockSink sink(*made, codec);
   std::uint64_t sum = 0;
   for (const BbtEntry& block : blocks) {
     const auto content = contents.Of(block);
@@ -176,12 +212,13 @@ void Run(const char* source, const char* out) {
 }  // namespace velmora::bench
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fputs("Usage: velmora-floor STORE OUT\n", stderr);
+  const bool byBytes = argc == 4 && std::string_view(argv[1]) == "--by-bytes";
+  if (argc != 3 && !byBytes) {
+    std::fputs("Usage: velmora-floor [--by-bytes] STORE OUT\n", stderr);
     return 64;
   }
   try {
-    velmora::bench::Run(argv[1], argv[2]);
+    velmora::bench::Run(argv[argc - 2], argv[argc - 1], byBytes);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velmora-floor: %s\n", error.what());
     return 74;

@@ -47,6 +47,7 @@ def all_programs(build):
         Program("cp", ["cp", "{store}", "{out}/copy"], None),
         Program("cat", ["sh", "-c", "cat '{store}' >/dev/null"], None),
         Program("floor", [str(floor), "{store}", "{out}/blocks"], None),
+        Program("floor --by-bytes", [str(floor), "--by-bytes", "{store}", "{out}/blocks"], None),
     ]
     help_text = subprocess.run([convert, "--help"], capture_output=True, text=True).stdout if convert.is_file() else ""
     there, missing = {}, {}
