@@ -1,5 +1,7 @@
 #include "store/ndb/room_ahead.h"
 
+#include <algorithm>
+
 #include "store/ndb/allocation_map.h"
 
 namespace velmora::ndb {
@@ -9,8 +11,9 @@ namespace {
 /// have to wait.
 constexpr std::uint64_t kAhead = 4 * kAreaSize;
 
-/// Where so many are left the next are taken, early enough that nobody has to wait for them.
-constexpr std::uint64_t kLow = 2 * kAhead;
+/// Where so many are left the next are taken: early enough that nobody has to wait for them, and no more than a share
+/// of the file, since others may need what a disk has left.
+std::uint64_t LowMark(std::uint64_t size) { return std::clamp(size / 16, kAhead / 2, 2 * kAhead); }
 
 }  // namespace
 
@@ -20,9 +23,9 @@ platform::Result<void> RoomAhead::Require(std::uint64_t size) {
     if (auto reserved = file_.Reserve(size); !reserved) return reserved;
     have_ = size;
   }
-  const bool isLow = have_ - size < kLow;
-  if (isLow && step_ != nullptr && step_->Now() == platform::Workers::Step::State::kDone) Await();
-  if (workers_.Jobs() > 1 && isLow && !isNearlyFull_ && step_ == nullptr) {
+  const auto isLow = [&] { return have_ - size < LowMark(size); };
+  if (isLow() && step_ != nullptr && step_->Now() == platform::Workers::Step::State::kDone) Await();
+  if (workers_.Jobs() > 1 && isLow() && !isNearlyFull_ && step_ == nullptr) {
     asked_ = have_ + kAhead;
     step_ = workers_.Start([this] { given_ = file_.Reserve(asked_); });
   }

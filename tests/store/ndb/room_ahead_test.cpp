@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "aids/shared_file.h"
 #include "store/support/test_files.h"
 
@@ -33,6 +36,27 @@ TEST(RoomAhead, WithSeveralTakesMoreAheadAndGivesItBack) {
   EXPECT_EQ(file.Size(), 1000u);
   ASSERT_TRUE(room.Require(3000));
   EXPECT_GE(file.Size(), 3000u) << "what was given back is no longer there";
+}
+
+TEST(RoomAhead, OfALargeFileMoreIsTakenAheadThanOfASmallOne) {
+  constexpr std::uint64_t kMiB = 1 << 20;
+  const auto mostAhead = [](std::uint64_t from, std::uint64_t to) {
+    Workers workers(2);
+    test::SharedFile file(std::make_shared<platform::MemoryFile>());
+    RoomAhead room(file, workers);
+    std::uint64_t most = 0;
+    for (std::uint64_t size = from; size <= to; size += kMiB / 16) {
+      EXPECT_TRUE(room.Require(size));
+      std::atomic<bool> isBehind = false;  // what is under way
+      const auto last = workers.Start([&] { isBehind = true; });
+      while (!isBehind) std::this_thread::yield();
+      most = std::max(most, file.Size() - size);
+    }
+    return most;
+  };
+  EXPECT_LE(mostAhead(kMiB, 6 * kMiB), 3 * kMiB / 2);
+  EXPECT_GT(mostAhead(64 * kMiB, 70 * kMiB), 5 * kMiB / 2);
+  EXPECT_LE(mostAhead(64 * kMiB, 70 * kMiB), 3 * kMiB);
 }
 
 TEST(RoomAhead, ADiskWithoutRoomAheadIsFullOnlyWhenTheRoomIsNeeded) {
