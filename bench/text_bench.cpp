@@ -7,6 +7,7 @@
 #include "bench/sample_text.h"
 #include "text/code_page.h"
 #include "text/text.h"
+#include "text/utf8_check.h"
 
 namespace velmora::text {
 namespace {
@@ -43,6 +44,17 @@ void Utf8ToUtf16(benchmark::State& state, Content content) {
 }
 BENCHMARK_CAPTURE(Utf8ToUtf16, letters, kLetters);
 BENCHMARK_CAPTURE(Utf8ToUtf16, words, kWords);
+
+/// Character after character, or as fast as this processor can.
+void IsUtf8(benchmark::State& state, Content content, bool isFastest) {
+  const std::string bytes = ToUtf8(Sample(content));
+  const Utf8Check check = isFastest ? Utf8Checks().back() : Utf8Checks().front();
+  for (auto _ : state) benchmark::DoNotOptimize(check(bytes));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+BENCHMARK_CAPTURE(IsUtf8, letters, kLetters, true);
+BENCHMARK_CAPTURE(IsUtf8, words, kWords, true);
+BENCHMARK_CAPTURE(IsUtf8, words_one_by_one, kWords, false);
 
 /// The bytes are those of the words in UTF-8: what an HTML body has, whatever the page that they are read by.
 void Decode(benchmark::State& state, std::string_view page) {

@@ -110,6 +110,14 @@ class Stores(Scratch):
             read.add(subprocess.run([FLOOR, path, self.work / "blocks"], check=True, capture_output=True).stdout)
         self.assertEqual(len(read), 1, read)
 
+    def test_the_floor_writes_the_same_byte_by_byte(self):
+        path, _ = self.make(cases.Store("mails", "unicode", "permute", 1, None))
+        subprocess.run([FLOOR, path, self.work / "blocks"], check=True, capture_output=True)
+        subprocess.run([FLOOR, "--by-bytes", path, self.work / "again"], check=True, capture_output=True)
+        self.assertEqual((self.work / "again").read_bytes(), (self.work / "blocks").read_bytes())
+        wrong = subprocess.run([FLOOR, "--by-byte", path, self.work / "blocks"], capture_output=True)
+        self.assertEqual(wrong.returncode, 64)
+
     def test_the_floor_inflates_what_a_store_of_4k_pages_holds_packed(self):
         path, _ = self.make(cases.Store("mails", "unicode4k", "none", 1, None))
         read = json.loads(subprocess.run([FLOOR, path, self.work / "blocks"], check=True, capture_output=True).stdout)

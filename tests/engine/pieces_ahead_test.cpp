@@ -56,7 +56,7 @@ TEST_P(PiecesAheadTest, ASourceThatEndsAheadOfTheFirstHasNone) {
   EXPECT_TRUE(Pieces(source_, {.first = 100, .size = 4}, Told, workers_).IsEmpty());
 }
 
-/// Writes down where reads of it begin; a read that meets its bad bytes fails, and takes its time.
+/// Writes down where reads of it begin, and whose they are; a read that meets its bad bytes fails, and takes its time.
 class SlowWhereBad : public platform::ByteSource {
  public:
   SlowWhereBad(forge::Bytes bytes, std::uint64_t badBegin, std::uint64_t badEnd)
@@ -66,6 +66,7 @@ class SlowWhereBad : public platform::ByteSource {
     {
       const std::lock_guard lock(mutex_);
       offsets.push_back(offset);
+      threads.push_back(std::this_thread::get_id());
     }
     if (isHealed || offset >= badEnd_ || offset + out.size() <= badBegin_) return file_.ReadAt(offset, out);
     if (out.size() > kSector) std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -75,6 +76,7 @@ class SlowWhereBad : public platform::ByteSource {
   static constexpr std::size_t kSector = 4096;
   bool isHealed = false;
   mutable std::vector<std::uint64_t> offsets;
+  mutable std::vector<std::thread::id> threads;  ///< of the same reads
 
  private:
   platform::MemoryFile file_;
@@ -131,17 +133,20 @@ TEST_P(PiecesAheadTest, WhatIsKnownToBeBadIsNotTriedAgain) {
   EXPECT_EQ(std::ranges::count(observed.offsets, 3 * kSize), 0);
 }
 
-TEST_P(PiecesAheadTest, OnceSomethingIsBadNothingIsReadThatNobodyWaitsFor) {
-  auto disk = std::make_unique<SlowWhereBad>(forge::Noise(16 << 18, 1), 100'000, 100'001);
+TEST_P(PiecesAheadTest, OnceSomethingIsBadNothingIsReadAhead) {
+  constexpr std::uint64_t kSize = 1 << 16;
+  constexpr std::uint64_t kBegunAhead = 8;  // at most, with the first
+  auto disk = std::make_unique<SlowWhereBad>(forge::Noise(40 * kSize, 1), 10'000, 10'001);
   const SlowWhereBad& observed = *disk;
   source_.Open(std::move(disk));
-  Pieces pieces(source_, {.size = 1 << 18}, Told, workers_);
-  pieces.Await();
-  std::this_thread::sleep_for(std::chrono::milliseconds(30));  // for what was begun ahead of it
-  const std::size_t before = observed.offsets.size();
-  pieces.Pop();
-  std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  EXPECT_EQ(observed.offsets.size(), before);
+  for (Pieces pieces(source_, {.size = kSize}, Told, workers_); !pieces.IsEmpty(); pieces.Pop()) pieces.Await();
+  std::size_t readBehind = 0;
+  for (std::size_t i = 0; i < observed.offsets.size(); ++i) {
+    if (observed.offsets[i] < kBegunAhead * kSize) continue;
+    ++readBehind;
+    EXPECT_EQ(observed.threads[i], std::this_thread::get_id()) << observed.offsets[i];
+  }
+  EXPECT_EQ(readBehind, 40 - kBegunAhead);
 }
 
 TEST_P(PiecesAheadTest, OfABadStretchTheSameIsPassedOverForAnyNumberOfJobs) {
