@@ -73,11 +73,11 @@ constexpr std::array<std::uint8_t, 256> kRamp = [] {
   return ramp;
 }();
 
-/// Puts what `step` makes of each byte and of its number, the first one's being `number`.
+/// Puts what `step` makes of each byte and of its number, the first one's being `number`. In place and many at a time,
+/// by loops of a fixed length, so that compilers make vector instructions of them.
 template <class Step>
 void ForEach(std::span<const std::byte> from, std::span<std::byte> to, std::size_t number, Step step) {
-  constexpr std::size_t kAtOnce =
-      32;  // of a fixed length and in place, so that compilers make vector instructions of it
+  constexpr std::size_t kAtOnce = 32;
   std::size_t done = 0;
   for (; from.size() - done >= kAtOnce; done += kAtOnce) {
     std::array<std::uint8_t, kAtOnce> bytes;
