@@ -1,5 +1,7 @@
 #include <optional>
 
+#include "engine/block_steps.h"
+#include "engine/node_sights.h"
 #include "engine/page_walk.h"
 #include "engine/pieces_ahead.h"
 #include "engine/source_window.h"
@@ -17,6 +19,7 @@ using generations::kUnicode4k;
 constexpr std::uint64_t kProbeStep = 4096;     ///< positions examined by one look
 constexpr std::size_t kLook = 2 * kProbeStep;  ///< so that a 4K page's trailer lies in the buffer at every position
 constexpr std::uint64_t kSmallPage = kAnsi.pageSize;
+constexpr std::size_t kHeaderBytes = 528;  ///< that are looked at
 
 /// Is this the word in which a page of one of the trees tells its type?
 bool IsMarked(std::uint16_t word) { return word == TypeWord(PageType::kBbt) || word == TypeWord(PageType::kNbt); }
@@ -71,10 +74,11 @@ std::optional<FormatId> FormatOfWindow(std::uint64_t offset, ByteView bytes) {
 struct PieceTells {
   std::optional<FormatId> format;
   std::uint64_t steps = 0;  ///< that tell nothing, ahead of the one that tells the format
+  NodeSights nodes;         ///< in the likely layout
 };
 
 /// The last step of a piece reaches into the next, which has it in its lead.
-PieceTells LookAtPiece(const Piece& piece, std::uint64_t sourceSize) {
+PieceTells LookForFormat(const Piece& piece, std::uint64_t sourceSize) {
   PieceTells tells;
   const std::uint64_t end = piece.end == sourceSize ? sourceSize : piece.end - kProbeStep;
   for (std::uint64_t offset = piece.base; offset < end; offset += kProbeStep) {
@@ -85,21 +89,38 @@ PieceTells LookAtPiece(const Piece& piece, std::uint64_t sourceSize) {
   return tells;
 }
 
+/// The layout in which nodes are looked for meanwhile; null for 4K pages, which begin elsewhere, and of which the first
+/// tells.
+const Generation* LikelyLayout(ByteView header) {
+  const Generation* named = GenerationOfVersion(header.U16(kWVer));
+  if (named == nullptr) return &kUnicode;
+  return named->pageSize == kSmallPage ? named : nullptr;
+}
+static_assert(FirstPage(kAnsi) == FirstPage(kUnicode) && kLeadOfBlockStep == kProbeStep);
+
 /// By the first page that tells; ends early once `runEnded` is raised.
-std::optional<FormatId> FormatOfPages(StoreScan& scan, RunContext& run) {
+std::optional<FormatId> FormatOfPages(StoreScan& scan, RunContext& run, const Generation* likely) {
   const Source& source = scan.found->source;
-  std::uint64_t offset = FirstPage(kAnsi);
+  const PieceCut cut = CutForNodes(kUnicode);
+  std::uint64_t offset = cut.first;
   const auto report = [&](std::uint64_t steps) {
     for (; steps > 0; --steps) run.SayProgress(scan.PercentOfSource(offset += kProbeStep), Phase::kProbe);
   };
-  const PieceCut cut{.first = offset, .size = SourceWindow::kWindowBytes, .lead = kProbeStep};
-  const auto look = [size = source.Size()](const Piece& piece) { return LookAtPiece(piece, size); };
+  const auto look = [size = source.Size(), likely, forBlocks = !run.smartScan](const Piece& piece) {
+    PieceTells tells = LookForFormat(piece, size);
+    if (likely != nullptr) tells.nodes = LookForNodes(*likely, piece, forBlocks);
+    return tells;
+  };
+  scan.seenByProbe = {.formatId = likely != nullptr ? likely->formatId : std::uint16_t{0}, .pieces = 0, .sights = {}};
   for (PiecesAhead<PieceTells> pieces(source, cut, look, *run.workers); !pieces.IsEmpty(); pieces.Pop()) {
     if (run.runEnded) return std::nullopt;
     run.control.PausePoint();
     pieces.Await();
-    report(pieces.FrontShown().steps);
-    if (const auto format = pieces.FrontShown().format) return format;
+    const PieceTells& tells = pieces.FrontShown();
+    report(tells.steps);
+    ++scan.seenByProbe.pieces;
+    scan.seenByProbe.sights.Add(tells.nodes);
+    if (tells.format) return tells.format;
   }
   report(1);  // the step behind the end
   return std::nullopt;
@@ -123,12 +144,13 @@ ProbeResult ProbeFormat(StoreScan& scan, RunContext& run) {
 
   ScannedStore& found = *scan.found;
   SourceWindow window(found.source);
-  found.storeKind = KindOf(window.Peek(0, kSmallPage).U16(kWMagicClient));
+  const ByteView header = window.ReadAnew(0, kHeaderBytes);
+  found.storeKind = KindOf(header.U16(kWMagicClient));
   if (found.storeKind != StoreKind::kPst && found.storeKind != StoreKind::kOst) return ProbeResult::kRefused;
 
-  auto format = FormatOfPages(scan, run);
+  auto format = FormatOfPages(scan, run, LikelyLayout(header));
   if (run.runEnded) return ProbeResult::kFound;
-  if (!format) format = FormatOfHeader(window.Peek(0, 528));
+  if (!format) format = FormatOfHeader(header);
   if (!format) return ProbeResult::kRefused;
   run.Log(u"\r\n\r\n");
   run.Log(u"Validating the Pst File");

@@ -18,9 +18,10 @@ namespace velmora::engine {
 
 /// How a source is cut, in bytes.
 struct PieceCut {
-  std::uint64_t first = 0;  ///< where the first piece begins
-  std::uint64_t size = 0;   ///< of a piece; the last one ends with the source
-  std::uint64_t lead = 0;   ///< read again ahead of each piece, but nothing ahead of the first
+  std::uint64_t first = 0;       ///< where the first piece begins
+  std::uint64_t size = 0;        ///< of a piece; the last one ends with the source
+  std::uint64_t lead = 0;        ///< read again ahead of each piece, but nothing ahead of the first
+  std::uint64_t passedOver = 0;  ///< pieces at the front that nobody wants
 };
 
 /// The bytes of the source from `begin` to before `end`, and those of the lead from `base` on.
@@ -42,7 +43,7 @@ class PiecesAhead {
 
   /// Source and workers must outlive it.
   PiecesAhead(const Source& source, const PieceCut& cut, Look look, platform::Workers& workers)
-      : source_(source), cut_(cut), look_(std::move(look)), workers_(workers) {
+      : source_(source), cut_(cut), look_(std::move(look)), workers_(workers), next_(cut.passedOver) {
     const std::size_t ahead = workers.Jobs() == 1 ? 1 : std::min<std::size_t>(kPiecesOfJob * workers.Jobs(), kMost);
     while (pieces_.size() < ahead && HasNext()) Start(std::make_unique<AheadPiece>(source));
   }
@@ -117,7 +118,7 @@ class PiecesAhead {
   const PieceCut cut_;
   const Look look_;
   platform::Workers& workers_;
-  std::uint64_t next_ = 0;
+  std::uint64_t next_;
   std::atomic<bool> isFailing_ = false;
   std::deque<std::unique_ptr<AheadPiece>> pieces_;
 };

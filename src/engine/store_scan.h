@@ -40,10 +40,31 @@ class ReferencedIds {
 /// Of each step of a walk over the source, in order, whether it is worth a visit; all steps behind the last mark are.
 using StepMarks = std::vector<bool>;
 
+/// What some of the source shows to the scan for nodes.
+struct NodeSights {
+  std::vector<NodeRecord> nodes;  ///< of its node pages, in their order
+  StepMarks blockSteps;           ///< Normal Scan only
+
+  /// Of what lies right behind.
+  void Add(const NodeSights& behind) {
+    nodes.insert(nodes.end(), behind.nodes.begin(), behind.nodes.end());
+    blockSteps.insert(blockSteps.end(), behind.blockSteps.begin(), behind.blockSteps.end());
+  }
+};
+
+/// What the search for the format has seen of nodes on its way to the page that tells, so that nobody has to go that
+/// way again: of a store whose trees stand at its end, that is all of it.
+struct SeenByProbe {
+  std::uint16_t formatId = 0;  ///< of the layout in which it looked; 0 for none
+  std::uint64_t pieces = 0;    ///< of those into which the scan cuts the source
+  NodeSights sights;           ///< of them all
+};
+
 struct StoreScan {
   std::unique_ptr<ScannedStore> found = std::make_unique<ScannedStore>();  ///< so far; null behind FinishScan
 
   std::uint64_t percentBase = 0;  ///< a hundredth of the source; 0 for a tiny one
+  SeenByProbe seenByProbe;        ///< from the search for the format to the node scan
   StepMarks blockSteps;           ///< of the block scan that may show a block; from the node scan on, Normal Scan only
   ReferencedIds referencedIds;    ///< Smart Scan only, from the node scan to the end of the block scan
   bool encodingUnknown = true;

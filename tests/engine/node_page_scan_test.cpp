@@ -1,4 +1,5 @@
 #include <array>
+#include <optional>
 
 #include "engine/bad_disk.h"
 #include "engine/run_fixture.h"
@@ -284,6 +285,109 @@ TEST_P(MarkingTest, ASlotThatTheEndOfTheSourceCutsIsWorthALook) {
   canvas_.bytes.resize(canvas_.bytes.size() - 7);
   Scan();
   EXPECT_EQ(Marked(scan_.blockSteps), (std::vector<std::size_t>{1, 255, 600, 998, 999}));
+}
+
+/// The scan behind a search for the format that goes far into the source.
+class BehindProbeTest : public NodePageScanTest, public testing::WithParamInterface<Format> {
+ protected:
+  BehindProbeTest() {
+    canvas_.bytes.assign(18432 + kSteps * 4096, std::byte{0xFF});
+    canvas_.Number(8, 0x4D53, 2);
+    SayFormat(GetParam());
+    PutNode(5, 0x1234);  // tells nothing of the format
+    PutNode(998);
+    canvas_.Page(GetParam(), 18432 + 999 * 4096,
+                 forge::BlockPage(GetParam(), {{.bid = 4, .offset = 20480, .size = 100}}));
+  }
+
+  void SayFormat(Format format) {
+    const std::uint16_t version = format == Format::kAnsi ? 14 : format == Format::kUnicode ? 23 : 36;
+    canvas_.Number(10, version, 2);
+  }
+
+  /// A page with one node, whose id is the step's number.
+  void PutNode(std::size_t step, std::optional<std::uint16_t> signature = {}) {
+    auto page = forge::NodePage(GetParam(), {{step, 4, 8, 0}});
+    page.signature = signature;
+    canvas_.Page(GetParam(), 18432 + step * 4096, page);
+  }
+
+  void ProbeAndScan(std::vector<BadPlace> bad = {}) {
+    Attach({});
+    disk_ = std::make_shared<BadDisk>(std::make_unique<platform::MemoryFile>(canvas_.bytes), std::move(bad));
+    Found().source.Open(disk_);
+    scan_.percentBase = canvas_.bytes.size() / 100;
+    Found().layout = Generation{};
+    ASSERT_EQ(ProbeFormat(scan_, run_), ProbeResult::kFound);
+    ASSERT_EQ(Found().layout, LayoutOf(IdOf(GetParam())));
+    ScanNodePages(scan_, run_);
+  }
+
+  std::vector<std::uint32_t> Nids() const {
+    std::vector<std::uint32_t> nids;
+    for (const NodeRecord& node : Found().nodes.Records()) nids.push_back(node.nid);
+    return nids;
+  }
+
+  std::shared_ptr<const BadDisk> disk_;
+};
+INSTANTIATE_TEST_SUITE_P(Scan, BehindProbeTest, testing::Values(Format::kAnsi, Format::kUnicode), FormatName);
+
+TEST_P(BehindProbeTest, WhatTheSearchForTheFormatHasSeenIsNotReadAgain) {
+  ProbeAndScan();
+  EXPECT_EQ(Nids(), (std::vector<std::uint32_t>{5, 998}));
+  EXPECT_EQ(scan_.blockSteps.size(), kSteps);
+  EXPECT_EQ(Marked(scan_.blockSteps), std::vector<std::size_t>{999});
+  EXPECT_EQ(disk_->bytesRead, 528 + kSteps * 4096 + 3 * 4096) << "the kind of store, and what stands ahead of pieces";
+}
+
+TEST_P(BehindProbeTest, WhatTheSearchForTheFormatHasNotSeenIsReadBehindIt) {
+  PutNode(300);
+  PutNode(767);
+  ProbeAndScan();
+  EXPECT_EQ(Nids(), (std::vector<std::uint32_t>{5, 300, 767, 998}));
+  EXPECT_EQ(scan_.blockSteps.size(), kSteps);
+  EXPECT_EQ(Marked(scan_.blockSteps), std::vector<std::size_t>{999});
+}
+
+TEST_P(BehindProbeTest, TheScanReportsWhatTheSearchHasSeenAsWell) {
+  ProbeAndScan();
+  std::vector<std::uint32_t> percentages;
+  for (std::size_t step = 1; step <= kSteps; ++step) {
+    percentages.push_back(static_cast<std::uint32_t>((18432 + step * 4096) / (canvas_.bytes.size() / 100)));
+  }
+  percentages.erase(std::ranges::unique(percentages).begin(), percentages.end());
+  EXPECT_EQ(recorder_.Percentages(Phase::kNodeScan), percentages);
+}
+
+TEST_P(BehindProbeTest, OfAHeaderThatNamesAnotherFormatNothingIsTaken) {
+  for (const Format other : {Format::kAnsi, Format::kUnicode, Format::kUnicode4k}) {
+    SayFormat(other);
+    ProbeAndScan();
+    EXPECT_EQ(Nids(), (std::vector<std::uint32_t>{5, 998}));
+    EXPECT_EQ(Marked(scan_.blockSteps), std::vector<std::size_t>{999});
+  }
+}
+
+TEST_P(BehindProbeTest, WhatTheSearchHasSeenCountsForOneScanAlone) {
+  ProbeAndScan();
+  canvas_.bytes.resize(18432 + 900 * 4096);
+  Found().source.Open(std::make_unique<platform::MemoryFile>(canvas_.bytes));
+  ScanNodePages(scan_, run_);
+  EXPECT_EQ(Nids(), std::vector<std::uint32_t>{5});
+}
+
+TEST_P(BehindProbeTest, InASmartScanTheSearchLooksForNodesAlone) {
+  run_.smartScan = true;
+  ProbeAndScan();
+  EXPECT_EQ(Nids(), (std::vector<std::uint32_t>{5, 998}));
+  EXPECT_TRUE(scan_.blockSteps.empty());
+}
+
+TEST_P(BehindProbeTest, WhereSomethingCannotBeReadByTheSearchNoStepIsLeftOut) {
+  ProbeAndScan({{18432 + 5 * 4096 + 100, 18432 + 5 * 4096 + 200}});
+  EXPECT_EQ(Nids(), std::vector<std::uint32_t>{998});
+  EXPECT_TRUE(scan_.blockSteps.empty());
 }
 
 TEST_F(NodePageScanTest, ARunThatEndedOrFailedIsLeftAlone) {

@@ -91,6 +91,7 @@ class RunTest : public testing::Test {
   /// The bytes are the source from now on, of a personal store of that format.
   void Attach(std::vector<std::byte> bytes, forge::Format format = forge::Format::kUnicode) {
     scan_.percentBase = bytes.size() / 100;
+    scan_.seenByProbe = {};
     Found().storeKind = StoreKind::kPst;
     Found().layout = LayoutOf(IdOf(format));
     Found().source.Open(std::make_unique<platform::MemoryFile>(std::move(bytes)));

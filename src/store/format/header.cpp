@@ -17,7 +17,6 @@ constexpr std::byte kSentinel{0x80};
 // Offsets of the fields that both layouts have in one place.
 constexpr std::size_t kDwMagic = 0x000;
 constexpr std::size_t kDwCrcPartial = 0x004;
-constexpr std::size_t kWVer = 0x00A;
 constexpr std::size_t kWVerClient = 0x00C;
 constexpr std::size_t kBPlatformCreate = 0x00E;
 constexpr std::size_t kBPlatformAccess = 0x00F;

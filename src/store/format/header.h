@@ -19,6 +19,9 @@ inline constexpr std::uint16_t kMagicClientPst = 0x4D53;  // "SM"
 inline constexpr std::uint16_t kMagicClientOst = 0x4F53;  // "SO"
 inline constexpr std::uint16_t kMagicClientPab = 0x4241;  // "AB"
 
+/// Where it says which version of the format it is of, likewise.
+inline constexpr std::size_t kWVer = 0x00A;
+
 /// Offsets of the fields whose place depends on the layout.
 struct HeaderPlaces {
   std::size_t bidNextP, bidNextB, dwUnique, rgnid;
