@@ -111,7 +111,8 @@ std::optional<FormatId> FormatOfPages(StoreScan& scan, RunContext& run, const Ge
     if (likely != nullptr) tells.nodes = LookForNodes(*likely, piece, forBlocks);
     return tells;
   };
-  scan.seenByProbe = {.formatId = likely != nullptr ? likely->formatId : std::uint16_t{0}, .pieces = 0, .sights = {}};
+  scan.seenByProbe = {};
+  if (likely != nullptr) scan.seenByProbe.formatId = likely->formatId;
   for (PiecesAhead<PieceTells> pieces(source, cut, look, *run.workers); !pieces.IsEmpty(); pieces.Pop()) {
     if (run.runEnded) return std::nullopt;
     run.control.PausePoint();
