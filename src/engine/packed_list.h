@@ -50,6 +50,27 @@ class PackedList {
     std::size_t number_ = 0;
   };
 
+  /// Seeks keys of which each mostly stands right behind the last one, in a list that stays as it is and outlives it.
+  class Seeker {
+   public:
+    explicit Seeker(const PackedList& list) : list_(list) {}
+
+    std::optional<std::size_t> NumberOf(Key key) {
+      const bool isNext = next_ < list_.size() && last_ < key && list_.KeyOf(next_) == key;
+      const auto number = isNext ? std::optional(next_) : list_.NumberOf(key);
+      if (number) {
+        next_ = *number + 1;
+        last_ = key;
+      }
+      return number;
+    }
+
+   private:
+    const PackedList& list_;
+    std::size_t next_ = 0;  ///< behind what was found last
+    Key last_{};
+  };
+
   PackedList() = default;
   PackedList(PackedList&&) = default;
   PackedList& operator=(PackedList&&) = default;

@@ -69,6 +69,26 @@ TEST(PackedList, KeepsTheOrderInWhichBlocksOfOneKeyAreAdded) {
   }
 }
 
+TEST(PackedList, ASeekerFindsTheFirstOfEachKeyInWhateverOrderTheyAreSought) {
+  std::mt19937_64 random(5);
+  std::vector<PackedFields> blocks;
+  for (std::uint64_t key = 1; key < 400; key += 1 + random() % 2) {
+    for (std::uint64_t n = random() % 3; n > 0; --n) blocks.push_back({.key = key, .offset = n});
+  }
+  const List list(blocks);
+  List::Seeker seeker(list);
+  std::uint64_t key = 0;
+  for (int i = 0; i < 20000; ++i) {
+    key = random() % 8 == 0 ? random() % 402 : key + random() % 3;  // far, or the same, the next or the one behind it
+    ASSERT_EQ(seeker.NumberOf(key), list.NumberOf(key)) << key;
+  }
+}
+
+TEST(PackedList, ASeekerOfAnEmptyListFindsNothing) {
+  const List list;
+  EXPECT_EQ(List::Seeker(list).NumberOf(0), std::nullopt);
+}
+
 TEST(PackedList, GivesTheMemoryOfWhatIsTakenBack) {
   List list;
   for (std::uint64_t i = 0; i < 128 * 100; ++i) list.Add({.key = i, .offset = i * 64, .size = 100});

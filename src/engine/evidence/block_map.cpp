@@ -61,11 +61,12 @@ class BlockMap {
       }
     }
     const auto members = MembersOfNewest(tree, told ? std::optional(told->blockRoot) : std::nullopt, newest);
+    BlockList::Seeker seeker(whole_);
     Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
       BbtEntry entry = DecodeBbtEntry(bytes, *evidence_.layout);
       if (page.found.grade == Grade::kHurt || entry.cb == 0 || entry.cb > evidence_.layout->maxBlockData) return;
       entry.ref.bid = Canonical(entry.ref.bid);
-      if (const auto known = whole_.NumberOf(entry.ref.bid)) {
+      if (const auto known = seeker.NumberOf(entry.ref.bid)) {
         const bool isRepeated = *known + 1 < whole_.size() && whole_.KeyOf(*known + 1) == entry.ref.bid;
         if (isRepeated) Prefer(entry, shade);
       } else if (unsigned_.contains(entry.ref.ib)) {

@@ -56,11 +56,12 @@ std::vector<BlockStatus> StatusesOf(const Evidence& evidence, const FoundTree& t
     for (std::size_t i = 1; i < entries.Count(); ++i) stepped.Add(tree.KeyOf(entries[i - 1]), tree.KeyOf(entries[i]));
   }
   const bool pagesAreOld = !isExact && NewestWholeBlock(evidence) > lastKey;
+  BlockList::Seeker seeker(evidence.blocks);
   Paint(tree, members, [&](const TreePage& page, std::span<const std::byte> bytes, Shade shade) {
     if (shade != Shade::kLive || pagesAreOld) return;
     const BbtEntry entry = DecodeBbtEntry(bytes, *evidence.layout);
     if (entry.cRef <= 1) return;  // nothing refers to it any more
-    const std::optional<std::size_t> number = evidence.NumberOf(entry.ref.bid);
+    const std::optional<std::size_t> number = seeker.NumberOf(Canonical(entry.ref.bid));
     if (!number) return;
     if (page.found.grade == Grade::kHurt) {
       // An entry of a hurt page counts if the block itself says the same.

@@ -190,10 +190,11 @@ class NodeJudge {
 
   // Ids of blocks that an old page steps over are freed as a rule; what the newest node tree names is live.
   void MarkLive() {
+    BlockList::Seeker seeker(evidence_.blocks);
     for (const NodeClaim& claim : judgement_.nodes) {
       if (claim.standing != Standing::kLive) continue;
       for (const Bid bid : {claim.node.trees.bidData, claim.node.trees.bidSub}) {
-        if (const auto number = evidence_.NumberOf(bid)) judgement_.statuses[*number] = BlockStatus::kLive;
+        if (const auto number = seeker.NumberOf(Canonical(bid))) judgement_.statuses[*number] = BlockStatus::kLive;
       }
     }
   }

@@ -9,7 +9,7 @@
 namespace velmora::engine {
 
 inline constexpr std::uint64_t kSector = 512;       ///< pages and the units of every layout end at multiples of it
-inline constexpr std::uint64_t kStep = 4ull << 20;  ///< read at a time
+inline constexpr std::uint64_t kStep = 1ull << 20;  ///< read at a time
 inline constexpr std::uint64_t kLargestBlock = 65536;
 inline constexpr std::uint64_t kReachOfPass = 2 * kLargestBlock + kSector;  ///< that is looked at again ahead of a step
 
