@@ -89,8 +89,7 @@ PieceTells LookForFormat(const Piece& piece, std::uint64_t sourceSize) {
   return tells;
 }
 
-/// The layout in which nodes are looked for meanwhile; null for 4K pages, which begin elsewhere, and of which the first
-/// tells.
+/// The layout in which nodes are looked for meanwhile; null for that of 4K pages, of which the first stands elsewhere.
 const Generation* LikelyLayout(ByteView header) {
   const Generation* named = GenerationOfVersion(header.U16(kWVer));
   if (named == nullptr) return &kUnicode;
