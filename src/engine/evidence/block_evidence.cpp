@@ -27,9 +27,16 @@ class Content {
       : stored_(stored), trailer_(trailer), method_(method), part_(part) {}
 
   std::size_t Size() const { return trailer_.cbInflated; }
+  bool IsPacked() const { return trailer_.cbInflated != trailer_.cb; }
+
+  /// Whether a zlib stream begins so.
+  bool BeginsPacked() {
+    const auto head = ByteView(Decoded(0, 2)).U16(0);
+    return (head & 0x0F) == 8 && ((head & 0xFF) << 8 | head >> 8) % 31 == 0;
+  }
 
   ByteView Part(std::size_t at, std::size_t length) {
-    if (trailer_.cbInflated == trailer_.cb) return ByteView(Decoded(at, length));
+    if (!IsPacked()) return ByteView(Decoded(at, length));
     if (inflated_.size() < at + length) InflateUpTo(at + length);
     return ByteView(inflated_).Slice(at, length);
   }
@@ -38,8 +45,7 @@ class Content {
   /// To inflate all takes less time than the same by parts, but of a large block the first bytes are mostly enough, and
   /// one that is hurt has parts alone.
   void InflateUpTo(std::size_t end) {
-    const auto head = ByteView(Decoded(0, 2)).U16(0);
-    if ((head & 0x0F) != 8 || ((head & 0xFF) << 8 | head >> 8) % 31 != 0) return;  // no zlib stream begins so
+    if (!BeginsPacked()) return;
     const bool isHead = end <= kOffHeapWord + 2 && Size() > kSmall;
     const std::vector<std::byte>& packed = Decoded(0, isHead ? kPackedHead : stored_.size());
     inflated_.resize(trailer_.cbInflated);
@@ -89,18 +95,39 @@ BlockKind KindOfList(std::span<const std::byte> bytes, const Generation& layout)
   return list.Head().btype == BlockType::kDataTree ? BlockKind::kList : BlockKind::kSubnodes;
 }
 
-}  // namespace
-
-Kinds KindsOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout) {
+/// What `kindOf` makes of a block's content under each method.
+template <typename KindOf>
+Kinds UnderEach(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout,
+                KindOf kindOf) {
   Kinds kinds{};
   if (IsInternal(trailer.bid)) {
     kinds.fill(KindOfList(stored, layout));
   } else {
     std::vector<std::byte> part;
     std::ranges::transform(kMethods, kinds.begin(),
-                           [&](CryptMethod method) { return KindOfContent(Content(stored, trailer, method, part)); });
+                           [&](CryptMethod method) { return kindOf(Content(stored, trailer, method, part)); });
   }
   return kinds;
+}
+
+}  // namespace
+
+Kinds KindsOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout) {
+  return UnderEach(stored, trailer, layout, KindOfContent);
+}
+
+Kinds KindsAtSight(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout) {
+  return UnderEach(stored, trailer, layout, [](Content content) {
+    if (!content.IsPacked()) return KindOfContent(std::move(content));
+    return content.BeginsPacked() ? BlockKind::kPacked : BlockKind::kData;
+  });
+}
+
+BlockKind KindOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout,
+                 CryptMethod method) {
+  if (IsInternal(trailer.bid)) return KindOfList(stored, layout);
+  std::vector<std::byte> part;
+  return KindOfContent(Content(stored, trailer, method, part));
 }
 
 }  // namespace velmora::engine

@@ -53,4 +53,12 @@ using Kinds = std::array<BlockKind, kMethods.size()>;
 /// but a list and the first block of a heap.
 Kinds KindsOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout);
 
+/// The same without inflating anything, which takes far longer than all else: kPacked by each method by which a packed
+/// block begins like one.
+Kinds KindsAtSight(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout);
+
+/// Its kind if the store is encoded by that method.
+BlockKind KindOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout,
+                 CryptMethod method);
+
 }  // namespace velmora::engine

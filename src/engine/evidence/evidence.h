@@ -113,8 +113,16 @@ class EvidenceBlocks : public ndb::BlockSource {
   /// Whether its content is proven.
   bool IsTrusted(Bid bid) const;
 
+  /// What a block of the evidence is; one that is packed is read and inflated to tell. Data where that fails.
+  BlockKind KindOf(const FoundBlock& block) const;
+
  private:
-  StoredData ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const;
+  struct Whole {
+    StoredData data;
+    BlockTrailer trailer;
+  };
+
+  Whole ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const;
 
   const Source& source_;
   const Evidence& evidence_;

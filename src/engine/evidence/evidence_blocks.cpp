@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "engine/evidence/block_evidence.h"
 #include "engine/evidence/evidence.h"
 #include "engine/evidence/inflate_part.h"
 #include "store/format/block.h"
@@ -53,7 +54,7 @@ bool EvidenceBlocks::FindBlock(Bid bid, std::vector<std::byte>& out) const {
   RaiseCorrupt({ObjectKind::kBlock, bid}, block->offset, "the block does not inflate to its size");
 }
 
-StoredData EvidenceBlocks::ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const {
+EvidenceBlocks::Whole EvidenceBlocks::ReadWhole(const FoundBlock& block, std::vector<std::byte>& out) const {
   const Generation& layout = *evidence_.layout;
   out.resize(BlockSizeOnDisk(block.cb, layout));
   const std::size_t read = ValueOrRaise(source_.Read(block.offset, out));
@@ -62,7 +63,7 @@ StoredData EvidenceBlocks::ReadWhole(const FoundBlock& block, std::vector<std::b
   if (read != out.size() || data.crc != WeakCrc(data.bytes)) {
     RaiseCorrupt({ObjectKind::kBlock, block.bid}, block.offset, "the block was whole and is not any more");
   }
-  return data;
+  return {data, trailer};
 }
 
 std::optional<std::size_t> EvidenceBlocks::SizeOf(Bid bid) const {
@@ -74,7 +75,7 @@ std::optional<std::size_t> EvidenceBlocks::SizeOf(Bid bid) const {
 std::optional<StoredData> EvidenceBlocks::FindStored(Bid bid, std::vector<std::byte>& out) const {
   const std::optional<FoundBlock> block = evidence_.Find(bid);
   if (!block || !IsWhole(*block)) return std::nullopt;
-  return ReadWhole(*block, out);
+  return ReadWhole(*block, out).data;
 }
 
 std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {
@@ -83,6 +84,14 @@ std::optional<ndb::NodeEntry> EvidenceBlocks::FindNode(Nid nid) const {
   if (found == judgement_.nodes.end() || found->node.nid != nid) return std::nullopt;
   if (!IsInUse(found->standing)) return std::nullopt;
   return found->node;
+}
+
+BlockKind EvidenceBlocks::KindOf(const FoundBlock& block) const {
+  if (block.kind != BlockKind::kPacked) return block.kind;
+  std::vector<std::byte> bytes;
+  const auto whole = IfReadable([&] { return ReadWhole(block, bytes); });
+  if (!whole) return BlockKind::kData;
+  return engine::KindOf(whole->data.bytes, whole->trailer, *evidence_.layout, evidence_.encoding);
 }
 
 bool EvidenceBlocks::IsTrusted(Bid bid) const {

@@ -15,11 +15,12 @@ enum class Grade : std::uint8_t {
   kHurt,    ///< the signature fits, the checksum does not: some of its bytes are wrong
 };
 
-/// What a block is, by its first bytes.
+/// What a block is, by its bytes.
 enum class BlockKind : std::uint8_t {
   kData,
   kPropertyContext,  ///< the first block of a heap with properties
   kTable,            ///< the first block of a heap with a table
+  kPacked,           ///< data that was not inflated yet to tell which of these it is (EvidenceBlocks::KindOf does)
   kList,             ///< XBLOCK or XXBLOCK: a list of data blocks
   kSubnodes,         ///< SLBLOCK or SIBLOCK: a list of sub-nodes
 };

@@ -120,8 +120,9 @@ class NodeJudge {
     if (namesFreed) return false;
     for (std::size_t i = evidence_.blocks.FirstFrom(Bid{Value(highest) + 1}); i < evidence_.blocks.size(); ++i) {
       const FoundBlock block = evidence_.blocks[i];
-      const bool isTop = !block.isNamed && block.kind != BlockKind::kData && block.kind != BlockKind::kList;
-      if (isTop && block.grade != Grade::kHurt && judgement_.statuses[i] != BlockStatus::kFreed) return false;
+      if (block.isNamed || block.grade == Grade::kHurt || judgement_.statuses[i] == BlockStatus::kFreed) continue;
+      const BlockKind kind = blocks_.KindOf(block);
+      if (kind != BlockKind::kData && kind != BlockKind::kList) return false;
     }
     return true;
   }

@@ -71,8 +71,9 @@ class ContextSeeker {
     isIndexed_ = true;
     for (const NodeClaim& claim : judgement_.nodes) taken_.insert(claim.node.trees.bidData);
     for (const FoundBlock& block : evidence_.blocks) {
-      const bool mayBeContext = block.kind == BlockKind::kPropertyContext || block.kind == BlockKind::kList;
-      if (!mayBeContext || !IsCandidate(block) || taken_.contains(block.bid)) continue;
+      if (!IsCandidate(block) || taken_.contains(block.bid)) continue;
+      const BlockKind kind = blocks_.KindOf(block);
+      if (kind != BlockKind::kPropertyContext && kind != BlockKind::kList) continue;
       run_.control.PausePoint();
       if (const auto identity = IdentityOf(block.bid)) tops_.push_back({identity->searchKey, block.bid});
     }

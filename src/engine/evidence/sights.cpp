@@ -5,17 +5,20 @@
 namespace velmora::engine {
 namespace {
 
-/// Two bits a method: enough for the kinds of data, of which there are three. Lists are the same under each.
+/// Two bits a method: enough for the kinds of data, of which there are four. Lists are the same under each.
 constexpr unsigned kKindBits = 2;
 constexpr unsigned kKindMask = (1u << kKindBits) - 1;
 constexpr unsigned kListMark = 1u << (kKindBits * kMethods.size());
-static_assert(static_cast<unsigned>(BlockKind::kTable) <= kKindMask);
+static_assert(static_cast<unsigned>(BlockKind::kPacked) == kKindMask);
 
 /// Ids that lists may name, for each block that was found and in all.
 constexpr std::size_t kNamesOfBlock = 4;
 constexpr std::size_t kNamesAtLeast = std::size_t{1} << 20;
 
-bool IsHeap(BlockKind kind) { return kind == BlockKind::kPropertyContext || kind == BlockKind::kTable; }
+/// Content that hardly comes out of decoding by the wrong method.
+bool IsTelling(BlockKind kind) {
+  return kind == BlockKind::kPropertyContext || kind == BlockKind::kTable || kind == BlockKind::kPacked;
+}
 
 }  // namespace
 
@@ -35,8 +38,8 @@ BlockKind UnpackKind(BlockKind packed, CryptMethod method) {
 
 void Sights::TakeWhole(const SeenTrailer& seen, std::uint64_t offset, Grade grade, std::span<const std::byte> stored,
                        std::uint64_t usedUpToIt) {
-  const Kinds kinds = KindsOf(stored, seen.trailer, *layout);
-  for (std::size_t i = 0; i < kinds.size(); ++i) votes[i] += IsHeap(kinds[i]) ? 1 : 0;
+  const Kinds kinds = KindsAtSight(stored, seen.trailer, *layout);
+  for (std::size_t i = 0; i < kinds.size(); ++i) votes[i] += IsTelling(kinds[i]) ? 1 : 0;
   if ((kinds[0] == BlockKind::kList || kinds[0] == BlockKind::kSubnodes) && MayName()) {
     ForEachReference(InternalBlock(stored, *layout), [this](Bid bid) { named.Insert(bid); });
   }

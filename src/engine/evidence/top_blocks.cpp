@@ -18,7 +18,7 @@ BlockKind KindBelow(const EvidenceView& view, const FoundBlock& list) {
     if (entries.EntryCount() == 0) return BlockKind::kData;
     block = view.Found().Find(entries.EntryBid(0, 0));
   }
-  return block ? block->kind : BlockKind::kData;
+  return block ? view.Blocks().KindOf(*block) : BlockKind::kData;
 }
 
 }  // namespace
@@ -28,7 +28,7 @@ TopBlocks FindTopBlocks(const EvidenceView& view) {
   for (const FoundBlock& block : view.Found().blocks) {
     if (block.isNamed) continue;
     const bool isList = block.kind == BlockKind::kList;
-    switch (isList ? KindBelow(view, block) : block.kind) {
+    switch (isList ? KindBelow(view, block) : view.Blocks().KindOf(block)) {
       case BlockKind::kPropertyContext:
         tops.contexts.push_back(block.bid);
         break;

@@ -42,8 +42,14 @@ class PackedBlockKindTest : public testing::TestWithParam<Encoding> {
     std::ranges::fill(std::span(stored).last(bytes), std::byte{0});
     const BlockTrailer trailer{
         .cb = static_cast<std::uint16_t>(block.size), .bid = Bid{bid}, .cbInflated = block.inflatedSize};
-    return KindsOf(stored, trailer, generations::kUnicode4k)[static_cast<std::size_t>(GetParam())];
+    const auto method = static_cast<std::size_t>(GetParam());
+    const BlockKind kind = KindsOf(stored, trailer, generations::kUnicode4k)[method];
+    EXPECT_EQ(velmora::engine::KindOf(stored, trailer, generations::kUnicode4k, kMethods[method]), kind);
+    atSight_ = KindsAtSight(stored, trailer, generations::kUnicode4k);
+    return kind;
   }
+
+  Kinds atSight_{};  ///< of the block that was asked for last
 };
 
 INSTANTIATE_TEST_SUITE_P(Encodings, PackedBlockKindTest,
@@ -67,6 +73,17 @@ TEST_P(PackedBlockKindTest, AHeapWhosePageMapDoesNotFitIsData) {
 TEST_P(PackedBlockKindTest, TextIsData) {
   for (const std::size_t size : {500, 20000}) {
     EXPECT_EQ(KindOf(std::vector(size, std::byte{'x'})), BlockKind::kData) << size;
+  }
+}
+
+TEST_P(PackedBlockKindTest, AtSightItIsKnownAsPackedUnderItsEncodingAlone) {
+  Kinds packed{};  // data under each
+  packed[static_cast<std::size_t>(GetParam())] = BlockKind::kPacked;
+  for (const std::size_t size : {500, 20000}) {
+    KindOf(Heap(kPropertyHeap, size));
+    EXPECT_EQ(atSight_, packed) << size;
+    KindOf(std::vector(size, std::byte{'x'}));
+    EXPECT_EQ(atSight_, packed) << size;
   }
 }
 

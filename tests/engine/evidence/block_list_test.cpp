@@ -15,7 +15,7 @@ FoundBlock BlockAt(std::uint64_t id, std::uint64_t offset) {
   return {.bid = Bid{id},
           .offset = offset,
           .cb = static_cast<std::uint16_t>(1 + id * 7 % 8176),
-          .kind = static_cast<BlockKind>(id / 4 % 5),
+          .kind = static_cast<BlockKind>(id / 4 % 6),
           .grade = static_cast<Grade>(id / 20 % 4),
           .isNamed = id / 80 % 2 != 0};
 }
@@ -98,7 +98,9 @@ TEST(BlockList, IsTakenFromTheFrontToTheLast) {
   while (list.TakeFirst(some)) {
     taken.insert(taken.end(), some.begin(), some.end());
     EXPECT_EQ(list.size(), 1000 - taken.size());
-    if (!list.empty()) EXPECT_EQ(list.FirstFrom(blocks[taken.size()].bid), 0u);
+    if (!list.empty()) {
+      EXPECT_EQ(list.FirstFrom(blocks[taken.size()].bid), 0u);
+    }
   }
   EXPECT_EQ(taken, blocks);
 }

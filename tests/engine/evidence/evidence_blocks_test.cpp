@@ -20,7 +20,13 @@ class EvidenceBlocksTest : public EvidenceTest, public testing::WithParamInterfa
     FillMailbox(box);
     bid_ = box.store().AddBlock(content_);
     box.store().AddNode(0x200FE4, bid_, 0, 0x8022);
+    context_ = AddContext(box.store());
     image_ = box.Finish();
+  }
+
+  /// One that shrinks where the format packs.
+  static forge::Bid AddContext(forge::Store& store) {
+    return store.AddDataBlocks(forge::FormContext(store, {forge::Text(0x0037, std::u16string(500, u'x'))}).blocks);
   }
 
   forge::Bytes Read() {
@@ -34,6 +40,7 @@ class EvidenceBlocksTest : public EvidenceTest, public testing::WithParamInterfa
 
   forge::Bytes content_;
   forge::Bid bid_ = 0;
+  forge::Bid context_ = 0;
   forge::Image image_;
   bool failed_ = false;
   bool isTrusted_ = false;
@@ -91,6 +98,37 @@ TEST_F(EvidenceTest, ABlockThatWasWholeAndIsNotAnyMoreFails) {
   std::vector<std::byte> read;
   EXPECT_FALSE(blocks.TryBlock(velmora::Bid{image.blocks[20].bid}, read));
   EXPECT_TRUE(blocks.TryBlock(velmora::Bid{image.blocks[21].bid}, read));
+}
+
+TEST_P(EvidenceBlocksTest, WhatAPackedBlockIsIsToldOnceItIsAsked) {
+  Judge(image_);
+  const EvidenceBlocks blocks(*source_, evidence_, judgement_);
+  const FoundBlock data = Block(bid_);
+  const FoundBlock context = Block(context_);
+  const bool isPacked = std::get<0>(GetParam()) == Format::kUnicode4k;
+  EXPECT_EQ(data.kind, isPacked ? BlockKind::kPacked : BlockKind::kData);
+  EXPECT_EQ(context.kind, isPacked ? BlockKind::kPacked : BlockKind::kPropertyContext);
+  EXPECT_EQ(blocks.KindOf(data), BlockKind::kData);
+  EXPECT_EQ(blocks.KindOf(context), BlockKind::kPropertyContext);
+}
+
+TEST_P(EvidenceBlocksTest, WhatAHurtBlockIsIsToldAsFarAsItGoes) {
+  const forge::PlacedBlock block = image_.Block(context_);
+  const bool isPacked = block.size != block.inflatedSize;
+  forge::BreakData(image_, block, isPacked ? block.size - 1u : block.size / 2u);  // the sum of the stream, or the text
+  Judge(image_);
+  EXPECT_EQ(Block(context_).grade, Grade::kHurt);
+  EXPECT_EQ(EvidenceBlocks(*source_, evidence_, judgement_).KindOf(Block(context_)), BlockKind::kPropertyContext);
+}
+
+TEST_P(EvidenceBlocksTest, APackedContextThatCannotBeReadAnyMoreIsTakenForDataAnotherWasToldBefore) {
+  Judge(image_);
+  forge::Image changed = image_;
+  forge::BreakData(changed, image_.Block(context_));
+  Source source;
+  source.Open(std::make_unique<platform::MemoryFile>(changed.bytes));
+  EXPECT_EQ(EvidenceBlocks(source, evidence_, judgement_).KindOf(Block(context_)),
+            std::get<0>(GetParam()) == Format::kUnicode4k ? BlockKind::kData : BlockKind::kPropertyContext);
 }
 
 TEST_P(EvidenceBlocksTest, NodesAreFoundIfTheyAreLive) {

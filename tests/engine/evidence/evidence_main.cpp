@@ -46,8 +46,8 @@ int Print(const char* path, std::string_view more) {
   const Judgement judgement = JudgeNodes(source, evidence, told, run);
   std::printf("exact %d %d\n", judgement.nodesAreExact, judgement.blocksAreExact);
   std::ranges::for_each(judgement.nodes, PrintNode);
+  const EvidenceBlocks blocks(source, evidence, judgement);
   if ((more == "--lost" || more == "--deleted") && evidence.layout != nullptr) {
-    const EvidenceBlocks blocks(source, evidence, judgement);
     const LostNodes lost = FindLostNodes(blocks, evidence, judgement, more == "--deleted", run);
     std::ranges::for_each(lost.nodes, PrintNode);
     for (const Nid nid : lost.gone) std::printf("gone %x\n", Value(nid));
@@ -57,7 +57,7 @@ int Print(const char* path, std::string_view more) {
   for (std::size_t i = 0; more == "--blocks" && i < evidence.blocks.size(); ++i) {
     const FoundBlock block = evidence.blocks[i];
     std::printf("block %s %s %s %d %jx %jx %d\n", kStatuses[static_cast<int>(judgement.statuses[i])],
-                kGrades[static_cast<int>(block.grade)], kKinds[static_cast<int>(block.kind)], block.isNamed,
+                kGrades[static_cast<int>(block.grade)], kKinds[static_cast<int>(blocks.KindOf(block))], block.isNamed,
                 static_cast<std::uintmax_t>(Value(block.bid)), static_cast<std::uintmax_t>(block.offset), block.cb);
   }
   return 0;

@@ -371,6 +371,15 @@ TEST_F(EvidenceTest, WhereNoHeapTellsTheEncodingTheHeaderDoes) {
   EXPECT_EQ(evidence_.encoding, CryptMethod::kCyclic);
 }
 
+TEST_F(EvidenceTest, PackedBlocksTellTheEncodingWithoutAHeaderWhateverIsInThem) {
+  forge::Store store({.format = Format::kUnicode4k, .encoding = Encoding::kCyclic, .compressed = true});
+  for (int i = 0; i < 3; ++i) store.AddBlock(forge::Bytes(3000, std::byte{'x'}));
+  forge::Image image = store.Finish();
+  forge::WipeHeader(image);
+  Find(image);
+  EXPECT_EQ(evidence_.encoding, CryptMethod::kCyclic);
+}
+
 TEST_F(EvidenceTest, AHeaderIsTakenForOneOnlyIfItProvesItself) {
   forge::Image image = SampleImage();
   Find(image);

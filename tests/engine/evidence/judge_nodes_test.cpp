@@ -74,10 +74,20 @@ TEST_P(JudgeEveryFormatTest, ALeafThatIsGoneTakesOnlyItsOwnNodesAlong) {
   EXPECT_EQ(live.size(), all.size() - 5) << "a leaf holds five";
 }
 
+/// Of a message: what tells its versions, and a value in a sub-node.
+forge::PropertyList Keyed(std::u16string_view text) {
+  return {forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
+          forge::Text(0x1000, u"body", forge::Place::kBlock)};
+}
+
 class JudgeNodesTest : public EvidenceTest {
  protected:
+  explicit JudgeNodesTest(const forge::StoreOptions& options = {.entriesPerPage = 4})
+      : store_(options), format_(options.format) {}
+
   /// Blocks of ids 4, 8 ... and an old page of the node tree ahead of the current ones, which is built by `fill`.
-  forge::Store store_{forge::StoreOptions{.entriesPerPage = 4}};
+  forge::Store store_;
+  Format format_;
 
   forge::Bid Context(std::u16string_view text, const forge::PropertyList& more = {}) {
     forge::PropertyList properties = {forge::Text(0x001A, u"IPM.Note"), forge::Text(0x0037, text)};
@@ -99,17 +109,17 @@ class JudgeNodesTest : public EvidenceTest {
   }
 
   forge::PlacedPage OldPage(const std::vector<forge::NodeEntry>& nodes) {
-    return store_.AddPage(forge::NodePage(Format::kUnicode, nodes));
+    return store_.AddPage(forge::NodePage(format_, nodes));
   }
   forge::PlacedPage OldBlockPage(const std::vector<forge::Bid>& bids) {
     std::vector<forge::BlockEntry> entries;
     for (const forge::Bid bid : bids) entries.push_back({.bid = bid, .offset = 0x10000, .size = 100});
-    return store_.AddPage(forge::BlockPage(Format::kUnicode, entries));
+    return store_.AddPage(forge::BlockPage(format_, entries));
   }
   forge::PlacedPage OldRoot(PageType type, const std::vector<std::pair<std::uint64_t, forge::PlacedPage>>& children) {
     forge::Bytes entries;
     for (const auto& [key, page] : children) {
-      forge::Append(entries, forge::FormEntry(Format::kUnicode, forge::BranchEntry{key, page.pageId, page.offset}));
+      forge::Append(entries, forge::FormEntry(format_, forge::BranchEntry{key, page.pageId, page.offset}));
     }
     return store_.AddPage({.type = type, .entries = entries, .level = 1});
   }
@@ -125,6 +135,28 @@ class JudgeNodesTest : public EvidenceTest {
   }
 
   bool Has(Standing standing, const forge::NodeEntry& node) const { return Nodes({standing}).contains(LineOf(node)); }
+
+  /// Of a message whose subject became `after` only an older page is left. Returns the block that has it.
+  forge::PlacedBlock ExpectNewerPropertiesAreTaken(std::u16string_view after) {
+    const auto old = forge::FormContext(store_, Keyed(u"before"));
+    const forge::Bid oldData = store_.AddDataBlocks(old.blocks);
+    const forge::Bid oldList = store_.AddSubnodes(old.subnodes);
+    OldPage({{.nid = 0x200024, .bidData = oldData, .bidSub = oldList, .nidParent = 0x8022}});
+    const auto now = forge::FormContext(store_, Keyed(after));
+    const forge::Bid list = store_.AddSubnodes(now.subnodes);
+    const forge::Bid data = store_.AddDataBlocks(now.blocks);
+    store_.AddNode(0x200024, data, list, 0x8022);
+    AddNodes(0x200044, 12);
+    forge::Image image = store_.Finish();
+    forge::WipeHeader(image);
+    for (const PageType type : {PageType::kBlocks, PageType::kNodes}) {
+      for (const forge::PlacedPage& page : image.TreePages(type)) WipePage(image, page);
+    }
+    Judge(image);
+    EXPECT_TRUE(Has(Standing::kLive, {0x200024, data, list, 0x8022}));
+    EXPECT_TRUE(Has(Standing::kOlder, {0x200024, oldData, oldList, 0x8022}));
+    return image.Block(data);
+  }
 };
 
 TEST_F(JudgeNodesTest, AnOldTreeThatIsWholeIsNotTakenForTheNewestBesideNewerLeaves) {
@@ -169,6 +201,53 @@ TEST_F(JudgeNodesTest, AnOldTreeIsNotTheNewestIfThereAreNewerContextsThanItNames
   store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
   AddNodes(0x200024, 3);
   ExpectNotExactWithoutHeaderAndPages();
+}
+
+class JudgePackedNodesTest : public JudgeNodesTest {
+ protected:
+  JudgePackedNodesTest() : JudgeNodesTest({.format = Format::kUnicode4k, .compressed = true, .entriesPerPage = 4}) {}
+
+  static bool IsPacked(const forge::PlacedBlock& block) { return block.size != block.inflatedSize; }
+
+  /// The node tree that is left is old, and of later blocks there is one of that content.
+  void JudgeBesideNewer(const forge::Bytes& content) {
+    const forge::Bid before = Context(u"before");
+    OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022}});
+    store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
+    const forge::Bid newer = store_.AddBlock(content);
+    store_.AddNode(0x200024, newer, 0, 0x8022);
+    forge::Image image = store_.Finish();
+    ASSERT_TRUE(IsPacked(image.Block(newer)));
+    forge::WipeHeader(image);
+    for (const forge::PlacedPage& page : image.TreePages(PageType::kNodes)) WipePage(image, page);
+    Judge(image);
+  }
+};
+
+TEST_F(JudgePackedNodesTest, AnOldTreeIsNotTheNewestIfThereIsANewerContextThanItNames) {
+  const std::u16string subject(500, u'x');
+  JudgeBesideNewer(forge::FormContext(store_, {forge::Text(0x0037, subject)}).blocks.front());
+  EXPECT_FALSE(judgement_.nodesAreExact);
+}
+
+TEST_F(JudgePackedNodesTest, DataThatIsNewerThanATreeSaysNothingAgainstIt) {
+  JudgeBesideNewer(forge::Bytes(3000, std::byte{'x'}));
+  EXPECT_TRUE(judgement_.nodesAreExact);
+}
+
+TEST_F(JudgeNodesTest, AHurtContextThatIsNewerThanATreeSaysNothingAgainstIt) {
+  const forge::Bid before = Context(u"before");
+  OldPage({{.nid = 0x200024, .bidData = before, .nidParent = 0x8022}});
+  store_.AddNode(0x100024, before, 0, 0x8022);  // so that its block is in use
+  const forge::Bid newer = Context(u"after");
+  store_.AddNode(0x200024, newer, 0, 0x8022);
+  forge::Image image = store_.Finish();
+  forge::WipeHeader(image);
+  for (const forge::PlacedPage& page : image.TreePages(PageType::kNodes)) WipePage(image, page);
+  forge::BreakData(image, image.Block(newer), image.Block(newer).size / 2u);
+  Judge(image);
+  EXPECT_EQ(Block(newer).kind, BlockKind::kPropertyContext) << "as far as one can tell";
+  EXPECT_TRUE(judgement_.nodesAreExact);
 }
 
 TEST_F(JudgeNodesTest, WhatIsNewerThanTheHeadersRootWasNeverCommitted) {
@@ -403,12 +482,6 @@ TEST_F(JudgeNodesTest, OfAHurtLeafAnEntryWhoseIdIsOutOfOrderDoesNotCount) {
   EXPECT_EQ(Nodes({Standing::kLive}), expected) << "which of the first two is the wrong one nothing tells";
 }
 
-/// Of a message: what tells its versions, and a value in a sub-node.
-forge::PropertyList Keyed(std::u16string_view text) {
-  return {forge::Binary(0x300B, forge::Noise(16, 9)), forge::Text(0x0037, text),
-          forge::Text(0x1000, u"body", forge::Place::kBlock)};
-}
-
 TEST_F(JudgeNodesTest, ACopyOfAMessageIsNoNewerVersionOfIt) {
   const auto old = forge::FormContext(store_, Keyed(u"before"));
   const forge::NodeEntry entry{0x200024, store_.AddDataBlocks(old.blocks), store_.AddSubnodes(old.subnodes), 0x8022};
@@ -426,23 +499,12 @@ TEST_F(JudgeNodesTest, ACopyOfAMessageIsNoNewerVersionOfIt) {
 }
 
 TEST_F(JudgeNodesTest, AMessageThatWasChangedAfterItsPageWasWrittenTakesItsNewerProperties) {
-  const auto old = forge::FormContext(store_, Keyed(u"before"));
-  const forge::Bid oldData = store_.AddDataBlocks(old.blocks);
-  const forge::Bid oldList = store_.AddSubnodes(old.subnodes);
-  OldPage({{.nid = 0x200024, .bidData = oldData, .bidSub = oldList, .nidParent = 0x8022}});
-  const auto now = forge::FormContext(store_, Keyed(u"after"));
-  const forge::Bid list = store_.AddSubnodes(now.subnodes);
-  const forge::Bid data = store_.AddDataBlocks(now.blocks);
-  store_.AddNode(0x200024, data, list, 0x8022);
-  AddNodes(0x200044, 12);
-  forge::Image image = store_.Finish();
-  forge::WipeHeader(image);
-  for (const PageType type : {PageType::kBlocks, PageType::kNodes}) {
-    for (const forge::PlacedPage& page : image.TreePages(type)) WipePage(image, page);
-  }
-  Judge(image);
-  EXPECT_TRUE(Has(Standing::kLive, {0x200024, data, list, 0x8022}));
-  EXPECT_TRUE(Has(Standing::kOlder, {0x200024, oldData, oldList, 0x8022}));
+  ExpectNewerPropertiesAreTaken(u"after");
+}
+
+TEST_F(JudgePackedNodesTest, AMessageThatWasChangedAfterItsPageWasWrittenTakesItsNewerProperties) {
+  const std::u16string after(500, u'x');
+  EXPECT_TRUE(IsPacked(ExpectNewerPropertiesAreTaken(after)));
 }
 
 TEST_F(JudgeNodesTest, WithoutPagesThereAreNoNodesAndEveryBlockIsUnknown) {

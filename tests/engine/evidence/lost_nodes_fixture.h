@@ -33,7 +33,7 @@ class WreckedStore {
     for (const forge::PlacedBlock& placed : image.blocks) {
       const Bid bid = Canonical(Bid{placed.bid});
       reader_->ReadBlock(bid, content);
-      const FoundBlock block{.bid = bid, .offset = placed.offset, .cb = placed.size, .kind = KindOf(bid, content)};
+      const FoundBlock block{.bid = bid, .offset = placed.offset, .cb = placed.size, .kind = KindOf(placed, content)};
       if (IsInternal(bid)) {
         ForEachReference(InternalBlock(content, reader_->Format()), [&](Bid child) { named.insert(Canonical(child)); });
       }
@@ -94,8 +94,9 @@ class WreckedStore {
   Evidence& Found() { return evidence_; }
 
  private:
-  static BlockKind KindOf(Bid bid, std::span<const std::byte> content) {
-    if (IsInternal(bid)) {
+  static BlockKind KindOf(const forge::PlacedBlock& placed, std::span<const std::byte> content) {
+    if (placed.size != placed.inflatedSize) return BlockKind::kPacked;
+    if (IsInternal(Bid{placed.bid})) {
       return DecodeInternalHead(content).btype == BlockType::kDataTree ? BlockKind::kList : BlockKind::kSubnodes;
     }
     if (content.size() < kHnHdrSize) return BlockKind::kData;

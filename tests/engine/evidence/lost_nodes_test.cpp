@@ -49,7 +49,8 @@ const FolderRow* RowOf(const LostNodes& lost, forge::Nid nid) {
 
 class LostNodesTest : public testing::TestWithParam<forge::Format> {
  protected:
-  LostNodesTest() : box_({.format = GetParam()}, {.tables = true}) {}
+  LostNodesTest()
+      : box_({.format = GetParam(), .compressed = GetParam() == forge::Format::kUnicode4k}, {.tables = true}) {}
 
   forge::Store& Store() { return box_.store(); }
 
@@ -114,6 +115,19 @@ TEST_P(LostNodesTest, WithoutAnyNodeEveryMessageAndFolderIsInItsPlace) {
   EXPECT_EQ(ClaimTo(lost, forge::kStoreNode).node, store.Entry(forge::kStoreNode));
   EXPECT_EQ(ClaimTo(lost, forge::kNameMapNode).node, store.Entry(forge::kNameMapNode));
   EXPECT_EQ(ClaimTo(lost, deep).node, store.Entry(deep)) << "with its own properties";
+}
+
+TEST_P(LostNodesTest, AMessageWhosePropertiesFillSeveralBlocksIsFound) {
+  const auto inbox = box_.AddFolder({.name = u"Inbox"});
+  Message letter = LetterTo(u"Long", 1);
+  for (std::uint16_t id = 0x6800; id < 0x6850; ++id) {
+    letter.properties.push_back(forge::Text(id, std::u16string(1000, u'x'), forge::Place::kHeap));
+  }
+  const auto added = box_.AddMessage(inbox, letter);
+  WreckedStore store(box_.Finish());
+  ASSERT_TRUE(IsInternal(store.Entry(added.nid).trees.bidData)) << "a list of blocks";
+  store.LoseAllNodes();
+  EXPECT_EQ(ClaimTo(store.Find(), added.nid).node, store.Entry(added.nid));
 }
 
 TEST_P(LostNodesTest, AFolderKnownByItsRowAloneKeepsItsNameAndItsClass) {
