@@ -48,7 +48,9 @@ void ReadAhead::Reach(std::size_t index) {
   while (next_ < nodes_.size() && batches_.size() < ahead) Start();
   if (batches_.empty()) return;
   Batch& batch = batches_.front();
-  batch.step->Wait();
+  // Whoever would wait for another one to read it reads one more meanwhile.
+  if (batch.step->Now() == platform::Workers::Step::State::kRunning && next_ < nodes_.size()) Start();
+  batch.step->WorkUntilDone();
   source_.Use(batch.blocks.get());
   if (batch.blocks->IsFull()) messagesOfBatch_ = std::max(messagesOfBatch_ * 3 / 4, kFewestMessages);
   if (batch.blocks->HasRoom()) messagesOfBatch_ = std::min(messagesOfBatch_ * 5 / 4, kMostMessages);

@@ -14,7 +14,8 @@
 
 namespace velmora::complete {
 
-/// Reads batches of messages, as many at a time as there are jobs. What is copied does not depend on it.
+/// Reads batches of messages, as many at a time as there are jobs, and one more where it would have to wait. What is
+/// copied does not depend on it.
 class ReadAhead {
  public:
   /// `source` gets the blocks, `nodes` are those of which Reach is told; both must outlive it. Messages that `isWanted`
