@@ -10,8 +10,8 @@ constexpr PropTag kMessageCodepage = 0x3FFD0003;
 constexpr PropTag kMessageLocaleId = 0x3FF10003;
 constexpr PropTag kInternetCodepage = 0x3FDE0003;
 
-/// Messages that are asked for their page; more do not change the answer.
-constexpr std::size_t kMostAsked = 500;
+/// Messages that are asked for their page, all over the store; more do not change the answer.
+constexpr std::size_t kMostAsked = 1000;
 
 constexpr int kWesternEurope = 1252;
 
@@ -63,17 +63,18 @@ std::optional<int> NumberOf(ltp::PropertyContext& message) {
 
 TextPages::TextPages(const LiveStore& source, const text::CodePage& last) : last_(last), ofStore_(&last) {
   if (source.Format().formatId != FORMAT_ANSI) return;
+  const auto isMessage = [](const ndb::NodeEntry& node) { return IsMessage(node.nid); };
+  const auto messages = static_cast<std::size_t>(std::ranges::count_if(source.Nodes(), isMessage));
+  const std::size_t step = (messages + kMostAsked - 1) / kMostAsked;
   std::map<int, std::size_t> told;
-  std::size_t asked = 0;
+  std::size_t number = 0;
   for (const ndb::NodeEntry& node : source.Nodes()) {
-    if (!IsMessage(node.nid)) continue;
-    if (asked == kMostAsked) break;
+    if (!IsMessage(node.nid) || number++ % step != 0) continue;
     ndb::Faults faults(node.nid);
     auto message = IfReadable([&] { return ltp::PropertyContext::Open(source, node.trees, &faults); });
-    const auto number = message ? NumberOf(*message) : std::nullopt;
-    if (!number || Find(*number) == nullptr) continue;
-    ++told[*number];
-    ++asked;
+    const auto page = message ? NumberOf(*message) : std::nullopt;
+    if (!page || Find(*page) == nullptr) continue;
+    ++told[*page];
   }
   const auto most = std::ranges::max_element(told, {}, [](const auto& entry) { return entry.second; });
   if (most != told.end()) ofStore_ = Find(most->first);
