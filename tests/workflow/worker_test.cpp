@@ -96,7 +96,9 @@ TEST_F(WorkerTest, WhatAWindowOfACallWaitsForComesWhileItWaits) {
   std::vector<std::uint32_t> numbers;
   WorkerLink link([&](const engine::Event& event) {
     const std::uint32_t nid = std::get<engine::FolderReached>(event).nid;
-    if (nid == 1) EXPECT_TRUE(Comes([&] { return numbers.size() == 2; }));
+    if (nid == 1) {
+      EXPECT_TRUE(Comes([&] { return numbers.size() == 2; }));
+    }
     numbers.push_back(nid);
   });
   std::atomic<bool> ended{false};
