@@ -5,12 +5,16 @@
 #include "engine/read_runs.h"
 #include "store/format/block.h"
 #include "store/format/checksum.h"
+#include "store/format/inflate.h"
 
 namespace velmora::engine {
 namespace {
 
 /// Lists above lists above lists, in messages within messages.
 constexpr int kMostLevels = 32;
+
+/// Bytes of memory for contents of packed blocks that are taken together.
+constexpr std::size_t kInflatedAtOnce = std::size_t{256} << 10;
 
 /// Two messages that lie no farther apart than this may have between them what is theirs.
 constexpr std::uint64_t kSpanOfMessage = 256 << 10;
@@ -115,19 +119,31 @@ void BlocksAhead::Take(const Placed& placed) {
   Block block{found.bid, stored, false, trailer.dwCRC};
   if (keepStored_ && placed.part == Part::kValue && !IsInternal(found.bid)) {
     block.isEncoded = true;
-  } else if (layout.offInflatedSize == 0) {
-    if (!IsInternal(found.bid)) DecodeBlock(store_.Found().encoding, found.bid, stored);
-  } else {
-    if (trailer.cbInflated > inflatedLeft_) {
-      isFull_ = true;
-      return;
+  } else if (!IsInternal(found.bid)) {
+    DecodeBlock(store_.Found().encoding, found.bid, stored);
+    if (trailer.cbInflated != found.cb) {
+      const auto content = RoomFor(trailer.cbInflated);
+      if (!content || !Inflate(stored, *content)) return;
+      block.bytes = *content;
     }
-    std::vector<std::byte> content(onDisk.begin(), onDisk.end());
-    if (!UnpackBlock(content, found.bid, found.cb, store_.Found().encoding, layout)) return;
-    inflatedLeft_ -= std::min(inflatedLeft_, content.size());
-    block.bytes = inflated_.emplace_back(std::move(content));
   }
   blocks_.push_back(block);
+}
+
+/// Memory for the content of a packed block; nothing where that would be too much.
+std::optional<std::span<std::byte>> BlocksAhead::RoomFor(std::size_t size) {
+  if (size > inflatedLeft_) {
+    isFull_ = true;
+    return std::nullopt;
+  }
+  inflatedLeft_ -= size;
+  if (inflated_.empty() || size > room_.size()) {
+    const std::size_t bytes = std::max(size, kInflatedAtOnce);
+    room_ = {inflated_.emplace_back(std::make_unique_for_overwrite<std::byte[]>(bytes)).get(), bytes};
+  }
+  const auto content = room_.first(size);
+  room_ = room_.subspan(size);
+  return content;
 }
 
 void BlocksAhead::AskBelow(const Wanted& above, std::vector<Wanted>& below) {

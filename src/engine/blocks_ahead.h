@@ -68,6 +68,7 @@ class BlocksAhead {
   void Read(std::span<const Placed> placed, bool withWhatLiesBetween);
   std::ptrdiff_t TakeGaps(std::span<const Placed> blocks);
   void Take(const Placed& placed);
+  std::optional<std::span<std::byte>> RoomFor(std::size_t size);
   void AskBelow(const Wanted& above, std::vector<Wanted>& below);
   const Block* Among(Bid bid) const;
 
@@ -77,9 +78,10 @@ class BlocksAhead {
   std::size_t inflatedLeft_ = kMostBytes;
   bool isFull_ = false;
   BidSet asked_;
-  std::vector<Block> blocks_;                     ///< by ascending id
-  PiecesRead pieces_;                             ///< memory of the blocks
-  std::vector<std::vector<std::byte>> inflated_;  ///< likewise, where blocks are packed
+  std::vector<Block> blocks_;                           ///< by ascending id
+  PiecesRead pieces_;                                   ///< memory of the blocks
+  std::vector<std::unique_ptr<std::byte[]>> inflated_;  ///< likewise, where blocks are packed
+  std::span<std::byte> room_;                           ///< of the last of these, what is left
 };
 
 }  // namespace velmora::engine

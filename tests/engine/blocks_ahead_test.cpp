@@ -188,5 +188,74 @@ TEST_P(BlocksAheadTest, LeaveOutBlocksThatAreNotWhatTheyWere) {
   EXPECT_TRUE(ahead.Find(Messages(*store).back().bidData, content));
 }
 
+class PackedBlocksAheadTest : public BlocksAheadTest {
+ protected:
+  /// A mail with an attachment of so many bytes, of which each block shrinks by about half.
+  static forge::Bytes Forge(std::size_t attached) {
+    forge::Bytes halves = forge::Noise(attached, 3);
+    for (std::byte& half : halves) half &= std::byte{0xF};
+    forge::Mailbox box({.format = GetParam(), .encoding = forge::Encoding::kPermute, .compressed = true},
+                       {.tables = true});
+    box.AddMessage(box.AddFolder({.name = u"Inbox"}), {.attachments = {{.name = u"a", .data = halves}}});
+    return box.Finish().bytes;
+  }
+
+  /// The blocks of the mail that are packed.
+  static std::vector<Bid> PackedOf(const ProvenStore& store) {
+    std::vector<Bid> packed;
+    std::vector<std::byte> buffer;
+    for (const Bid bid : BlocksOf(store, Messages(store).front())) {
+      std::vector<std::byte> content;
+      store.ReadBlock(bid, content);
+      if (store.FindStored(bid, buffer)->bytes.size() != content.size()) packed.push_back(bid);
+    }
+    return packed;
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Formats, PackedBlocksAheadTest, ::testing::Values(forge::Format::kUnicode4k));
+
+TEST_P(PackedBlocksAheadTest, HoldThemInflated) {
+  const auto store = Prove(Forge(700'000));
+  const BlocksAhead ahead(*store, Messages(*store), false);
+  EXPECT_FALSE(ahead.IsFull());
+  const std::vector<Bid> packed = PackedOf(*store);
+  ASSERT_GT(packed.size(), 10U);
+  std::vector<std::byte> content;
+  std::vector<std::byte> expected;
+  for (const Bid bid : packed) {
+    store->ReadBlock(bid, expected);
+    ASSERT_TRUE(ahead.Find(bid, content)) << Value(bid);
+    EXPECT_TRUE(content == expected) << Value(bid);
+  }
+}
+
+TEST_P(PackedBlocksAheadTest, StopWhereTheirContentTakesTooMuchRoom) {
+  const auto store = Prove(Forge(BlocksAhead::kMostBytes * 5 / 4));
+  const BlocksAhead ahead(*store, Messages(*store), false);
+  EXPECT_TRUE(ahead.IsFull());
+  std::size_t bytes = 0;
+  std::vector<std::byte> content;
+  for (const Bid bid : PackedOf(*store)) bytes += ahead.Find(bid, content) ? content.size() : 0;
+  EXPECT_LE(bytes, BlocksAhead::kMostBytes);
+  EXPECT_GT(bytes, BlocksAhead::kMostBytes / 2);
+}
+
+TEST_P(PackedBlocksAheadTest, LeaveOutOneThatDoesNotInflate) {
+  forge::Bytes bytes = Forge(200'000);
+  const auto before = Prove(bytes);
+  const Bid bid = PackedOf(*before).back();
+  const FoundBlock block = *before->Found().Find(bid);
+  const Generation& layout = before->Format();
+  const auto whole = std::span(bytes).subspan(block.offset, BlockSizeOnDisk(block.cb, layout));
+  whole[block.cb - 1u] ^= std::byte{1};  // in the sum of the stream
+  Store(whole.last(layout.blockTrailerSize), layout.offBlockCrc, WeakCrc(whole.first(block.cb)));
+  const auto store = Prove(bytes);
+  const BlocksAhead ahead(*store, Messages(*store), false);
+  std::vector<std::byte> content;
+  EXPECT_TRUE(store->IsTrusted(bid)) << "its checksum fits";
+  EXPECT_FALSE(ahead.Find(bid, content));
+  EXPECT_TRUE(ahead.Find(PackedOf(*before).front(), content));
+}
+
 }  // namespace
 }  // namespace velmora::engine
