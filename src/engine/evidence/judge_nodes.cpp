@@ -121,6 +121,7 @@ class NodeJudge {
     for (std::size_t i = evidence_.blocks.FirstFrom(Bid{Value(highest) + 1}); i < evidence_.blocks.size(); ++i) {
       const FoundBlock block = evidence_.blocks[i];
       if (block.isNamed || block.grade == Grade::kHurt || judgement_.statuses[i] == BlockStatus::kFreed) continue;
+      run_.control.PausePoint();
       const BlockKind kind = blocks_.KindOf(block);
       if (kind != BlockKind::kData && kind != BlockKind::kList) return false;
     }

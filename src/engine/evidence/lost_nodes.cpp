@@ -53,7 +53,7 @@ class LostSearch {
   }
 
   LostNodes Search() {
-    const TopBlocks tops = FindTopBlocks(view_);
+    const TopBlocks tops = FindTopBlocks(view_, run_);
     const SubnodeLists lists(view_, tops.lists, run_);
     tables_ = ReadFolderTables(view_, tops.tables, lists, rows_, run_);
     rows_.Seal();

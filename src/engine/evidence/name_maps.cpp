@@ -34,7 +34,7 @@ bool IsNameMap(const ltp::PropertyContext& context) {
 
 std::vector<ndb::NodeTrees> FindNameMaps(const EvidenceBlocks& blocks, const Evidence& evidence,
                                          const Judgement& judgement, RunContext& run) {
-  const TopBlocks tops = FindTopBlocks(EvidenceView(blocks, evidence, judgement));
+  const TopBlocks tops = FindTopBlocks(EvidenceView(blocks, evidence, judgement), run);
   std::vector<FoundMap> maps;
   for (auto bid = tops.contexts.rbegin(); bid != tops.contexts.rend() && maps.size() < kMostMaps; ++bid) {
     run.control.PausePoint();

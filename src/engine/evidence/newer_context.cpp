@@ -72,9 +72,9 @@ class ContextSeeker {
     for (const NodeClaim& claim : judgement_.nodes) taken_.insert(claim.node.trees.bidData);
     for (const FoundBlock& block : evidence_.blocks) {
       if (!IsCandidate(block) || taken_.contains(block.bid)) continue;
+      run_.control.PausePoint();
       const BlockKind kind = blocks_.KindOf(block);
       if (kind != BlockKind::kPropertyContext && kind != BlockKind::kList) continue;
-      run_.control.PausePoint();
       if (const auto identity = IdentityOf(block.bid)) tops_.push_back({identity->searchKey, block.bid});
     }
     std::ranges::sort(tops_);

@@ -23,10 +23,11 @@ BlockKind KindBelow(const EvidenceView& view, const FoundBlock& list) {
 
 }  // namespace
 
-TopBlocks FindTopBlocks(const EvidenceView& view) {
+TopBlocks FindTopBlocks(const EvidenceView& view, RunContext& run) {
   TopBlocks tops;
   for (const FoundBlock& block : view.Found().blocks) {
     if (block.isNamed) continue;
+    run.control.PausePoint();  // packed ones are read
     const bool isList = block.kind == BlockKind::kList;
     switch (isList ? KindBelow(view, block) : view.Blocks().KindOf(block)) {
       case BlockKind::kPropertyContext:

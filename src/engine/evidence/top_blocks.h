@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/evidence/evidence_view.h"
+#include "engine/run.h"
 
 namespace velmora::engine {
 
@@ -17,6 +18,6 @@ struct TopBlocks {
   std::vector<Bid> lists;  ///< of sub-nodes
 };
 
-TopBlocks FindTopBlocks(const EvidenceView& view);
+TopBlocks FindTopBlocks(const EvidenceView& view, RunContext& run);
 
 }  // namespace velmora::engine
