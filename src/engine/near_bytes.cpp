@@ -9,6 +9,12 @@ namespace {
 /// So that a block that begins in a window mostly ends there.
 constexpr std::size_t kBehindWindow = std::size_t{16} << 10;
 
+/// More than this of one request a system may leave out.
+constexpr std::uint64_t kPrefetch = std::uint64_t{128} << 10;
+
+/// How far the system is asked ahead of a reader.
+constexpr std::uint64_t kPrefetchAhead = std::uint64_t{1} << 20;
+
 /// A larger one costs more for its bytes than for asking.
 constexpr std::size_t kSmallRead = 4096;
 
@@ -29,7 +35,7 @@ bool NearBytes::IsNear(std::uint64_t offset) const {
 
 void NearBytes::Fill(Window& window) const {
   if (window.bytes == nullptr) window.bytes = std::make_unique_for_overwrite<std::byte[]>(kMostAhead + kBehindWindow);
-  const auto read = bytes_->ReadAt(window.begin, {window.bytes.get(), window.length + kBehindWindow});
+  const auto read = ReadFromDisk(window.begin, {window.bytes.get(), window.length + kBehindWindow});
   window.size = read.value_or(0);
   window.hasFailed = !read;
 }
@@ -84,22 +90,47 @@ bool NearBytes::TakeAhead(std::uint64_t offset) const {
   return true;
 }
 
+void NearBytes::NoteRead(std::uint64_t offset, std::size_t size) const {
+  const auto older = [](std::uint64_t bytes) { return bytes - bytes / 16; };
+  asked_ = older(asked_) + size;
+  way_ = older(way_) + std::min<std::uint64_t>(std::max(offset, last_) - std::min(offset, last_), kWindow);
+  last_ = offset;
+}
+
+/// Asks the system for what lies from the offset on, ahead of those who will want it. A disk with bad places would try
+/// them for seconds, though nobody may want what stands there.
+bool NearBytes::IsPrefetched(std::uint64_t offset) const {
+  if (diskHasFailed_) return false;
+  if (offset < prefetchedFrom_ || offset >= prefetchedTo_) {
+    prefetchedFrom_ = prefetchedTo_ = offset / kWindow * kWindow;
+  }
+  for (; prefetchedTo_ < std::min(Size(), offset + kPrefetchAhead); prefetchedTo_ += kPrefetch) {
+    if (!bytes_->Prefetch(prefetchedTo_, kPrefetch)) return false;
+  }
+  return true;
+}
+
+platform::Result<std::size_t> NearBytes::ReadFromDisk(std::uint64_t offset, std::span<std::byte> out) const {
+  auto read = bytes_->ReadAt(offset, out);
+  if (!read) diskHasFailed_ = true;
+  return read;
+}
+
 platform::Result<std::size_t> NearBytes::ReadAt(std::uint64_t offset, std::span<std::byte> out) const {
-  if (out.empty() || out.size() > kWindow) return bytes_->ReadAt(offset, out);
+  if (out.empty() || out.size() > kWindow) return ReadFromDisk(offset, out);
   const std::lock_guard lock(mutex_);
   const auto held = [&] {
     const auto part = windows_[newest_].Part(offset, out.size());
     return part.empty() ? windows_[1 - newest_].Part(offset, out.size()) : part;
   };
   std::span<const std::byte> part = held();
-  if (part.empty() && TakeAhead(offset)) {
-    part = held();
-  } else if (part.empty() && out.size() <= kSmallRead && !hasFailed_ && IsNear(offset)) {
-    Load(offset);
+  const bool mayLoad = out.size() <= kSmallRead && !hasFailed_ && IsNear(offset);
+  if (part.empty() && !(mayLoad && IsSparse() && IsPrefetched(offset))) {
+    if (!TakeAhead(offset) && mayLoad) Load(offset);
     part = held();
   }
-  last_ = offset;
-  if (part.empty()) return bytes_->ReadAt(offset, out);
+  NoteRead(offset, out.size());
+  if (part.empty()) return ReadFromDisk(offset, out);
   std::memcpy(out.data(), part.data(), out.size());
   return out.size();
 }

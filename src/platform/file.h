@@ -24,6 +24,10 @@ class ByteSource {
   /// Reads up to `out.size()` bytes at `offset` and returns the number delivered, which is short only at
   /// the end of the source; 0 at or beyond the end.
   virtual Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::byte> out) const = 0;
+
+  /// Asks the system to bring `length` bytes at `offset` into its memory while the caller goes on; what cannot be
+  /// read there is no failure. False where it cannot be asked.
+  virtual bool Prefetch(std::uint64_t /*offset*/, std::uint64_t /*length*/) const { return false; }
 };
 
 /// Bytes that can be written and read back at any offset. One thread changes it at a time, but that another may at the

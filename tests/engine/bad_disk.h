@@ -34,6 +34,13 @@ class BadDisk : public platform::ByteSource {
     return content_->ReadAt(offset, out);
   }
 
+  /// Where somebody counts them.
+  bool Prefetch(std::uint64_t offset, std::uint64_t length) const override {
+    if (prefetched != nullptr) prefetched->emplace_back(offset, offset + length);
+    return prefetched != nullptr;
+  }
+
+  std::vector<std::pair<std::uint64_t, std::uint64_t>>* prefetched = nullptr;  ///< from the first to before the second
   mutable std::atomic<int> reads = 0;
   mutable std::atomic<int> failures = 0;
   mutable std::atomic<std::uint64_t> bytesRead = 0;

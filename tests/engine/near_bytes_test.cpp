@@ -24,8 +24,10 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
     Open({});
   }
 
-  void Open(std::vector<BadPlace> bad) {
-    disk_ = std::make_shared<BadDisk>(std::make_unique<platform::MemoryFile>(content_), std::move(bad));
+  void Open(std::vector<BadPlace> bad, bool canPrefetch = false) {
+    auto disk = std::make_shared<BadDisk>(std::make_unique<platform::MemoryFile>(content_), std::move(bad));
+    if (canPrefetch) disk->prefetched = &prefetched_;
+    disk_ = std::move(disk);
     bytes_ = std::make_unique<NearBytes>(disk_, workers_);
   }
 
@@ -40,6 +42,15 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
                       content_.begin() + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(offset, kSizeOfDisk)))
                ? testing::AssertionSuccess()
                : testing::AssertionFailure() << "other bytes at " << offset;
+  }
+
+  /// A small read in every 10,000 bytes from one offset to before another; `times` of them in all.
+  testing::AssertionResult AreReadHereAndThere(std::uint64_t begin, std::uint64_t end, int& times) {
+    for (std::uint64_t offset = begin; offset < end; offset += 10'000, ++times) {
+      const auto isRead = IsRead(offset, 500);
+      if (!isRead) return isRead;
+    }
+    return testing::AssertionSuccess();
   }
 
   /// Small reads of all bytes from one offset to before another.
@@ -69,6 +80,7 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
   }
 
   platform::Workers workers_{GetParam()};
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> prefetched_;
   std::vector<std::byte> content_ = std::vector<std::byte>(kSizeOfDisk);
   std::shared_ptr<const BadDisk> disk_;
   std::unique_ptr<NearBytes> bytes_;
@@ -170,10 +182,82 @@ TEST_P(NearBytesTest, ReadsThatGoToAndFroOverTheEndOfAWindowTakeNoMore) {
   EXPECT_TRUE(WasReadFor(3, 0));
 }
 
+TEST_P(NearBytesTest, NoWindowIsReadAnyMoreBehindReadsOfAllBytes) {
+  Open({}, true);
+  ASSERT_TRUE(AreRead(0, 5 * kOneWindow));
+  AwaitBeginnings();
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(5 * kOneWindow, 20 * kOneWindow, times));
+  const std::uint64_t before = disk_->bytesRead;
+  ASSERT_TRUE(AreReadHereAndThere(20 * kOneWindow, 29 * kOneWindow, times));
+  EXPECT_EQ(disk_->bytesRead - before, 59U * 500);
+}
+
 TEST_P(NearBytesTest, ReadsThatLieFarApartAreMadeAsTheyAre) {
+  Open({}, true);
   for (std::uint64_t i = 0; i < 30; ++i) ASSERT_TRUE(IsRead(i * 7 % 10 * kOneWindow + i, 500));
   EXPECT_EQ(disk_->reads, 30);
   EXPECT_EQ(disk_->bytesRead, 30U * 500);
+  EXPECT_EQ(prefetched_.size(), 0U);
+}
+
+TEST_P(NearBytesTest, OfALittleHereAndThereNoWindowIsReadWhereTheSystemBringsTheRest) {
+  Open({}, true);
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(kOneWindow + 100, 10 * kOneWindow, times));
+  EXPECT_EQ(disk_->reads, times);
+  EXPECT_EQ(disk_->bytesRead, 500U * static_cast<unsigned>(times));
+  std::uint64_t end = kOneWindow;  // the one around the second read, which is the first that is near another
+  for (const auto& [from, to] : prefetched_) {
+    EXPECT_EQ(from, end) << "no byte twice, and none passed over";
+    EXPECT_EQ(to - from, 2 * kOneWindow);
+    end = to;
+  }
+  EXPECT_GE(end, 10 * kOneWindow - 10'000 + (1 << 20)) << "a megabyte ahead of the reader";
+  EXPECT_LT(end, 10 * kOneWindow + (1 << 20) + 2 * kOneWindow);
+}
+
+TEST_P(NearBytesTest, TheSystemIsAskedForNothingBehindTheEnd) {
+  Open({}, true);
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(28 * kOneWindow, kSizeOfDisk, times));
+  ASSERT_EQ(prefetched_.size(), 2U);
+  EXPECT_EQ(prefetched_.back().first, 30 * kOneWindow) << "of 100 bytes";
+}
+
+TEST_P(NearBytesTest, ReadsThatGoElsewhereHaveTheSystemBringWhatLiesThere) {
+  Open({}, true);
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(20 * kOneWindow, 21 * kOneWindow, times));
+  prefetched_.clear();
+  ASSERT_TRUE(AreReadHereAndThere(2 * kOneWindow, 3 * kOneWindow, times));
+  ASSERT_FALSE(prefetched_.empty());
+  EXPECT_EQ(prefetched_.front().first, 2 * kOneWindow);
+}
+
+TEST_P(NearBytesTest, OfALittleHereAndThereWindowsAreReadWhereTheSystemCannotBeAsked) {
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(0, 20 * kOneWindow, times));
+  EXPECT_LT(disk_->reads, 20) << "of " << times;
+}
+
+TEST_P(NearBytesTest, WindowsAreReadAgainWhereAllIsAskedForAgain) {
+  Open({}, true);
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(0, 10 * kOneWindow, times));
+  const auto asked = prefetched_.size();
+  ASSERT_TRUE(AreRead(10 * kOneWindow, 20 * kOneWindow));
+  EXPECT_LT(disk_->reads, times + 50) << "though 655 were asked for";
+  EXPECT_LE(prefetched_.size(), asked + 1);
+}
+
+TEST_P(NearBytesTest, ADiskThatFailedIsNotAskedToReadAheadByItself) {
+  Open({{kOneWindow, kOneWindow + 512}}, true);
+  EXPECT_FALSE(IsRead(0, 2 * kOneWindow)) << "large, as by who looks through all of it";
+  int times = 0;
+  ASSERT_TRUE(AreReadHereAndThere(3 * kOneWindow, 20 * kOneWindow, times));
+  EXPECT_EQ(prefetched_.size(), 0U);
+  EXPECT_LT(disk_->reads, 20) << "windows, and " << times << " were asked for";
 }
 
 TEST_P(NearBytesTest, ADiskThatFailsIsAskedForNoMoreThanIsWanted) {

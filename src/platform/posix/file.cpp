@@ -57,6 +57,11 @@ class SystemFile : public ByteStore {
     return done;
   }
 
+  bool Prefetch(std::uint64_t offset, std::uint64_t length) const override {
+    return ::posix_fadvise(descriptor_.Get(), static_cast<off_t>(offset), static_cast<off_t>(length),
+                           POSIX_FADV_WILLNEED) == 0;
+  }
+
   Result<void> WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
     std::size_t done = 0;
     while (done < bytes.size()) {
