@@ -1,6 +1,7 @@
 #include "complete/references.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "store/format/little_endian.h"
 
@@ -12,6 +13,11 @@ constexpr std::size_t kFlags = 4;
 constexpr std::size_t kKey = sizeof(messaging::Uid);
 constexpr std::size_t kEntryId = kFlags + kKey + sizeof(std::uint32_t);
 
+/// The library looks for bytes faster in a text than by std::ranges::search.
+std::string_view AsText(std::span<const std::byte> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 }  // namespace
 
 bool References::IsEntryId(std::span<const std::byte> value) const {
@@ -21,12 +27,10 @@ bool References::IsEntryId(std::span<const std::byte> value) const {
 std::size_t References::Rewrite(std::span<std::byte> value) const {
   if (!sourceKey_) return 0;
   std::size_t stayed = 0;
-  auto rest = value;
-  while (rest.size() >= kEntryId) {
-    const auto key = std::ranges::search(rest.subspan(kFlags), *sourceKey_);
-    const auto at = static_cast<std::size_t>(key.begin() - rest.begin());
-    if (key.empty() || at + kKey + sizeof(std::uint32_t) > rest.size()) break;
-    const auto entryId = rest.subspan(at - kFlags, kEntryId);
+  const std::string_view text = AsText(value);
+  for (std::size_t at = kFlags; (at = text.find(AsText(*sourceKey_), at)) != text.npos; at += kKey + kFlags) {
+    if (text.size() - at < kEntryId - kFlags) break;
+    const auto entryId = value.subspan(at - kFlags, kEntryId);
     if (const auto node = messaging::NodeOfEntryId(entryId, *sourceKey_)) {
       if (const auto target = targetOf_(*node)) {
         std::ranges::copy(messaging::NodeEntryId(targetKey_, *target), entryId.begin());
@@ -34,7 +38,6 @@ std::size_t References::Rewrite(std::span<std::byte> value) const {
         ++stayed;
       }
     }
-    rest = rest.subspan(at + kKey);
   }
   return stayed;
 }
