@@ -1,9 +1,11 @@
 #include "engine/evidence/block_evidence.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "engine/evidence/inflate_part.h"
+#include "engine/evidence/stretch.h"
 #include "store/format/byte_view.h"
 #include "store/format/heap_format.h"
 #include "store/format/inflate.h"
@@ -18,12 +20,13 @@ constexpr std::size_t kPackedHead = 1024;
 /// and tables, of which more than the first bytes is asked for.
 constexpr std::size_t kSmall = 4096;
 
+/// Memory for a part of a block's content.
+using PartBytes = std::array<std::byte, kLargestBlock>;
+
 /// Parts of a block's content under one method.
 class Content {
  public:
-  /// `part` is memory for what is asked for.
-  Content(std::span<const std::byte> stored, const BlockTrailer& trailer, CryptMethod method,
-          std::vector<std::byte>& part)
+  Content(std::span<const std::byte> stored, const BlockTrailer& trailer, CryptMethod method, PartBytes& part)
       : stored_(stored), trailer_(trailer), method_(method), part_(part) {}
 
   std::size_t Size() const { return trailer_.cbInflated; }
@@ -47,22 +50,23 @@ class Content {
   void InflateUpTo(std::size_t end) {
     if (!BeginsPacked()) return;
     const bool isHead = end <= kOffHeapWord + 2 && Size() > kSmall;
-    const std::vector<std::byte>& packed = Decoded(0, isHead ? kPackedHead : stored_.size());
+    const std::span<const std::byte> packed = Decoded(0, isHead ? kPackedHead : stored_.size());
     inflated_.resize(trailer_.cbInflated);
     if (isHead || !Inflate(packed, inflated_)) inflated_ = InflatePart(packed, end);
   }
 
-  const std::vector<std::byte>& Decoded(std::size_t at, std::size_t length) {
+  std::span<const std::byte> Decoded(std::size_t at, std::size_t length) {
     const auto bytes = ByteView(stored_).Slice(at, length).Bytes();
-    part_.assign(bytes.begin(), bytes.end());
-    DecodeBlock(method_, trailer_.bid, part_, at);
-    return part_;
+    const auto decoded = std::span(part_).first(bytes.size());
+    std::ranges::copy(bytes, decoded.begin());
+    DecodeBlock(method_, trailer_.bid, decoded, at);
+    return decoded;
   }
 
   std::span<const std::byte> stored_;
   const BlockTrailer& trailer_;
   CryptMethod method_;
-  std::vector<std::byte>& part_;
+  PartBytes& part_;
   std::vector<std::byte> inflated_;  ///< as far as it was asked for
 };
 
@@ -103,7 +107,7 @@ Kinds UnderEach(std::span<const std::byte> stored, const BlockTrailer& trailer, 
   if (IsInternal(trailer.bid)) {
     kinds.fill(KindOfList(stored, layout));
   } else {
-    std::vector<std::byte> part;
+    PartBytes part;  // not set to zeros
     std::ranges::transform(kMethods, kinds.begin(),
                            [&](CryptMethod method) { return kindOf(Content(stored, trailer, method, part)); });
   }
@@ -126,7 +130,7 @@ Kinds KindsAtSight(std::span<const std::byte> stored, const BlockTrailer& traile
 BlockKind KindOf(std::span<const std::byte> stored, const BlockTrailer& trailer, const Generation& layout,
                  CryptMethod method) {
   if (IsInternal(trailer.bid)) return KindOfList(stored, layout);
-  std::vector<std::byte> part;
+  PartBytes part;  // not set to zeros
   return KindOfContent(Content(stored, trailer, method, part));
 }
 

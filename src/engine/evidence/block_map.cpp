@@ -184,7 +184,7 @@ class BlockMap {
       stored_.resize(block.cb);
       stored_.resize(source_.ReadAround(block.offset, stored_));
       const BlockTrailer trailer{.cb = block.cb, .bid = block.bid, .cbInflated = block.cb};
-      block.kind = KindsOf(stored_, trailer, *evidence_.layout).at(static_cast<std::size_t>(evidence_.encoding));
+      block.kind = KindOf(stored_, trailer, *evidence_.layout, evidence_.encoding);
     } else {
       block.kind = UnpackKind(block.kind, evidence_.encoding);
     }
