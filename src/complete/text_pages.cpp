@@ -63,8 +63,8 @@ std::optional<int> NumberOf(ltp::PropertyContext& message) {
 
 TextPages::TextPages(const LiveStore& source, const text::CodePage& last) : last_(last), ofStore_(&last) {
   if (source.Format().formatId != FORMAT_ANSI) return;
-  const auto isMessage = [](const ndb::NodeEntry& node) { return IsMessage(node.nid); };
-  const auto messages = static_cast<std::size_t>(std::ranges::count_if(source.Nodes(), isMessage));
+  const auto messages =
+      static_cast<std::size_t>(std::ranges::count_if(source.Nodes(), IsMessage, &ndb::NodeEntry::nid));
   const std::size_t step = (messages + kMostAsked - 1) / kMostAsked;
   std::map<int, std::size_t> told;
   std::size_t number = 0;

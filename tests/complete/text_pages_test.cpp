@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "engine/run.h"
 #include "forge/forge.h"
 #include "platform/memory_file.h"
