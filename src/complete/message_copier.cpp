@@ -80,16 +80,15 @@ CopiedMessage MessageCopier::Copy(const ndb::NodeTrees& trees, int depth) {
 PropertyBag MessageCopier::CopyRow(ltp::TableContext& table, std::size_t row, const text::CodePage& page, Owner owner,
                                    Missing& missing) {
   PropertyBag out;
-  std::vector<std::byte> cell;
   for (const ltp::Column& column : table.Columns()) {
     if (column.tag == tag::kLtpRowId || column.tag == tag::kLtpRowVer || IsLeftOut(IdOf(column.tag), owner)) continue;
     try {
-      if (!table.Cell(row, column.tag, cell)) continue;
-      tools_.account.bytes += cell.size();
-      if (!tools_.allowance.TakeText(cell.size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
+      if (!table.Cell(row, column, cell_)) continue;
+      tools_.account.bytes += cell_.size();
+      if (!tools_.allowance.TakeText(cell_.size())) throw FailureError(TooMuch({ObjectKind::kProperty, column.tag}));
       const PropTag targetTag = properties_.TargetTag(column.tag);
       PropertyCopier::CheckIsFirst(column.tag, targetTag, out);
-      properties_.Put(column.tag, targetTag, cell, page, out);
+      properties_.Put(column.tag, targetTag, cell_, page, out);
     } catch (const std::exception&) {
       missing.push_back({.kind = MissingPart::Kind::kProperty, .tag = column.tag, .cause = CauseOfLoss()});
     }

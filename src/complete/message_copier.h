@@ -48,6 +48,7 @@ class MessageCopier {
 
   CopyTools& tools_;
   PropertyCopier properties_;
+  std::vector<std::byte> cell_;  ///< of the row at hand
 };
 
 }  // namespace velmora::complete

@@ -33,8 +33,10 @@ const PropertyRecord* PropertyContext::Find(std::uint16_t id) const {
   return record != records_.end() && record->wPropId == id ? &*record : nullptr;
 }
 
-const PropertyRecord* PropertyContext::FindTag(PropTag tag) const {
+const PropertyRecord* PropertyContext::FindTag(PropTag tag) {
+  if (last_ < records_.size() && records_[last_].Tag() == tag) return &records_[last_];
   const PropertyRecord* record = Find(IdOf(tag));
+  if (record != nullptr) last_ = static_cast<std::size_t>(record - records_.data());
   return record != nullptr && record->Tag() == tag ? record : nullptr;
 }
 
@@ -89,7 +91,7 @@ std::optional<std::uint64_t> PropertyContext::SizeOf(PropTag tag) {
   return TreeOf(tag)->size;
 }
 
-std::optional<Bid> PropertyContext::BidOf(PropTag tag) const {
+std::optional<Bid> PropertyContext::BidOf(PropTag tag) {
   const PropertyRecord* record = FindTag(tag);
   if (record == nullptr || IsInline(record->wPropType) || IsHid(record->dwValueHnid)) return std::nullopt;
   const std::optional<ndb::SubnodeEntry> subnode = FindSubnode(Nid{record->dwValueHnid});

@@ -78,14 +78,15 @@ class PropertyContext {
   PropertyContext(const ndb::BlockSource& source, Heap heap, Bid bidSub, ndb::Faults* faults)
       : source_(&source), heap_(std::move(heap)), bidSub_(bidSub), faults_(faults) {}
 
-  const PropertyRecord* FindTag(PropTag tag) const;
-  std::optional<Bid> BidOf(PropTag tag) const;
+  const PropertyRecord* FindTag(PropTag tag);
+  std::optional<Bid> BidOf(PropTag tag);
 
   const ndb::BlockSource* source_;
   Heap heap_;
   Bid bidSub_;
   ndb::Faults* faults_;
   std::vector<PropertyRecord> records_;
+  std::size_t last_ = 0;  ///< the record found last: who copies asks for size, place and bytes of each
 };
 
 }  // namespace velmora::ltp

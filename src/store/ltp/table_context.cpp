@@ -137,17 +137,16 @@ void TableContext::ReadValue(const Column& column, std::span<const std::byte> st
 }
 
 std::optional<std::vector<std::byte>> TableContext::Cell(std::size_t row, PropTag tag) {
+  const Column* column = FindColumn(tag);
   std::vector<std::byte> value;
-  if (!Cell(row, tag, value)) return std::nullopt;
+  if (column == nullptr || !Cell(row, *column, value)) return std::nullopt;
   return value;
 }
 
-bool TableContext::Cell(std::size_t row, PropTag tag, std::vector<std::byte>& out) {
-  const Column* column = FindColumn(tag);
-  if (column == nullptr) return false;
+bool TableContext::Cell(std::size_t row, const Column& column, std::vector<std::byte>& out) {
   if (row >= index_.size()) RaiseCorrupt(ObjectKind::kTable, row, "the table has no such row");
-  if (const auto stored = StoredCell(row, *column)) {
-    ReadValue(*column, *stored, out);
+  if (const auto stored = StoredCell(row, column)) {
+    ReadValue(column, *stored, out);
     return true;
   }
   const std::size_t matrixRow = index_[row].matrixRow;

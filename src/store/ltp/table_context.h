@@ -39,8 +39,8 @@ class TableContext {
   /// the value is lost where it is.
   [[nodiscard]] std::optional<std::vector<std::byte>> Cell(std::size_t row, PropTag tag);
 
-  /// The same into `out`; false for nothing. Who reads many cells so asks for memory seldom.
-  [[nodiscard]] bool Cell(std::size_t row, PropTag tag, std::vector<std::byte>& out);
+  /// The same of one of Columns(), into `out`; false for nothing. Who reads many cells so asks for memory seldom.
+  [[nodiscard]] bool Cell(std::size_t row, const Column& column, std::vector<std::byte>& out);
 
   /// The value of a cell; nothing when it is absent, of another type or cannot be read.
   std::optional<bool> Boolean(std::size_t row, PropTag tag) { return FlagIn(ReadableCell(row, tag)); }

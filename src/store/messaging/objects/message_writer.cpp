@@ -19,10 +19,10 @@ constexpr std::uint32_t kFirstAttachmentIndex = 0x401;
 /// rows have beside, as far as a row can hold it.
 class RecipientColumns {
  public:
-  explicit RecipientColumns(const std::vector<PropertyBag>& rows)
+  explicit RecipientColumns(const std::vector<std::vector<ltp::PropertyView>>& rows)
       : columns_(schema::kRecipients.columns.begin(), schema::kRecipients.columns.end()) {
-    for (const PropertyBag& row : rows) {
-      for (const ltp::PropertyView& cell : row.Views()) Add(cell.tag);
+    for (const auto& row : rows) {
+      for (const ltp::PropertyView& cell : row) Add(cell.tag);
     }
     if (columns_.size() > schema::kRecipients.columns.size()) Place();
   }
@@ -68,11 +68,12 @@ class RecipientColumns {
 
 void MessageWriter::AddRecipients(const std::vector<PropertyBag>& recipients) {
   if (recipients.empty()) return;
-  const RecipientColumns columns(recipients);
+  std::vector<std::vector<ltp::PropertyView>> rows;
+  rows.reserve(recipients.size());
+  for (const PropertyBag& recipient : recipients) rows.push_back(recipient.Views());
+  const RecipientColumns columns(rows);
   ltp::TableContextWriter table(ndb_, columns.Schema());
-  for (std::size_t i = 0; i < recipients.size(); ++i) {
-    table.AddRow(static_cast<std::uint32_t>(i), recipients[i].Views());
-  }
+  for (std::size_t i = 0; i < rows.size(); ++i) table.AddRow(static_cast<std::uint32_t>(i), rows[i]);
   message_.AddSubnode(nid::kRecipientTable, table.Finish());
 }
 
