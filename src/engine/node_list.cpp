@@ -1,7 +1,6 @@
 #include "engine/node_list.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace velmora::engine {
 namespace {
@@ -30,12 +29,16 @@ void NodeList::Settle() {
   DropRepeats(records_);
   records_.shrink_to_fit();
 
-  byNid_.clear();
+  // Numbers that hold both are sorted without a look at the records, which lie all over the memory.
+  std::vector<std::uint64_t> nidsAndPlaces;
+  nidsAndPlaces.reserve(records_.size());
   for (std::size_t i = 0; i < records_.size(); ++i) {
-    if (!records_[i].upperPage) byNid_.push_back(static_cast<std::uint32_t>(i));
+    if (!records_[i].upperPage) nidsAndPlaces.push_back(std::uint64_t{records_[i].nid} << 32 | i);
   }
-  byNid_.shrink_to_fit();
-  std::ranges::sort(byNid_, {}, [this](std::uint32_t i) { return std::pair(records_[i].nid, i); });
+  std::ranges::sort(nidsAndPlaces);
+  byNid_.assign(nidsAndPlaces.size(), 0);
+  std::ranges::transform(nidsAndPlaces, byNid_.begin(),
+                         [](std::uint64_t both) { return static_cast<std::uint32_t>(both); });
 }
 
 const NodeRecord* NodeList::Find(std::uint32_t nid) const {

@@ -1,4 +1,6 @@
 // Entry ids that lead to another object of the same store.
+#include "complete/references.h"
+
 #include "complete/complete_fixture.h"
 
 namespace velmora::complete {
@@ -117,6 +119,24 @@ TEST_P(ReferencesTest, OfAFolderLeadToFoldersThatAreMadeAfterIt) {
                                InTarget(MemberEntryId(kKept), velmora::Nid{kKept})})});
   ExpectAllWhole();
   ExpectSound();
+}
+
+TEST(References, AnEntryIdThatIsCutOffStaysAsItIs) {
+  messaging::Uid source{};
+  messaging::Uid target{};
+  source.fill(std::byte{5});
+  target.fill(std::byte{6});
+  const References references(source, target, [](velmora::Nid nid) { return std::optional(nid); });
+  const auto id = messaging::NodeEntryId(source, velmora::Nid{0x200024});
+  std::vector<std::byte> bytes(id.begin(), id.end());
+  const std::vector<std::byte> before = bytes;
+  for (std::size_t length = 0; length < bytes.size(); ++length) {
+    EXPECT_EQ(references.Rewrite(std::span(bytes).first(length)), 0U);
+    ASSERT_EQ(bytes, before) << "of " << length << " bytes";
+  }
+  EXPECT_EQ(references.Rewrite(bytes), 0U);
+  const auto rewritten = messaging::NodeEntryId(target, velmora::Nid{0x200024});
+  EXPECT_TRUE(std::ranges::equal(bytes, rewritten));
 }
 
 }  // namespace

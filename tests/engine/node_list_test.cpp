@@ -1,5 +1,7 @@
 #include "engine/node_list.h"
 
+#include <map>
+
 #include "engine/run_fixture.h"
 
 namespace velmora::engine {
@@ -41,6 +43,26 @@ TEST(NodeListTest, WhatALeafHoldsTooIsALeafsRecordWhicheverCameFirst) {
   EXPECT_FALSE(Settled({{1, 2, 3, 4, false}, {1, 2, 3, 4, true}}).at(0).upperPage);
   EXPECT_FALSE(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, false}, {1, 2, 3, 4, true}}).at(0).upperPage);
   EXPECT_TRUE(Settled({{1, 2, 3, 4, true}, {1, 2, 3, 4, true}}).at(0).upperPage);
+}
+
+TEST(NodeListTest, ANodeIsFoundWhereverItArrivedAndOfSeveralTheFirstFromALeaf) {
+  NodeList list;
+  for (const NodeRecord& record : std::vector<NodeRecord>{{9, 1, 0, 1},
+                                                          {4, 2, 0, 1},
+                                                          {7, 3, 0, 1, true},
+                                                          {7, 4, 0, 1},
+                                                          {7, 5, 0, 1},
+                                                          {2, 6, 0, 1},
+                                                          {3, 7, 0, 1, true}}) {
+    list.Insert(record);
+  }
+  list.Settle();
+  for (const auto& [nid, bidData] : std::map<std::uint32_t, std::uint64_t>{{9, 1}, {4, 2}, {7, 4}, {2, 6}}) {
+    ASSERT_NE(list.Find(nid), nullptr) << nid;
+    EXPECT_EQ(Value(list.Find(nid)->bidData), bidData) << nid;
+  }
+  EXPECT_EQ(list.Find(3), nullptr) << "of an upper page alone";
+  EXPECT_EQ(list.Find(5), nullptr);
 }
 
 }  // namespace

@@ -14,14 +14,13 @@ std::uint32_t Half(Bid bid) { return static_cast<std::uint32_t>(Value(bid) >> 1)
 void NodeTable::Set(const NodeEntry& node) {
   const Entry entry{node.nid, node.nidParent, Half(node.trees.bidData), Half(node.trees.bidSub)};
   List& list = byType_[ListOf(node.nid)];
-  const auto place =
-      std::lower_bound(list.begin(), list.end(), node.nid, [](const Entry& a, Nid nid) { return a.nid < nid; });
+  const auto place = PlaceOf(node.nid);
   if (place == list.end() || place->nid != node.nid) {
     list.insert(place, entry);
     ++count_;
   } else {
     if (place->data == kRemoved) ++count_;
-    *place = entry;
+    list[static_cast<std::size_t>(place - list.cbegin())] = entry;
   }
 }
 
@@ -48,20 +47,16 @@ NodeEntry NodeTable::NodeOf(const Entry& entry) {
   return {entry.nid, {Bid{std::uint64_t{entry.data} << 1}, Bid{std::uint64_t{entry.sub} << 1}}, entry.nidParent};
 }
 
-const NodeTable::Entry* NodeTable::NextOf(std::array<List::const_iterator, kNidTypeCount>& at) const {
-  const Entry* next = nullptr;
-  for (std::size_t type = 0; type < kNidTypeCount; ++type) {
-    if (at[type] == byType_[type].end()) continue;
-    const Entry& candidate = *at[type];
-    if (next == nullptr || candidate.nid < next->nid) next = &candidate;
-  }
-  if (next != nullptr) ++at[ListOf(next->nid)];
-  return next;
+/// Most nodes that anybody asks for are new. To look for those among all others would take ever longer.
+NodeTable::List::const_iterator NodeTable::PlaceOf(Nid nid) const {
+  const List& list = byType_[ListOf(nid)];
+  if (list.empty() || list.back().nid < nid) return list.end();
+  return std::ranges::lower_bound(list, nid, {}, &Entry::nid);
 }
 
 const NodeTable::Entry* NodeTable::EntryOf(Nid nid) const {
   const List& list = byType_[ListOf(nid)];
-  const auto place = std::lower_bound(list.begin(), list.end(), nid, [](const Entry& a, Nid id) { return a.nid < id; });
+  const auto place = PlaceOf(nid);
   return place != list.end() && place->nid == nid && place->data != kRemoved ? &*place : nullptr;
 }
 

@@ -1,10 +1,13 @@
 // All nodes of a store that is being written, 16 bytes each: the node tree before it becomes pages.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <ranges>
+#include <vector>
 
 #include "store/ndb/block_source.h"
 
@@ -30,10 +33,15 @@ class NodeTable {
   /// Calls `visit(node)` for each node by ascending id.
   template <class Visit>
   void ForEach(Visit visit) const {
-    std::array<List::const_iterator, kNidTypeCount> at;
-    for (std::size_t type = 0; type < kNidTypeCount; ++type) at[type] = byType_[type].begin();
-    while (const Entry* next = NextOf(at)) {
-      if (next->data != kRemoved) visit(NodeOf(*next));
+    std::vector<std::ranges::subrange<List::const_iterator>> rest;  // of the types that have any
+    for (const List& list : byType_) {
+      if (!list.empty()) rest.emplace_back(list.begin(), list.end());
+    }
+    while (!rest.empty()) {
+      const auto next = std::ranges::min_element(rest, {}, [](const auto& list) { return list.front().nid; });
+      if (next->front().data != kRemoved) visit(NodeOf(next->front()));
+      next->advance(1);
+      if (next->empty()) rest.erase(next);
     }
   }
 
@@ -50,7 +58,7 @@ class NodeTable {
   using List = std::deque<Entry>;
 
   static NodeEntry NodeOf(const Entry& entry);
-  const Entry* NextOf(std::array<List::const_iterator, kNidTypeCount>& at) const;
+  List::const_iterator PlaceOf(Nid nid) const;  ///< of the first one of its type whose id is not below
   const Entry* EntryOf(Nid nid) const;
 
   std::array<List, kNidTypeCount> byType_;

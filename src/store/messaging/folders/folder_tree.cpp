@@ -14,7 +14,8 @@ std::uint64_t TextBytes(const Folder& folder) {
 }  // namespace
 
 void ItemRows::Put(const ItemRow& row) {
-  const auto place = std::ranges::lower_bound(rows_, row.nid, {}, &ItemRow::nid);
+  const bool isLast = rows_.empty() || rows_.back().nid < row.nid;
+  const auto place = isLast ? rows_.end() : std::ranges::lower_bound(rows_, row.nid, {}, &ItemRow::nid);
   const bool isKnown = place != rows_.end() && place->nid == row.nid;
   if (isKnown && place->deleted) --deleted_;
   if (isKnown && !place->deleted) {
