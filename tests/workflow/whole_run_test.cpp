@@ -249,11 +249,13 @@ TEST_F(WholeRunTest, ASecondRunIntoTheSameFolderSaysThatItIsThereAlready) {
 
 TEST_F(WholeRunTest, ARunThatMeetsTheEndOfOneThatWasLeftIsTold) {
   const auto source = MakeSource(2000);
+  trace_->waitsAt = 1990;
   Convert(source);
   Key(Qt::Key_Escape);
   ASSERT_TRUE(IsPage<CCustomDlg>());
-  // The second begins before the first has ended.
+  ASSERT_TRUE(Comes([this] { return trace_->items == 1990; }));
   Convert(source);
+  trace_->goOn.release();  // the second has begun, and is far from its first item
   boxes_.Answer(QMessageBox::Ok);
   ASSERT_TRUE(Comes([this] { return !boxes_.seen.empty(); }, 60000));
   EXPECT_TRUE(boxes_.Texts().first().startsWith("Information: Recovery process aborted.\nRecovered at:"));

@@ -15,7 +15,7 @@
 namespace velmora::platform {
 namespace {
 
-constexpr std::size_t kSize = std::size_t{1} << 20;
+constexpr std::size_t kFileSize = std::size_t{1} << 20;
 
 /// Pages of the first bytes of a file that the system holds in memory.
 std::ptrdiff_t PagesHeld(int fd, std::size_t length) {
@@ -34,7 +34,7 @@ TEST(FilePrefetch, BringsBytesIntoTheMemoryOfTheSystem) {
   {
     auto file = CreateFile(path, Existing::kRefuse);
     ASSERT_TRUE(file);
-    ASSERT_TRUE((*file)->WriteAt(0, std::vector<std::byte>(kSize, std::byte{1})));
+    ASSERT_TRUE((*file)->WriteAt(0, std::vector<std::byte>(kFileSize, std::byte{1})));
     ASSERT_TRUE((*file)->Flush());
   }
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -42,14 +42,14 @@ TEST(FilePrefetch, BringsBytesIntoTheMemoryOfTheSystem) {
   EXPECT_EQ(::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED), 0);
   const auto file = OpenForReading(path);
   ASSERT_TRUE(file);
-  constexpr std::size_t kAsked = kSize / 8;
+  constexpr std::size_t kAsked = kFileSize / 8;
   ASSERT_TRUE((*file)->Prefetch(0, kAsked));
   const auto all = static_cast<std::ptrdiff_t>(kAsked / static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)));
   for (int i = 0; i < 1000 && PagesHeld(fd, kAsked) < all; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_EQ(PagesHeld(fd, kAsked), all);
-  EXPECT_TRUE((*file)->Prefetch(kSize - 1, kSize)) << "over the end, which is no failure";
+  EXPECT_TRUE((*file)->Prefetch(kFileSize - 1, kFileSize)) << "over the end, which is no failure";
   ::close(fd);
 }
 
