@@ -62,6 +62,7 @@ class StoreCopy {
     const std::vector<ndb::NodeEntry> deleted = options_.deleted ? DeletedMessages() : std::vector<ndb::NodeEntry>();
     GiveIds(deleted);
     folders_.CopyAll();
+    folderCounts_.reserve(account_.folders);
     engine::ItemsCopied progress = WhatIsToCopy(deleted.size());
     const auto copy = [&](const std::vector<ndb::NodeEntry>& nodes, bool areDeleted) {
       ReadAhead ahead(
@@ -84,6 +85,7 @@ class StoreCopy {
     for (const engine::MessageRow& row : source_.Found().Lost().messageRows) CountRow(row);
     for (const ndb::NodeEntry& node : source_.Nodes()) Count(FateOfLive(node));
     CountOldNodes();
+    account_.folderAccounts.reserve(folderCounts_.size());
     for (auto& [folder, counts] : folderCounts_) account_.folderAccounts.push_back(std::move(counts));
     std::ranges::sort(account_.folderAccounts, {}, &FolderAccount::path);
   }

@@ -47,11 +47,14 @@ std::size_t PathKey(text::TextView path) { return std::hash<text::Text>{}(text::
 class FolderMaker {
  public:
   FolderMaker(RecoveryState& state, engine::RunContext& run, FolderLosses& losses)
-      : state_(state), run_(run), losses_(losses) {
-    for (std::size_t i = 0; i < state_.folders.Records().size(); ++i) due_.emplace_hint(due_.end(), 0, i);
-  }
+      : state_(state), run_(run), losses_(losses) {}
 
   void MakeAll() {
+    for (std::size_t index = 0; index < state_.folders.Records().size(); ++index) {
+      if (run_.runEnded) return;
+      run_.control.PausePoint();
+      MakeOne(0, index);
+    }
     while (!due_.empty()) {
       if (run_.runEnded) return;
       run_.control.PausePoint();
@@ -102,7 +105,7 @@ class FolderMaker {
   RecoveryState& state_;
   engine::RunContext& run_;
   FolderLosses& losses_;
-  std::set<std::pair<std::size_t, std::size_t>> due_;                ///< pass and place in the list
+  std::set<std::pair<std::size_t, std::size_t>> due_;                ///< behind the first pass: pass, place in the list
   std::unordered_map<std::size_t, std::vector<std::size_t>> aside_;  ///< by the path of the parent
 };
 

@@ -35,7 +35,9 @@ class FolderLosses {
  public:
   /// `leftOut`: folders below the root, whose sub-folders stand at the top by rule.
   FolderLosses(RecoveryState& state, std::unordered_set<std::uint32_t> leftOut)
-      : state_(state), leftOut_(std::move(leftOut)) {}
+      : state_(state), leftOut_(std::move(leftOut)) {
+    ofPath_.reserve(state.folders.Records().size());
+  }
 
   /// Lists the folders whose parent is not known: they stand at the top.
   void ReportMoved();

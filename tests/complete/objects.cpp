@@ -186,9 +186,7 @@ PropertyKey KeyOf(const forge::Property& property) {
   return {.set = forge::SetGuid(property.name->set), .number = property.name->number, .text = property.name->text};
 }
 
-Value ValueOf(const forge::Property& property) {
-  return {static_cast<PropType>(property.type), forge::StoredData(property, true)};
-}
+Value ValueOf(const forge::Property& property) { return {static_cast<PropType>(property.type), property.data}; }
 
 const Value* Find(const Properties& properties, std::uint16_t id) {
   const auto found = properties.find({.id = id});

@@ -18,9 +18,8 @@ class ValueWriter {
   std::uint32_t Write(const Property& property) {
     if (property.reference) return *property.reference;
     if (property.tree) return AddSubnode(*property.tree);
-    const bool isAsGiven = StoredAsGiven(property, store_.traits().wide);
-    const Bytes narrowed = isAsGiven ? Bytes() : StoredData(property, false);
-    const Bytes& data = isAsGiven ? property.data : narrowed;
+    Bytes room;
+    const Bytes& data = StoredData(property, store_.traits().wide, room);
     if (IsInline(property.type)) {
       return static_cast<std::uint32_t>(Get(data, 0, std::min<std::size_t>(data.size(), 4)));
     }
@@ -67,6 +66,7 @@ std::uint64_t Context::DataSize() const {
 
 Context FormContext(Store& store, const PropertyList& properties, const ContextOptions& options) {
   std::vector<const Property*> sorted;
+  sorted.reserve(properties.size());
   for (const Property& property : properties) sorted.push_back(&property);
   if (!options.keepOrder) {
     std::stable_sort(sorted.begin(), sorted.end(), [](const Property* a, const Property* b) { return a->id < b->id; });

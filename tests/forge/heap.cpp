@@ -11,6 +11,7 @@ constexpr std::size_t kFirstHead = 12;
 constexpr std::size_t kPlainHead = 2;
 constexpr std::size_t kFillHead = 66;
 constexpr std::size_t kMaxIndex = 2047;
+constexpr std::size_t kUsualHeap = 1000;  // bytes of a small message or folder
 
 std::size_t HeadSize(std::size_t block) {
   if (block == 0) return kFirstHead;
@@ -35,7 +36,10 @@ Heap::Heap(Format format, std::uint8_t clientSignature, std::uint8_t signature)
 
 void Heap::OpenBlock() {
   const std::size_t head = HeadSize(blocks_.size());
-  blocks_.push_back({.data = Bytes(head), .ends = {static_cast<std::uint16_t>(head)}});
+  Block& block = blocks_.emplace_back();
+  block.data.reserve(kUsualHeap);
+  block.data.resize(head);
+  block.ends.push_back(static_cast<std::uint16_t>(head));
 }
 
 std::size_t Heap::SizeWithMap(const Block& block, std::size_t moreData, std::size_t moreAllocations) const {

@@ -80,7 +80,7 @@ Nid Mailbox::AddFolder(const FolderSpec& given) {
 Mailbox::Added Mailbox::AddMessage(Nid folder, const Message& message, std::optional<Nid> wanted) {
   const Nid nid = wanted.value_or(nextMessage_);
   if (!wanted) nextMessage_ += kNidStep;
-  const WrittenMessage written = WriteMessage(store_, names_, message);
+  WrittenMessage written = WriteMessage(store_, names_, message);
   store_.AddNode(nid, written.bidData, written.bidSub, folder);
 
   const auto found = folders_.find(folder);
@@ -91,7 +91,7 @@ Mailbox::Added Mailbox::AddMessage(Nid folder, const Message& message, std::opti
     if (!associated && (message.flags & kRead) == 0) ++home.unreadCount;
     if (options_.tables) {
       const auto& columns = associated ? AssociatedColumns() : ContentsColumns();
-      PropertyList cells = CellsOf(columns, written.properties);
+      PropertyList cells = CellsOf(columns, std::move(written.properties));
       cells.push_back(Int32(0x0E17, 0));
       (associated ? home.associated : home.messages).push_back({.id = nid, .cells = std::move(cells)});
     }
@@ -119,8 +119,8 @@ void Mailbox::CloseFolder(Folder& folder) {
 }
 
 PropertyList Mailbox::FolderProperties(const Folder& folder) const {
-  PropertyList list = {Text(0x3001, folder.given.name), Int32(0x3602, folder.messageCount),
-                       Int32(0x3603, folder.unreadCount), Bool(0x360A, !folder.children.empty())};
+  PropertyList list = ListOf(Text(0x3001, folder.given.name), Int32(0x3602, folder.messageCount),
+                             Int32(0x3603, folder.unreadCount), Bool(0x360A, !folder.children.empty()));
   if (!folder.given.containerClass.empty()) list.push_back(Text(0x3613, folder.given.containerClass));
   if (folder.associatedCount != 0) list.push_back(Int32(0x6635, folder.associatedCount));
   for (const Property& property : folder.given.properties) Set(list, property);

@@ -15,6 +15,7 @@ constexpr std::uint32_t kByValue = 1;
 constexpr std::uint32_t kEmbedded = 5;
 constexpr std::uint32_t kOle = 6;
 constexpr std::uint32_t kHasAttachments = 0x10;
+constexpr std::size_t kUsualProperties = 32;
 
 void SetText(PropertyList& list, std::uint16_t id, const std::u16string& text) {
   if (!text.empty()) Set(list, Text(id, text));
@@ -71,12 +72,12 @@ Context FormRecipients(Store& store, NameMap& names, const std::vector<Recipient
   std::vector<Row> rows;
   for (const Recipient& recipient : recipients) {
     const Bytes entryId = OneOffEntryId(recipient);
-    rows.push_back(
-        {.id = static_cast<std::uint32_t>(rows.size()),
-         .cells = {Int32(0x0C15, static_cast<std::uint32_t>(recipient.kind)), Bool(0x0E0F, true),
-                   Binary(0x0FF9, entryId), Int32(0x0FFE, 6), Binary(0x0FFF, entryId), Text(0x3001, recipient.name),
-                   Text(0x3002, u"SMTP"), Text(0x3003, recipient.address), Binary(0x300B, AddressKey(recipient)),
-                   Int32(0x3900, 0), Text(0x39FF, recipient.name), Bool(0x3A40, false)}});
+    rows.push_back({.id = static_cast<std::uint32_t>(rows.size()),
+                    .cells = ListOf(Int32(0x0C15, static_cast<std::uint32_t>(recipient.kind)), Bool(0x0E0F, true),
+                                    Binary(0x0FF9, entryId), Int32(0x0FFE, 6), Binary(0x0FFF, entryId),
+                                    Text(0x3001, recipient.name), Text(0x3002, u"SMTP"),
+                                    Text(0x3003, recipient.address), Binary(0x300B, AddressKey(recipient)),
+                                    Int32(0x3900, 0), Text(0x39FF, recipient.name), Bool(0x3A40, false))});
     for (const Property& property : Resolve(names, recipient.properties)) {
       Set(rows.back().cells, property);
       const bool isThere =
@@ -91,9 +92,8 @@ Context FormRecipients(Store& store, NameMap& names, const std::vector<Recipient
 std::uint32_t ValueBytes(const PropertyList& properties, bool wide) {
   std::size_t size = 0;
   for (const Property& property : properties) {
-    size += property.type == kObject        ? Get(property.data, 4, 4)
-            : StoredAsGiven(property, wide) ? property.data.size()
-                                            : StoredData(property, wide).size();
+    Bytes room;
+    size += property.type == kObject ? Get(property.data, 4, 4) : StoredData(property, wide, room).size();
   }
   return static_cast<std::uint32_t>(size);
 }
@@ -166,6 +166,7 @@ WrittenAttachment WriteAttachment(Store& store, NameMap& names, const Attachment
 
 PropertyList MessageProperties(NameMap& names, const Message& message) {
   PropertyList list;
+  list.reserve(kUsualProperties);
   SetText(list, 0x001A, message.messageClass);
   if (!message.subject.empty()) {
     list.push_back(Text(0x0037, MarkedSubject(message)));
@@ -224,10 +225,10 @@ WrittenMessage WriteMessage(Store& store, NameMap& names, const Message& message
   std::vector<Row> rows;
   for (const Attachment& attachment : message.attachments) {
     const Nid nid = kFirstAttachment + static_cast<Nid>(0x20 * rows.size());
-    const WrittenAttachment one = WriteAttachment(store, names, attachment, nid);
+    WrittenAttachment one = WriteAttachment(store, names, attachment, nid);
     subnodes.push_back(one.subnode);
     written.size += one.size;
-    rows.push_back({.id = nid, .cells = CellsOf(AttachmentColumns(), one.properties)});
+    rows.push_back({.id = nid, .cells = CellsOf(AttachmentColumns(), std::move(one.properties))});
   }
   if (!rows.empty()) addTable(kAttachmentTable, FormTable(store, AttachmentColumns(), rows));
   if (!message.recipients.empty()) addTable(kRecipientTable, FormRecipients(store, names, message.recipients));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <chrono>
+#include <utility>
 
 namespace velmora::forge {
 namespace {
@@ -27,8 +28,11 @@ Bytes FormList(const std::vector<Bytes>& items) {
 }
 
 std::u16string FromUtf16(std::span<const std::byte> bytes) {
-  std::u16string text;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) text.push_back(static_cast<char16_t>(Get(bytes, i, 2)));
+  std::u16string text(bytes.size() / 2, u'\0');
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    text[i] = static_cast<char16_t>(std::to_integer<unsigned>(bytes[2 * i]) |
+                                    std::to_integer<unsigned>(bytes[2 * i + 1]) << 8);
+  }
   return text;
 }
 
@@ -116,11 +120,10 @@ std::uint16_t StoredType(const Property& property, bool wide) {
   return property.textOfStore && !wide ? static_cast<std::uint16_t>(property.type - 1) : property.type;
 }
 
-bool StoredAsGiven(const Property& property, bool wide) { return !property.textOfStore || wide; }
-
-Bytes StoredData(const Property& property, bool wide) {
-  if (StoredAsGiven(property, wide)) return property.data;
-  return property.type == kStringList ? NarrowList(property.data) : ToAnsi(FromUtf16(property.data));
+const Bytes& StoredData(const Property& property, bool wide, Bytes& room) {
+  if (!property.textOfStore || wide) return property.data;
+  room = property.type == kStringList ? NarrowList(property.data) : ToAnsi(FromUtf16(property.data));
+  return room;
 }
 
 const Property* Find(const PropertyList& properties, std::uint16_t id) {
@@ -128,9 +131,13 @@ const Property* Find(const PropertyList& properties, std::uint16_t id) {
   return found == properties.end() ? nullptr : &*found;
 }
 
+Property* Find(PropertyList& properties, std::uint16_t id) {
+  return const_cast<Property*>(Find(std::as_const(properties), id));
+}
+
 void Set(PropertyList& properties, Property property) {
-  if (const Property* old = property.name ? nullptr : Find(properties, property.id)) {
-    properties[static_cast<std::size_t>(old - properties.data())] = std::move(property);
+  if (Property* old = property.name ? nullptr : Find(properties, property.id)) {
+    *old = std::move(property);
   } else {
     properties.push_back(std::move(property));
   }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "forge/bytes.h"
@@ -78,6 +79,15 @@ struct Property {
 
 using PropertyList = std::vector<Property>;
 
+/// A list of given properties, none of which is copied: braces would.
+template <class... Properties>
+PropertyList ListOf(Properties&&... properties) {
+  PropertyList list;
+  list.reserve(sizeof...(properties));
+  (list.push_back(std::forward<Properties>(properties)), ...);
+  return list;
+}
+
 /// A time of the format: 100 ns since 1601, UTC.
 using FileTime = std::uint64_t;
 FileTime TimeOf(int year, unsigned month, unsigned day, unsigned hour = 0, unsigned minute = 0, unsigned second = 0);
@@ -118,13 +128,14 @@ Property Named(PropertySet set, std::u16string_view text, Property property);
 /// True for a type whose value stands in the record itself.
 bool IsInline(std::uint16_t type);
 
-/// Whether the bytes stand in a store of that width as they are given, and else type and bytes as they stand there.
-bool StoredAsGiven(const Property& property, bool wide);
+/// Type and bytes as they stand in a store of that width. The bytes are those of the property, or of `room`, which gets
+/// them where they differ.
 std::uint16_t StoredType(const Property& property, bool wide);
-Bytes StoredData(const Property& property, bool wide);
+const Bytes& StoredData(const Property& property, bool wide, Bytes& room);
 
 /// The property of that id, null if there is none.
 const Property* Find(const PropertyList& properties, std::uint16_t id);
+Property* Find(PropertyList& properties, std::uint16_t id);
 
 /// Replaces the property of the same id, or appends.
 void Set(PropertyList& properties, Property property);

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <span>
+#include <functional>
+#include <future>
+#include <vector>
 
 #include "forge/bytes.h"
 
@@ -12,40 +14,61 @@ namespace velmora::forge {
 
 class Sink {
  public:
+  /// Changes the bytes of a block or page, but not their number, before they are written. It may run on another thread.
+  using Form = std::function<void(Bytes& bytes)>;
+
   virtual ~Sink() = default;
 
-  /// Writes at any offset; a gap reads as zeros. Throws std::runtime_error when the disk refuses.
-  virtual void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+  /// Writes at any offset; a gap reads as zeros. Throws std::runtime_error when the disk refuses or has refused.
+  virtual void WriteAt(std::uint64_t offset, Bytes bytes, Form form) = 0;
+  void WriteAt(std::uint64_t offset, Bytes bytes) { WriteAt(offset, std::move(bytes), {}); }
 
   /// Lengthens the store with zeros to at least `size` bytes.
   virtual void GrowTo(std::uint64_t size) = 0;
 
-  /// What was written, where it is held in memory; empty otherwise.
-  virtual Bytes TakeBytes() { return {}; }
+  /// Sees all written and returns it where it is held in memory. Throws as WriteAt does.
+  virtual Bytes Finish() = 0;
 };
 
 class MemorySink final : public Sink {
  public:
-  void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
+  using Sink::WriteAt;
+  void WriteAt(std::uint64_t offset, Bytes bytes, Form form) override;
   void GrowTo(std::uint64_t size) override;
-  Bytes TakeBytes() override { return std::move(bytes_); }
+  Bytes Finish() override { return std::move(bytes_); }
 
  private:
   Bytes bytes_;
 };
 
+/// Forms and writes a megabyte at a time, while the caller makes the next one.
 class FileSink final : public Sink {
  public:
   /// Makes or replaces the file. Throws std::runtime_error when it cannot be made.
   explicit FileSink(const std::filesystem::path& path);
 
-  void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
+  using Sink::WriteAt;
+  void WriteAt(std::uint64_t offset, Bytes bytes, Form form) override;
   void GrowTo(std::uint64_t size) override;
+  Bytes Finish() override;
 
  private:
+  struct Piece {
+    std::uint64_t offset = 0;
+    Bytes bytes;
+    Form form;
+  };
+  using Pieces = std::vector<Piece>;
+
+  void HandOver();
+  void WriteAll(Pieces pieces);
+
   std::ofstream file_;
-  std::uint64_t position_ = 0;
-  std::uint64_t size_ = 0;
+  std::uint64_t position_ = 0;  ///< in the file, of whoever writes
+  Pieces waiting_;
+  std::size_t waitingBytes_ = 0;
+  std::uint64_t size_ = 0;  ///< with all that waits
+  std::future<void> underWay_;
 };
 
 }  // namespace velmora::forge

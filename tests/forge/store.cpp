@@ -22,6 +22,39 @@ std::array<std::uint32_t, 32> FirstIndexes() {
   return indexes;
 }
 
+struct BlockForm {
+  Format format;
+  Encoding encoding;
+  std::uint32_t key;
+  std::uint16_t dataSize;
+  // What the trailer says.
+  std::uint16_t size;
+  std::uint16_t signature;
+  std::uint16_t inflatedSize;
+  Bid id;
+};
+
+// Encodes the data of a block and writes the trailer behind it.
+void FormBlock(const BlockForm& form, Bytes& block) {
+  const std::span<std::byte> data = std::span(block).first(form.dataSize);
+  Encode(form.encoding, form.key, data);
+  const std::uint32_t checksum = Checksum(data);
+  const std::size_t trailer = block.size() - TraitsOf(form.format).blockTrailerSize;
+  Put(block, trailer, form.size, 2);
+  Put(block, trailer + 2, form.signature, 2);
+  if (form.format == Format::kAnsi) {
+    Put(block, trailer + 4, form.id, 4);
+    Put(block, trailer + 8, checksum, 4);
+  } else {
+    Put(block, trailer + 4, checksum, 4);
+    Put(block, trailer + 8, form.id, 8);
+  }
+  if (form.format == Format::kUnicode4k) {
+    Put(block, trailer + 16, 2, 2);
+    Put(block, trailer + 18, form.inflatedSize, 2);
+  }
+}
+
 Bytes Deflate(std::span<const std::byte> data) {
   uLongf size = compressBound(static_cast<uLong>(data.size()));
   Bytes out(size);
@@ -70,11 +103,7 @@ Bid Store::Place(Bytes data, std::uint16_t inflatedSize, bool internal, const Bl
   } else {
     nextBid_ += 4;
   }
-  if (!internal && options.encoded) {
-    Encode(options_.encoding, options.key.value_or(static_cast<std::uint32_t>(bid)), data);
-  }
   const auto size = static_cast<std::uint16_t>(data.size());
-  const std::uint32_t checksum = Checksum(data);
   const std::uint64_t slot = traits_.slotSize;
   data.resize((data.size() + traits_.blockTrailerSize + slot - 1) / slot * slot);
 
@@ -84,22 +113,6 @@ Bid Store::Place(Bytes data, std::uint16_t inflatedSize, bool internal, const Bl
   } else {
     offset = space_.Allocate(data.size(), slot);
   }
-  const std::size_t trailer = data.size() - traits_.blockTrailerSize;
-  const Bid trailerId = options.trailerId.value_or(bid);
-  Put(data, trailer, options.trailerSize.value_or(size), 2);
-  Put(data, trailer + 2, options.trailerSignature.value_or(Signature(offset, trailerId)), 2);
-  if (options_.format == Format::kAnsi) {
-    Put(data, trailer + 4, trailerId, 4);
-    Put(data, trailer + 8, checksum, 4);
-  } else {
-    Put(data, trailer + 4, checksum, 4);
-    Put(data, trailer + 8, trailerId, 8);
-  }
-  if (options_.format == Format::kUnicode4k) {
-    Put(data, trailer + 16, 2, 2);
-    Put(data, trailer + 18, inflatedSize, 2);
-  }
-  sink_->WriteAt(offset, data);
   blockIndex_.try_emplace(bid, blocks_.size());
   blocks_.push_back({.bid = bid,
                      .offset = offset,
@@ -107,6 +120,16 @@ Bid Store::Place(Bytes data, std::uint16_t inflatedSize, bool internal, const Bl
                      .size = size,
                      .inflatedSize = inflatedSize,
                      .listed = options.listed});
+  const Bid trailerId = options.trailerId.value_or(bid);
+  const BlockForm form = {.format = options_.format,
+                          .encoding = internal || !options.encoded ? Encoding::kNone : options_.encoding,
+                          .key = options.key.value_or(static_cast<std::uint32_t>(bid)),
+                          .dataSize = size,
+                          .size = options.trailerSize.value_or(size),
+                          .signature = options.trailerSignature.value_or(Signature(offset, trailerId)),
+                          .inflatedSize = inflatedSize,
+                          .id = trailerId};
+  sink_->WriteAt(offset, std::move(data), [form](Bytes& bytes) { FormBlock(form, bytes); });
   return bid;
 }
 
@@ -173,7 +196,7 @@ Image Store::Finish() {
   sink_->GrowTo(fileSize);
   WriteHeader(nodeRoot, blockRoot, fileSize);
   return {.format = options_.format,
-          .bytes = sink_->TakeBytes(),
+          .bytes = sink_->Finish(),
           .blocks = std::move(blocks_),
           .pages = std::move(pages_),
           .nodes = std::move(nodes_)};

@@ -70,13 +70,13 @@ void Store::WriteMaps() {
     }
     SealPage(options_.format, page, static_cast<std::uint16_t>(place.type << 8 | place.type), place.offset,
              place.offset, 0);
-    sink_->WriteAt(place.offset, page);
+    sink_->WriteAt(place.offset, std::move(page));
   }
   if (!traits_.wide) return;
   Bytes list(traits_.pageSize);
   Put(list, 4, space_.MapCount() - 1, 4);
   SealPage(options_.format, list, kListPageType, traits_.listPage, nextPageId_++);
-  sink_->WriteAt(traits_.listPage, list);
+  sink_->WriteAt(traits_.listPage, std::move(list));
 }
 
 void Store::WriteHeader(const TreeRoot& nodes, const TreeRoot& blocks, std::uint64_t fileSize) {
@@ -110,7 +110,7 @@ void Store::WriteHeader(const TreeRoot& nodes, const TreeRoot& blocks, std::uint
   if (layout.fullChecksum != 0) {
     Put(header, layout.fullChecksum, Checksum(std::span(header).subspan(kPartialStart, kFullSize)), 4);
   }
-  sink_->WriteAt(0, header);
+  sink_->WriteAt(0, std::move(header));
 }
 
 }  // namespace velmora::forge

@@ -132,7 +132,9 @@ class TableWriter {
         if (!blocks.empty()) blocks.back().resize(store_.traits().maxBlockData);
         blocks.emplace_back();
       }
-      Append(blocks.back(), FormRow(rows[i]));
+      Bytes& block = blocks.back();
+      block.resize(block.size() + rowSize);
+      FormRow(rows[i], std::span(block).last(rowSize));
     }
     if (blocks.empty()) return 0;
     if (blocks.size() == 1 && blocks.front().size() <= kAutoHeapLimit) return heap_.Add(blocks.front());
@@ -141,8 +143,7 @@ class TableWriter {
     return kMatrixNid;
   }
 
-  Bytes FormRow(const Row& row) {
-    Bytes bytes(layout_.ends[3]);
+  void FormRow(const Row& row, std::span<std::byte> bytes) {
     for (const PlacedColumn& column : layout_.columns) {
       if (column.column.id == kRowId) {
         Put(bytes, column.offset, row.id, 4);
@@ -155,11 +156,11 @@ class TableWriter {
       }
       bytes[layout_.ends[2] + column.bit / 8] |= std::byte{0x80} >> (column.bit % 8);
     }
-    return bytes;
   }
 
-  void PutCell(Bytes& row, const PlacedColumn& column, const Property& cell) {
-    const Bytes data = StoredData(cell, store_.traits().wide);
+  void PutCell(std::span<std::byte> row, const PlacedColumn& column, const Property& cell) {
+    Bytes room;
+    const Bytes& data = StoredData(cell, store_.traits().wide, room);
     const bool inRow = IsInline(column.column.type) || column.size == 8;
     std::uint64_t value = 0;
     if (inRow) {
@@ -211,10 +212,11 @@ void AddTableNode(Store& store, Nid nid, const std::vector<Column>& columns, con
   store.AddNode(nid, data, store.AddSubnodes(table.subnodes), 0);
 }
 
-PropertyList CellsOf(const std::vector<Column>& columns, const PropertyList& properties) {
+PropertyList CellsOf(const std::vector<Column>& columns, PropertyList properties) {
   PropertyList cells;
+  cells.reserve(std::min(columns.size(), properties.size()));
   for (const Column& column : columns) {
-    if (const Property* property = Find(properties, column.id)) cells.push_back(*property);
+    if (Property* property = Find(properties, column.id)) cells.push_back(std::move(*property));
   }
   return cells;
 }

@@ -39,6 +39,6 @@ Context FormTable(Store& store, const std::vector<Column>& columns, const std::v
 void AddTableNode(Store& store, Nid nid, const std::vector<Column>& columns, const std::vector<Row>& rows);
 
 /// The properties of a list that have a column, for a row that is kept until its table is formed.
-PropertyList CellsOf(const std::vector<Column>& columns, const PropertyList& properties);
+PropertyList CellsOf(const std::vector<Column>& columns, PropertyList properties);
 
 }  // namespace velmora::forge
