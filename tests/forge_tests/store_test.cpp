@@ -233,7 +233,7 @@ TEST(CompressedStore, TakesWhatAnotherPackerMakes) {
 TEST(StoreInAFile, IsTheStoreInMemory) {
   const auto path = std::filesystem::temp_directory_path() / "velmora-forge-sink-test.pst";
   const auto fill = [](Store& store) {
-    for (Nid i = 0; i < 50; ++i) store.AddNode(0x200024 + 0x20 * i, store.AddData(Noise(9000, i)), 0, 0x8022);
+    for (Nid i = 0; i < 400; ++i) store.AddNode(0x200024 + 0x20 * i, store.AddData(Noise(9000, i)), 0, 0x8022);
     return store.Finish();
   };
   Store inMemory({.fullLength = true});
@@ -247,6 +247,15 @@ TEST(StoreInAFile, IsTheStoreInMemory) {
   const std::string written{std::istreambuf_iterator<char>(file), {}};
   EXPECT_EQ(ToBytes(written), expected.bytes);
   std::filesystem::remove(path);
+}
+
+TEST(StoreInAFile, ThrowsWhereTheDiskIsFull) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "the system has no device that is always full";
+  Store store({}, "/dev/full");
+  store.AddNode(0x200024, store.AddData(Noise(9000, 1)), 0, 0x8022);
+  EXPECT_THROW(store.Finish(), std::runtime_error);
+  Store large({}, "/dev/full");
+  EXPECT_THROW(for (Nid i = 0; i < 400; ++i) large.AddData(Noise(9000, i)), std::runtime_error);
 }
 
 }  // namespace
