@@ -18,11 +18,11 @@ std::string_view StageCaption(std::uint32_t stage);
 /// What share of a run each stage takes: the percentage of the whole at its end, by its number.
 using StageEnds = std::array<std::uint32_t, 10>;
 
-/// Measured over a store of a gigabyte (docs/performance.md); a stage that a run does not have takes none, nor does
-/// closing alone.
-inline constexpr StageEnds kFieldStages = {0, 0, 7, 7, 13, 31, 33, 33, 100, 100};
-inline constexpr StageEnds kCompleteStages = {0, 0, 30, 30, 30, 30, 30, 30, 100, 100};
-inline constexpr StageEnds kVerifiedStages = {0, 0, 18, 18, 18, 18, 18, 18, 55, 100};
+/// Measured over a store of a gigabyte on a disk (docs/performance.md); a stage that a run does not have takes none, nor
+/// does closing alone.
+inline constexpr StageEnds kFieldStages = {0, 0, 31, 32, 32, 35, 39, 39, 100, 100};
+inline constexpr StageEnds kCompleteStages = {0, 0, 38, 39, 39, 39, 39, 39, 100, 100};
+inline constexpr StageEnds kVerifiedStages = {0, 0, 16, 16, 16, 16, 16, 16, 43, 100};
 
 struct ProgressStyle {
   bool bar = false;  ///< a terminal: one line, drawn anew. Else plain lines, at each stage and now and then

@@ -45,8 +45,8 @@ TEST(Progress, OnATerminalTheBarIsDrawnAnew) {
   progress.OnStage(8);
   progress.OnPercentage(50);
   EXPECT_EQ(screen.text,
-            "\r\033[K[#########.....................]  33% Converting Mail Items..."
-            "\r\033[K[###################...........]  66% Converting Mail Items...");
+            "\r\033[K[###########...................]  39% Converting Mail Items..."
+            "\r\033[K[####################..........]  69% Converting Mail Items...");
   screen.text.clear();
   progress.Clear();
   progress.Clear();
@@ -72,7 +72,7 @@ TEST(Progress, OfACopyItemsAndBytesAreShownInPlaceOfTheCaption) {
   console.OnEvent(engine::ItemsCopied{617, 1234, 5'400'000, 10'800'000});
   EXPECT_EQ(screen.text, "") << "it is drawn with its percentage";
   console.OnEvent(engine::Progress{50, engine::Phase::kLater});
-  EXPECT_EQ(screen.text, "\r\033[K[###################...........]  66% 617 of 1234 items, 5.4 MB of 10.8 MB");
+  EXPECT_EQ(screen.text, "\r\033[K[####################..........]  69% 617 of 1234 items, 5.4 MB of 10.8 MB");
   screen.text.clear();
   console.OnEvent(engine::StageBegun{9});
   EXPECT_EQ(screen.text, "\r\033[K[##############################] 100% Closing file...");
@@ -87,11 +87,11 @@ TEST(Progress, OfACopyThePaceAndTheTimeThatIsLeftAreShownOnceTheyCanBeTold) {
   now += std::chrono::seconds(1);
   progress.OnCopied({100, 10'000, 5'000'000, 500'000'000});
   progress.OnPercentage(1);
-  EXPECT_TRUE(screen.text.ends_with("30% 100 of 10000 items, 5.0 MB of 500.0 MB")) << "a second tells nothing";
+  EXPECT_TRUE(screen.text.ends_with("39% 100 of 10000 items, 5.0 MB of 500.0 MB")) << "a second tells nothing";
   now += std::chrono::seconds(9);
   progress.OnCopied({1000, 10'000, 100'000'000, 500'000'000});
   progress.OnPercentage(20);
-  EXPECT_TRUE(screen.text.ends_with("44% 1000 of 10000 items, 100.0 MB of 500.0 MB, 100 a second, 40 s left"))
+  EXPECT_TRUE(screen.text.ends_with("51% 1000 of 10000 items, 100.0 MB of 500.0 MB, 100 a second, 40 s left"))
       << screen.text << ": what is left is told by the bytes";
   now += std::chrono::seconds(9'990);
   progress.OnCopied({5000, 10'000, 250'000'000, 500'000'000});
