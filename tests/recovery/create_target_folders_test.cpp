@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "recovery/recovery_fixture.h"
 #include "store/format/store_nodes.h"
 
@@ -121,6 +123,49 @@ TEST_F(CreateTargetFoldersTest, AFailureOfTheStoreEndsTheStep) {
   trace_.failing = R"({"op":"AddFolder")";
   trace_.code = output::ResultCode::STG_E_MEDIUMFULL;
   EXPECT_THROW(Create({{10, 99, u"Inbox", u"IPF.Note"}}), output::OutputFailure);
+}
+
+/// Ends or stops a run when the log names a folder.
+class CreateTargetFoldersUntilTest : public CreateTargetFoldersTest {
+ protected:
+  void Write(text::TextView text) override {
+    if (text == name_) then_();
+  }
+
+  void CreateUntil(text::TextView name, std::function<void()> then) {
+    run_.log = this;
+    name_ = name;
+    then_ = std::move(then);
+    Create({{10, 30, u"child", u"IPF.Note"}, {20, 99, u"other", u"IPF.Note"}, {30, 99, u"parent", u"IPF.Note"}});
+  }
+
+ private:
+  text::TextView name_;
+  std::function<void()> then_;
+};
+
+TEST_F(CreateTargetFoldersUntilTest, AStopLeavesTheFoldersThatAreNotMadeYet) {
+  const auto stop = [this] { run_.control.RequestStop(); };
+  EXPECT_THROW(CreateUntil(u"other", stop), engine::RunStopped);
+  EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "other", R"("IPF.Note")")));
+}
+
+TEST_F(CreateTargetFoldersUntilTest, AStopLeavesTheFoldersThatWereSetAside) {
+  const auto stop = [this] { run_.control.RequestStop(); };
+  EXPECT_THROW(CreateUntil(u"parent", stop), engine::RunStopped);
+  EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "other", R"("IPF.Note")"), Made("", "parent", R"("IPF.Note")")));
+}
+
+TEST_F(CreateTargetFoldersUntilTest, AnEndOfTheRunLeavesThemToo) {
+  CreateUntil(u"other", [this] { run_.runEnded = true; });
+  EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "other", R"("IPF.Note")")));
+  EXPECT_TRUE(state_.report.skipped.empty());
+}
+
+TEST_F(CreateTargetFoldersUntilTest, AnEndOfTheRunLeavesThoseThatWereSetAsideToo) {
+  CreateUntil(u"parent", [this] { run_.runEnded = true; });
+  EXPECT_THAT(Trace("AddFolder"), ElementsAre(Made("", "other", R"("IPF.Note")"), Made("", "parent", R"("IPF.Note")")));
+  EXPECT_TRUE(state_.report.skipped.empty());
 }
 
 TEST_F(CreateTargetFoldersTest, TheLogNamesEachFolderThatWasMade) {
