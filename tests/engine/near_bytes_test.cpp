@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <latch>
 #include <random>
-#include <thread>
 
 #include "engine/bad_disk.h"
 #include "platform/memory_file.h"
@@ -62,21 +61,22 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
     return testing::AssertionSuccess();
   }
 
-  /// How often the disk was read once all that was begun is done; where there are threads, this is `ahead` times more
-  /// often than was asked for.
+  /// How often the disk was read once all that is to be read ahead is; where there are threads, this is `ahead` times
+  /// more often than was asked for.
   testing::AssertionResult WasReadFor(int times, int ahead) {
-    AwaitBeginnings();
-    bytes_.reset();
+    AwaitReads();
     const int expected = times + (GetParam() > 1 ? ahead : 0);
     if (disk_->reads == expected) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "read " << disk_->reads << " times, not " << expected;
   }
 
-  /// Returns when all that is to be read ahead is begun, where there are threads to do so.
-  void AwaitBeginnings() {
-    std::atomic<bool> isDone = false;
-    const auto last = workers_.Start([&] { isDone = true; });
-    while (GetParam() > 1 && !isDone) std::this_thread::yield();
+  /// Returns when all that is to be read ahead is read, where there are threads to do so: steps are begun in their
+  /// order, so when all threads have met here, none of them is at an earlier one.
+  void AwaitReads() {
+    std::latch met(GetParam());
+    std::vector<std::unique_ptr<platform::Workers::Step>> last;
+    for (unsigned i = 1; i < GetParam(); ++i) last.push_back(workers_.Start([&] { met.arrive_and_wait(); }));
+    met.arrive_and_wait();
   }
 
   platform::Workers workers_{GetParam()};
@@ -124,16 +124,16 @@ TEST_P(NearBytesTest, AWindowThatFollowsMayLieBehindOneThatNobodyAskedFor) {
 
 TEST_P(NearBytesTest, AWindowAheadMayBePassedOver) {
   ASSERT_TRUE(AreRead(0, 3 * kOneWindow));  // ahead are two windows and then four
-  AwaitBeginnings();
+  AwaitReads();
   ASSERT_TRUE(AreRead(5 * kOneWindow, 9 * kOneWindow));
-  AwaitBeginnings();
+  AwaitReads();
   ASSERT_TRUE(AreRead(9 * kOneWindow, 17 * kOneWindow)) << "eight are ahead of those four";
   EXPECT_TRUE(WasReadFor(1 + 2 + 1 + 1 + 1, 1 + 2)) << "the first was for nothing, and two are ahead at the end";
 }
 
 TEST_P(NearBytesTest, WhatWasReadAheadElsewhereIsNotTakenForWhatFollows) {
   ASSERT_TRUE(AreRead(20 * kOneWindow, 23 * kOneWindow));  // ahead are two windows and then four
-  AwaitBeginnings();
+  AwaitReads();
   ASSERT_TRUE(AreRead(0, 9 * kOneWindow));
   // Of the windows from 0 on none is read alone that lies in a larger one: 0, 1, 2, two and four.
   EXPECT_TRUE(WasReadFor((1 + 2 + 1) + (1 + 2 + 1 + 1 + 1), 2 + 2));
@@ -166,7 +166,7 @@ TEST_P(NearBytesTest, BehindAWindowThatFailedNothingIsReadAhead) {
 TEST_P(NearBytesTest, WhatIsReadAheadOfWhatFailedIsGivenUp) {
   Open({{4 * kOneWindow, 4 * kOneWindow + 512}});
   ASSERT_TRUE(AreRead(0, 3 * kOneWindow));  // ahead are two windows, which cannot be read, and then four
-  AwaitBeginnings();
+  AwaitReads();
   ASSERT_TRUE(IsRead(3 * kOneWindow + 17000, 1000));
   EXPECT_EQ(disk_->failures, 1);
   const std::uint64_t before = disk_->bytesRead;
@@ -185,9 +185,9 @@ TEST_P(NearBytesTest, ReadsThatGoToAndFroOverTheEndOfAWindowTakeNoMore) {
 TEST_P(NearBytesTest, NoWindowIsReadAnyMoreBehindReadsOfAllBytes) {
   Open({}, true);
   ASSERT_TRUE(AreRead(0, 5 * kOneWindow));
-  AwaitBeginnings();
   int times = 0;
   ASSERT_TRUE(AreReadHereAndThere(5 * kOneWindow, 20 * kOneWindow, times));
+  AwaitReads();
   const std::uint64_t before = disk_->bytesRead;
   ASSERT_TRUE(AreReadHereAndThere(20 * kOneWindow, 29 * kOneWindow, times));
   EXPECT_EQ(disk_->bytesRead - before, 59U * 500);
