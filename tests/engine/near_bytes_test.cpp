@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <latch>
+#include <atomic>
 #include <random>
+#include <thread>
 
 #include "engine/bad_disk.h"
 #include "platform/memory_file.h"
@@ -73,10 +74,13 @@ class NearBytesTest : public ::testing::TestWithParam<unsigned> {
   /// Returns when all that is to be read ahead is read, where there are threads to do so: steps are begun in their
   /// order, so when all threads have met here, none of them is at an earlier one.
   void AwaitReads() {
-    std::latch met(GetParam());
+    std::atomic<unsigned> missing = GetParam();  // a latch of the library for Windows (GCC 12) may sleep for ever
+    const auto meet = [&] {
+      for (--missing; missing != 0;) std::this_thread::yield();
+    };
     std::vector<std::unique_ptr<platform::Workers::Step>> last;
-    for (unsigned i = 1; i < GetParam(); ++i) last.push_back(workers_.Start([&] { met.arrive_and_wait(); }));
-    met.arrive_and_wait();
+    for (unsigned i = 1; i < GetParam(); ++i) last.push_back(workers_.Start(meet));
+    meet();
   }
 
   platform::Workers workers_{GetParam()};
