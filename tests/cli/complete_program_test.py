@@ -138,6 +138,12 @@ class CompleteProgram(program_fixture.ProgramTest):
         text = self.on_a_terminal("--complete", NO_COLOR="1")
         self.assertRegex(text, rb"\r\x1b\[K\[#{30}\] 100% (\d+) of \1 items, \d")
 
+    def test_the_bar_is_divided_by_what_the_stages_take(self):
+        self.check_bar([0, 0, 38, 39, 100], "--complete")
+
+    def test_the_bar_leaves_room_for_verifying(self):
+        self.check_bar([0, 0, 16, 16, 43], "--complete", "--verify")
+
     # ---------------------------------------------------------------- losses
 
     def test_losses_end_the_result_one_by_one_with_the_way_to_the_list(self):

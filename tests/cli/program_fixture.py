@@ -5,6 +5,7 @@ import fcntl
 import os
 import pathlib
 import pty
+import re
 import signal
 import subprocess
 import sys
@@ -72,6 +73,15 @@ class ProgramTest(unittest.TestCase):
             text += piece
         self.assertEqual(child.wait(), 0)
         return text
+
+    def check_bar(self, begins, *options):
+        """On a terminal the stages begin at these percentages of the run, and the bar never goes back."""
+        text = self.on_a_terminal(*options, NO_COLOR="1").decode()
+        drawn = [(int(share), caption) for share, caption in re.findall(r"(\d+)% ([^\r\n]*)", text)]
+        shares = [share for share, _ in drawn]
+        self.assertEqual(shares, sorted(shares))
+        first = {caption: share for share, caption in reversed(drawn)}
+        self.assertEqual([first[stage] for stage in self.STAGES], begins)
 
     def check_store(self, path, *options):
         tool = stores.aid("VELMORA_TOOLS", "tools") / "pstcheck.py"

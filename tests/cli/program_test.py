@@ -153,6 +153,9 @@ class Program(program_fixture.ProgramTest):
         self.assertIn(b"\r\x1b[K[", text)
         self.assertNotIn(b"\x1b[3", text)
 
+    def test_the_bar_is_divided_by_what_the_stages_take(self):
+        self.check_bar([0, 0, 31, 32, 35, 39, 39, 100])
+
     # ---------------------------------------------------------------- refusals
 
     def refused(self, source, code, message, cause=""):
